@@ -1,0 +1,64 @@
+// What several tests need: folders that clean up after themselves, whole files, other programs, and what the
+// program under test printed.
+#pragma once
+
+#include <string>
+#include <utility>
+
+namespace zentrak::test {
+
+// An empty folder under the system's temporary one; removed with all that is in it at the end of its life.
+class TempDir {
+public:
+    TempDir();
+    ~TempDir();
+    TempDir(const TempDir&) = delete;
+    TempDir& operator=(const TempDir&) = delete;
+
+    const std::string& path() const { return mPath; } // without a separator at its end
+    std::string        file(const std::string& name) const { return mPath + "/" + name; }
+
+private:
+    std::string mPath;
+};
+
+// Makes `path` the current folder for as long as it lives.
+class WorkingDir {
+public:
+    explicit WorkingDir(const std::string& path);
+    ~WorkingDir();
+    WorkingDir(const WorkingDir&) = delete;
+    WorkingDir& operator=(const WorkingDir&) = delete;
+
+private:
+    std::string mBefore;
+};
+
+// Whole files; a failure to open or write fails the running test.
+std::string readFile(const std::string& path);
+void        writeFile(const std::string& path, const std::string& bytes);
+bool        fileExists(const std::string& path);
+
+// A path below the root of the source tree, or of the build tree.
+std::string sourcePath(const std::string& name);
+std::string binaryPath(const std::string& name);
+
+// Runs a shell command; its exit status and what it printed on both streams.
+std::pair<int, std::string> runCommand(const std::string& command);
+
+// Collects what goes to file descriptor 1 while it lives, stdio and iostreams alike.
+class CaptureStdout {
+public:
+    CaptureStdout();
+    ~CaptureStdout();
+    CaptureStdout(const CaptureStdout&) = delete;
+    CaptureStdout& operator=(const CaptureStdout&) = delete;
+
+    std::string text(); // everything since the start
+
+private:
+    int         mSaved;
+    std::string mPath;
+};
+
+} // namespace zentrak::test
