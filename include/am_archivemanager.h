@@ -1,0 +1,56 @@
+// All named files of the program: an ordered list of archives, searched front to back, and the images in
+// them.
+#pragma once
+
+#include "am_archive.h"
+#include "am_image.h"
+#include "am_imagemanager.h"
+
+#include <string>
+#include <vector>
+
+namespace zentrak::am {
+
+class ArchiveManager {
+public:
+    ArchiveManager();
+    ~ArchiveManager();
+    ArchiveManager(const ArchiveManager&) = delete;
+    ArchiveManager& operator=(const ArchiveManager&) = delete;
+
+    // Adds a directory ("data", "./", "a.b/c") or a zip file ("zip://data.zip" and no other form); the index
+    // of the new archive, or -1 for anything else. Nothing is opened to see whether it is there: an archive
+    // that is not has no files.
+    int addArchive(const std::string& path);
+
+    // The first archive that has the file gives it, whatever `archive` says; empty if none has.
+    File readFile(const std::string& name, int archive = -1);
+
+    // Writes into the archive with that index, or the first one for -1. False if there is no such archive, it
+    // is a zip, or the file could not be written whole (it is then as it was before).
+    bool writeFile(File file, int archive = -1);
+
+    // Encodes by the name's extension and writes to the first archive. False if no codec writes that
+    // extension or the file could not be written. Throws for a null image and for one held by the image
+    // cache.
+    bool writeImage(const std::string& name, Image& image);
+
+    // Reads and decodes. `writable` false: shared through the cache, read-only. True: the caller's own.
+    // Throws "loadImage, File not found (%s)", and what ImageManager::loadImage throws.
+    Image loadImage(const std::string& name, int archive, bool writable);
+
+    void flush(int archive); // a negative index flushes every archive
+
+    bool writeAllToArchive(const std::string& path); // does nothing and returns true
+
+    ImageManager* getImageManager() const { return mImageManager; } // owned by this manager
+
+private:
+    ArchiveBase* archiveAt(int archive) const;
+    int          add(ArchiveBase* archive);
+
+    std::vector<ArchiveBase*> mArchives;     // owned, in order of addition
+    ImageManager*             mImageManager; // owned
+};
+
+} // namespace zentrak::am
