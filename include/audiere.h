@@ -1,0 +1,154 @@
+// Sound: a device, a file in memory, a source of samples decoded from it, and a stream that plays the source.
+//
+// Everything is called from one thread, and the library starts none of its own: a playing stream decodes as
+// it plays, inside the calls that its user makes every frame (isPlaying and getPosition). It keeps a second
+// and a half decoded ahead, so a slow frame isn't heard; after a longer one the music goes on where it fell
+// silent.
+#pragma once
+
+#include <utility>
+
+namespace zentrak::audiere {
+
+// The base of all objects here: an object counts its references and deletes itself when the last one goes.
+// It is born with a count of 0; the RefPtr that an entry point returns is the first reference.
+class RefCounted {
+public:
+    RefCounted(const RefCounted&) = delete;
+    RefCounted& operator=(const RefCounted&) = delete;
+
+    void ref() { ++mRefCount; }
+    void unref() {
+        if (--mRefCount == 0) {
+            delete this;
+        }
+    }
+
+protected:
+    RefCounted() = default;
+    virtual ~RefCounted() = default;
+
+private:
+    int mRefCount = 0;
+};
+
+// A reference to a T, or null. It keeps the object alive.
+template <typename T>
+class RefPtr {
+public:
+    RefPtr() = default;
+    RefPtr(T* object) : mObject(object) { // may be null
+        if (mObject) {
+            mObject->ref();
+        }
+    }
+    RefPtr(const RefPtr& other) : RefPtr(other.mObject) {}
+    RefPtr(RefPtr&& other) noexcept : mObject(std::exchange(other.mObject, nullptr)) {}
+    ~RefPtr() {
+        if (mObject) {
+            mObject->unref();
+        }
+    }
+    RefPtr& operator=(RefPtr other) noexcept {
+        std::swap(mObject, other.mObject);
+        return *this;
+    }
+
+    T*       get() const { return mObject; }
+    T*       operator->() const { return mObject; }
+    T&       operator*() const { return *mObject; }
+    explicit operator bool() const { return mObject != nullptr; }
+    bool     operator==(const RefPtr& other) const { return mObject == other.mObject; }
+
+private:
+    T* mObject = nullptr;
+};
+
+// The form of one sample of one channel.
+enum SampleFormat {
+    SF_F32, // float, full scale is -1 to 1; louder peaks are kept
+};
+
+// Bytes that can be read and sought.
+class File : public RefCounted {
+public:
+    // From where seek counts.
+    enum SeekMode { BEGIN, CURRENT, END };
+
+    // Up to `size` bytes; returns how many: fewer only at the end of the file.
+    virtual int read(void* buffer, int size) = 0;
+
+    // To a byte. False, and nothing moved, outside 0 to the size of the file.
+    virtual bool seek(int position, SeekMode mode) = 0;
+
+    // Bytes from the beginning.
+    virtual int tell() = 0;
+};
+
+// Decoded sound. Lengths and positions are in sample frames, a frame being one sample of each channel.
+class SampleSource : public RefCounted {
+public:
+    // One or two channels, frames per second, the form of a sample.
+    virtual void getFormat(int& channelCount, int& sampleRate, SampleFormat& sampleFormat) = 0;
+
+    virtual int getLength() = 0;
+
+    // Up to `frameCount` frames, their channels interleaved; returns how many: fewer only at the end.
+    virtual int read(int frameCount, void* buffer) = 0;
+
+    // The next frame to be read; set exactly, and clamped to 0..length.
+    virtual void setPosition(int position) = 0;
+    virtual int  getPosition() = 0;
+};
+
+// Where sound goes. Streams opened on it keep it alive.
+class AudioDevice : public RefCounted {};
+
+// One sound on a device. It starts out stopped, at the beginning, at full volume.
+class OutputStream : public RefCounted {
+public:
+    // Goes on from the position that the stream has. A stream that ran out begins again from the start,
+    // unless setPosition has moved it since. No effect on a playing stream.
+    virtual void play() = 0;
+
+    // Falls silent and keeps the position. No effect on a stopped stream.
+    virtual void stop() = 0;
+
+    // True from play until stop, or until the last frame was heard.
+    virtual bool isPlaying() = 0;
+
+    // 0 is silence, 1 the sound as it is; clamped to that range.
+    virtual void  setVolume(float volume) = 0;
+    virtual float getVolume() = 0;
+
+    // Moves to a frame, clamped to 0..length. A playing stream goes on from there at once, and at the length
+    // has run out; a stopped one stays stopped.
+    virtual void setPosition(int position) = 0;
+
+    // The frame now heard. Stands still while stopped, and is the length after the last frame (of a damaged
+    // file: the frame where it could not be read any further).
+    virtual int getPosition() = 0;
+
+    virtual int getLength() = 0; // in frames
+};
+
+// Opens a sound device: the system's own for "autodetect", "" or null, else the one of that name.
+// `parameters` has no use here and may be null. Null when there is none.
+RefPtr<AudioDevice> AdrOpenDevice(const char* name, const char* parameters);
+
+// A file that holds a copy of `size` bytes at `data`. Null when `size` is negative, or `data` null and `size`
+// not 0.
+RefPtr<File> AdrCreateMemoryFile(const void* data, int size);
+
+// A source of what `file` holds: Vorbis, FLAC, WAV, MP3 or a tracker module, recognised by its bytes.
+// `format` is 0, the only choice there is. Sound of more than two channels is mixed down to two. The source
+// keeps the file alive and needs it for itself. Null when the file is null or can't be decoded.
+RefPtr<SampleSource> AdrOpenSampleSourceFromFile(const RefPtr<File>& file, int format);
+
+// A stream that plays `source` on `device`; it keeps both alive and needs the source for itself. `streaming`
+// asks to decode while playing, which is done in either case. Null when one of them is null or the device
+// takes no more.
+RefPtr<OutputStream> AdrOpenSound(const RefPtr<AudioDevice>& device, const RefPtr<SampleSource>& source,
+                                  bool streaming);
+
+} // namespace zentrak::audiere
