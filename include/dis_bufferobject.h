@@ -1,0 +1,60 @@
+// A buffer of OpenGL with entries of one size, or plain memory where there are no buffers.
+#pragma once
+
+#include "dis_resource.h"
+
+#include <GL/glew.h>
+#include <cstdint>
+
+namespace zentrak::display {
+
+// Without GL_ARB_vertex_buffer_object the entries lie in memory of the process behind the same calls. A
+// buffer does not outlive its context: after the window was opened anew its owner sets it up again.
+class BufferObject : public Resource {
+public:
+    explicit BufferObject(
+        DisplayGL* display); // the mode is STATIC; setResourceMode before the set-up changes it
+    ~BufferObject() override;
+    BufferObject(const BufferObject&) = delete;
+    BufferObject& operator=(const BufferObject&) = delete;
+
+    static bool isSupported(); // GL_ARB_vertex_buffer_object
+
+    virtual void bind();   // for writing and for drawing; asserts "mBound==false"
+    virtual void unbind(); // asserts "mBound"
+    virtual void clear();  // frees everything; a bound buffer is unbound, a current one leaves its display
+
+    // Makes `numEntities` entries of `entitySize` bytes; `data` holds them all, or is null. Nothing is bound
+    // afterwards. What was held before is not freed: clear() does that.
+    void initBO(GLenum target, int entitySize, int numEntities, void* data);
+
+    // The entries' memory, for writing, reading or both, until unlock(); null if OpenGL refuses. Asserts
+    // "write==true || read==true" and "mBound".
+    void* lock(bool write, bool read);
+    void  unlock(); // a damaged buffer is a warning: "Buffer object corrupted?!"
+
+    // Copies `numEntities` entries from `data` behind the first `firstEntity` ones. Asserts "mBound". A range
+    // outside the buffer throws Exception.
+    void replace(int firstEntity, int numEntities, void* data);
+
+    int getEntitySize() const { return mEntitySize; } // bytes
+    int getSize() const { return mEntities; }         // entries
+
+protected:
+    bool inRange(int firstEntity, int numEntities) const;
+
+    int      mEntities;   // entries
+    int      mEntitySize; // bytes of one
+    GLuint   mID;         // 0 when emulated
+    bool     mBound;
+    bool     mMapped;
+    uint8_t* mCompPtr; // the emulation's memory; null with a buffer of OpenGL
+    GLenum   mTarget;
+
+private:
+    void release() noexcept;
+
+    int mContext; // the opening of the window that the buffer belongs to
+};
+
+} // namespace zentrak::display

@@ -1,0 +1,59 @@
+// Text from one image of 256 glyphs.
+#pragma once
+
+#include "dis_batch.h"
+#include "dis_resource.h"
+#include "dis_texture.h"
+
+#include <cstdint>
+#include <string>
+
+namespace zentrak::display {
+
+// The image holds 16 by 16 cells, one for each byte value, row by row: the shape is in its red channel. Each
+// glyph stands at the left of its cell, and is as wide as its rightmost column with a value above 200. Bytes
+// are glyphs: there is no encoding.
+class Font : public Resource {
+public:
+    enum : int { ALIGN_LEFT = 0, ALIGN_RIGHT = 1, ALIGN_CENTER = 2 };
+
+    explicit Font(DisplayGL* display);
+
+    // Loads the image. `size` over the window's size is one pixel of the image in units of the screen: with
+    // the window's own size, a unit is a pixel. Throws "Cannot load font motherfucker!" if it cannot load,
+    // and what loading an image throws.
+    void load(const std::string& filename, bool mipmaps, mathbase::Vector2f size);
+
+    // Draws in the plane z = 0 under the current matrices: centred on y = 0, from x = 0 to the right, to the
+    // left, or to both sides, by the alignment. Blends by the current blend function; leaves all state but
+    // the texture binding, which is 0 afterwards.
+    void draw(const std::string& text, mathbase::Vector2f scale, mathbase::Vector4f color);
+
+    float getLength(const std::string& text) const;                     // the sum of the advances, at scale 1
+    float getHeight() const { return float(mCharHeight) * mUnitSizeY; } // of a cell, at scale 1
+    float getAdvance(unsigned char c) const { return mKerning[c]; }     // of one character, at scale 1
+
+    void setAlignment(int align) { mAlign = align; }
+    void setSizeOfSpace(float size) {
+        mKerning[' '] = size;
+    } // the advance of a space, in units of the screen
+
+private:
+    void measure(const uint8_t* pixels);
+
+    uint32_t mWidth; // of the image, in pixels
+    uint32_t mHeight;
+    int      mCharWidth; // of a cell, in pixels
+    int      mCharHeight;
+    float    mKerning[256]; // advances, in units of the screen
+    int      mAlign;
+    float    mUnitSizeX; // one pixel of the image, in units of the screen
+    float    mUnitSizeY;
+    float    mLetterWidth; // one cell, in texture coordinates
+    float    mLetterHeight;
+    uint8_t* mData; // null after load
+    Texture  mTexture;
+    Batch    mBatch;
+};
+
+} // namespace zentrak::display
