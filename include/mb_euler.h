@@ -1,4 +1,4 @@
-// A rotation as three angles and their order.
+// Three rotation angles and the order to take them in.
 #pragma once
 
 #include "mb_rotationorder.h"
@@ -7,16 +7,14 @@
 namespace zentrak::mathbase {
 
 struct Euler {
-    Vector3f      angles; // radians, about x, y and z
+    Vector3f      angles; // radians about x, y and z
     RotationOrder order;
 
-    Euler() = default;
-    explicit Euler(const Vector3f& angles_, RotationOrder order_ = RotationOrder::XYZ)
-        : angles(angles_), order(order_) {}
-    Euler(float x, float y, float z, RotationOrder order_ = RotationOrder::XYZ)
-        : angles(x, y, z), order(order_) {}
+    constexpr Euler() = default;
+    constexpr Euler(const Vector3f& someAngles, RotationOrder anOrder) : angles(someAngles), order(anOrder) {}
+    constexpr Euler(float x, float y, float z, RotationOrder anOrder) : angles(x, y, z), order(anOrder) {}
 };
 
-typedef Euler Eulerf;
+using Eulerf = Euler;
 
 } // namespace zentrak::mathbase

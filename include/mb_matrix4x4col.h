@@ -1,285 +1,313 @@
-// 4 by 4 matrices, laid out as OpenGL wants them: column-major, acting on column vectors. Element (row r,
-// column c) is mData[c * 4 + r]; the translation is in mData[12] to mData[14]. Angles are radians.
+// A 4 x 4 matrix in the order that OpenGL takes: element (row r, column c) is mData[c * 4 + r]. Vectors are
+// columns, so that in A x B the right one works first. Angles are radians.
 #pragma once
 
 #include "mb_quat.h"
+#include "mb_vector2.h"
 #include "mb_vector3.h"
 #include "mb_vector4.h"
 
-#include <cassert>
 #include <cmath>
 
 namespace zentrak::mathbase {
 
-// A setter replaces the whole matrix.
 struct Matrix4x4Col {
-    float mData[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}; // the identity at first
+    float mData[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}; // identity
 
-    void setZero() {
-        for (float& f : mData) {
-            f = 0;
-        }
-    }
-    void setDiagonal(float x, float y, float z, float w) {
-        setZero();
-        mData[0] = x, mData[5] = y, mData[10] = z, mData[15] = w;
-    }
-    void setIdentity() { setDiagonal(1, 1, 1, 1); }
+    constexpr bool operator==(const Matrix4x4Col& m) const = default;
 
-    // About x and z the usual right-handed rotations; about y deliberately the opposite of the usual sense.
-    void setRotX(float a) {
-        const float c = cosf(a), s = sinf(a);
-        setIdentity();
-        mData[5] = c, mData[6] = s, mData[9] = -s, mData[10] = c;
-    }
-    void setRotY(float a) {
-        const float c = cosf(a), s = sinf(a);
-        setIdentity();
-        mData[0] = c, mData[2] = s, mData[8] = -s, mData[10] = c;
-    }
-    void setRotZ(float a) {
-        const float c = cosf(a), s = sinf(a);
-        setIdentity();
-        mData[0] = c, mData[1] = s, mData[4] = -s, mData[5] = c;
-    }
-    void setRot(const Quatf& q) { buildPRS(Vector3f(0, 0, 0), q, Vector3f(1, 1, 1)); } // of a unit quaternion
+    // Setters: each replaces the whole matrix.
 
-    void setTranslation(const Vector3f& v) {
-        setIdentity();
-        mData[12] = v.x, mData[13] = v.y, mData[14] = v.z;
+    constexpr void setIdentity() { setDiagonal(1, 1, 1, 1); }
+    constexpr void setZero() { setDiagonal(0, 0, 0, 0); }
+
+    // Rotations about one axis. X and Z are right-handed; Y turns the other way, and is meant to.
+    void setRotX(float angle) {
+        const float c = cosf(angle), s = sinf(angle);
+        setDiagonal(1, c, c, 1);
+        mData[6] = s;
+        mData[9] = -s;
     }
-    void setTranslation(const Vector4f& v) {
-        setIdentity();
-        mData[12] = v.x, mData[13] = v.y, mData[14] = v.z, mData[15] = v.w;
+    void setRotY(float angle) {
+        const float c = cosf(angle), s = sinf(angle);
+        setDiagonal(c, 1, c, 1);
+        mData[2] = s;
+        mData[8] = -s;
     }
-    void setScale(const Vector3f& s) { setDiagonal(s.x, s.y, s.z, 1); }
-    void setScale(const Vector3f& s, const Vector3f& centre) {
+    void setRotZ(float angle) {
+        const float c = cosf(angle), s = sinf(angle);
+        setDiagonal(c, c, 1, 1);
+        mData[1] = s;
+        mData[4] = -s;
+    }
+    // The rotation of a quaternion of unit length.
+    constexpr void setRot(const Quatf& q) {
+        setRotationPart(q);
+        setColumn(3, 0, 0, 0, 1);
+    }
+
+    constexpr void setTranslation(const Vector3f& v) {
+        setIdentity();
+        setColumn(3, v.x, v.y, v.z, 1);
+    }
+    constexpr void setTranslation(const Vector4f& v) {
+        setIdentity();
+        setColumn(3, v.x, v.y, v.z, v.w);
+    }
+
+    constexpr void setScale(const Vector3f& s) { setDiagonal(s.x, s.y, s.z, 1); }
+    // About the point `centre`, which stays where it is.
+    constexpr void setScale(const Vector3f& s, const Vector3f& centre) {
         setScale(s);
-        mData[12] = (1 - s.x) * centre.x, mData[13] = (1 - s.y) * centre.y, mData[14] = (1 - s.z) * centre.z;
+        setColumn(3, (1.0f - s.x) * centre.x, (1.0f - s.y) * centre.y, (1.0f - s.z) * centre.z, 1);
     }
-    void setShear(const Vector3f& v) {
+    constexpr void setShear(const Vector3f& v) {
         setIdentity();
-        mData[4] = v.x * v.y, mData[8] = v.x * v.z, mData[9] = v.y * v.z;
+        mData[4] = v.x * v.y;
+        mData[8] = v.x * v.z;
+        mData[9] = v.y * v.z;
     }
-    // Scale after shear, both about `centre`.
-    void setScaleAndShear(const Vector3f& scale, const Vector3f& centre, const Vector3f& shear) {
-        Matrix4x4Col m;
-        setTranslation(centre);
-        m.setScale(scale);
-        multiplyFromRight(m);
-        m.setShear(shear);
-        multiplyFromRight(m);
-        m.setTranslation(-centre);
-        multiplyFromRight(m);
+    // setScale(scale) x setShear(shear) about the point `centre`, which stays where it is.
+    constexpr void setScaleAndShear(const Vector3f& scale, const Vector3f& centre, const Vector3f& shear) {
+        setShear(shear);
+        for (int c = 0; c < 3; ++c) {
+            mData[c * 4 + 0] *= scale.x;
+            mData[c * 4 + 1] *= scale.y;
+            mData[c * 4 + 2] *= scale.z;
+        }
+        const Vector3f moved = centre - multiplyVector(centre);
+        setColumn(3, moved.x, moved.y, moved.z, 1);
     }
 
-    // Perspective; `fov` is the full vertical angle.
+    // Perspective; `fov` is the full vertical angle, `aspect` width by height, the planes distances.
     void setProject(float fov, float aspect, float near, float far) {
-        const float h = near * tanf(fov / 2), w = aspect * h;
-        setFrustum(-w, w, -h, h, near);
-        mData[10] = -(near + far) / (far - near);
-        mData[14] = -2 * far * near / (far - near);
+        const float h = near * tanf(fov / 2.0f);
+        const float w = aspect * h;
+        setDiagonal(near / w, near / h, -(near + far) / (far - near), 0);
+        mData[8] = (w + -w) / (w - -w);
+        mData[9] = (h + -h) / (h - -h);
+        mData[11] = -1.0f;
+        mData[14] = -2.0f * far * near / (far - near);
     }
     // The same with the far plane at infinity.
     void setProjectInf(float fov, float aspect, float near) {
-        const float h = float(near * tan(double(fov) / 2)), w = aspect * h;
-        setFrustum(-w, w, -h, h, near);
-        mData[10] = -1;
-        mData[14] = -2 * near;
+        const float h = static_cast<float>(near * tan(static_cast<double>(fov) / 2.0));
+        const float w = aspect * h;
+        setDiagonal(near / w, near / h, -1.0f, 0);
+        mData[8] = (w + -w) / (w - -w);
+        mData[9] = (h + -h) / (h - -h);
+        mData[11] = -1.0f;
+        mData[14] = -2.0f * near;
     }
-    // mData[10] is positive, unlike that of glOrtho, and meant to be.
-    void setProjectOrtho(float left, float right, float bottom, float top, float near, float far) {
-        setDiagonal(2 / (right - left), 2 / (top - bottom), 2 / (far - near), 1);
+    // Parallel projection. Depth keeps its sign, unlike glOrtho's, and is meant to.
+    constexpr void setProjectOrtho(float left, float right, float bottom, float top, float near, float far) {
+        setDiagonal(2.0f / (right - left), 2.0f / (top - bottom), 2.0f / (far - near), 1);
         mData[12] = -(right + left) / (right - left);
         mData[13] = -(top + bottom) / (top - bottom);
         mData[14] = -(far + near) / (far - near);
     }
-    // For flat drawing: depths -1 to 1 as they are.
-    void setProjectOrtho2D(float left, float right, float bottom, float top) {
-        setProjectOrtho(left, right, bottom, top, -1, 1);
+    // The same for flat drawing: depths from -1 to 1.
+    constexpr void setProjectOrtho2D(float left, float right, float bottom, float top) {
+        setProjectOrtho(left, right, bottom, top, -1.0f, 1.0f);
     }
 
-    // The view from `eye` to `target`, turned by `roll` about the line of sight, and its inverse, the
-    // camera's frame in the world. Both assert "length!=0" where the two points are one.
+    // The view from `eye` towards `target` with y up, turned by `roll` about the line of sight. Looking
+    // straight up or down, x stands in for up. Asserts that the two points differ.
     void setCamera(const Vector3f& eye, const Vector3f& target, float roll) {
-        const Frame f(eye, target);
-        for (int i = 0; i < 3; ++i) {
-            mData[i * 4] = f.side[i], mData[i * 4 + 1] = f.up[i], mData[i * 4 + 2] = -f.ahead[i];
-            mData[i * 4 + 3] = 0;
-        }
-        mData[12] = -f.side.dot(eye), mData[13] = -f.up.dot(eye), mData[14] = f.ahead.dot(eye), mData[15] = 1;
-        Matrix4x4Col turn;
-        turn.setRotZ(-roll);
-        multiplyFromLeft(turn);
+        const CameraFrame frame(eye, target);
+        const Vector3f&   s = frame.side;
+        const Vector3f&   u = frame.up;
+        const Vector3f&   f = frame.forward;
+        setColumn(0, s.x, u.x, -f.x, 0);
+        setColumn(1, s.y, u.y, -f.y, 0);
+        setColumn(2, s.z, u.z, -f.z, 0);
+        setColumn(3, -s.dot(eye), -u.dot(eye), f.dot(eye), 1);
+        Matrix4x4Col rotation;
+        rotation.setRotZ(-roll);
+        multiplyFromLeft(rotation);
     }
+    // The inverse of setCamera's matrix: the columns are the camera's right, up, backward and place.
     void setCameraInv(const Vector3f& eye, const Vector3f& target, float roll) {
-        const Frame f(eye, target);
-        for (int i = 0; i < 3; ++i) {
-            mData[i] = f.side[i], mData[4 + i] = f.up[i], mData[8 + i] = -f.ahead[i], mData[12 + i] = eye[i];
+        const CameraFrame frame(eye, target);
+        setColumn(0, frame.side.x, frame.side.y, frame.side.z, 0);
+        setColumn(1, frame.up.x, frame.up.y, frame.up.z, 0);
+        setColumn(2, -frame.forward.x, -frame.forward.y, -frame.forward.z, 0);
+        setColumn(3, eye.x, eye.y, eye.z, 1);
+        Matrix4x4Col rotation;
+        rotation.setRotZ(roll);
+        multiplyFromRight(rotation);
+    }
+
+    // Translation x rotation x scale, and its inverse. The quaternion is of unit length.
+    constexpr void buildPRS(const Vector3f& position, const Quatf& rotation, const Vector3f& scale) {
+        setRotationPart(rotation);
+        for (int r = 0; r < 3; ++r) {
+            mData[0 + r] *= scale.x;
+            mData[4 + r] *= scale.y;
+            mData[8 + r] *= scale.z;
         }
-        mData[3] = mData[7] = mData[11] = 0, mData[15] = 1;
+        setColumn(3, position.x, position.y, position.z, 1);
+    }
+    constexpr void buildPRSinverse(const Vector3f& position, const Quatf& rotation, const Vector3f& scale) {
+        const Vector3f s = scale.byOne();
+        setRotationPart(Quatf(rotation.w, -rotation.x, -rotation.y, -rotation.z));
+        for (int c = 0; c < 3; ++c) {
+            mData[c * 4 + 0] *= s.x;
+            mData[c * 4 + 1] *= s.y;
+            mData[c * 4 + 2] *= s.z;
+        }
+        const Vector3f p = multiplyVector(-position);
+        setColumn(3, p.x, p.y, p.z, 1);
+    }
+
+    // The frame of a camera that looks along y with z up, as modelled; and its inverse, the view matrix.
+    void buildBlenderCamera(const Vector3f& position, const Quatf& rotation, const Vector3f& scale) {
         Matrix4x4Col turn;
-        turn.setRotZ(roll);
+        turn.setRotX(-halfPi);
+        buildPRS(position, rotation, scale);
         multiplyFromRight(turn);
     }
-
-    // Translation times rotation, by a unit quaternion, times scale; and its inverse, built without
-    // inverting.
-    void buildPRS(const Vector3f& p, const Quatf& q, const Vector3f& s) {
-        const float x = q.x, y = q.y, z = q.z, w = q.w;
-        mData[0] = s.x * (1 - 2 * (y * y + z * z));
-        mData[1] = s.x * (2 * (x * y + w * z));
-        mData[2] = s.x * (2 * (x * z - w * y));
-        mData[3] = 0;
-        mData[4] = s.y * (2 * (x * y - w * z));
-        mData[5] = s.y * (1 - 2 * (z * z + x * x));
-        mData[6] = s.y * (2 * (y * z + w * x));
-        mData[7] = 0;
-        mData[8] = s.z * (2 * (x * z + w * y));
-        mData[9] = s.z * (2 * (y * z - w * x));
-        mData[10] = s.z * (1 - 2 * (x * x + y * y));
-        mData[11] = 0;
-        mData[12] = p.x, mData[13] = p.y, mData[14] = p.z, mData[15] = 1;
-    }
-    void buildPRSinverse(const Vector3f& p, const Quatf& q, const Vector3f& s) {
-        Matrix4x4Col m;
-        setScale(s.byOne());
-        m.setRot(Quatf(q.w, -q.x, -q.y, -q.z));
-        multiplyFromRight(m);
-        m.setTranslation(-p);
-        multiplyFromRight(m);
-    }
-    // The frame of a camera that looks along its own -z with +y up, as scenes keep it; and its inverse, the
-    // view matrix.
-    void buildBlenderCamera(const Vector3f& p, const Quatf& q, const Vector3f& s) {
-        Matrix4x4Col r;
-        r.setRotX(-1.5707964f);
-        buildPRS(p, q, s);
-        multiplyFromRight(r);
-    }
-    void buildBlenderCameraInverse(const Vector3f& p, const Quatf& q, const Vector3f& s) {
-        Matrix4x4Col r;
-        r.setRotX(1.5707964f);
-        buildPRSinverse(p, q, s);
-        multiplyFromLeft(r);
+    void buildBlenderCameraInverse(const Vector3f& position, const Quatf& rotation, const Vector3f& scale) {
+        Matrix4x4Col turn;
+        turn.setRotX(halfPi);
+        buildPRSinverse(position, rotation, scale);
+        multiplyFromLeft(turn);
     }
 
-    // this = this * b, and this = b * this. `b` may be this matrix.
-    void multiplyFromRight(const Matrix4x4Col& b) { *this = product(*this, b); }
-    void multiplyFromLeft(const Matrix4x4Col& b) { *this = product(b, *this); }
+    // Products. Either way the other matrix may be this one.
 
-    Matrix4x4Col& operator*=(const Matrix4x4Col& b) { return *this = product(*this, b); }
-    Matrix4x4Col  operator*(const Matrix4x4Col& b) const { return product(*this, b); }
+    // this = this x b
+    constexpr void multiplyFromRight(const Matrix4x4Col& b) { *this = product(*this, b); }
+    // this = b x this
+    constexpr void multiplyFromLeft(const Matrix4x4Col& b) { *this = product(b, *this); }
 
-    // The point (v, 1), with no division by w.
-    Vector3f multiply(const Vector3f& v) const {
-        const float* m = mData;
-        return Vector3f(m[0] * v.x + m[4] * v.y + m[8] * v.z + m[12],
-                        m[1] * v.x + m[5] * v.y + m[9] * v.z + m[13],
-                        m[2] * v.x + m[6] * v.y + m[10] * v.z + m[14]);
-    }
-    Vector4f multiply(const Vector4f& v) const {
-        const float* m = mData;
-        return Vector4f(m[0] * v.x + m[4] * v.y + m[8] * v.z + m[12] * v.w,
-                        m[1] * v.x + m[5] * v.y + m[9] * v.z + m[13] * v.w,
-                        m[2] * v.x + m[6] * v.y + m[10] * v.z + m[14] * v.w,
-                        m[3] * v.x + m[7] * v.y + m[11] * v.z + m[15] * v.w);
-    }
-    Vector3f operator*(const Vector3f& v) const { return multiply(v); }
-    Vector4f operator*(const Vector4f& v) const { return multiply(v); }
-
-    // A direction: the upper left 3 by 3, or its transpose, times v.
-    Vector3f multiplyVector(const Vector3f& v) const {
-        const float* m = mData;
-        return Vector3f(m[0] * v.x + m[4] * v.y + m[8] * v.z, m[1] * v.x + m[5] * v.y + m[9] * v.z,
-                        m[2] * v.x + m[6] * v.y + m[10] * v.z);
-    }
-    Vector3f multiplyVectorWithTransponate(const Vector3f& v) const {
-        const float* m = mData;
-        return Vector3f(m[0] * v.x + m[1] * v.y + m[2] * v.z, m[4] * v.x + m[5] * v.y + m[6] * v.z,
-                        m[8] * v.x + m[9] * v.y + m[10] * v.z);
+    constexpr Matrix4x4Col& operator*=(const Matrix4x4Col& b) {
+        multiplyFromRight(b);
+        return *this;
     }
 
-    void transponate() {
-        for (int c = 0; c < 4; ++c) {
+    // A point: the translation is added, and nothing is divided by w.
+    constexpr Vector3f multiply(const Vector3f& v) const {
+        return Vector3f(mData[0] * v.x + mData[4] * v.y + mData[8] * v.z + mData[12],
+                        mData[1] * v.x + mData[5] * v.y + mData[9] * v.z + mData[13],
+                        mData[2] * v.x + mData[6] * v.y + mData[10] * v.z + mData[14]);
+    }
+    constexpr Vector4f multiply(const Vector4f& v) const {
+        return Vector4f(mData[0] * v.x + mData[4] * v.y + mData[8] * v.z + mData[12] * v.w,
+                        mData[1] * v.x + mData[5] * v.y + mData[9] * v.z + mData[13] * v.w,
+                        mData[2] * v.x + mData[6] * v.y + mData[10] * v.z + mData[14] * v.w,
+                        mData[3] * v.x + mData[7] * v.y + mData[11] * v.z + mData[15] * v.w);
+    }
+    constexpr Vector3f operator*(const Vector3f& v) const { return multiply(v); }
+    constexpr Vector4f operator*(const Vector4f& v) const { return multiply(v); }
+
+    // A direction: the upper left 3 x 3 alone, and the same transposed.
+    constexpr Vector3f multiplyVector(const Vector3f& v) const {
+        return Vector3f(mData[0] * v.x + mData[4] * v.y + mData[8] * v.z,
+                        mData[1] * v.x + mData[5] * v.y + mData[9] * v.z,
+                        mData[2] * v.x + mData[6] * v.y + mData[10] * v.z);
+    }
+    constexpr Vector3f multiplyVectorWithTransponate(const Vector3f& v) const {
+        return Vector3f(mData[0] * v.x + mData[1] * v.y + mData[2] * v.z,
+                        mData[4] * v.x + mData[5] * v.y + mData[6] * v.z,
+                        mData[8] * v.x + mData[9] * v.y + mData[10] * v.z);
+    }
+
+    // Turns rows into columns, in place.
+    constexpr void transponate() {
+        for (int c = 1; c < 4; ++c) {
             for (int r = 0; r < c; ++r) {
-                const float f = mData[c * 4 + r];
+                const float swapped = mData[c * 4 + r];
                 mData[c * 4 + r] = mData[r * 4 + c];
-                mData[r * 4 + c] = f;
+                mData[r * 4 + c] = swapped;
             }
         }
     }
 
-    // i is 0 to 3.
-    Vector4f getColumn(int i) const {
-        assert(i>=0 && i<4);
-        return Vector4f(mData + i * 4);
+    // Column or row `i`, 0 to 3; of any other number the lowest two bits count.
+    constexpr Vector4f getColumn(int i) const {
+        const float* d = mData + (i & 3) * 4;
+        return Vector4f(d[0], d[1], d[2], d[3]);
     }
-    Vector4f getRow(int i) const {
-        assert(i>=0 && i<4);
-        return Vector4f(mData[i], mData[4 + i], mData[8 + i], mData[12 + i]);
+    constexpr Vector4f getRow(int i) const {
+        const float* d = mData + (i & 3);
+        return Vector4f(d[0], d[4], d[8], d[12]);
     }
 
-    // The point at the depth p.z that this projection sends to (p.x, p.y).
-    Vector3f getUnprojectedPoint(const Vector3f& p) const {
+    // The point at depth p.z (in front of the camera: negative) that this projection sends to (p.x, p.y),
+    // both -1 to 1.
+    constexpr Vector3f getUnprojectedPoint(const Vector3f& p) const {
         return Vector3f((-p.x * p.z - p.z * mData[8]) / mData[0], (-p.y * p.z - p.z * mData[9]) / mData[5],
                         p.z);
     }
-    // From the point at the depth -a to the one at -b, not normalised.
-    Vector3f getUnprojectedDirection(const Vector3f& p, float a, float b) const {
+    // From the unprojected point at depth -a to that at depth -b; not normalised.
+    constexpr Vector3f getUnprojectedDirection(const Vector2f& p, float a, float b) const {
         return getUnprojectedPoint(Vector3f(p.x, p.y, -b)) - getUnprojectedPoint(Vector3f(p.x, p.y, -a));
     }
 
 private:
-    // The three axes of a view.
-    struct Frame {
-        Vector3f ahead, side, up;
+    static constexpr float halfPi = 1.5707964f;
 
-        Frame(const Vector3f& eye, const Vector3f& target) : ahead(target - eye) {
-            ahead.normalize();
-            Vector3f above(0, 1, 0);
-            if (ahead.x == 0 && ahead.z == 0) {
-                above = Vector3f(-ahead.y, 0, 0);
-            }
-            side = ahead.cross(above);
+    struct CameraFrame {
+        Vector3f forward, side, up;
+
+        CameraFrame(const Vector3f& eye, const Vector3f& target) : forward(target - eye) {
+            forward.normalize();
+            const bool     vertical = forward.x == 0 && forward.z == 0;
+            const Vector3f upwards = vertical ? Vector3f(-forward.y, 0, 0) : Vector3f(0, 1, 0);
+            side = forward.cross(upwards);
             side.normalize();
-            up = side.cross(ahead);
+            up = side.cross(forward);
         }
     };
 
-    void setFrustum(float left, float right, float bottom, float top, float near) {
-        setZero();
-        mData[0] = 2 * near / (right - left), mData[5] = 2 * near / (top - bottom);
-        mData[8] = (right + left) / (right - left), mData[9] = (top + bottom) / (top - bottom);
-        mData[11] = -1;
+    constexpr void setColumn(int c, float x, float y, float z, float w) {
+        mData[c * 4 + 0] = x;
+        mData[c * 4 + 1] = y;
+        mData[c * 4 + 2] = z;
+        mData[c * 4 + 3] = w;
     }
 
-    static Matrix4x4Col product(const Matrix4x4Col& a, const Matrix4x4Col& b) {
-        Matrix4x4Col m;
+    constexpr void setDiagonal(float x, float y, float z, float w) {
+        setColumn(0, x, 0, 0, 0);
+        setColumn(1, 0, y, 0, 0);
+        setColumn(2, 0, 0, z, 0);
+        setColumn(3, 0, 0, 0, w);
+    }
+
+    // Columns 0 to 2.
+    constexpr void setRotationPart(const Quatf& q) {
+        const float w = q.w, x = q.x, y = q.y, z = q.z;
+        setColumn(0, 1.0f - 2.0f * (y * y + z * z), 2.0f * (x * y + w * z), 2.0f * (x * z - w * y), 0);
+        setColumn(1, 2.0f * (x * y - w * z), 1.0f - 2.0f * (z * z + x * x), 2.0f * (y * z + w * x), 0);
+        setColumn(2, 2.0f * (x * z + w * y), 2.0f * (y * z - w * x), 1.0f - 2.0f * (x * x + y * y), 0);
+    }
+
+    static constexpr Matrix4x4Col product(const Matrix4x4Col& a, const Matrix4x4Col& b) {
+        Matrix4x4Col result;
         for (int c = 0; c < 4; ++c) {
-            const float* v = b.mData + c * 4;
+            const float* column = b.mData + c * 4;
             for (int r = 0; r < 4; ++r) {
-                m.mData[c * 4 + r] = a.mData[r] * v[0] + a.mData[4 + r] * v[1] + a.mData[8 + r] * v[2] +
-                                     a.mData[12 + r] * v[3];
+                result.mData[c * 4 + r] = a.mData[r] * column[0] + a.mData[4 + r] * column[1] +
+                                          a.mData[8 + r] * column[2] + a.mData[12 + r] * column[3];
             }
         }
-        return m;
+        return result;
     }
 };
 
-typedef Matrix4x4Col MatrixGL;
-static_assert(sizeof(Matrix4x4Col) == 16 * sizeof(float));
+using MatrixGL = Matrix4x4Col;
 
 inline Vector3f Quatf::operator*(const Vector3f& v) const {
-    Matrix4x4Col m;
-    m.setRot(*this);
-    return m.multiply(v);
+    Matrix4x4Col rotation;
+    rotation.setRot(*this);
+    return rotation.multiply(v);
 }
 
 inline Vector4f Quatf::operator*(const Vector4f& v) const {
-    Matrix4x4Col m;
-    m.setRot(*this);
-    return m.multiply(v);
+    Matrix4x4Col rotation;
+    rotation.setRot(*this);
+    return rotation.multiply(v);
 }
 
 } // namespace zentrak::mathbase

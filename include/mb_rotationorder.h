@@ -1,15 +1,19 @@
-// In which order the three angles of an Euler rotation apply.
+// The order in which the three rotations of an Euler triple are multiplied.
 #pragma once
 
 namespace zentrak::mathbase {
 
 struct RotationOrder {
-    enum Order : int { XYZ = 0, XZY = 1, YXZ = 2, ZXY = 3, YZX = 4, ZYX = 5 };
+    // Each spells the product from left to right: XYZ is the rotation about x times that about y times that
+    // about z, so that z turns a vector first.
+    enum Order { XYZ = 0, XZY = 1, YXZ = 2, ZXY = 3, YZX = 4, ZYX = 5 };
 
-    int value = XYZ; // an enumerator of Order
+    int value = XYZ; // an Order; any other value fails where it is used
 
-    RotationOrder() = default;
-    RotationOrder(int order) : value(order) {}
+    constexpr RotationOrder() = default;
+    constexpr RotationOrder(Order order) : value(order) {}
+
+    constexpr bool operator==(const RotationOrder& other) const = default;
 };
 
 } // namespace zentrak::mathbase

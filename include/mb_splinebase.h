@@ -1,5 +1,4 @@
-// The keyed curve behind every animated value of the timeline: keys sorted by time, with tangents and value
-// bounds kept up to date, and its value at any time.
+// A keyed curve over time: the one that the timeline evaluates and the editor edits.
 #pragma once
 
 #include "ztk_system.h"
@@ -9,178 +8,172 @@
 
 namespace zentrak::mathbase {
 
-template <class VALUETYPE>
+template <typename VALUETYPE>
 struct SplineBaseKey {
     float     time = 0;
     VALUETYPE value = 0;
-    VALUETYPE tangentIn = 0; // stored negated: the value in the direction of the previous key
-    VALUETYPE tangentOut = 0;
+    VALUETYPE tangentIn = 0;  // stored negated: the value in the direction of the previous key
+    VALUETYPE tangentOut = 0; // both tangents are scaled to the segment they belong to
 };
 
-template <class VALUETYPE, class KEYTYPE>
+// What mCurrent holds when a time lies in no segment.
+enum SplineBaseOutcome { SPLINE_BEFORE = -1, SPLINE_AFTER = -2, SPLINE_EMPTY = -3 };
+
+// The values of mMode.
+enum SplineBaseMode { SPLINE_SQUARE = 0, SPLINE_LINEAR = 1, SPLINE_SMOOTH = 2 };
+
+template <typename VALUETYPE, typename KEYTYPE>
 class SplineBase {
 public:
-    // What a search finds besides the index of a segment.
-    enum Outcome : int { BEFORE = -1, AFTER = -2, NO_KEY = -3 };
+    mutable int          mCurrent = -1; // segment of the last look-up, or a SplineBaseOutcome
+    VALUETYPE            mMin = 0;      // bounds of the keys' values; only smooth splines with automatic
+    VALUETYPE            mMax = 0;      // tangents widen them beyond the first key
+    int                  mMode = SPLINE_SMOOTH;
+    std::vector<KEYTYPE> mKeys;                // ascending by time
+    bool                 mAutoTangents = true; // recomputed at each change, in smooth mode
 
-    int                  mCurrent = -1; // what the last search found; -1 for none
-    VALUETYPE            mMin = 0;      // of a smooth curve the lesser and the greater value of all keys; of
-    VALUETYPE            mMax = 0;      // another both the first key's value
-    int                  mMode = 2;     // 0 square, 1 linear, 2 smooth
-    std::vector<KEYTYPE> mKeys;         // sorted by time, ascending
-    bool                 mAutoTangents = true; // tangents are recomputed at each change
+    // Inserts behind all keys of the same or an earlier time and returns the new key's index.
+    int addKey(const KEYTYPE& key) {
+        const int found = findSegment(key.time);
+        const int count = getNumKeys();
+        const int index = found >= 0 ? found + 1 : found == SPLINE_BEFORE ? 0 : count;
+        mCurrent = -1;
+        if (count == 0) {
+            mMin = key.value;
+            mMax = key.value;
+        }
+        mKeys.insert(mKeys.begin() + index, key);
+        updateTangents(index, index, index);
+        return index;
+    }
 
-    int getNumKeys() const { return int(mKeys.size()); }
+    // Removes the key at `index`; aborts on an assertion where there is none. A spline that loses its last
+    // key keeps its bounds.
+    void removeKey(int index) {
+        ZTK_ASSERT_AT(index >= 0 && index < (int)mKeys.size(), "index>=0 && index<(int)mKeys.size()",
+                      "mb_splinebase", 165);
+        mKeys.erase(mKeys.begin() + index);
+        const int count = getNumKeys();
+        if (count == 0) {
+            return;
+        }
+        const int neighbour = index == count ? index - 1 : index;
+        updateTangents(neighbour, neighbour, neighbour);
+        mCurrent = -1;
+    }
 
-    // Inserts, behind a key of the same time, and gives the new key's index.
-    int  addKey(const KEYTYPE& key);
-    void removeKey(int index); // asserts "index>=0 && index<(int)mKeys.size()"
+    // Recomputes the bounds and, in smooth mode with automatic tangents, all tangents. `index` is the key
+    // whose tangents become 0 when it is the only one; the other two play no part.
+    //
+    // The slopes are what the curves were tuned with: a middle key weighs each difference by the span of the
+    // other side, an end key multiplies by its span.
+    void updateTangents(int index, int, int) {
+        const int count = getNumKeys();
+        if (count == 0) {
+            return;
+        }
+        mMin = mKeys[0].value;
+        mMax = mKeys[0].value;
+        if (!mAutoTangents || mMode != SPLINE_SMOOTH) {
+            return;
+        }
+        if (count == 1) {
+            if (index == 0) {
+                mKeys[0].tangentIn = 0;
+                mKeys[0].tangentOut = 0;
+            }
+            return;
+        }
+        for (int i = 0; i < count; ++i) {
+            KEYTYPE& key = mKeys[i];
+            mMin = key.value < mMin ? key.value : mMin;
+            mMax = key.value > mMax ? key.value : mMax;
+            if (i == 0) {
+                const KEYTYPE& next = mKeys[1];
+                key.tangentIn = 0;
+                key.tangentOut = (next.value - key.value) * (next.time - key.time);
+            } else if (i == count - 1) {
+                const KEYTYPE& previous = mKeys[i - 1];
+                key.tangentOut = 0;
+                key.tangentIn = -(key.value - previous.value) * (key.time - previous.time);
+            } else {
+                const KEYTYPE&  previous = mKeys[i - 1];
+                const KEYTYPE&  next = mKeys[i + 1];
+                const float     spanBefore = key.time - previous.time;
+                const float     spanAfter = next.time - key.time;
+                const VALUETYPE slope = (next.value - key.value) * (0.5f / spanBefore) +
+                                        (key.value - previous.value) * (0.5f / spanAfter);
+                key.tangentOut = slope * spanAfter;
+                key.tangentIn = -slope * spanBefore;
+            }
+        }
+    }
 
-    // Sets the bounds, and with mAutoTangents in mode 2 all tangents. `index` is only used where there is one
-    // key, and names it.
-    void updateTangents(int index, int, int);
+    int getNumKeys() const { return static_cast<int>(mKeys.size()); }
 
-    // The curve at `time`: 0 without keys, constant before the first and after the last key.
-    VALUETYPE evaluate(float time);
-    VALUETYPE evaluate(float time) const { return valueAt(time, search(time)); }
+    // The curve at `time`: 0 without keys, constant before the first and after the last key. Allocates
+    // nothing.
+    VALUETYPE evaluate(float time) const {
+        const int found = findSegment(time);
+        mCurrent = found;
+        if (found < 0) {
+            return found == SPLINE_EMPTY    ? VALUETYPE(0)
+                   : found == SPLINE_BEFORE ? mKeys.front().value
+                                            : mKeys.back().value;
+        }
+        const KEYTYPE& a = mKeys[found];
+        if (mMode == SPLINE_SQUARE || found + 1 == getNumKeys()) {
+            return a.value;
+        }
+        const KEYTYPE& b = mKeys[found + 1];
+        const float    u = (time - a.time) / (b.time - a.time);
+        if (mMode == SPLINE_LINEAR) {
+            return (1.0f - u) * a.value + u * b.value;
+        }
+        const VALUETYPE d = b.value - a.value;
+        const VALUETYPE m = a.tangentOut;
+        const VALUETYPE w = b.tangentIn;
+        const float     u2 = u * u;
+        return a.value + m * u + (3.0f * d - 2.0f * m + w) * u2 + (m - 2.0f * d - w) * (u2 * u);
+    }
 
-    // "square", "linear", "smooth", or "unknown".
+    // "square", "linear", "smooth" or "unknown".
     static std::string getModeName(int mode) {
-        return mode == 0 ? "square" : mode == 1 ? "linear" : mode == 2 ? "smooth" : "unknown";
+        return mode == SPLINE_SQUARE   ? "square"
+               : mode == SPLINE_LINEAR ? "linear"
+               : mode == SPLINE_SMOOTH ? "smooth"
+                                       : "unknown";
     }
 
 private:
-    int       search(float time) const;
-    VALUETYPE valueAt(float time, int segment) const;
+    // The last key at or before `time`, which is the last key of all only at exactly its time; or a
+    // SplineBaseOutcome.
+    int findSegment(float time) const {
+        const int count = getNumKeys();
+        if (count == 0) {
+            return SPLINE_EMPTY;
+        }
+        if (time < mKeys.front().time) {
+            return SPLINE_BEFORE;
+        }
+        if (count == 1 || time > mKeys.back().time) {
+            return SPLINE_AFTER;
+        }
+        int low = 0;
+        int high = count - 1;
+        int middle = 0;
+        while (low <= high) {
+            middle = (low + high) / 2;
+            if (mKeys[middle].time > time) {
+                high = middle - 1;
+            } else if (middle + 1 < count && time < mKeys[middle + 1].time) {
+                break;
+            } else {
+                low = middle + 1;
+            }
+        }
+        return middle;
+    }
 };
-
-// The segment that `time` lies in, by the index of the key at its left, or an Outcome. A time that is no
-// number may end anywhere inside.
-template <class VALUETYPE, class KEYTYPE>
-int SplineBase<VALUETYPE, KEYTYPE>::search(float time) const {
-    const int n = getNumKeys();
-    if (n == 0) {
-        return NO_KEY;
-    }
-    if (time < mKeys[0].time) {
-        return BEFORE;
-    }
-    if (n == 1 || time > mKeys[size_t(n - 1)].time) {
-        return AFTER;
-    }
-    if (n == 2) {
-        return 0;
-    }
-    int lo = 0, hi = n - 1, mid = 0;
-    while (lo <= hi) {
-        mid = (lo + hi) / 2;
-        if (mKeys[size_t(mid)].time > time) {
-            hi = mid - 1;
-        } else if (mid + 1 < n && time < mKeys[size_t(mid + 1)].time) {
-            break;
-        } else {
-            lo = mid + 1;
-        }
-    }
-    return mid;
-}
-
-template <class VALUETYPE, class KEYTYPE>
-VALUETYPE SplineBase<VALUETYPE, KEYTYPE>::valueAt(float time, int segment) const {
-    if (segment == NO_KEY) {
-        return 0;
-    }
-    if (segment == BEFORE) {
-        return mKeys.front().value;
-    }
-    if (segment == AFTER || segment + 1 >= getNumKeys()) {
-        return mKeys.back().value;
-    }
-    const KEYTYPE& a = mKeys[size_t(segment)];
-    const KEYTYPE& b = mKeys[size_t(segment) + 1];
-    if (mMode == 0) {
-        return time >= b.time ? b.value : a.value; // a key's own time is its own
-    }
-    const float u = (time - a.time) / (b.time - a.time);
-    if (mMode == 1) {
-        return (1 - u) * a.value + u * b.value;
-    }
-    // Cubic Hermite; the tangent at b is -tangentIn.
-    const VALUETYPE d = b.value - a.value, m = a.tangentOut, w = b.tangentIn;
-    const float     u2 = u * u, u3 = u2 * u;
-    return a.value + m * u + (3 * d - 2 * m + w) * u2 + (m - 2 * d - w) * u3;
-}
-
-template <class VALUETYPE, class KEYTYPE>
-VALUETYPE SplineBase<VALUETYPE, KEYTYPE>::evaluate(float time) {
-    mCurrent = search(time);
-    return valueAt(time, mCurrent);
-}
-
-template <class VALUETYPE, class KEYTYPE>
-int SplineBase<VALUETYPE, KEYTYPE>::addKey(const KEYTYPE& key) {
-    const int found = search(key.time);
-    mCurrent = -1;
-    if (mKeys.empty()) {
-        mMin = mMax = key.value;
-    }
-    const int index = found == BEFORE ? 0 : found < 0 ? getNumKeys() : found + 1;
-    mKeys.insert(mKeys.begin() + index, key);
-    updateTangents(index, index, index);
-    return index;
-}
-
-template <class VALUETYPE, class KEYTYPE>
-void SplineBase<VALUETYPE, KEYTYPE>::removeKey(int index) {
-    ZTK_ASSERT_AT(index >= 0 && index < getNumKeys(), "index>=0 && index<(int)mKeys.size()", "mb_splinebase",
-                  165);
-    mKeys.erase(mKeys.begin() + index);
-    if (mKeys.empty()) {
-        return;
-    }
-    const int named = index == getNumKeys() ? index - 1 : index;
-    updateTangents(named, named, named);
-    mCurrent = -1;
-}
-
-// The formulas are as they are meant to be: a middle key pairs each difference with the time span of the
-// other side, and the end keys multiply by theirs. They decide the curve's shape.
-template <class VALUETYPE, class KEYTYPE>
-void SplineBase<VALUETYPE, KEYTYPE>::updateTangents(int index, int, int) {
-    const size_t n = mKeys.size();
-    if (n == 0) {
-        return;
-    }
-    mMin = mMax = mKeys[0].value;
-    if (!mAutoTangents || mMode != 2) {
-        return;
-    }
-    if (n == 1) {
-        if (index == 0) {
-            mKeys[0].tangentIn = mKeys[0].tangentOut = 0;
-        }
-        return;
-    }
-    for (size_t i = 0; i < n; ++i) {
-        KEYTYPE& k = mKeys[i];
-        mMin = k.value < mMin ? k.value : mMin;
-        mMax = k.value > mMax ? k.value : mMax;
-        if (i == 0) {
-            k.tangentIn = 0;
-            k.tangentOut = (mKeys[1].value - k.value) * (mKeys[1].time - k.time);
-        } else if (i == n - 1) {
-            const KEYTYPE& p = mKeys[i - 1];
-            k.tangentOut = 0;
-            k.tangentIn = -(k.value - p.value) * (k.time - p.time);
-        } else {
-            const KEYTYPE&  p = mKeys[i - 1];
-            const KEYTYPE&  q = mKeys[i + 1];
-            const float     dtPrev = k.time - p.time, dtNext = q.time - k.time;
-            const VALUETYPE s = (q.value - k.value) * (0.5f / dtPrev) + (k.value - p.value) * (0.5f / dtNext);
-            k.tangentOut = s * dtNext;
-            k.tangentIn = -s * dtPrev;
-        }
-    }
-}
 
 } // namespace zentrak::mathbase

@@ -1,102 +1,142 @@
-// Three numbers: a point, a direction, a colour or three angles.
+// A vector of three numbers: a point, a direction or a colour. Axes are right-handed.
 #pragma once
 
 #include <cassert>
 #include <cmath>
+#include <cstddef>
 
 namespace zentrak::mathbase {
 
-template <class FLOAT>
+template <typename FLOAT>
 struct Vector3T {
-    FLOAT x = 0, y = 0, z = 0;
+    FLOAT x = 0;
+    FLOAT y = 0;
+    FLOAT z = 0;
 
-    Vector3T() = default;
-    Vector3T(FLOAT x_, FLOAT y_, FLOAT z_) : x(x_), y(y_), z(z_) {}
-    explicit Vector3T(const FLOAT* v) : x(v[0]), y(v[1]), z(v[2]) {} // three of them
+    constexpr Vector3T() = default;
+    constexpr Vector3T(FLOAT ax, FLOAT ay, FLOAT az) : x(ax), y(ay), z(az) {}
+    // From three numbers in a row; must not be null.
+    constexpr explicit Vector3T(const FLOAT* v) : x(v[0]), y(v[1]), z(v[2]) {}
+    Vector3T(std::nullptr_t) = delete; // Vector3f(0) is a slip, not a null pointer
 
     static constexpr int size() { return 3; }
 
-    Vector3T  operator+(const Vector3T& v) const { return Vector3T(x + v.x, y + v.y, z + v.z); }
-    Vector3T  operator-(const Vector3T& v) const { return Vector3T(x - v.x, y - v.y, z - v.z); }
-    Vector3T  operator-() const { return Vector3T(-x, -y, -z); }
-    Vector3T  operator*(FLOAT f) const { return Vector3T(x * f, y * f, z * f); }
-    Vector3T& operator+=(const Vector3T& v) { return x += v.x, y += v.y, z += v.z, *this; }
-    Vector3T& operator-=(const Vector3T& v) { return x -= v.x, y -= v.y, z -= v.z, *this; }
-    Vector3T& operator*=(FLOAT f) { return x *= f, y *= f, z *= f, *this; }
-    Vector3T& operator/=(FLOAT f) { return x /= f, y /= f, z /= f, *this; }
+    constexpr Vector3T operator+(const Vector3T& v) const { return Vector3T(x + v.x, y + v.y, z + v.z); }
+    constexpr Vector3T operator-(const Vector3T& v) const { return Vector3T(x - v.x, y - v.y, z - v.z); }
+    constexpr Vector3T operator-() const { return Vector3T(-x, -y, -z); }
+    constexpr Vector3T operator*(FLOAT s) const { return Vector3T(x * s, y * s, z * s); }
+    constexpr Vector3T operator*(const Vector3T& v) const { return multiply(v); }
 
-    // Component by component.
-    Vector3T  multiply(const Vector3T& v) const { return Vector3T(x * v.x, y * v.y, z * v.z); }
-    Vector3T  operator*(const Vector3T& v) const { return multiply(v); }
-    Vector3T& operator*=(const Vector3T& v) { return x *= v.x, y *= v.y, z *= v.z, *this; }
+    constexpr Vector3T& operator+=(const Vector3T& v) {
+        x += v.x;
+        y += v.y;
+        z += v.z;
+        return *this;
+    }
+    constexpr Vector3T& operator-=(const Vector3T& v) {
+        x -= v.x;
+        y -= v.y;
+        z -= v.z;
+        return *this;
+    }
+    constexpr Vector3T& operator*=(FLOAT s) {
+        x *= s;
+        y *= s;
+        z *= s;
+        return *this;
+    }
+    constexpr Vector3T& operator*=(const Vector3T& v) {
+        x *= v.x;
+        y *= v.y;
+        z *= v.z;
+        return *this;
+    }
+    constexpr Vector3T& operator/=(FLOAT s) {
+        x /= s;
+        y /= s;
+        z /= s;
+        return *this;
+    }
 
-    FLOAT dot(const Vector3T& v) const { return x * v.x + y * v.y + z * v.z; }
+    constexpr bool operator==(const Vector3T& v) const = default;
 
-    // The right-handed cross product, and the left-handed one, which is its opposite.
-    Vector3T crossRHS(const Vector3T& v) const {
+    // The product component by component.
+    constexpr Vector3T multiply(const Vector3T& v) const { return Vector3T(x * v.x, y * v.y, z * v.z); }
+    constexpr FLOAT    dot(const Vector3T& v) const { return x * v.x + y * v.y + z * v.z; }
+
+    // The cross product, right-handed, and its left-handed mirror image.
+    constexpr Vector3T cross(const Vector3T& v) const {
         return Vector3T(y * v.z - z * v.y, z * v.x - x * v.z, x * v.y - y * v.x);
     }
-    Vector3T cross(const Vector3T& v) const { return crossRHS(v); }
-    Vector3T crossLHS(const Vector3T& v) const { return v.crossRHS(*this); }
+    constexpr Vector3T crossRHS(const Vector3T& v) const { return cross(v); }
+    constexpr Vector3T crossLHS(const Vector3T& v) const { return v.cross(*this); }
 
-    FLOAT length2() const { return x * x + y * y + z * z; }
-    FLOAT length() const { return std::sqrt(length2()); }
-    FLOAT product() const { return x * y * z; }
+    FLOAT           length() const { return std::sqrt(length2()); }
+    constexpr FLOAT length2() const { return x * x + y * y + z * z; }
+    constexpr FLOAT product() const { return x * y * z; }
 
-    // To unit length. Asserts "length!=0".
+    // Makes it one long. Asserts that it has a length.
     void normalize() {
         const FLOAT length = this->length();
         assert(length!=0);
-        x /= length, y /= length, z /= length;
+        x /= length;
+        y /= length;
+        z /= length;
     }
     Vector3T getNormalized() const {
-        Vector3T v = *this;
-        v.normalize();
-        return v;
+        Vector3T result = *this;
+        result.normalize();
+        return result;
     }
 
-    // The mirror image of this direction in a plane with the unit normal `n`.
-    Vector3T reflection(const Vector3T& n) const { return *this - n * (FLOAT(2) * dot(n)); }
-    // The index of the component that is nearest to, or farthest from, 0; the first of several.
+    // Mirrored by a plane through the origin whose normal is `n`, of unit length.
+    constexpr Vector3T reflection(const Vector3T& n) const { return *this - n * (FLOAT(2) * dot(n)); }
+
+    // Index of the component of least or of greatest magnitude, the first of equals.
     int getMinorAxis() const {
-        const FLOAT ax = std::abs(x), ay = std::abs(y), az = std::abs(z);
-        return ax <= ay && ax <= az ? 0 : ay <= az ? 1 : 2;
+        const FLOAT ax = std::fabs(x), ay = std::fabs(y), az = std::fabs(z);
+        return ay < ax ? (az < ay ? 2 : 1) : (az < ax ? 2 : 0);
     }
     int getMajorAxis() const {
-        const FLOAT ax = std::abs(x), ay = std::abs(y), az = std::abs(z);
-        return ax >= ay && ax >= az ? 0 : ay >= az ? 1 : 2;
+        const FLOAT ax = std::fabs(x), ay = std::fabs(y), az = std::fabs(z);
+        return ay > ax ? (az > ay ? 2 : 1) : (az > ax ? 2 : 0);
     }
-    // 1 over each component.
-    Vector3T byOne() const { return Vector3T(FLOAT(1) / x, FLOAT(1) / y, FLOAT(1) / z); }
 
-    FLOAT&       operator[](int i) { return component(i); }
-    const FLOAT& operator[](int i) const { return const_cast<Vector3T*>(this)->component(i); }
-    FLOAT&       operator()(int i) { return component(i); }
-    const FLOAT& operator()(int i) const { return const_cast<Vector3T*>(this)->component(i); }
+    // One divided by each component.
+    constexpr Vector3T byOne() const { return Vector3T(FLOAT(1) / x, FLOAT(1) / y, FLOAT(1) / z); }
 
-    // Component by component, in place: the greater or the lesser of the two.
-    void max(const Vector3T& v) { x = v.x > x ? v.x : x, y = v.y > y ? v.y : y, z = v.z > z ? v.z : z; }
-    void min(const Vector3T& v) { x = v.x < x ? v.x : x, y = v.y < y ? v.y : y, z = v.z < z ? v.z : z; }
-    void maxi(const Vector3T& v) { max(v); }
-    void mini(const Vector3T& v) { min(v); }
+    // Component `index`, 0 to 2. Any other index means the last one. (The index is as wide as a pointer
+    // difference so that no index prefers the conversion below.)
+    constexpr FLOAT  operator[](std::ptrdiff_t index) const { return index == 0 ? x : index == 1 ? y : z; }
+    constexpr FLOAT& operator[](std::ptrdiff_t index) { return index == 0 ? x : index == 1 ? y : z; }
+    constexpr FLOAT  operator()(std::ptrdiff_t index) const { return (*this)[index]; }
+    constexpr FLOAT& operator()(std::ptrdiff_t index) { return (*this)[index]; }
+
+    // In place and component by component, the greater or the lesser of the two.
+    constexpr void max(const Vector3T& v) {
+        x = v.x > x ? v.x : x;
+        y = v.y > y ? v.y : y;
+        z = v.z > z ? v.z : z;
+    }
+    constexpr void min(const Vector3T& v) {
+        x = v.x < x ? v.x : x;
+        y = v.y < y ? v.y : y;
+        z = v.z < z ? v.z : z;
+    }
+    constexpr void maxi(const Vector3T& v) { max(v); }
+    constexpr void mini(const Vector3T& v) { min(v); }
 
     // Over the three components.
-    FLOAT getMin() const { return x < y ? (x < z ? x : z) : (y < z ? y : z); }
-    FLOAT getMax() const { return x > y ? (x > z ? x : z) : (y > z ? y : z); }
-    FLOAT getMean() const { return (x + y + z) / FLOAT(3); }
-    // Of a colour, red, green and blue: its brightness to the eye.
-    FLOAT getIntensity() const { return FLOAT(0.3) * x + FLOAT(0.59) * y + FLOAT(0.11) * z; }
+    constexpr FLOAT getMin() const { return y < x ? (z < y ? z : y) : (z < x ? z : x); }
+    constexpr FLOAT getMax() const { return y > x ? (z > y ? z : y) : (z > x ? z : x); }
+    constexpr FLOAT getMean() const { return (x + y + z) / FLOAT(3); }
+    // Brightness of a colour in red, green, blue, as the eye weighs them.
+    constexpr FLOAT getIntensity() const { return x * FLOAT(0.299) + y * FLOAT(0.587) + z * FLOAT(0.114); }
 
-    operator const FLOAT*() const { return &x; } // three of them
-
-private:
-    FLOAT& component(int i) {
-        assert(i>=0 && i<3);
-        return i == 0 ? x : i == 1 ? y : z;
-    }
+    // The components in a row, as OpenGL takes them; valid while the vector lives.
+    operator const FLOAT*() const { return reinterpret_cast<const FLOAT*>(this); }
 };
 
-typedef Vector3T<float> Vector3f;
-static_assert(sizeof(Vector3f) == 3 * sizeof(float));
+using Vector3f = Vector3T<float>;
 
 } // namespace zentrak::mathbase
