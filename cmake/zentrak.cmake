@@ -33,7 +33,8 @@ function(zentrak_program name)
 endfunction()
 
 # zentrak_test(NAME SOURCES file... [LINK target...] [GL] [TIMEOUT seconds])
-#   The test executable NAME on GoogleTest. With GL it runs on a virtual display of its own and is labelled gl.
+#   The test executable NAME on GoogleTest. With GL it runs on a virtual display of its own, is labelled gl, and has
+#   input.h to send keys and mouse events with.
 function(zentrak_test name)
     cmake_parse_arguments(ARG "GL" "TIMEOUT" "SOURCES;LINK" ${ARGN})
     if(NOT ARG_TIMEOUT)
@@ -42,6 +43,7 @@ function(zentrak_test name)
     add_executable(${name} ${ARG_SOURCES})
     target_link_libraries(${name} PRIVATE zentrak_flags zentrak_test_support ${ARG_LINK} GTest::gtest_main)
     if(ARG_GL)
+        target_link_libraries(${name} PRIVATE zentrak_test_input)
         add_test(NAME ${name} COMMAND ${CMAKE_SOURCE_DIR}/tests/with_display $<TARGET_FILE:${name}>)
         set_tests_properties(${name} PROPERTIES LABELS gl RUN_SERIAL ON)
     else()

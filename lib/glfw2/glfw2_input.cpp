@@ -1,0 +1,138 @@
+#include "glfw2_input.h"
+
+#include "glfw2.h"
+#include "glfw2_keys.h"
+
+#include <algorithm>
+
+namespace zentrak::glfw2 {
+
+static_assert(Input::Codes == GLFW_KEY_LAST + 1);
+static_assert(Input::Buttons == GLFW_MOUSE_BUTTON_LAST + 1);
+
+namespace {
+
+bool isIn(int index, int count) {
+    return index >= 0 && index < count;
+}
+
+// What a text holds: no control characters, nothing beyond Unicode.
+bool isText(unsigned character) {
+    return (character >= 32 && character <= 126) || (character >= 160 && character <= 0x10FFFF);
+}
+
+} // namespace
+
+// Tells of a press by code. A code that is down already repeats, also when another key has it.
+void Input::pressCode(InputEvents& events, int code) {
+    State&     state = mCodes[static_cast<std::size_t>(code)];
+    const bool repeats = state == State::Down;
+    state = State::Down;
+    if (!repeats || mKeyRepeat)
+        events.add(InputEvent::Key, code, GLFW_PRESS);
+}
+
+InputEvents Input::press(int key, int code) {
+    InputEvents events;
+    if (!isIn(key, Keys))
+        return events;
+    Down& down = mKeys[static_cast<std::size_t>(key)];
+    mLast = key;
+    mRepeating = down.down;
+    if (!down.down)
+        down = Down{true, isIn(code, Codes) ? code : GLFW_KEY_UNKNOWN, 0, {}};
+    if (down.code != GLFW_KEY_UNKNOWN)
+        pressCode(events, down.code);
+    return events;
+}
+
+InputEvents Input::release(int key) {
+    InputEvents events;
+    if (!isIn(key, Keys) || !mKeys[static_cast<std::size_t>(key)].down)
+        return events;
+    Down& down = mKeys[static_cast<std::size_t>(key)];
+    down.down = false;
+    if (mLast == key)
+        mLast = -1;
+    if (down.code != GLFW_KEY_UNKNOWN) {
+        State& state = mCodes[static_cast<std::size_t>(down.code)];
+        if (state == State::Down) {
+            state = mStickyKeys ? State::Sticking : State::Up;
+            events.add(InputEvent::Key, down.code, GLFW_RELEASE);
+        }
+    }
+    for (int i = 0; i < down.typed; ++i)
+        events.add(InputEvent::Char, static_cast<int>(down.characters[static_cast<std::size_t>(i)]),
+                   GLFW_RELEASE);
+    return events;
+}
+
+InputEvents Input::character(unsigned character) {
+    InputEvents events;
+    if (!isText(character))
+        return events;
+    const int code = static_cast<int>(character);
+    if (mLast < 0) {
+        events.add(InputEvent::Char, code, GLFW_PRESS);
+        events.add(InputEvent::Char, code, GLFW_RELEASE);
+        return events;
+    }
+    Down& down = mKeys[static_cast<std::size_t>(mLast)];
+    if (down.code == GLFW_KEY_UNKNOWN && characterCode(character) != GLFW_KEY_UNKNOWN) {
+        down.code = characterCode(character);
+        pressCode(events, down.code);
+    }
+    if (mRepeating && !mKeyRepeat)
+        return events;
+    events.add(InputEvent::Char, code, GLFW_PRESS);
+    auto* const end = down.characters.begin() + down.typed;
+    if (std::find(down.characters.begin(), end, character) != end)
+        return events;
+    if (end == down.characters.end())
+        events.add(InputEvent::Char, code, GLFW_RELEASE); // no room to remember it
+    else
+        down.characters[static_cast<std::size_t>(down.typed++)] = character;
+    return events;
+}
+
+InputEvents Input::button(int button, bool down) {
+    InputEvents events;
+    if (!isIn(button, Buttons) || mButtons[static_cast<std::size_t>(button)] == down)
+        return events;
+    mButtons[static_cast<std::size_t>(button)] = down;
+    events.add(InputEvent::Button, button, down ? GLFW_PRESS : GLFW_RELEASE);
+    return events;
+}
+
+InputEvents Input::releaseAny() {
+    // A key may be down with nothing to tell of it, so the search goes on until there is something.
+    for (int key = 0; key < Keys; ++key) {
+        const InputEvents events = release(key);
+        if (!events.empty())
+            return events;
+    }
+    for (int index = 0; index < Buttons; ++index) {
+        const InputEvents events = button(index, false);
+        if (!events.empty())
+            return events;
+    }
+    return {};
+}
+
+bool Input::down(int code) {
+    if (!isIn(code, Codes))
+        return false;
+    State&     state = mCodes[static_cast<std::size_t>(code)];
+    const bool down = state != State::Up;
+    if (state == State::Sticking)
+        state = State::Up;
+    return down;
+}
+
+void Input::setStickyKeys(bool enable) {
+    mStickyKeys = enable;
+    if (!enable)
+        std::replace(mCodes.begin(), mCodes.end(), State::Sticking, State::Up);
+}
+
+} // namespace zentrak::glfw2

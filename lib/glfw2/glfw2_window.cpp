@@ -1,0 +1,292 @@
+#include "glfw2_window.h"
+
+#define GLFW_INCLUDE_NONE
+#include <GLFW/glfw3.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <tuple>
+#include <utility>
+
+namespace zentrak::glfw2 {
+namespace {
+
+GLFWwindow* window = nullptr; // the open one
+bool        initialised = false;
+bool        polling = false;      // GLFW 3 is running events, in which it allows neither end of its own
+bool        terminateDue = false; // at the end of the poll
+char        lastError[256];       // of GLFW 3
+
+// Windows that were closed while their events ran; destroyed at the end of the poll. GLFW 3 needs them until
+// then.
+std::vector<GLFWwindow*> retired;
+
+void onError(int, const char* description) {
+    std::snprintf(lastError, sizeof lastError, "%s", description);
+}
+
+void report(const char* what) {
+    std::fprintf(stderr, "glfw2: %s: %s\n", what, lastError);
+}
+
+WindowEvents* eventsOf(GLFWwindow* of) {
+    return static_cast<WindowEvents*>(glfwGetWindowUserPointer(of));
+}
+
+// GLFW 3's callbacks, each on to the events of its window.
+void onSize(GLFWwindow* of, int width, int height) {
+    eventsOf(of)->onSize(width, height);
+}
+void onClose(GLFWwindow* of) {
+    eventsOf(of)->onClose();
+}
+void onRefresh(GLFWwindow* of) {
+    eventsOf(of)->onRefresh();
+}
+void onFocus(GLFWwindow* of, int focused) {
+    eventsOf(of)->onFocus(focused != 0);
+}
+void onIconify(GLFWwindow* of, int iconified) {
+    eventsOf(of)->onIconify(iconified != 0);
+}
+void onCharacter(GLFWwindow* of, unsigned character) {
+    eventsOf(of)->onCharacter(character);
+}
+void onMouseMove(GLFWwindow* of, double x, double y) {
+    eventsOf(of)->onMouseMove(x, y);
+}
+void onWheel(GLFWwindow* of, double, double steps) {
+    eventsOf(of)->onWheel(steps);
+}
+void onButton(GLFWwindow* of, int button, int action, int) {
+    eventsOf(of)->onButton(button, action == GLFW_PRESS);
+}
+void onKey(GLFWwindow* of, int position, int scancode, int action, int) {
+    eventsOf(of)->onKey(position, scancode, action != GLFW_RELEASE);
+}
+
+// Connects the window's callbacks, or cuts them off.
+void connect(GLFWwindow* of, bool on) {
+    glfwSetWindowSizeCallback(of, on ? onSize : nullptr);
+    glfwSetWindowCloseCallback(of, on ? onClose : nullptr);
+    glfwSetWindowRefreshCallback(of, on ? onRefresh : nullptr);
+    glfwSetWindowFocusCallback(of, on ? onFocus : nullptr);
+    glfwSetWindowIconifyCallback(of, on ? onIconify : nullptr);
+    glfwSetKeyCallback(of, on ? onKey : nullptr);
+    glfwSetCharCallback(of, on ? onCharacter : nullptr);
+    glfwSetMouseButtonCallback(of, on ? onButton : nullptr);
+    glfwSetCursorPosCallback(of, on ? onMouseMove : nullptr);
+    glfwSetScrollCallback(of, on ? onWheel : nullptr);
+}
+
+// Takes a window from the screen, its monitor and the context, to be destroyed later.
+void retire(GLFWwindow* old) {
+    connect(old, false);
+    glfwMakeContextCurrent(nullptr);
+    if (glfwGetWindowMonitor(old)) {
+        int width = 0, height = 0;
+        glfwGetWindowSize(old, &width, &height);
+        glfwSetWindowMonitor(old, nullptr, 0, 0, width, height, GLFW_DONT_CARE);
+    }
+    glfwHideWindow(old);
+    retired.push_back(old);
+}
+
+// A monitor that is left in another video mode would stay so, whatever way the program ends.
+void terminateAtExit() {
+    if (initialised || terminateDue)
+        glfwTerminate();
+    initialised = terminateDue = false;
+    window = nullptr;
+}
+
+// Runs the events, and then what they put off.
+void run(void (*process)()) {
+    if (!window || polling)
+        return;
+    polling = true;
+    process();
+    polling = false;
+    for (GLFWwindow* old : retired)
+        glfwDestroyWindow(old);
+    retired.clear();
+    if (terminateDue) {
+        terminateDue = false;
+        glfwTerminate();
+    }
+}
+
+// The hints of GLFW 3 that the request sets. What it leaves out is right by default: two buffers, and the
+// newest compatibility profile there is.
+void setHints(const WindowRequest& request) {
+    const auto orDefault = [](int bits) { return bits > 0 ? bits : 8; };
+    glfwDefaultWindowHints();
+    glfwWindowHint(GLFW_RESIZABLE, request.resizable);
+    glfwWindowHint(GLFW_RED_BITS, orDefault(request.red));
+    glfwWindowHint(GLFW_GREEN_BITS, orDefault(request.green));
+    glfwWindowHint(GLFW_BLUE_BITS, orDefault(request.blue));
+    glfwWindowHint(GLFW_ALPHA_BITS, request.alpha);
+    glfwWindowHint(GLFW_DEPTH_BITS, request.depth);
+    glfwWindowHint(GLFW_STENCIL_BITS, request.stencil);
+}
+
+} // namespace
+
+// GLFW 3 tells a mode once for each refresh rate.
+std::vector<VideoMode> inOrder(std::vector<VideoMode> modes) {
+    const auto rank = [](const VideoMode& mode) {
+        return std::tuple(mode.red + mode.green + mode.blue, mode.width * mode.height, mode.width, mode.red,
+                          mode.green);
+    };
+    std::sort(modes.begin(), modes.end(),
+              [&rank](const VideoMode& a, const VideoMode& b) { return rank(a) < rank(b); });
+    modes.erase(std::unique(modes.begin(), modes.end()), modes.end());
+    return modes;
+}
+
+bool Window::initialise() {
+    if (initialised)
+        return true;
+    if (terminateDue) { // the library is still there
+        terminateDue = false;
+        glfwSetTime(0.0);
+        return initialised = true;
+    }
+    glfwSetErrorCallback(onError);
+#ifdef GLFW_PLATFORM_X11
+    // From GLFW 3.4 on the platform is chosen at run time, and GLEW finds the context through GLX alone.
+    glfwInitHint(GLFW_PLATFORM, GLFW_PLATFORM_X11);
+#endif
+    initialised = glfwInit() == GLFW_TRUE;
+    if (!initialised)
+        report("no display");
+    return initialised;
+}
+
+bool Window::isInitialised() {
+    return initialised;
+}
+
+void Window::terminate() {
+    if (!initialised)
+        return;
+    close();
+    initialised = false;
+    if (polling)
+        terminateDue = true;
+    else
+        glfwTerminate();
+}
+
+void Window::version(int& major, int& minor, int& revision) {
+    glfwGetVersion(&major, &minor, &revision);
+}
+
+bool Window::open(const WindowRequest& request, WindowEvents& events) {
+    if (!initialised || window)
+        return false;
+    setHints(request);
+    GLFWmonitor* const monitor = request.fullscreen ? glfwGetPrimaryMonitor() : nullptr;
+    GLFWwindow* const  opened =
+        glfwCreateWindow(request.width, request.height, "GLFW Window", monitor, nullptr);
+    if (!opened) {
+        report("no window");
+        return false;
+    }
+    glfwMakeContextCurrent(opened);
+    if (glfwGetCurrentContext() != opened) {
+        report("no context");
+        glfwDestroyWindow(opened);
+        return false;
+    }
+    glfwSetWindowUserPointer(opened, &events);
+    connect(opened, true);
+    if (monitor)
+        glfwSetInputMode(opened, GLFW_CURSOR, GLFW_CURSOR_HIDDEN);
+    window = opened;
+    // After the driver has come in, so that this is called before what the driver does at the exit.
+    [[maybe_unused]] static const int registered = std::atexit(terminateAtExit);
+    return true;
+}
+
+void Window::close() {
+    if (!window)
+        return;
+    GLFWwindow* const old = window;
+    window = nullptr;
+    if (polling)
+        retire(old);
+    else
+        glfwDestroyWindow(old);
+}
+
+bool Window::isOpen() {
+    return window != nullptr;
+}
+void Window::poll() {
+    run(glfwPollEvents);
+}
+void Window::wait() {
+    run(glfwWaitEvents);
+}
+
+void Window::setTitle(const char* title) {
+    if (window)
+        glfwSetWindowTitle(window, title);
+}
+
+void Window::setSize(int width, int height) {
+    if (window)
+        glfwSetWindowSize(window, width, height);
+}
+
+void Window::getSize(int& width, int& height) {
+    width = height = 0;
+    if (window)
+        glfwGetWindowSize(window, &width, &height);
+}
+
+void Window::getMouse(double& x, double& y) {
+    x = y = 0.0;
+    if (window)
+        glfwGetCursorPos(window, &x, &y);
+}
+
+bool Window::isFocused() {
+    return window && glfwGetWindowAttrib(window, GLFW_FOCUSED);
+}
+bool Window::isIconified() {
+    return window && glfwGetWindowAttrib(window, GLFW_ICONIFIED);
+}
+
+void Window::swapBuffers() {
+    if (window)
+        glfwSwapBuffers(window);
+}
+
+void Window::swapInterval(int interval) {
+    if (window)
+        glfwSwapInterval(interval);
+}
+
+const char* Window::keyName(int position, int scancode) {
+    return initialised ? glfwGetKeyName(position, scancode) : nullptr;
+}
+
+std::vector<VideoMode> Window::videoModes() {
+    std::vector<VideoMode> modes;
+    GLFWmonitor* const     monitor = initialised ? glfwGetPrimaryMonitor() : nullptr;
+    int                    count = 0;
+    const GLFWvidmode*     found = monitor ? glfwGetVideoModes(monitor, &count) : nullptr;
+    for (int i = 0; found && i < count; ++i)
+        modes.push_back(
+            {found[i].width, found[i].height, found[i].redBits, found[i].greenBits, found[i].blueBits});
+    return inOrder(std::move(modes));
+}
+
+double Window::time() {
+    return initialised ? glfwGetTime() : 0.0;
+}
+
+} // namespace zentrak::glfw2

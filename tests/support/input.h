@@ -1,0 +1,83 @@
+// A viewer in front of a window under test: real keys, a real mouse and the window manager of the display
+// that tests/with_display brings. Tests label themselves GL to get both the display and this.
+//
+// An operation returns when the X server has the event; the program under test has it once it has polled. A
+// test therefore waits for what it expects with `until`, and never sleeps. Events arrive in the order in
+// which they were sent: to show that something does not happen, send something that does after it, and wait
+// for that. A tool that fails or a deadline that passes fails the running test.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace zentrak::test {
+
+class Viewer {
+public:
+    // For the window with this title; `poll` runs the events of the program under test, once, without waiting
+    // for any (glfwPollEvents, or one DisplayGL::update).
+    Viewer(std::string title, std::function<void()> poll);
+    // Lets go of every key and button, and puts the US layout back if another was chosen.
+    ~Viewer();
+    Viewer(const Viewer&) = delete;
+    Viewer& operator=(const Viewer&) = delete;
+
+    // Polls until `done` holds; whether it came to that before `seconds` were over. `what` names it in the
+    // failure.
+    bool until(const std::string& what, const std::function<bool()>& done, double seconds = 30.0);
+
+    // Keys, by X keysym name ("a", "Return", "KP_Add", "shift+a", "ctrl+t") or by key code as a number from
+    // 10 on
+    // ("24" is the key right of Tab, whatever the layout makes of it).
+    void key(const std::string& name); // down and up, modifiers first
+    void keyDown(const std::string& name);
+    void keyUp(const std::string& name);
+    void type(const std::string& text);   // with the modifiers that each character needs
+    void layout(const std::string& name); // of the keyboard: "us", "de", "fr"
+
+    // The mouse. Positions in pixels from the window's upper left corner, which the pointer may leave;
+    // buttons are X's: 1 left, 2 middle, 3 right.
+    void moveTo(int x, int y);
+    void buttonDown(int button);
+    void buttonUp(int button);
+    void click(int button);
+    void wheel(int steps); // up is positive
+
+    // The window, by way of the window manager.
+    void focus();        // gives it the focus, and waits until it has it
+    void requestClose(); // as its close button does
+    void iconify();
+    void restore(); // from iconified, and gives it the focus
+    void dragCorner(int dx,
+                    int dy); // drags the lower right corner by so many pixels, Alt and the right button
+
+    const std::string& window(); // its X id, decimal; waits until it is there
+
+private:
+    void tool(const std::string& arguments); // xdotool
+
+    std::string              mTitle;
+    std::function<void()>    mPoll;
+    std::string              mWindow;
+    std::vector<std::string> mKeysDown;
+    std::vector<int>         mButtonsDown;
+    bool                     mOtherLayout = false;
+};
+
+// A second window on the display, for the focus to go to; it closes at the end of its life.
+class OtherWindow {
+public:
+    OtherWindow();
+    ~OtherWindow();
+    OtherWindow(const OtherWindow&) = delete;
+    OtherWindow& operator=(const OtherWindow&) = delete;
+
+    void focus(); // does not wait until it has it
+
+private:
+    struct Connection;
+    Connection* mConnection; // owned
+};
+
+} // namespace zentrak::test
