@@ -9,6 +9,7 @@ namespace zentrak::kindler {
 
 // A file that is missing, or too long for the sound library, ends as one that can't be decoded.
 bool Music::setup(am::TSmartPtr<am::FileStructure, am::TRefCount<am::FileStructure>> file) {
+    *this = Music();
     mDevice = audiere::AdrOpenDevice("autodetect", nullptr);
     if (!mDevice) {
         ztk_megasuperlogger("error", "Kindler", "../include/kin_music", 38, "setup", "No sound device!\n");

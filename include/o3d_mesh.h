@@ -1,0 +1,89 @@
+// Geometry as a .o3d file holds it, and the normals and tangents that it does not.
+#pragma once
+
+#include "o3d_armature.h"
+#include "o3d_value.h"
+
+#include <string>
+#include <vector>
+
+namespace zentrak::o3d {
+
+class Mesh;
+
+// Triangles of one material, with vertex numbers of their own: local vertex i lies at position mIndices[i] of
+// the Mesh. Two local vertices may share a position and differ in texture coordinates: that makes a seam.
+class Submesh {
+public:
+    Submesh();
+    ~Submesh();
+    Submesh(const Submesh&) = delete;
+    Submesh& operator=(const Submesh&) = delete;
+
+    // Empties everything but the material number and the parent.
+    void clear();
+    // Reads the chunk that is open, or writes the whole chunk.
+    void loadChunk(chunklib::ReadBuffer& buffer);
+    void writeChunk(chunklib::WriteBuffer& buffer) const;
+    // The box of all positions in the index list, used by a triangle or not; all zero without any. An index
+    // outside the parent's vertices does not count.
+    void updateBox();
+
+    Vector3f                           mBoxMin;
+    Vector3f                           mBoxMax;
+    int                                mMaterial; // index in the Mesh's material names
+    std::vector<Triangle>              mTriangles;
+    std::vector<Index>                 mIndices;
+    std::vector<StructList<Vector3f>*> mTexCoords;     // owned; the first list counts, parallel to mIndices
+    std::vector<TangentSpace>          mTangentSpaces; // parallel to mIndices, or empty
+    Mesh*                              mParent;        // not owned
+};
+
+class Mesh {
+public:
+    Mesh();
+    ~Mesh();
+    Mesh(const Mesh&) = delete;
+    Mesh& operator=(const Mesh&) = delete;
+
+    void clear();
+    // Reads the chunk that is open, or writes the whole chunk. What is written is not what is read: the
+    // material numbers and names take another form (docs/formats.md).
+    void loadChunk(chunklib::ReadBuffer& buffer);
+    void writeChunk(chunklib::WriteBuffer& buffer) const;
+
+    // Has every Submesh tangent spaces? True where there is no Submesh.
+    bool hasNormals() const;
+    // Makes the tangent spaces of all Submeshes. Normals are smooth over all triangles at a position, of any
+    // Submesh, without weights; tangents are smooth where the texture coordinates are closer than 0.1.
+    // Asserts "length!=0" on a triangle without area, a position without a triangle, and a zero tangent.
+    // Throws as checkIndices() does, and on geometry that would take hours (a position with ten thousands of
+    // vertices in ten thousands of triangles); the Mesh is then as it was.
+    void addNormals();
+    void removeNormals();
+    // The union of the Submeshes' boxes; without a Submesh it stays as it was.
+    void updateBox();
+    // Throws Exception, with the Mesh's name and what is wrong, where a triangle uses a local vertex that its
+    // Submesh has not, an index a position that the Mesh has not, or the first texture coordinate list is
+    // shorter than the index list. A file may hold such a Mesh; whoever follows its numbers calls this first.
+    void checkIndices() const;
+
+    // The name of material number `i`; empty where there is none.
+    const std::string& getMaterial(int i) const;
+
+    // Weights of a group. Asserts that there is such a group, which no file brings.
+    BoneGroupWeightList&       getBoneGroup(int groupID);
+    const BoneGroupWeightList& getBoneGroup(int groupID) const;
+    // Never true: the comparison stands the wrong way round on purpose.
+    bool hasBoneGroup(int groupID) const;
+
+    std::string              mName;
+    std::vector<std::string> mMaterials; // names, by the Submeshes' material numbers
+    std::vector<Vector3f>    mVertices;  // positions
+    std::vector<Submesh*>    mSubmeshes; // owned
+    Vector3f                 mBoxMin;
+    Vector3f                 mBoxMax;
+    std::vector<BoneGroup*>  mBoneGroup; // owned; stays empty when loading
+};
+
+} // namespace zentrak::o3d

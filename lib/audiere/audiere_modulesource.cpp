@@ -1,0 +1,106 @@
+#include "audiere_modulesource.h"
+
+#include <algorithm>
+#include <climits>
+#include <cmath>
+#include <ostream>
+#include <vector>
+
+namespace zentrak::audiere {
+
+namespace {
+
+const int SAMPLE_RATE = 48000;
+const int SKIP_FRAMES = 1024;               // rendered at a time where nobody listens
+const int LEAD_IN = 4096;                   // frames of full quality ahead of a position sought
+const int LONGEST_SKIP = 900 * SAMPLE_RATE; // about a second's work on a plain module
+
+std::vector<char> readAll(File& file) {
+    file.seek(0, File::END);
+    std::vector<char> bytes(size_t(file.tell()));
+    file.seek(0, File::BEGIN);
+    bytes.resize(size_t(file.read(bytes.data(), int(bytes.size()))));
+    return bytes;
+}
+
+// Takes libopenmpt's messages, which nobody wants to read.
+std::ostream& nowhere() {
+    static std::ostream stream(nullptr);
+    return stream;
+}
+
+} // namespace
+
+RefPtr<SampleSource> ModuleSource::open(const RefPtr<File>& file) {
+    try {
+        RefPtr<ModuleSource> source = new ModuleSource(readAll(*file));
+        if (source->mLength > 0) {
+            return source.get();
+        }
+    } catch (const std::exception&) { // not a module
+    }
+    return nullptr;
+}
+
+ModuleSource::ModuleSource(const std::vector<char>& bytes)
+    : mModule(bytes, nowhere(), {{"play.at_end", "stop"}}) {
+    double frames = std::round(mModule.get_duration_seconds() * SAMPLE_RATE);
+    mLength = int(std::clamp(frames, 0.0, double(INT_MAX)));
+}
+
+void ModuleSource::getFormat(int& channelCount, int& sampleRate, SampleFormat& sampleFormat) {
+    channelCount = 2;
+    sampleRate = SAMPLE_RATE;
+    sampleFormat = SF_F32;
+}
+
+// The length is that of the score. A rendering that stops short of it is followed by silence.
+int ModuleSource::read(int frameCount, void* buffer) {
+    size_t wanted = size_t(std::max(std::min(frameCount, mLength - mPosition), 0));
+    float* out = static_cast<float*>(buffer);
+    size_t done = 0;
+    while (done < wanted) {
+        size_t count = mModule.read_interleaved_stereo(SAMPLE_RATE, wanted - done, out + 2 * done);
+        if (count == 0) {
+            break;
+        }
+        done += count;
+    }
+    std::fill(out + 2 * done, out + 2 * wanted, 0.0f);
+    mPosition += int(wanted);
+    return int(wanted);
+}
+
+// Only a rendering from the start sounds the same as having listened up to here, down to the sample;
+// libopenmpt's own seek lands on a row and forgets what rang on. So everything ahead of the position is
+// rendered and dropped, without interpolation, for speed, until shortly before it. Only a very long way is
+// cut short by that seek.
+void ModuleSource::setPosition(int position) {
+    position = std::clamp(position, 0, mLength);
+    if (position == mLength) {
+        mPosition = mLength; // nothing is read there
+        return;
+    }
+    if (position < mPosition) {
+        mModule.set_position_seconds(0);
+        mPosition = 0;
+    }
+    if (position - mPosition > LONGEST_SKIP) {
+        double start = double(position - 10 * SAMPLE_RATE) / SAMPLE_RATE;
+        mPosition = int(std::lround(mModule.set_position_seconds(start) * SAMPLE_RATE));
+        mPosition = std::min(mPosition, position);
+    }
+    skipTo(position - LEAD_IN, 1);
+    skipTo(position, 0);
+}
+
+// Renders and drops; filterLength as libopenmpt counts it: 1 without interpolation, 0 its best choice.
+void ModuleSource::skipTo(int position, int filterLength) {
+    float dropped[2 * SKIP_FRAMES];
+    mModule.set_render_param(openmpt::module::RENDER_INTERPOLATIONFILTER_LENGTH, filterLength);
+    while (mPosition < position) {
+        read(std::min(position - mPosition, SKIP_FRAMES), dropped);
+    }
+}
+
+} // namespace zentrak::audiere

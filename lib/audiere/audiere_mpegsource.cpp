@@ -1,0 +1,89 @@
+#include "audiere_mpegsource.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstdio>
+#include <sys/types.h>
+
+namespace zentrak::audiere {
+
+namespace {
+
+// What libmpg123 calls to reach the file.
+ssize_t fileRead(void* user, void* buffer, size_t size) {
+    return static_cast<File*>(user)->read(buffer, int(std::min<size_t>(size, INT_MAX)));
+}
+
+off_t fileSeek(void* user, off_t offset, int whence) {
+    File*          file = static_cast<File*>(user);
+    File::SeekMode mode = whence == SEEK_SET ? File::BEGIN : whence == SEEK_CUR ? File::CURRENT : File::END;
+    if (offset < INT_MIN || offset > INT_MAX || !file->seek(int(offset), mode)) {
+        return -1;
+    }
+    return file->tell();
+}
+
+} // namespace
+
+RefPtr<SampleSource> MpegSource::open(const RefPtr<File>& file) {
+    RefPtr<MpegSource> source = new MpegSource(file);
+    if (source->mLength <= 0) {
+        return nullptr;
+    }
+    return source.get();
+}
+
+// The whole file is scanned for its frames, since a header's word on the length may be missing or wrong.
+MpegSource::MpegSource(const RefPtr<File>& file) : mFile(file) {
+    mFile->seek(0, File::BEGIN);
+    mDecoder = mpg123_new(nullptr, nullptr);
+    long rate;
+    int  encoding;
+    if (!mDecoder ||
+        mpg123_param(mDecoder, MPG123_ADD_FLAGS, MPG123_FORCE_FLOAT | MPG123_QUIET, 0) != MPG123_OK ||
+        mpg123_replace_reader_handle(mDecoder, fileRead, fileSeek, nullptr) != MPG123_OK ||
+        mpg123_open_handle(mDecoder, mFile.get()) != MPG123_OK ||
+        mpg123_getformat(mDecoder, &rate, &mChannelCount, &encoding) != MPG123_OK ||
+        mpg123_format_none(mDecoder) != MPG123_OK ||
+        mpg123_format(mDecoder, rate, mChannelCount, MPG123_ENC_FLOAT_32) != MPG123_OK ||
+        mpg123_param(mDecoder, MPG123_RESYNC_LIMIT, -1, 0) != MPG123_OK ||
+        mpg123_scan(mDecoder) != MPG123_OK) {
+        return;
+    }
+    mSampleRate = int(rate);
+    mLength = int(std::clamp<off_t>(mpg123_length(mDecoder), 0, INT_MAX));
+}
+
+MpegSource::~MpegSource() {
+    mpg123_delete(mDecoder); // null is fine
+}
+
+void MpegSource::getFormat(int& channelCount, int& sampleRate, SampleFormat& sampleFormat) {
+    channelCount = mChannelCount;
+    sampleRate = mSampleRate;
+    sampleFormat = SF_F32;
+}
+
+int MpegSource::read(int frameCount, void* buffer) {
+    size_t frameSize = sizeof(float) * size_t(mChannelCount);
+    size_t wanted = frameSize * size_t(std::max(std::min(frameCount, mLength - mPosition), 0));
+    size_t done = 0;
+    while (done < wanted) {
+        size_t count = 0;
+        int status = mpg123_read(mDecoder, static_cast<unsigned char*>(buffer) + done, wanted - done, &count);
+        done += count;
+        if (status != MPG123_NEW_FORMAT && (status != MPG123_OK || count == 0)) {
+            break;
+        }
+    }
+    int frames = int(done / frameSize);
+    mPosition += frames;
+    return frames;
+}
+
+void MpegSource::setPosition(int position) {
+    position = std::clamp(position, 0, mLength);
+    mPosition = int(std::max<off_t>(mpg123_seek(mDecoder, position, SEEK_SET), 0));
+}
+
+} // namespace zentrak::audiere

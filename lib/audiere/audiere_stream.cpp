@@ -1,0 +1,258 @@
+#include "audiere_stream.h"
+
+#include <algorithm>
+
+namespace zentrak::audiere {
+
+namespace {
+
+const ALint  REMIX_UNMATCHED = 2; // AL_REMIX_UNMATCHED_SOFT, which older headers lack
+const int    LOWEST_RATE = 1000;  // frames a second
+const int    HIGHEST_RATE = 768000;
+const double LONGEST_DELAY = 0.5; // seconds; what a device tells beyond it is not believed
+const float  LOUDEST = 8;         // samples beyond are the work of a damaged file
+
+} // namespace
+
+RefPtr<OutputStream> OpenALStream::open(const RefPtr<OpenALDevice>& device,
+                                        const RefPtr<SampleSource>& source) {
+    RefPtr<OpenALStream> stream = new OpenALStream(device, source);
+    if (!stream->setup()) {
+        return nullptr;
+    }
+    return stream.get();
+}
+
+OpenALStream::OpenALStream(const RefPtr<OpenALDevice>& device, const RefPtr<SampleSource>& source)
+    : mDevice(device), mSource(source) {}
+
+// False when the stream can't be had.
+bool OpenALStream::setup() {
+    SampleFormat sampleFormat;
+    mSource->getFormat(mChannelCount, mSampleRate, sampleFormat);
+    mLength = mEnd = mSource->getLength();
+    if (mSampleRate < LOWEST_RATE || mSampleRate > HIGHEST_RATE) {
+        return false;
+    }
+    mBufferFrames = mSampleRate / BUFFERS_PER_SECOND;
+    mSamples.resize(size_t(2 * mBufferFrames));
+    mSource->setPosition(0);
+
+    mDevice->makeCurrent();
+    alGetError();
+    alGenSources(1, &mName);
+    alGenBuffers(BUFFER_COUNT, mBuffers);
+    if (alGetError() != AL_NO_ERROR || !alIsExtensionPresent("AL_EXT_FLOAT32")) {
+        return false;
+    }
+    // The left channel goes to the left and the right one to the right, not through a room around the
+    // listener.
+    if (alIsExtensionPresent("AL_SOFT_direct_channels_remix")) {
+        alSourcei(mName, AL_DIRECT_CHANNELS_SOFT, REMIX_UNMATCHED);
+    } else if (alIsExtensionPresent("AL_SOFT_direct_channels")) {
+        alSourcei(mName, AL_DIRECT_CHANNELS_SOFT, AL_TRUE);
+    }
+    if (alIsExtensionPresent("AL_SOFT_source_resampler")) {
+        alSourcei(mName, AL_SOURCE_RESAMPLER_SOFT, alGetInteger(AL_NUM_RESAMPLERS_SOFT) - 1); // the best
+    }
+    if (alIsExtensionPresent("AL_SOFT_source_latency")) {
+        mGetSource64 = reinterpret_cast<LPALGETSOURCEI64VSOFT>(alGetProcAddress("alGetSourcei64vSOFT"));
+    }
+    return true;
+}
+
+// Deleting the name 0 is no error in OpenAL.
+OpenALStream::~OpenALStream() {
+    mDevice->makeCurrent();
+    if (mName) {
+        alDeleteSources(1, &mName);
+    }
+    alDeleteBuffers(BUFFER_COUNT, mBuffers);
+}
+
+void OpenALStream::play() {
+    if (mPlaying) {
+        return;
+    }
+    if (mRanOut) {
+        setPosition(0);
+    }
+    mPlaying = true;
+    mUpdated = Clock::now();
+    mDevice->makeCurrent();
+    fill();
+    alSourcePlay(mName);
+}
+
+// What the device holds back is still heard, so the position is where OpenAL stands, and not a delay behind
+// it.
+void OpenALStream::stop() {
+    update();
+    if (!mPlaying) {
+        return;
+    }
+    mPlaying = false;
+    alSourcePause(mName);
+    double where = offset(false);
+    ALint  state;
+    alGetSourcei(mName, AL_SOURCE_STATE, &state);
+    if (state == AL_PAUSED) {
+        advance(double(mQueuedAt) + where);
+    }
+}
+
+bool OpenALStream::isPlaying() {
+    update();
+    return mPlaying;
+}
+
+int OpenALStream::getPosition() {
+    update();
+    return mPosition;
+}
+
+void OpenALStream::setVolume(float volume) {
+    mVolume = volume > 0 ? std::min(volume, 1.0f) : 0.0f; // not a number is silence
+    mDevice->makeCurrent();
+    alSourcef(mName, AL_GAIN, mVolume);
+}
+
+void OpenALStream::setPosition(int position) {
+    mDevice->makeCurrent();
+    flush(std::clamp(position, 0, mLength));
+    mRanOut = false;
+    if (mPlaying) {
+        fill();
+        alSourcePlay(mName);
+    }
+}
+
+// Follows OpenAL: takes over how far it came, and tops up the queue. A source that ran dry because nobody
+// called for too long has played all that was queued, and goes on behind it.
+void OpenALStream::update() {
+    if (!mPlaying) {
+        return;
+    }
+    mDevice->makeCurrent();
+    if (!mDevice->isConnected()) {
+        updateSilently();
+        return;
+    }
+    mUpdated = Clock::now();
+    double where = offset(true); // before the state: a source that stops in between has the offset 0
+    if (isRunning()) {
+        advance(double(mQueuedAt) + where);
+    } else {
+        advance(double(mQueuedAt) + double(mQueued) * mBufferFrames);
+    }
+    if (mPosition >= mEnd) {
+        mPlaying = false;
+        mRanOut = true;
+        flush(mPosition);
+        return;
+    }
+    ALint processed;
+    alGetSourcei(mName, AL_BUFFERS_PROCESSED, &processed);
+    drop(processed);
+    int kept = mQueued;
+    fill();
+    if (!isRunning()) {
+        drop(kept); // played meanwhile
+        fill();
+        alSourcePlay(mName);
+    }
+}
+
+// Without a device the show goes on in silence: time passes, and the sound ends when it would have.
+void OpenALStream::updateSilently() {
+    Clock::time_point             now = Clock::now();
+    std::chrono::duration<double> passed = now - mUpdated;
+    int frames = int(std::min(passed.count() * mSampleRate, double(mEnd - mPosition)));
+    mUpdated += std::chrono::duration_cast<Clock::duration>(
+        std::chrono::duration<double>(double(frames) / mSampleRate));
+    flush(mPosition + frames);
+    if (mPosition >= mEnd) {
+        mPlaying = false;
+        mRanOut = true;
+    }
+}
+
+// Decodes into every buffer that is free, and queues it.
+void OpenALStream::fill() {
+    while (mQueued < BUFFER_COUNT) {
+        decode();
+        ALuint buffer = mBuffers[(mFirst + mQueued) % BUFFER_COUNT];
+        alBufferData(buffer, AL_FORMAT_STEREO_FLOAT32, mSamples.data(),
+                     ALsizei(mSamples.size() * sizeof(float)), mSampleRate);
+        alSourceQueueBuffers(mName, 1, &buffer);
+        ++mQueued;
+    }
+}
+
+// Fills mSamples with what comes next, and silence behind the end.
+void OpenALStream::decode() {
+    int count = 0;
+    if (mSource->getPosition() < mEnd) {
+        count = mSource->read(mBufferFrames, mSamples.data());
+        if (count < mBufferFrames) {
+            mEnd = mSource->getPosition();
+        }
+    }
+    if (mChannelCount == 1) {
+        for (int frame = count; frame-- > 0;) {
+            mSamples[size_t(2 * frame)] = mSamples[size_t(2 * frame + 1)] = mSamples[size_t(frame)];
+        }
+    }
+    auto end = mSamples.begin() + 2 * count;
+    for (auto sample = mSamples.begin(); sample != end; ++sample) {
+        *sample = *sample == *sample ? std::clamp(*sample, -LOUDEST, LOUDEST) : 0.0f;
+    }
+    std::fill(end, mSamples.end(), 0.0f);
+}
+
+// Takes the oldest `count` buffers, all of them played, out of the queue.
+void OpenALStream::drop(int count) {
+    for (; count > 0 && mQueued > 0; --count) {
+        ALuint buffer;
+        alSourceUnqueueBuffers(mName, 1, &buffer);
+        mFirst = (mFirst + 1) % BUFFER_COUNT;
+        mQueuedAt += mBufferFrames;
+        --mQueued;
+    }
+}
+
+// Stops OpenAL, empties the queue, and moves everything to `position`.
+void OpenALStream::flush(int position) {
+    alSourceStop(mName);
+    alSourcei(mName, AL_BUFFER, 0);
+    mQueued = 0;
+    mQueuedAt = position;
+    mPosition = position;
+    mSource->setPosition(position);
+}
+
+// The position never goes back by itself: the delay of a device is an estimate that wavers.
+void OpenALStream::advance(double position) {
+    mPosition = int(std::min(std::max(position, double(mPosition)), double(mEnd)));
+}
+
+bool OpenALStream::isRunning() const {
+    ALint state;
+    alGetSourcei(mName, AL_SOURCE_STATE, &state);
+    return state == AL_PLAYING;
+}
+
+// Frames from the start of the queue to the one that is mixed now, or that is heard now.
+double OpenALStream::offset(bool heard) const {
+    if (!heard || !mGetSource64) {
+        ALint frames = 0;
+        alGetSourcei(mName, AL_SAMPLE_OFFSET, &frames);
+        return frames;
+    }
+    ALint64SOFT both[2] = {}; // frames in 32.32 fixed point, nanoseconds until they are heard
+    mGetSource64(mName, AL_SAMPLE_OFFSET_LATENCY_SOFT, both);
+    double delay = std::clamp(double(both[1]) / 1e9, 0.0, LONGEST_DELAY);
+    return double(both[0]) / 4294967296.0 - delay * mSampleRate;
+}
+
+} // namespace zentrak::audiere
