@@ -1,0 +1,60 @@
+// A tag in a tree: it owns its children and knows its parent.
+#pragma once
+
+#include "xml_tag.h"
+
+#include <string>
+#include <vector>
+
+namespace zentrak::xml {
+
+class Iterator;
+class IteratorConst;
+
+class XmlNode : public XmlTag {
+public:
+    std::vector<XmlNode*> children;         // owned, in document order
+    XmlNode*              parent = nullptr; // not owned
+
+    explicit XmlNode(XmlNode* aParent);
+    XmlNode(const XmlTag& tag, XmlNode* aParent);
+    XmlNode(XmlTag&& tag, XmlNode* aParent);
+    // Takes the node out of its parent and deletes what is below it.
+    ~XmlNode();
+
+    XmlNode(const XmlNode&) = delete;
+    XmlNode& operator=(const XmlNode&) = delete;
+
+    XmlTag&       getTag() { return *this; }
+    const XmlTag& getTag() const { return *this; }
+
+    int getNumChildren() const { return static_cast<int>(children.size()); }
+    // The child at `index`, still owned here. Throws where there is none.
+    XmlNode*       getChildren(int index);
+    const XmlNode* getChildren(int index) const;
+
+    // Adds a copy of `tag` before the child now at `position`, or behind all for -1 and for any position that
+    // there is not. Opens this node. The result walks the children of the new one.
+    Iterator addChild(const XmlTag& tag, int position);
+    // The same behind all children, taking what the tag holds. The new node is owned here.
+    XmlNode* appendChild(XmlTag&& tag);
+    // Takes the child out of the list and returns its former index. The caller owns it from then on; its
+    // parent pointer stays. Throws "detachChild(%p); No such child in '%s'".
+    int detachChild(XmlNode* child);
+
+    // Walks the children, those of the name `searchCriteria` or, if that is empty, all.
+    Iterator      createIterator(const std::string& searchCriteria);
+    IteratorConst createIterator(const std::string& searchCriteria) const;
+
+    // Resets the tag, takes the node out of its parent and deletes what is below it. Throws as detachChild
+    // where the node was detached before; its parent must then still live.
+    void clear();
+
+private:
+    bool mDetached = false; // out of the parent's list, although `parent` stays
+
+    void     deleteChildren();
+    XmlNode* insertChild(XmlNode* child, int position);
+};
+
+} // namespace zentrak::xml

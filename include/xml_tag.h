@@ -1,0 +1,80 @@
+// One tag: its kind, name and attributes, all texts. How it is read and written is the dialect: no entities,
+// no CDATA, names of ASCII letters and digits, attribute values on one line.
+#pragma once
+
+#include "xml_bufferreader.h"
+
+#include <cstdint>
+#include <ostream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zentrak::xml {
+
+// What a missing attribute gives. A missing and an empty one can't be told apart, and callers build on that.
+inline const std::string emptyString;
+
+class XmlTag {
+public:
+    enum Type : uint32_t {
+        Normal = 0,          // an element's start or end tag
+        Comment = 1,         // name "COMMENT", body in the argument "content"
+        SpecialQuestion = 2, // <?name ...?>
+        SpecialExclaim = 3,  // <!word word ...>, name "SPECIAL_EXCLAIM"
+        Text = 4,            // name "!!!text", body in the argument "content"
+    };
+
+    struct Argument {
+        std::string name;
+        std::string value;
+    };
+
+    Type                  type = Normal;
+    bool                  closed = true; // without children and without an end tag of its own
+    std::string           name;
+    std::vector<Argument> arguments; // in order of first insertion
+
+    Type               getType() const { return type; }
+    bool               isClosed() const { return closed; }
+    const std::string& getName() const { return name; }
+
+    // The value of the first argument of this name, or xml::emptyString. It lives as long as the tag stays as
+    // it is.
+    const std::string& getValue(std::string_view argument) const;
+
+    // Replaces the value of the first argument of this name, at its place, or appends one.
+    void setValue(const std::string& argument, const std::string& value);
+    void setValue(const std::string& argument, double value); // as "%.25g"
+    void setValue(const std::string& argument, int value);    // as "%0d"
+    void setName(const std::string& newName) { name = newName; }
+    void setClosed(bool isClosed) { closed = isClosed; }
+    void setTag(const XmlTag& tag); // copies all four fields
+
+    // Writes the tag and a line end, and flushes. Nothing is escaped. A closed element ends in "/>" where
+    // `allowSelfClose` is set. Throws "XmlTag::write; Unknown tagtype!".
+    void write(std::ostream& os, bool allowSelfClose) const;
+
+    // Reads the next tag of any type into this one. Throws Exception where the text breaks the dialect, and
+    // "EOF" where it ends inside a tag or holds no further one; the reader then stands at the failure.
+    void parse(BufferReader& reader);
+
+    // Its parts. The reader stands behind "<" for parseNormal, on the "!" or "?" for the special ones, and on
+    // the first byte for text.
+    void parseNormal(BufferReader& reader);
+    void parseComment(BufferReader& reader);
+    void parseText(BufferReader& reader);
+    void parseSpecialExclaim(BufferReader& reader);
+    void parseSpecialQuestion(BufferReader& reader);
+    // Reads name, "=" and value. `terminators`, what the caller would stop at, has no effect on the reading.
+    // Without `requireEquals` the value follows the name without "=".
+    void parseAttribute(BufferReader& reader, const std::string& terminators, bool requireEquals);
+
+private:
+    void reset();
+};
+
+// Writes the tag, self-closed if it is closed.
+std::ostream& operator<<(std::ostream& os, const XmlTag& tag);
+
+} // namespace zentrak::xml

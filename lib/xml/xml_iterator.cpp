@@ -1,0 +1,94 @@
+#include "xml_iterator.h"
+
+#include <algorithm>
+
+namespace zentrak::xml {
+
+namespace {
+
+int childCount(const XmlNode* node) {
+    return node ? node->getNumChildren() : 0;
+}
+
+} // namespace
+
+IteratorConst::IteratorConst(const XmlNode* aRoot, const std::string& criteria)
+    : root(aRoot), searchCriteria(criteria) {}
+
+bool IteratorConst::operator++() {
+    if (atEnd) {
+        throw Exception("IteratorConst::operator++; Called after last tag!");
+    }
+    atBegin = false;
+    const int count = childCount(root);
+    if (index + 1 >= count) {
+        atEnd = true;
+        index = count;
+        return false;
+    }
+    if (searchCriteria.empty()) {
+        ++index;
+        return true;
+    }
+    for (int i = index + 1; i < count; ++i) {
+        if (root->children[static_cast<size_t>(i)]->name == searchCriteria) {
+            index = i;
+            return true;
+        }
+    }
+    atEnd = true;
+    return false;
+}
+
+const XmlNode* IteratorConst::current(const char* beforeFirst, const char* afterLast) const {
+    if (atBegin) {
+        throw Exception("%s", beforeFirst);
+    }
+    if (atEnd || index < 0 || index >= childCount(root)) { // the last: children were taken away meanwhile
+        throw Exception("%s", afterLast);
+    }
+    return root->children[static_cast<size_t>(index)];
+}
+
+const XmlTag* IteratorConst::operator->() const {
+    return current("IteratorConst::operator->; Can't access before first element!",
+                   "IteratorConst::operator->; Can't access after last element!");
+}
+
+IteratorConst IteratorConst::createIterator(const std::string& criteria) const {
+    return IteratorConst(static_cast<const XmlNode*>(operator->()), criteria);
+}
+
+Iterator::Iterator(XmlNode* aRoot, const std::string& criteria) : IteratorConst(aRoot, criteria) {}
+
+XmlNode* Iterator::currentNode() const {
+    return const_cast<XmlNode*>(
+        current("XmlParser::Iterator::operator->; Can't access before first element, try operator++ first!",
+                "XmlParser::Iterator::operator->; Can't access after last element, no Tags matching "
+                "searchCriteria?"));
+}
+
+XmlNode* Iterator::operator->() {
+    return currentNode();
+}
+
+Iterator Iterator::createIterator(const std::string& criteria) const {
+    return Iterator(currentNode(), criteria);
+}
+
+Iterator Iterator::addChild(const XmlTag& tag) {
+    atEnd = false;
+    atBegin = false;
+    index = std::min(index + 1, getRoot()->getNumChildren()); // past the end there is no place to insert at
+    return getRoot()->addChild(tag, index);
+}
+
+void Iterator::setRoot(const XmlTag& tag) {
+    getRoot()->setTag(tag);
+}
+
+std::ostream& operator<<(std::ostream& os, const IteratorConst& it) {
+    return os << *it.operator->();
+}
+
+} // namespace zentrak::xml

@@ -1,0 +1,105 @@
+#include "xml_node.h"
+
+#include "xml_iterator.h"
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+
+namespace zentrak::xml {
+
+XmlNode::XmlNode(XmlNode* aParent) : parent(aParent) {}
+
+XmlNode::XmlNode(const XmlTag& tag, XmlNode* aParent) : XmlTag(tag), parent(aParent) {}
+
+XmlNode::XmlNode(XmlTag&& tag, XmlNode* aParent) : XmlTag(std::move(tag)), parent(aParent) {}
+
+XmlNode::~XmlNode() {
+    if (parent && !mDetached) {
+        std::vector<XmlNode*>& siblings = parent->children;
+        const auto             found = std::find(siblings.begin(), siblings.end(), this);
+        if (found != siblings.end()) {
+            siblings.erase(found);
+        }
+    }
+    deleteChildren();
+}
+
+XmlNode* XmlNode::getChildren(int index) {
+    return const_cast<XmlNode*>(static_cast<const XmlNode*>(this)->getChildren(index));
+}
+
+const XmlNode* XmlNode::getChildren(int index) const {
+    if (index < 0 || index >= getNumChildren()) {
+        throw Exception("getChildren(%d); No such child in '%s'", index, name.c_str());
+    }
+    return children[static_cast<size_t>(index)];
+}
+
+XmlNode* XmlNode::insertChild(XmlNode* child, int position) {
+    std::unique_ptr<XmlNode> owner(child);
+    child->parent = this;
+    closed = false;
+    const bool there = position >= 0 && position < getNumChildren();
+    children.insert(there ? children.begin() + position : children.end(), child);
+    return owner.release();
+}
+
+Iterator XmlNode::addChild(const XmlTag& tag, int position) {
+    return Iterator(insertChild(new XmlNode(tag, nullptr), position), emptyString);
+}
+
+XmlNode* XmlNode::appendChild(XmlTag&& tag) {
+    return insertChild(new XmlNode(std::move(tag), nullptr), -1);
+}
+
+int XmlNode::detachChild(XmlNode* child) {
+    const auto found = std::find(children.begin(), children.end(), child);
+    if (found == children.end()) {
+        throw Exception("detachChild(%p); No such child in '%s'", static_cast<void*>(child), name.c_str());
+    }
+    const int index = static_cast<int>(found - children.begin());
+    children.erase(found);
+    child->mDetached = true;
+    return index;
+}
+
+Iterator XmlNode::createIterator(const std::string& searchCriteria) {
+    return Iterator(this, searchCriteria);
+}
+
+IteratorConst XmlNode::createIterator(const std::string& searchCriteria) const {
+    return IteratorConst(this, searchCriteria);
+}
+
+void XmlNode::clear() {
+    setTag(XmlTag());
+    if (parent) {
+        parent->detachChild(this);
+    }
+    deleteChildren();
+}
+
+// Deletes from the leaves up, so that no depth of tree needs a depth of calls.
+void XmlNode::deleteChildren() {
+    XmlNode* node = this;
+    for (;;) {
+        if (!node->children.empty()) {
+            XmlNode* child = node->children.back();
+            child->parent = node;
+            if (child->children.empty()) {
+                node->children.pop_back();
+                child->parent = nullptr;
+                delete child;
+            } else {
+                node = child;
+            }
+        } else if (node != this) {
+            node = node->parent;
+        } else {
+            return;
+        }
+    }
+}
+
+} // namespace zentrak::xml

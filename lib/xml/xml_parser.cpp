@@ -1,0 +1,161 @@
+#include "xml_parser.h"
+
+#include <iterator>
+#include <sstream>
+#include <utility>
+
+namespace zentrak::xml {
+
+namespace {
+
+// The tag in as little memory as it needs; `tag` keeps its own for the next one.
+XmlTag takeTag(XmlTag& tag) {
+    XmlTag result;
+    result.type = tag.type;
+    result.closed = tag.closed;
+    result.name = std::move(tag.name);
+    result.arguments.assign(std::make_move_iterator(tag.arguments.begin()),
+                            std::make_move_iterator(tag.arguments.end()));
+    return result;
+}
+
+bool endsNode(const XmlTag& tag, const XmlNode& node) {
+    return tag.closed && tag.arguments.empty() && tag.name == node.name;
+}
+
+void parseWithPlace(XmlParser& parser, BufferReader reader) {
+    try {
+        parser.parse(reader);
+    } catch (const Exception& exception) {
+        throw Exception("(error at line %d, col %d); %s (when reading tag at %d:%d)", reader.line, reader.col,
+                        exception.what(), reader.tagLine, reader.tagCol);
+    }
+}
+
+void writeIndent(std::ostream& os, const std::string& indent, int depth) {
+    for (int i = 0; i < depth; ++i) {
+        os.write(indent.data(), static_cast<std::streamsize>(indent.size()));
+    }
+}
+
+void writeEndTag(std::ostream& os, const XmlNode& node, const std::string& indent, int depth) {
+    writeIndent(os, indent, depth);
+    os << "</" << node.name << ">\n";
+}
+
+} // namespace
+
+XmlParser::XmlParser() : XmlNode(nullptr) {}
+
+void XmlParser::parse(const char* text, int length) {
+    parseWithPlace(*this, BufferReader(text, length > 0 ? static_cast<size_t>(length) : 0));
+}
+
+void XmlParser::parse(const std::string& text) {
+    parseWithPlace(*this, BufferReader(text.data(), text.size()));
+}
+
+void XmlParser::parse(BufferReader& reader) {
+    if (!name.empty()) {
+        throw Exception("Parser has already parsed a xml-file, use clear() first!");
+    }
+    header = XmlTag();
+    XmlTag tag;
+    for (;;) {
+        tag.parse(reader);
+        if (tag.type == Normal) {
+            break;
+        }
+        if (tag.type == SpecialQuestion && tag.name == "xml") {
+            if (header.name.empty()) {
+                header.setTag(tag);
+            } else {
+                for (const Argument& argument : tag.arguments) {
+                    header.setValue(argument.name, argument.value);
+                }
+            }
+        }
+    }
+    if (tag.closed) {
+        throw Exception("Root tag is closed!");
+    }
+    setTag(tag);
+    Iterator it = createIterator(emptyString);
+    parseRecurse(reader, it, it);
+}
+
+// Goes down and up the tree by its own pointers, so that no depth of text needs a depth of calls.
+void XmlParser::parseRecurse(BufferReader& reader, Iterator& it, Iterator&) {
+    XmlNode* const first = it.getRoot();
+    XmlNode*       node = first;
+    XmlTag         tag;
+    for (;;) {
+        tag.parse(reader);
+        if (endsNode(tag, *node)) {
+            if (node->children.empty()) {
+                node->closed = true;
+            }
+            if (node == first) {
+                return;
+            }
+            node = node->parent;
+            continue;
+        }
+        XmlNode* child;
+        if (node == first) {
+            child = it.addChild(tag).getRoot();
+        } else {
+            child = node->appendChild(takeTag(tag));
+        }
+        if (!tag.closed) {
+            node = child;
+        }
+    }
+}
+
+void XmlParser::write(std::ostream& os, const std::string& indent) const {
+    if (header.name == "xml") {
+        os << header << '\n';
+    }
+    XmlTag::write(os, false);
+    IteratorConst it = createIterator(emptyString);
+    writeRecurse(os, it, indent, 1);
+}
+
+void XmlParser::write(std::string& out, const std::string& indent) const {
+    std::ostringstream os;
+    write(os, indent);
+    out = os.str();
+}
+
+void XmlParser::writeRecurse(std::ostream& os, IteratorConst& it, const std::string& indent,
+                             int depth) const {
+    struct Level {
+        const XmlNode* node;
+        size_t         next;
+    };
+    std::vector<Level> levels; // the open nodes below the one that `it` walks
+    for (;;) {
+        const XmlNode* child = nullptr;
+        if (levels.empty()) {
+            if (!++it) {
+                break;
+            }
+            child = static_cast<const XmlNode*>(it.operator->());
+        } else if (levels.back().next < levels.back().node->children.size()) {
+            child = levels.back().node->children[levels.back().next++];
+        } else {
+            writeEndTag(os, *levels.back().node, indent, depth - 1 + static_cast<int>(levels.size()));
+            levels.pop_back();
+            continue;
+        }
+        writeIndent(os, indent, depth + static_cast<int>(levels.size()));
+        os << child->getTag();
+        if (!child->closed) {
+            levels.push_back({child, 0});
+        }
+    }
+    writeEndTag(os, *it.getRoot(), indent, depth - 1);
+}
+
+} // namespace zentrak::xml
