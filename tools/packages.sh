@@ -40,7 +40,8 @@ need() {
 }
 
 build_packages="build-essential cmake ninja-build pkg-config ccache libglfw3-dev libglew-dev libglu1-mesa-dev
-    libgl1-mesa-dri libopenal-dev libsndfile1-dev libopenmpt-dev libminizip-dev libpng-dev libjpeg-dev zlib1g-dev"
+    libgl1-mesa-dri libopenal-dev libsndfile1-dev libvorbis-dev libmpg123-dev libopenmpt-dev libminizip-dev libpng-dev
+    libjpeg-dev zlib1g-dev"
 screen_packages="xvfb imagemagick"
 test_packages="libgtest-dev xvfb xdotool openbox x11-utils x11-xkb-utils x11-xserver-utils imagemagick zip sox
-    libsox-fmt-mp3 vorbis-tools flac lame libvorbis-dev libfreetype-dev fonts-dejavu-core"
+    libsox-fmt-mp3 vorbis-tools flac lame libfreetype-dev fonts-dejavu-core"

@@ -6,6 +6,7 @@
 #include "audiere_mpegsource.h"
 #include "audiere_sndfilesource.h"
 #include "audiere_stream.h"
+#include "audiere_vorbissource.h"
 
 #include <cstring>
 
@@ -23,12 +24,12 @@ RefPtr<File> AdrCreateMemoryFile(const void* data, int size) {
     return new MemoryFile(data, size);
 }
 
-// Module formats have weaker marks than those of libsndfile, and MP3 has next to none: hence the order.
+// The marks of modules are weaker than those before them, and MP3 has next to none: hence the order.
 RefPtr<SampleSource> AdrOpenSampleSourceFromFile(const RefPtr<File>& file, int format) {
     if (!file || format != 0) {
         return nullptr;
     }
-    for (auto open : {SndfileSource::open, ModuleSource::open, MpegSource::open}) {
+    for (auto open : {VorbisSource::open, SndfileSource::open, ModuleSource::open, MpegSource::open}) {
         if (RefPtr<SampleSource> source = open(file)) {
             return source;
         }

@@ -2,13 +2,13 @@
 
 #include <algorithm>
 #include <climits>
+#include <cstring>
 
 namespace zentrak::audiere {
 
 namespace {
 
 const int MIX_FRAMES = 1024; // mixed down at a time
-const int LEAD_IN = 8192;    // the longest block of Vorbis
 
 // What libsndfile calls to reach the file.
 sf_count_t fileLength(void* user) {
@@ -41,6 +41,20 @@ sf_count_t fileWrite(const void*, sf_count_t, void*) {
     return 0;
 }
 
+// libsndfile knows many more formats, which aren't asked for.
+bool hasMark(File& file) {
+    char mark[4] = {};
+    file.seek(0, File::BEGIN);
+    file.read(mark, 4);
+    file.seek(0, File::BEGIN);
+    for (const char* known : {"RIFF", "RIFX", "RF64", "fLaC"}) {
+        if (std::memcmp(mark, known, 4) == 0) {
+            return true;
+        }
+    }
+    return false;
+}
+
 } // namespace
 
 RefPtr<SampleSource> SndfileSource::open(const RefPtr<File>& file) {
@@ -53,18 +67,17 @@ RefPtr<SampleSource> SndfileSource::open(const RefPtr<File>& file) {
 
 SndfileSource::SndfileSource(const RefPtr<File>& file) : mFile(file) {
     static SF_VIRTUAL_IO access = {fileLength, fileSeek, fileRead, fileWrite, fileTell};
-    mFile->seek(0, File::BEGIN);
+    if (!hasMark(*mFile)) {
+        return;
+    }
     mDecoder = sf_open_virtual(&access, SFM_READ, &mInfo, mFile.get());
     if (!mDecoder) {
         return;
     }
-    switch (mInfo.format & SF_FORMAT_TYPEMASK) {
-    case SF_FORMAT_WAV:
-    case SF_FORMAT_WAVEX:
-    case SF_FORMAT_FLAC:
-    case SF_FORMAT_OGG:
-        mLength = int(std::clamp<sf_count_t>(mInfo.frames, 0, INT_MAX));
-        chooseMix();
+    mLength = int(std::clamp<sf_count_t>(mInfo.frames, 0, INT_MAX));
+    if (mInfo.channels > 2) {
+        mDownmix = Downmix(channelPlaces());
+        mSurround.resize(size_t(MIX_FRAMES * mInfo.channels));
     }
 }
 
@@ -74,15 +87,13 @@ SndfileSource::~SndfileSource() {
     }
 }
 
-// Sets mMix for sound of more than two channels: each goes to its side, and those in the middle to both, 3 dB
-// down; the subwoofer is left out. Channels of unknown place are taken to be left and right by turns.
-void SndfileSource::chooseMix() {
-    if (mInfo.channels <= 2) {
-        return;
+// As the file tells them, else as is usual.
+std::string SndfileSource::channelPlaces() {
+    std::string      places = Downmix::usualPlaces(mInfo.channels);
+    std::vector<int> map(places.size());
+    if (!sf_command(mDecoder, SFC_GET_CHANNEL_MAP_INFO, map.data(), int(map.size() * sizeof(int)))) {
+        return places;
     }
-    std::vector<int> map(size_t(mInfo.channels), SF_CHANNEL_MAP_INVALID);
-    sf_command(mDecoder, SFC_GET_CHANNEL_MAP_INFO, map.data(), int(map.size() * sizeof(int)));
-    const float middle = 0.70710678f;
     for (size_t channel = 0; channel < map.size(); ++channel) {
         switch (map[channel]) {
         case SF_CHANNEL_MAP_LEFT:
@@ -92,7 +103,7 @@ void SndfileSource::chooseMix() {
         case SF_CHANNEL_MAP_SIDE_LEFT:
         case SF_CHANNEL_MAP_TOP_FRONT_LEFT:
         case SF_CHANNEL_MAP_TOP_REAR_LEFT:
-            mMix.push_back({1, 0});
+            places[channel] = 'L';
             break;
         case SF_CHANNEL_MAP_RIGHT:
         case SF_CHANNEL_MAP_FRONT_RIGHT:
@@ -101,25 +112,22 @@ void SndfileSource::chooseMix() {
         case SF_CHANNEL_MAP_SIDE_RIGHT:
         case SF_CHANNEL_MAP_TOP_FRONT_RIGHT:
         case SF_CHANNEL_MAP_TOP_REAR_RIGHT:
-            mMix.push_back({0, 1});
+            places[channel] = 'R';
             break;
         case SF_CHANNEL_MAP_MONO:
         case SF_CHANNEL_MAP_CENTER:
-        case SF_CHANNEL_MAP_FRONT_CENTER:
         case SF_CHANNEL_MAP_REAR_CENTER:
         case SF_CHANNEL_MAP_TOP_CENTER:
         case SF_CHANNEL_MAP_TOP_FRONT_CENTER:
         case SF_CHANNEL_MAP_TOP_REAR_CENTER:
-            mMix.push_back({middle, middle});
+            places[channel] = 'C';
             break;
         case SF_CHANNEL_MAP_LFE:
-            mMix.push_back({0, 0});
+            places[channel] = 'S';
             break;
-        default:
-            mMix.push_back(channel % 2 == 0 ? Pan{1, 0} : Pan{0, 1});
         }
     }
-    mSurround.resize(MIX_FRAMES * map.size());
+    return places;
 }
 
 void SndfileSource::getFormat(int& channelCount, int& sampleRate, SampleFormat& sampleFormat) {
@@ -136,7 +144,7 @@ int SndfileSource::read(int frameCount, void* buffer) {
 
 // As the decoder gives them, or mixed down; returns the frames written to `out`.
 int SndfileSource::decode(int frameCount, float* out) {
-    if (mMix.empty()) {
+    if (mInfo.channels <= 2) {
         return int(std::max<sf_count_t>(sf_readf_float(mDecoder, out, frameCount), 0));
     }
     int done = 0;
@@ -145,30 +153,18 @@ int SndfileSource::decode(int frameCount, float* out) {
         if (count <= 0) {
             break;
         }
-        const float* in = mSurround.data();
-        for (int frame = 0; frame < count; ++frame, out += 2) {
-            out[0] = out[1] = 0;
-            for (const Pan& pan : mMix) {
-                out[0] += pan.left * *in;
-                out[1] += pan.right * *in++;
-            }
+        std::fill_n(out + 2 * done, 2 * count, 0.0f);
+        for (int channel = 0; channel < mInfo.channels; ++channel) {
+            mDownmix.add(channel, mSurround.data() + channel, mInfo.channels, count, out + 2 * done);
         }
         done += count;
     }
     return done;
 }
 
-// Vorbis decodes a block exactly only after the one before it, so the seek goes to a point ahead of the
-// position, and what lies between is read and dropped.
 void SndfileSource::setPosition(int position) {
     position = std::clamp(position, 0, mLength);
-    bool ogg = (mInfo.format & SF_FORMAT_TYPEMASK) == SF_FORMAT_OGG;
-    int  start = ogg ? std::max(position - LEAD_IN, 0) : position;
-    mPosition = int(std::max<sf_count_t>(sf_seek(mDecoder, start, SEEK_SET), 0));
-
-    float dropped[2 * 512];
-    while (mPosition < position && read(std::min(position - mPosition, 512), dropped) > 0) {
-    }
+    mPosition = int(std::max<sf_count_t>(sf_seek(mDecoder, position, SEEK_SET), 0));
 }
 
 } // namespace zentrak::audiere

@@ -1,5 +1,7 @@
-// Vorbis, FLAC and WAV, decoded by libsndfile.
+// FLAC and WAV, decoded by libsndfile.
 #pragma once
+
+#include "audiere_downmix.h"
 
 #include "audiere.h"
 
@@ -23,20 +25,15 @@ private:
     explicit SndfileSource(const RefPtr<File>& file);
     ~SndfileSource() override;
 
-    void chooseMix();
-    int  decode(int frameCount, float* out);
-
-    // How loud one channel of the file is in each of the two that are heard.
-    struct Pan {
-        float left, right;
-    };
+    std::string channelPlaces();
+    int         decode(int frameCount, float* out);
 
     RefPtr<File>       mFile;
-    SNDFILE*           mDecoder = nullptr; // null when the file can't be decoded
+    SNDFILE*           mDecoder = nullptr;
     SF_INFO            mInfo = {};
-    int                mLength = 0;
+    int                mLength = 0; // 0 when the file can't be decoded
     int                mPosition = 0;
-    std::vector<Pan>   mMix;      // per channel of the file; empty for mono and stereo
+    Downmix            mDownmix;  // used for more than two channels
     std::vector<float> mSurround; // frames to be mixed down, as decoded
 };
 
