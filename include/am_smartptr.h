@@ -59,10 +59,8 @@ public:
     // Makes the pointer empty; the last one deletes the object.
     void release() {
         Block* block = std::exchange(mBlock, nullptr);
-        if (block && block->mCount.decRef() == 0) {
-            delete block->mObject;
-            delete block;
-        }
+        if (block && block->mCount.decRef() == 0)
+            destroy(block);
     }
 
     // One more reference, which somebody has to give back; nothing for an empty pointer.
@@ -89,6 +87,13 @@ private:
         T*    mObject;
         Count mCount;
     };
+
+    // Out of line: inlined everywhere, it makes the compiler see uses behind the deletion that the count
+    // rules out.
+    [[gnu::noinline]] static void destroy(Block* block) {
+        delete block->mObject;
+        delete block;
+    }
 
     T* held() const {
         if (!mBlock)

@@ -1,0 +1,122 @@
+#include "am_archivemanager.h"
+
+#include "am_archivedirectory.h"
+#include "am_archivezip.h"
+#include "am_text.h"
+#include "ztk_system.h"
+
+namespace zentrak::am {
+
+namespace {
+
+const char   cProtocolMark[] = "://";
+const size_t cProtocolMarkLength = sizeof cProtocolMark - 1;
+
+bool isSeparator(char c) {
+    return c == '/' || c == '\\';
+}
+
+// Where "://" starts behind a word at the start of `path`, or npos.
+size_t findProtocol(const std::string& path) {
+    for (size_t i = 0; i < path.size() && !isSeparator(path[i]); ++i)
+        if (path.compare(i, cProtocolMarkLength, cProtocolMark) == 0)
+            return i;
+    return std::string::npos;
+}
+
+// The last component from its last dot on, with the dot, or nothing. It never reads "zip", because of the
+// dot: a zip file is added by its protocol only.
+std::string findType(const std::string& path) {
+    size_t i = path.find_last_of("./\\");
+    return i != std::string::npos && path[i] == '.' ? path.substr(i) : std::string();
+}
+
+} // namespace
+
+ArchiveManager::ArchiveManager() : mImageManager(new ImageManager()) {}
+
+ArchiveManager::~ArchiveManager() {
+    for (ArchiveBase* archive : mArchives)
+        delete archive;
+    delete mImageManager;
+}
+
+int ArchiveManager::addArchive(const std::string& path) {
+    if (path.empty())
+        return -1;
+    std::string name = path;
+    std::string type;
+    size_t      protocol = findProtocol(path);
+    if (protocol != std::string::npos) {
+        name = path.substr(protocol + cProtocolMarkLength);
+        type = path.substr(0, protocol);
+        if (name.empty()) // "zip://" alone names no archive
+            return -1;
+    } else {
+        type = findType(path);
+    }
+    type = toLower(type);
+
+    if (type.empty())
+        return add(new ArchiveDirectory(name));
+    if (type == "zip") {
+        ZTK_LOG("log", "app", "Adding zip: %s", path.c_str());
+        return add(new ArchiveZIP(name));
+    }
+    return -1;
+}
+
+// Takes over the archive; its index.
+int ArchiveManager::add(ArchiveBase* archive) {
+    mArchives.push_back(archive);
+    return int(mArchives.size()) - 1;
+}
+
+// Null for an index that no archive has.
+ArchiveBase* ArchiveManager::archiveAt(int archive) const {
+    return archive >= 0 && size_t(archive) < mArchives.size() ? mArchives[size_t(archive)] : nullptr;
+}
+
+// The walk decides: the archive asked for costs one read more and gives its answer to nobody.
+File ArchiveManager::readFile(const std::string& name, int archive) {
+    File file;
+    if (ArchiveBase* asked = archiveAt(archive))
+        file = asked->read(name);
+    for (ArchiveBase* each : mArchives) {
+        file = each->read(name);
+        if (!file.isNull())
+            break;
+    }
+    return file;
+}
+
+bool ArchiveManager::writeFile(File file, int archive) {
+    ArchiveBase* target = archiveAt(archive == -1 ? 0 : archive);
+    return target && target->write(file);
+}
+
+bool ArchiveManager::writeImage(const std::string& name, Image& image) {
+    File file = mImageManager->encodeImage(name, image);
+    return !file.isNull() && writeFile(file, -1);
+}
+
+Image ArchiveManager::loadImage(const std::string& name, int archive, bool writable) {
+    File file = readFile(name, archive);
+    if (file.isNull())
+        throw Exception("loadImage, File not found (%s)", name.c_str());
+    return mImageManager->loadImage(name, file, writable);
+}
+
+void ArchiveManager::flush(int archive) {
+    if (archive < 0)
+        for (ArchiveBase* each : mArchives)
+            each->flush();
+    else if (ArchiveBase* one = archiveAt(archive))
+        one->flush();
+}
+
+bool ArchiveManager::writeAllToArchive(const std::string&) {
+    return true;
+}
+
+} // namespace zentrak::am
