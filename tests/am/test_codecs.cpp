@@ -1,0 +1,512 @@
+#include "../../lib/am/am_swizzle.h"
+#include "am_imagecodecjpeg.h"
+#include "am_imagecodecpng.h"
+#include "am_imagecodectga.h"
+#include "am_imagemanager.h"
+#include "am_testing.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <sys/resource.h>
+#include <unistd.h>
+#include <zlib.h>
+
+#include <jpeglib.h>
+
+using namespace zentrak::test;
+using zentrak::am::ImageCodec;
+using zentrak::am::ImageCodecJPEG;
+using zentrak::am::ImageCodecPNG;
+using zentrak::am::ImageCodecTGA;
+using zentrak::am::ImageManager;
+using zentrak::am::ImageObject;
+
+namespace {
+
+const char cHeader[] = "[loadPNG] Not a png-file! Header is wrong!";
+const char cDecoding[] = "[loadPNG] Error when decoding png-file!";
+const char cGray[] = "[loadPNG] No support for grayscale images yet";
+const char cPremature[] = "Internal jpeglib error; Premature end of JPEG file";
+
+const unsigned char* asBytes(const std::string& text) {
+    return reinterpret_cast<const unsigned char*>(text.data());
+}
+
+// Decodes from an array of just that size, so that the sanitizers see every byte read too far.
+void decode(ImageCodec&& codec, const std::string& bytes, ImageObject& image) {
+    std::unique_ptr<unsigned char[]> exact(new unsigned char[bytes.size()]);
+    if (!bytes.empty())
+        std::memcpy(exact.get(), bytes.data(), bytes.size());
+    codec.decodeImage(exact.get(), bytes.size(), image);
+}
+
+// What the codec throws for these bytes; whatever it is, the image stays as it was.
+template <class Codec>
+std::string refusal(const std::string& bytes) {
+    ImageObject image;
+    std::string text = thrownBy([&] { decode(Codec(), bytes, image); });
+    if (text != "(nothing)") {
+        EXPECT_EQ(image.getWidth(), 0);
+        EXPECT_EQ(image.getData(), nullptr);
+    }
+    return text;
+}
+
+void expectFixture(const ImageObject& image, bool alpha, const std::string& name) {
+    ASSERT_EQ(image.getWidth(), cFixtureWidth) << name;
+    ASSERT_EQ(image.getHeight(), cFixtureHeight) << name;
+    for (int y = 0; y < cFixtureHeight; ++y)
+        for (int x = 0; x < cFixtureWidth; ++x)
+            ASSERT_EQ(pixel(image, x, y), fixturePixel(x, y, alpha)) << name << " at " << x << ", " << y;
+}
+
+// The largest distance of a colour channel from `expected`; alpha has to be 255.
+int distance(const ImageObject& image, unsigned (*expected)(int x, int y)) {
+    EXPECT_EQ(image.getWidth(), cFixtureWidth);
+    EXPECT_EQ(image.getHeight(), cFixtureHeight);
+    int most = 0;
+    for (int y = 0; y < image.getHeight(); ++y)
+        for (int x = 0; x < image.getWidth(); ++x) {
+            unsigned is = pixel(image, x, y), should = expected(x, y);
+            EXPECT_EQ(is >> 24, 255u);
+            for (int shift : {0, 8, 16})
+                most = std::max(most, std::abs(int(is >> shift & 255) - int(should >> shift & 255)));
+        }
+    return most;
+}
+
+unsigned fixtureColour(int x, int y) {
+    return fixturePixel(x, y, false);
+}
+
+unsigned fixtureGray(int x, int y) {
+    unsigned p = fixturePixel(x, y, false);
+    double   light = 0.2126 * (p >> 16 & 255) + 0.7152 * (p >> 8 & 255) + 0.0722 * (p & 255);
+    unsigned v = unsigned(std::lround(light));
+    return v << 16 | v << 8 | v;
+}
+
+// Puts another width and height into a PNG file, with a good checksum.
+std::string withPngSize(std::string bytes, unsigned width, unsigned height) {
+    for (int i = 0; i < 4; ++i) {
+        bytes[size_t(16 + i)] = char(width >> (24 - 8 * i));
+        bytes[size_t(20 + i)] = char(height >> (24 - 8 * i));
+    }
+    unsigned long sum = crc32(0, asBytes(bytes) + 12, 17);
+    for (int i = 0; i < 4; ++i)
+        bytes[size_t(29 + i)] = char(sum >> (24 - 8 * i));
+    return bytes;
+}
+
+// Puts another width and height into the frame header of a JPEG file.
+std::string withJpegSize(std::string bytes, unsigned width, unsigned height) {
+    size_t at = std::min(bytes.find("\xff\xc0"), bytes.find("\xff\xc2"));
+    EXPECT_NE(at, std::string::npos);
+    bytes[at + 5] = char(height >> 8);
+    bytes[at + 6] = char(height);
+    bytes[at + 7] = char(width >> 8);
+    bytes[at + 8] = char(width);
+    return bytes;
+}
+
+// A picture of `value` throughout, with that many components, written by the library itself.
+std::string makeJpeg(int width, int height, int components, J_COLOR_SPACE space, int value, bool arithmetic) {
+    jpeg_compress_struct cinfo;
+    jpeg_error_mgr       errors;
+    cinfo.err = jpeg_std_error(&errors);
+    jpeg_create_compress(&cinfo);
+    unsigned char* bytes = nullptr;
+    unsigned long  length = 0;
+    jpeg_mem_dest(&cinfo, &bytes, &length);
+    cinfo.image_width = JDIMENSION(width);
+    cinfo.image_height = JDIMENSION(height);
+    cinfo.input_components = components;
+    cinfo.in_color_space = space;
+    jpeg_set_defaults(&cinfo);
+    cinfo.arith_code = arithmetic;
+    jpeg_start_compress(&cinfo, TRUE);
+    std::vector<unsigned char> row(size_t(width * components), static_cast<unsigned char>(value));
+    while (cinfo.next_scanline < cinfo.image_height) {
+        JSAMPROW rows[] = {row.data()};
+        jpeg_write_scanlines(&cinfo, rows, 1);
+    }
+    jpeg_finish_compress(&cinfo);
+    jpeg_destroy_compress(&cinfo);
+    std::string file(reinterpret_cast<char*>(bytes), length);
+    free(bytes);
+    return file;
+}
+
+long residentPeak() { // KiB
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss;
+}
+
+// Collects what goes to the error stream while it lives.
+class CaptureStderr {
+public:
+    CaptureStderr() { ::testing::internal::CaptureStderr(); }
+    std::string text() { return ::testing::internal::GetCapturedStderr(); }
+};
+
+} // namespace
+
+// ---- PNG, reading
+
+TEST(Png, RgbLoadsWithFullAlpha) {
+    for (const char* name : {"rgb.png", "rgb-interlaced.png"}) {
+        ImageObject image;
+        decode(ImageCodecPNG(), fixture(name), image);
+        expectFixture(image, false, name);
+    }
+}
+
+TEST(Png, RgbaLoads) {
+    for (const char* name : {"rgba.png", "rgba-interlaced.png"}) {
+        ImageObject image;
+        decode(ImageCodecPNG(), fixture(name), image);
+        expectFixture(image, true, name);
+    }
+}
+
+TEST(Png, DecodingReplacesWhatTheImageHeld) {
+    ImageObject image;
+    image.resize(100, 100);
+    decode(ImageCodecPNG(), fixture("rgba.png"), image);
+    expectFixture(image, true, "rgba.png");
+}
+
+TEST(Png, BytesBehindTheEndAreIgnored) {
+    EXPECT_EQ(refusal<ImageCodecPNG>(fixture("rgba.png") + "and more"), "(nothing)");
+}
+
+TEST(Png, SevenBytesThrowTheHeaderText) {
+    EXPECT_EQ(refusal<ImageCodecPNG>(fixture("rgb.png").substr(0, 7)), cHeader);
+    EXPECT_EQ(refusal<ImageCodecPNG>(""), cHeader);
+    EXPECT_EQ(refusal<ImageCodecPNG>(std::string(8, 'x')), cHeader);
+    EXPECT_EQ(refusal<ImageCodecPNG>(fixture("baseline.jpg")), cHeader);
+}
+
+TEST(Png, GrayscaleIsRefused) {
+    EXPECT_EQ(refusal<ImageCodecPNG>(fixture("gray.png")), cGray);
+}
+
+TEST(Png, OtherKindsAreRefusedByTypeAndDepth) {
+    const std::pair<const char*, const char*> kinds[] = {
+        {"palette.png", "(type 3, 8 bits per channel)"},    {"rgb16.png", "(type 2, 16 bits per channel)"},
+        {"rgba16.png", "(type 6, 16 bits per channel)"},    {"gray1.png", "(type 0, 1 bits per channel)"},
+        {"gray-alpha.png", "(type 4, 8 bits per channel)"},
+    };
+    for (auto [name, kind] : kinds)
+        EXPECT_EQ(refusal<ImageCodecPNG>(fixture(name)),
+                  std::string("[loadPNG] Bad color format of image ") + kind);
+}
+
+TEST(Png, TruncatedAtEveryByteItThrowsTheDecodingText) {
+    CaptureStderr errors;
+    for (const char* name : {"rgb.png", "rgba-interlaced.png", "palette.png"}) {
+        const std::string bytes = fixture(name);
+        for (size_t length = 0; length < bytes.size(); ++length)
+            ASSERT_EQ(refusal<ImageCodecPNG>(bytes.substr(0, length)), length < 8 ? cHeader : cDecoding)
+                << name << " " << length;
+    }
+    EXPECT_EQ(errors.text(), ""); // the library's own words stay inside
+}
+
+TEST(Png, WithAnyByteChangedItLoadsOrIsRefusedAndTakesNoMemory) {
+    CaptureStderr errors;
+    const long    before = residentPeak();
+    for (const char* name : {"rgba.png", "rgb-interlaced.png"}) {
+        const std::string bytes = fixture(name);
+        int               refused = 0;
+        for (size_t i = 0; i < bytes.size(); ++i) {
+            std::string damaged = bytes;
+            damaged[i] = char(damaged[i] ^ 0x41);
+            refused += refusal<ImageCodecPNG>(damaged) != "(nothing)";
+        }
+        EXPECT_GT(refused, int(bytes.size() / 2)) << name;
+    }
+    EXPECT_LT(residentPeak() - before, 32 * 1024);
+    EXPECT_EQ(errors.text(), "");
+}
+
+TEST(Png, AnAbsurdSizeThrowsTheDecodingTextAndTakesNoMemory) {
+    const long before = residentPeak();
+    for (unsigned size : {0x80000000u, 0x7fffffffu, 1000000u, 100000u, 30000u, 10000u}) {
+        EXPECT_EQ(refusal<ImageCodecPNG>(withPngSize(fixture("rgba.png"), size, size)), cDecoding) << size;
+        EXPECT_EQ(refusal<ImageCodecPNG>(withPngSize(fixture("rgb-interlaced.png"), size, size)), cDecoding)
+            << size;
+    }
+    EXPECT_EQ(refusal<ImageCodecPNG>(withPngSize(fixture("rgba.png"), 0x7fffffff, 1)), cDecoding);
+    EXPECT_EQ(refusal<ImageCodecPNG>(withPngSize(fixture("rgba.png"), 1, 0x7fffffff)), cDecoding);
+    EXPECT_EQ(refusal<ImageCodecPNG>(withPngSize(fixture("rgba.png"), 0, 0)), cDecoding);
+    EXPECT_LT(residentPeak() - before, 32 * 1024);
+}
+
+TEST(Png, AHeaderClaimingAFewMoreRowsIsTruncated) {
+    EXPECT_EQ(refusal<ImageCodecPNG>(withPngSize(fixture("rgba.png"), cFixtureWidth, cFixtureHeight + 1)),
+              cDecoding);
+}
+
+TEST(Png, ThatPacksAsFarAsCanBeLoads) {
+    ImageObject image;
+    image.resize(4096, 512);
+    unsigned char* data = nullptr;
+    unsigned long  length = 0;
+    ASSERT_TRUE(ImageCodecPNG().encodeImage(&data, &length, image));
+    std::unique_ptr<unsigned char[]> file(data);
+    EXPECT_GT(image.getWidth() * image.getHeight() * 4UL, 900 * length); // near the most that is possible
+    ImageObject back;
+    ImageCodecPNG().decodeImage(data, length, back);
+    EXPECT_EQ(back.getWidth(), 4096);
+}
+
+// ---- PNG, writing
+
+TEST(Png, EncodedAndDecodedThePixelsAreIdentical) {
+    ImageObject image, back;
+    image.resize(61, 37);
+    for (int i = 0; i < 61 * 37 * 4; ++i)
+        image.getWriteData()[i] = static_cast<unsigned char>(i * 2654435761u >> 13);
+    unsigned char* data = nullptr;
+    unsigned long  length = 0;
+    ASSERT_TRUE(ImageCodecPNG().encodeImage(&data, &length, image));
+    std::unique_ptr<unsigned char[]> file(data);
+    ImageCodecPNG().decodeImage(data, length, back);
+    ASSERT_EQ(back.getWidth(), 61);
+    ASSERT_EQ(back.getHeight(), 37);
+    EXPECT_EQ(std::memcmp(image.getData(), back.getData(), 61 * 37 * 4), 0);
+}
+
+TEST(Png, AWrittenFileIsReadByTheStockTool) {
+    TempDir     folder;
+    ImageObject image;
+    decode(ImageCodecPNG(), fixture("rgba.png"), image);
+    unsigned char* data = nullptr;
+    unsigned long  length = 0;
+    ASSERT_TRUE(ImageCodecPNG().encodeImage(&data, &length, image));
+    std::unique_ptr<unsigned char[]> file(data);
+    writeFile(folder.file("x.png"), std::string(reinterpret_cast<char*>(data), length));
+    std::string png = folder.file("x.png"), raw = folder.file("x.rgba");
+    auto [status, text] = runCommand("convert '" + png + "' -depth 8 rgba:'" + raw + "'");
+    ASSERT_EQ(status, 0) << text;
+    std::string rgba = readFile(raw);
+    ASSERT_EQ(rgba.size(), size_t(cFixtureWidth * cFixtureHeight * 4));
+    for (int i = 0; i < cFixtureWidth * cFixtureHeight; ++i) {
+        const unsigned char* p = asBytes(rgba) + i * 4;
+        unsigned             is = unsigned(p[3]) << 24 | unsigned(p[0]) << 16 | unsigned(p[1]) << 8 | p[2];
+        ASSERT_EQ(is, fixturePixel(i % cFixtureWidth, i / cFixtureWidth, true)) << i;
+    }
+    EXPECT_EQ(data[24], 8);            // bits a channel
+    EXPECT_EQ(data[25], 6);            // RGBA
+    EXPECT_EQ(data[26] | data[27], 0); // default compression and filter
+    EXPECT_EQ(data[28], 0);            // not interlaced
+}
+
+TEST(Png, ACachedImageIsNotEncoded) {
+    ImageManager  manager;
+    ImageObject   image;
+    unsigned char dummy = 0, *data = &dummy;
+    unsigned long length = 17;
+    image.resize(2, 2);
+    image.setManager(&manager);
+    EXPECT_EQ(thrownBy([&] { ImageCodecPNG().encodeImage(&data, &length, image); }),
+              "ImageObbject::getWriteData, Access not allowed!");
+    EXPECT_EQ(data, &dummy);
+    EXPECT_EQ(length, 17u);
+}
+
+TEST(Png, AnImageWithoutPixelsIsNotEncoded) {
+    ImageObject   image;
+    unsigned char dummy = 0, *data = &dummy;
+    unsigned long length = 17;
+    EXPECT_FALSE(ImageCodecPNG().encodeImage(&data, &length, image));
+    image.resize(5, 0);
+    EXPECT_FALSE(ImageCodecPNG().encodeImage(&data, &length, image));
+    image.setData(new unsigned char[4], 2000000, 1); // wider than the library takes; it looks before it reads
+    EXPECT_FALSE(ImageCodecPNG().encodeImage(&data, &length, image));
+    EXPECT_EQ(data, &dummy);
+    EXPECT_EQ(length, 17u);
+}
+
+// ---- JPEG
+
+TEST(Jpeg, BaselineAndProgressiveLoad) {
+    for (const char* name : {"baseline.jpg", "progressive.jpg"}) {
+        ImageObject image;
+        decode(ImageCodecJPEG(), fixture(name), image);
+        EXPECT_LE(distance(image, fixtureColour), 6) << name;
+    }
+}
+
+TEST(Jpeg, SubsampledColourLoads) {
+    ImageObject image;
+    decode(ImageCodecJPEG(), fixture("subsampled.jpg"), image);
+    EXPECT_LE(distance(image, fixtureColour), 12);
+}
+
+TEST(Jpeg, GrayscaleLoadsAsGray) {
+    ImageObject image;
+    decode(ImageCodecJPEG(), fixture("gray.jpg"), image);
+    EXPECT_LE(distance(image, fixtureGray), 6);
+}
+
+TEST(Jpeg, CmykLoadsAsColour) {
+    ImageObject image;
+    decode(ImageCodecJPEG(), fixture("cmyk.jpg"), image);
+    EXPECT_LE(distance(image, fixtureColour), 12);
+}
+
+TEST(Jpeg, OtherNumbersOfComponentsAreRefused) {
+    EXPECT_EQ(refusal<ImageCodecJPEG>(makeJpeg(16, 16, 2, JCS_UNKNOWN, 100, false)),
+              "Internal jpeglib error; Unsupported color conversion request");
+}
+
+TEST(Jpeg, ArithmeticCodingLoads) {
+    ImageObject image;
+    decode(ImageCodecJPEG(), makeJpeg(2048, 2048, 1, JCS_GRAYSCALE, 200, true), image);
+    EXPECT_EQ(image.getWidth(), 2048);
+    EXPECT_EQ(pixel(image, 2047, 2047), 0xffc8c8c8u);
+}
+
+TEST(Jpeg, ThatPacksAsFarAsCanBeLoads) {
+    ImageObject image;
+    std::string bytes = makeJpeg(4096, 2048, 1, JCS_GRAYSCALE, 200, false);
+    decode(ImageCodecJPEG(), bytes, image);
+    EXPECT_EQ(pixel(image, 4095, 2047), 0xffc8c8c8u);
+    EXPECT_EQ(refusal<ImageCodecJPEG>(withJpegSize(bytes, 4096, 2049)),
+              "Internal jpeglib error; Corrupt JPEG data: premature end of data segment");
+}
+
+TEST(Jpeg, WhatIsNoJpegThrowsTheLibrarysText) {
+    EXPECT_EQ(refusal<ImageCodecJPEG>("hello"),
+              "Internal jpeglib error; Not a JPEG file: starts with 0x68 0x65");
+    EXPECT_EQ(refusal<ImageCodecJPEG>(""), cPremature);
+    EXPECT_EQ(refusal<ImageCodecJPEG>(fixture("rgb.png")),
+              "Internal jpeglib error; Not a JPEG file: starts with 0x89 0x50");
+}
+
+TEST(Jpeg, TruncatedAtEveryByteItThrows) {
+    CaptureStderr errors;
+    for (const char* name : {"baseline.jpg", "progressive.jpg", "cmyk.jpg"}) {
+        const std::string bytes = fixture(name);
+        for (size_t length = 0; length < bytes.size(); ++length)
+            ASSERT_EQ(refusal<ImageCodecJPEG>(bytes.substr(0, length)), cPremature) << name << " " << length;
+    }
+    EXPECT_EQ(errors.text(), "");
+}
+
+TEST(Jpeg, AWarningIsFatal) {
+    std::string bytes = fixture("baseline.jpg");
+    bytes.insert(2, "\x01\x02"); // garbage between two markers, which the library would step over
+    EXPECT_EQ(refusal<ImageCodecJPEG>(bytes),
+              "Internal jpeglib error; Corrupt JPEG data: 2 extraneous bytes before marker 0xe0");
+}
+
+TEST(Jpeg, WithAnyByteChangedItLoadsOrIsRefused) {
+    CaptureStderr errors;
+    for (const char* name : {"baseline.jpg", "progressive.jpg", "gray.jpg", "cmyk.jpg"}) {
+        const std::string bytes = fixture(name);
+        int               refused = 0;
+        for (size_t i = 0; i < bytes.size(); ++i) {
+            std::string damaged = bytes;
+            damaged[i] = char(damaged[i] ^ 0x41);
+            std::string text = refusal<ImageCodecJPEG>(damaged);
+            refused += text != "(nothing)";
+            ASSERT_TRUE(text == "(nothing)" || text.rfind("Internal jpeglib error; ", 0) == 0) << text;
+        }
+        EXPECT_GT(refused, 0) << name;
+    }
+    EXPECT_EQ(errors.text(), "");
+}
+
+TEST(Jpeg, AnAbsurdSizeIsRefusedAndTakesNoMemory) {
+    const char tooLarge[] = "Internal jpeglib error; Maximum supported image dimension is 65500 pixels";
+    const long before = residentPeak();
+    for (const char* name : {"baseline.jpg", "progressive.jpg", "gray.jpg"})
+        for (unsigned size : {65535u, 65500u, 16385u, 16384u, 5000u})
+            EXPECT_EQ(refusal<ImageCodecJPEG>(withJpegSize(fixture(name), size, size)), tooLarge)
+                << name << size;
+    EXPECT_EQ(refusal<ImageCodecJPEG>(withJpegSize(fixture("baseline.jpg"), 0, 17)),
+              "Internal jpeglib error; Empty JPEG image (DNL not supported)");
+    EXPECT_LT(residentPeak() - before, 32 * 1024);
+}
+
+// A few bytes a scan, each over the whole picture: such a file would keep us busy for long.
+TEST(Jpeg, TooManyScansAreRefused) {
+    std::string bytes = fixture("progressive.jpg");
+    size_t      end = bytes.rfind("\xff\xd9"), scan = bytes.rfind(std::string("\xff\xda"), end);
+    ASSERT_NE(scan, std::string::npos);
+    std::string once = bytes.substr(scan, end - scan), many = bytes.substr(0, end);
+    for (int i = 0; i < 600; ++i)
+        many += once;
+    std::string text = refusal<ImageCodecJPEG>(many + "\xff\xd9");
+    EXPECT_EQ(text.rfind("Internal jpeglib error; ", 0), 0u) << text;
+}
+
+TEST(Jpeg, DoesNotWrite) {
+    ImageObject    image;
+    unsigned char* data = nullptr;
+    unsigned long  length = 0;
+    image.resize(2, 2);
+    EXPECT_FALSE(ImageCodecJPEG().encodeImage(&data, &length, image));
+    EXPECT_FALSE(ImageCodecJPEG().canWrite());
+    EXPECT_EQ(ImageCodecJPEG().getFormatString(), "jpg");
+}
+
+// ---- TGA
+
+TEST(Tga, SaysThatItIsNotDone) {
+    EXPECT_EQ(refusal<ImageCodecTGA>(fixture("picture.tga")), "[ImageCodec] TGA-reader is not done yet!");
+    ImageObject    image;
+    unsigned char* data = nullptr;
+    unsigned long  length = 0;
+    image.resize(2, 2);
+    EXPECT_FALSE(ImageCodecTGA().encodeImage(&data, &length, image));
+    EXPECT_FALSE(ImageCodecTGA().canWrite());
+    EXPECT_EQ(ImageCodecTGA().getFormatString(), "tga");
+}
+
+// ---- the order of bytes
+
+TEST(Swizzle, EveryCountGivesWhatThePlainWayGives) {
+    std::vector<unsigned char> from(67 * 4);
+    for (size_t i = 0; i < from.size(); ++i)
+        from[i] = static_cast<unsigned char>(i * 2654435761u >> 11);
+    for (size_t count = 0; count <= 67; ++count) {
+        std::vector<unsigned char> swapped(count * 4), expanded(count * 4), plain(count * 4),
+            plainRgb(count * 4);
+        for (size_t i = 0; i < count; ++i)
+            for (size_t c = 0; c < 4; ++c) {
+                plain[i * 4 + c] = from[i * 4 + (c == 3 ? 3 : 2 - c)];
+                plainRgb[i * 4 + c] = c == 3 ? 255 : from[i * 3 + 2 - c];
+            }
+        std::vector<unsigned char> four(from.begin(), from.begin() + long(count * 4));
+        std::vector<unsigned char> three(from.begin(), from.begin() + long(count * 3));
+        zentrak::am::swapRedBlue(swapped.data(), four.data(), count);
+        zentrak::am::expandRgb(expanded.data(), three.data(), count);
+        ASSERT_EQ(swapped, plain) << count;
+        ASSERT_EQ(expanded, plainRgb) << count;
+    }
+}
+
+TEST(Swizzle, InkOnWhitePaper) {
+    const unsigned char inks[] = {0, 0, 0, 0, 255, 0, 0, 0, 0, 255, 255, 0, 10, 20, 30, 255, 0, 0, 0, 128};
+    const unsigned      colours[] = {0xffffffff, 0xff00ffff, 0xffff0000, 0xff000000, 0xff7f7f7f};
+    unsigned char       inverted[sizeof inks], to[sizeof inks];
+    for (size_t i = 0; i < sizeof inks; ++i)
+        inverted[i] = static_cast<unsigned char>(255 - inks[i]);
+    for (bool flip : {false, true}) {
+        zentrak::am::convertCmyk(to, flip ? inverted : inks, 5, flip);
+        for (size_t i = 0; i < 5; ++i) {
+            unsigned is = unsigned(to[i * 4 + 3]) << 24 | unsigned(to[i * 4 + 2]) << 16 |
+                          unsigned(to[i * 4 + 1]) << 8 | to[i * 4];
+            EXPECT_EQ(is, colours[i]) << flip << " " << i;
+        }
+    }
+}
