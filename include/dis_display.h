@@ -190,16 +190,16 @@ private:
         Walk*      mOuter;
     };
 
-    void   openWindow();
-    void   fillEvent(Event& event) const;
-    bool   shallStop(int result);
-    bool   askQuit();
-    double framePeriod() const;
-    void   setLastTime(double t);
-    void   readWindowState();
-    void   drawListeners();
-    void   paceFixed();
-    void   countFrame();
+    void openWindow();
+    void fillEvent(Event& event) const;
+    bool shallStop(int result);
+    bool askQuit();
+    void setLastTime(double t);
+    void readWindowState();
+    void drawListeners();
+    void paceFixed();
+    void stepDelta();
+    void countFrame();
     template <class EventType>
     void dispatch(int (Listener::*operation)(const EventType&), const EventType& event);
 

@@ -42,7 +42,8 @@ public:
     am::Image loadImage(const std::string& name, bool writable);
 
     // A picture from `length` bytes in memory, which stay the caller's; the name's extension says of which
-    // kind, and the result is shared under that name. Throws as the above.
+    // kind. It is private and writable: bytes in memory need not be those of the file of that name. Throws as
+    // the above.
     am::Image loadImage(const std::string& name, const unsigned char* data, int length);
 
 protected:
