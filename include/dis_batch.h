@@ -23,9 +23,8 @@ namespace zentrak::display {
 //     batch.flush();                           batch.flush();
 //
 // The picture is that of the same shapes drawn one at a time: strips, fans and loops become separate
-// triangles or lines in the same order with the same diagonals, so blending and the depth test see the same
-// sequence. Points, lines and surfaces may follow each other; each change between the three costs a draw call
-// of its own.
+// triangles or lines in the same order, so blending and the depth test see the same sequence. Points, lines
+// and surfaces may follow each other; each change between the three costs a draw call of its own.
 //
 // All state of OpenGL (program, textures, blending, culling, matrices) is that of the moment of flush(). It
 // must not change between the first shape and the flush: so flush before changing it. setTransform() is what
@@ -161,13 +160,14 @@ private:
 
     // What the state of OpenGL means for the shapes; read at the first shape after a draw.
     struct View {
-        unsigned channels = 0;  // what the whole shapes write: CHANNEL_TEXCOORD, CHANNEL_NORMAL
-        bool  separate = false; // primitives keep their form: polygons shown by their edges, stippled lines
-        bool  cull = false;     // leave out what cannot be seen
-        bool  keepCounter = true, keepClockwise = true; // the faces that GL_CULL_FACE lets through
-        float eye[4] = {};                              // the point that is projected to x = y = w = 0
-        float plane[4][8] =
-            {}; // the view volume's six planes, coordinate by coordinate; the last two are empty
+        unsigned channels = 0;         // what the whole shapes write: CHANNEL_TEXCOORD, CHANNEL_NORMAL
+        bool     separate = false;     // primitives keep their form: polygons' edges alone, stippled lines
+        bool     flat = false;         // a face has the colour of one of its corners
+        bool     cull = false;         // leave out what cannot be seen
+        bool     keepCounter = true;   // GL_CULL_FACE lets counter-clockwise faces through
+        bool     keepClockwise = true; // and clockwise ones
+        float    eye[4] = {};          // the point that is projected to x = y = w = 0
+        float    plane[4][8] = {};     // six planes around the view, by coordinate; the last two are empty
     };
 
     void     look();

@@ -16,6 +16,7 @@ public:
     };
 
     explicit IBO(DisplayGL* display);
+    ~IBO() override;
 
     // Makes room for `numIndices` of `format`; `data` holds them, or is null. Any other format throws "Wrong
     // format for IBO::setup!". Missing buffers and a size beyond what the driver recommends are warnings.
@@ -46,6 +47,8 @@ public:
     static void unbindAny(); // no buffer of indices is bound in OpenGL
 
 private:
+    void leaveDisplay() noexcept;
+
     int    mLow;
     int    mHigh;
     Format mFormat;

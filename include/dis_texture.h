@@ -81,12 +81,13 @@ public:
 private:
     friend class FBO;
 
-    void        takeSizeFromImage();
-    void        takeSizeFromCross();
-    GLenum      internalFormat() const;
-    void        uploadCross(GLenum internal);
-    void        bindAndLoadImage(const am::Image& image, GLenum target, GLenum internalFormat, int x0, int y0,
-                                 int x1, int y1, bool transpose);
+    void   upload(GLenum internal, bool turned);
+    void   takeSizeFromImage();
+    void   takeSizeFromCross();
+    GLenum internalFormat() const;
+    void   uploadCross(GLenum internal);
+    void   bindAndLoadImage(const am::Image& image, GLenum target, GLenum internal, int x0, int y0, int x1,
+                            int y1, bool transpose);
     std::string sourceName() const;
 
     int           mContextCount; // the display's, when the texture was made

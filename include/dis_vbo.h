@@ -10,6 +10,7 @@ namespace zentrak::display {
 class VBO : public BufferObject {
 public:
     explicit VBO(DisplayGL* display);
+    ~VBO() override;
 
     // Makes room for `numVertices` of `format`, which is not owned and must live as long as this; `data`
     // holds them, or is null. Throws "Your card does not support multi-texturing" and "Your card does not
@@ -26,6 +27,8 @@ public:
     const VertexDef* getFormat() const { return mFormat; } // null until setup
 
 private:
+    void leaveDisplay() noexcept;
+
     const VertexDef* mFormat; // not owned
 };
 

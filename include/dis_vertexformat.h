@@ -14,41 +14,19 @@ namespace zentrak::display {
 // fields below.
 struct VertexDef {
     // Group of types times 4, plus the number of components less 1.
+    // clang-format off
     enum CHANNEL : int {
-        T_1B = 0,
-        T_2B,
-        T_3B,
-        T_4B, // GL_BYTE
-        T_1W = 4,
-        T_2W,
-        T_3W,
-        T_4W, // GL_SHORT
-        T_1I = 8,
-        T_2I,
-        T_3I,
-        T_4I, // GL_INT
-        T_1F = 12,
-        T_2F,
-        T_3F,
-        T_4f, // GL_FLOAT
-        T_1D = 16,
-        T_2D,
-        T_3D,
-        T_4D, // GL_DOUBLE
-        T_1B_U = 20,
-        T_2B_U,
-        T_3B_U,
-        T_4B_U, // GL_UNSIGNED_BYTE
-        T_1W_U = 24,
-        T_2W_U,
-        T_3W_U,
-        T_4W_U, // GL_UNSIGNED_SHORT
-        T_1I_U = 28,
-        T_2I_U,
-        T_3I_U,
-        T_4I_U,   // GL_UNSIGNED_INT
-        NONE = 32 // the channel is absent
+        T_1B   = 0,  T_2B,   T_3B,   T_4B,   // GL_BYTE
+        T_1W   = 4,  T_2W,   T_3W,   T_4W,   // GL_SHORT
+        T_1I   = 8,  T_2I,   T_3I,   T_4I,   // GL_INT
+        T_1F   = 12, T_2F,   T_3F,   T_4f,   // GL_FLOAT
+        T_1D   = 16, T_2D,   T_3D,   T_4D,   // GL_DOUBLE
+        T_1B_U = 20, T_2B_U, T_3B_U, T_4B_U, // GL_UNSIGNED_BYTE
+        T_1W_U = 24, T_2W_U, T_3W_U, T_4W_U, // GL_UNSIGNED_SHORT
+        T_1I_U = 28, T_2I_U, T_3I_U, T_4I_U, // GL_UNSIGNED_INT
+        NONE   = 32                          // the channel is absent
     };
+    // clang-format on
 
     static constexpr int UVS = 2;
     static constexpr int VAS = 4;

@@ -1,12 +1,14 @@
 // What every effect of the show is, and the one record that they share.
 #pragma once
 
-#include "dis_fbo.h"
-#include "dis_texture.h"
 #include "script_callback.h"
 
 #include <map>
 #include <string>
+
+namespace zentrak::display {
+class DisplayGL;
+}
 
 namespace zentrak::kindler {
 
@@ -24,11 +26,7 @@ public:
 
 // The named render targets through which one effect hands a picture to another.
 struct Common {
-    // Both are made without a display: setDisplay() comes before all else.
-    struct FBOData {
-        display::FBO     mFbo{nullptr};
-        display::Texture mTexture{nullptr}; // attached to mFbo
-    };
+    struct FBOData;
 
     std::map<std::string, FBOData*> mFbos; // owned by the effects that put them there
 };

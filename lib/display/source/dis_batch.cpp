@@ -243,10 +243,12 @@ void Batch::updateNormal() {
 // Reads what of OpenGL's state the shapes depend on.
 void Batch::look() {
     mLooked = true;
-    GLint program = 0, polygonMode[2] = {GL_FILL, GL_FILL};
+    GLint program = 0, polygonMode[2] = {GL_FILL, GL_FILL}, shading = GL_SMOOTH;
     if (GLEW_VERSION_2_0)
         GL_CALL(glGetIntegerv(GL_CURRENT_PROGRAM, &program));
     GL_CALL(glGetIntegerv(GL_POLYGON_MODE, polygonMode));
+    GL_CALL(glGetIntegerv(GL_SHADE_MODEL, &shading));
+    mView.flat = shading == GL_FLAT;
     const bool solid = polygonMode[0] == GL_FILL && polygonMode[1] == GL_FILL;
     mView.separate = !solid || glIsEnabled(GL_LINE_STIPPLE);
     mView.channels = mChannels;
@@ -418,10 +420,14 @@ void Batch::addIndices(GLenum mode, size_t first, size_t count) {
             triangle(i - 1, i, 0);
         break;
     case GL_QUADS:
-        for (uint32_t i = 0; i < n; i += 4) {
-            triangle(i, i + 1, i + 3);
-            triangle(i + 1, i + 2, i + 3);
-        }
+        for (uint32_t i = 0; i < n; i += 4)
+            if (mView.flat) {
+                triangle(i, i + 1, i + 3);
+                triangle(i + 1, i + 2, i + 3);
+            } else {
+                triangle(i, i + 1, i + 2);
+                triangle(i, i + 2, i + 3);
+            }
         break;
     case GL_QUAD_STRIP:
         for (uint32_t i = 0; i + 3 < n; i += 2) {

@@ -1,0 +1,110 @@
+#include "dis_font.h"
+
+#include "dis_display.h"
+#include "ztk_system.h"
+
+#include <cstring>
+
+namespace zentrak::display {
+
+namespace {
+
+constexpr int   GRID = 16;   // cells a side
+constexpr int   SHAPE = 200; // above this a pixel belongs to the glyph
+constexpr float GAP = 2.0f;  // pixels between glyphs
+
+} // namespace
+
+Font::Font(DisplayGL* display)
+    : Resource(display, STATIC),
+      mWidth(0),
+      mHeight(0),
+      mCharWidth(0),
+      mCharHeight(0),
+      mKerning{},
+      mAlign(ALIGN_LEFT),
+      mUnitSizeX(0),
+      mUnitSizeY(0),
+      mLetterWidth(1.0f / GRID),
+      mLetterHeight(1.0f / GRID),
+      mData(nullptr),
+      mTexture(display) {}
+
+void Font::load(const std::string& filename, bool mipmaps, mathbase::Vector2f size) {
+    if (!canLoad())
+        throw Exception("Cannot load font motherfucker!");
+    am::Image image = loadImage(filename, true);
+    mWidth = uint32_t(image->getWidth());
+    mHeight = uint32_t(image->getHeight());
+    mLetterWidth = mLetterHeight = 0.0625f;
+    mCharWidth = int(mWidth >> 4);
+    mCharHeight = int(mHeight >> 4);
+    mUnitSizeX = size.x / float(mDisplay->mWindowMode.width);
+    mUnitSizeY = size.y / float(mDisplay->mWindowMode.height);
+
+    mData = image->getWriteData();
+    for (size_t i = 0; i < size_t(mWidth) * mHeight; ++i) {
+        uint32_t pixel;
+        std::memcpy(&pixel, mData + i * 4, 4);
+        pixel = (pixel << 8) | 0xFFFFFF; // white, with the red channel as its alpha
+        std::memcpy(mData + i * 4, &pixel, 4);
+    }
+    measure(mData);
+    mData = nullptr;
+    mTexture.setDisplay(mDisplay);
+    mTexture.load(image, mipmaps);
+}
+
+// The advance of each character: up to the right edge of the last column that belongs to it, and a gap.
+void Font::measure(const uint8_t* pixels) {
+    for (int c = 0; c < GRID * GRID; ++c) {
+        const uint8_t* cell =
+            pixels + (size_t(c / GRID) * size_t(mCharHeight) * mWidth + size_t(c % GRID * mCharWidth)) * 4;
+        int width = 0;
+        for (int x = mCharWidth; x > 0 && !width; --x)
+            for (int y = 0; y < mCharHeight; ++y)
+                if (cell[(size_t(y) * mWidth + size_t(x - 1)) * 4 + 3] > SHAPE) {
+                    width = x;
+                    break;
+                }
+        const float columns = c == ' ' ? float(mCharWidth) * 0.3f : float(width);
+        mKerning[c] = (columns + GAP) * mUnitSizeX;
+    }
+}
+
+float Font::getLength(const std::string& text) const {
+    float length = 0;
+    for (const char c : text)
+        length += mKerning[uint8_t(c)];
+    return length;
+}
+
+void Font::draw(const std::string& text, mathbase::Vector2f scale, mathbase::Vector4f color) {
+    GL_CALL(glPushAttrib(0xFFFFF));
+    GL_CALL(glEnable(GL_TEXTURE_2D));
+    GL_CALL(glEnable(GL_BLEND));
+    mTexture.bind();
+
+    float x = 0;
+    if (mAlign == ALIGN_RIGHT || mAlign == ALIGN_CENTER) {
+        for (const char c : text)
+            x -= scale.x * mKerning[uint8_t(c)];
+        if (mAlign == ALIGN_CENTER)
+            x *= 0.5f;
+    }
+    const float h = float(mCharHeight) * mUnitSizeY * scale.y;
+    const float width = scale.x * float(mCharWidth) * mUnitSizeX;
+    mBatch.color(color);
+    for (const char character : text) {
+        const uint8_t c = uint8_t(character);
+        const float   s0 = float(c & 15) * mLetterWidth, s1 = s0 + mLetterWidth;
+        const float   t0 = float(c >> 4) * mLetterHeight, t1 = t0 + mLetterHeight;
+        mBatch.rect(x, -0.5f * h, x + width, 0.5f * h, s0, t1, s1, t0);
+        x += scale.x * mKerning[c];
+    }
+    mBatch.flush();
+    mTexture.unbind();
+    GL_CALL(glPopAttrib());
+}
+
+} // namespace zentrak::display
