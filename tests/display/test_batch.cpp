@@ -1,0 +1,891 @@
+// The batch against one OpenGL call per vertex: the same words, two pictures, compared.
+#include "allocations.h"
+#include "dis_batch.h"
+#include "dis_ibo.h"
+#include "dis_shader.h"
+#include "dis_texture.h"
+#include "dis_vbo.h"
+#include "gl_fixture.h"
+
+#include <cmath>
+#include <cstring>
+#include <string>
+
+using namespace zentrak;
+using namespace zentrak::test;
+using display::Batch;
+using mathbase::Matrix4x4Col;
+using mathbase::Vector2f;
+using mathbase::Vector3f;
+using mathbase::Vector4f;
+
+namespace {
+
+// The words that both ways understand, one OpenGL call for each vertex.
+class Plain {
+public:
+    explicit Plain(display::DisplayGL& display) : mDisplay(display) {}
+
+    void setTransform(const Matrix4x4Col& m) { mDisplay.setTransform(m); }
+    void color(float r, float g, float b, float a = 1) { glColor4f(r, g, b, a); }
+    void texCoord(float s, float t) { glTexCoord2f(s, t); }
+    void normal(float x, float y, float z) { glNormal3f(x, y, z); }
+    void attrib(int slot, const Vector4f& v) { glVertexAttrib4f(GLuint(slot), v.x, v.y, v.z, v.w); }
+    void begin(GLenum mode) { glBegin(mode); }
+    void vertex(float x, float y, float z = 0) { glVertex3f(x, y, z); }
+    void vertex(const Vector3f& v) { glVertex3f(v.x, v.y, v.z); }
+    void end() { glEnd(); }
+
+    void box(const Vector3f& c, const Vector3f& h) {
+        // Outward normal, then what is right and up on the face.
+        static const float faces[6][3][3] = {
+            {{0, 0, -1}, {-1, 0, 0}, {0, 1, 0}}, {{-1, 0, 0}, {0, 0, 1}, {0, 1, 0}},
+            {{1, 0, 0}, {0, 0, -1}, {0, 1, 0}},  {{0, -1, 0}, {1, 0, 0}, {0, 0, 1}},
+            {{0, 1, 0}, {1, 0, 0}, {0, 0, -1}},  {{0, 0, 1}, {1, 0, 0}, {0, 1, 0}},
+        };
+        static const float corners[4][2] = {{-1, -1}, {1, -1}, {1, 1}, {-1, 1}};
+        glBegin(GL_QUADS);
+        for (const auto& [n, right, up] : faces) {
+            glNormal3fv(n);
+            for (const auto& [s, t] : corners) {
+                glTexCoord2f(s * 0.5f + 0.5f, 0.5f - t * 0.5f);
+                glVertex3f(c.x + h.x * (n[0] + s * right[0] + t * up[0]),
+                           c.y + h.y * (n[1] + s * right[1] + t * up[1]),
+                           c.z + h.z * (n[2] + s * right[2] + t * up[2]));
+            }
+        }
+        glEnd();
+    }
+
+    void sprite(const Vector3f& p, const Vector3f& r, const Vector3f& u, float s0 = 0, float t0 = 0,
+                float s1 = 1, float t1 = 1) {
+        glBegin(GL_QUADS);
+        texCoord(s0, t0);
+        vertex(p + u - r);
+        texCoord(s0, t1);
+        vertex(p - u - r);
+        texCoord(s1, t1);
+        vertex(p - u + r);
+        texCoord(s1, t0);
+        vertex(p + u + r);
+        glEnd();
+    }
+
+    void quad(const Vector3f& a, const Vector3f& b, const Vector3f& c, const Vector3f& d, float s0 = 0,
+              float t0 = 0, float s1 = 1, float t1 = 1) {
+        glBegin(GL_QUADS);
+        texCoord(s0, t0);
+        vertex(a);
+        texCoord(s1, t0);
+        vertex(b);
+        texCoord(s1, t1);
+        vertex(c);
+        texCoord(s0, t1);
+        vertex(d);
+        glEnd();
+    }
+
+    void rect(float x0, float y0, float x1, float y1, float s0 = 0, float t0 = 0, float s1 = 1, float t1 = 1,
+              float z = 0) {
+        quad({x0, y0, z}, {x1, y0, z}, {x1, y1, z}, {x0, y1, z}, s0, t0, s1, t1);
+    }
+
+    void flush() { mDisplay.setTransform(identity()); }
+
+    static Matrix4x4Col identity() {
+        Matrix4x4Col m;
+        m.setIdentity();
+        return m;
+    }
+
+private:
+    display::DisplayGL& mDisplay;
+};
+
+// The same sequence of numbers for both ways.
+class Random {
+public:
+    float operator()(float low, float high) {
+        mState = mState * 69069 + 5;
+        return low + (high - low) * float(mState >> 8) / float(1 << 24);
+    }
+
+private:
+    uint32_t mState = 12345;
+};
+
+Matrix4x4Col randomPlace(Random& random, float spread, float nearest, float farthest) {
+    Matrix4x4Col place, x, y, scale;
+    x.setRotX(random(0, 6.28f));
+    y.setRotZ(random(0, 6.28f));
+    const float deep = random(nearest, farthest);
+    place.setTranslation(Vector3f(random(-spread, spread), random(-spread, spread), -deep));
+    place *= x;
+    place *= y;
+    return place;
+}
+
+class BatchTest : public GlTest {
+protected:
+    // Draws the scene both ways under the same state. A batch with no more than `draws` draw calls. The two
+    // pictures may differ in the rounding of a channel and of an edge, and must show something.
+    template <class State, class Scene>
+    void compare(State state, Scene scene, size_t draws = 1, double maxChanged = 0.0004) {
+        const Picture plain = frame([&] {
+            state();
+            Plain painter(display());
+            scene(painter);
+            painter.flush();
+        });
+        const size_t  before = batch.getDraws();
+        const Picture batched = frame([&] {
+            state();
+            scene(batch);
+            batch.flush();
+        });
+        EXPECT_LE(batch.getDraws() - before, draws);
+        const PictureDifference difference = comparePictures(plain, batched);
+        EXPECT_LE(difference.mean, 0.02);
+        EXPECT_LE(difference.changed, maxChanged);
+        size_t lit = 0;
+        for (size_t i = 0; i < plain.rgba.size(); i += 4)
+            lit += plain.rgba[i] || plain.rgba[i + 1] || plain.rgba[i + 2];
+        EXPECT_GT(lit, plain.rgba.size() / 4 / 100) << "the scene is nearly empty";
+        if (HasFailure()) {
+            const std::string name = ::testing::UnitTest::GetInstance()->current_test_info()->name();
+            writePng(::std::string(ZENTRAK_BINARY_DIR) + "/pictures-failed/batch_" + name + "_plain.png",
+                     plain);
+            writePng(::std::string(ZENTRAK_BINARY_DIR) + "/pictures-failed/batch_" + name + "_batch.png",
+                     batched);
+        }
+    }
+
+    // A checkered texture with a bright corner, whose alpha falls to the right.
+    void loadTexture(display::Texture& texture) {
+        am::Image image(new am::ImageObject);
+        image->resize(64, 64);
+        unsigned char* p = image->getWriteData();
+        for (int y = 0; y < 64; ++y)
+            for (int x = 0; x < 64; ++x, p += 4) {
+                const bool on = ((x / 8) + (y / 8)) % 2;
+                p[0] = on ? 255 : 40;
+                p[1] = (unsigned char)(y * 4);
+                p[2] = x < 16 && y < 16 ? 255 : 90;
+                p[3] = (unsigned char)(255 - x * 3);
+            }
+        texture.load(image, false);
+    }
+
+    Batch batch;
+};
+
+template <class Painter>
+void drawBoxes(Painter& painter, int count, float spread, float nearest, float farthest, float size) {
+    Random random;
+    for (int i = 0; i < count; ++i) {
+        painter.setTransform(randomPlace(random, spread, nearest, farthest));
+        painter.color(random(0, 1), random(0, 1), random(0, 1), random(0.2f, 1));
+        painter.box(Vector3f(random(-1, 1), 0, 0), Vector3f(size, size * random(0.3f, 1), size));
+    }
+}
+
+template <class Painter>
+void drawSprites(Painter& painter, int count) {
+    Random random;
+    for (int i = 0; i < count; ++i) {
+        painter.color(random(0, 1), random(0, 1), random(0, 1), random(0.1f, 0.5f));
+        const float    s = random(0.1f, 1.5f);
+        const Vector3f p(random(-12, 12), random(-8, 8), random(-30, 3));
+        painter.sprite(p, Vector3f(s, 0.1f * s, 0), Vector3f(0, s, 0.2f * s), 0, 0, 0.5f, 1);
+    }
+}
+
+// Every mode of glBegin once, with a colour, a texture coordinate and a normal of its own at each vertex.
+template <class Painter>
+void drawModes(Painter& painter, const std::vector<GLenum>& modes, int vertices = 9) {
+    Random random;
+    int    cell = 0;
+    for (const GLenum mode : modes) {
+        const float x0 = -0.95f + 0.48f * float(cell % 4), y0 = -0.9f + 0.62f * float(cell / 4);
+        ++cell;
+        painter.begin(mode);
+        for (int i = 0; i < vertices; ++i) {
+            painter.color(random(0.3f, 1), random(0.3f, 1), random(0.3f, 1), random(0.3f, 0.9f));
+            painter.texCoord(random(0, 1), random(0, 1));
+            painter.normal(random(-1, 1), random(-1, 1), 1);
+            if (mode == GL_POLYGON || mode == GL_TRIANGLE_FAN) { // convex
+                const float angle = 6.2831853f * float(i) / float(vertices);
+                painter.vertex(x0 + 0.2f + 0.2f * std::cos(angle), y0 + 0.25f + 0.25f * std::sin(angle));
+            } else if (mode == GL_QUADS) {
+                static const float quad[4][2] = {{0, 0}, {0.18f, 0.02f}, {0.16f, 0.22f}, {-0.02f, 0.2f}};
+                painter.vertex(x0 + quad[i % 4][0] + 0.21f * float(i / 4),
+                               y0 + quad[i % 4][1] + 0.1f * float(i / 4));
+            } else {
+                painter.vertex(x0 + 0.05f * float(i), y0 + (i % 2 ? 0.3f : 0.0f) + random(0, 0.1f),
+                               random(-0.5f, 0.5f));
+            }
+        }
+        painter.end();
+    }
+}
+
+const std::vector<GLenum> SURFACES = {GL_TRIANGLES, GL_TRIANGLE_STRIP, GL_TRIANGLE_FAN,
+                                      GL_QUADS,     GL_QUAD_STRIP,     GL_POLYGON,
+                                      GL_TRIANGLES, GL_QUADS,          GL_QUAD_STRIP};
+const std::vector<GLenum> ALL = {GL_POINTS,     GL_LINES,          GL_LINE_STRIP,   GL_LINE_LOOP,
+                                 GL_TRIANGLES,  GL_TRIANGLE_STRIP, GL_TRIANGLE_FAN, GL_QUADS,
+                                 GL_QUAD_STRIP, GL_POLYGON};
+
+void perspective(display::DisplayGL& display) {
+    Matrix4x4Col project;
+    project.setProject(0.7853982f, 1.6f, 0.15f, 1000);
+    display.setProject(project);
+    display.setModelView();
+}
+
+void flat(display::DisplayGL& display) {
+    display.setProject(Plain::identity());
+    display.setModelView();
+}
+
+TEST_F(BatchTest, boxesWithATransformAndAColourEach) {
+    compare([&] { perspective(display()), glEnable(GL_DEPTH_TEST); },
+            [](auto& p) { drawBoxes(p, 300, 12, 20, 60, 1.2f); });
+}
+
+TEST_F(BatchTest, boxesBlendInTheOrderGiven) {
+    compare(
+        [&] {
+            perspective(display());
+            glEnable(GL_BLEND);
+        },
+        [](auto& p) { drawBoxes(p, 200, 8, 20, 40, 2.5f); });
+}
+
+TEST_F(BatchTest, culledFacesBothWays) {
+    for (const GLenum culled : {GL_BACK, GL_FRONT})
+        for (const GLenum front : {GL_CCW, GL_CW})
+            compare(
+                [&] {
+                    perspective(display());
+                    glEnable(GL_CULL_FACE);
+                    glCullFace(culled);
+                    glFrontFace(front);
+                    glEnable(GL_BLEND);
+                },
+                [](auto& p) { drawBoxes(p, 150, 10, 15, 50, 1.5f); });
+}
+
+TEST_F(BatchTest, everythingCulledDrawsNothing) {
+    frame([&] {
+        perspective(display());
+        glEnable(GL_CULL_FACE);
+        glCullFace(GL_FRONT_AND_BACK);
+        drawBoxes(batch, 50, 5, 20, 40, 1);
+        EXPECT_EQ(batch.getVertices(), 0u);
+        batch.flush();
+    });
+}
+
+TEST_F(BatchTest, mirroredTransformsTurnTheFacesAround) {
+    compare(
+        [&] {
+            perspective(display());
+            glEnable(GL_CULL_FACE);
+            glEnable(GL_DEPTH_TEST);
+        },
+        [](auto& p) {
+            Random random;
+            for (int i = 0; i < 100; ++i) {
+                Matrix4x4Col m = randomPlace(random, 10, 20, 40);
+                if (i % 2)
+                    for (int k = 0; k < 3; ++k)
+                        m.mData[k] = -m.mData[k];
+                p.setTransform(m);
+                p.color(random(0, 1), random(0, 1), random(0, 1));
+                p.box(Vector3f(0, 0, 0), Vector3f(1, 2, i % 3 ? 1.0f : -1.0f));
+            }
+        });
+}
+
+TEST_F(BatchTest, boxesAroundTheEyeAreCutByTheNearPlane) {
+    compare(
+        [&] {
+            perspective(display());
+            glEnable(GL_CULL_FACE);
+            glCullFace(GL_FRONT);
+            glEnable(GL_DEPTH_TEST);
+        },
+        [](auto& p) { drawBoxes(p, 60, 3, -3, 6, 2); });
+    compare(
+        [&] {
+            perspective(display());
+            glEnable(GL_CULL_FACE);
+            glEnable(GL_DEPTH_TEST);
+        },
+        [](auto& p) { drawBoxes(p, 60, 4, -6, 9, 1); });
+}
+
+TEST_F(BatchTest, boxesUnderAnOrthographicProjectionWithTheDepthTurnedAround) {
+    compare(
+        [&] {
+            Matrix4x4Col project;
+            project.setProjectOrtho(-8, 8, -5, 5, -100, 100);
+            display().setProject(project);
+            display().setModelView();
+            glEnable(GL_CULL_FACE);
+            glEnable(GL_BLEND);
+        },
+        [](auto& p) { drawBoxes(p, 100, 9, -20, 20, 1); });
+}
+
+TEST_F(BatchTest, texturedAndLitBoxes) {
+    display::Texture texture(&window().display());
+    loadTexture(texture);
+    for (const bool normalize : {false, true})
+        compare(
+            [&] {
+                perspective(display());
+                glEnable(GL_DEPTH_TEST);
+                glEnable(GL_TEXTURE_2D);
+                texture.bind();
+                glEnable(GL_LIGHTING);
+                glEnable(GL_LIGHT0);
+                glEnable(GL_COLOR_MATERIAL);
+                if (normalize)
+                    glEnable(GL_NORMALIZE);
+            },
+            [](auto& p) {
+                Random random;
+                for (int i = 0; i < 60; ++i) {
+                    Matrix4x4Col m = randomPlace(random, 8, 20, 30), scale;
+                    scale.setScale(Vector3f(2, 0.5f, 1));
+                    m *= scale;
+                    p.setTransform(m);
+                    p.color(random(0.4f, 1), random(0.4f, 1), random(0.4f, 1));
+                    p.box(Vector3f(0, 0, 0), Vector3f(1, 1, 1));
+                }
+            });
+}
+
+TEST_F(BatchTest, flatBoxesKeepTheirTwoFacesAndEmptyOnesNone) {
+    compare([&] { perspective(display()), glEnable(GL_CULL_FACE); },
+            [](auto& p) {
+                Random random;
+                for (int i = 0; i < 80; ++i) {
+                    p.setTransform(randomPlace(random, 9, 15, 30));
+                    p.color(random(0.2f, 1), random(0.2f, 1), random(0.2f, 1));
+                    p.box(Vector3f(0, 0, 0), Vector3f(2, i % 2 ? 2.0f : 0.0f, i % 2 ? 0.0f : 1.5f));
+                    p.box(Vector3f(0, 0, 0), Vector3f(0, 0, 0));
+                }
+            });
+}
+
+TEST_F(BatchTest, spritesAddedUp) {
+    display::Texture texture(&window().display());
+    loadTexture(texture);
+    compare(
+        [&] {
+            perspective(display());
+            glEnable(GL_BLEND);
+            glBlendFunc(GL_SRC_ALPHA, GL_ONE);
+            glEnable(GL_TEXTURE_2D);
+            texture.bind();
+        },
+        [](auto& p) { drawSprites(p, 800); });
+}
+
+TEST_F(BatchTest, spritesQuadsAndRectsUnderATransform) {
+    display::Texture texture(&window().display());
+    loadTexture(texture);
+    compare(
+        [&] {
+            perspective(display());
+            glEnable(GL_BLEND);
+            glEnable(GL_TEXTURE_2D);
+            texture.bind();
+        },
+        [](auto& p) {
+            Random random;
+            for (int i = 0; i < 60; ++i) {
+                p.setTransform(randomPlace(random, 6, 15, 30));
+                p.color(random(0.4f, 1), random(0.4f, 1), random(0.4f, 1), 0.7f);
+                p.sprite(Vector3f(1, 0, 0), Vector3f(1, 0, 0), Vector3f(0, 1, 0));
+                p.quad({0, 0, 0}, {2, 0, 1}, {2, 2, 1}, {0, 2, 0}, 0.25f, 0, 1, 0.5f);
+                p.rect(-2, -2, -1, 0, 0, 1, 1, 0, 0.5f);
+            }
+        });
+}
+
+TEST_F(BatchTest, aSpriteIsCounterClockwiseAsSeen) {
+    const Picture shown = frame([&] {
+        flat(display());
+        glEnable(GL_CULL_FACE);
+        batch.color(1, 0, 0);
+        batch.sprite({-0.5f, 0, 0}, {0.4f, 0, 0}, {0, 0.4f, 0});
+        batch.color(0, 1, 0);
+        batch.rect(0.1f, -0.4f, 0.9f, 0.4f);
+        batch.flush();
+    });
+    EXPECT_EQ(shown.at(160, 200)[0], 255);
+    EXPECT_EQ(shown.at(480, 200)[1], 255);
+}
+
+TEST_F(BatchTest, allModesOfSurfacesInOneDraw) {
+    display::Texture texture(&window().display());
+    loadTexture(texture);
+    compare(
+        [&] {
+            flat(display());
+            glEnable(GL_BLEND);
+        },
+        [](auto& p) { drawModes(p, SURFACES); });
+    compare(
+        [&] {
+            flat(display());
+            glEnable(GL_BLEND);
+            glEnable(GL_TEXTURE_2D);
+            texture.bind();
+        },
+        [](auto& p) { drawModes(p, SURFACES, 8); });
+}
+
+TEST_F(BatchTest, allModesWithFlatShading) {
+    compare(
+        [&] {
+            flat(display());
+            glShadeModel(GL_FLAT);
+        },
+        [](auto& p) { drawModes(p, SURFACES); });
+    compare(
+        [&] {
+            flat(display());
+            glShadeModel(GL_FLAT);
+            glLineWidth(3);
+            glPointSize(5);
+        },
+        [](auto& p) { drawModes(p, ALL); }, 3);
+}
+
+TEST_F(BatchTest, eachModeAlone) {
+    for (const GLenum mode : ALL)
+        for (const int vertices : {8, 9, 10, 11})
+            compare(
+                [&] {
+                    flat(display());
+                    glLineWidth(6);
+                    glPointSize(30);
+                    glEnable(GL_BLEND);
+                    Matrix4x4Col project = Plain::identity();
+                    project.mData[0] = project.mData[5] = 2.5f; // into the middle of the picture
+                    project.mData[12] = project.mData[13] = 1.6f;
+                    display().setProject(project);
+                    display().setModelView();
+                },
+                [&](auto& p) { drawModes(p, {mode}, vertices); });
+}
+
+TEST_F(BatchTest, pointsLinesAndSurfacesInTheOrderGiven) {
+    compare(
+        [&] {
+            flat(display());
+            glEnable(GL_BLEND);
+            glLineWidth(9);
+            glPointSize(15);
+        },
+        [](auto& p) {
+            for (int i = 0; i < 3; ++i)
+                drawModes(p, {GL_TRIANGLE_STRIP, GL_LINE_STRIP, GL_QUADS, GL_POINTS, GL_LINE_LOOP,
+                              GL_TRIANGLE_FAN});
+        },
+        16);
+}
+
+TEST_F(BatchTest, edgesOfPolygonsAloneAndStippledLines) {
+    compare(
+        [&] {
+            flat(display());
+            glPolygonMode(GL_FRONT_AND_BACK, GL_LINE);
+            glLineWidth(3);
+        },
+        [](auto& p) { drawModes(p, SURFACES); }, 9);
+    compare(
+        [&] {
+            perspective(display());
+            glPolygonMode(GL_FRONT_AND_BACK, GL_LINE);
+            glEnable(GL_CULL_FACE);
+            glLineWidth(2);
+        },
+        [](auto& p) { drawBoxes(p, 40, 8, 15, 30, 1.5f); });
+    compare(
+        [&] {
+            flat(display());
+            glEnable(GL_LINE_STIPPLE);
+            glLineStipple(3, 0x5557);
+            glLineWidth(5);
+        },
+        [](auto& p) {
+            drawModes(p, {GL_LINE_STRIP, GL_LINE_LOOP, GL_LINES, GL_LINE_STRIP});
+        },
+        4);
+}
+
+TEST_F(BatchTest, manyStripsUnderTransforms) {
+    compare(
+        [&] {
+            perspective(display());
+            glEnable(GL_BLEND);
+        },
+        [](auto& p) {
+            Random random;
+            for (int ring = 0; ring < 20; ++ring) {
+                p.setTransform(randomPlace(random, 5, 15, 25));
+                p.begin(GL_QUAD_STRIP);
+                for (int k = 0; k <= 80; ++k) {
+                    const float a = 6.2831853f * float(k) / 80;
+                    p.color(1, 0.4f, 0.2f, 0);
+                    p.vertex(std::sin(a), std::cos(a));
+                    p.color(random(0, 1), 0.6f, 1, 0.8f);
+                    p.vertex(2 * std::sin(a), 2 * std::cos(a));
+                }
+                p.end();
+            }
+        });
+}
+
+const char* const VERTEX =
+    "attribute vec4 tangent0_vs;\n"
+    "varying vec3 shade;\n"
+    "void main() {\n"
+    "    gl_Position = gl_ModelViewProjectionMatrix * gl_Vertex;\n"
+    "    gl_FrontColor = gl_Color;\n"
+    "    gl_TexCoord[0] = gl_MultiTexCoord0;\n"
+    "    shade = normalize(gl_NormalMatrix * gl_Normal) * 0.5 + 0.5 + tangent0_vs.xyz;\n"
+    "}\n";
+const char* const FRAGMENT =
+    "varying vec3 shade;\n"
+    "void main() { gl_FragColor = vec4(shade * gl_Color.rgb + 0.2 * gl_TexCoord[0].xyx, 1.0); }\n";
+
+class BatchProgramTest : public BatchTest {
+protected:
+    void link(display::ShaderProgram& program) {
+        display::VertexShader   vertex(&display());
+        display::FragmentShader fragment(&display());
+        vertex.compile(reinterpret_cast<const unsigned char*>(VERTEX), int(strlen(VERTEX)), "vertex");
+        fragment.compile(reinterpret_cast<const unsigned char*>(FRAGMENT), int(strlen(FRAGMENT)), "fragment");
+        program.attach(vertex, fragment);
+        program.link();
+    }
+};
+
+TEST_F(BatchProgramTest, aProgramGetsPositionsColoursTexturesNormalsAndAttributes) {
+    window();
+    display::ShaderProgram program(&display());
+    link(program);
+    const auto state = [&] {
+        perspective(display());
+        glEnable(GL_DEPTH_TEST);
+        program.bind();
+    };
+    const auto scene = [&](auto& p) {
+        Random random;
+        for (int i = 0; i < 60; ++i) {
+            p.setTransform(randomPlace(random, 8, 20, 30));
+            p.color(random(0.4f, 1), random(0.4f, 1), random(0.4f, 1));
+            p.attrib(6, Vector4f(random(0, 0.4f), random(0, 0.4f), 0, 0));
+            p.box(Vector3f(0, 0, 0), Vector3f(1, 2, 1));
+        }
+        p.flush();
+        program.unbind();
+    };
+    compare(state, scene);
+}
+
+TEST_F(BatchProgramTest, underAProgramNothingIsLeftOutUnlessAskedFor) {
+    window();
+    display::ShaderProgram program(&display());
+    link(program);
+    frame([&] {
+        perspective(display());
+        glEnable(GL_CULL_FACE);
+        program.bind();
+        const auto boxes = [&] {
+            batch.box({0, 0, -10}, {1, 1, 1}); // one face, or two from the side
+            batch.box({0, 0, 50}, {1, 1, 1});  // behind the eye
+            batch.sprite({0, 0, 50}, {1, 0, 0}, {0, 1, 0});
+            const size_t vertices = batch.getVertices();
+            batch.clear();
+            return vertices;
+        };
+        EXPECT_EQ(boxes(), 24u + 24u + 4u);
+        batch.setCulling(Batch::CULLING_ON);
+        EXPECT_EQ(boxes(), 4u);
+        program.unbind();
+        batch.setCulling(Batch::CULLING_AUTO);
+        EXPECT_EQ(boxes(), 4u);
+        batch.setCulling(Batch::CULLING_OFF);
+        EXPECT_EQ(boxes(), 24u + 24u + 4u);
+    });
+}
+
+TEST_F(BatchTest, boxesOutsideTheViewCostNoVertex) {
+    frame([&] {
+        perspective(display());
+        const Vector3f half(1, 1, 1);
+        for (const Vector3f& centre : {Vector3f(0, 0, 10), Vector3f(100, 0, -10), Vector3f(-100, 0, -10),
+                                       Vector3f(0, 100, -10), Vector3f(0, -100, -10), Vector3f(0, 0, -2000)})
+            batch.box(centre, half);
+        EXPECT_EQ(batch.getVertices(), 0u);
+        batch.box(Vector3f(0, 0, -999.5f), half);
+        batch.box(Vector3f(0, 0, 0.5f), half);
+        EXPECT_EQ(batch.getVertices(), 48u);
+        batch.clear();
+    });
+}
+
+TEST_F(BatchTest, depthClampKeepsWhatIsBehindTheFarPlane) {
+    if (!display::DisplayGL::hasExtension("GL_ARB_depth_clamp")) {
+        window();
+        if (!display::DisplayGL::hasExtension("GL_ARB_depth_clamp"))
+            GTEST_SKIP();
+    }
+    compare(
+        [&] {
+            perspective(display());
+            glEnable(GL_DEPTH_CLAMP);
+        },
+        [](auto& p) {
+            p.color(1, 0.5f, 0.2f);
+            p.box(Vector3f(0, 0, -2000), Vector3f(400, 400, 10));
+        });
+    glDisable(GL_DEPTH_CLAMP);
+}
+
+TEST_F(BatchTest, whatWasNotGivenIsTheCurrentValue) {
+    const Picture shown = frame([&] {
+        flat(display());
+        glColor4f(0, 1, 0, 1);
+        batch.rect(-1, -1, 0, 1); // the current green
+        batch.color(1, 0, 0);
+        batch.rect(0, -1, 1, 1);
+        batch.flush();
+    });
+    EXPECT_EQ(shown.at(100, 200)[0], 0);
+    EXPECT_EQ(shown.at(100, 200)[1], 255);
+    EXPECT_EQ(shown.at(500, 200)[0], 255);
+    EXPECT_EQ(shown.at(500, 200)[1], 0);
+}
+
+TEST_F(BatchTest, lateTextureCoordinatesAndNormalsStartFromTheCurrentOnes) {
+    display::Texture texture(&window().display());
+    loadTexture(texture);
+    compare(
+        [&] {
+            flat(display());
+            glEnable(GL_TEXTURE_2D);
+            texture.bind();
+            glEnable(GL_LIGHTING);
+            glEnable(GL_LIGHT0);
+            glTexCoord2f(0.1f, 0.1f);
+            glNormal3f(0, 0.6f, 0.8f);
+        },
+        [](auto& p) {
+            p.begin(GL_TRIANGLES);
+            p.vertex(-1, -1);
+            p.vertex(1, -1);
+            p.texCoord(1, 1);
+            p.normal(0, 0, 1);
+            p.vertex(0, 1);
+            p.end();
+        });
+}
+
+TEST_F(BatchTest, theLastValuesAreCurrentAfterTheFlush) {
+    frame([&] {
+        flat(display());
+        glTexCoord2f(0.3f, 0.4f);
+        batch.color(0.25f, 0.5f, 0.75f, 0.125f);
+        batch.normal(0, 1, 0);
+        batch.begin(GL_POINTS);
+        batch.vertex(0, 0);
+        batch.end();
+        batch.flush();
+        float color[4], normal[3], texture[4];
+        glGetFloatv(GL_CURRENT_COLOR, color);
+        glGetFloatv(GL_CURRENT_NORMAL, normal);
+        glGetFloatv(GL_CURRENT_TEXTURE_COORDS, texture);
+        EXPECT_EQ(color[0], 0.25f);
+        EXPECT_EQ(color[3], 0.125f);
+        EXPECT_EQ(normal[1], 1.0f);
+        EXPECT_EQ(normal[2], 0.0f);
+        EXPECT_EQ(texture[0], 0.3f); // not given
+    });
+}
+
+TEST_F(BatchTest, vertexOutsideBeginAndEndIsIgnored) {
+    frame([&] {
+        batch.vertex(0, 0);
+        EXPECT_EQ(batch.getVertices(), 0u);
+        batch.begin(GL_LINES);
+        batch.vertex(0, 0);
+        batch.vertex(0, 1);
+        batch.vertex(1, 1); // completes no line
+        batch.end();
+        batch.vertex(0, 0);
+        EXPECT_EQ(batch.getVertices(), 2u);
+        batch.flush();
+        EXPECT_EQ(batch.getVertices(), 0u);
+        EXPECT_EQ(batch.getDraws(), 1u);
+        batch.flush(); // nothing to draw
+        EXPECT_EQ(batch.getDraws(), 1u);
+    });
+}
+
+TEST_F(BatchTest, pairsOfBeginAndEndAreAsserted) {
+    window();
+    EXPECT_DEATH(batch.end(), "mMode != NOTHING");
+    EXPECT_DEATH((batch.begin(GL_LINES), batch.begin(GL_LINES)), "mMode == NOTHING");
+    EXPECT_DEATH((batch.begin(GL_LINES), batch.flush()), "mMode == NOTHING");
+    EXPECT_DEATH(batch.begin(GL_POLYGON + 1), "mode <= GL_POLYGON");
+    EXPECT_DEATH(batch.attrib(5, Vector4f(0, 0, 0, 0)), "i >= 0 && i < ATTRIBS");
+}
+
+TEST_F(BatchTest, theTransformIsIdentityAfterTheFlush) {
+    const Picture shown = frame([&] {
+        flat(display());
+        Matrix4x4Col away;
+        away.setTranslation(Vector3f(5, 0, 0));
+        batch.setTransform(away);
+        batch.color(1, 1, 1);
+        batch.rect(-1, -1, 1, 1);
+        batch.flush();
+        batch.rect(-1, -1, 0, 1);
+        batch.flush();
+    });
+    EXPECT_EQ(shown.at(100, 200)[0], 255);
+    EXPECT_EQ(shown.at(500, 200)[0], 0);
+}
+
+TEST_F(BatchTest, boundBuffersStayAsTheyWere) {
+    window();
+    const bool emulations[] = {false, true};
+    for (const bool emulated : emulations) {
+        if (emulated)
+            display::DisplayGL::denyExtensions({"GL_ARB_vertex_buffer_object"});
+        display::VertexP3C4b                    corner[3] = {};
+        display::VBO_wrap<display::VertexP3C4b> vbo(&display());
+        display::IBO                            ibo(&display());
+        uint16_t                                indices[3] = {0, 1, 2};
+        const float                             at[3][2] = {{-1, -1}, {0, -1}, {-1, 1}};
+        for (int i = 0; i < 3; ++i) {
+            corner[i].p = Vector3f(at[i][0], at[i][1], 0);
+            corner[i].r = corner[i].a = 255;
+        }
+        vbo.setup(3, corner);
+        ibo.setup(display::IBO::FORMAT_UINT16, 3, indices);
+        const Picture shown = frame([&] {
+            flat(display());
+            display().setVBO(&vbo);
+            display().setIBO(&ibo);
+            batch.color(0, 1, 0);
+            batch.begin(GL_TRIANGLE_STRIP);
+            batch.vertex(0, -1);
+            batch.vertex(1, -1);
+            batch.vertex(1, 1);
+            batch.end();
+            batch.begin(GL_TRIANGLES); // so that it goes by indices
+            batch.vertex(0, 0.5f);
+            batch.vertex(1, 0.5f);
+            batch.vertex(1, 1);
+            batch.end();
+            batch.flush();
+            display().draw(GL_TRIANGLES, 0, 3, 0, 3);
+            display().setVBO(nullptr);
+            display().setIBO(nullptr);
+        });
+        EXPECT_EQ(shown.at(40, 300)[0], 255) << emulated;
+        EXPECT_EQ(shown.at(40, 300)[1], 0);
+        EXPECT_EQ(shown.at(600, 300)[1], 255) << emulated;
+        display::DisplayGL::denyExtensions({});
+    }
+}
+
+TEST_F(BatchTest, nothingIsAllocatedOnceWarm) {
+    display::Texture texture(&window().display());
+    loadTexture(texture);
+    const auto scene = [&] {
+        perspective(display());
+        drawBoxes(batch, 500, 12, 20, 60, 1);
+        drawSprites(batch, 500);
+        batch.flush();
+        flat(display());
+        drawModes(batch, ALL);
+        batch.flush();
+    };
+    size_t memory = 0;
+    frame([&] {
+        scene();
+        memory = batch.getMemory();
+        // What the driver allocates is not ours: collected alone, then drawn.
+        perspective(display());
+        const size_t before = allocationCount();
+        drawBoxes(batch, 500, 12, 20, 60, 1);
+        drawSprites(batch, 500);
+        EXPECT_EQ(allocationCount(), before);
+        batch.flush();
+        EXPECT_EQ(batch.getMemory(), memory);
+    });
+    EXPECT_GT(memory, 0u);
+}
+
+TEST_F(BatchTest, livesThroughANewContext) {
+    const auto show = [&] {
+        return frame([&] {
+            flat(display());
+            batch.color(0, 0, 1);
+            batch.rect(-1, -1, 1, 1);
+            batch.flush();
+        });
+    };
+    EXPECT_EQ(show().at(100, 100)[2], 255);
+    display().close();
+    display().open();
+    EXPECT_EQ(show().at(100, 100)[2], 255);
+}
+
+TEST_F(BatchTest, aMillionVerticesAndMore) {
+    frame([&] {
+        flat(display());
+        batch.color(1, 0, 0);
+        const size_t before = batch.getDraws();
+        for (int i = 0; i < 300000; ++i)
+            batch.rect(-1, -1, -0.9f, -0.9f);
+        batch.color(0, 1, 0);
+        batch.rect(-1, -1, -0.9f, -0.9f);
+        batch.flush();
+        EXPECT_EQ(batch.getDraws() - before, 2u); // the memory has a bound
+        EXPECT_EQ(grabPicture(display()).at(5, 395)[1], 255);
+        EXPECT_LT(batch.getMemory(), size_t(80) << 20);
+    });
+}
+
+TEST_F(BatchTest, channelsThatAreAskedFor) {
+    window();
+    frame([&] {
+        perspective(display());
+        batch.setChannels(Batch::CHANNEL_NONE);
+        glTexCoord2f(0.7f, 0.7f);
+        batch.box({0, 0, -10}, {1, 1, 1});
+        batch.flush();
+        float coordinates[4];
+        glGetFloatv(GL_CURRENT_TEXTURE_COORDS, coordinates);
+        EXPECT_EQ(coordinates[0], 0.7f);
+        batch.setChannels(Batch::CHANNEL_TEXCOORD);
+        batch.box({0, 0, -10}, {1, 1, 1});
+        batch.flush();
+        glGetFloatv(GL_CURRENT_TEXTURE_COORDS, coordinates);
+        EXPECT_EQ(coordinates[0], 0.0f); // the last corner of a face
+    });
+}
+
+} // namespace
