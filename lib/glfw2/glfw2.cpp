@@ -109,7 +109,8 @@ class Events final : public WindowEvents {
     void onRefresh() override { call(session.callbacks.refresh); }
     void onIconify(bool iconified) override { session.iconified = iconified; }
 
-    // What is down when the focus is lost goes up elsewhere, so it is released here.
+    // What is down when the focus is lost goes up elsewhere, so it is released here. GLFW 3 would do it next,
+    // but for the keys that it has no name for.
     void onFocus(bool focused) override {
         session.focused = focused;
         if (focused)

@@ -31,6 +31,7 @@ using Log = std::vector<std::string>;
 Log events;          // what the callbacks were told, as text: "key 65 1"
 int closeAnswer;     // what the close callback returns
 void (*onKeyDown)(); // done in the key callback at each press, if set
+void (*onKeyUp)();   // ... at each release
 
 void note(const std::string& kind, int a, int b) {
     events.push_back(kind + " " + std::to_string(a) + " " + std::to_string(b));
@@ -62,6 +63,8 @@ void keyFun(int key, int action) {
     note("key", key, action);
     if (action == GLFW_PRESS && onKeyDown)
         onKeyDown();
+    if (action == GLFW_RELEASE && onKeyUp)
+        onKeyUp();
 }
 
 bool holds(const std::string& event) {
@@ -98,6 +101,7 @@ protected:
         events.clear();
         closeAnswer = 0;
         onKeyDown = nullptr;
+        onKeyUp = nullptr;
         ASSERT_EQ(glfwInit(), 1);
     }
 
@@ -594,6 +598,19 @@ TEST_F(Glfw2, AWindowCanBeClosedAndOpenedInACallback) {
     EXPECT_NE(glGetString(GL_VERSION), nullptr);
     look();
     EXPECT_EQ(afterKey("w"), typed('W', 'w'));
+}
+
+TEST_F(Glfw2, AWindowOpenedInACallbackHasNoPartInTheOneBefore) {
+    open();
+    onKeyUp = [] {
+        glfwCloseWindow();
+        ASSERT_EQ(openWindow(), 1);
+        glfwSetCharCallback(charFun);
+    };
+    viewer().key("q");
+    viewer().until("the release", [] { return holds("key 81 0"); });
+    onKeyUp = nullptr;
+    EXPECT_EQ(events, (Log{"key 81 1", "char 113 1", "key 81 0"}));
 }
 
 TEST_F(Glfw2, AFullScreenWindowCanBeLeftInACallback) {
