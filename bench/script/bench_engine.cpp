@@ -1,6 +1,6 @@
-// One frame of the timeline: 10,000 top-level spans, a tenth of them active with five splines of ten keys each.
-// Beside it the plain way: every span's callback is looked for whether the span is active or not, in a list, and
-// every spline is walked from its first key.
+// One frame of the timeline: 10,000 top-level spans, a tenth of them active with five splines of ten keys
+// each. Beside it the plain way: every span's callback is looked for whether the span is active or not, in a
+// list, and every spline is walked from its first key.
 #include "script_engine.h"
 
 #include <benchmark/benchmark.h>
@@ -58,9 +58,9 @@ struct Show {
         engine.init();
     }
     static std::string nameOf(int i) { return "effect number " + std::to_string(i); }
-    long updates() const {
-        long sum = 0;
-        for (const Sum& callback : callbacks)
+    long               updates() const {
+                      long sum = 0;
+                      for (const Sum& callback : callbacks)
             sum += callback.updates;
         return sum;
     }

@@ -97,7 +97,8 @@ TEST(ScriptEngine, TimeAtTheStartOfASpanIsActiveAndAtItsEndIsNot) {
     EXPECT_EQ(line.at(0.5f), (Calls{"b reset", "b update 0.5 0.5 0.05", "b post 0.5 0.5 0.05"}));
     EXPECT_EQ(line.at(1), (Calls{"a reset", "a update 0 0.5 0", "a post 0 0.5 0", "b update 1 0.5 0.1",
                                  "b post 1 0.5 0.1"}));
-    EXPECT_EQ(line.at(2), (Calls{"a update 1 1 0.5", "a post 1 1 0.5", "b update 2 1 0.2", "b post 2 1 0.2"}));
+    EXPECT_EQ(line.at(2),
+              (Calls{"a update 1 1 0.5", "a post 1 1 0.5", "b update 2 1 0.2", "b post 2 1 0.2"}));
     EXPECT_EQ(line.at(3), (Calls{"b update 3 1 0.3", "b post 3 1 0.3"}));
 }
 
@@ -224,8 +225,7 @@ TEST(ScriptEngine, AStartAboveZeroCatchesUpWithoutARewind) {
     Timeline      line;
     Effect* const effect = line.add(makeEffect("a", 0, 60));
     effect->mTriggers.push_back(makeTrigger("t", "v", 10));
-    EXPECT_EQ(line.at(30),
-              (Calls{"a reset", "a trigger 30 t=v", "a update 30 30 0.5", "a post 30 30 0.5"}));
+    EXPECT_EQ(line.at(30), (Calls{"a reset", "a trigger 30 t=v", "a update 30 30 0.5", "a post 30 30 0.5"}));
 }
 
 TEST(ScriptEffect, RunsTriggersThenSplinesThenItselfThenChildrenThenPost) {
@@ -288,8 +288,9 @@ TEST(ScriptEffect, AfterARewindNestedTriggersDoNotFireAgain) {
     effect->mTriggers.push_back(makeTrigger("own", "", 1));
     child->mTriggers.push_back(makeTrigger("nested", "", 1));
     line.at(2);
-    EXPECT_EQ(line.at(1.5f), (Calls{"a reset", "a trigger 1.5 own=", "a update 1.5 -0.5 0.15",
-                                    "b update 1.5 -0.5 0.15", "b post 1.5 -0.5 0.15", "a post 1.5 -0.5 0.15"}));
+    EXPECT_EQ(line.at(1.5f),
+              (Calls{"a reset", "a trigger 1.5 own=", "a update 1.5 -0.5 0.15", "b update 1.5 -0.5 0.15",
+                     "b post 1.5 -0.5 0.15", "a post 1.5 -0.5 0.15"}));
     EXPECT_EQ(child->mTriggers[0]->mFired, 1);
 }
 
@@ -330,8 +331,8 @@ TEST(ScriptTrigger, ARepeatOfZeroNeverFiresAndThreeWithoutDelayFireAtOnce) {
     effect->mTriggers.push_back(makeTrigger("never", "", 0, 0));
     effect->mTriggers.push_back(makeTrigger("below", "", 0, -5));
     effect->mTriggers.push_back(makeTrigger("thrice", "", 1, 3, 0));
-    EXPECT_EQ(line.at(1), (Calls{"a reset", "a trigger 1 thrice=", "a trigger 1 thrice=", "a trigger 1 thrice=",
-                                 "a update 1 1 0.1", "a post 1 1 0.1"}));
+    EXPECT_EQ(line.at(1), (Calls{"a reset", "a trigger 1 thrice=", "a trigger 1 thrice=",
+                                 "a trigger 1 thrice=", "a update 1 1 0.1", "a post 1 1 0.1"}));
 }
 
 TEST(ScriptTrigger, ADueTimeThatPassedWhileTheSpanWasInactiveIsCaughtUp) {

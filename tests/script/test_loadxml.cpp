@@ -107,8 +107,9 @@ TEST(LoadXml, ARepeatOfZeroIsPresent) {
 }
 
 TEST(LoadXml, OnlyTheExactStateOffDisables) {
-    const Loaded script("<script><effect state=\"on\"/><effect state=\"OFF\"/><effect/><effect state=\" off\"/>"
-                        "<effect state=\"off\"/></script>");
+    const Loaded script(
+        "<script><effect state=\"on\"/><effect state=\"OFF\"/><effect/><effect state=\" off\"/>"
+        "<effect state=\"off\"/></script>");
     ASSERT_EQ(script.mEffects.size(), 5u);
     for (int i = 0; i < 4; ++i)
         EXPECT_TRUE(script.mEffects[size_t(i)]->mEnabled) << i;
@@ -117,9 +118,9 @@ TEST(LoadXml, OnlyTheExactStateOffDisables) {
 
 TEST(LoadXml, OnlyTheExactTypesSquareAndSmoothAreNotLinear) {
     const std::string key = "<key/></spline>";
-    const Loaded      script(
-        inEffect("<spline type=\"square\">" + key + "<spline type=\"smooth\">" + key + "<spline type=\"Smooth\">" +
-                 key + "<spline type=\"linear\">" + key + "<spline>" + key));
+    const Loaded      script(inEffect("<spline type=\"square\">" + key + "<spline type=\"smooth\">" + key +
+                                      "<spline type=\"Smooth\">" + key + "<spline type=\"linear\">" + key +
+                                      "<spline>" + key));
     ASSERT_TRUE(script.ok);
     const int modes[] = {0, 2, 1, 1, 1};
     ASSERT_EQ(script.mEffects[0]->mSplines.size(), 5u);
@@ -152,7 +153,8 @@ TEST(LoadXml, ASplineWithoutKeysFailsTheLoadAndNothingPlays) {
     ASSERT_EQ(script.mEffects.size(), 1u); // what was read before stays
     EXPECT_EQ(script.mEffects[0]->mName, "first");
     EXPECT_EQ(script.mScriptLength, 0);
-    EXPECT_NE(out.text().find("The script's spline 'alpha' of effect 'inner' has no keys"), std::string::npos);
+    EXPECT_NE(out.text().find("The script's spline 'alpha' of effect 'inner' has no keys"),
+              std::string::npos);
 }
 
 TEST(LoadXml, AFailedSecondLoadKeepsTheLengthOfTheFirst) {
@@ -192,14 +194,16 @@ TEST(LoadXml, BrokenXmlThrowsWithItsPlace) {
         LoadXML().loadMem(text.data(), static_cast<long>(text.size()), engine);
         FAIL() << "no exception";
     } catch (const Exception& e) {
-        EXPECT_STREQ(e.what(), "(error at line 2, col 16); You must close the value using \" (when reading tag at "
-                               "1:9)");
+        EXPECT_STREQ(e.what(),
+                     "(error at line 2, col 16); You must close the value using \" (when reading tag at "
+                     "1:9)");
     }
     EXPECT_TRUE(engine.mEffects.empty());
 }
 
 TEST(LoadXml, CommentsAndTextAmongTheElementsAreNothing) {
-    const Loaded script("<script>words<!-- a note --><effect name=\"a\" end=\"2\">more<!-- and --></effect></script>");
+    const Loaded script(
+        "<script>words<!-- a note --><effect name=\"a\" end=\"2\">more<!-- and --></effect></script>");
     EXPECT_TRUE(script.ok);
     EXPECT_EQ(script.mEffects.size(), 1u);
 }
@@ -231,11 +235,13 @@ TEST(LoadXml, ANestUpToTheLimitLoadsAndPlaysAndADeeperOneFails) {
 }
 
 TEST(LoadXml, AbsurdNumbersAreTakenAndHarmNothing) {
-    Loaded script("<script><effect name=\"e\" start=\"nan\" end=\"1e999\"><trigger repeat=\"2000000000\" delay=\"-1e30\"/>"
-                  "<spline><key time=\"inf\" value=\"nan\"/><key time=\"nan\"/><key time=\"-inf\" value=\"1e40\"/>"
-                  "</spline></effect><effect name=\"e\" start=\"-1e38\" end=\"1e38\"><spline type=\"smooth\">"
-                  "<key time=\"nan\"/><key time=\"0\"/><key time=\"nan\" value=\"inf\"/><key time=\"1\"/></spline>"
-                  "</effect></script>");
+    Loaded script(
+        "<script><effect name=\"e\" start=\"nan\" end=\"1e999\"><trigger repeat=\"2000000000\" "
+        "delay=\"-1e30\"/>"
+        "<spline><key time=\"inf\" value=\"nan\"/><key time=\"nan\"/><key time=\"-inf\" value=\"1e40\"/>"
+        "</spline></effect><effect name=\"e\" start=\"-1e38\" end=\"1e38\"><spline type=\"smooth\">"
+        "<key time=\"nan\"/><key time=\"0\"/><key time=\"nan\" value=\"inf\"/><key time=\"1\"/></spline>"
+        "</effect></script>");
     EXPECT_TRUE(script.ok);
     struct Nothing : Callback {
         void update(float, float, float) override {}
@@ -263,8 +269,9 @@ TEST(LoadXml, LoadMemRefusesASizeBelowZero) {
 
 TEST(LoadXml, EachElementIsReadIntoARecordOfTheCaller) {
     xml::XmlParser    parser;
-    const std::string text = "<root><effect name=\"e\" start=\"1\" end=\"2\"/><trigger name=\"t\" repeat=\"2\"/>"
-                             "<spline name=\"s\"><key time=\"1\" value=\"4\"/></spline><spline name=\"none\"/></root>";
+    const std::string text =
+        "<root><effect name=\"e\" start=\"1\" end=\"2\"/><trigger name=\"t\" repeat=\"2\"/>"
+        "<spline name=\"s\"><key time=\"1\" value=\"4\"/></spline><spline name=\"none\"/></root>";
     parser.parse(text);
     const xml::XmlParser& root = parser;
     LoadXML               loader;

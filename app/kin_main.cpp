@@ -1,0 +1,186 @@
+#include "kin_main.h"
+
+#include "am_videofile.h"
+#include "dis_glcheck.h"
+#include "ztk_system.h"
+
+#include <GL/glew.h>
+#include <algorithm>
+#include <cstdlib>
+#include <ctime>
+
+namespace zentrak::kindler {
+
+/*
+ * An end by exception comes through here too: what goes wrong while saving leaves the setup file as it was.
+ */
+Kindler::~Kindler() {
+    if (mSetupDone) {
+        try {
+            saveXml();
+        } catch (const std::exception&) { // has logged itself
+        }
+    }
+    attachToDisplay(nullptr);
+    if (mDisplayEnabled && mDisplay)
+        delete mDisplay;
+    delete mVideo;
+}
+
+void Kindler::addCallback(std::string name, Effect& effect) {
+    mScript.addCallback(name, &effect);
+    effect.mName = name;
+    effect.mDisplay = mDisplay;
+}
+
+void Kindler::run() {
+    mNoListener = false;
+    if (mDisplayEnabled)
+        openDisplay(mWidth, mHeight, mFullscreen, mTitle);
+    if (!mNoSound)
+        openSound(mMusicFile.c_str());
+    if (!mDisplayEnabled)
+        return;
+
+    loadEffects();
+    if (hasSound()) {
+        mMusic.mStream->play();
+        mMusic.mPaused = false;
+        mDemoLength = static_cast<float>(mMusic.mLength) / static_cast<float>(mMusic.mRate);
+    }
+    // The editor is built here, so that it is drawn behind the driver, and deleted behind the loop.
+    setTime(std::max(0.0f, mStartTime));
+    mOsdTime = -100.0f;
+    mDisplay->updateBlocking();
+}
+
+/*
+ * All effects load, in the order of their names, whether the script uses them or not.
+ */
+void Kindler::loadEffects() {
+    for (const auto& [name, callback] : mScript.mCallbacks) {
+        Effect* const effect = dynamic_cast<Effect*>(callback);
+        if (!effect)
+            continue;
+        effect->mDisplay = mDisplay;
+        ZTK_LOG("log", "app", "Loading effect: %s.", name.c_str());
+        const clock_t start = clock();
+        effect->setup();
+        const clock_t end = clock();
+        ZTK_LOG("log", "app", "Loading effect '%s' took %.3f seconds\n", name.c_str(),
+                static_cast<double>(end - start) / 1000000.0);
+    }
+}
+
+/*
+ * The driver joins the listeners before anybody else: their order is that of the frame.
+ */
+void Kindler::openDisplay(int width, int height, bool fullscreen, const std::string& title) {
+    display::WindowMode mode(title, width, height, fullscreen);
+    mode.canResize = true;
+    mDisplay = new display::DisplayGL(mode);
+    if (!mNoListener)
+        attachToDisplay(mDisplay);
+    mDisplay->open();
+    if (mVideo) {
+        mDisplay->setFps(display::DisplayGL::FPS_DELTA, mDumpRate);
+        fitFrame(width, height);
+    } else {
+        mDisplay->setFps(display::DisplayGL::FPS_VSYNC, 30.0f);
+    }
+    mDisplay->setArchive(&mArchives);
+}
+
+/*
+ * Makes the frame that the dump grabs into. A window of odd height can't be grabbed.
+ */
+void Kindler::fitFrame(int width, int height) {
+    if (height & 1)
+        throw Exception("[Kindler] A dump needs an even height of the window, not %d", height);
+    if (mFrame.isNull() || mFrame->getWidth() != width || mFrame->getHeight() != height) {
+        mFrame.assign(new am::ImageObject);
+        mFrame->resize(width, height);
+        mVideo->attach(mFrame);
+    }
+}
+
+void Kindler::openSound(const char* file) {
+    if (!mNoSound)
+        mNoSound = !mMusic.setup(mArchives.readFile(file, -1));
+}
+
+void Kindler::openDevices() {
+    if (mDisplayEnabled)
+        openDisplay(mWidth, mHeight, mFullscreen, mTitle);
+    if (!mNoSound)
+        openSound(mMusicFile.c_str());
+}
+
+bool Kindler::hasSound() const {
+    return !mNoSound && mMusic.mStream;
+}
+
+/*
+ * The clock takes the time that the stream has really reached.
+ */
+void Kindler::setTime(float t) {
+    t = std::max(0.0f, t);
+    if (hasSound()) {
+        const float rate = static_cast<float>(mMusic.mRate);
+        const float position = t * rate;
+        const bool  past = position >= static_cast<float>(mMusic.mLength);
+        mMusic.mStream->setPosition(past ? mMusic.mLength : static_cast<int>(position));
+        t = static_cast<float>(mMusic.mStream->getPosition()) / rate;
+    }
+    mClock.setTime(t);
+    if (mPaused)
+        mPausedTime = t;
+    mOsdTime = t;
+}
+
+void Kindler::getTime() {
+    mRawTime = mPaused ? mPausedTime : mClock.getTime();
+    mTime = hasSound() ? static_cast<float>(mMusic.mStream->getPosition()) / static_cast<float>(mMusic.mRate)
+                       : mRawTime;
+}
+
+/*
+ * The editor's control "main" decides between the whole window and its upper right quarter. No editor, no
+ * such control.
+ */
+bool Kindler::editorVisible() const {
+    return false;
+}
+
+/*
+ * One frame. The editor and the toolkit draw behind this one, on top of the picture.
+ */
+void Kindler::onDraw() {
+    if (hasSound() && !mMusic.mStream->isPlaying() && !mMusic.mPaused) {
+        if (mLoop)
+            mMusic.mStream->setPosition(0); // does not start it again: it stays silent from here on
+        else
+            exit(0);
+    }
+    getTime();
+    if (!mDisplayEnabled)
+        return;
+
+    const int width = mDisplay->mWindowMode.width;
+    const int height = mDisplay->mWindowMode.height;
+    if (editorVisible())
+        GL_CALL(glViewport(width - (width >> 1), height >> 1, width >> 1, height >> 1));
+    mScript.update(mRawTime);
+    if (mVideo) {
+        fitFrame(width, height);
+        mDisplay->getScreenShot(mFrame);
+        mVideo->writeFrame();
+    }
+    const bool raised = mOsdShow && mOsdTime + mOsdDelay > mTime;
+    if (mVideo || (!editorVisible() && raised)) {
+        mDisplay->resetStates();
+        drawOsd();
+    }
+}
+
+} // namespace zentrak::kindler

@@ -1,0 +1,179 @@
+// The driver's setup file, read and written back.
+
+#include "am_videofile.h"
+#include "kin_main.h"
+#include "script_loadxml.h"
+#include "xml_iterator.h"
+#include "xml_parser.h"
+#include "ztk_system.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+
+namespace zentrak::kindler {
+
+namespace {
+
+constexpr const char* LOCAL_FILE = "setup.local.xml";
+constexpr const char* DEFAULT_FILE = "setup.xml";
+
+int toInt(const std::string& text) {
+    return static_cast<int>(std::clamp(strtol(text.c_str(), nullptr, 0), long(INT_MIN), long(INT_MAX)));
+}
+
+float toFloat(const std::string& text) {
+    return static_cast<float>(atof(text.c_str()));
+}
+
+// Towards 0; the nearest there is for a number that no int can hold, and 0 for what is no number.
+int truncate(float value) {
+    if (!(value > -2147483648.0f))
+        return value < 0 ? INT_MIN : 0;
+    return value < 2147483648.0f ? static_cast<int>(value) : INT_MAX;
+}
+
+std::string seconds(float value) {
+    char text[64];
+    snprintf(text, sizeof(text), "%.2f", static_cast<double>(value));
+    return text;
+}
+
+const char* onOff(bool on) {
+    return on ? "on" : "off";
+}
+
+} // namespace
+
+/*
+ * The elements are read kind by kind in a fixed order, not in that of the file: archives come before the
+ * script, which may lie in one of them, and the dump before the music, which it silences.
+ */
+void Kindler::setup() {
+    if (mSetupDone)
+        return;
+    mArchives.addArchive("./");
+    am::File file = mArchives.readFile(LOCAL_FILE, -1);
+    if (file.isNull())
+        file = mArchives.readFile(DEFAULT_FILE, -1);
+    if (file.isNull())
+        throw Exception("[Kindler] Could not load 'setup.[local.]xml'");
+
+    xml::XmlParser parser;
+    parser.parse(reinterpret_cast<const char*>(file->data), static_cast<int>(file->length));
+    if (parser.getName() != "demo")
+        return;
+
+    for (xml::Iterator it = parser.createIterator("time"); ++it;) {
+        mStartTime = toFloat(it->getValue("start"));
+        if (it->getValue("loop") == "on")
+            mLoop = true;
+    }
+    for (xml::Iterator it = parser.createIterator("archive"); ++it;) {
+        const std::string& path = it->getValue("path");
+        ZTK_LOG("log", "app", "Kindler: Adding archive: %s\n", path.c_str());
+        mArchives.addArchive(path);
+    }
+    for (xml::Iterator it = parser.createIterator("display"); ++it;) {
+        mDisplayEnabled = true;
+        mWidth = toInt(it->getValue("width"));
+        mHeight = toInt(it->getValue("height"));
+        mFullscreen = it->getValue("fullscreen") == "on";
+        mTitle = it->getValue("title");
+    }
+    for (xml::Iterator it = parser.createIterator("osd"); ++it;) {
+        const std::string& location = it->getValue("location");
+        if (it->getValue("show") != "on")
+            mOsdShow = false;
+        mOsdLocation = location == "middle" ? 1 : location == "bottom" ? 2 : 0;
+        mOsdDelay = toFloat(it->getValue("delay"));
+        if (mOsdDelay == 0.0f)
+            mOsdDelay = 2.0f;
+    }
+    for (xml::Iterator it = parser.createIterator("script"); ++it;) {
+        mScriptFile = it->getValue("filename");
+        const am::File script = mArchives.readFile(mScriptFile, -1);
+        if (script.isNull())
+            throw Exception("[Kindler] Could not find the script: '%s'", mScriptFile.c_str());
+        // One that can't be loaded has said so, and plays nothing.
+        script::LoadXML().loadMem(reinterpret_cast<const char*>(script->data), script->length, mScript);
+    }
+    for (xml::Iterator it = parser.createIterator("dump"); ++it;) {
+        const std::string& name = it->getValue("name");
+        const std::string& rate = it->getValue("rate");
+        const std::string  target = name.empty() ? "untitled" : name;
+        mDumpRate = rate.empty() ? 60.0f : toFloat(rate);
+        am::VideoFile::Format format;
+        format.mRate = truncate(mDumpRate);
+        format.mScale = 1;
+        delete mVideo;
+        mVideo = nullptr;
+        mVideo = am::VideoFile::createForWrite(target, format, &mArchives);
+        ZTK_LOG("log", "app", "Dumping to '%s' (rate='%f'fps)", target.c_str(),
+                static_cast<double>(mDumpRate));
+    }
+    for (xml::Iterator it = parser.createIterator("music"); ++it;) {
+        const std::string& mute = it->getValue("mute");
+        if (mute == "nosound")
+            mNoSound = true;
+        if (mute == "on")
+            mMuted = true;
+        mMusicFile = it->getValue("filename");
+        if (mVideo)
+            mNoSound = true;
+    }
+    for (xml::Iterator it = parser.createIterator("setup"); ++it;) {
+        mSetupWidth = toInt(it->getValue("width"));
+        mSetupHeight = toInt(it->getValue("height"));
+        mSetupFilename = it->getValue("filename");
+        mSetupTitle = it->getValue("title");
+    }
+    mSetupDone = true;
+}
+
+/*
+ * Changes values in the local file and leaves all else in it as it stands. Without a local file nothing is
+ * saved.
+ */
+void Kindler::saveXml() {
+    static const char* const LOCATIONS[] = {"top", "middle", "bottom"};
+
+    const am::File file = mArchives.readFile(LOCAL_FILE, -1);
+    if (file.isNull())
+        return;
+    xml::XmlParser parser;
+    parser.parse(reinterpret_cast<const char*>(file->data), static_cast<int>(file->length));
+    if (parser.getName() != "demo")
+        return;
+
+    xml::Iterator window = parser.createIterator("display");
+    if (++window)
+        window->setValue("fullscreen", onOff(mFullscreen));
+
+    xml::Iterator times = parser.createIterator("time");
+    if (++times) {
+        times->setValue("start", seconds(mStartTime));
+        times->setValue("loop", onOff(mLoop));
+    } else {
+        xml::XmlTag tag;
+        tag.setName("time");
+        tag.setValue("start", seconds(mStartTime));
+        tag.setValue("loop", onOff(mLoop));
+        parser.addChild(tag, -1);
+    }
+    for (xml::Iterator it = parser.createIterator("music"); ++it;)
+        it->setValue("mute", onOff(mMuted));
+    for (xml::Iterator it = parser.createIterator("osd"); ++it;) {
+        it->setValue("show", onOff(mOsdShow));
+        it->setValue("location", LOCATIONS[mOsdLocation == 1 || mOsdLocation == 2 ? mOsdLocation : 0]);
+        it->setValue("delay", seconds(mOsdDelay));
+    }
+
+    std::string text;
+    parser.write(text, "");
+    mArchives.writeFile(
+        am::File(new am::FileStructure(LOCAL_FILE, text.data(), static_cast<long>(text.size()))), -1);
+}
+
+} // namespace zentrak::kindler

@@ -1,0 +1,1 @@
+zentrak_fuzz(xml SOURCES xml_fuzz.cpp LINK zentrak::xml CHANGES 5000)
