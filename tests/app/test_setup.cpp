@@ -5,8 +5,10 @@
 #include "ztk_system.h"
 
 #include <cmath>
+#include <csignal>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 using namespace zentrak;
 using kindler::Kindler;
@@ -511,6 +513,25 @@ TEST_F(SetupFile, AnEndByAnExceptionSavesToo) {
         throw std::runtime_error("anything");
     } catch (const std::runtime_error&) {
     }
+    EXPECT_NE(read("setup.local.xml").find("start=\"5.00\""), std::string::npos);
+}
+
+TEST_F(SetupFile, ADiskThatIsFullWhileSavingLeavesTheOldFileWhole) {
+    const std::string text = "<demo><time start=\"3\"/><other>" + std::string(9000, 'x') + "</other></demo>";
+    write("setup.local.xml", text);
+    Kindler kindler;
+    kindler.setup();
+    kindler.mStartTime = 5;
+    rlimit before;
+    getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit small = {100, before.rlim_max};
+    const auto   handler = signal(SIGXFSZ, SIG_IGN);
+    setrlimit(RLIMIT_FSIZE, &small);
+    kindler.saveXml();
+    setrlimit(RLIMIT_FSIZE, &before);
+    signal(SIGXFSZ, handler);
+    EXPECT_EQ(read("setup.local.xml"), text);
+    kindler.saveXml();
     EXPECT_NE(read("setup.local.xml").find("start=\"5.00\""), std::string::npos);
 }
 

@@ -1,0 +1,61 @@
+// The real executable as a child process, in a folder of its own, with real keys from the virtual keyboard.
+#pragma once
+
+#include "input.h"
+#include "picture.h"
+#include "support.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <sys/types.h>
+
+namespace zentrak::test {
+
+// How long a test waits for what has to come, on a slow machine with sanitizers.
+constexpr double DEADLINE = 60.0;
+
+// Tries `condition` until it holds; false if it does not within `seconds`.
+bool waitFor(const std::function<bool()>& condition, double seconds = DEADLINE);
+
+// The show's executable, started in a folder that the test fills first.
+class Program {
+public:
+    Program();
+    ~Program(); // ends it, if it still runs
+    Program(const Program&) = delete;
+    Program& operator=(const Program&) = delete;
+
+    const TempDir& dir() const { return mDir; }
+    void           write(const std::string& name, const std::string& bytes); // creates the folders it needs
+    std::string    read(const std::string& name) const { return readFile(mDir.file(name)); }
+    bool           has(const std::string& name) const { return fileExists(mDir.file(name)); }
+
+    // With music on a device that nobody hears. `environment` is what else env(1) takes.
+    void start(const std::string& environment = "");
+    bool running();
+    int  wait(); // its exit status; -1 if it does not end in time, or by a signal
+    int  run(const std::string& environment = "") { // start and wait
+        start(environment);
+        return wait();
+    }
+    std::string output() const; // everything that it has printed and flushed so far; all of it once ended
+    pid_t       pid() const { return mPid; }
+
+    // For the setup file: each program has a title of its own.
+    const std::string& title() const { return mTitle; }
+    // Waits for its window and gives it the keyboard. False if it ends before.
+    bool focus();
+    void key(const std::string& name) { mViewer->key(name); } // "Escape", "ctrl+t"
+    void closeWindow() { mViewer->requestClose(); }           // as its close button does
+    bool grab(Picture& picture);                              // what its window shows
+
+private:
+    TempDir                 mDir;
+    std::string             mTitle;
+    pid_t                   mPid = -1;
+    int                     mStatus = 0;
+    std::unique_ptr<Viewer> mViewer; // of the window, once there
+};
+
+} // namespace zentrak::test

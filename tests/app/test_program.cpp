@@ -1,0 +1,402 @@
+// The whole program as its users start it: files in a folder, a window, keys, and what is left behind.
+#include "music.h"
+#include "program.h"
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <sstream>
+#include <thread>
+#include <vector>
+
+using namespace zentrak::test;
+
+namespace {
+
+// A window of 320 by 200 with a white background that stays for 1000 seconds.
+constexpr const char* SCRIPT =
+    "<script><effect name=\"clear\" end=\"1000\">"
+    "<trigger name=\"type\" value=\"flat\"/><trigger name=\"color\" value=\"white\"/>"
+    "</effect></script>";
+
+std::string setup(const Program& program, const std::string& more,
+                  const std::string& display = "width=\"320\" height=\"200\"") {
+    return "<demo><time start=\"0\"/><display title=\"" + program.title() + "\" " + display +
+           "/><osd show=\"on\"/><script filename=\"script.xml\"/>" + more + "</demo>";
+}
+
+const std::string NOSOUND = "<music mute=\"nosound\"/>";
+
+// A show whose setup is in the local file.
+void prepare(Program& program, const std::string& more = NOSOUND,
+             const std::string& display = "width=\"320\" height=\"200\"") {
+    program.write("script.xml", SCRIPT);
+    program.write("setup.local.xml", setup(program, more, display));
+}
+
+bool isWhite(Program& program) {
+    Picture picture;
+    return program.grab(picture) && picture.at(picture.width / 2, picture.height / 2)[0] == 255;
+}
+
+// Waits until the show is drawn, and leaves it by a key.
+void playAndQuit(Program& program, const std::string& key = "Escape", const std::string& environment = "") {
+    program.start(environment);
+    ASSERT_TRUE(program.focus()) << program.output();
+    EXPECT_TRUE(waitFor([&] { return isWhite(program); })) << program.output();
+    program.key(key);
+    EXPECT_EQ(program.wait(), 0) << program.output();
+}
+
+bool contains(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+} // namespace
+
+TEST(TheProgram, EscQuitsAndSavesTheSetup) {
+    Program program;
+    prepare(program);
+    playAndQuit(program);
+    EXPECT_EQ(program.read("setup.local.xml"),
+              "<demo>\n<time start=\"0.00\" loop=\"off\"/>\n"
+              "<display title=\"" +
+                  program.title() +
+                  "\" width=\"320\" height=\"200\" fullscreen=\"off\"/>\n"
+                  "<osd show=\"on\" location=\"top\" delay=\"2.00\"/>\n<script filename=\"script.xml\"/>\n"
+                  "<music mute=\"off\"/>\n</demo>\n");
+    EXPECT_FALSE(contains(program.output(), "error:"));
+}
+
+TEST(TheProgram, QQuitsAndSavesTheSetup) {
+    Program program;
+    prepare(program);
+    playAndQuit(program, "q");
+    EXPECT_TRUE(contains(program.read("setup.local.xml"), "<music mute=\"off\"/>"));
+}
+
+TEST(TheProgram, ClosingTheWindowSavesTheSetup) {
+    Program program;
+    prepare(program);
+    program.start();
+    ASSERT_TRUE(program.focus());
+    EXPECT_TRUE(waitFor([&] { return isWhite(program); }));
+    program.closeWindow();
+    EXPECT_EQ(program.wait(), 0);
+    EXPECT_TRUE(contains(program.read("setup.local.xml"), "<music mute=\"off\"/>"));
+}
+
+TEST(TheProgram, KeysChangeWhatIsSaved) {
+    Program program;
+    prepare(program);
+    program.start();
+    ASSERT_TRUE(program.focus());
+    EXPECT_TRUE(waitFor([&] { return isWhite(program); }));
+    program.key("Right");
+    program.key("Right"); // from the time of one frame: 5 to 10 seconds on
+    program.key("m");
+    program.key("ctrl+o");
+    std::this_thread::sleep_for(std::chrono::milliseconds(500)); // a frame with the new time
+    program.key("ctrl+t");
+    program.key("Escape");
+    EXPECT_EQ(program.wait(), 0);
+    const std::string saved = program.read("setup.local.xml");
+    EXPECT_TRUE(contains(saved, "<music mute=\"on\"/>")) << saved;
+    EXPECT_TRUE(contains(saved, "<osd show=\"off\"")) << saved;
+    const size_t at = saved.find("start=\"");
+    ASSERT_NE(at, std::string::npos);
+    EXPECT_GE(atof(saved.c_str() + at + 7), 5.0) << saved;
+}
+
+TEST(TheProgram, PPrintsTheTime) {
+    Program program;
+    prepare(program);
+    program.start();
+    ASSERT_TRUE(program.focus());
+    EXPECT_TRUE(waitFor([&] { return isWhite(program); }));
+    program.key("space"); // stands still, so that both are the same
+    program.key("p");
+    program.key("p");
+    program.key("Escape");
+    EXPECT_EQ(program.wait(), 0);
+    std::vector<std::string> times;
+    std::istringstream       lines(program.output());
+    for (std::string line; std::getline(lines, line);)
+        if (line.find_first_not_of("0123456789.") == std::string::npos)
+            times.push_back(line);
+    ASSERT_EQ(times.size(), 2u) << program.output();
+    EXPECT_GT(atof(times[0].c_str()), 0.0);
+    EXPECT_EQ(times[0].size() - times[0].find('.'), 7u) << times[0]; // six digits behind the point
+    EXPECT_EQ(times[0], times[1]);
+}
+
+TEST(TheProgram, TheEndOfTheMusicExitsWithoutSaving) {
+    Program program;
+    prepare(program, "<music filename=\"tune.wav\" mute=\"on\"/>");
+    program.write("tune.wav", makeWav(4000));
+    const std::string before = program.read("setup.local.xml");
+    EXPECT_EQ(program.run(), 0);
+    EXPECT_EQ(program.read("setup.local.xml"), before);
+    EXPECT_FALSE(contains(program.output(), "error:")) << program.output();
+}
+
+TEST(TheProgram, APauseIsNotTheEndOfTheMusic) {
+    Program program;
+    prepare(program, "<music filename=\"tune.wav\"/>");
+    program.write("tune.wav", makeWav(120 * 8000));
+    program.start();
+    ASSERT_TRUE(program.focus());
+    EXPECT_TRUE(waitFor([&] { return isWhite(program); }));
+    program.key("space");
+    std::this_thread::sleep_for(std::chrono::seconds(1));
+    EXPECT_TRUE(program.running());
+    program.key("space");
+    program.key("Escape");
+    EXPECT_EQ(program.wait(), 0);
+}
+
+TEST(TheProgram, ALoopPlaysOnPastTheEndOfTheMusic) {
+    Program program;
+    prepare(program, "<time loop=\"on\"/><music filename=\"tune.wav\"/>");
+    program.write("tune.wav", makeWav(800));
+    program.start();
+    ASSERT_TRUE(program.focus());
+    EXPECT_TRUE(waitFor([&] { return isWhite(program); }));
+    std::this_thread::sleep_for(std::chrono::seconds(1));
+    EXPECT_TRUE(program.running());
+    program.key("Escape");
+    EXPECT_EQ(program.wait(), 0);
+    EXPECT_TRUE(contains(program.read("setup.local.xml"), "loop=\"on\""));
+}
+
+TEST(TheProgram, WithoutSoundThereIsNoEndAndTheLastPictureStays) {
+    Program program;
+    program.write("script.xml", "<script><effect name=\"clear\" end=\"0.5\"><trigger name=\"type\"/>"
+                                "<trigger name=\"color\" value=\"white\"/></effect></script>");
+    program.write("setup.xml", setup(program, NOSOUND));
+    program.start();
+    ASSERT_TRUE(program.focus());
+    EXPECT_TRUE(waitFor([&] { return isWhite(program); }));
+    std::this_thread::sleep_for(std::chrono::milliseconds(1500));
+    EXPECT_TRUE(program.running());
+    EXPECT_TRUE(isWhite(program));
+    program.key("Escape");
+    EXPECT_EQ(program.wait(), 0);
+    EXPECT_FALSE(program.has("setup.local.xml"));
+}
+
+TEST(TheProgram, ShowsItsTitleAndFillsTheScreen) {
+    Program program;
+    prepare(program, NOSOUND, "width=\"640\" height=\"480\" fullscreen=\"on\"");
+    playAndQuit(program);
+    EXPECT_TRUE(contains(program.read("setup.local.xml"), "fullscreen=\"on\""));
+}
+
+// -- what is missing or broken
+
+TEST(TheProgram, WithoutASetupFileSaysSoAndExitsWithZero) {
+    Program program;
+    EXPECT_EQ(program.run(), 0);
+    EXPECT_EQ(program.output(),
+              "[error][Exception], [Kindler] Could not load 'setup.[local.]xml' (ztk_system:171)\n"
+              "error: [Kindler] Could not load 'setup.[local.]xml'\n");
+}
+
+TEST(TheProgram, AFolderNamedAsTheSetupFileIsNone) {
+    Program program;
+    std::filesystem::create_directory(program.dir().file("setup.xml"));
+    EXPECT_EQ(program.run(), 0);
+    EXPECT_TRUE(contains(program.output(), "\nerror: [Kindler] Could not load 'setup.[local.]xml'\n"));
+}
+
+TEST(TheProgram, AnotherRootEndsQuietly) {
+    Program program;
+    program.write("setup.xml", "<show></show>");
+    EXPECT_EQ(program.run(), 0);
+    EXPECT_EQ(program.output(), "Could not open file\n"); // the music that it does not name
+}
+
+TEST(TheProgram, WithoutADisplayElementShowsNothingAndSaves) {
+    Program program;
+    program.write("setup.local.xml", "<demo><music mute=\"nosound\"/></demo>");
+    EXPECT_EQ(program.run(), 0);
+    EXPECT_EQ(program.read("setup.local.xml"),
+              "<demo>\n<music mute=\"off\"/>\n<time start=\"0.00\" loop=\"off\"/>\n</demo>\n");
+}
+
+TEST(TheProgram, ABrokenLocalFileIsToldAndKept) {
+    for (const char* text :
+         {"", "<demo", "<demo><a", "<demo><a b", "<demo><a b=", "<demo><a b=\"", "<demo><a b=\"c\"",
+          "<demo><a b=\"c\"/", "<demo><a/></demo", "<demo><!-- ", "<demo><?a ", "<demo>text", "<demo><!D",
+          "<demo><a b=\"\n\"/></demo>", "<demo><!----></demo>", "<demo><?a></demo>", "<demo/>",
+          "<demo><a_b/></demo>", "\377\376<\0d"}) {
+        Program program;
+        program.write("setup.local.xml", text);
+        EXPECT_EQ(program.run(), 0) << text;
+        EXPECT_EQ(program.output().find("[error][Exception], "), 0u) << text << program.output();
+        EXPECT_TRUE(contains(program.output(), "\nerror: (error at line ")) << text << program.output();
+        EXPECT_EQ(program.read("setup.local.xml"), text);
+    }
+}
+
+TEST(TheProgram, AMissingScriptIsTold) {
+    Program program;
+    program.write("setup.local.xml", setup(program, NOSOUND));
+    EXPECT_EQ(program.run(), 0);
+    EXPECT_TRUE(contains(program.output(), "\nerror: [Kindler] Could not find the script: 'script.xml'\n"));
+    EXPECT_EQ(program.read("setup.local.xml"), setup(program, NOSOUND));
+}
+
+TEST(TheProgram, AScriptThatCanNotBeLoadedPlaysNothing) {
+    Program program;
+    prepare(program);
+    program.write("script.xml",
+                  "<script><effect name=\"clear\" end=\"1000\"><trigger name=\"type\"/>"
+                  "<trigger name=\"color\" value=\"white\"/><spline name=\"alpha\"/></effect></script>");
+    program.start();
+    ASSERT_TRUE(program.focus());
+    std::this_thread::sleep_for(std::chrono::milliseconds(700));
+    EXPECT_FALSE(isWhite(program));
+    program.key("Escape");
+    EXPECT_EQ(program.wait(), 0);
+    EXPECT_TRUE(contains(program.output(), "The script's spline 'alpha' of effect 'clear' has no keys"));
+    EXPECT_TRUE(contains(program.read("setup.local.xml"), "<music mute=\"off\"/>"));
+}
+
+TEST(TheProgram, AScriptOfBrokenXmlIsTold) {
+    Program program;
+    prepare(program);
+    program.write("script.xml", "<script>\n<effect name=\"clear\n");
+    EXPECT_EQ(program.run(), 0);
+    EXPECT_TRUE(
+        contains(program.output(),
+                 "\nerror: (error at line 2, col 20); You must close the value using \" (when reading tag at "
+                 "1:9)\n"))
+        << program.output();
+}
+
+TEST(TheProgram, MissingAndUndecodableMusicPlaysSilently) {
+    for (const char* name : {"missing.ogg", "noise.ogg", "folder", ""}) {
+        Program program;
+        prepare(program, std::string("<music filename=\"") + name + "\"/>");
+        program.write("noise.ogg", "OggS, but no music");
+        std::filesystem::create_directory(program.dir().file("folder"));
+        playAndQuit(program);
+        EXPECT_TRUE(contains(program.output(), "Could not open file\n")) << name << program.output();
+    }
+}
+
+TEST(TheProgram, WithoutASoundDevicePlaysSilently) {
+    Program program;
+    prepare(program, "<music filename=\"tune.wav\"/>");
+    program.write("tune.wav", makeWav(800));
+    playAndQuit(program, "Escape", "ALSOFT_DRIVERS=none");
+    EXPECT_TRUE(contains(program.output(), "[error][setup], No sound device!\n (kin_music:38)\n"))
+        << program.output();
+}
+
+TEST(TheProgram, WithoutAScreenSaysSoAndStillSaves) {
+    Program program;
+    prepare(program);
+    EXPECT_EQ(program.run("-u DISPLAY -u WAYLAND_DISPLAY"), 0);
+    EXPECT_TRUE(contains(program.output(), "\nerror: Could not open window\n")) << program.output();
+    EXPECT_TRUE(contains(program.read("setup.local.xml"), "<music mute=\"off\"/>"));
+}
+
+TEST(TheProgram, PlaysFromAZip) {
+    Program program;
+    program.write("script.xml", SCRIPT);
+    program.write("sub/tune.wav", makeWav(4000));
+    ASSERT_EQ(
+        runCommand("cd '" + program.dir().path() + "' && zip -q -m show.zip script.xml sub/tune.wav").first,
+        0);
+    ASSERT_FALSE(program.has("script.xml"));
+    program.write("setup.xml",
+                  setup(program, "<archive path=\"zip://show.zip\"/><music filename=\"sub/tune.wav\"/>"));
+    EXPECT_EQ(program.run(), 0); // ends with the music
+    EXPECT_FALSE(contains(program.output(), "error:")) << program.output();
+    EXPECT_TRUE(contains(program.output(), "name: color, value: white\n")) << program.output();
+}
+
+TEST(TheProgram, MissingAndTruncatedZipsAreArchivesWithoutFiles) {
+    Program program;
+    prepare(program, NOSOUND + "<archive path=\"zip://none.zip\"/><archive path=\"zip://half.zip\"/>"
+                               "<archive path=\"zip://.\"/><archive path=\"no/such/folder\"/>");
+    program.write("text", std::string(5000, 'a'));
+    ASSERT_EQ(runCommand("cd '" + program.dir().path() + "' && zip -q -m whole.zip text").first, 0);
+    const std::string whole = program.read("whole.zip");
+    program.write("half.zip", whole.substr(0, whole.size() - 30));
+    playAndQuit(program);
+}
+
+TEST(TheProgram, AWindowWithoutASizeGetsOne) {
+    for (const char* size :
+         {"", "width=\"0\" height=\"0\"", "width=\"-5\" height=\"-2147483648\"", "width=\"word\""}) {
+        Program program;
+        prepare(program, NOSOUND, size);
+        playAndQuit(program);
+        EXPECT_FALSE(contains(program.output(), "error:")) << size;
+    }
+}
+
+TEST(TheProgram, AnEnormousWindowIsToldAndNothingIsLost) {
+    for (const char* size : {"width=\"1000000000\" height=\"1000000000\"",
+                             "width=\"320\" height=\"99999999999999\"", "width=\"40000\" height=\"2\""}) {
+        Program program;
+        prepare(program, NOSOUND, size);
+        EXPECT_EQ(program.run(), 0) << size;
+        EXPECT_TRUE(contains(program.output(), "\nerror: Could not open window\n"))
+            << size << program.output();
+        EXPECT_TRUE(contains(program.read("setup.local.xml"), "<music mute=\"off\"/>"));
+    }
+}
+
+TEST(TheProgram, NumbersThatAreNoneHurtNothing) {
+    Program program;
+    prepare(program, NOSOUND + "<time start=\"nan\"/><osd show=\"on\" delay=\"nan\"/>");
+    playAndQuit(program);
+    EXPECT_TRUE(contains(program.read("setup.local.xml"), "delay=\"nan\""))
+        << program.read("setup.local.xml");
+}
+
+TEST(TheProgram, AStartFarPastTheEndShowsNothingAndCanBeLeft) {
+    Program program;
+    prepare(program, "<time start=\"1e30\"/>" + NOSOUND);
+    program.start();
+    ASSERT_TRUE(program.focus());
+    program.key("Escape");
+    EXPECT_EQ(program.wait(), 0);
+}
+
+TEST(TheProgram, ADumpLeavesNumberedPictures) {
+    Program program;
+    prepare(program, "<dump name=\"frame.png\" rate=\"10\"/><music filename=\"none.ogg\"/>");
+    program.start();
+    ASSERT_TRUE(program.focus());
+    EXPECT_TRUE(waitFor([&] { return program.has("frame.000003.png"); }));
+    program.key("Escape");
+    EXPECT_EQ(program.wait(), 0);
+    Picture picture;
+    ASSERT_TRUE(readPng(program.dir().file("frame.000002.png"), picture));
+    EXPECT_EQ(picture.width, 320);
+    EXPECT_EQ(picture.height, 200);
+    EXPECT_EQ(picture.at(160, 7)[0], 255);
+}
+
+TEST(TheProgram, APercentInAMessageIsHarmless) {
+    Program program;
+    program.write("setup.xml", "<demo><script filename=\"%s%n%d 100%\"/></demo>");
+    EXPECT_EQ(program.run(), 0);
+    EXPECT_TRUE(contains(program.output(), "\nerror: [Kindler] Could not find the script: '%s%n%d 100%'\n"))
+        << program.output();
+}
+
+TEST(TheProgram, AnOverlongNameIsHarmless) {
+    const std::string name(20000, 'x');
+    Program           program;
+    program.write("setup.xml",
+                  "<demo><archive path=\"" + name + "\"/><script filename=\"" + name + "\"/></demo>");
+    EXPECT_EQ(program.run(), 0);
+    EXPECT_TRUE(contains(program.output(), "\nerror: [Kindler] Could not find the script: 'xxx"));
+}
