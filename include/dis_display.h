@@ -174,6 +174,8 @@ public:
     static DisplayGL* currentDisplay; // the one instance, or null; what GLFW's callbacks reach
 
 private:
+    friend struct DisplayCallbacks; // tests call back with what no keyboard and no mouse sends
+
     // One walk over the listeners that is going on. Walks nest, and live on the stack; whoever joins or
     // leaves in the middle of one corrects them all.
     struct Walk {

@@ -1,6 +1,9 @@
 // Shapes, matrices and states, as they show in the picture.
 #include "dis_display.h"
+#include "dis_ibo.h"
+#include "dis_vbo.h"
 #include "gl_fixture.h"
+#include "ztk_system.h"
 
 using namespace zentrak;
 using namespace zentrak::display;
@@ -287,4 +290,165 @@ TEST_F(Draw, EachFrameStartsFromTheSameState) {
     EXPECT_EQ(0, viewport[1]);
     EXPECT_EQ(200, viewport[2]);
     EXPECT_EQ(100, viewport[3]);
+}
+
+TEST_F(Draw, DrawWithNothingSetDrawsNothing) {
+    const Picture picture = drawn([](DisplayGL& d) {
+        d.draw(GL_TRIANGLES, -1, 0, -1, 0);
+        d.draw(GL_TRIANGLES, 0, 3, -1, 0);
+        d.draw(GL_TRIANGLES, -5, 3, 0, 3);
+        d.draw(GL_TRIANGLES, -1, 3, 0, 3);
+        d.setVBO(nullptr);
+        d.setIBO(nullptr);
+    });
+    EXPECT_EQ(0, countWhite(picture));
+}
+
+// Two triangles that fill the left half of the picture, four that fill all of it, and the indices for the
+// latter.
+class DrawBuffers : public Draw, public ::testing::WithParamInterface<bool> {
+protected:
+    DrawBuffers() : left(&display()), whole(&display()), indices(&display()) {
+        if (GetParam()) // buffers in plain memory
+            DisplayGL::denyExtensions({"GL_ARB_vertex_buffer_object"});
+        left.setup(VertexP2::format, 6, const_cast<float*>(corners));
+        whole.setup(VertexP2::format, 12, const_cast<float*>(corners));
+        indices.setup(IBO::FORMAT_UINT16, 12, const_cast<uint16_t*>(order));
+    }
+    ~DrawBuffers() override {
+        display().setVBO(nullptr);
+        display().setIBO(nullptr);
+        DisplayGL::denyExtensions({});
+    }
+
+    // How many pixels a call of draw() fills: a triangle is 5000 of 20000.
+    int filled(int firstIndex, int numIndices, int firstVertex, int numVertices) {
+        return countWhite(drawn([&](DisplayGL& d) {
+            d.setVBO(vbo);
+            d.setIBO(ibo);
+            d.draw(GL_TRIANGLES, firstIndex, numIndices, firstVertex, numVertices);
+        }));
+    }
+
+    static const float    corners[24];
+    static const uint16_t order[12];
+
+    VBO  left, whole;
+    IBO  indices;
+    VBO* vbo = nullptr;
+    IBO* ibo = nullptr;
+};
+
+const float    DrawBuffers::corners[24] = {-1, -1, 0, -1, 0, 1, 0, 1, -1, 1, -1, -1,
+                                           0,  -1, 1, -1, 1, 1, 1, 1, 0,  1, 0,  -1};
+const uint16_t DrawBuffers::order[12] = {11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0};
+
+INSTANTIATE_TEST_SUITE_P(, DrawBuffers, ::testing::Bool(),
+                         [](const auto& emulated) { return emulated.param ? "Emulated" : "InTheDriver"; });
+
+TEST_P(DrawBuffers, WithoutIndicesTheWholeOfTheCurrentBufferOrAPartOfIt) {
+    vbo = &left;
+    EXPECT_EQ(10000, filled(-1, 0, -1, 0));
+    vbo = &whole;
+    EXPECT_EQ(20000, filled(-1, 0, -1, 0));
+    EXPECT_NEAR(5000, filled(-1, 0, 3, 3), 60); // the pixels on the diagonal are either triangle's
+    EXPECT_EQ(10000, filled(-1, 0, 6, 6));
+    EXPECT_EQ(0, filled(-1, 0, 6, 0));
+}
+
+TEST_P(DrawBuffers, WithIndicesAllOfThemOrAPart) {
+    vbo = &whole;
+    ibo = &indices;
+    EXPECT_EQ(20000, filled(-1, 0, -1, 0));
+    EXPECT_EQ(20000, filled(-1, 0, 3, 3));      // the indices go first
+    EXPECT_NEAR(5000, filled(0, 3, -1, 0), 60); // the pixels on the diagonal are either triangle's
+    EXPECT_NEAR(15000, filled(3, 9, -1, 0), 60);
+}
+
+TEST_P(DrawBuffers, ARangeThatRunsPastTheEndEndsThere) {
+    vbo = &whole;
+    EXPECT_EQ(10000, filled(-1, 0, 6, 1000000));
+    EXPECT_EQ(0, filled(-1, 0, 12, 3));
+    EXPECT_EQ(0, filled(-1, 0, 2147483647, 2147483647));
+    EXPECT_EQ(0, filled(-1, 0, -2, 3));
+    ibo = &indices;
+    EXPECT_EQ(10000, filled(6, 1000000, -1, 0));
+    EXPECT_EQ(0, filled(12, 3, -1, 0));
+    EXPECT_EQ(0, filled(2147483647, 2147483647, -1, 0));
+    EXPECT_EQ(0, filled(-2, 3, -1, 0));
+}
+
+TEST_P(DrawBuffers, IndicesThatAreNotThereDrawNothing) {
+    vbo = &whole;
+    EXPECT_EQ(0, filled(0, 3, -1, 0));
+    EXPECT_EQ(0, filled(0, 3, 0, 3));
+}
+
+TEST_P(DrawBuffers, EmptyBuffersDrawNothing) {
+    VBO none(&display());
+    IBO noIndices(&display());
+    none.setup(VertexP2::format, 0, nullptr);
+    noIndices.setup(IBO::FORMAT_UINT16, 0, nullptr);
+    vbo = &none;
+    EXPECT_EQ(0, filled(-1, 0, -1, 0));
+    EXPECT_EQ(0, filled(-1, 0, 0, 3));
+    ibo = &noIndices;
+    EXPECT_EQ(0, filled(-1, 0, -1, 0));
+    EXPECT_EQ(0, filled(0, 3, -1, 0));
+    display().setVBO(nullptr);
+    display().setIBO(nullptr);
+}
+
+TEST_P(DrawBuffers, TheCurrentOneIsBoundAndTheOldOneUnbound) {
+    frame([&] {
+        DisplayGL& d = display();
+        d.setVBO(&left);
+        EXPECT_EQ(&left, d.mCurrentVBO);
+        EXPECT_TRUE(glIsEnabled(GL_VERTEX_ARRAY));
+        d.setVBO(&left); // the current one: a second bind would abort
+        d.setVBO(&whole);
+        EXPECT_EQ(&whole, d.mCurrentVBO);
+        left.bind(); // it was unbound: else this would abort
+        left.unbind();
+        d.setVBO(nullptr);
+        EXPECT_EQ(nullptr, d.mCurrentVBO);
+        EXPECT_FALSE(glIsEnabled(GL_VERTEX_ARRAY));
+        d.setIBO(&indices);
+        EXPECT_EQ(&indices, d.mCurrentIBO);
+        d.setVBO(&whole);
+    });
+    frame([&] { // a frame starts without any
+        EXPECT_EQ(nullptr, display().mCurrentVBO);
+        EXPECT_EQ(nullptr, display().mCurrentIBO);
+        EXPECT_FALSE(glIsEnabled(GL_VERTEX_ARRAY));
+    });
+}
+
+TEST_F(Draw, ANegativeCountIsReportedUnderTheCallsOwnText) {
+    VBO         vbo(&display());
+    IBO         ibo(&display());
+    const float corners[6] = {0, 0, 1, 0, 1, 1};
+    uint32_t    order[3] = {0, 1, 2};
+    vbo.setup(VertexP2::format, 3, const_cast<float*>(corners));
+    ibo.setup(IBO::FORMAT_UINT32, 3, order);
+    const auto report = [&](int firstIndex, int numIndices, int firstVertex, int numVertices) {
+        std::string text = "nothing";
+        try {
+            display().draw(GL_TRIANGLES, firstIndex, numIndices, firstVertex, numVertices);
+        } catch (const Exception& exception) {
+            text = exception.what();
+        }
+        return text.substr(text.find('\n') + 1);
+    };
+    frame([&] {
+        display().setVBO(&vbo);
+        EXPECT_EQ("Line: glDrawArrays(mode, firstVertex, numVertices)\nError: 'GL_INVALID_VALUE'\n",
+                  report(-1, 0, 0, -3));
+        display().setIBO(&ibo);
+        EXPECT_EQ("Line: glDrawElements(mode, numIndices, indexType, mCurrentIBO->getPointerGL(firstIndex))\n"
+                  "Error: 'GL_INVALID_VALUE'\n",
+                  report(0, -3, -1, 0));
+        display().setVBO(nullptr);
+        display().setIBO(nullptr);
+    });
 }

@@ -1,0 +1,201 @@
+// The frame step: pacing, counting, and what it costs.
+#include "allocations.h"
+#include "gl_fixture.h"
+#include "glfw2.h"
+#include "input.h"
+#include "recorder.h"
+
+#include <cmath>
+#include <limits>
+
+using namespace zentrak;
+using namespace zentrak::display;
+using zentrak::test::allocationCount;
+using zentrak::test::GlTest;
+using zentrak::test::Recorder;
+using zentrak::test::Viewer;
+
+typedef std::vector<std::string> Log;
+
+class Frame : public GlTest {
+protected:
+    Frame() : recorder("r", log) { recorder.attachToDisplay(&display()); }
+
+    Log      log;
+    Recorder recorder;
+};
+
+TEST_F(Frame, InDeltaTimeRisesByOneFrameAnUpdate) {
+    display().setFps(DisplayGL::FPS_DELTA, 25);
+    EXPECT_EQ(0.0, display().getTime());
+    for (int frame = 1; frame <= 200; ++frame) {
+        ASSERT_TRUE(display().update());
+        ASSERT_EQ(double(float(frame * 0.04)), display().getTime()) << frame;
+    }
+    EXPECT_EQ(200, recorder.draws);
+}
+
+TEST_F(Frame, InDeltaTimeGoesOnFromWhereItIsSet) {
+    display().setFps(DisplayGL::FPS_DELTA, 25);
+    display().update();
+    display().setTime(10);
+    EXPECT_EQ(10.0, display().getTime());
+    display().update();
+    display().update();
+    EXPECT_EQ(double(10.08f), display().getTime());
+    display().setFps(DisplayGL::FPS_DELTA, 50);
+    EXPECT_EQ(0.0, display().getTime());
+    display().update();
+    EXPECT_EQ(double(0.02f), display().getTime());
+}
+
+TEST_F(Frame, InDeltaARateThatMakesNoSenseStandsStill) {
+    for (float fps : {0.0f, -25.0f, NAN, INFINITY, -INFINITY}) {
+        display().setFps(DisplayGL::FPS_DELTA, fps);
+        display().update();
+        display().update();
+        EXPECT_EQ(0.0, display().getTime()) << fps;
+    }
+}
+
+TEST_F(Frame, InFixedEachFrameTakesItsTime) {
+    display().setFps(DisplayGL::FPS_FIXED, 50);
+    display().update(); // catches up
+    const float last = display().mFpsLastTime;
+    for (int frame = 0; frame < 5; ++frame)
+        display().update();
+    EXPECT_LE(last + 0.099f, display().mFpsLastTime);
+    EXPECT_EQ(6, recorder.draws);
+}
+
+TEST_F(Frame, InFixedAFrameThatIsLongDueDoesNotWait) {
+    display().setTime(500); // a frame every ten seconds: the wait would be seen
+    display().setFps(DisplayGL::FPS_FIXED, 0.1f);
+    EXPECT_EQ(0.0f, display().mFpsLastTime);
+    display().update();
+    EXPECT_LE(500.0f, display().mFpsLastTime);
+    EXPECT_GT(505.0f, display().mFpsLastTime);
+}
+
+TEST_F(Frame, InFixedARateThatMakesNoSenseDoesNotWait) {
+    for (float fps : {0.0f, -25.0f, NAN, INFINITY, -INFINITY}) {
+        display().setFps(DisplayGL::FPS_FIXED, fps);
+        display().setTime(100);
+        for (int frame = 0; frame < 3; ++frame)
+            EXPECT_TRUE(display().update());
+        EXPECT_GT(105.0f, display().mFpsLastTime) << fps;
+    }
+    EXPECT_EQ(15, recorder.draws);
+}
+
+TEST_F(Frame, InFixedAClockThatIsSetBackDoesNotHang) {
+    display().setFps(DisplayGL::FPS_FIXED, 50);
+    display().mFpsLastTime = 100000;
+    display().update(); // waits for one frame, not for a day
+    EXPECT_GT(100.0f, display().mFpsLastTime);
+}
+
+TEST_F(Frame, SetFpsStoresBothAndStartsOver) {
+    display().mDirty = true;
+    display().mFpsLastTime = 12;
+    display().setFps(DisplayGL::FPS_FIXED, 12.5f);
+    EXPECT_EQ(DisplayGL::FPS_FIXED, display().mFpsType);
+    EXPECT_EQ(12.5f, display().mFps);
+    EXPECT_EQ(0.0f, display().mFpsLastTime);
+    EXPECT_FALSE(display().mDirty);
+    display().setFps(DisplayGL::FPS_EVENT, 0);
+    EXPECT_TRUE(display().mDirty);
+    display().setDirty(false);
+    EXPECT_FALSE(display().mDirty);
+}
+
+TEST_F(Frame, TheRateIsFramesOverTheTimeThatPassed) {
+    display().setFps(DisplayGL::FPS_DELTA, 50);
+    display().setTime(0);
+    for (int frame = 0; frame < 50; ++frame)
+        display().update();
+    EXPECT_EQ(0.0f, display().mFpsCountFinal); // one second is not passed yet
+    EXPECT_EQ(50.0f, display().mFpsCountFrames);
+    display().update();
+    EXPECT_FLOAT_EQ(50.0f, display().mFpsCountFinal);
+    EXPECT_FLOAT_EQ(1.02f, display().mFpsCountFinalTime);
+    EXPECT_EQ(0.0f, display().mFpsCountFrames);
+}
+
+// Polls in FPS_EVENT, where an update waits for an event: each time it is sent one.
+TEST_F(Frame, InEventWithoutDirtyNoFrameIsDrawnAndUpdateIsTrue) {
+    Viewer viewer("test", [&] { glfw2::glfwPollEvents(); });
+    viewer.focus();
+    display().setFps(DisplayGL::FPS_EVENT, 0);
+    viewer.moveTo(10, 10);
+    EXPECT_TRUE(display().update()); // setFps has made it dirty
+    EXPECT_EQ(1, recorder.draws);
+
+    // Nothing else is on its way any more once the window system has answered to a later key.
+    recorder.moves.clear();
+    viewer.key("a");
+    viewer.until("the key", [&] { return recorder.keys.size() >= 2; });
+    display().setDirty(false);
+    const int draws = recorder.draws;
+    for (int i = 0; i < 5; ++i) {
+        viewer.moveTo(20 + i, 20);
+        EXPECT_TRUE(display().update());
+    }
+    EXPECT_EQ(draws, recorder.draws);
+    EXPECT_LE(1u, recorder.moves.size());
+
+    recorder.answer = Listener::DIRTY;
+    for (int i = 0; i < 20 && recorder.draws == draws; ++i) {
+        viewer.moveTo(50 + i, 50);
+        EXPECT_TRUE(display().update());
+    }
+    EXPECT_EQ(draws + 1, recorder.draws);
+    EXPECT_FALSE(display().mDirty);
+}
+
+TEST_F(Frame, InEventAnUncoveredWindowIsDirty) {
+    Viewer viewer("test", [&] { glfw2::glfwPollEvents(); });
+    viewer.focus();
+    display().setFps(DisplayGL::FPS_EVENT, 0);
+    viewer.iconify();
+    viewer.until("the icon", [&] { return glfw2::glfwGetWindowParam(glfw2::GLFW_ICONIFIED) == 1; });
+    display().setDirty(false);
+    viewer.restore();
+    EXPECT_TRUE(viewer.until("dirty", [&] { return display().mDirty; }));
+}
+
+TEST_F(Frame, AllocatesNothing) {
+    Viewer viewer("test", [&] { display().update(); });
+    viewer.focus();
+    Listener plain; // the recorder allocates: it writes down
+    recorder.attachToDisplay(nullptr);
+    plain.attachToDisplay(&display());
+    const auto mode = [&](DisplayGL::FpsMode type) {
+        display().setFps(type, 1000);
+        for (int frame = 0; frame < 5; ++frame)
+            display().update();
+        viewer.moveTo(10, 10);
+        viewer.wheel(1);
+        viewer.key("a");
+        viewer.click(1);
+        const size_t before = allocationCount();
+        for (int frame = 0; frame < 50; ++frame)
+            display().update();
+        EXPECT_EQ(before, allocationCount()) << type;
+    };
+    mode(DisplayGL::FPS_VARIABLE);
+    mode(DisplayGL::FPS_VSYNC);
+    mode(DisplayGL::FPS_FIXED);
+    mode(DisplayGL::FPS_DELTA);
+    EXPECT_NE(10.0f, display().mMouseX + display().mMouseY); // the events did come
+}
+
+TEST_F(Frame, ASecondUpdateBlockingGoesOn) {
+    for (int round = 1; round <= 2; ++round) {
+        recorder.draw = [&] { display().mQuittingBlocking = true; };
+        display().updateBlocking();
+        EXPECT_FALSE(display().mQuittingBlocking);
+        EXPECT_EQ(round, recorder.draws);
+        EXPECT_TRUE(display().mOpened);
+    }
+}
