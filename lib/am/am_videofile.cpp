@@ -8,6 +8,19 @@
 
 namespace zentrak::am {
 
+namespace {
+
+std::string frameName(const std::string& base, int frame, const std::string& extension) {
+    constexpr char format[] = "%s.%06d.%s";
+    int            length = std::snprintf(nullptr, 0, format, base.c_str(), frame, extension.c_str());
+    std::string    name(size_t(length) + 1, '\0');
+    std::snprintf(name.data(), name.size(), format, base.c_str(), frame, extension.c_str());
+    name.resize(size_t(length));
+    return name;
+}
+
+} // namespace
+
 VideoFile::~VideoFile() = default;
 
 bool VideoFile::readFrame() {
@@ -91,9 +104,7 @@ bool VideoFileImageDumper::openForWrite(const std::string& name, const Format& f
 bool VideoFileImageDumper::writeFrame() {
     if (!mArchive)
         return false;
-    char number[16];
-    std::snprintf(number, sizeof number, "%06d", mFrame);
-    mArchive->writeImage(mBase + "." + number + "." + mExtension, mImage);
+    mArchive->writeImage(frameName(mBase, mFrame, mExtension), mImage);
     ++mFrame;
     return true;
 }

@@ -9,6 +9,8 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <string>
+#include <sys/mman.h>
+#include <unistd.h>
 #include <vector>
 
 namespace zentrak::test {
@@ -39,6 +41,22 @@ inline std::string thrownBy(const std::function<void()>& call) {
     }
     return "(nothing)";
 }
+
+// A file without a disk under it, for tests that need thousands.
+class MemoryFile {
+public:
+    explicit MemoryFile(const std::string& bytes) : mFd(memfd_create("zentrak", MFD_CLOEXEC)) {
+        EXPECT_EQ(write(mFd, bytes.data(), bytes.size()), ssize_t(bytes.size()));
+    }
+    ~MemoryFile() { close(mFd); }
+    MemoryFile(const MemoryFile&) = delete;
+    MemoryFile& operator=(const MemoryFile&) = delete;
+
+    std::string path() const { return "/proc/self/fd/" + std::to_string(mFd); }
+
+private:
+    int mFd;
+};
 
 // A pixel as 0xAARRGGBB, which is its four bytes blue, green, red, alpha as one word.
 inline unsigned pixel(const am::ImageObject& image, int x, int y) {

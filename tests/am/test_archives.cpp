@@ -67,6 +67,16 @@ void limitFiles(unsigned long bytes) {
     setrlimit(RLIMIT_FSIZE, &limit);
 }
 
+// From here on this process takes at most `bytes` more from the system. A sanitizer needs its own terabytes.
+void limitMemory([[maybe_unused]] unsigned long bytes) {
+#if !defined(__SANITIZE_ADDRESS__)
+    unsigned long pages = std::stoul(readFile("/proc/self/statm"));
+    bytes += pages * static_cast<unsigned long>(sysconf(_SC_PAGESIZE));
+    rlimit limit{bytes, bytes};
+    setrlimit(RLIMIT_AS, &limit);
+#endif
+}
+
 // Overwrites a number in little-endian order at every place where `mark` stands, `offset` bytes behind it.
 void patchAfter(std::string& bytes, const std::string& mark, size_t offset, unsigned long value,
                 size_t size) {
@@ -598,8 +608,8 @@ TEST_F(Zip, TruncatedAtEveryByteItGivesNothingWrong) {
         const std::string bytes = fixture(name);
         int               found = 0;
         for (size_t length = 0; length <= bytes.size(); ++length) {
-            writeFile("x", bytes.substr(0, length));
-            File file = ArchiveZIP("x").read("sub/rgba.png");
+            MemoryFile truncated(bytes.substr(0, length));
+            File       file = ArchiveZIP(truncated.path()).read("sub/rgba.png");
             if (file.isNull())
                 continue;
             ++found;
@@ -614,10 +624,10 @@ TEST_F(Zip, WithAnyByteChangedItGivesNothingWrong) {
         const std::string bytes = fixture(name);
         ArchiveZIP        whole(fixturePath(name));
         for (size_t i = 0; i < bytes.size(); ++i) {
-            std::string damaged = bytes;
-            damaged[i] = char(damaged[i] ^ 0xff);
-            writeFile("x", damaged);
-            ArchiveZIP zip("x");
+            std::string changed = bytes;
+            changed[i] = char(changed[i] ^ 0xff);
+            MemoryFile damaged(changed);
+            ArchiveZIP zip(damaged.path());
             for (const char* entry : {"sub/rgba.png", "hello.txt", "empty.txt"}) {
                 std::string text = bytesOf(zip.read(entry));
                 ASSERT_TRUE(text == "(null)" || text == bytesOf(whole.read(entry)))
@@ -627,7 +637,8 @@ TEST_F(Zip, WithAnyByteChangedItGivesNothingWrong) {
     }
 }
 
-// A header may claim any size: what is taken from the system follows what really comes.
+// A header may claim any size: what is taken from the system follows what really comes. The child has room
+// for the bytes and not for the claim.
 TEST_F(Zip, AClaimOfGigabytesIsNotAllocated) {
     for (unsigned long claim : {0x7fffffffUL, 0xfffffff0UL}) {
         std::string bytes = fixture("deflated.zip");
@@ -635,14 +646,8 @@ TEST_F(Zip, AClaimOfGigabytesIsNotAllocated) {
         patchAfter(bytes, cCentralMark, 24, claim, 4);
         writeFile("x", bytes);
         EXPECT_EQ(inChild([] {
-                      rusage before{}, after{};
-                      getrusage(RUSAGE_SELF, &before);
-                      ArchiveZIP  zip("x");
-                      std::string text = bytesOf(zip.read("long.txt"));
-                      getrusage(RUSAGE_SELF, &after);
-                      if (text != longText() && text != "(null)")
-                          return 1;
-                      return after.ru_maxrss - before.ru_maxrss > 64 * 1024 ? 2 : 0; // in KiB
+                      limitMemory(64UL << 20);
+                      return bytesOf(ArchiveZIP("x").read("long.txt")) == longText() ? 0 : 1;
                   }),
                   0)
             << claim;
