@@ -68,11 +68,19 @@ void ImageCodec_JPEG_skip_input_data(j_decompress_ptr cinfo, long count) {
     source.bytes_in_buffer -= bytes;
 }
 
-// A few bytes can hold a scan over the whole picture, so that a small file could keep us busy for hours.
-void limitScans(j_common_ptr cinfo) {
-    constexpr int maxScans = 500;
-    if (reinterpret_cast<j_decompress_ptr>(cinfo)->input_scan_number > maxScans)
-        fail(cinfo, "Too many scans");
+unsigned long pixelsOf(const jpeg_decompress_struct& cinfo) {
+    return static_cast<unsigned long>(cinfo.image_width) * cinfo.image_height;
+}
+
+// A few bytes can hold a scan over the whole picture, so that a small file could keep us busy for hours. The
+// largest picture may have 16 scans, which is more than encoders make, and smaller ones more.
+void limitScans(j_common_ptr common) {
+    constexpr unsigned long       maxScans = 500;
+    constexpr unsigned long       maxPixels = 16 * ImageCodec::MAX_PIXELS; // of all scans
+    const jpeg_decompress_struct& cinfo = *reinterpret_cast<j_decompress_ptr>(common);
+    const unsigned long           scans = static_cast<unsigned long>(cinfo.input_scan_number);
+    if (scans > maxScans || scans * pixelsOf(cinfo) > maxPixels)
+        fail(common, "Too many scans");
 }
 
 // False for a picture that is too large, or that no file of this length can hold: each block takes a bit at
@@ -80,7 +88,7 @@ void limitScans(j_common_ptr cinfo) {
 // packs closer.
 bool isSizeGood(const jpeg_decompress_struct& cinfo, unsigned long length) {
     constexpr unsigned long pixelsPerByte = 32 * 32 * 8;
-    unsigned long           pixels = static_cast<unsigned long>(cinfo.image_width) * cinfo.image_height;
+    const unsigned long     pixels = pixelsOf(cinfo);
     return pixels <= ImageCodec::MAX_PIXELS && (cinfo.arith_code || pixels <= length * pixelsPerByte);
 }
 
