@@ -21,22 +21,16 @@ bool IteratorConst::operator++() {
     }
     atBegin = false;
     const int count = childCount(root);
-    if (index + 1 >= count) {
-        atEnd = true;
-        index = count;
-        return false;
-    }
-    if (searchCriteria.empty()) {
-        ++index;
-        return true;
-    }
     for (int i = index + 1; i < count; ++i) {
-        if (root->children[static_cast<size_t>(i)]->name == searchCriteria) {
+        if (searchCriteria.empty() || root->children[static_cast<size_t>(i)]->name == searchCriteria) {
             index = i;
             return true;
         }
     }
     atEnd = true;
+    if (searchCriteria.empty()) {
+        index = count; // with criteria it stays on the last match
+    }
     return false;
 }
 

@@ -33,7 +33,7 @@ void parseWithPlace(XmlParser& parser, BufferReader reader) {
 }
 
 void writeIndent(std::ostream& os, const std::string& indent, int depth) {
-    for (int i = 0; i < depth; ++i) {
+    for (int i = 0; i < depth && !indent.empty(); ++i) {
         os.write(indent.data(), static_cast<std::streamsize>(indent.size()));
     }
 }
