@@ -1,0 +1,316 @@
+// The music of the show: what is written, how the instruments sound, and the file that comes of it.
+#include "music/effects.h"
+#include "music/instruments.h"
+#include "music/score.h"
+#include "support.h"
+
+#include "audiere.h"
+
+#include <algorithm>
+#include <cmath>
+#include <gtest/gtest.h>
+#include <numeric>
+#include <stdexcept>
+
+using namespace zentrak::music;
+using namespace zentrak::test;
+
+namespace {
+
+// A whole Vorbis file, decoded: two channels by turns.
+std::vector<float> decode(const std::string& path) {
+    using namespace zentrak::audiere;
+    std::string          bytes = readFile(path);
+    RefPtr<SampleSource> source =
+        AdrOpenSampleSourceFromFile(AdrCreateMemoryFile(bytes.data(), int(bytes.size())), 0);
+    if (!source) {
+        ADD_FAILURE() << "cannot decode " << path;
+        return {};
+    }
+    std::vector<float> samples(size_t(2 * source->getLength()));
+    EXPECT_EQ(source->read(source->getLength(), samples.data()), source->getLength());
+    return samples;
+}
+
+const std::vector<float>& show() {
+    static const std::vector<float> samples = decode(sourcePath("data/music/zentrak.ogg"));
+    return samples;
+}
+
+// The power of some bars, in dB of full scale.
+double power(const std::vector<float>& samples, int bar, int bars) {
+    double sum = 0;
+    for (int i = 2 * BAR * bar; i < 2 * BAR * (bar + bars); ++i) {
+        sum += double(samples[size_t(i)]) * samples[size_t(i)];
+    }
+    return 10 * std::log10(sum / (2.0 * BAR * bars));
+}
+
+// How strong a frequency is in a mono sound.
+double strength(const std::vector<float>& samples, int first, int count, double frequency) {
+    double re = 0, im = 0;
+    for (int i = 0; i < count; ++i) {
+        double window = 0.5 - 0.5 * std::cos(2 * M_PI * i / count);
+        double angle = 2 * M_PI * frequency * i / RATE;
+        re += window * samples[size_t(first + i)] * std::cos(angle);
+        im += window * samples[size_t(first + i)] * std::sin(angle);
+    }
+    return std::sqrt(re * re + im * im);
+}
+
+// The half tone that is strongest between two pitches, inclusive.
+int strongestPitch(const std::vector<float>& samples, int low, int high) {
+    int    best = 0;
+    double most = -1;
+    for (int pitch = low; pitch <= high; ++pitch) {
+        double now = strength(samples, RATE / 10, RATE / 2, pitchToFrequency(float(pitch)));
+        if (now > most) {
+            most = now;
+            best = pitch;
+        }
+    }
+    return best;
+}
+
+} // namespace
+
+// The score
+// --------------------------------------------------------------------------------------------------------
+
+TEST(Score, IsEightyFourBarsInSevenSections) {
+    EXPECT_EQ(barCount(), 84);
+    EXPECT_EQ(sections().size(), 7u);
+    EXPECT_EQ(BAR * barCount(), 160 * RATE);
+}
+
+TEST(Score, HarmonyFillsEveryStep) {
+    int step = 0;
+    for (const Chord& chord : harmony()) {
+        EXPECT_EQ(chord.step, step);
+        step += chord.steps;
+        EXPECT_TRUE(std::is_sorted(chord.voices.begin(), chord.voices.end()));
+        EXPECT_LT(chord.bass, chord.voices.front());
+    }
+    EXPECT_EQ(step, 84 * STEPS_PER_BAR);
+}
+
+TEST(Score, MelodiesStayWithinThePieceAndInTheirRange) {
+    for (const Line& line : lines()) {
+        std::vector<Note> notes = readLine(line.text);
+        ASSERT_FALSE(notes.empty());
+        EXPECT_LE(line.bar * STEPS_PER_BAR + notes.back().step + notes.back().steps, 84 * STEPS_PER_BAR);
+        for (const Note& note : notes) {
+            EXPECT_GE(note.pitch, 60);
+            EXPECT_LE(note.pitch, 90);
+        }
+    }
+}
+
+// Half the notes on the beats, at least, belong to the chord that sounds; the others lead on.
+TEST(Score, MelodiesBelongToTheHarmony) {
+    std::vector<Chord> chords = harmony();
+    for (const Line& line : lines()) {
+        int within = 0, all = 0;
+        for (const Note& note : readLine(line.text)) {
+            int step = line.bar * STEPS_PER_BAR + note.step;
+            int lift = transposition(step / STEPS_PER_BAR);
+            if (note.step % 4 != 0) {
+                continue;
+            }
+            auto chord = std::find_if(chords.begin(), chords.end(), [&](const Chord& candidate) {
+                return step < candidate.step + candidate.steps;
+            });
+            bool found = (note.pitch + lift - chord->bass) % 12 == 0;
+            for (int voice : chord->voices) {
+                found = found || (note.pitch + lift - voice) % 12 == 0;
+            }
+            within += found;
+            ++all;
+        }
+        EXPECT_GE(3 * within, 2 * all) << "bar " << line.bar << ": " << within << " of " << all;
+    }
+}
+
+TEST(Score, ReadsNotesAndRests) {
+    std::vector<Note> notes = readLine("A4:3 C#5:5 -:4 Bb3:4 | D6:16");
+    ASSERT_EQ(notes.size(), 4u);
+    EXPECT_EQ(notes[0].pitch, 69);
+    EXPECT_EQ(notes[1].pitch, 73);
+    EXPECT_EQ(notes[1].step, 3);
+    EXPECT_EQ(notes[1].steps, 5);
+    EXPECT_EQ(notes[2].pitch, 58);
+    EXPECT_EQ(notes[2].step, 12);
+    EXPECT_EQ(notes[3].pitch, 86);
+    EXPECT_EQ(notes[3].step, 16);
+}
+
+TEST(Score, RefusesABarThatDoesNotAddUpAndWhatIsNoNote) {
+    EXPECT_THROW(readLine("A4:3 D5:3 | D5:16"), std::runtime_error);
+    EXPECT_THROW(readLine("A4:15"), std::runtime_error);
+    EXPECT_THROW(readLine("H4:16"), std::runtime_error);
+    EXPECT_THROW(readLine("A:16"), std::runtime_error);
+    EXPECT_THROW(readLine("A4"), std::runtime_error);
+    EXPECT_THROW(readLine("A4:0 A4:16"), std::runtime_error);
+}
+
+// The instruments
+// ---------------------------------------------------------------------------------------------------
+
+TEST(Instruments, PlayThePitchThatTheyAreGiven) {
+    for (int pitch : {57, 64, 69, 74}) {
+        Track leadTrack(RATE), sawTrack(RATE), bellTrack(RATE), padTrack(RATE), counterTrack(RATE),
+            bassTrack(RATE);
+        lead(leadTrack, 0, RATE, pitch, pitch, 1);
+        saws(sawTrack, 0, RATE, pitch, 1, 0.1f);
+        bell(bellTrack, 0, RATE, pitch, 1);
+        pad(padTrack, 0, RATE, pitch, 1, 0.3f);
+        counter(counterTrack, 0, RATE, pitch, 1);
+        bass(bassTrack, 0, RATE, pitch - 24, 1, 0.2f);
+        EXPECT_EQ(strongestPitch(leadTrack.left, pitch - 6, pitch + 11), pitch);
+        EXPECT_EQ(strongestPitch(sawTrack.left, pitch - 11, pitch + 11), pitch);
+        EXPECT_EQ(strongestPitch(bellTrack.left, pitch - 11, pitch + 11), pitch);
+        EXPECT_EQ(strongestPitch(padTrack.left, pitch - 11, pitch + 11), pitch);
+        EXPECT_EQ(strongestPitch(counterTrack.left, pitch - 11, pitch + 11), pitch);
+        EXPECT_EQ(strongestPitch(bassTrack.left, pitch - 35, pitch - 13), pitch - 24);
+    }
+}
+
+TEST(Instruments, EndWithoutAStep) {
+    const int AT = 4 * RATE;
+    auto      expectSmooth = [&](const char* name, auto play) {
+        Track track(6 * RATE);
+        play(track);
+        auto last =
+            std::find_if(track.left.rbegin(), track.left.rend(), [](float sample) { return sample != 0; });
+        ASSERT_NE(last, track.left.rend()) << name;
+        EXPECT_LT(std::fabs(*last), 0.003f) << name;
+    };
+    expectSmooth("kick", [&](Track& track) { kick(track, AT, 1); });
+    expectSmooth("clap", [&](Track& track) { clap(track, AT, 1); });
+    expectSmooth("hat", [&](Track& track) { hat(track, AT, 1, false); });
+    expectSmooth("open hat", [&](Track& track) { hat(track, AT, 1, true); });
+    expectSmooth("tom", [&](Track& track) { tom(track, AT, 1, 45, 0); });
+    expectSmooth("crash", [&](Track& track) { crash(track, RATE, 1); });
+    expectSmooth("riser", [&](Track& track) { riser(track, 0, RATE, 1); });
+    expectSmooth("fall", [&](Track& track) { fall(track, 0, RATE, 1); });
+    expectSmooth("boom", [&](Track& track) { boom(track, RATE, 1); });
+    expectSmooth("bass", [&](Track& track) { bass(track, 0, RATE, 40, 1, 1); });
+    expectSmooth("pad", [&](Track& track) { pad(track, 0, RATE, 60, 1, 1); });
+    expectSmooth("saws", [&](Track& track) { saws(track, 0, RATE, 60, 1, 1); });
+    expectSmooth("pluck", [&](Track& track) { pluck(track, 0, STEP, 60, 1, 1, 0); });
+    expectSmooth("bell", [&](Track& track) { bell(track, 0, RATE, 60, 1); });
+    expectSmooth("lead", [&](Track& track) { lead(track, 0, RATE, 60, 60, 1); });
+    expectSmooth("counter", [&](Track& track) { counter(track, 0, RATE, 60, 1); });
+}
+
+TEST(Effects, TheLimiterKeepsTheCeilingAndLeavesTheRestAlone) {
+    Track track(RATE);
+    for (int i = 0; i < RATE; ++i) {
+        float level = i > 20000 && i < 22000 ? 3.0f : 0.3f;
+        track.add(i, level * std::sin(0.1f * float(i)), 0.1f);
+    }
+    Track before = track;
+    limit(track, 0.8f);
+    for (int i = 0; i < RATE; ++i) {
+        ASSERT_LE(std::fabs(track.left[size_t(i)]), 0.8f);
+        if (i < 19000) {
+            ASSERT_NEAR(track.left[size_t(i)], before.left[size_t(i)], 1e-5);
+        }
+    }
+    EXPECT_NEAR(track.left[40000], before.left[40000], 0.05);
+}
+
+TEST(Effects, TheEchoComesBackAfterItsTimeOnEachSide) {
+    Track send(RATE), heard(RATE);
+    send.add(100, 1, 1);
+    echo(heard, send, 5000, 0.5f, 1);
+    auto loudest = [](const std::vector<float>& side) {
+        return int(std::max_element(side.begin(), side.end()) - side.begin());
+    };
+    EXPECT_EQ(loudest(heard.left), 5100);
+    EXPECT_NEAR(loudest(heard.right), 10100, 10);
+}
+
+TEST(Effects, TheRoomDiesAwayInItsTime) {
+    Track send(4 * RATE), heard(4 * RATE);
+    Noise noise(1);
+    for (int i = 0; i < RATE / 2; ++i) {
+        send.add(i, noise.next(), noise.next());
+    }
+    reverb(heard, send, 2.0f, 1);
+    auto energy = [&](int second) {
+        return std::inner_product(heard.left.begin() + second * RATE,
+                                  heard.left.begin() + (second + 1) * RATE,
+                                  heard.left.begin() + second * RATE, 0.0);
+    };
+    EXPECT_GT(energy(1), 0);
+    double fall = 10 * std::log10(energy(2) / energy(1)); // 30 dB a second, and more in the heights
+    EXPECT_LT(fall, -25);
+    EXPECT_GT(fall, -60);
+}
+
+// The file
+// -----------------------------------------------------------------------------------------------------------
+
+TEST(ShowMusic, LastsAHundredAndSixtySeconds) {
+    EXPECT_EQ(show().size(), 2u * 160 * RATE);
+}
+
+TEST(ShowMusic, IsNotClipped) {
+    float peak = 0;
+    for (float sample : show()) {
+        peak = std::max(peak, std::fabs(sample));
+    }
+    EXPECT_LT(peak, 0.944f); // -0.5 dB
+    EXPECT_GT(peak, 0.7f);
+}
+
+TEST(ShowMusic, HasNoOffset) {
+    double left = 0, right = 0;
+    for (size_t i = 0; i < show().size(); i += 2) {
+        left += show()[i];
+        right += show()[i + 1];
+    }
+    EXPECT_LT(std::fabs(left) / double(show().size() / 2), 0.0005);
+    EXPECT_LT(std::fabs(right) / double(show().size() / 2), 0.0005);
+}
+
+TEST(ShowMusic, BeginsAndEndsWithoutAClick) {
+    for (size_t i = 0; i < 40; ++i) {
+        EXPECT_LT(std::fabs(show()[i]), 0.002f) << i;
+        EXPECT_LT(std::fabs(show()[show().size() - 1 - i]), 0.002f) << i;
+    }
+}
+
+TEST(ShowMusic, GrowsFromSectionToSectionAndRestsInTheBreak) {
+    double intro = power(show(), 0, 8), build = power(show(), 8, 8), theme = power(show(), 16, 16);
+    double rest = power(show(), 32, 8), second = power(show(), 44, 16), finale = power(show(), 60, 16);
+    EXPECT_GT(build, intro + 4);
+    EXPECT_GT(theme, build);
+    EXPECT_LT(rest, theme - 3);
+    EXPECT_GT(second, rest + 3);
+    EXPECT_GT(finale, theme);
+    EXPECT_LT(power(show(), 82, 2), finale - 8);
+    EXPECT_NEAR(power(show(), 0, 84), -16, 1.5); // loudness as is usual
+}
+
+TEST(ShowMusic, IsWhatTheProgramMakesAndTheSameEachTime) {
+    const int   BARS = 3;
+    TempDir     folder;
+    std::string once = folder.file("once.ogg"), again = folder.file("again.ogg");
+    std::string bars = " " + std::to_string(BARS);
+    ASSERT_EQ(runCommand(std::string(MAKE_MUSIC) + " " + once + bars).first, 0);
+    ASSERT_EQ(runCommand(std::string(MAKE_MUSIC) + " " + again + bars).first, 0);
+    EXPECT_EQ(readFile(once), readFile(again));
+    std::vector<float> part = decode(once);
+    ASSERT_EQ(part.size(), 2u * BARS * BAR);
+    for (size_t i = 0; i < 2u * (BARS - 1) * BAR; ++i) {
+        ASSERT_NEAR(part[i], show()[i], 0.01) << i / 2;
+    }
+}
+
+TEST(ShowMusic, TheProgramSaysWhatIsWrong) {
+    EXPECT_EQ(runCommand(MAKE_MUSIC).first, 2);
+    EXPECT_EQ(runCommand(std::string(MAKE_MUSIC) + " /no/such/folder/x.ogg 1"),
+              (std::pair<int, std::string>(1, "make_music: cannot write /no/such/folder/x.ogg\n")));
+}

@@ -1,0 +1,76 @@
+// The piece as it is written: sections, harmony, melodies and rhythms. Nothing here makes a sound.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace zentrak::music {
+
+// Time. At 126 beats a minute and 44100 frames a second a bar is a whole number of frames.
+const int RATE = 44100;
+const int STEPS_PER_BAR = 16;
+const int STEP = 5250; // frames of a sixteenth note
+const int BAR = STEPS_PER_BAR * STEP;
+
+struct Section {
+    const char* name;
+    int         bars;
+};
+
+// A note of a melody. `step` counts sixteenths from the start of its line, `pitch` is a MIDI number (A4 is
+// 69).
+struct Note {
+    int step, steps, pitch;
+};
+
+// A melody at its place in the piece, and the instrument that plays it.
+struct Line {
+    enum Instrument { LEAD, COUNTER, BELL, PLUCK };
+
+    int         bar;
+    Instrument  instrument;
+    float       level;
+    const char* text; // see readLine
+};
+
+// One chord of the harmony, held for some steps.
+struct Chord {
+    int              step, steps; // from the start of the piece
+    int              bass;        // MIDI, the second octave
+    std::vector<int> voices;      // MIDI, from low to high
+};
+
+// What a layer of the arrangement plays in each bar; see the charts in score.cpp.
+struct Charts {
+    std::string kick, clap, hat, crash, bass, pad, saws, arp;
+};
+
+// A rhythm of one bar: a digit from 1 to 9 is a stroke and how hard it is, a point a rest.
+struct Rhythm {
+    char        name;
+    const char* strokes;
+};
+
+const std::vector<Section>& sections();
+int                         barCount();
+
+// Bars that the piece is transposed by from its key, D minor, in semitones.
+int transposition(int bar);
+
+std::vector<Chord>       harmony();
+const Charts&            charts();
+const std::vector<Line>& lines();
+
+// The strokes of a rhythm by its letter: of the drum or bass that `table` belongs to.
+const char*                strokes(const std::vector<Rhythm>& table, char name);
+const std::vector<Rhythm>& kickRhythms();
+const std::vector<Rhythm>& clapRhythms();
+const std::vector<Rhythm>& hatRhythms(); // closed; see openHatRhythms
+const std::vector<Rhythm>& openHatRhythms();
+const std::vector<Rhythm>& bassRhythms();
+
+// Reads a line like "A4:3 D5:13 | -:16": notes and rests with their length in steps. Every bar has to add up
+// to 16 steps; throws std::runtime_error where one does not, or where a note can't be read.
+std::vector<Note> readLine(const std::string& text);
+
+} // namespace zentrak::music

@@ -1,0 +1,80 @@
+// The parts that instruments are made of. Frequencies are in Hz, times in seconds; every part makes one
+// sample a call.
+#pragma once
+
+#include "score.h"
+
+#include <vector>
+
+namespace zentrak::music {
+
+// Two channels of sound, the length of the piece, that notes are added to.
+struct Track {
+    explicit Track(int frames) : left(size_t(frames)), right(size_t(frames)) {}
+
+    int  frames() const { return int(left.size()); }
+    void add(int frame, float toLeft, float toRight); // beyond the end it is lost
+
+    std::vector<float> left, right;
+};
+
+// Where a sound stands between left (-1) and right (1), at equal power.
+struct Pan {
+    explicit Pan(float place);
+    float left, right;
+};
+
+float pitchToFrequency(float pitch); // MIDI
+
+// White noise from -1 to 1; the same seed gives the same noise.
+class Noise {
+public:
+    explicit Noise(unsigned seed) : mState(seed * 2654435761u + 1) {}
+    float next();
+    float unit() { return 0.5f + 0.5f * next(); } // 0 to 1
+
+private:
+    unsigned mState;
+};
+
+// A sawtooth from -1 to 1, its edge rounded so that it does not alias. The phase starts from 0 to 1.
+class Saw {
+public:
+    explicit Saw(float phase = 0) : mPhase(phase) {}
+    float next(float frequency);
+
+private:
+    float mPhase;
+};
+
+class Sine {
+public:
+    float next(float frequency, float modulation = 0); // the modulation is in turns
+
+private:
+    float mPhase = 0;
+};
+
+// A two-pole filter that may be swept at every sample. The resonance goes from 0 (none) to 1 (it rings).
+class Filter {
+public:
+    void  set(float frequency, float resonance);
+    float low(float in);
+    float band(float in);
+    float high(float in);
+
+private:
+    void  run(float in);
+    float mG = 0, mK = 2, mA = 1; // coefficients
+    float mS1 = 0, mS2 = 0;       // state
+    float mLow = 0, mBand = 0, mHigh = 0;
+};
+
+// Rises in `attack`, falls towards `sustain` with the time constant `decay`, and to nothing within `release`
+// after `held` seconds.
+struct Envelope {
+    float attack, decay, sustain, release;
+    float at(float time, float held) const;
+};
+
+} // namespace zentrak::music
