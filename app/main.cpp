@@ -1,8 +1,20 @@
 // The show: the driver, the effects and their names.
 
+#include "border.h"
 #include "clear.h"
+#include "credits.h"
+#include "cubejox.h"
+#include "grand.h"
+#include "greet.h"
 #include "grid.h"
 #include "kin_main.h"
+#include "kub.h"
+#include "overlay.h"
+#include "rund.h"
+#include "tunnel.h"
+#include "vul.h"
+#include "waxon.h"
+#include "xor.h"
 
 #include <cstdio>
 #include <exception>
@@ -24,10 +36,48 @@ void show() {
     clear.color1 = mathbase::Vector4f(0.051f, 0.051f, 0.051f, 0);
     clear.color2 = mathbase::Vector4f(0, 0, 0, 0);
     clear.type = "gradient";
-    Grid grid(&common);
+    Border  border(&common);
+    Kub     kub(&common);
+    Xor     xor_(&common);
+    Rund    rund(&common);
+    Vul     vul(&common);
+    Cubejox cubejox(&common);
+    WaxOn   waxon(&common);
+    Overlay overlay(&common);
+    Greet   greet(&common);
+    Grand   grand(&common);
+    Credits creditsCode(&common, "code");
+    Credits creditsTracking(&common, "tracking");
+    Credits creditsGraphics(&common, "graphics");
+    Credits creditsBitching(&common, "bitching");
+    Credits creditsMoonpulse(&common, "moonpulse");
+    Credits creditsZaplin(&common, "zaplin");
+    Credits creditsOrvo(&common, "orvo");
+    Credits creditsQark(&common, "qark");
+    Grid    grid(&common);
+    Tunnel  tunnel(&common);
 
     kindler.addCallback("clear", clear);
+    kindler.addCallback("credits_code", creditsCode);
+    kindler.addCallback("credits_tracking", creditsTracking);
+    kindler.addCallback("credits_graphics", creditsGraphics);
+    kindler.addCallback("credits_bitching", creditsBitching);
+    kindler.addCallback("credits_moonpulse", creditsMoonpulse);
+    kindler.addCallback("credits_zaplin", creditsZaplin);
+    kindler.addCallback("credits_orvo", creditsOrvo);
+    kindler.addCallback("credits_qark", creditsQark);
+    kindler.addCallback("cubejox", cubejox);
+    kindler.addCallback("border", border);
+    kindler.addCallback("greet", greet);
+    kindler.addCallback("grand", grand);
     kindler.addCallback("grid", grid);
+    kindler.addCallback("kub", kub);
+    kindler.addCallback("rund", rund);
+    kindler.addCallback("tunnel", tunnel);
+    kindler.addCallback("xor", xor_);
+    kindler.addCallback("vul", vul);
+    kindler.addCallback("waxon", waxon);
+    kindler.addCallback("overlay", overlay);
 
     kindler.run();
 }

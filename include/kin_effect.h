@@ -1,6 +1,8 @@
 // What every effect of the show is, and the one record that they share.
 #pragma once
 
+#include "dis_fbo.h"
+#include "dis_texture.h"
 #include "script_callback.h"
 
 #include <map>
@@ -26,7 +28,11 @@ public:
 
 // The named render targets through which one effect hands a picture to another.
 struct Common {
-    struct FBOData;
+    // Both are made without a display: setDisplay() comes before all else.
+    struct FBOData {
+        display::FBO     mFbo{nullptr};
+        display::Texture mTexture{nullptr}; // attached to mFbo
+    };
 
     std::map<std::string, FBOData*> mFbos; // owned by the effects that put them there
 };

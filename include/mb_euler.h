@@ -11,8 +11,10 @@ struct Euler {
     RotationOrder order;
 
     constexpr Euler() = default;
-    constexpr Euler(const Vector3f& someAngles, RotationOrder anOrder) : angles(someAngles), order(anOrder) {}
-    constexpr Euler(float x, float y, float z, RotationOrder anOrder) : angles(x, y, z), order(anOrder) {}
+    constexpr Euler(const Vector3f& someAngles, RotationOrder anOrder = RotationOrder::XYZ)
+        : angles(someAngles), order(anOrder) {}
+    constexpr Euler(float x, float y, float z, RotationOrder anOrder = RotationOrder::XYZ)
+        : angles(x, y, z), order(anOrder) {}
 };
 
 using Eulerf = Euler;

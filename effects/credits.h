@@ -1,0 +1,45 @@
+// A name whose pixels fly in from far away as boxes, and which can be blown apart.
+#pragma once
+
+#include "dis_batch.h"
+#include "effect_random.h"
+#include "kin_effect.h"
+#include "mb_vector3.h"
+#include "mb_vector4.h"
+
+#include <string>
+#include <vector>
+
+namespace zentrak::kindler {
+
+// Splines: "zoom" (0: far away but for the first to arrive; 1: all in place). Triggers: any name blows it
+// apart, for good. The picture is "credits/credits_" + key + ".png".
+class Credits : public Effect {
+public:
+    struct poxdata {
+        mathbase::Vector3f target; // place in the finished picture
+        mathbase::Vector3f start;  // place far away
+        mathbase::Vector3f side;   // kept and not used
+        mathbase::Vector4f col;
+        float              delay; // the more, the sooner this pixel arrives
+    };
+
+    std::vector<poxdata> pixels; // rows from the top
+
+    Credits(Common* common, const std::string& key);
+
+    void setup() override;
+    void executeTrigger(float time, const std::string& name, const std::string& value) override;
+    void updateSpline(float time, const std::string& name, float value) override;
+    void update(float time, float delta, float progress) override;
+
+private:
+    bool           explode = false;
+    float          boom = 0; // how far it has flown apart, 0 to 5
+    EffectRandom   mRandom;
+    std::string    key;
+    float          zoom = 0;
+    display::Batch mBatch;
+};
+
+} // namespace zentrak::kindler

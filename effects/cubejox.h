@@ -1,0 +1,42 @@
+// A thousand rods around a point, all turned to it, which the camera leaves behind.
+#pragma once
+
+#include "dis_batch.h"
+#include "effect_random.h"
+#include "kin_effect.h"
+#include "mb_vector3.h"
+
+#include <string>
+
+namespace zentrak::kindler {
+
+// Splines: "alpha", "bw" (1: grey), "zoom" (faded from 0.25 on). Triggers: "drum1" to "drum4", which are kept
+// and not drawn.
+class Cubejox : public Effect {
+public:
+    static constexpr int NUM_RODS = 1000;
+
+    struct Rod {
+        mathbase::Vector3f pos;
+        mathbase::Vector3f axis;  // of unit length, from pos to the middle
+        float              angle; // about its own axis, radians
+        unsigned char      sides; // kept and not used: every rod has 12
+        float              radius;
+        float              spin; // 1 if it turns, else 0
+    };
+
+    static const Rod* rods(); // NUM_RODS of them
+
+    explicit Cubejox(Common* common);
+
+    void setup() override;
+    void executeTrigger(float time, const std::string& name, const std::string& value) override;
+    void updateSpline(float time, const std::string& name, float value) override;
+    void update(float time, float delta, float progress) override;
+
+private:
+    EffectRandom   mRandom;
+    display::Batch mBatch;
+};
+
+} // namespace zentrak::kindler

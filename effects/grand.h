@@ -1,0 +1,27 @@
+// Nineteen pictures as the layers of one block, which falls back column by column.
+#pragma once
+
+#include "dis_batch.h"
+#include "effect_random.h"
+#include "kin_effect.h"
+
+#include <string>
+
+namespace zentrak::kindler {
+
+// Splines: "alpha". The pictures are "grand/grand01.png" to "grand/grand19.png"; of one that is wider than
+// 128 the columns from 128 on are left out.
+class Grand : public Effect {
+public:
+    explicit Grand(Common* common);
+
+    void setup() override;
+    void updateSpline(float time, const std::string& name, float value) override;
+    void update(float time, float delta, float progress) override;
+
+private:
+    EffectRandom   mRandom;
+    display::Batch mBatch;
+};
+
+} // namespace zentrak::kindler

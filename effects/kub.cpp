@@ -1,0 +1,312 @@
+#include "kub.h"
+
+#include "dis_display.h"
+#include "dis_glcheck.h"
+#include "effect_image.h"
+#include "effect_view.h"
+#include "mb_matrix4x4col.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+
+namespace zentrak::kindler {
+
+using display::Batch;
+using mathbase::Eulerf;
+using mathbase::Matrix4x4Col;
+using mathbase::Quatf;
+using mathbase::Vector3f;
+using mathbase::Vector4f;
+
+namespace {
+
+constexpr float PI = 3.14159265f;
+constexpr int   NUM_STEPS = 120;
+
+std::vector<Kub::Poxel> poxel;
+int                     frame;    // the simulation step now shown
+float                   fultimer; // progress within it, in steps
+float                   pd;       // phase of the camera's swing
+float                   alphaa = 1.0f;
+float                   modAngle;
+float                   rexpand; // time of "expand"
+bool                    rexpandOn;
+float                   turn; // time of "turn"
+bool                    turnOn;
+bool                    turnOn2;
+
+float square(float f) {
+    return f * f;
+}
+
+// The cells around the picture, as far as a cube can get in all steps, and which of them are taken.
+class Floor {
+public:
+    Floor(int width, int height)
+        : mLeft(-32 - NUM_STEPS - 1),
+          mTop(-16 - NUM_STEPS - 1),
+          mWidth(width + 2 * (NUM_STEPS + 1)),
+          mTaken(size_t(mWidth) * size_t(height + 2 * (NUM_STEPS + 1))) {}
+
+    char& at(float x, float y) {
+        return mTaken[size_t(int(y) - mTop) * size_t(mWidth) + size_t(int(x) - mLeft)];
+    }
+
+private:
+    int               mLeft, mTop, mWidth;
+    std::vector<char> mTaken;
+};
+
+// The last move of a cube that is not undone yet, if it was made in `step`.
+const Kub::Mod* moveOf(const Kub::Poxel& cube, int step) {
+    if (cube.count <= 0)
+        return nullptr;
+    const Kub::Mod& mod = cube.mods[size_t(cube.count - 1)];
+    return mod.step == step ? &mod : nullptr;
+}
+
+// Takes back what was done in the step `frame`.
+void undoStep() {
+    for (Kub::Poxel& cube : poxel) {
+        if (const Kub::Mod* mod = moveOf(cube, frame)) {
+            cube.x -= mod->dx;
+            cube.y -= mod->dy;
+            --cube.count;
+            cube.rot = Vector3f(0, 0, 0);
+            cube.draw.x = cube.x;
+            cube.draw.y = cube.y;
+        }
+    }
+    --frame;
+}
+
+// The cubes that are in the middle of a step roll over an edge and lift.
+void rollCubes() {
+    const float t = fultimer;
+    const float quarter = t * PI / 2.0f;
+    for (Kub::Poxel& cube : poxel) {
+        const Kub::Mod* mod = moveOf(cube, frame);
+        if (mod == nullptr)
+            continue;
+        float x = cube.x, y = cube.y;
+        if (int(mod->dx) > 0)
+            x -= t, cube.rot = Vector3f(0, 0, quarter);
+        else if (int(mod->dx) < 0)
+            x += t, cube.rot = Vector3f(0, 0, -quarter);
+        else if (int(mod->dy) > 0)
+            y -= t, cube.rot = Vector3f(-quarter, 0, 0);
+        else
+            y += t, cube.rot = Vector3f(quarter, 0, 0);
+        cube.draw = Vector3f(x, y, cube.amp * sinf(t * PI));
+    }
+}
+
+} // namespace
+
+Kub::Kub(Common*) : mShade(nullptr), mProgram(nullptr) {
+    frame = 0;
+    fultimer = 0;
+}
+
+const std::vector<Kub::Poxel>& Kub::poxels() {
+    return poxel;
+}
+
+int Kub::currentFrame() {
+    return frame;
+}
+
+void Kub::setup() {
+    const am::Image image = loadPixels(*mDisplay, "kub/kub.png");
+    loadPicture(*image);
+    mShade.setDisplay(mDisplay);
+    mShade.load("kub/shade.png", true);
+    mShade.init();
+    mProgram.setDisplay(mDisplay);
+    mProgram.link("kub/kub.vert", "kub/kub.frag");
+    scatter(image->getWidth(), image->getHeight());
+}
+
+void Kub::loadPicture(const am::ImageObject& image) {
+    poxel.clear();
+    for (int row = 0; row < image.getHeight(); ++row) {
+        for (int column = 0; column < image.getWidth(); ++column) {
+            const Vector4f colour = pixelAt(image, column, row) * (255.0f / 256.0f);
+            if (colour.r < 0.05f && colour.g < 0.05f && colour.b < 0.05f)
+                continue;
+            Poxel cube;
+            cube.x = float(column - 32);
+            cube.y = float(row - 16);
+            cube.col = Vector3f(colour.r, colour.g, colour.b);
+            cube.draw = Vector3f(cube.x, cube.y, 0);
+            poxel.push_back(cube);
+        }
+    }
+    frame = 1;
+}
+
+/*
+ * Slides cubes one cell at a time, mostly outward and wider in x than in y; the draws of rand() are the same
+ * in every run. An attempt to go to a taken cell, or to move twice in one step, is used up.
+ */
+void Kub::scatter(int width, int height) {
+    Floor floor(width, height);
+    for (const Poxel& cube : poxel)
+        floor.at(cube.x, cube.y) = 1;
+
+    for (int step = 0; step < NUM_STEPS && !poxel.empty(); ++step) {
+        const int attempts = step == 0 ? 12 : 20 + 8 * (step - 1);
+        for (int attempt = 0; attempt < attempts; ++attempt) {
+            Poxel&      cube = poxel[size_t(rand()) % poxel.size()];
+            const float cells[4][2] = {
+                {cube.x + 1, cube.y}, {cube.x - 1, cube.y}, {cube.x, cube.y + 1}, {cube.x, cube.y - 1}};
+            int      chosen = 0;
+            Vector3f p(0, 0, 0);
+            if (rand() % 4 == 0) {
+                chosen = rand() % 4;
+            } else {
+                float farthest = -1;
+                for (int i = 0; i < 4; ++i) {
+                    const float distance = sqrtf(square(0.5f * cells[i][0]) + square(cells[i][1]));
+                    if (distance > farthest) {
+                        farthest = distance;
+                        chosen = i;
+                        if (i < 3)
+                            p = Vector3f(0.5f * cells[i][0], cells[i][1], 0);
+                    }
+                }
+            }
+
+            const float x = cells[chosen][0], y = cells[chosen][1];
+            if (floor.at(x, y) != 0 || (!cube.mods.empty() && cube.mods.back().step == step))
+                continue;
+            if (cube.mods.empty())
+                cube.expand = (0.9f * mRandom.uniform() + 0.1f) * (p.length() + 0.01f);
+            cube.mods.push_back({x - cube.x, y - cube.y, step});
+            floor.at(cube.x, cube.y) = 0;
+            floor.at(x, y) = 1;
+            cube.x = x;
+            cube.y = y;
+            cube.draw = Vector3f(x, y, 0);
+            ++cube.count;
+        }
+    }
+    frame = NUM_STEPS;
+}
+
+void Kub::executeTrigger(float time, const std::string& name, const std::string&) {
+    if (name == "turn2")
+        turnOn2 = true;
+    if (name == "turn") {
+        turnOn = true;
+        turn = time;
+    }
+    if (name == "expand") {
+        rexpandOn = true;
+        rexpand = time;
+    }
+}
+
+void Kub::updateSpline(float, const std::string& name, float value) {
+    if (name == "ilvo marsten")
+        modAngle = value;
+    if (name == "alpha")
+        alphaa = value;
+}
+
+void Kub::update(float time, float delta, float progress) {
+    fultimer += 4.5f * delta;
+    if (time < 9.8f)
+        fultimer = 0;
+    while (fultimer > 1.0f) {
+        if (frame < 0) { // all is undone: only the part of a step counts
+            fultimer = std::isfinite(fultimer) ? fultimer - ceilf(fultimer) + 1.0f : 0.0f;
+            break;
+        }
+        undoStep();
+        fultimer -= 1.0f;
+    }
+
+    setPerspective(*mDisplay, PI / 4.0f, 0.15f, 1000.0f);
+    const float z = std::max(50.0f - time, 0.001f);
+    const float q = rexpandOn ? 0.1f * (time - rexpand) : 0.0f;
+    pd += 0.005f * delta;
+    Vector3f eye(0, 1000.0f * square(sinf(pd * PI * 0.5f)), z), target(0, 0, 0);
+    if (turnOn) {
+        eye = Vector3f(0, 400, 0);
+        target = Vector3f(400, 400, 0);
+    }
+    if (turnOn2) {
+        eye = Vector3f(50, 1300, 50);
+        target = Vector3f(0, 1350, 0);
+    }
+    const float a = square(sinf(modAngle));
+    eye += Vector3f(0, 20, -1000) * a;
+    target += Vector3f(0, -200, -1000) * a;
+    mDisplay->setTransform(Matrix4x4Col());
+    setCamera(*mDisplay, eye, target, 5.0f * a + q);
+
+    GL_CALL(glEnable(GL_CULL_FACE));
+    GL_CALL(glEnable(GL_DEPTH_TEST));
+    GL_CALL(glDisable(GL_LIGHTING));
+    GL_CALL(glEnable(GL_BLEND));
+    rollCubes();
+
+    // The floor: its top is the plane that the cubes stand on.
+    mBatch.setCulling(Batch::CULLING_AUTO);
+    mBatch.setChannels(Batch::CHANNEL_NONE);
+    mBatch.color(0.891f, 0.891f, 0.911f, alphaa);
+    mBatch.box(Vector3f(0, -200.5f, 0), Vector3f(200, 200, 200));
+    mBatch.flush();
+
+    GL_CALL(glEnable(GL_TEXTURE_2D));
+    GL_CALL(glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA));
+    mShade.bind();
+    mProgram.bind();
+    mProgram.set("alpha", alphaa);
+    drawCubes(time, progress);
+    mProgram.unbind();
+    mShade.unbind();
+    GL_CALL(glDisable(GL_TEXTURE_2D));
+    mDisplay->resetStates();
+}
+
+void Kub::drawCubes(float time, float progress) {
+    mBatch.setCulling(Batch::CULLING_ON); // the program puts its vertices where they would be without it
+    mBatch.setChannels(Batch::CHANNEL_TEXCOORD);
+    const float since = time - rexpand;
+    for (const Poxel& cube : poxel) {
+        Matrix4x4Col transform;
+        transform.buildPRS(Vector3f(cube.draw.x, cube.draw.z, cube.draw.y), Quatf(Eulerf(cube.rot)),
+                           Vector3f(1, 1, 1));
+        Vector3f c = cube.col;
+        float    h = 0.5f;
+        float    b = -0.00075f;
+        if (rexpandOn) {
+            h = 0.5f + 5.0f * since * cube.expand;
+            const float w = std::min(0.2f * since, 1.0f);
+            const float l = c.getIntensity();
+            c = Vector3f(l, l, 1.3f * l) * w + c * (1.0f - w);
+            b = -0.0015f * h;
+        }
+        if (turnOn) {
+            const float m = c.getMean();
+            c = Vector3f(2.0f * m, 1.5f * m, m);
+        }
+        float opacity = b + 3.0f * progress;
+        if (turnOn2) {
+            const float m = c.getMean();
+            c = Vector3f(m, 1.5f * m, m);
+            const float again = c.getMean();
+            c = Vector3f(again, 1.5f * again, again);
+            opacity = 0.4f;
+        }
+        mBatch.setTransform(transform);
+        mBatch.color(c, opacity);
+        mBatch.box(Vector3f(0, 0, 0), Vector3f(0.5f, h, 0.5f));
+    }
+    mBatch.flush();
+}
+
+} // namespace zentrak::kindler

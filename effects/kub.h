@@ -1,0 +1,60 @@
+// A picture made of cubes that roll across a floor until they form it: its scattering, worked out at load
+// time and played backward.
+#pragma once
+
+#include "am_image.h"
+#include "dis_batch.h"
+#include "dis_shader.h"
+#include "dis_texture.h"
+#include "effect_random.h"
+#include "kin_effect.h"
+#include "mb_vector3.h"
+
+#include <string>
+#include <vector>
+
+namespace zentrak::kindler {
+
+// Splines: "ilvo marsten" (swings the camera), "alpha". Triggers: "turn2", "turn", "expand", each for good.
+// The picture "kub/kub.png" is meant to be 64 by 32; its black pixels are left out.
+class Kub : public Effect {
+public:
+    // A step of a cube.
+    struct Mod {
+        float dx, dy;
+        int   step;
+    };
+
+    struct Poxel {
+        std::vector<Mod>   mods;      // oldest first
+        int                count = 0; // moves that are not undone yet
+        float              x, y;      // grid cell
+        mathbase::Vector3f col;
+        mathbase::Vector3f rot;         // Euler angles now
+        mathbase::Vector3f draw;        // place now: grid x, grid y, height
+        float              amp = 0.15f; // height of a roll
+        float              expand = 0;  // growth of the expansion
+    };
+
+    static const std::vector<Poxel>& poxels();
+    static int                       currentFrame(); // the step that is shown, from 120 down
+
+    explicit Kub(Common* common);
+
+    void setup() override;
+    void executeTrigger(float time, const std::string& name, const std::string& value) override;
+    void updateSpline(float time, const std::string& name, float value) override;
+    void update(float time, float delta, float progress) override;
+
+private:
+    void loadPicture(const am::ImageObject& image);
+    void scatter(int width, int height); // of the picture
+    void drawCubes(float time, float progress);
+
+    display::Texture       mShade;
+    display::ShaderProgram mProgram;
+    EffectRandom           mRandom;
+    display::Batch         mBatch;
+};
+
+} // namespace zentrak::kindler

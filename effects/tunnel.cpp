@@ -1,0 +1,182 @@
+#include "tunnel.h"
+
+#include "dis_display.h"
+#include "dis_glcheck.h"
+#include "effect_view.h"
+#include "mb_matrix4x4col.h"
+
+#include <cmath>
+
+namespace zentrak::kindler {
+
+using mathbase::Eulerf;
+using mathbase::Matrix4x4Col;
+using mathbase::Quatf;
+using mathbase::Vector3f;
+using mathbase::Vector4f;
+
+namespace {
+
+constexpr float PI = 3.14159265f;
+constexpr int   NUM_PATH = 1000;
+constexpr int   NUM_RINGS = 153;
+constexpr int   NUM_BLOCKS = 64;      // of a ring,
+constexpr int   BLOCK_POSITIONS = 68; // which leaves an arc open
+
+const char* const palette[8] = {"e39e89", "8688b0", "a4c28c", "d0bf7c",
+                                "9bc3b2", "c9a1af", "d6dc96", "c0ebc0"};
+
+Vector3f                  path[NUM_PATH]; // made once and not read
+std::vector<Tunnel::Ring> mongo;
+
+// Where the blocks of every ring stand: the turn of each, and the direction that it moves out in.
+struct Positions {
+    Matrix4x4Col turn[NUM_BLOCKS];
+    float        sine[NUM_BLOCKS], cosine[NUM_BLOCKS];
+
+    Positions() {
+        for (int b = 0; b < NUM_BLOCKS; ++b) {
+            const float theta = 2.0f * PI * float(b) / float(BLOCK_POSITIONS);
+            sine[b] = sinf(-theta);
+            cosine[b] = cosf(-theta);
+            turn[b].buildPRS(Vector3f(0, 0, 0), Quatf(Eulerf(0, 0, theta)), Vector3f(1, 1, 1));
+        }
+    }
+};
+
+} // namespace
+
+Tunnel::Tunnel(Common*) : mTexture(nullptr), mProgram(nullptr) {}
+
+const std::vector<Tunnel::Ring>& Tunnel::rings() {
+    return mongo;
+}
+
+Vector3f Tunnel::getPath(float t) {
+    const double d = t;
+    return Vector3f(float(sin(d) + 5.05 * cos(0.2 * d) * sin(d + 1.5)), float(cos(d) + 2.0 * sin(2.0 * d)),
+                    float(10.0 * d));
+}
+
+void Tunnel::setup() {
+    mTexture.setDisplay(mDisplay);
+    mTexture.load("hurry/particle.png", true);
+    mTexture.init();
+
+    for (int i = 0; i < NUM_PATH; ++i)
+        path[i] = getPath(float(i) / 100.0f) + mRandom.unitSphere();
+
+    // The first rings are thin, pale and grey-blue, the last thick and of full colour.
+    mongo.clear();
+    for (int i = 0; i < NUM_RINGS; ++i) {
+        Ring        ring;
+        const float t = (0.4f - 0.2f * float(i) / 153.0f) * float(i);
+        ring.pos = getPath(t);
+        ring.rot = Vector3f(0, 0, float(mRandom.draw() % 4));
+        ring.spin = Vector3f(0, 0, mRandom.draw() % 3 == 0 ? -5.0f : 5.0f);
+        const float    m = sinf(float(i) * (PI / 2.0f) / 153.0f);
+        const uint32_t s3 = mRandom.draw();
+        const uint32_t s4 = mRandom.draw();
+        mRandom.draw();
+        const Vector4f base = display::DisplayGL::hex2vec(palette[i % 8]);
+        ring.col = Vector3f(base.r, base.g, base.b) * m + Vector3f(0.51f, 0.56f, 0.56f) * (1.0f - m);
+        if (i % 2 == 1)
+            ring.col *= 0.73f;
+        const float k = float(s3 % 5 + 1);
+        const float j = float(s4 % 4 + 1);
+        ring.inner = k * m + (1.0f - m);
+        ring.outer = (j + k) * m + 1.5f * (1.0f - m);
+        mongo.push_back(ring);
+    }
+
+    mProgram.setDisplay(mDisplay);
+    mProgram.link("tunnel/tunnel.vert", "tunnel/tunnel.frag");
+}
+
+void Tunnel::update(float time, float delta, float) {
+    setPerspective(*mDisplay, PI / 4.0f, 0.015f, 1000.0f);
+    const Vector3f eye = getPath(time - 1.0f);
+    const Vector3f target = getPath(time + 1.0f);
+    mDisplay->setTransform(Matrix4x4Col());
+    setCamera(*mDisplay, eye, target, 2.0f * sinf(0.5f * time));
+
+    GL_CALL(glEnable(GL_BLEND));
+    GL_CALL(glEnable(GL_CULL_FACE));
+    GL_CALL(glEnable(GL_DEPTH_TEST));
+    mProgram.bind();
+    for (int i = 0; i < int(mongo.size()); ++i)
+        drawRing(mongo[size_t(i)], i, eye, delta);
+    mBatch.flush();
+    mProgram.unbind();
+
+    mDisplay->setTransform(Matrix4x4Col());
+    GL_CALL(glDisable(GL_TEXTURE_2D));
+    GL_CALL(glDisable(GL_CULL_FACE));
+    GL_CALL(glDisable(GL_DEPTH_TEST));
+    GL_CALL(glDisable(GL_BLEND));
+}
+
+/*
+ * A ring is seen only ahead of the camera: at full strength within 15 units, faded out at 24.5. Its spin
+ * takes a step for each block that is drawn, and so settles soon after it comes into view.
+ */
+void Tunnel::drawRing(Ring& ring, int index, const Vector3f& eye, float delta) {
+    static const Positions positions;
+
+    const Vector3f d = ring.pos - eye;
+    float          dist = d.length() - 15.0f;
+    float          a = 1.0f;
+    if (dist < 0)
+        dist = 0;
+    else if (dist >= 25)
+        return;
+    else
+        a = 1.0f - 0.1f * dist;
+    if (!(d.z > 0) || !(a > 0.05f))
+        return;
+
+    // The ring untwists into the plane of the tunnel as it nears. Only the angle about z differs from block
+    // to block.
+    Quatf twistX, twistY, twistZ;
+    twistX.setRotX(20.0f * sinf(0.005f * dist));
+    twistY.setRotY(20.0f * sinf(0.0051f * dist));
+    const Quatf twist = twistX * twistY;
+    for (int b = 0; b < NUM_BLOCKS; ++b) {
+        if (index % 5 == 0 && (b == 0 || b == 15 || b == 31 || b == 47))
+            continue;
+        float& z = ring.spin.z;
+        if (z > 0.1f)
+            z -= 0.05f * delta;
+        if (z < 0.1f)
+            z += 0.05f * delta;
+
+        twistZ.setRotZ(ring.rot.z + z + 0.7f * dist);
+        Matrix4x4Col transform, block = positions.turn[b];
+        transform.buildPRS(ring.pos, twist * twistZ, Vector3f(1, 1, 1));
+        block.mData[12] = 0.1f * positions.sine[b] * 15.0f * dist;
+        block.mData[13] = 0.1f * positions.cosine[b] * 15.0f * dist;
+        transform.multiplyFromRight(block);
+        mBatch.setTransform(transform);
+        mBatch.color(ring.col, a);
+        drawCuboCono(BLOCK_POSITIONS, ring.inner, ring.outer, 0.2f);
+    }
+}
+
+// One of the `n` blocks that a ring of these radii is cut into, around the y axis, from -depth to depth.
+void Tunnel::drawCuboCono(int n, float inner, float outer, float depth) {
+    const float h = PI / float(n);
+    const float c = cosf(h), s = sinf(h);
+    const float x[4] = {-s * inner, s * inner, s * outer, -s * outer};
+    const float y[4] = {c * inner, c * inner, c * outer, c * outer};
+    // Corners 0 to 3 at -depth, 4 to 7 at depth; counter-clockwise from outside: front, back, inner, outer,
+    // sides.
+    static const unsigned char faces[6][4] = {{0, 3, 2, 1}, {4, 5, 6, 7}, {0, 1, 5, 4},
+                                              {3, 7, 6, 2}, {1, 2, 6, 5}, {0, 4, 7, 3}};
+    mBatch.begin(GL_QUADS);
+    for (const unsigned char(&face)[4] : faces)
+        for (const unsigned char corner : face)
+            mBatch.vertex(x[corner & 3], y[corner & 3], corner < 4 ? -depth : depth);
+    mBatch.end();
+}
+
+} // namespace zentrak::kindler

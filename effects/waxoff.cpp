@@ -1,0 +1,22 @@
+#include "waxoff.h"
+
+#include "dis_display.h"
+#include "effect_target.h"
+
+namespace zentrak::kindler {
+
+WaxOff::WaxOff(Common* common) : mCommon(common) {}
+
+void WaxOff::executeTrigger(float, const std::string& name, const std::string& value) {
+    if (name == "which")
+        which = value;
+}
+
+void WaxOff::update(float, float, float) {
+    if (which.empty())
+        return;
+    findTarget(*mCommon, which).mFbo.unbind();
+    mDisplay->resetStates();
+}
+
+} // namespace zentrak::kindler

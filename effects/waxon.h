@@ -1,0 +1,31 @@
+// Makes a render target, and draws the spans nested in its own into it.
+#pragma once
+
+#include "kin_effect.h"
+
+#include <memory>
+#include <string>
+
+namespace zentrak::kindler {
+
+// Triggers: "which" (its value is the name of the target; none, and the nested spans draw to the screen).
+class WaxOn : public Effect {
+public:
+    static constexpr int WIDTH = 1280; // of the target, whatever the size of the display
+    static constexpr int HEIGHT = 1024;
+
+    explicit WaxOn(Common* common);
+    ~WaxOn() override;
+
+    void setup() override; // makes "vaddr"
+    void executeTrigger(float time, const std::string& name, const std::string& value) override;
+    void update(float time, float delta, float progress) override;
+    void postUpdate(float time, float delta, float progress) override;
+
+private:
+    Common*                          mCommon; // not owned
+    std::string                      which;
+    std::unique_ptr<Common::FBOData> mTarget; // what stands under "vaddr"
+};
+
+} // namespace zentrak::kindler
