@@ -5,6 +5,7 @@
 #include "o3d_value.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace zentrak::o3d {
 
@@ -204,8 +205,8 @@ void TrackQuatf::loadChunk(chunklib::ReadBuffer& buffer) {
         if (id == CHUNK_DEFAULT4) {
             Quatf value(1.0f, 0.0f, 0.0f, 0.0f);
             loadValue(buffer, &value);
-            // A file may say zero, which has no direction: that leaves the identity.
-            if (!(value.length() > 0.0f))
+            // A file may say what has no direction, such as zero: that leaves the identity.
+            if (!(value.length() > 0.0f && value.length() < INFINITY))
                 value = Quatf(1.0f, 0.0f, 0.0f, 0.0f);
             value.normalize();
             value.normalize(); // the first leaves a rounding that the second takes away

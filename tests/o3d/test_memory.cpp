@@ -1,0 +1,130 @@
+// What loading does when memory runs out: operator new of this program fails at the N-th call.
+
+#include "o3d_bytes.h"
+#include "support.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <new>
+
+using namespace zentrak;
+using namespace zentrak::test;
+
+namespace {
+
+long gCountdown = -1; // calls that still succeed; below 0 all do
+bool gOnce = false;   // only one call fails, and memory is there again behind it
+long gCalls = 0;
+
+void* allocate(std::size_t size) {
+    ++gCalls;
+    if (gCountdown == 0) {
+        if (gOnce)
+            gCountdown = -1;
+        throw std::bad_alloc();
+    }
+    if (gCountdown > 0)
+        --gCountdown;
+    if (void* memory = malloc(size != 0 ? size : 1))
+        return memory;
+    throw std::bad_alloc();
+}
+
+} // namespace
+
+void* operator new(std::size_t size) {
+    return allocate(size);
+}
+void* operator new[](std::size_t size) {
+    return allocate(size);
+}
+void operator delete(void* memory) noexcept {
+    free(memory);
+}
+void operator delete[](void* memory) noexcept {
+    free(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept {
+    free(memory);
+}
+void operator delete[](void* memory, std::size_t) noexcept {
+    free(memory);
+}
+
+namespace {
+
+// Loads with memory for `calls` allocations; the next one fails, and all that follow unless `once`.
+void loadFailing(o3d::Manager& manager, const std::string& image, long calls, bool once) {
+    gOnce = once;
+    gCountdown = calls;
+    try {
+        manager.load(reinterpret_cast<const unsigned char*>(image.data()), static_cast<int>(image.size()));
+    } catch (const std::bad_alloc&) {
+        EXPECT_LT(calls, 4); // before the first chunk there is nothing to go on with
+    }
+    gCountdown = -1;
+}
+
+size_t countNodes(const o3d::SceneNode& node) {
+    size_t count = 1;
+    for (const o3d::SceneNode* child : node.mChildren) {
+        EXPECT_NE(nullptr, child);
+        count += countNodes(*child);
+    }
+    return count;
+}
+
+TEST(Memory, runningOutAtAnyAllocationLosesNothingThatWasMade) {
+    const std::string image = everything();
+    CaptureStdout     capture;
+    long              calls = 0;
+    {
+        o3d::Manager manager;
+        gCalls = 0;
+        manager.load(reinterpret_cast<const unsigned char*>(image.data()), static_cast<int>(image.size()));
+        calls = gCalls;
+    }
+    EXPECT_GT(calls, 100);
+    for (const bool once : {false, true}) {
+        size_t nodes = 0;
+        for (long call = 0; call <= calls; ++call) {
+            o3d::Manager manager;
+            loadFailing(manager, image, call, once);
+            // What is there can be walked, found and destroyed; the sanitizer sees what is not.
+            nodes = 0;
+            for (const o3d::Scene* scene : manager.mScenes)
+                nodes += countNodes(*scene);
+            for (const o3d::Mesh* mesh : manager.mMeshes)
+                EXPECT_NE(nullptr, manager.getMesh(mesh->mName));
+            for (const auto& [name, index] : manager.mMaterialMap)
+                EXPECT_LE(index, static_cast<int>(manager.mMaterials.size())) << name;
+        }
+        EXPECT_EQ(7u, nodes);
+    }
+}
+
+TEST(Memory, aListThatThereIsNoMemoryForIsEmptyAndTheRestIsLoaded) {
+    // Of the allocations one after the other, the one that fails is at some time that of the triangles.
+    o3d::Manager manager;
+    std::string  triangles;
+    for (int i = 0; i < 1000; ++i)
+        triangles += triangle(0, 0, 0);
+    const std::string image =
+        file(chunk(0x2000, text("m") + chunk(0xFF00, floats({1, 2, 3})) +
+                               chunk(0x2200, u8(5) + chunk(0xFF30, triangles) + chunk(0xFF60, i32(0))) +
+                               chunk(0x6200, text("name"))));
+    bool found = false;
+    for (long call = 0; call < 40 && !found; ++call) {
+        manager.clear();
+        loadFailing(manager, image, call, true);
+        found = manager.mMeshes.size() == 1 && manager.mMeshes[0]->mSubmeshes.size() == 1 &&
+                manager.mMeshes[0]->mSubmeshes[0]->mTriangles.empty();
+    }
+    ASSERT_TRUE(found);
+    EXPECT_EQ(1u, manager.mMeshes[0]->mSubmeshes[0]->mIndices.size());
+    EXPECT_EQ(5, manager.mMeshes[0]->mSubmeshes[0]->mMaterial);
+    EXPECT_EQ("name", manager.mMeshes[0]->getMaterial(0));
+}
+
+} // namespace
