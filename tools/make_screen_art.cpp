@@ -89,22 +89,19 @@ void letter(Canvas& canvas, const std::string& text, float x, float y, float hei
     canvas.fill(colour, [&](float px, float py) { return line.distance(px - left, py - top) - weight / 2; });
 }
 
-// The logo: the name between two rules, with a square of four cubes before it.
+// The logo, for a light ground: four cubes and the name between two rules.
 Canvas logo() {
     Canvas canvas(704, 192);
     for (int i = 0; i < 4; ++i) {
         const float  cx = 62 + 40 * float(i % 2), cy = 76 + 40 * float(i / 2);
-        const Colour face = i == 1 ? ember : bone;
-        canvas.fill(
-            {0, 0, 0, 0.5f}, [&](float x, float y) { return distanceToBox(x, y, cx, cy, 17, 17, 3); }, 26);
-        canvas.fill({face.r, face.g, face.b, i == 2 ? 0.55f : 1.0f},
+        const Colour face = i == 1 ? ember : ink;
+        canvas.fill({face.r, face.g, face.b, i == 2 ? 0.5f : 1.0f},
                     [&](float x, float y) { return distanceToBox(x, y, cx, cy, 17, 17, 3); });
     }
-    letter(canvas, "ZENTRAK", 412, 96, 64, 11.5f, 0.42f, bone, 32);
-    canvas.fill({bone.r, bone.g, bone.b, 0.5f},
-                [](float x, float y) { return distanceToBox(x, y, 352, 20, 316, 0.8f, 0); });
-    canvas.fill({bone.r, bone.g, bone.b, 0.5f},
-                [](float x, float y) { return distanceToBox(x, y, 352, 172, 316, 0.8f, 0); });
+    letter(canvas, "ZENTRAK", 412, 96, 64, 11.5f, 0.42f, ink, 0);
+    for (const float y : {20.0f, 172.0f})
+        canvas.fill({ink.r, ink.g, ink.b, 0.6f},
+                    [&](float px, float py) { return distanceToBox(px, py, 352, y, 316, 0.8f, 0); });
     return canvas;
 }
 
