@@ -69,9 +69,15 @@ struct BufferReader {
 
     // Takes all spaces, tabs and line ends from here. Throws "Not enough spaces!" or "Eof before enough
     // spaces were found" where there are less than `minimum`.
-    void skipSpaces(int minimum);
+    void skipSpaces(int minimum) {
+        if (minimum > 0 || atEnd() || static_cast<unsigned char>(data[pos]) <= ' ') {
+            skipSpacesHere(minimum);
+        }
+    }
 
 private:
+    void skipSpacesHere(int minimum);
+
     // Wraps round on a line of more columns than fit.
     void advanceColumn(size_t count) {
         col = static_cast<int32_t>(static_cast<uint32_t>(col) + static_cast<uint32_t>(count));

@@ -5,6 +5,7 @@
 #include "xml_node.h"
 
 #include <cstdint>
+#include <memory>
 #include <ostream>
 #include <string>
 
@@ -55,6 +56,8 @@ public:
     // Adds a copy of `tag` behind the current child and moves onto it, also past the end. The result walks
     // the children of the new one.
     Iterator addChild(const XmlTag& tag);
+    // The same with a node that the walked one owns from then on. Returns it.
+    XmlNode* adoptChild(std::unique_ptr<XmlNode> child);
 
     // Copies the tag onto the node whose children are walked.
     void setRoot(const XmlTag& tag);

@@ -3,6 +3,7 @@
 
 #include "xml_tag.h"
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -18,7 +19,6 @@ public:
 
     explicit XmlNode(XmlNode* aParent);
     XmlNode(const XmlTag& tag, XmlNode* aParent);
-    XmlNode(XmlTag&& tag, XmlNode* aParent);
     // Takes the node out of its parent and deletes what is below it.
     ~XmlNode();
 
@@ -36,8 +36,8 @@ public:
     // Adds a copy of `tag` before the child now at `position`, or behind all for -1 and for any position that
     // there is not. Opens this node. The result walks the children of the new one.
     Iterator addChild(const XmlTag& tag, int position);
-    // The same behind all children, taking what the tag holds. The new node is owned here.
-    XmlNode* appendChild(XmlTag&& tag);
+    // The same with a node that is owned here from then on, such as one that was detached. Returns it.
+    XmlNode* adoptChild(std::unique_ptr<XmlNode> child, int position);
     // Takes the child out of the list and returns its former index. The caller owns it from then on; its
     // parent pointer stays. Throws "detachChild(%p); No such child in '%s'".
     int detachChild(XmlNode* child);
@@ -53,8 +53,7 @@ public:
 private:
     bool mDetached = false; // out of the parent's list, although `parent` stays
 
-    void     deleteChildren();
-    XmlNode* insertChild(XmlNode* child, int position);
+    void deleteChildren();
 };
 
 } // namespace zentrak::xml

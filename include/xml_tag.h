@@ -15,6 +15,8 @@ namespace zentrak::xml {
 // What a missing attribute gives. A missing and an empty one can't be told apart, and callers build on that.
 inline const std::string emptyString;
 
+class TagReader;
+
 class XmlTag {
 public:
     enum Type : uint32_t {
@@ -28,6 +30,9 @@ public:
     struct Argument {
         std::string name;
         std::string value;
+
+        Argument() = default;
+        Argument(std::string_view aName, std::string_view aValue) : name(aName), value(aValue) {}
     };
 
     Type                  type = Normal;
@@ -56,11 +61,12 @@ public:
     void write(std::ostream& os, bool allowSelfClose) const;
 
     // Reads the next tag of any type into this one. Throws Exception where the text breaks the dialect, and
-    // "EOF" where it ends inside a tag or holds no further one; the reader then stands at the failure.
+    // "EOF" where it ends inside a tag or holds no further one; the reader then stands at the failure, and
+    // the tag is reset.
     void parse(BufferReader& reader);
 
-    // Its parts. The reader stands behind "<" for parseNormal, on the "!" or "?" for the special ones, and on
-    // the first byte for text.
+    // Its parts, which add to the tag as it is. The reader stands behind "<" for parseNormal, on the "!" or
+    // "?" for the special ones, and on the first byte for text. A failure leaves the tag as it was.
     void parseNormal(BufferReader& reader);
     void parseComment(BufferReader& reader);
     void parseText(BufferReader& reader);
@@ -72,6 +78,7 @@ public:
 
 private:
     void reset();
+    void add(const TagReader& raw);
 };
 
 // Writes the tag, self-closed if it is closed.

@@ -4,7 +4,7 @@
 
 namespace zentrak::xml {
 
-void BufferReader::skipSpaces(int minimum) {
+void BufferReader::skipSpacesHere(int minimum) {
     const size_t start = pos;
     while (pos < size && isKind(data[pos], CHAR_SPACE)) {
         account(data[pos]);

@@ -1,6 +1,7 @@
 #include "xml_iterator.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace zentrak::xml {
 
@@ -70,11 +71,15 @@ Iterator Iterator::createIterator(const std::string& criteria) const {
     return Iterator(currentNode(), criteria);
 }
 
-Iterator Iterator::addChild(const XmlTag& tag) {
+XmlNode* Iterator::adoptChild(std::unique_ptr<XmlNode> child) {
     atEnd = false;
     atBegin = false;
     index = std::min(index + 1, getRoot()->getNumChildren()); // past the end there is no place to insert at
-    return getRoot()->addChild(tag, index);
+    return getRoot()->adoptChild(std::move(child), index);
+}
+
+Iterator Iterator::addChild(const XmlTag& tag) {
+    return Iterator(adoptChild(std::make_unique<XmlNode>(tag, nullptr)), emptyString);
 }
 
 void Iterator::setRoot(const XmlTag& tag) {

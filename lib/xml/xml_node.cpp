@@ -3,16 +3,12 @@
 #include "xml_iterator.h"
 
 #include <algorithm>
-#include <memory>
-#include <utility>
 
 namespace zentrak::xml {
 
 XmlNode::XmlNode(XmlNode* aParent) : parent(aParent) {}
 
 XmlNode::XmlNode(const XmlTag& tag, XmlNode* aParent) : XmlTag(tag), parent(aParent) {}
-
-XmlNode::XmlNode(XmlTag&& tag, XmlNode* aParent) : XmlTag(std::move(tag)), parent(aParent) {}
 
 XmlNode::~XmlNode() {
     if (parent && !mDetached) {
@@ -36,21 +32,17 @@ const XmlNode* XmlNode::getChildren(int index) const {
     return children[static_cast<size_t>(index)];
 }
 
-XmlNode* XmlNode::insertChild(XmlNode* child, int position) {
-    std::unique_ptr<XmlNode> owner(child);
-    child->parent = this;
-    closed = false;
+XmlNode* XmlNode::adoptChild(std::unique_ptr<XmlNode> child, int position) {
     const bool there = position >= 0 && position < getNumChildren();
-    children.insert(there ? children.begin() + position : children.end(), child);
-    return owner.release();
+    children.insert(there ? children.begin() + position : children.end(), child.get());
+    closed = false;
+    child->parent = this;
+    child->mDetached = false;
+    return child.release();
 }
 
 Iterator XmlNode::addChild(const XmlTag& tag, int position) {
-    return Iterator(insertChild(new XmlNode(tag, nullptr), position), emptyString);
-}
-
-XmlNode* XmlNode::appendChild(XmlTag&& tag) {
-    return insertChild(new XmlNode(std::move(tag), nullptr), -1);
+    return Iterator(adoptChild(std::make_unique<XmlNode>(tag, nullptr), position), emptyString);
 }
 
 int XmlNode::detachChild(XmlNode* child) {

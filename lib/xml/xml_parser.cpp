@@ -1,6 +1,8 @@
 #include "xml_parser.h"
 
-#include <iterator>
+#include "xml_tagreader.h"
+
+#include <memory>
 #include <sstream>
 #include <utility>
 
@@ -8,19 +10,8 @@ namespace zentrak::xml {
 
 namespace {
 
-// The tag in as little memory as it needs; `tag` keeps its own for the next one.
-XmlTag takeTag(XmlTag& tag) {
-    XmlTag result;
-    result.type = tag.type;
-    result.closed = tag.closed;
-    result.name = std::move(tag.name);
-    result.arguments.assign(std::make_move_iterator(tag.arguments.begin()),
-                            std::make_move_iterator(tag.arguments.end()));
-    return result;
-}
-
-bool endsNode(const XmlTag& tag, const XmlNode& node) {
-    return tag.closed && tag.arguments.empty() && tag.name == node.name;
+bool endsNode(const TagReader& tag, const XmlNode& node) {
+    return tag.closed && tag.attributes.empty() && tag.name == node.name;
 }
 
 void parseWithPlace(XmlParser& parser, BufferReader reader) {
@@ -88,9 +79,9 @@ void XmlParser::parse(BufferReader& reader) {
 void XmlParser::parseRecurse(BufferReader& reader, Iterator& it, Iterator&) {
     XmlNode* const first = it.getRoot();
     XmlNode*       node = first;
-    XmlTag         tag;
+    TagReader      tag;
     for (;;) {
-        tag.parse(reader);
+        tag.read(reader);
         if (endsNode(tag, *node)) {
             if (node->children.empty()) {
                 node->closed = true;
@@ -101,12 +92,10 @@ void XmlParser::parseRecurse(BufferReader& reader, Iterator& it, Iterator&) {
             node = node->parent;
             continue;
         }
-        XmlNode* child;
-        if (node == first) {
-            child = it.addChild(tag).getRoot();
-        } else {
-            child = node->appendChild(takeTag(tag));
-        }
+        auto owner = std::make_unique<XmlNode>(nullptr);
+        tag.store(*owner);
+        XmlNode* child =
+            node == first ? it.adoptChild(std::move(owner)) : node->adoptChild(std::move(owner), -1);
         if (!tag.closed) {
             node = child;
         }
