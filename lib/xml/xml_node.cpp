@@ -3,6 +3,7 @@
 #include "xml_iterator.h"
 
 #include <algorithm>
+#include <cassert>
 
 namespace zentrak::xml {
 
@@ -33,6 +34,7 @@ const XmlNode* XmlNode::getChildren(int index) const {
 }
 
 XmlNode* XmlNode::adoptChild(std::unique_ptr<XmlNode> child, int position) {
+    assert(child);
     const bool there = position >= 0 && position < getNumChildren();
     children.insert(there ? children.begin() + position : children.end(), child.get());
     closed = false;

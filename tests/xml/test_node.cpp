@@ -133,7 +133,7 @@ TEST(XmlNode, ClearOnARootDeletesTheWholeSubtreeWithoutAnyDetachError) {
     EXPECT_EQ("/", shape(parser));
 }
 
-TEST(XmlNode, ClearOnAChildTakesItOutOfItsParentWhoseePointerStays) {
+TEST(XmlNode, ClearOnAChildTakesItOutOfItsParentWhosePointerStays) {
     XmlNode node(named("r"), nullptr);
     node.addChild(named("a"), -1);
     std::unique_ptr<XmlNode> child(node.getChildren(0));
@@ -145,12 +145,15 @@ TEST(XmlNode, ClearOnAChildTakesItOutOfItsParentWhoseePointerStays) {
     EXPECT_EQ(noSuchChild(child.get(), "r"), failure([&] { child->clear(); }));
 }
 
-TEST(XmlNode, DetachedChildCanBeGivenBackThroughTheList) {
+TEST(XmlNode, DetachedChildIsAdoptedByAnother) {
     XmlNode node(named("r"), nullptr), other(named("o"), nullptr);
     node.addChild(named("a"), -1);
-    XmlNode* child = node.getChildren(0);
-    node.detachChild(child);
-    other.children.push_back(child); // owned by the list again
-    child->parent = &other;
-    EXPECT_EQ("o/(a/)", shape(other));
+    other.addChild(named("b"), -1);
+    std::unique_ptr<XmlNode> child(node.getChildren(0));
+    node.detachChild(child.get());
+    XmlNode* adopted = other.adoptChild(std::move(child), 0);
+    EXPECT_EQ(&other, adopted->parent);
+    EXPECT_EQ("o(a/ b/)", shape(other));
+    delete adopted;
+    EXPECT_EQ("o(b/)", shape(other));
 }
