@@ -24,6 +24,9 @@ bool waitFor(const std::function<bool()>& condition, double seconds) {
 Program::Program() {
     static int count = 0;
     mTitle = "Show " + std::to_string(++count) + " of " + std::to_string(getpid());
+    for (const auto& entry : std::filesystem::directory_iterator(sourcePath("data")))
+        if (entry.is_directory())
+            std::filesystem::create_symlink(entry.path(), mDir.file(entry.path().filename().string()));
 }
 
 Program::~Program() {

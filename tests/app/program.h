@@ -18,7 +18,8 @@ constexpr double DEADLINE = 60.0;
 // Tries `condition` until it holds; false if it does not within `seconds`.
 bool waitFor(const std::function<bool()>& condition, double seconds = DEADLINE);
 
-// The show's executable, started in a folder that the test fills first.
+// The show's executable, started in a folder that the test fills first. What the effects load is there
+// already: the folders of data/, and none of its files.
 class Program {
 public:
     Program();

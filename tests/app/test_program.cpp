@@ -248,6 +248,17 @@ TEST(TheProgram, AMissingScriptIsTold) {
     EXPECT_EQ(program.read("setup.local.xml"), setup(program, NOSOUND));
 }
 
+TEST(TheProgram, AnEffectThatCanNotLoadIsToldAndTheSetupSaved) {
+    Program program;
+    prepare(program);
+    std::filesystem::remove(program.dir().file("border"));
+    EXPECT_EQ(program.run(), 0);
+    EXPECT_TRUE(contains(program.output(), "Loading effect: border.")) << program.output();
+    EXPECT_TRUE(contains(program.output(), "\nerror: loadImage, File not found (border/border2.png)\n"))
+        << program.output();
+    EXPECT_TRUE(contains(program.read("setup.local.xml"), "<music mute=\"off\"/>"));
+}
+
 TEST(TheProgram, AScriptThatCanNotBeLoadedPlaysNothing) {
     Program program;
     prepare(program);
@@ -307,13 +318,13 @@ TEST(TheProgram, WithoutAScreenSaysSoAndStillSaves) {
 TEST(TheProgram, PlaysFromAZip) {
     Program program;
     program.write("script.xml", SCRIPT);
-    program.write("sub/tune.wav", makeWav(4000));
-    ASSERT_EQ(
-        runCommand("cd '" + program.dir().path() + "' && zip -q -m show.zip script.xml sub/tune.wav").first,
-        0);
+    program.write("zipped/tune.wav", makeWav(4000));
+    ASSERT_EQ(runCommand("cd '" + program.dir().path() + "' && zip -q -m show.zip script.xml zipped/tune.wav")
+                  .first,
+              0);
     ASSERT_FALSE(program.has("script.xml"));
     program.write("setup.xml",
-                  setup(program, "<archive path=\"zip://show.zip\"/><music filename=\"sub/tune.wav\"/>"));
+                  setup(program, "<archive path=\"zip://show.zip\"/><music filename=\"zipped/tune.wav\"/>"));
     EXPECT_EQ(program.run(), 0); // ends with the music
     EXPECT_FALSE(contains(program.output(), "error:")) << program.output();
     EXPECT_TRUE(contains(program.output(), "name: color, value: white\n")) << program.output();
