@@ -2,6 +2,7 @@
 
 #include "border.h"
 #include "clear.h"
+#include "cloud.h"
 #include "credits.h"
 #include "cubejox.h"
 #include "grand.h"
@@ -11,6 +12,7 @@
 #include "kub.h"
 #include "overlay.h"
 #include "rund.h"
+#include "spark.h"
 #include "tunnel.h"
 #include "vul.h"
 #include "waxon.h"
@@ -44,6 +46,7 @@ void show() {
     Cubejox cubejox(&common);
     WaxOn   waxon(&common);
     Overlay overlay(&common);
+    Spark   spark(&common);
     Greet   greet(&common);
     Grand   grand(&common);
     Credits creditsCode(&common, "code");
@@ -56,6 +59,7 @@ void show() {
     Credits creditsQark(&common, "qark");
     Grid    grid(&common);
     Tunnel  tunnel(&common);
+    Cloud   cloud(&common);
 
     kindler.addCallback("clear", clear);
     kindler.addCallback("credits_code", creditsCode);
@@ -74,10 +78,12 @@ void show() {
     kindler.addCallback("kub", kub);
     kindler.addCallback("rund", rund);
     kindler.addCallback("tunnel", tunnel);
+    kindler.addCallback("cloud", cloud);
     kindler.addCallback("xor", xor_);
     kindler.addCallback("vul", vul);
     kindler.addCallback("waxon", waxon);
     kindler.addCallback("overlay", overlay);
+    kindler.addCallback("spark", spark);
 
     kindler.run();
 }

@@ -1,0 +1,92 @@
+#include "cloud.h"
+
+#include "dis_display.h"
+#include "dis_glcheck.h"
+#include "effect_view.h"
+#include "mb_matrix4x4col.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace zentrak::kindler {
+
+using mathbase::Matrix4x4Col;
+using mathbase::Vector3f;
+
+namespace {
+
+constexpr float PI = 3.14159265f;
+constexpr int   NUM_SPRITES = 10000;
+constexpr float SIZE = 7.0f; // world units
+
+Vector3f path[NUM_SPRITES];
+float    alpha;
+
+// The first sprite to draw, counted from the far end: in the later part "alpha" thins the cloud from there.
+int firstSprite(float progress) {
+    if (!(progress >= 0.2f))
+        return 0;
+    const float skipped = (1.0f - alpha) * float(NUM_SPRITES);
+    return skipped > 0 ? static_cast<int>(std::min(skipped, float(NUM_SPRITES))) : 0;
+}
+
+} // namespace
+
+Vector3f getCloudPath(float t) {
+    const double d = t;
+    return Vector3f(float(sin(0.12 * d) + 5.05 * cos(0.2 * d) * sin(0.01 * d + 1.5)),
+                    float(cos(0.21 * d) + 2.0 * sin(0.3 * d)), float(3.0 * d));
+}
+
+Cloud::Cloud(Common*) : mTexture(nullptr), mProgram(nullptr) {}
+
+void Cloud::setup() {
+    mTexture.setDisplay(mDisplay);
+    mProgram.setDisplay(mDisplay);
+    mTexture.load("hurry/particle.png", true);
+    mTexture.init();
+    for (int i = 0; i < NUM_SPRITES; ++i)
+        path[i] = getCloudPath(float(i) / 100.0f) + mRandom.unitSphere() * 10.0f;
+}
+
+void Cloud::updateSpline(float, const std::string& name, float value) {
+    if (name == "alpha")
+        alpha = value;
+}
+
+void Cloud::update(float, float, float progress) {
+    mDisplay->resetStates();
+    setPerspective(*mDisplay, PI / 4.0f, 0.015f, 1000.0f);
+    const Vector3f eye = getCloudPath(100.0f * (1.0f - progress));
+    const Vector3f target = eye + Vector3f(0, 0, 10);
+    const float    roll = 10.0f * progress;
+    setCamera(*mDisplay, eye, target, roll);
+    const Billboard board(eye, target, roll);
+
+    GL_CALL(glDisable(GL_CULL_FACE));
+    GL_CALL(glDisable(GL_DEPTH_TEST));
+    GL_CALL(glEnable(GL_TEXTURE_2D));
+    GL_CALL(glEnable(GL_BLEND));
+    mDisplay->setTransform(Matrix4x4Col());
+    mTexture.bind();
+    const Vector3f right = board.right * SIZE;
+    const Vector3f up = board.up * SIZE;
+    for (int i = NUM_SPRITES - 1 - firstSprite(progress); i >= 0; --i) {
+        const float distance = (path[i] - eye).length();
+        float       opacity = 0.15f * (1.0f - 0.003f * distance);
+        if (progress < 0.5f)
+            opacity *= alpha;
+        if (!(opacity > 0))
+            continue;
+        mBatch.color(1, 0.9f, 0.8f, opacity);
+        mBatch.sprite(path[i], right, up);
+    }
+    mBatch.flush();
+    mTexture.unbind();
+    GL_CALL(glDisable(GL_TEXTURE_2D));
+    GL_CALL(glDisable(GL_CULL_FACE));
+    GL_CALL(glDisable(GL_DEPTH_TEST));
+    GL_CALL(glDisable(GL_BLEND));
+}
+
+} // namespace zentrak::kindler

@@ -1,0 +1,207 @@
+// Paints the strip of eight particle sprites and writes the particle file of the show.
+//   make_spark_art FOLDER       writes sparks.png and spark/spark.xml below the show's data folder
+
+#include "canvas.h"
+
+#include <cmath>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+using namespace zentrak::art;
+
+namespace {
+
+constexpr int   CELLS = 8;
+constexpr int   CELL = 128; // pixels
+constexpr float PI = 3.14159265f;
+
+// A point of a cell: -1 to 1 from edge to edge.
+struct Point {
+    float x, y;
+
+    float radius() const { return hypotf(x, y); }
+    float angle() const { return atan2f(y, x); }
+};
+
+// Several octaves of noise, about -1 to 1.
+float cloudNoise(float x, float y, unsigned seed) {
+    float sum = 0, weight = 0.55f;
+    for (unsigned octave = 0; octave < 5; ++octave) {
+        sum += weight * noise(x, y, seed + octave);
+        weight *= 0.52f;
+        x *= 2.03f;
+        y *= 2.03f;
+    }
+    return sum;
+}
+
+// Light of one sprite: 0 to 1. Each is dark well before the cell's edge, so that no cell bleeds into the
+// next.
+
+float glow(Point p) {
+    const float r = p.radius();
+    return r < 1 ? powf(1 - r, 2.4f) * 0.7f + 0.3f * expf(-r * r * 14) : 0.0f;
+}
+
+float core(Point p) {
+    const float r = p.radius();
+    return expf(-r * r * 90) + 0.45f * expf(-r * 9) + 0.1f * expf(-r * r * 6);
+}
+
+// A cell of convection: bright and lumpy, with darker lanes.
+float granule(Point p) {
+    const float warp = 0.16f * cloudNoise(3 * p.x, 3 * p.y, 11);
+    const float r = p.radius() * (1.15f + warp);
+    const float lanes = 1 - powf(1 - fabsf(cloudNoise(1.7f * p.x + 7, 1.7f * p.y, 23)), 5);
+    return smoothstep(0, 0.8f, 0.9f - r) * (0.5f + 0.5f * lanes);
+}
+
+// Tongues that lick outwards.
+float flame(Point p) {
+    const float r = p.radius();
+    const float x = p.x / (r + 0.05f), y = p.y / (r + 0.05f);
+    const float tongues = cloudNoise(1.9f * x + 1.2f * r, 1.9f * y - 1.2f * r, 31);
+    const float reach = 0.62f + 0.5f * tongues;
+    const float wisps = 0.75f + 0.5f * cloudNoise(3 * p.x + 4, 3 * p.y, 41);
+    return smoothstep(0, 0.55f, reach - r) * clamp01(wisps) * (0.4f + 0.6f * expf(-4 * r * r));
+}
+
+// A thin shell, seen from outside.
+float shell(Point p) {
+    const float wave = 0.07f * cloudNoise(1.3f * p.x, 1.3f * p.y, 53);
+    return 0.8f * expf(-powf((p.radius() - 0.64f + wave) / 0.085f, 2)) +
+           0.12f * smoothstep(0, 0.7f, 0.75f - p.radius());
+}
+
+// An upright spindle.
+float ray(Point p) {
+    const float width = 0.05f + 0.09f * (1 - fabsf(p.y));
+    return expf(-powf(p.x / width, 2)) * powf(clamp01(1 - fabsf(p.y) / 0.95f), 1.5f) +
+           0.5f * expf(-(p.x * p.x + p.y * p.y) * 40);
+}
+
+// A glint with four points.
+float star(Point p) {
+    const float ax = fabsf(p.x), ay = fabsf(p.y);
+    const float cross = expf(-ax * 34 - ay * 2.6f) + expf(-ay * 34 - ax * 2.6f);
+    return clamp01(0.85f * cross + 0.6f * expf(-(p.x * p.x + p.y * p.y) * 70));
+}
+
+float smoke(Point p) {
+    const float x = p.x + 0.35f * cloudNoise(1.7f * p.x, 1.7f * p.y, 61);
+    const float y = p.y + 0.35f * cloudNoise(1.7f * p.x + 9, 1.7f * p.y, 67);
+    const float r = hypotf(x, y);
+    const float wisps = 0.55f + 0.75f * cloudNoise(2.2f * x, 2.2f * y, 71);
+    return clamp01(wisps) * smoothstep(0, 0.8f, 0.85f - r);
+}
+
+Canvas strip() {
+    using Sprite = float (*)(Point);
+    static const Sprite sprites[CELLS] = {glow, core, granule, flame, shell, ray, star, smoke};
+    Canvas              canvas(CELLS * CELL, CELL);
+    canvas.paint([](float x, float y) {
+        const int   cell = static_cast<int>(x) / CELL;
+        const Point p = {2 * (x - static_cast<float>(cell * CELL)) / CELL - 1, 2 * y / CELL - 1};
+        const float light = clamp01(sprites[cell](p));
+        return Colour{1, 1, 1, light * (1 - smoothstep(0.8f, 0.98f, p.radius()))};
+    });
+    return canvas;
+}
+
+// One emitter of the particle file. All fly out from the centre; the energy is far above 1 at first, so that
+// a particle shines evenly until it is about as far out as the sun is to reach, and then goes out quickly.
+struct Stream {
+    const char* name;
+    int         texture, rate;
+    float       speed[2]; // units per second
+    float       reach[2]; // units from the centre at which it has gone out
+    float       fade;     // units before that over which it goes out
+    const char* color[2];
+    float       size[2]; // units
+    float       sizedecay[2];
+    float       intensity[2];
+    float       noise[2];
+    float       angle[2]; // from the y axis, radians
+    float       timeoffset[2];
+};
+
+// The far plane of the effect's camera lies 1000 units away: from 1500 units off nothing but what is more
+// than 500 units out towards the eye is seen. That is what the surface is for; it stays hidden on its way.
+// clang-format off
+const Stream sun[] = {
+    {"glow",     0,   80, {170, 200}, {470, 540}, 160, {"ff5a14", "ff8434"}, {150, 210}, {-0.10f, 0.05f},
+     {0.14f, 0.20f}, {0.00f, 0.05f}, {PI, 0}, {0.15f, 0.50f}},
+    {"granules", 2,  360, {185, 200}, {520, 560},  70, {"ff701c", "ffb868"}, { 48,  86}, {-0.05f, 0.05f},
+     {0.14f, 0.26f}, {0.05f, 0.25f}, {PI, 0}, {0.15f, 0.50f}},
+    {"flames",   3,  200, {150, 260}, {420, 600}, 120, {"ff3408", "ff7c20"}, { 60, 120}, { 0.00f, 0.15f},
+     {0.16f, 0.30f}, {0.10f, 0.35f}, {PI, 0}, {0.10f, 0.50f}},
+    {"core",     1,  160, { 40,  90}, { 90, 170},  50, {"ffd8a0", "fff4e8"}, { 30,  60}, { 0.10f, 0.30f},
+     {0.25f, 0.40f}, {0.00f, 0.10f}, {PI, 0}, {0.10f, 0.40f}},
+    {"sparks",   6,  260, {230, 330}, {560, 700},  60, {"ffc070", "ffffff"}, {  8,  20}, { 0.00f, 0.20f},
+     {0.50f, 0.90f}, {0.30f, 0.80f}, {PI, 0}, {0.10f, 0.60f}},
+    {"haze",     7,   40, {140, 170}, {480, 620}, 150, {"a02808", "d05010"}, {180, 260}, {-0.10f, 0.00f},
+     {0.10f, 0.16f}, {0.00f, 0.05f}, {PI, 0}, {0.30f, 0.80f}},
+    {"surface",  2, 7500, {196, 204}, {645, 670},  50, {"ff6418", "ffa858"}, { 50,  90}, { 0.00f, 0.03f},
+     {0.28f, 0.44f}, {0.05f, 0.25f}, {PI, 0}, {2.30f, 2.45f}},
+    {"shine",    0, 3000, {195, 205}, {640, 660},  50, {"ff4c10", "ff7428"}, {190, 260}, { 0.00f, 0.03f},
+     {0.22f, 0.30f}, {0.00f, 0.10f}, {PI, 0}, {2.30f, 2.45f}},
+    {"corona",   3, 1200, {195, 225}, {670, 730},  70, {"ff3c0c", "ff8028"}, {110, 180}, { 0.00f, 0.03f},
+     {0.26f, 0.40f}, {0.10f, 0.35f}, {PI, 0}, {2.20f, 2.50f}},
+};
+// clang-format on
+
+void writePair(std::ofstream& out, const char* name, float v1, float v2) {
+    char line[128];
+    snprintf(line, sizeof line, "\t\t\t<%s v1=\"%.4g\" v2=\"%.4g\"/>\n", name, static_cast<double>(v1),
+             static_cast<double>(v2));
+    out << line;
+}
+
+void writeStream(std::ofstream& out, const Stream& s) {
+    out << "\t\t<emitter name=\"" << s.name << "\" texture=\"" << s.texture << "\" rate=\"" << s.rate
+        << "\" num=\"-1\">\n";
+    writePair(out, "speed", s.speed[0], s.speed[1]);
+    writePair(out, "angle", s.angle[0], s.angle[1]);
+    out << "\t\t\t<color v1=\"" << s.color[0] << "\" v2=\"" << s.color[1] << "\"/>\n";
+    // Energy falls from 1 to 0.1 on the last `fade` units, and so by the same factor on each like way before.
+    const float speed = (s.speed[0] + s.speed[1]) / 2;
+    const float decay = logf(10) * speed / s.fade;
+    writePair(out, "energy", 0.1f * expf(decay * s.reach[0] / speed),
+              0.1f * expf(decay * s.reach[1] / speed));
+    writePair(out, "energydecay", decay, decay);
+    writePair(out, "size", s.size[0], s.size[1]);
+    writePair(out, "sizedecay", s.sizedecay[0], s.sizedecay[1]);
+    writePair(out, "intensity", s.intensity[0], s.intensity[1]);
+    writePair(out, "noise", s.noise[0], s.noise[1]);
+    writePair(out, "timeoffset", s.timeoffset[0], s.timeoffset[1]);
+    out << "\t\t</emitter>\n";
+}
+
+bool writeParticles(const std::filesystem::path& path) {
+    std::filesystem::create_directories(path.parent_path());
+    std::ofstream out(path);
+    out << "<?xml version=\"1.0\"?>\n<!-- The particles of the show. Made by make_spark_art. -->\n<spark>\n"
+           "\t<instance name=\"sun\">\n";
+    for (const Stream& stream : sun)
+        writeStream(out, stream);
+    out << "\t</instance>\n</spark>\n";
+    out.close();
+    if (!out)
+        fprintf(stderr, "can't write %s\n", path.c_str());
+    return bool(out);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 2) {
+        fprintf(stderr, "usage: make_spark_art FOLDER\n");
+        return 2;
+    }
+    const std::filesystem::path folder = argv[1];
+    std::filesystem::create_directories(folder);
+    return strip().write((folder / "sparks.png").string()) && writeParticles(folder / "spark/spark.xml") ? 0
+                                                                                                         : 1;
+}
