@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <dlfcn.h>
 #include <unistd.h>
 
@@ -43,7 +44,8 @@ extern "C" void glfwSwapBuffers(GLFWwindow* window) {
     if (frames++ == 0) {
         glFinish();
         first = now();
-        fprintf(stderr, "start to first frame: %.3f s\n", first - start);
+        fprintf(stderr, "start to first frame: %.3f s, of it %.3f s of processor time\n", first - start,
+                static_cast<double>(clock()) / CLOCKS_PER_SEC);
     }
     if (now() - first > seconds) {
         fprintf(stderr, "frames a second: %.1f\n", static_cast<double>(frames) / (now() - first));

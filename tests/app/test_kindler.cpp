@@ -1,4 +1,5 @@
 // The driver on a real window, with music on a sound device that nobody hears.
+#include "allocations.h"
 #include "am_archivemanager.h"
 #include "am_videofile.h"
 #include "kin_main.h"
@@ -603,6 +604,29 @@ TEST_F(Show, MarkersPastTheEndLeaveTheBar) {
         kindler.mDemoLength = length;
         kindler.drawOsd();
     }
+}
+
+TEST_F(Show, OnceWarmAFrameAllocatesNothing) {
+    writeShow("<music filename=\"tune.wav\"/>");
+    write("tune.wav", makeWav(60 * 8000));
+    Kindler kindler;
+    kindler.setup();
+    struct Nothing : kindler::Effect {
+        void update(float, float, float) override {}
+    } nothing;
+    kindler.addCallback("probe", nothing);
+    kindler.openDisplay(320, 200, false, "Bar");
+    kindler.openSound("tune.wav");
+    kindler.mMusic.mStream->play();
+    size_t asked = 0;
+    for (int i = 0; i < 8; ++i) {
+        kindler.mDisplay->resetAllStates();
+        const size_t before = test::allocationCount();
+        kindler.setTime(static_cast<float>(i)); // raises the on-screen display
+        kindler.onDraw();
+        asked = i < 3 ? 0 : asked + test::allocationCount() - before;
+    }
+    EXPECT_EQ(asked, 0u);
 }
 
 // -- the dump

@@ -1,3 +1,4 @@
+#include "allocations.h"
 #include "clear.h"
 #include "effect_test.h"
 #include "support.h"
@@ -125,4 +126,17 @@ TEST_F(ClearTest, BlendingIsOffAfterwards) {
         mClear.update(0, 0, 0);
         EXPECT_FALSE(glIsEnabled(GL_BLEND));
     });
+}
+
+TEST_F(ClearTest, OnceWarmAFrameAllocatesNothing) {
+    size_t asked = 0;
+    for (int i = 0; i < 6; ++i)
+        frame([&] {
+            mClear.type = i % 2 ? "flat" : "gradient";
+            const size_t before = test::allocationCount();
+            mClear.updateSpline(1, "alpha", 0.5f);
+            mClear.update(1, 0.02f, 0.5f);
+            asked = i < 2 ? 0 : asked + test::allocationCount() - before;
+        });
+    EXPECT_EQ(asked, 0u);
 }

@@ -1,3 +1,4 @@
+#include "allocations.h"
 #include "effect_test.h"
 #include "grid.h"
 
@@ -130,4 +131,16 @@ TEST_F(GridTest, LeavesTheLastCameraAndNoBlending) {
 TEST_F(GridTest, AnyTimeIsHarmless) {
     for (float time : {-5.0f, 1e6f, 1e38f})
         at(time);
+}
+
+TEST_F(GridTest, OnceWarmAFrameAllocatesNothing) {
+    size_t asked = 0;
+    for (int i = 0; i < 4; ++i)
+        frame([&] {
+            const size_t before = test::allocationCount();
+            mGrid.updateSpline(1, "alpha", 0.5f);
+            mGrid.update(static_cast<float>(i), 0.02f, 0.5f);
+            asked = i < 1 ? 0 : asked + test::allocationCount() - before;
+        });
+    EXPECT_EQ(asked, 0u);
 }

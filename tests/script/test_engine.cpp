@@ -1,4 +1,5 @@
 // The timeline driven by hand: which spans run when, in which order, with which numbers.
+#include "allocations.h"
 #include "recorder.h"
 #include "script_engine.h"
 
@@ -417,4 +418,23 @@ TEST(ScriptEngine, WhatACallbackAddsToTheTimelineIsSeenInTheSameFrame) {
     line.addCallback("adder", &adder);
     line.add(makeEffect("adder", 0, 10));
     EXPECT_EQ(line.at(0.5f).size(), 300u);
+}
+
+TEST(ScriptEngine, AFrameAllocatesNothing) {
+    struct Nothing : Callback {
+        void update(float, float, float) override {}
+    } nothing;
+    Timeline line;
+    line.addCallback("a name too long to be kept without an allocation", &nothing);
+    Effect* const effect = line.add(makeEffect("a name too long to be kept without an allocation", 0, 100));
+    effect->mTriggers.push_back(
+        makeTrigger("a trigger of a long name, and its value", std::string(100, 'v'), 0, 90, 1));
+    effect->mSplines.push_back(makeLine("a spline whose name is long enough as well", 0, 0, 10, 1));
+    effect->mChildren.push_back(makeEffect("a name too long to be kept without an allocation", 0, 50));
+    const size_t before = zentrak::test::allocationCount();
+    for (int i = 0; i < 100; ++i)
+        line.update(static_cast<float>(i));
+    line.update(3); // a rewind
+    EXPECT_EQ(zentrak::test::allocationCount(), before);
+    EXPECT_EQ(effect->mTriggers[0]->mFired, 4);
 }
