@@ -51,8 +51,8 @@ public:
 
     // Opens a window by mWindowMode, at time 0, paced by FPS_VSYNC; if it is open, gives it the size and
     // title of mWindowMode. A width or height of 0 or less is taken from the other at 4:3 (both: 640 x 480),
-    // and stored. Throws "Could not open window", also for a size above 32767, or "DisplayGL: Could not
-    // initialize GLEW!".
+    // and stored. Throws "Could not open window", also for a side above 32767 or more than 2^28 pixels, or
+    // "DisplayGL: Could not initialize GLEW!".
     void open();
     void close(); // asserts "mOpened"; GL objects die with the context, and resources are not told
 

@@ -38,9 +38,9 @@ public:
     int onKeyDown(const display::KeyEvent& event) override {
         note("key %d", event.key);
         keys.push_back(event);
-        if (onKey)
-            onKey();
-        return answer;
+        const int result = answer; // it may be deleted in what follows
+        run(onKey);
+        return result;
     }
     int onKeyUp(const display::KeyEvent& event) override {
         note("keyup %d", event.key);
@@ -68,8 +68,7 @@ public:
         ++draws;
         if (noteDraws)
             note("draw");
-        if (draw)
-            draw();
+        run(draw);
     }
     void onIconify(bool iconified) override { note("iconify %d", iconified); }
     void onChangeFocus(bool focused) override { note("focus %d", focused); }
@@ -87,6 +86,12 @@ public:
     std::vector<display::KeyEvent>         keys;
 
 private:
+    // A copy: what it does may delete the recorder.
+    static void run(std::function<void()> action) {
+        if (action)
+            action();
+    }
+
     __attribute__((format(printf, 2, 3))) void note(const char* format, ...) {
         char    text[200];
         va_list arguments;

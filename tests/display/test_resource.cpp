@@ -232,14 +232,6 @@ TEST(ClosedDisplay, WithoutADisplayServerOpenThrows) {
         setenv("DISPLAY", saved.c_str(), 1);
 }
 
-TEST(ClosedDisplay, ASizeBeyondTheWindowSystemDoesNotOpen) {
-    for (const auto& [width, height] :
-         {std::pair(32768, 100), std::pair(100, 32768), std::pair(2147483647, 0)}) {
-        DisplayGL display(WindowMode("huge", width, height, false));
-        EXPECT_EQ("Could not open window", thrownBy([&] { display.open(); }));
-    }
-}
-
 TEST(ClosedDisplay, SetArchiveSaysWhichToWhich) {
     DisplayGL          display{WindowMode()};
     am::ArchiveManager archives;

@@ -125,10 +125,23 @@ TEST(Window, WithoutASizeTakesOne) {
 }
 
 TEST(Window, OfAHugeSizeDoesNotOpenAndLeavesTheDisplayUsable) {
-    DisplayGL display(WindowMode("huge", 40000, 300, false));
-    EXPECT_THROW(display.open(), Exception);
-    EXPECT_FALSE(display.mOpened);
-    display.mWindowMode.width = 300;
+    DisplayGL display(WindowMode("huge", 300, 300, false));
+    for (const auto& [width, height] :
+         {std::pair(32768, 100), std::pair(100, 32768), std::pair(2147483647, 0), std::pair(0, 2147483647),
+          std::pair(32767, 32767), std::pair(16385, 16384)}) {
+        display.mWindowMode.width = width;
+        display.mWindowMode.height = height;
+        std::string text = "nothing";
+        try {
+            display.open();
+        } catch (const Exception& exception) {
+            text = exception.what();
+        }
+        EXPECT_EQ("Could not open window", text) << width << "x" << height;
+        EXPECT_FALSE(display.mOpened);
+        EXPECT_EQ(0, display.mContextCount);
+    }
+    display.mWindowMode.width = display.mWindowMode.height = 300;
     display.open();
     EXPECT_TRUE(display.update());
     display.mWindowMode.height = 40000;

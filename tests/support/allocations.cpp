@@ -8,8 +8,18 @@ namespace {
 
 std::atomic<size_t> allocations{0};
 
-void* counted(void* memory) {
+void* plain(size_t size) {
     ++allocations;
+    return std::malloc(size ? size : 1);
+}
+
+void* aligned(size_t size, std::align_val_t alignment) {
+    ++allocations;
+    const size_t step = size_t(alignment);
+    return std::aligned_alloc(step, (size + step - 1) / step * step);
+}
+
+void* orThrow(void* memory) {
     if (!memory)
         throw std::bad_alloc();
     return memory;
@@ -21,28 +31,27 @@ size_t zentrak::test::allocationCount() {
     return allocations;
 }
 
-// The forms that the others are made of.
-void* operator new(size_t size) {
-    return counted(std::malloc(size ? size : 1));
-}
+// Every form: a library that mixes them, as drivers do, must not get one of ours with one of another's.
+// clang-format off
+void* operator new(size_t size) { return orThrow(plain(size)); }
+void* operator new[](size_t size) { return orThrow(plain(size)); }
+void* operator new(size_t size, const std::nothrow_t&) noexcept { return plain(size); }
+void* operator new[](size_t size, const std::nothrow_t&) noexcept { return plain(size); }
+void* operator new(size_t size, std::align_val_t alignment) { return orThrow(aligned(size, alignment)); }
+void* operator new[](size_t size, std::align_val_t alignment) { return orThrow(aligned(size, alignment)); }
+void* operator new(size_t size, std::align_val_t alignment, const std::nothrow_t&) noexcept { return aligned(size, alignment); }
+void* operator new[](size_t size, std::align_val_t alignment, const std::nothrow_t&) noexcept { return aligned(size, alignment); }
 
-void* operator new(size_t size, std::align_val_t alignment) {
-    const size_t step = size_t(alignment);
-    return counted(std::aligned_alloc(step, (size + step - 1) / step * step));
-}
-
-void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-
-void operator delete(void* memory, size_t) noexcept {
-    std::free(memory);
-}
-
-void operator delete(void* memory, std::align_val_t) noexcept {
-    std::free(memory);
-}
-
-void operator delete(void* memory, size_t, std::align_val_t) noexcept {
-    std::free(memory);
-}
+void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete[](void* memory) noexcept { std::free(memory); }
+void operator delete(void* memory, size_t) noexcept { std::free(memory); }
+void operator delete[](void* memory, size_t) noexcept { std::free(memory); }
+void operator delete(void* memory, const std::nothrow_t&) noexcept { std::free(memory); }
+void operator delete[](void* memory, const std::nothrow_t&) noexcept { std::free(memory); }
+void operator delete(void* memory, std::align_val_t) noexcept { std::free(memory); }
+void operator delete[](void* memory, std::align_val_t) noexcept { std::free(memory); }
+void operator delete(void* memory, size_t, std::align_val_t) noexcept { std::free(memory); }
+void operator delete[](void* memory, size_t, std::align_val_t) noexcept { std::free(memory); }
+void operator delete(void* memory, std::align_val_t, const std::nothrow_t&) noexcept { std::free(memory); }
+void operator delete[](void* memory, std::align_val_t, const std::nothrow_t&) noexcept { std::free(memory); }
+// clang-format on

@@ -17,9 +17,10 @@ using namespace glfw2;
 DisplayGL*               DisplayGL::currentDisplay = nullptr;
 std::vector<std::string> DisplayGL::sDeniedExtensions;
 
-static const int    MAX_WINDOW_SIZE = 32767; // what the window system can count, pixels
-static const double MAX_FRAME_WAIT = 10.0;   // seconds
-static const double SPIN_TIME = 0.005;       // seconds at the end of a wait that sleeping would not hit
+static const int    MAX_WINDOW_SIZE = 32767;   // what the window system can count, pixels a side
+static const int    MAX_WINDOW_AREA = 1 << 28; // pixels; a picture of more does not get through to it
+static const double MAX_FRAME_WAIT = 10.0;     // seconds
+static const double SPIN_TIME = 0.005;         // seconds at the end of a wait that sleeping would not hit
 static const double ICONIFIED_FRAME = 1.0 / 60;
 
 // Opening and closing
@@ -81,7 +82,8 @@ static void completeSize(WindowMode& mode) {
 
 void DisplayGL::open() {
     completeSize(mWindowMode);
-    if (mWindowMode.width > MAX_WINDOW_SIZE || mWindowMode.height > MAX_WINDOW_SIZE)
+    if (mWindowMode.width > MAX_WINDOW_SIZE || mWindowMode.height > MAX_WINDOW_SIZE ||
+        mWindowMode.width > MAX_WINDOW_AREA / mWindowMode.height)
         throw Exception("Could not open window");
 
     glfwOpenWindowHint(GLFW_WINDOW_NO_RESIZE, mWindowMode.canResize ? 0 : 1);
