@@ -191,6 +191,18 @@ TEST(Matrix, SetProjectInfHasNoFarPlane) {
     EXPECT_NEAR(1.0f, distant.z / distant.w, 1e-5f);
 }
 
+TEST(Matrix, SetProjectInfTakesTheTangentInDoublePrecision) {
+    int differing = 0;
+    for (float fov = 0.3f; fov < 2.5f; fov += 0.1f) {
+        Matrix4x4Col m;
+        m.setProjectInf(fov, 1, 0.7f);
+        const float h = static_cast<float>(0.7f * tan(static_cast<double>(fov) / 2.0));
+        EXPECT_EQ(0.7f / h, m.mData[5]) << fov;
+        differing += 0.7f / h != 0.7f / (0.7f * tanf(fov / 2.0f));
+    }
+    EXPECT_GT(differing, 0);
+}
+
 TEST(Matrix, SetProjectOrthoKeepsTheSignOfDepth) {
     Matrix4x4Col m = dirty();
     m.setProjectOrtho(-1, 1, -1, 1, 0, 1);

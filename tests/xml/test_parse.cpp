@@ -100,6 +100,26 @@ TEST(XmlParse, RepeatedAttributesOfATagOfVeryManyOverwriteToo) {
     }
 }
 
+TEST(XmlParse, TagsOfManyAttributesKnowNothingOfEachOther) {
+    const auto tagOf = [](int first, int step) {
+        std::string text = "<a";
+        for (int i = 0; i < 100; ++i) {
+            text += " n" + std::to_string(first + i * step) + "=" + std::to_string(i);
+        }
+        return text + "/>";
+    };
+    XmlParser parser;
+    parser.parse("<r>" + tagOf(0, 1) + tagOf(99, -1) + "</r>");
+    for (int i = 0; i < 100; ++i) {
+        const XmlTag::Argument& up = parser.getChildren(0)->arguments[static_cast<size_t>(i)];
+        const XmlTag::Argument& down = parser.getChildren(1)->arguments[static_cast<size_t>(i)];
+        EXPECT_EQ("n" + std::to_string(i), up.name);
+        EXPECT_EQ(std::to_string(i), up.value);
+        EXPECT_EQ("n" + std::to_string(99 - i), down.name);
+        EXPECT_EQ(std::to_string(i), down.value);
+    }
+}
+
 TEST(XmlParse, TextLosesSpaceInFrontAndKeepsItBehind) {
     EXPECT_EQ("r(4:!!!text/[content=hello  ])", parsed("<r>  hello  </r>"));
     EXPECT_EQ("r(4:!!!text/[content=a\nb    c d])", parsed("<r>\n a\r\nb\tc d</r>"));
