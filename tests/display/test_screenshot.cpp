@@ -61,6 +61,35 @@ TEST_F(ScreenShot, IsTheWindowFromTheTopInBlueGreenRedAndFullAlpha) {
     });
 }
 
+// A window without an alpha of its own reads as 255 in any case: this is a target that has one.
+TEST_F(ScreenShot, ForcesTheAlphaOfEveryPixel) {
+    window(64, 64);
+    frame([&] {
+        GLuint target = 0, pixels = 0;
+        glGenFramebuffersEXT(1, &target);
+        glGenRenderbuffersEXT(1, &pixels);
+        glBindRenderbufferEXT(GL_RENDERBUFFER_EXT, pixels);
+        glRenderbufferStorageEXT(GL_RENDERBUFFER_EXT, GL_RGBA8, 64, 64);
+        glBindFramebufferEXT(GL_FRAMEBUFFER_EXT, target);
+        glFramebufferRenderbufferEXT(GL_FRAMEBUFFER_EXT, GL_COLOR_ATTACHMENT0_EXT, GL_RENDERBUFFER_EXT,
+                                     pixels);
+        glClearColor(1, 0, 0, 0.25f);
+        glClear(GL_COLOR_BUFFER_BIT);
+        unsigned char pixel[4] = {};
+        glReadPixels(0, 0, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, pixel);
+        EXPECT_EQ(64, pixel[3]);
+        am::Image image = makeImage(64, 64);
+        display().getScreenShot(image);
+        for (size_t i = 0; i < 64 * 64 * 4; i += 4) {
+            ASSERT_EQ(255, image->getData()[i + 2]);
+            ASSERT_EQ(255, image->getData()[i + 3]);
+        }
+        glBindFramebufferEXT(GL_FRAMEBUFFER_EXT, 0);
+        glDeleteFramebuffersEXT(1, &target);
+        glDeleteRenderbuffersEXT(1, &pixels);
+    });
+}
+
 TEST_F(ScreenShot, InRgb24HasNoGapsBetweenItsRows) {
     window(203, 100); // 609 bytes a row
     frame([&] {
