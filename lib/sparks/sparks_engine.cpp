@@ -131,7 +131,7 @@ void Engine::update(float time) {
 }
 
 /*
- * The sprites' rows run down from the top: "up" in texture coordinates is down in the picture.
+ * A sprite stands on its head: the strip's top row is at its lower edge, on purpose.
  */
 void Engine::draw(const Matrix4x4Col* cameraInverse) {
     if (!isSetup)

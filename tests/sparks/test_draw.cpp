@@ -1,0 +1,299 @@
+#include "allocations.h"
+#include "dis_glcheck.h"
+#include "gl_fixture.h"
+#include "mb_matrix4x4col.h"
+#include "sparks_testing.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+
+using namespace zentrak;
+using namespace zentrak::sparks;
+using mathbase::Matrix4x4Col;
+using mathbase::Vector3f;
+using test::longLived;
+using test::Picture;
+
+namespace {
+
+// Looks along -z from (0, 0, 10), so that a sprite of size 2 in the origin covers the pixels around the
+// middle. The strip of sprites is one whose cells are of one opaque colour each: bit 0 of the cell's number
+// is red, bit 1 green, bit 2 blue, and the cell's upper half is white.
+class DrawTest : public test::GlTest {
+protected:
+    test::TempDir                      mFolder;
+    am::ArchiveManager                 mArchives;
+    std::unique_ptr<test::QuietEngine> mEngine;
+    Matrix4x4Col                       mCameraInverse;
+
+    void SetUp() override {
+        Picture strip(512, 64);
+        for (int y = 0; y < 64; ++y)
+            for (int x = 0; x < 512; ++x)
+                for (int c = 0; c < 4; ++c)
+                    strip.at(x, y)[c] = c == 3 || y < 32 || (x / 64 >> c & 1) ? 255 : 0;
+        ASSERT_TRUE(test::writePng(mFolder.file("sparks.png"), strip));
+        mArchives.addArchive(mFolder.path());
+        window(200, 200).display().setArchive(&mArchives);
+        display().setFps(display::DisplayGL::FPS_DELTA, 50);
+        display().setTime(0);
+        mEngine.reset(new test::QuietEngine(&display()));
+        engine().random.mState = 1;
+        mCameraInverse.setCameraInv(Vector3f(0, 0, 10), Vector3f(0, 0, 0), 0);
+    }
+    void TearDown() override {
+        mEngine.reset();
+        display().setArchive(&window().archives());
+    }
+    Engine& engine() { return **mEngine; }
+
+    void setCamera() {
+        Matrix4x4Col matrix;
+        matrix.setProject(1.0f, 1.0f, 0.1f, 100.0f);
+        display().setProject(matrix);
+        matrix.setCamera(Vector3f(0, 0, 10), Vector3f(0, 0, 0), 0);
+        display().setCamera(matrix);
+        display().setTransform(Matrix4x4Col());
+    }
+
+    // The picture when the display's clock shows `time`.
+    Picture at(float time) {
+        return frame([&] {
+            display().setTime(time);
+            setCamera();
+            engine().draw(&mCameraInverse);
+        });
+    }
+    // Red in the middle of the one particle, 0 to 1.
+    float redAt(float time) { return float(at(time).at(100, 90)[0]) / 255.0f; }
+
+    void add(Spark spark, float time = 0) {
+        spark.texture = 1;
+        display().setTime(time);
+        engine().addSpark(spark);
+    }
+};
+
+float alphaOf(float flicker, const Spark& spark, float age) {
+    float alpha = (1 - flicker * spark.noise) * std::min(spark.energy, 1.0f) * spark.intensity;
+    if (age < 0.2f)
+        alpha *= sinf(3.1415927f * age * 2.5f);
+    return alpha;
+}
+
+} // namespace
+
+TEST_F(DrawTest, TheAlphaIsEnergyUpToOneTimesIntensity) {
+    Spark spark = longLived();
+    spark.energy = 3;
+    spark.intensity = 0.5f;
+    add(spark);
+    EXPECT_NEAR(redAt(1), 0.5f, 0.005f);
+    engine().live->energy = 0.4f;
+    EXPECT_NEAR(redAt(1), 0.2f, 0.005f);
+}
+
+TEST_F(DrawTest, FadesInOverAFifthOfASecond) {
+    add(longLived());
+    EXPECT_NEAR(redAt(0.05f), sinf(3.1415927f * 0.125f), 0.01f);
+    EXPECT_NEAR(redAt(0.1f), 0.7071f, 0.01f);
+    EXPECT_NEAR(redAt(0.2f), 1, 0.005f);
+    EXPECT_NEAR(redAt(5), 1, 0.005f);
+}
+
+TEST_F(DrawTest, IsHiddenUntilItsTimeOffsetIsOver) {
+    Spark spark = longLived();
+    spark.timeoffset = 1;
+    add(spark, 2);
+    EXPECT_EQ(redAt(2), 0);
+    EXPECT_EQ(redAt(3), 0);                // not before the age is above 0
+    EXPECT_EQ(engine().random.mState, 1u); // what is hidden draws no random number
+    EXPECT_NEAR(redAt(3.1f), 0.7071f, 0.01f);
+    EXPECT_NE(engine().random.mState, 1u);
+    spark.timeoffset = NAN;
+    engine().live->timeoffset = NAN;
+    EXPECT_EQ(redAt(4), 0);
+}
+
+TEST_F(DrawTest, FlickersByTheLowestBitOfTheEngine) {
+    Spark spark = longLived();
+    spark.noise = 0.6f;
+    add(spark);
+    uint32_t state = 1;
+    int      dark = 0;
+    for (int i = 0; i < 8; ++i) {
+        state = state * 69069u + 5u;
+        dark += state & 1;
+        EXPECT_NEAR(redAt(1), alphaOf(float(state & 1), spark, 1), 0.005f) << i;
+        EXPECT_EQ(engine().random.mState, state);
+    }
+    EXPECT_GT(dark, 0);
+    EXPECT_LT(dark, 8);
+}
+
+TEST_F(DrawTest, EachCellIsAnEighthOfTheStripUpsideDown) {
+    for (int cell = 0; cell < 8; ++cell) {
+        display().setTime(0);
+        Spark spark = longLived();
+        spark.size = 4;
+        spark.texture = cell;
+        engine().addSpark(spark);
+        const Picture picture = at(1);
+        for (int c = 0; c < 3; ++c) {
+            EXPECT_EQ(picture.at(100, 75)[c], cell >> c & 1 ? 255 : 0) << cell;
+            EXPECT_EQ(picture.at(100, 125)[c], 255) << cell; // the cell's upper half
+        }
+        engine().live->size = 0;
+        engine().update(0);
+    }
+}
+
+TEST_F(DrawTest, AddsLightWithoutSorting) {
+    Spark spark = longLived();
+    spark.intensity = 0.25f;
+    for (int i = 0; i < 3; ++i) {
+        spark.position.z = float(i % 2);
+        add(spark);
+    }
+    EXPECT_NEAR(redAt(1), 0.75f, 0.015f);
+}
+
+TEST_F(DrawTest, ACameraWithoutAxesFailsItsAssertion) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    SUCCEED();
+    Matrix4x4Col zero;
+    zero.setZero();
+    EXPECT_DEATH(engine().draw(&zero), "length!=0");
+}
+
+TEST_F(DrawTest, IsThePictureOfOneCallPerVertex) {
+    mathbase::Random random(7);
+    for (int i = 0; i < 500; ++i) {
+        Spark spark = longLived();
+        spark.position = random.unitSphere() * (12 * random.uniform());
+        spark.size = 0.2f + 2 * random.uniform();
+        spark.colour = Vector3f(random.uniform(), random.uniform(), random.uniform());
+        spark.intensity = 0.3f * random.uniform();
+        spark.noise = random.uniform();
+        spark.energy = 0.1f + 2 * random.uniform();
+        spark.timeoffset = 1.2f * random.uniform();
+        spark.texture = int(8 * random.uniform());
+        engine().addSpark(spark);
+    }
+    mCameraInverse.setCameraInv(Vector3f(0, 0, 10), Vector3f(0, 0, 0), 0.7f);
+    Picture plain;
+    for (bool culled : {false, true}) {
+        engine().random.mState = 1;
+        const Picture batched = frame([&] {
+            display().setTime(1);
+            if (culled)
+                glEnable(GL_CULL_FACE);
+            setCamera();
+            engine().draw(&mCameraInverse);
+        });
+        plain = frame([&] {
+            display().setTime(1);
+            if (culled)
+                glEnable(GL_CULL_FACE);
+            setCamera();
+            const Vector3f right = mCameraInverse.multiplyVector(Vector3f(1, 0, 0)).getNormalized() * 0.5f;
+            const Vector3f up = mCameraInverse.multiplyVector(Vector3f(0, -1, 0)).getNormalized() * 0.5f;
+            glEnable(GL_BLEND);
+            glBlendFunc(GL_SRC_ALPHA, GL_ONE);
+            glEnable(GL_TEXTURE_2D);
+            engine().texture.bind();
+            uint32_t state = 1;
+            glBegin(GL_QUADS);
+            for (const Spark* s = engine().live; s; s = s->next) {
+                const float age = 1 - (s->time + s->timeoffset);
+                if (age <= 0)
+                    continue;
+                state = state * 69069u + 5u;
+                const float u0 = 0.125f * float(s->texture), u1 = u0 + 0.125f;
+                glColor4f(s->colour.x, s->colour.y, s->colour.z, alphaOf(float(state & 1), *s, age));
+                glTexCoord2f(u0, 0);
+                glVertex3fv(s->position + (up - right) * s->size);
+                glTexCoord2f(u1, 0);
+                glVertex3fv(s->position + (up + right) * s->size);
+                glTexCoord2f(u1, 1);
+                glVertex3fv(s->position + (right - up) * s->size);
+                glTexCoord2f(u0, 1);
+                glVertex3fv(s->position + (-up - right) * s->size);
+            }
+            glEnd();
+            engine().texture.unbind();
+        });
+        const auto difference = test::comparePictures(batched, plain);
+        EXPECT_LT(difference.mean, 0.2) << culled;
+        EXPECT_LT(difference.changed, 0.001) << culled;
+        double sum = 0;
+        for (uint8_t byte : plain.rgba)
+            sum += byte;
+        EXPECT_GT(sum / double(plain.rgba.size()), 70); // not black
+    }
+}
+
+TEST_F(DrawTest, LeavesBlendingForTheCallerToMind) {
+    add(longLived());
+    frame([&] {
+        display().setTime(1);
+        glEnable(GL_DEPTH_TEST);
+        engine().draw(&mCameraInverse);
+        EXPECT_TRUE(glIsEnabled(GL_BLEND));
+        EXPECT_TRUE(glIsEnabled(GL_POINT_SMOOTH));
+        EXPECT_TRUE(glIsEnabled(GL_DEPTH_TEST));
+        EXPECT_FALSE(glIsEnabled(GL_TEXTURE_2D));
+        GLint bound = -1;
+        glGetIntegerv(GL_TEXTURE_BINDING_2D, &bound);
+        EXPECT_EQ(bound, 0);
+        glDisable(GL_DEPTH_TEST);
+        glDisable(GL_BLEND);
+    });
+}
+
+TEST_F(DrawTest, WhatIsNoNumberOrEndlessIsDrawnWithoutHarm) {
+    for (float value : {NAN, INFINITY, -INFINITY, 1e38f}) {
+        Spark spark = longLived();
+        spark.position.x = value;
+        add(spark);
+        spark = longLived();
+        spark.size = value;
+        add(spark);
+        spark = longLived();
+        spark.colour.x = spark.intensity = value;
+        add(spark);
+        spark = longLived();
+        spark.texture = std::isnan(value) ? INT_MAX : INT_MIN;
+        add(spark);
+    }
+    at(1);
+    EXPECT_EQ(test::countOf(engine().live), 16);
+}
+
+TEST_F(DrawTest, AMissingStripIsAnError) {
+    test::TempDir      empty;
+    am::ArchiveManager none;
+    none.addArchive(empty.path());
+    display().setArchive(&none);
+    add(longLived());
+    EXPECT_THROW(at(1), Exception);
+    display().setArchive(&mArchives);
+}
+
+TEST_F(DrawTest, AllocatesNothingOnceWarm) {
+    Spark spark = longLived();
+    spark.size = 1;
+    for (int i = 0; i < 3000; ++i)
+        add(spark);
+    at(1);
+    at(1);
+    size_t used = 0;
+    frame([&] {
+        display().setTime(1);
+        setCamera();
+        const size_t before = test::allocationCount();
+        engine().draw(&mCameraInverse);
+        used = test::allocationCount() - before;
+    });
+    EXPECT_EQ(used, 0u);
+}
