@@ -1,0 +1,51 @@
+// Makes the scenes of the show and of the tests.
+//   make_scenes NAME FILE      one of face, cathedral, courtyard, stone into this file
+
+#include "scene/scenes.h"
+
+#include <cstdio>
+#include <cstring>
+#include <exception>
+#include <fstream>
+
+using namespace zentrak;
+
+namespace {
+
+struct Maker {
+    const char* name;
+    std::string (*make)();
+};
+
+const Maker makers[] = {
+    {"face", scene::makeFace},
+    {"cathedral", scene::makeCathedral},
+    {"courtyard", scene::makeCourtyard},
+    {"stone", scene::makeStone},
+};
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc == 3)
+        for (const Maker& maker : makers) {
+            if (strcmp(maker.name, argv[1]) != 0)
+                continue;
+            try {
+                const std::string image = maker.make();
+                std::ofstream     file(argv[2], std::ios::binary);
+                file.write(image.data(), static_cast<std::streamsize>(image.size()));
+                file.close();
+                if (!file) {
+                    fprintf(stderr, "make_scenes: can't write '%s'\n", argv[2]);
+                    return 1;
+                }
+                return 0;
+            } catch (const std::exception& exception) {
+                fprintf(stderr, "make_scenes: %s\n", exception.what());
+                return 1;
+            }
+        }
+    fprintf(stderr, "usage: make_scenes face|cathedral|courtyard|stone FILE\n");
+    return 2;
+}

@@ -1,0 +1,32 @@
+// Prints what a scene file holds, as a tree, and what a loader would skip or miss.
+//   show_scene FILE...         ends with 1 where there is something to remark, with 2 where a file can't be
+//   read
+
+#include "scene/inspect.h"
+
+#include <cstdio>
+#include <fstream>
+#include <sstream>
+
+int main(int argc, char** argv) {
+    if (argc < 2) {
+        fprintf(stderr, "usage: show_scene FILE...\n");
+        return 2;
+    }
+    int status = 0;
+    for (int i = 1; i < argc; ++i) {
+        std::ifstream     file(argv[i], std::ios::binary);
+        std::stringstream bytes;
+        if (!file || !(bytes << file.rdbuf())) {
+            fprintf(stderr, "show_scene: can't read '%s'\n", argv[i]);
+            status = 2;
+            continue;
+        }
+        const zentrak::scene::Inspection inspection = zentrak::scene::inspect(bytes.str());
+        printf("%s: %s%d remark%s\n", argv[i], inspection.text.c_str(), inspection.remarks,
+               inspection.remarks == 1 ? "" : "s");
+        if (inspection.remarks > 0 && status == 0)
+            status = 1;
+    }
+    return status;
+}
