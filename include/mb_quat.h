@@ -1,10 +1,10 @@
 // A quaternion, w first. One of unit length is a rotation, right-handed about its axis; angles are radians.
 #pragma once
 
+#include "mb_assert.h"
 #include "mb_euler.h"
 #include "mb_vector3.h"
 #include "mb_vector4.h"
-#include "ztk_system.h"
 
 #include <cassert>
 #include <cmath>
@@ -57,7 +57,7 @@ struct Quatf {
             *this = qz * qy * qx;
             break;
         default:
-            ZTK_ASSERT_AT(false, "false", "mb_quat", 48);
+            MB_ASSERT_AT(false, "false", "mb_quat", 48);
         }
     }
 

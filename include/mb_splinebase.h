@@ -1,7 +1,7 @@
 // A keyed curve over time: the one that the timeline evaluates and the editor edits.
 #pragma once
 
-#include "ztk_system.h"
+#include "mb_assert.h"
 
 #include <string>
 #include <vector>
@@ -50,8 +50,8 @@ public:
     // Removes the key at `index`; aborts on an assertion where there is none. A spline that loses its last
     // key keeps its bounds.
     void removeKey(int index) {
-        ZTK_ASSERT_AT(index >= 0 && index < (int)mKeys.size(), "index>=0 && index<(int)mKeys.size()",
-                      "mb_splinebase", 165);
+        MB_ASSERT_AT(index >= 0 && index < (int)mKeys.size(), "index>=0 && index<(int)mKeys.size()",
+                     "mb_splinebase", 165);
         mKeys.erase(mKeys.begin() + index);
         const int count = getNumKeys();
         if (count == 0) {

@@ -1,5 +1,4 @@
-// Logging and failure for every library: the log entry point, its sink, the one exception class, and the
-// assertion that fails under a given name.
+// Logging and failure for every library: the log entry point, its sink and the one exception class.
 #pragma once
 
 #include <exception>
@@ -15,10 +14,6 @@
 // word.
 #define ZTK_LOG(level, category, ...)                                                                        \
     ztk_megasuperlogger(level, category, __FILE__, __LINE__, __func__, __VA_ARGS__)
-
-// As assert, but the failure is reported under `text`, `file` and `line` instead of this place.
-#define ZTK_ASSERT_AT(expression, text, file, line)                                                          \
-    (static_cast<bool>(expression) ? void() : zentrak::assertFailed(text, file, line, __func__))
 
 // Formats as printf and hands the record to zentrak::ztk_log_callback. `file`, `line` and `function` name the
 // call site. A text longer than 2047 bytes is cut. Main thread only: all calls share one buffer.
@@ -40,9 +35,6 @@ struct LogData {
 // Prints "[level][function], message (file:line)" and a line end on standard output; the file without its
 // directories, the function without a leading "zentrak::". Null texts print as empty ones.
 void ztk_log_callback(const LogData& data);
-
-// Prints what a failed assert prints and aborts.
-[[noreturn]] void assertFailed(const char* text, const char* file, int line, const char* function);
 
 // What is thrown where a caller can't repair. The message is a printf-style text, cut at 7999 bytes, and is
 // logged as "error" as soon as the exception is built. The log line takes the finished message for a format

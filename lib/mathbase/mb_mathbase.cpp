@@ -1,8 +1,10 @@
 // Everything here is in line; this compiles each header by itself and the templates as they are used.
+#include "mb_assert.h"
 #include "mb_box2.h"
 #include "mb_euler.h"
 #include "mb_matrix4x4col.h"
 #include "mb_quat.h"
+#include "mb_random.h"
 #include "mb_rotationorder.h"
 #include "mb_splinebase.h"
 #include "mb_vector2.h"

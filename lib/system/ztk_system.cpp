@@ -1,6 +1,5 @@
 #include "ztk_system.h"
 
-#include <cassert>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
@@ -81,10 +80,6 @@ namespace zentrak {
 void ztk_log_callback(const LogData& data) {
     printf("[%s][%s], %s (%s:%d)\n", orEmpty(data.level), withoutNamespace(orEmpty(data.function)),
            orEmpty(data.message), withoutDirectories(orEmpty(data.file)), data.line);
-}
-
-void assertFailed(const char* text, const char* file, int line, const char* function) {
-    __assert_fail(text, file, static_cast<unsigned int>(line), function);
 }
 
 Exception::Exception(const char* format, ...) {

@@ -35,6 +35,9 @@ const XmlNode* XmlNode::getChildren(int index) const {
 
 XmlNode* XmlNode::adoptChild(std::unique_ptr<XmlNode> child, int position) {
     assert(child);
+    if (children.capacity() == 0) {
+        children.reserve(8); // most nodes have none or several
+    }
     const bool there = position >= 0 && position < getNumChildren();
     children.insert(there ? children.begin() + position : children.end(), child.get());
     closed = false;

@@ -1,7 +1,6 @@
 #include "support.h"
 #include "ztk_system.h"
 
-#include <csignal>
 #include <gtest/gtest.h>
 #include <string>
 
@@ -157,15 +156,4 @@ TEST(Exception, ConversionInTheFinishedTextReadsNoArgumentAndWritesNowhere) {
           "%lc", "%5", "%.", "%", "100%", "%5.", "%*%", "%m", "%-+ #0"}) {
         EXPECT_EQ(exceptionLine(text), loggedFor(text));
     }
-}
-
-TEST(AssertAt, ReportsUnderTheGivenTextFileAndLineAndAborts) {
-    EXPECT_EXIT(ZTK_ASSERT_AT(1 + 1 == 3, "some==text", "mb_thing", 165), testing::KilledBySignal(SIGABRT),
-                "mb_thing:165: .*: Assertion `some==text' failed");
-}
-
-TEST(AssertAt, DoesNothingWhereTheExpressionHolds) {
-    int evaluated = 0;
-    ZTK_ASSERT_AT(++evaluated == 1, "x", "y", 1);
-    EXPECT_EQ(1, evaluated);
 }
