@@ -6,7 +6,8 @@
 
 namespace zentrak::sparks {
 
-struct Spark {
+// Two cache lines.
+struct alignas(64) Spark {
     mathbase::Vector3f position;        // world units
     mathbase::Vector3f velocity;        // world units per second
     float              mass = 0;        // above 0.01 it falls
@@ -22,6 +23,7 @@ struct Spark {
     float              timeoffset = 0;  // seconds from then on for which it does not show
     Spark*             next = nullptr;  // in the engine's lists; not owned
     int                texture = 0;     // cell of the strip of sprites
+    Spark*             ahead = nullptr; // one some way down the list, or once there; only to be fetched early
 };
 
 // A generator of random numbers that starts from the processor time used so far.

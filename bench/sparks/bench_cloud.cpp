@@ -1,0 +1,94 @@
+// The 10,000 sprites of Cloud, beside the same with one call per vertex. The window is so small that filling
+// pixels, which costs the same either way, does not hide the rest.
+#include "am_archivemanager.h"
+#include "cloud.h"
+#include "dis_display.h"
+#include "dis_texture.h"
+#include "effect_random.h"
+#include "effect_view.h"
+#include "mb_matrix4x4col.h"
+
+#include <benchmark/benchmark.h>
+
+using namespace zentrak;
+using kindler::getCloudPath;
+using mathbase::Matrix4x4Col;
+using mathbase::Vector3f;
+
+namespace {
+
+struct Setup {
+    am::ArchiveManager archives;
+    display::DisplayGL display{display::WindowMode("bench", 16, 10, false)};
+    display::Texture   texture{&display};
+    kindler::Cloud     cloud{nullptr};
+    Vector3f           path[10000];
+
+    Setup() {
+        archives.addArchive("data");
+        display.setArchive(&archives);
+        display.open();
+        display.setFps(display::DisplayGL::FPS_VARIABLE, 0);
+        display.update();
+        cloud.mDisplay = &display;
+        cloud.setup();
+        cloud.updateSpline(0, "alpha", 1);
+        texture.load("hurry/particle.png", true);
+        kindler::EffectRandom random;
+        for (int i = 0; i < 10000; ++i)
+            path[i] = getCloudPath(float(i) / 100) + random.unitSphere() * 10;
+    }
+};
+
+void plain(Setup& setup, float progress) {
+    display::DisplayGL& display = setup.display;
+    display.resetStates();
+    kindler::setPerspective(display, 0.7853982f, 0.015f, 1000);
+    const Vector3f eye = getCloudPath(100 * (1 - progress)), target = eye + Vector3f(0, 0, 10);
+    kindler::setCamera(display, eye, target, 10 * progress);
+    const kindler::Billboard board(eye, target, 10 * progress);
+    const Vector3f           right = board.right, up = board.up;
+    glEnable(GL_TEXTURE_2D);
+    glEnable(GL_BLEND);
+    setup.texture.bind();
+    glBegin(GL_QUADS);
+    for (int i = 9999; i >= 0; --i) {
+        const Vector3f& p = setup.path[i];
+        const float     a = 0.15f * (1 - 0.003f * (p - eye).length());
+        if (a <= 0)
+            continue;
+        glColor4f(1, 0.9f, 0.8f, a);
+        glTexCoord2f(0, 0);
+        glVertex3fv(p + (up - right) * 7);
+        glTexCoord2f(0, 1);
+        glVertex3fv(p + (-up - right) * 7);
+        glTexCoord2f(1, 1);
+        glVertex3fv(p + (-up + right) * 7);
+        glTexCoord2f(1, 0);
+        glVertex3fv(p + (up + right) * 7);
+    }
+    glEnd();
+    setup.texture.unbind();
+    display.resetStates();
+}
+
+template <bool PLAIN>
+void frame(benchmark::State& state) {
+    Setup setup;
+    float progress = 0;
+    for (auto _ : state) {
+        progress = progress > 0.98f ? 0 : progress + 0.01f;
+        if (PLAIN)
+            plain(setup, progress);
+        else
+            setup.cloud.update(0, 0, progress);
+        glFinish();
+    }
+    state.SetItemsProcessed(int64_t(state.iterations()) * 10000);
+}
+BENCHMARK(frame<false>)->Name("cloud")->Unit(benchmark::kMillisecond);
+BENCHMARK(frame<true>)->Name("cloudPlain")->Unit(benchmark::kMillisecond);
+
+} // namespace
+
+BENCHMARK_MAIN();

@@ -1,0 +1,182 @@
+// 50,000 live particles: one update, one draw, and both, beside the plain way of one call per vertex over the
+// same list with powf and a check behind each call. Run it as
+//     tests/with_display build/release/bench/sparks/bench_sparks
+// The sprites are smaller than a pixel, since filling pixels costs the same either way and depends on the
+// driver alone. ...Submitted leaves out what the driver does with the vertices afterwards (rasterizer
+// discard).
+#include "am_archivemanager.h"
+#include "dis_display.h"
+#include "dis_glcheck.h"
+#include "sparks_engine.h"
+
+#include <benchmark/benchmark.h>
+#include <cmath>
+#include <filesystem>
+
+using namespace zentrak;
+using namespace zentrak::sparks;
+using mathbase::Matrix4x4Col;
+using mathbase::Vector3f;
+
+namespace {
+
+constexpr int PARTICLES = 50000;
+
+struct Setup {
+    am::ArchiveManager archives;
+    display::DisplayGL display{display::WindowMode("bench", 640, 400, false)};
+    Engine             engine{&display};
+    Matrix4x4Col       cameraInverse;
+    float              time = 1;
+
+    // The camera is so many units from the middle of the particles: far off it sees them all, in the middle
+    // as many as the effect's does.
+    explicit Setup(float distance = 4000) {
+        archives.addArchive("data");
+        display.setArchive(&archives);
+        display.open();
+        display.setFps(display::DisplayGL::FPS_VARIABLE, 0);
+        display.update();
+        mathbase::Random random(1);
+        for (int i = 0; i < PARTICLES; ++i) { // they last as long as the measurement does
+            Spark spark;
+            spark.position = random.unitSphere() * (20 * random.uniform());
+            spark.velocity = random.unitSphere() * 1e-4f;
+            spark.colour = Vector3f(1, 0.5f, 0.2f);
+            spark.size = 0.9f + 0.1f * random.uniform();
+            spark.sizedecay = 1e-7f * random.uniform();
+            spark.energy = 1 + random.uniform();
+            spark.energydecay = 1e-7f * random.uniform();
+            spark.intensity = 0.5f;
+            spark.noise = random.uniform();
+            spark.texture = i % 8;
+            spark.mass = float(i % 2) * 1e-3f;
+            engine.addSpark(spark);
+        }
+        shuffle(random);
+        engine.update(time);
+        const Vector3f eye(0, 0, distance), target(0, 0, distance - 1);
+        cameraInverse.setCameraInv(eye, target, 0);
+        Matrix4x4Col matrix;
+        matrix.setProject(0.7853982f, 1.6f, 0.15f, 10000);
+        display.setProject(matrix);
+        matrix.setCamera(eye, target, 0);
+        display.setCamera(matrix);
+    }
+
+    // The list as it is after a while of births and deaths: in no order of memory.
+    void shuffle(mathbase::Random& random) {
+        std::vector<Spark*> all;
+        for (Spark* s = engine.live; s; s = s->next)
+            all.push_back(s);
+        for (size_t i = all.size() - 1; i > 0; --i)
+            std::swap(all[i], all[random.draw() % (i + 1)]);
+        for (size_t i = 0; i + 1 < all.size(); ++i)
+            all[i]->next = all[i + 1];
+        all.back()->next = nullptr;
+        engine.live = all.front();
+    }
+
+    void update() { engine.update(time += 0.001f); }
+};
+
+void plainUpdate(Engine& engine, float dt) {
+    for (Spark** link = &engine.live; *link;) {
+        Spark* s = *link;
+        if (s->mass > 0.01f)
+            s->velocity.y += -9.81f * dt;
+        s->position += s->velocity * dt;
+        s->size = s->size * powf(2.7182817f, -s->sizedecay * dt);
+        s->energy = s->energy * powf(2.7182817f, -s->energydecay * dt);
+        if (s->size < 0.8f || s->energy < 0.1f) {
+            *link = s->next;
+            s->next = engine.free;
+            engine.free = s;
+        } else {
+            link = &s->next;
+        }
+    }
+}
+
+void plainDraw(Setup& setup) {
+    Engine&        engine = setup.engine;
+    const Vector3f right = setup.cameraInverse.multiplyVector(Vector3f(1, 0, 0)).getNormalized() * 0.5f;
+    const Vector3f up = setup.cameraInverse.multiplyVector(Vector3f(0, -1, 0)).getNormalized() * 0.5f;
+    GL_CALL(glEnable(GL_BLEND));
+    GL_CALL(glBlendFunc(GL_SRC_ALPHA, GL_ONE));
+    GL_CALL(glEnable(GL_TEXTURE_2D));
+    engine.texture.bind();
+    const float now = float(setup.display.getTime()) + 1;
+    glBegin(GL_QUADS);
+    for (const Spark* s = engine.live; s; s = s->next) {
+        const float age = now - (s->time + s->timeoffset);
+        if (age <= 0)
+            continue;
+        const float flicker = float(engine.random.draw() & 1);
+        float       alpha = (1 - flicker * s->noise) * std::min(s->energy, 1.0f) * s->intensity;
+        if (age < 0.2f)
+            alpha *= sinf(3.1415927f * age * 2.5f);
+        glColor4f(s->colour.x, s->colour.y, s->colour.z, alpha);
+        const float u0 = 0.125f * float(s->texture), u1 = u0 + 0.125f;
+        glTexCoord2f(u0, 0);
+        glVertex3fv(s->position + (up - right) * s->size);
+        glTexCoord2f(u1, 0);
+        glVertex3fv(s->position + (up + right) * s->size);
+        glTexCoord2f(u1, 1);
+        glVertex3fv(s->position + (right - up) * s->size);
+        glTexCoord2f(u0, 1);
+        glVertex3fv(s->position + (-up - right) * s->size);
+    }
+    glEnd();
+    engine.texture.unbind();
+    GL_CALL(glDisable(GL_TEXTURE_2D));
+}
+
+void items(benchmark::State& state) {
+    state.SetItemsProcessed(int64_t(state.iterations()) * PARTICLES);
+}
+
+void update(benchmark::State& state) {
+    Setup setup;
+    for (auto _ : state)
+        setup.update();
+    items(state);
+}
+BENCHMARK(update)->Unit(benchmark::kMillisecond);
+
+void updatePlain(benchmark::State& state) {
+    Setup setup;
+    for (auto _ : state)
+        plainUpdate(setup.engine, 0.001f);
+    items(state);
+}
+BENCHMARK(updatePlain)->Unit(benchmark::kMillisecond);
+
+enum Way { BATCH, PLAIN };
+
+void frame(benchmark::State& state, Way way, float distance, bool discard) {
+    Setup setup(distance);
+    if (discard)
+        glEnable(GL_RASTERIZER_DISCARD);
+    for (auto _ : state) {
+        if (way == PLAIN) {
+            plainUpdate(setup.engine, 0.001f);
+            plainDraw(setup);
+        } else {
+            setup.update();
+            setup.engine.draw(&setup.cameraInverse);
+        }
+        glFinish();
+    }
+    items(state);
+}
+BENCHMARK_CAPTURE(frame, seenWhole, BATCH, 4000.0f, false)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(frame, seenWholePlain, PLAIN, 4000.0f, false)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(frame, seenWholeNotFilled, BATCH, 4000.0f, true)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(frame, seenWholeNotFilledPlain, PLAIN, 4000.0f, true)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(frame, fromInsideNotFilled, BATCH, 0.0f, true)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(frame, fromInsideNotFilledPlain, PLAIN, 0.0f, true)->Unit(benchmark::kMillisecond);
+
+} // namespace
+
+BENCHMARK_MAIN();
