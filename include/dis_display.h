@@ -12,6 +12,7 @@
 
 #include <GL/glew.h>
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -227,6 +228,8 @@ private:
     Walk*     mWalks;      // the innermost walk going on, or null
     double    mDeltaStart; // FPS_DELTA: the time that was set, and the frames since: no sum of rounded steps
     long long mDeltaFrames;
+
+    std::unique_ptr<Batch> mBatch; // what the shapes above are drawn with
 };
 
 } // namespace zentrak::display

@@ -1,5 +1,6 @@
 #include "dis_display.h"
 
+#include "dis_batch.h"
 #include "dis_glcheck.h"
 #include "dis_ibo.h"
 #include "dis_vbo.h"
@@ -25,7 +26,7 @@ static const double ICONIFIED_FRAME = 1.0 / 60;
 
 // Opening and closing
 
-DisplayGL::DisplayGL(const WindowMode& mode) {
+DisplayGL::DisplayGL(const WindowMode& mode) : mBatch(new Batch) {
     if (currentDisplay)
         throw Exception("Could not open another GLFW-device");
     mWindowMode = mode;

@@ -1,5 +1,6 @@
 // Simple shapes, colours, and the picture read back.
 #include "am_image.h"
+#include "dis_batch.h"
 #include "dis_display.h"
 #include "dis_glcheck.h"
 
@@ -21,23 +22,30 @@ void DisplayGL::setColor(float r, float g, float b, float a) {
 }
 
 void DisplayGL::drawLine(float x1, float y1, float x2, float y2) {
-    glBegin(GL_LINES);
-    glVertex2f(x1, y1);
-    glVertex2f(x2, y2);
-    GL_CALL(glEnd());
+    mBatch->begin(GL_LINES);
+    mBatch->vertex(x1, y1);
+    mBatch->vertex(x2, y2);
+    mBatch->end();
+    mBatch->flush();
 }
 
 void DisplayGL::drawBox(float x, float y, float halfWidth, float halfHeight, FillMode fill) {
-    glBegin(fill == WIRE ? GL_LINE_LOOP : GL_QUADS);
-    glTexCoord2f(0, 1);
-    glVertex2f(x - halfWidth, y - halfHeight);
-    glTexCoord2f(1, 1);
-    glVertex2f(x + halfWidth, y - halfHeight);
-    glTexCoord2f(1, 0);
-    glVertex2f(x + halfWidth, y + halfHeight);
-    glTexCoord2f(0, 0);
-    glVertex2f(x - halfWidth, y + halfHeight);
-    GL_CALL(glEnd());
+    const float left = x - halfWidth, right = x + halfWidth, bottom = y - halfHeight, top = y + halfHeight;
+    if (fill == SOLID)
+        mBatch->rect(left, bottom, right, top, 0, 1, 1, 0);
+    else {
+        mBatch->begin(GL_LINE_LOOP);
+        mBatch->texCoord(0, 1);
+        mBatch->vertex(left, bottom);
+        mBatch->texCoord(1, 1);
+        mBatch->vertex(right, bottom);
+        mBatch->texCoord(1, 0);
+        mBatch->vertex(right, top);
+        mBatch->texCoord(0, 0);
+        mBatch->vertex(left, top);
+        mBatch->end();
+    }
+    mBatch->flush();
 }
 
 void DisplayGL::drawBox(float x, float y, float z, float halfWidth, float halfHeight, float halfDepth,
@@ -45,39 +53,22 @@ void DisplayGL::drawBox(float x, float y, float z, float halfWidth, float halfHe
     drawBox(Vector3f(x, y, z), Vector3f(halfWidth, halfHeight, halfDepth), fill);
 }
 
-// The faces of a box: outward normal, then what points right and up on the face as seen from outside.
-static const float BOX_FACES[6][3][3] = {
-    {{0, 0, -1}, {-1, 0, 0}, {0, 1, 0}}, {{-1, 0, 0}, {0, 0, 1}, {0, 1, 0}},
-    {{1, 0, 0}, {0, 0, -1}, {0, 1, 0}},  {{0, -1, 0}, {1, 0, 0}, {0, 0, 1}},
-    {{0, 1, 0}, {1, 0, 0}, {0, 0, -1}},  {{0, 0, 1}, {1, 0, 0}, {0, 1, 0}},
-};
-
 void DisplayGL::drawBox(const Vector3f& centre, const Vector3f& halfSizes, FillMode fill) {
-    if (fill == WIRE) {
+    if (fill == SOLID)
+        mBatch->box(centre, halfSizes);
+    else {
         // Every pair of corners that differ in one direction: the twelve edges.
-        glBegin(GL_LINES);
+        mBatch->begin(GL_LINES);
         for (int corner = 0; corner < 8; ++corner)
             for (int axis = 1; axis < 8; axis *= 2)
                 if (!(corner & axis))
                     for (int end : {corner, corner | axis})
-                        glVertex3f(centre.x + (end & 1 ? halfSizes.x : -halfSizes.x),
-                                   centre.y + (end & 2 ? halfSizes.y : -halfSizes.y),
-                                   centre.z + (end & 4 ? halfSizes.z : -halfSizes.z));
-        GL_CALL(glEnd());
-        return;
+                        mBatch->vertex(centre.x + (end & 1 ? halfSizes.x : -halfSizes.x),
+                                       centre.y + (end & 2 ? halfSizes.y : -halfSizes.y),
+                                       centre.z + (end & 4 ? halfSizes.z : -halfSizes.z));
+        mBatch->end();
     }
-    static const float corners[4][2] = {{-1, -1}, {1, -1}, {1, 1}, {-1, 1}}; // along right and up
-    glBegin(GL_QUADS);
-    for (const auto& [normal, right, up] : BOX_FACES) {
-        glNormal3fv(normal);
-        for (const auto& [s, t] : corners) {
-            glTexCoord2f(s * 0.5f + 0.5f, 0.5f - t * 0.5f);
-            glVertex3f(centre.x + halfSizes.x * (normal[0] + s * right[0] + t * up[0]),
-                       centre.y + halfSizes.y * (normal[1] + s * right[1] + t * up[1]),
-                       centre.z + halfSizes.z * (normal[2] + s * right[2] + t * up[2]));
-        }
-    }
-    GL_CALL(glEnd());
+    mBatch->flush();
 }
 
 void DisplayGL::drawCircle(float x, float y, float radius, FillMode fill) {
@@ -86,15 +77,16 @@ void DisplayGL::drawCircle(float x, float y, float radius, FillMode fill) {
 
 void DisplayGL::drawCircle(float x, float y, float radiusX, float radiusY, FillMode fill) {
     static const int segments = 64;
-    glBegin(fill == WIRE ? GL_LINE_LOOP : GL_POLYGON);
+    mBatch->begin(fill == WIRE ? GL_LINE_LOOP : GL_POLYGON);
     for (int i = 0; i < segments; ++i) {
         const float angle = float(i) * (2 * 3.14159265f / float(segments));
         const float c = std::cos(angle);
         const float s = std::sin(angle);
-        glTexCoord2f(0.5f + 0.5f * c, 0.5f - 0.5f * s);
-        glVertex2f(x + radiusX * c, y + radiusY * s);
+        mBatch->texCoord(0.5f + 0.5f * c, 0.5f - 0.5f * s);
+        mBatch->vertex(x + radiusX * c, y + radiusY * s);
     }
-    GL_CALL(glEnd());
+    mBatch->end();
+    mBatch->flush();
 }
 
 // Colours and the mouse
