@@ -242,6 +242,13 @@ TEST(Track, handlesThatFitStay) {
     }
 }
 
+TEST(Track, handlesThatReachExactlyToEachOtherKeepTheirValues) {
+    // Shortening by a factor of one would round the handle's value away.
+    const Track track = loadTrack(2, 0, {{0, 0, 1, 1e8f, 4, 0.1f}, {4, 0.1f, 7, 1e8f, 8, 30}});
+    EXPECT_EQ(0.1f, track.mKeys[0].mHandleOutValue);
+    EXPECT_EQ(0.1f, track.mKeys[1].mHandleInValue);
+}
+
 TEST(Track, handlesThatPointBackwardsCountByTheirLength) {
     const Track track = loadTrack(2, 0, {{0, 0, 0, 0, -4, 4}, {5, 4, 4, 0, 5, 0}});
     // Lengths 4 and 1, span 4: times 0.8, in their own direction.
