@@ -13,13 +13,16 @@ export ALSOFT_DRIVERS
 show=$!
 trap 'kill $show 2>/dev/null' INT TERM
 
-second=0
+# By the clock, since taking a picture takes time itself.
+start=$(date +%s)
+next=10
 while kill -0 $show 2>/dev/null; do
-    sleep 1
-    second=$((second + 1))
-    if [ $((second % 10)) -eq 0 ] && kill -0 $show 2>/dev/null; then
-        name=$(printf '%s/show-%03ds.png' "$pictures" $second)
-        import -silent -window root "$name" || echo "no picture at second $second"
+    sleep 0.5
+    second=$(($(date +%s) - start))
+    if [ $second -ge $next ] && kill -0 $show 2>/dev/null; then
+        name=$(printf '%s/show-%03ds.png' "$pictures" $next)
+        import -silent -window root "$name" || echo "no picture at second $next"
+        next=$((next + 10))
     fi
     if [ $second -ge 900 ]; then
         echo "The show has not ended after $second seconds."
