@@ -35,7 +35,7 @@ public:
 
     void setAlignment(int align) { mAlign = align; }
     void setSizeOfSpace(float size) {
-        mKerning[' '] = size;
+        mKerning[32] = size;
     } // the advance of a space, in units of the screen
 
 private:

@@ -115,7 +115,7 @@ private:
 };
 
 Matrix4x4Col randomPlace(Random& random, float spread, float nearest, float farthest) {
-    Matrix4x4Col place, x, y, scale;
+    Matrix4x4Col place, x, y;
     x.setRotX(random(0, 6.28f));
     y.setRotZ(random(0, 6.28f));
     const float deep = random(nearest, farthest);
@@ -359,7 +359,7 @@ TEST_F(BatchTest, texturedAndLitBoxes) {
                 Random random;
                 for (int i = 0; i < 60; ++i) {
                     Matrix4x4Col m = randomPlace(random, 8, 20, 30), scale;
-                    scale.setScale(Vector3f(2, 0.5f, 1));
+                    scale.setScale(Vector3f(2, 0.5f, 3));
                     m *= scale;
                     p.setTransform(m);
                     p.color(random(0.4f, 1), random(0.4f, 1), random(0.4f, 1));
