@@ -1,7 +1,7 @@
 // A name whose pixels fly in from far away as boxes, and which can be blown apart.
 #pragma once
 
-#include "dis_batch.h"
+#include "effect_batch.h"
 #include "effect_random.h"
 #include "kin_effect.h"
 #include "mb_vector3.h"
@@ -34,12 +34,12 @@ public:
     void update(float time, float delta, float progress) override;
 
 private:
-    bool           explode = false;
-    float          boom = 0; // how far it has flown apart, 0 to 5
-    EffectRandom   mRandom;
-    std::string    key;
-    float          zoom = 0;
-    display::Batch mBatch;
+    bool            explode = false;
+    float           boom = 0; // how far it has flown apart, 0 to 5
+    EffectRandom    mRandom;
+    std::string     key;
+    float           zoom = 0;
+    display::Batch& mBatch = sharedBatch();
 };
 
 } // namespace zentrak::kindler

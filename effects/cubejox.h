@@ -1,7 +1,7 @@
 // A thousand rods around a point, all turned to it, which the camera leaves behind.
 #pragma once
 
-#include "dis_batch.h"
+#include "effect_batch.h"
 #include "effect_random.h"
 #include "kin_effect.h"
 #include "mb_vector3.h"
@@ -35,8 +35,8 @@ public:
     void update(float time, float delta, float progress) override;
 
 private:
-    EffectRandom   mRandom;
-    display::Batch mBatch;
+    EffectRandom    mRandom;
+    display::Batch& mBatch = sharedBatch();
 };
 
 } // namespace zentrak::kindler

@@ -1,7 +1,7 @@
 // Nineteen pictures as the layers of one block, which falls back column by column.
 #pragma once
 
-#include "dis_batch.h"
+#include "effect_batch.h"
 #include "effect_random.h"
 #include "kin_effect.h"
 
@@ -20,8 +20,8 @@ public:
     void update(float time, float delta, float progress) override;
 
 private:
-    EffectRandom   mRandom;
-    display::Batch mBatch;
+    EffectRandom    mRandom;
+    display::Batch& mBatch = sharedBatch();
 };
 
 } // namespace zentrak::kindler

@@ -7,6 +7,7 @@
 #include "mb_matrix4x4col.h"
 
 #include <algorithm>
+#include <climits>
 #include <cstring>
 
 namespace zentrak::kindler {
@@ -51,7 +52,7 @@ void Greet::resetTriggers() {
  * The band is flipped upside down. The middle layer is bright, the outer ones are a thin halo.
  */
 void Greet::executeTrigger(float, const std::string&, const std::string&) {
-    const am::ImageObject& image = *mImage.operator->();
+    const am::ImageObject& image = *mImage.operator->(); // which throws for a null image
     const int                              columns = std::min(COLUMNS, image.getWidth());
     const int                              bands = (image.getHeight() + ROWS - 1) / ROWS;
     const int rows = cindex < bands ? std::min(ROWS, image.getHeight() - ROWS * cindex) : 0;
@@ -72,7 +73,7 @@ void Greet::executeTrigger(float, const std::string&, const std::string&) {
         to = Vector3f(-10, 0, 0);
         roll = -0.8f;
     }
-    if (cindex < bands)
+    if (cindex < INT_MAX)
         ++cindex;
 }
 

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "am_image.h"
-#include "dis_batch.h"
 #include "dis_texture.h"
+#include "effect_batch.h"
 #include "effect_random.h"
 #include "kin_effect.h"
 
@@ -26,7 +26,7 @@ private:
     am::Image        mImage;
     display::Texture mTexture;
     EffectRandom     mRandom; // drawn from by nothing
-    display::Batch   mBatch;
+    display::Batch&  mBatch = sharedBatch();
 };
 
 } // namespace zentrak::kindler

@@ -17,7 +17,6 @@ using mathbase::Eulerf;
 using mathbase::Matrix4x4Col;
 using mathbase::Quatf;
 using mathbase::Vector3f;
-using mathbase::Vector4f;
 
 namespace {
 
@@ -132,13 +131,16 @@ void Kub::loadPicture(const am::ImageObject& image) {
     poxel.clear();
     for (int row = 0; row < image.getHeight(); ++row) {
         for (int column = 0; column < image.getWidth(); ++column) {
-            const Vector4f colour = pixelAt(image, column, row) * (255.0f / 256.0f);
-            if (colour.r < 0.05f && colour.g < 0.05f && colour.b < 0.05f)
+            // Blue, green and red, each out of 256.
+            const unsigned char* p =
+                image.getData() + (size_t(row) * size_t(image.getWidth()) + size_t(column)) * 4;
+            const Vector3f colour(float(p[2]) / 256.0f, float(p[1]) / 256.0f, float(p[0]) / 256.0f);
+            if (colour.x < 0.05f && colour.y < 0.05f && colour.z < 0.05f)
                 continue;
             Poxel cube;
             cube.x = float(column - 32);
             cube.y = float(row - 16);
-            cube.col = Vector3f(colour.r, colour.g, colour.b);
+            cube.col = colour;
             cube.draw = Vector3f(cube.x, cube.y, 0);
             poxel.push_back(cube);
         }
@@ -254,8 +256,6 @@ void Kub::update(float time, float delta, float progress) {
     rollCubes();
 
     // The floor: its top is the plane that the cubes stand on.
-    mBatch.setCulling(Batch::CULLING_AUTO);
-    mBatch.setChannels(Batch::CHANNEL_NONE);
     mBatch.color(0.891f, 0.891f, 0.911f, alphaa);
     mBatch.box(Vector3f(0, -200.5f, 0), Vector3f(200, 200, 200));
     mBatch.flush();
@@ -286,7 +286,7 @@ void Kub::drawCubes(float time, float progress) {
         if (rexpandOn) {
             h = 0.5f + 5.0f * since * cube.expand;
             const float w = std::min(0.2f * since, 1.0f);
-            const float l = c.getIntensity();
+            const float l = 0.3f * c.x + 0.59f * c.y + 0.11f * c.z;
             c = Vector3f(l, l, 1.3f * l) * w + c * (1.0f - w);
             b = -0.0015f * h;
         }
@@ -307,6 +307,8 @@ void Kub::drawCubes(float time, float progress) {
         mBatch.box(Vector3f(0, 0, 0), Vector3f(0.5f, h, 0.5f));
     }
     mBatch.flush();
+    mBatch.setCulling(Batch::CULLING_AUTO);
+    mBatch.setChannels(Batch::CHANNEL_AUTO);
 }
 
 } // namespace zentrak::kindler

@@ -3,9 +3,9 @@
 #pragma once
 
 #include "am_image.h"
-#include "dis_batch.h"
 #include "dis_shader.h"
 #include "dis_texture.h"
+#include "effect_batch.h"
 #include "effect_random.h"
 #include "kin_effect.h"
 #include "mb_vector3.h"
@@ -54,7 +54,7 @@ private:
     display::Texture       mShade;
     display::ShaderProgram mProgram;
     EffectRandom           mRandom;
-    display::Batch         mBatch;
+    display::Batch&        mBatch = sharedBatch();
 };
 
 } // namespace zentrak::kindler

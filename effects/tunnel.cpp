@@ -98,7 +98,9 @@ void Tunnel::update(float time, float delta, float) {
     const Vector3f eye = getPath(time - 1.0f);
     const Vector3f target = getPath(time + 1.0f);
     mDisplay->setTransform(Matrix4x4Col());
-    setCamera(*mDisplay, eye, target, 2.0f * sinf(0.5f * time));
+    const float roll = 2.0f * sinf(0.5f * time);
+    setCamera(*mDisplay, eye, target, roll);
+    [[maybe_unused]] const Billboard board(eye, target, roll); // drawn by nothing; its assertion holds
 
     GL_CALL(glEnable(GL_BLEND));
     GL_CALL(glEnable(GL_CULL_FACE));
@@ -110,6 +112,8 @@ void Tunnel::update(float time, float delta, float) {
     mProgram.unbind();
 
     mDisplay->setTransform(Matrix4x4Col());
+    mTexture.bind(); // for sprites that there are none of
+    mTexture.unbind();
     GL_CALL(glDisable(GL_TEXTURE_2D));
     GL_CALL(glDisable(GL_CULL_FACE));
     GL_CALL(glDisable(GL_DEPTH_TEST));

@@ -1,9 +1,9 @@
 // A flight along a curve through 153 rings, each cut from 64 blocks that close up as the ring nears.
 #pragma once
 
-#include "dis_batch.h"
 #include "dis_shader.h"
 #include "dis_texture.h"
+#include "effect_batch.h"
 #include "effect_random.h"
 #include "kin_effect.h"
 #include "mb_vector3.h"
@@ -39,7 +39,7 @@ private:
     display::Texture       mTexture;
     EffectRandom           mRandom;
     display::ShaderProgram mProgram;
-    display::Batch         mBatch;
+    display::Batch&        mBatch = sharedBatch();
 };
 
 } // namespace zentrak::kindler

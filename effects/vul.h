@@ -1,10 +1,10 @@
 // A soft ball that wanders through a grid of 25 by 25 by 25 boxes.
 #pragma once
 
-#include "dis_batch.h"
 #include "dis_material.h"
 #include "dis_shader.h"
 #include "dis_texture.h"
+#include "effect_batch.h"
 #include "effect_random.h"
 #include "kin_effect.h"
 #include "mb_vector3.h"
@@ -30,7 +30,7 @@ private:
     display::Material      mMaterial;
     display::Material      mEnvironmentMaterial;
     display::Texture       mCube;
-    display::Batch         mBatch;
+    display::Batch&        mBatch = sharedBatch();
 };
 
 } // namespace zentrak::kindler

@@ -14,8 +14,9 @@ using display::Texture;
 WaxOn::WaxOn(Common* common) : mCommon(common) {}
 
 WaxOn::~WaxOn() {
-    if (mTarget != nullptr)
-        mCommon->mFbos.erase("vaddr");
+    const auto entry = mCommon->mFbos.find("vaddr");
+    if (mTarget != nullptr && entry != mCommon->mFbos.end() && entry->second == mTarget.get())
+        mCommon->mFbos.erase(entry);
 }
 
 void WaxOn::setup() {

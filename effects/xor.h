@@ -1,9 +1,9 @@
 // A comet of two hundred large boxes that follows a knotted path.
 #pragma once
 
-#include "dis_batch.h"
 #include "dis_shader.h"
 #include "dis_texture.h"
+#include "effect_batch.h"
 #include "effect_random.h"
 #include "kin_effect.h"
 
@@ -26,7 +26,7 @@ private:
     display::Texture       mTexture; // loaded, and not drawn with
     display::ShaderProgram mProgram; // never linked
     EffectRandom           mRandom;
-    display::Batch         mBatch;
+    display::Batch&        mBatch = sharedBatch();
 };
 
 } // namespace zentrak::kindler

@@ -4,8 +4,10 @@
 #include "effect_random.h"
 #include "gl_fixture.h"
 #include "kin_effect.h"
+#include "support.h"
 
 #include <string>
+#include <utility>
 
 namespace zentrak::test {
 
@@ -23,6 +25,44 @@ inline void prepare(kindler::Effect& effect, display::DisplayGL& display, const 
     effect.mName = name;
     effect.mDisplay = &display;
     effect.setup();
+}
+
+// The fixture of effects with a small window and fixed random numbers, whose start is START. A test of two
+// ways to draw one picture compares what both leave on a ground of one colour.
+class EffectTest : public GlTest {
+protected:
+    static constexpr uint32_t START = 1;
+
+    FixedRandom     mFixed{START};
+    kindler::Common mCommon;
+
+    void SetUp() override { window(400, 250); }
+
+    Picture over(float r, float g, float b, const std::function<void()>& draw) {
+        return frame([&] {
+            glClearColor(r, g, b, 1);
+            glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+            draw();
+        });
+    }
+};
+
+// Two ways to draw one picture: the same but for a rounding here and there.
+inline ::testing::AssertionResult samePicture(const Picture& drawn, const Picture& plain,
+                                              double maxChanged = 0.0005) {
+    const PictureDifference difference = comparePictures(drawn, plain);
+    if (difference.mean < 0.2 && difference.changed < maxChanged)
+        return ::testing::AssertionSuccess();
+    writePng(binaryPath("pictures-failed/differs-drawn.png"), drawn);
+    writePng(binaryPath("pictures-failed/differs-plain.png"), plain);
+    return ::testing::AssertionFailure() << "mean difference " << difference.mean << ", changed pixels "
+                                         << difference.changed << "; see pictures-failed/differs-*.png";
+}
+
+// The share of pixels in which a picture has something on its ground, whose colour is at the corner (0, 0) of
+// `ground`.
+inline double covered(const Picture& picture, const Picture& ground) {
+    return comparePictures(picture, ground).changed;
 }
 
 } // namespace zentrak::test

@@ -220,7 +220,8 @@ TEST_F(PhotonTest, TheMeanOfManyFramesIsTheLightComputedDirectly) {
     EXPECT_LT(worst, 0.05);
 
     // And each sphere has its own colour.
-    for (const auto& [p, c] : {std::pair(Vector3f(-2.5f, 3.2f, 2), 2), std::pair(Vector3f(2.5f, 3.2f, 2), 2)}) {
+    for (const auto& [p, c] :
+         {std::pair(Vector3f(-2.5f, 3.2f, 2), 2), std::pair(Vector3f(2.5f, 3.2f, 2), 2)}) {
         const Vector3f way = p - eye;
         const float    depth = way.dot(forward);
         const int      x = int((way.dot(right) / depth / 1.6f + 1) / 2 * SIZE);
