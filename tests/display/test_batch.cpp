@@ -826,7 +826,7 @@ TEST_F(BatchTest, nothingIsAllocatedOnceWarm) {
     frame([&] {
         scene();
         memory = batch.getMemory();
-        // What the driver allocates is not ours: collected alone, then drawn.
+        glFinish(); // what the driver allocates is not ours
         perspective(display());
         const size_t before = allocationCount();
         drawBoxes(batch, 500, 12, 20, 60, 1);
