@@ -34,8 +34,8 @@ void WriteBuffer::openChunk(unsigned short pId) {
     mChunks.push_back({pId, static_cast<uint32_t>(mData.size())});
     if (isTyped(mFlags, pId))
         return;
-    const uint32_t placeholder = 0xFFFFFFFF;
-    storeType(&placeholder, 4);
+    const uint32_t sizeToCome = 0xFFFFFFFF;
+    storeType(&sizeToCome, 4);
 }
 
 void WriteBuffer::closeChunk() {
