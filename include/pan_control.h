@@ -1,0 +1,201 @@
+// The base of every widget: a rectangle in a tree, with a name, a palette, and a place in the flow of events.
+#pragma once
+
+#include "dis_display.h"
+#include "mb_box2.h"
+#include "mb_vector2.h"
+#include "mb_vector4.h"
+#include "pan_event.h"
+#include "xml_iterator.h"
+
+#include <string>
+#include <vector>
+
+namespace zentrak::panorama {
+
+class Alive;
+class Context;
+class Control;
+class Render;
+
+// What controls report to their callbacks. A number without a name here is a widget's own.
+enum Action : int {
+    ACTION_PRESS = 0,
+    ACTION_RELEASE = 1,
+    ACTION_SCROLL = 7, // a scroll bar moved
+    ACTION_CHANGE = 8, // of a value
+    ACTION_SPLINE = 9  // a key of a curve was dragged
+};
+
+// One box three times, in pixels.
+struct AreaSet {
+    mathbase::Box2 area;  // as the parent sees it
+    mathbase::Box2 world; // in the window
+    mathbase::Box2 clip;  // `world`, cut by all that is above; (0, 0, 0, 0) where nothing is left
+};
+
+// Two colours, red to alpha from 0 to 1, as Render::setColor takes them.
+struct ColorPair {
+    mathbase::Vector4f first;
+    mathbase::Vector4f second; // an alpha below 0: as the first
+};
+
+struct ColorSet {
+    ColorPair border;
+    ColorPair color;
+    ColorPair highlight;
+    ColorPair pushed;
+    ColorPair inactive;
+};
+
+// Who hears what controls report.
+class Callback {
+public:
+    virtual ~Callback() = default;
+
+    // A row of a menu was chosen: `text` is its path, as in "spline.type.linear".
+    virtual void contextAction(Context* context, std::string text);
+    virtual void controlAction(Control* control, Action action) = 0;
+};
+
+// Positions of a control are relative to its parent's child area. All belongs to the main thread.
+//
+// Whoever hears an event or an action may delete any control, the one that sent it included.
+class Control {
+public:
+    static constexpr int MAX_DEPTH = 256; // of controls in a layout file
+
+    AreaSet                mArea;                    // the control's own box
+    AreaSet                mChildArea;               // the box in which children live
+    ColorSet               mBack;                    // of the background
+    ColorSet               mCaption;                 // of the caption
+    ColorSet               mText;                    // of text
+    std::string            mName = "control";        // what findControl finds
+    std::string            mCaptionText = "control"; // what is written on it
+    std::string            mType = "control";        // what it is called in a layout file
+    bool                   mRaiseOnFocus = true;     // a child that takes the focus goes on top of the others
+    Control*               mParent = nullptr;        // null for the root
+    Control*               mFocus = nullptr;         // the child that has the focus, or this control itself
+    mathbase::Vector2f     mOffset;           // scrolled so far, pixels: taken off the children's positions
+    std::vector<Control*>  mControls;         // children, drawn first to last; owned
+    std::vector<Callback*> mCallbacks;        // not owned
+    bool                   mHover = false;    // the mouse is over it
+    bool                   mInactive = false; // greyed out
+    bool                   mVisible = true;
+    bool                   mMaximized = false; // fills its parent's child area
+    mathbase::Box2         mSavedArea;         // where to go back to from there
+    bool                   mAreaSaved = false; // mSavedArea holds a box
+    Render*                mRender = nullptr;  // the root's, once asked for
+
+    Control();
+    Control(const Control&) = delete;
+    Control& operator=(const Control&) = delete;
+
+    virtual ~Control(); // and its children
+
+    // A new one of the same class, as its constructor leaves it. Owned by the caller.
+    virtual Control* clone() = 0;
+
+    virtual std::string         getType();
+    virtual display::DisplayGL* getDisplay(); // the root's; null without a root that has one
+
+    // A parent that hangs below this control itself is not taken, and that is logged.
+    virtual void     setParent(Control* parent);
+    virtual Control* getParent();
+    virtual Control* getRoot(); // the topmost: this one without a parent
+
+    virtual unsigned int getChildCount();
+    virtual Control*     getChild(unsigned int index); // null past the end
+
+    // "rrggbbaa" in hexadecimal, 0 to 1 each. Missing channels are 0, a missing alpha is 1, and characters
+    // that are no digits are 0.
+    virtual mathbase::Vector4f hex2vec(const std::string& text);
+
+    // Reads the element that `it` stands on, with all controls in it. What it does not know it passes over,
+    // a type of control not without a line in the log.
+    virtual void load(xml::IteratorConst& it);
+
+    // The elements of this name in the style document; none without one.
+    virtual xml::IteratorConst getStyle(const std::string& name);
+
+    virtual std::string getName();
+    virtual void        setName(std::string name);
+    virtual std::string getCaption();
+    virtual void        setCaption(std::string caption);
+    virtual void        setInactive(bool inactive);
+    virtual bool        getInactive();
+    virtual void        setVisible(bool visible); // showing it takes the focus off its children
+    virtual bool        getVisible();
+
+    virtual mathbase::Box2 getArea();
+    virtual mathbase::Box2 getAreaWorld();
+    virtual mathbase::Box2 getChildArea();
+    virtual mathbase::Box2 getChildAreaWorld();
+    virtual void           setArea(mathbase::Box2 area);             // and lays out all below
+    virtual void           setPosition(mathbase::Vector2f position); // its upper left corner; the size stays
+    virtual mathbase::Vector2f getOffset();
+    virtual void               setOffset(mathbase::Vector2f offset); // pixels; lays out all below
+
+    // Layout, called by setArea. buildChildArea sets mChildArea.area, relative to the area; buildArea works
+    // out the world and clip boxes of one of the two.
+    virtual void               buildChildArea();
+    virtual void               buildArea(AreaSet& set, bool child);
+    virtual mathbase::Vector2f getLocalOffset(bool child);
+    virtual mathbase::Box2     getLocalClipArea(bool child);
+    virtual mathbase::Vector2f getWorldOffset();
+    virtual mathbase::Box2     getWorldClipArea(bool child);
+
+    virtual bool getMaximized();
+    virtual void setMaximized(bool on);
+
+    // The smallest box around all visible children and what they hold, where they would stand unscrolled, as
+    // the children see it. What lies inside a scroll container counts no further than the container.
+    virtual mathbase::Box2 getOccupiedArea();
+
+    // Takes a child before `index`, -1 or past the end: behind all. It is owned here from then on, and has
+    // the focus. Ignores null.
+    virtual void     addControl(Control* control, int index);
+    virtual void     deleteControl(unsigned int index); // nothing past the end
+    virtual void     deleteControls();
+    virtual Control* getControl(unsigned int index); // null past the end
+    virtual size_t   getControlSize();               // how many there are
+
+    // This control, or the first below it, depth first; null if none has this name.
+    virtual Control* findControl(const std::string& name);
+
+    virtual void setCallback(Callback* callback); // adds one; not owned
+
+    // To the callbacks of the nearest control upward that has any. A null source means this control.
+    virtual void sendAction(Action action, Control* source);
+    virtual void sendContextAction(Context* context, std::string text); // to its own callbacks alone
+
+    virtual bool acceptEvents(Event& event);
+
+    // 1 when the event hit this control or one below it, or was a key for it; else 0.
+    virtual int handleEvent(Event& event);
+
+    virtual Render*  getRender(); // the root's, null without one
+    virtual Control* getFocus();
+    virtual void     setFocus(Control* control); // a child, this control, or null; up to the root
+    virtual void     clearFocus();               // here and below
+
+    virtual void setContext(Context* context); // opens a menu; not owned
+    virtual void resetContext();               // closes it
+
+    virtual void draw(); // the children; a widget draws itself first
+
+protected:
+    void layoutChildren();
+
+private:
+    friend class Alive;
+
+    void loadChildren(xml::IteratorConst& it);
+    void loadChild(xml::IteratorConst& it);
+    void loadArea(xml::IteratorConst& it);
+    void loadColor(xml::IteratorConst& it);
+
+    Alive* mAlive = nullptr; // who waits to hear whether it still lives
+};
+
+} // namespace zentrak::panorama

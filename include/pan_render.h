@@ -1,0 +1,124 @@
+// The few shapes that controls are made of.
+#pragma once
+
+#include "dis_batch.h"
+#include "dis_display.h"
+#include "dis_font.h"
+#include "mb_box2.h"
+#include "mb_vector2.h"
+#include "mb_vector4.h"
+
+#include <array>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace zentrak::panorama {
+
+// Coordinates are pixels of the window from its upper left corner, y downward. Shapes are cut by the clip
+// area here, collected, and drawn together: all shapes in one call and all text in another, as long as no
+// shape comes to lie on text that waits. So the picture is that of each drawn at once, and is complete after
+// flush(). Whoever draws past this class with OpenGL calls flush() first.
+//
+// All of it needs the window to be open.
+class Render {
+public:
+    display::DisplayGL* mDisplay = nullptr; // not owned; null until setup
+    mathbase::Vector2f  mSize;              // of the window, in this frame
+    mathbase::Vector2f  mDrawOffset;        // of the view, in this frame
+    mathbase::Vector4f  mColorFirst;
+    mathbase::Vector4f  mColorSecond;
+    display::Font*      mFont = nullptr; // owned; null until setup
+
+    Render();
+    Render(const Render&) = delete;
+    Render& operator=(const Render&) = delete;
+
+    virtual ~Render();
+
+    // Loads the font. Throws what loading a font throws.
+    virtual void setup(display::DisplayGL* display);
+
+    // Begins a frame: sets the state and the projection, with `margin` pixels around the window in view.
+    // Asserts "mDisplay".
+    virtual void setupDraw(mathbase::Vector2f size, mathbase::Vector2f offset, float margin);
+
+    // For all shapes until the next call. A second colour with an alpha below 0 is the first one.
+    virtual void setColor(const mathbase::Vector4f& first, const mathbase::Vector4f& second);
+
+    // Nothing is drawn outside, in whole pixels: fractions are cut off. A y2 of exactly -1: no clipping.
+    virtual void setClipArea(mathbase::Box2 area);
+
+    // Direction 1: a gradient from left to right; any other: from top to bottom.
+    virtual void drawBox(const mathbase::Box2& box, int direction);
+
+    // One pixel wide, inside the box: the upper corners in the first colour, the lower in the second.
+    virtual void drawBorder(const mathbase::Box2& box);
+
+    // In the first colour. At least three segments; -1: as many as the size needs. `start` turns it, in
+    // revolutions.
+    virtual void drawCircle(const mathbase::Box2& box, int segments, float start);
+
+    virtual void drawLine(const mathbase::Vector2f& a,
+                          const mathbase::Vector2f& b); // one pixel wide, first colour
+
+    // At `position`, centred on its y, in the first colour: to the right of its x, to the left or to both
+    // sides, by the font's mode. Set on whole pixels. Nothing without a font.
+    virtual void drawText(const std::string& text, mathbase::Vector2f position);
+
+    // The whole texture over the box, tinted by the first colour.
+    virtual void drawTexture(display::Texture& texture, const mathbase::Box2& box);
+
+    virtual float getTextLength(const std::string& text); // pixels; bytes are glyphs; 0 without a font
+    virtual float getTime();                              // seconds, the display's
+
+    float getAdvance(unsigned char c) const; // pixels, of one character
+    float getFontHeight() const;             // pixels, of a line
+    void  setFontMode(int mode);             // a display::Font alignment: 0 left, 1 right, 2 centred
+
+    void flush(); // draws what is collected
+
+private:
+    struct Point {
+        float              x, y;
+        mathbase::Vector4f color;
+    };
+
+    // Where text waits to be drawn, by tiles of the window.
+    class Waiting {
+    public:
+        void add(const mathbase::Box2& box);
+        bool touches(const mathbase::Box2& box) const;
+        void clear();
+
+    private:
+        static constexpr int TILE = 8;   // pixels
+        static constexpr int ROWS = 512; // of tiles; what lies beyond counts as in the last one
+        static constexpr int WORDS = 8;  // of 64 tiles
+        struct Span {
+            int x1, y1, x2, y2;
+        };
+        static Span getSpan(const mathbase::Box2& box);
+
+        std::array<std::array<uint64_t, WORDS>, ROWS> mTiles{};
+        int                                           mFirst = ROWS; // rows that may hold any
+        int                                           mLast = -1;
+    };
+
+    void drawPolygon(const Point* points, int count);
+    void drawQuad(const mathbase::Box2& box, const mathbase::Vector4f& upperLeft,
+                  const mathbase::Vector4f& upperRight, const mathbase::Vector4f& lowerRight,
+                  const mathbase::Vector4f& lowerLeft);
+    void drawShapes();
+    void coverText(const mathbase::Box2& box);
+    int  clipPolygon(const Point* points, int count);
+
+    mathbase::Box2     mClip; // in whole pixels of the view
+    display::Batch     mShapes;
+    display::Batch     mGlyphs;
+    Waiting            mWaiting;
+    std::vector<Point> mPolygon; // while it is cut
+    std::vector<Point> mCut;
+};
+
+} // namespace zentrak::panorama

@@ -1,0 +1,20 @@
+// Numbers in layout files.
+#pragma once
+
+#include <cmath>
+#include <string>
+
+namespace zentrak::panorama {
+
+// As atof, whatever the locale: "1.5" is one and a half, and what is no number is 0.
+double toNumber(const std::string& text);
+
+// Sets `value` to the number in `text`, unless that is empty or the number is not finite.
+void readNumber(const std::string& text, float& value);
+
+// To the nearest pixel edge, halves up.
+inline float toPixel(float value) {
+    return std::floor(value + 0.5f);
+}
+
+} // namespace zentrak::panorama
