@@ -1,0 +1,73 @@
+#include "pan_look.h"
+
+namespace zentrak::panorama::look {
+
+using mathbase::Box2;
+using mathbase::Vector2f;
+using mathbase::Vector4f;
+
+void setTextLook(ColorSet& set) {
+    setPair(set.color, text, none);
+    setPair(set.highlight, white, none);
+    setPair(set.pushed, white, none);
+    setPair(set.inactive, faint, none);
+}
+
+void setRaisedLook(ColorSet& set) {
+    setPair(set.border, edge);
+    setPair(set.color, Vector4f(0.23f, 0.23f, 0.27f, 0.96f), Vector4f(0.16f, 0.16f, 0.19f, 0.96f));
+    setPair(set.highlight, Vector4f(0.31f, 0.31f, 0.38f, 0.98f), Vector4f(0.23f, 0.23f, 0.29f, 0.98f));
+    setPair(set.pushed, Vector4f(0.25f, 0.25f, 0.43f, 1.0f), accent);
+    setPair(set.inactive, Vector4f(0.13f, 0.13f, 0.15f, 0.8f));
+}
+
+void setSunkLook(ColorSet& set) {
+    setPair(set.border, edge);
+    setPair(set.color, field);
+    setPair(set.highlight, Vector4f(0.10f, 0.10f, 0.13f, 0.94f));
+    setPair(set.pushed, field);
+    setPair(set.inactive, Vector4f(0.13f, 0.13f, 0.15f, 0.8f));
+}
+
+namespace {
+
+bool isSeen(const Box2& box, const ColorPair& pair) {
+    return box.x2 > box.x1 && box.y2 > box.y1 && (pair.first.w > 0 || pair.second.w > 0);
+}
+
+} // namespace
+
+void fill(Render& render, const Box2& box, const ColorPair& pair) {
+    if (!isSeen(box, pair))
+        return;
+    render.setColor(pair.first, pair.second);
+    render.drawBox(box, 0);
+}
+
+void outline(Render& render, const Box2& box, const ColorPair& pair) {
+    if (!isSeen(box, pair))
+        return;
+    render.setColor(pair.first, pair.second);
+    render.drawBorder(box);
+}
+
+void clipTo(Render& render, const Box2& a, const Box2& b) {
+    Box2 box = common(a, b);
+    if (!(box.x2 > box.x1 && box.y2 > box.y1))
+        box = Box2();
+    render.setClipArea(box);
+}
+
+// Rows of one pixel: 7, 5, 3 and 1 long.
+void drawArrow(Render& render, const Vector2f& centre, Arrow arrow) {
+    const float x = toPixel(centre.x - 0.5f), y = toPixel(centre.y - 0.5f);
+    for (int row = 0; row < 4; ++row) {
+        const float at = float(row) - 2.0f, half = 3.0f - float(row);
+        if (arrow == Arrow::DOWN)
+            render.drawBox(Box2(x - half, y + at, x + half + 1.0f, y + at + 1.0f), 0);
+        else
+            render.drawBox(Box2(x + at, y - half, x + at + 1.0f, y + half + 1.0f), 0);
+    }
+}
+
+} // namespace zentrak::panorama::look
