@@ -58,6 +58,23 @@ void clipTo(Render& render, const Box2& a, const Box2& b) {
     render.setClipArea(box);
 }
 
+void drawText(Render& render, const std::string& caption, const Vector4f& color, const Vector2f& position) {
+    render.setColor(color, none);
+    render.setFontMode(display::Font::ALIGN_LEFT);
+    render.drawText(caption, position);
+}
+
+void drawCentred(Render& render, const std::string& caption, const Vector4f& color, const Box2& box) {
+    render.setColor(color, none);
+    render.setFontMode(display::Font::ALIGN_CENTER);
+    render.drawText(caption, Vector2f(0.5f * (box.x1 + box.x2), 0.5f * (box.y1 + box.y2)));
+}
+
+float getTextLength(Control& control, const std::string& caption) {
+    Render* const render = control.getRender();
+    return render ? render->getTextLength(caption) : 0.0f;
+}
+
 // Rows of one pixel: 7, 5, 3 and 1 long.
 void drawArrow(Render& render, const Vector2f& centre, Arrow arrow) {
     const float x = toPixel(centre.x - 0.5f), y = toPixel(centre.y - 0.5f);

@@ -61,6 +61,17 @@ void outline(Render& render, const mathbase::Box2& box, const ColorPair& pair);
 // Clips to what is in both boxes. A box without a common part lets nothing through.
 void clipTo(Render& render, const mathbase::Box2& a, const mathbase::Box2& b);
 
+inline const mathbase::Box2 noClip(0, 0, -1, -1); // for Render::setClipArea
+
+// A caption in one colour: from `position` to the right, and around the middle of a box.
+void drawText(Render& render, const std::string& caption, const mathbase::Vector4f& color,
+              const mathbase::Vector2f& position);
+void drawCentred(Render& render, const std::string& caption, const mathbase::Vector4f& color,
+                 const mathbase::Box2& box);
+
+// In pixels; 0 where there is no window to draw in.
+float getTextLength(Control& control, const std::string& caption);
+
 // A triangle of seven pixels by four around `centre`, in the current colour.
 enum class Arrow { DOWN, RIGHT };
 void drawArrow(Render& render, const mathbase::Vector2f& centre, Arrow arrow);

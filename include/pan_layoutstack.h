@@ -1,0 +1,26 @@
+// Children one behind the other, without gaps, each in its own size.
+#pragma once
+
+#include "pan_control.h"
+
+namespace zentrak::panorama {
+
+class LayoutStack : public Control {
+public:
+    int mDirection = 1; // 1: downward, 0: to the right
+
+    LayoutStack();
+
+    Control* clone() override; // without children; owned by the caller
+
+    void load(xml::IteratorConst& it) override; // `direction`: "horisontal", or anything else for vertical
+    void addControl(Control* control, int index) override;
+    void deleteControl(unsigned int index) override;
+    void draw() override;
+
+    virtual void setVertical();
+    virtual void setHorisontal();
+    virtual void recalculate(); // places the children; for after one has changed its size
+};
+
+} // namespace zentrak::panorama
