@@ -1,0 +1,42 @@
+// What the two editors of a curve share: their menus, and where a time and a value stand in a box.
+#pragma once
+
+#include "mb_box2.h"
+#include "mb_vector2.h"
+#include "pan_context.h"
+#include "pan_control.h"
+
+#include <string>
+
+namespace zentrak::panorama::curve {
+
+// What the menus report.
+inline const std::string ADD_KEY = "spline.add key";
+inline const std::string DELETE_KEY = "spline.delete key";
+inline const std::string TYPE = "spline.type."; // and the name of a mode
+
+// Fills the menu beside the keys, the menu of a key, and the sub-menu that stands in both.
+void buildMenus(Context& empty, Context& key, Context& types);
+// To be called before the three are destroyed: the sub-menu belongs to none of the two others.
+void releaseMenus(Context& empty, Context& key, Context& types);
+// Opens one of the two for `owner`, at `place` or as near to it as it is in the window with the sub-menu,
+// which marks the row `mode`.
+void openMenu(Control& owner, Context& menu, Context& types, const mathbase::Vector2f& place,
+              const std::string& mode);
+
+// From time and value to pixels. The widget of a box without a side shows nothing.
+inline mathbase::Vector2f toWindow(const mathbase::Box2& box, float time, float value) {
+    const float half = 0.5f * box.getHeight();
+    return mathbase::Vector2f(box.x1 + box.getWidth() * time, box.y1 + half + value * half);
+}
+inline bool fromWindow(const mathbase::Box2& box, const mathbase::Vector2f& place, float& time,
+                       float& value) {
+    const float half = 0.5f * box.getHeight();
+    if (!(box.getWidth() > 0 && half > 0))
+        return false;
+    time = (place.x - box.x1) / box.getWidth();
+    value = (place.y - box.y1 - half) / half;
+    return true;
+}
+
+} // namespace zentrak::panorama::curve
