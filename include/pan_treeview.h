@@ -70,6 +70,7 @@ private:
     int            rowAt(const mathbase::Vector2f& place);
     bool           overArrow(int row, float x);
     void           selectRow(int row);
+    void           goToRow(int row);
     void           showRow(int row);
     bool           handlePress(const Event& event);
     bool           handleKey(const Event& event);

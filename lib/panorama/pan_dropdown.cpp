@@ -9,6 +9,7 @@ using namespace look;
 using namespace display; // the keys
 using mathbase::Box2;
 using mathbase::Vector2f;
+using mathbase::Vector4f;
 
 namespace {
 
@@ -28,8 +29,22 @@ bool isHiddenAnywhere(Control& control) {
 // The menu that it opens, with the keys that a menu does not have.
 class Dropdown::List : public Context {
 public:
-    explicit List(Dropdown& owner) : mOwner(owner) {}
+    explicit List(Dropdown& owner) : mOwner(owner) {
+        setPair(mBack.color, Vector4f(0.05f, 0.05f, 0.07f, 0.97f));
+        setPair(mBack.border, edge);
+        setPair(mBack.highlight, accent);
+        setPair(mText.color, text, none);
+        setPair(mText.highlight, white, bright); // the row under the mouse, and the current one
+    }
 
+    void addLine(const std::string& text) {
+        mLines.emplace_back();
+        mLines.back().set(text);
+    }
+    void deleteOptions() override {
+        mLines.clear();
+        Context::deleteOptions();
+    }
     void openAt(const Box2& box, const Box2& window);
     int  handleEvent(Event& event) override;
     void draw() override;
@@ -37,13 +52,17 @@ public:
     bool mOpening = false; // the press that opened it has not been released
 
 private:
-    int  count() const { return int(mControls.size()); }
-    void highlight(int row);
-    void showRow(int row);
-    void scrollTo(float top);
+    int   count() const { return int(mControls.size()); }
+    float getPitch() const { return mRowGap + ROW_HEIGHT; }
+    void  snap(Event& event) const;
+    void  drawRow(Render& render, int row);
+    void  highlight(int row);
+    void  showRow(int row);
+    void  scrollTo(float top);
 
-    Dropdown& mOwner;
-    Box2      mWindow;
+    Dropdown&             mOwner;
+    Box2                  mWindow;
+    std::vector<TextLine> mLines;
 };
 
 void Dropdown::List::openAt(const Box2& box, const Box2& window) {
@@ -68,7 +87,7 @@ void Dropdown::List::scrollTo(float top) {
 }
 
 void Dropdown::List::showRow(int row) {
-    const float pitch = mRowGap + ROW_HEIGHT, from = mMargin + pitch * float(row);
+    const float from = mMargin + getPitch() * float(row);
     const float top = mArea.area.y1;
     if (top + from - mMargin < mWindow.y1)
         scrollTo(mWindow.y1 + mMargin - from);
@@ -83,7 +102,7 @@ void Dropdown::List::highlight(int row) {
 
 int Dropdown::List::handleEvent(Event& event) {
     if (event.type == "mousewheel") {
-        scrollTo(mArea.area.y1 + event.wheelDelta * 3 * (mRowGap + ROW_HEIGHT));
+        scrollTo(mArea.area.y1 + event.wheelDelta * 3 * getPitch());
         mHighlight = -1;
         return 0;
     }
@@ -95,8 +114,11 @@ int Dropdown::List::handleEvent(Event& event) {
             return 0;
         }
     }
-    if (event.type != "keydown" || !count())
-        return Context::handleEvent(event);
+    if (event.type != "keydown" || !count()) {
+        Event nearest(event);
+        snap(nearest);
+        return Context::handleEvent(nearest);
+    }
 
     const int from = mHighlight != -1 ? mHighlight : mOwner.getSelected();
     switch (event.key) {
@@ -129,16 +151,52 @@ int Dropdown::List::handleEvent(Event& event) {
         mOwner.choose(from); // whose receiver may delete the owner and this
         break;
     default:
-        break;
+        return 0;
     }
-    return 0;
+    return 1;
 }
 
 void Dropdown::List::draw() {
-    if (isHiddenAnywhere(mOwner))
+    Render* const render = getRender();
+    if (isHiddenAnywhere(mOwner)) {
         mOwner.resetContext();
-    else
-        Context::draw();
+        return;
+    }
+    if (!render)
+        return;
+    fill(*render, mArea.area, mBack.color);
+    outline(*render, mArea.area, mBack.border);
+    const float top = mArea.area.y1 + mMargin, rows = float(count());
+    const int   first = int(std::clamp(std::floor((mWindow.y1 - top) / getPitch()), 0.0f, rows));
+    const int   last = int(std::clamp(std::ceil((mWindow.y2 - top) / getPitch()), 0.0f, rows));
+    for (int row = first; row < last; ++row)
+        drawRow(*render, row);
+}
+
+// The bar fills the row and the gaps beside it, so that letters that reach below the line stand on it too.
+void Dropdown::List::drawRow(Render& render, int row) {
+    const Box2& area = mArea.area;
+    const float top = area.y1 + mMargin + getPitch() * float(row);
+    if (row == mHighlight)
+        fill(
+            render,
+            toPixels(Box2(area.x1 + 1, top - mRowGap * 0.5f, area.x2 - 1, top + ROW_HEIGHT + mRowGap * 0.5f)),
+            mBack.highlight);
+    const bool current = row == mOwner.getSelected();
+    render.setColor(row == mHighlight ? mText.highlight.first
+                    : current         ? mText.highlight.second
+                                      : mText.color.first,
+                    none);
+    mLines[size_t(row)].draw(render, Box2(area.x1 + MARGIN, top, area.x2 - MARGIN, top + ROW_HEIGHT),
+                             TextLine::START, TextLine::MIDDLE);
+}
+
+// A gap belongs to the nearer row.
+void Dropdown::List::snap(Event& event) const {
+    const Box2& area = mArea.area;
+    const float row = std::floor((event.mousePos.y - area.y1 - mMargin + mRowGap * 0.5f) / getPitch());
+    if (contains(area, event.mousePos) && row >= 0 && row < float(count()))
+        event.mousePos.y = area.y1 + mMargin + getPitch() * row + ROW_HEIGHT * 0.5f;
 }
 
 Dropdown::Dropdown() : mList(new List(*this)) {
@@ -173,6 +231,7 @@ void Dropdown::load(xml::IteratorConst& it) {
 void Dropdown::addOption(const std::string& id, const std::string& name) {
     mOptions.push_back({id, name.empty() ? id : name});
     mList->addOption(mOptions.back().name, id);
+    mList->addLine(mOptions.back().name);
     if (mSelected == -1)
         setSelected(0);
 }
@@ -267,7 +326,7 @@ void Dropdown::draw() {
     fill(*render, box, pick(mBack, mInactive, false, mHover));
     outline(*render, box, keys ? mCaption.color : mBack.border);
     render->setColor(pick(mText, mInactive, false, mHover).first, none);
-    mLine.set(mSelected == -1 ? std::string() : mOptions[size_t(mSelected)].name);
+    mLine.set(mSelected == -1 ? xml::emptyString : mOptions[size_t(mSelected)].name);
     mLine.draw(*render, Box2(box.x1 + MARGIN, box.y1, box.x2 - ARROW_ROOM, box.y2), TextLine::START,
                TextLine::MIDDLE);
     drawArrow(*render, Vector2f(box.x2 - ARROW_ROOM * 0.5f, (box.y1 + box.y2) * 0.5f), Arrow::DOWN);

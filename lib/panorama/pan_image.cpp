@@ -37,7 +37,7 @@ void Image::load(xml::IteratorConst& it) {
 bool Image::setFilename(const std::string& filename) {
     mFilename = filename;
     mTexture.reset();
-    if (!getDisplay())
+    if (filename.empty() || !getDisplay())
         return false;
     try {
         auto texture = std::make_unique<display::Texture>(getDisplay());

@@ -7,6 +7,12 @@ namespace zentrak::panorama {
 using namespace look;
 using mathbase::Box2;
 
+namespace {
+
+constexpr float MARGIN = 4.0f; // pixels left and right of the text
+
+} // namespace
+
 Label::Label() {
     mType = "label";
     setTextLook(mText);
@@ -39,7 +45,10 @@ void Label::draw() {
     fill(*render, box, mBack.color);
     outline(*render, box, mBack.border);
     render->setColor(pick(mText, mInactive, false, false).first, none);
-    mLine.draw(*render, box, mAlign, mVAlign);
+    // Off the edge of a box that can be seen.
+    const bool  plain = mBack.color.first.w <= 0 && mBack.border.first.w <= 0;
+    const float margin = plain ? 0.0f : MARGIN;
+    mLine.draw(*render, Box2(box.x1 + margin, box.y1, box.x2 - margin, box.y2), mAlign, mVAlign);
     Control::draw();
 }
 

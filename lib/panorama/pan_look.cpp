@@ -75,6 +75,31 @@ float getTextLength(Control& control, const std::string& caption) {
     return render ? render->getTextLength(caption) : 0.0f;
 }
 
+// A pixel is covered by as much of it as lies within the radius, taken along the line from the centre.
+void drawDisc(Render& render, const Vector2f& centre, float radius, const Vector4f& color) {
+    const float left = std::floor(centre.x - radius), top = std::floor(centre.y - radius);
+    const float right = centre.x + radius, bottom = centre.y + radius;
+    const auto  span = [&](float x1, float x2, float y, float cover) {
+        render.setColor(Vector4f(color.x, color.y, color.z, color.w * cover), none);
+        render.drawBox(Box2(x1, y, x2, y + 1), 0);
+    };
+    for (float y = top; y < bottom; ++y) {
+        float begin = right, end = left; // of the pixels of this row that are covered whole
+        for (float x = left; x < right; ++x) {
+            const float dx = x + 0.5f - centre.x, dy = y + 0.5f - centre.y;
+            const float cover = radius + 0.5f - std::sqrt(dx * dx + dy * dy);
+            if (cover >= 1) {
+                begin = std::min(begin, x);
+                end = x + 1;
+            } else if (cover > 0) {
+                span(x, x + 1, y, cover);
+            }
+        }
+        if (begin < end)
+            span(begin, end, y, 1);
+    }
+}
+
 // Rows of one pixel: 7, 5, 3 and 1 long.
 void drawArrow(Render& render, const Vector2f& centre, Arrow arrow) {
     const float x = toPixel(centre.x - 0.5f), y = toPixel(centre.y - 0.5f);

@@ -72,6 +72,10 @@ void drawCentred(Render& render, const std::string& caption, const mathbase::Vec
 // In pixels; 0 where there is no window to draw in.
 float getTextLength(Control& control, const std::string& caption);
 
+// A round spot with a soft edge, drawn pixel by pixel: for small ones.
+void drawDisc(Render& render, const mathbase::Vector2f& centre, float radius,
+              const mathbase::Vector4f& color);
+
 // A triangle of seven pixels by four around `centre`, in the current colour.
 enum class Arrow { DOWN, RIGHT };
 void drawArrow(Render& render, const mathbase::Vector2f& centre, Arrow arrow);

@@ -176,21 +176,15 @@ void RadioButton::draw() {
     Control::draw();
 }
 
-// A disc with a rim. The faint disc below it softens its edge.
+// A disc with a rim.
 void RadioButton::drawMark(Render& render, const Box2& box, const BoxData& data, bool hover, bool pushed) {
-    const auto disc = [&](float inset, const Vector4f& color) {
-        render.setColor(color, none);
-        render.drawCircle(shrunk(box, inset), 32, 0);
-    };
-    const Vector4f& rim = mInactive ? mCaption.inactive.first
-                          : hover   ? mCaption.color.first
-                                    : mBack.border.first;
-    disc(-0.25f, Vector4f(rim.x, rim.y, rim.z, rim.w * 0.35f));
-    disc(0.25f, rim);
-    const auto& back = pick(mBack, mInactive, pushed, hover);
-    disc(1.5f, Vector4f(back.first.x, back.first.y, back.first.z, 1.0f));
+    const Vector2f  centre((box.x1 + box.x2) * 0.5f, (box.y1 + box.y2) * 0.5f);
+    const Vector4f  back = pick(mBack, mInactive, pushed, hover).first;
+    const ColorPair mark = mInactive ? mCaption.inactive : mCaption.color;
+    drawDisc(render, centre, BOX * 0.5f, mInactive || hover ? mark.first : mBack.border.first);
+    drawDisc(render, centre, BOX * 0.5f - 1.25f, Vector4f(back.x, back.y, back.z, 1.0f));
     if (data.checked)
-        disc(3.5f, mInactive ? mCaption.inactive.first : mCaption.color.first);
+        drawDisc(render, centre, BOX * 0.5f - 3.5f, mark.first);
 }
 
 } // namespace zentrak::panorama

@@ -19,7 +19,7 @@ constexpr float COLUMN = 2.0f; // pixels a sample
 double roundUp(double value) {
     const double power = std::pow(10.0, std::floor(std::log10(value)));
     for (const double step : {1.0, 2.0, 5.0})
-        if (value <= step * power)
+        if (value <= step * power * (1 + 1e-6)) // 0.1f is a little more than a tenth
             return step * power;
     return 10.0 * power;
 }
@@ -31,6 +31,7 @@ Stat::Stat() {
     setSunkLook(mBack);
     setTextLook(mText);
     setPair(mText.color, Vector4f(0.62f, 0.62f, 0.68f, 1.0f), none);
+    setPair(mBack.pushed, Vector4f(0.06f, 0.06f, 0.08f, 0.7f));              // under the figures
     setPair(mCaption.border, Vector4f(1.0f, 1.0f, 1.0f, 0.10f));             // the lines of the scale
     setPair(mCaption.color, Vector4f(0.46f, 0.46f, 0.78f, 1.0f), accent);    // the columns
     setPair(mCaption.highlight, Vector4f(0.78f, 0.78f, 1.0f, 1.0f), bright); // the newest of them
@@ -119,6 +120,11 @@ void Stat::drawFigure(Render& render, const Box2& box, TextLine& line, float val
     line.set(mFigure);
     if (box.getHeight() < 2 * render.getFontHeight())
         return;
+    line.fit(render, box.getWidth() - 6);
+    const float top = vertical == TextLine::START ? box.y1 : box.y2 - render.getFontHeight();
+    const Box2  plate(box.x1, top, std::min(box.x2, box.x1 + line.getLength() + 6),
+                      top + render.getFontHeight());
+    fill(render, plate, mBack.pushed);
     render.setColor(mText.color.first, none);
     line.draw(render, Box2(box.x1 + 3, box.y1, box.x2 - 3, box.y2), TextLine::START, vertical);
 }

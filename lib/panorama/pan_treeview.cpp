@@ -252,6 +252,12 @@ void TreeView::selectRow(int row) {
     sendAction(ACTION_CHANGE, nullptr);
 }
 
+// By the keys, which may have nowhere to go.
+void TreeView::goToRow(int row) {
+    if (row >= 0 && row < getRowCount() && mRows[size_t(row)] != mSelected)
+        selectRow(row);
+}
+
 void TreeView::showRow(int row) {
     const Box2  view = getView();
     const float top = mTops[size_t(row)], bottom = mTops[size_t(row) + 1];
@@ -304,34 +310,34 @@ bool TreeView::handleKey(const Event& event) {
     const bool  inner = node && node->next > index + 1;
     switch (event.key) {
     case KEY_UP:
-        selectRow(std::max(0, row - 1));
+        goToRow(std::max(0, row - 1));
         return true;
     case KEY_DOWN:
-        selectRow(std::min(last, row + 1));
+        goToRow(std::min(last, row + 1));
         return true;
     case KEY_PAGEUP:
-        selectRow(std::max(0, row - page));
+        goToRow(std::max(0, row - page));
         return true;
     case KEY_PAGEDOWN:
-        selectRow(std::min(last, std::max(0, row) + page));
+        goToRow(std::min(last, std::max(0, row) + page));
         return true;
     case KEY_HOME:
-        selectRow(0);
+        goToRow(0);
         return true;
     case KEY_END:
-        selectRow(last);
+        goToRow(last);
         return true;
     case KEY_LEFT:
         if (inner && node->open)
             setOpen(index, false);
         else if (node && node->parent != -1)
-            selectRow(getRow(node->parent));
+            goToRow(getRow(node->parent));
         return true;
     case KEY_RIGHT:
         if (inner && !node->open)
             setOpen(index, true);
         else if (inner)
-            selectRow(row + 1);
+            goToRow(row + 1);
         return true;
     case KEY_ENTER:
     case KEY_KP_ENTER:
