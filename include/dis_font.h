@@ -32,6 +32,16 @@ public:
     float getLength(const std::string& text) const;                     // the sum of the advances, at scale 1
     float getHeight() const { return float(mCharHeight) * mUnitSizeY; } // of a cell, at scale 1
     float getAdvance(unsigned char c) const { return mKerning[c]; }     // of one character, at scale 1
+    float getWidth() const { return float(mCharWidth) * mUnitSizeX; }   // of a cell, at scale 1
+
+    // For who draws the glyphs together with others: where a character's cell lies in the texture, t0 at its
+    // top, and the texture.
+    struct Cell {
+        float s0, t0, s1, t1;
+    };
+    Cell     getCell(unsigned char c) const;
+    Texture& getTexture() { return mTexture; }
+    int      getAlignment() const { return mAlign; }
 
     void setAlignment(int align) { mAlign = align; }
     void setSizeOfSpace(float size) {

@@ -196,6 +196,7 @@ private:
     void loadColor(xml::IteratorConst& it);
 
     Alive* mAlive = nullptr; // who waits to hear whether it still lives
+    bool   mIsChild = false; // one of its parent's children, and not a menu that it opened
 };
 
 } // namespace zentrak::panorama

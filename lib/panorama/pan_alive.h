@@ -12,11 +12,8 @@ namespace zentrak::panorama {
 //     if (!alive) return;
 class Alive {
 public:
-    explicit Alive(Control& control) : mControl(&control), mNext(control.mAlive) { control.mAlive = this; }
-    ~Alive() {
-        if (mControl)
-            mControl->mAlive = mNext; // the last made goes first
-    }
+    explicit Alive(Control& control);
+    ~Alive();
     Alive(const Alive&) = delete;
     Alive& operator=(const Alive&) = delete;
 

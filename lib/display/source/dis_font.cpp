@@ -79,6 +79,11 @@ float Font::getLength(const std::string& text) const {
     return length;
 }
 
+Font::Cell Font::getCell(unsigned char c) const {
+    const float s = float(c & 15) * mLetterWidth, t = float(c >> 4) * mLetterHeight;
+    return {s, t, s + mLetterWidth, t + mLetterHeight};
+}
+
 void Font::draw(const std::string& text, mathbase::Vector2f scale, mathbase::Vector4f color) {
     GL_CALL(glPushAttrib(0xFFFFF));
     GL_CALL(glEnable(GL_TEXTURE_2D));
@@ -97,9 +102,8 @@ void Font::draw(const std::string& text, mathbase::Vector2f scale, mathbase::Vec
     mBatch.color(color);
     for (const char character : text) {
         const uint8_t c = uint8_t(character);
-        const float   s0 = float(c & 15) * mLetterWidth, s1 = s0 + mLetterWidth;
-        const float   t0 = float(c >> 4) * mLetterHeight, t1 = t0 + mLetterHeight;
-        mBatch.rect(x, -0.5f * h, x + width, 0.5f * h, s0, t1, s1, t0);
+        const Cell    cell = getCell(c);
+        mBatch.rect(x, -0.5f * h, x + width, 0.5f * h, cell.s0, cell.t1, cell.s1, cell.t0);
         x += scale.x * mKerning[c];
     }
     mBatch.flush();

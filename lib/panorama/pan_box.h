@@ -1,0 +1,32 @@
+// What is done with boxes all over the toolkit.
+#pragma once
+
+#include "mb_box2.h"
+#include "mb_vector2.h"
+
+#include <algorithm>
+
+namespace zentrak::panorama {
+
+// What two boxes have in common; a side is negative where that is nothing.
+inline mathbase::Box2 cut(const mathbase::Box2& a, const mathbase::Box2& b) {
+    return mathbase::Box2(std::max(a.x1, b.x1), std::max(a.y1, b.y1), std::min(a.x2, b.x2),
+                          std::min(a.y2, b.y2));
+}
+
+// The same; all zero where it is nothing, or no number.
+inline mathbase::Box2 cutOrZero(const mathbase::Box2& a, const mathbase::Box2& b) {
+    const mathbase::Box2 box = cut(a, b);
+    return box.getWidth() >= 0 && box.getHeight() >= 0 ? box : mathbase::Box2();
+}
+
+inline mathbase::Box2 shifted(const mathbase::Box2& box, const mathbase::Vector2f& by) {
+    return mathbase::Box2(box.x1 + by.x, box.y1 + by.y, box.x2 + by.x, box.y2 + by.y);
+}
+
+// The lower edges belong to a box, the upper ones do not.
+inline bool isInside(const mathbase::Box2& box, const mathbase::Vector2f& point) {
+    return point.x >= box.x1 && point.x < box.x2 && point.y >= box.y1 && point.y < box.y2;
+}
+
+} // namespace zentrak::panorama

@@ -1,0 +1,211 @@
+#include "pan_panorama.h"
+
+#include "am_archivemanager.h"
+#include "dis_glcheck.h"
+#include "pan_button.h"
+#include "pan_checkbox.h"
+#include "pan_dropdown.h"
+#include "pan_flow.h"
+#include "pan_frame.h"
+#include "pan_image.h"
+#include "pan_label.h"
+#include "pan_layoutstack.h"
+#include "pan_menubar.h"
+#include "pan_panel.h"
+#include "pan_radiobutton.h"
+#include "pan_scrollbars.h"
+#include "pan_slider.h"
+#include "pan_spline.h"
+#include "pan_splineorg.h"
+#include "pan_stat.h"
+#include "pan_tabframe.h"
+#include "pan_tabview.h"
+#include "pan_textinput.h"
+#include "pan_treeview.h"
+#include "pan_window.h"
+#include "ztk_system.h"
+
+#include <climits>
+#include <cstdlib>
+#include <ctime>
+#include <memory>
+
+namespace zentrak::panorama {
+
+using mathbase::Box2;
+using mathbase::Vector2f;
+
+namespace {
+
+// Types that are there already stay as they are.
+template <class ControlType>
+void addType(ControlFactory& factory) {
+    auto prototype = std::make_unique<ControlType>();
+    for (Control* known : ControlFactory::mControl) {
+        if (known->getType() == prototype->getType())
+            return;
+    }
+    factory.addControlType(prototype.release());
+}
+
+// Reads a document through the archives. Null if the file is missing; throws what the parser throws.
+std::unique_ptr<xml::XmlParser> readDocument(display::DisplayGL* display, const std::string& name) {
+    am::File file =
+        display && display->mArchiveManager ? display->mArchiveManager->readFile(name) : am::File();
+    if (file.isNull())
+        return nullptr;
+    auto document = std::make_unique<xml::XmlParser>();
+    document->parse(reinterpret_cast<const char*>(file->data), static_cast<int>(file->length));
+    return document;
+}
+
+} // namespace
+
+Panorama::Panorama(display::DisplayGL* owner) : Listener(owner) {
+    srand(static_cast<unsigned>(time(nullptr)));
+    mWorkspace.setDisplay(owner);
+    onResize(0, 0);
+
+    addType<Button>(mFactory);
+    addType<Checkbox>(mFactory);
+    addType<Dropdown>(mFactory);
+    addType<Flow>(mFactory);
+    addType<Frame>(mFactory);
+    addType<Image>(mFactory);
+    addType<Label>(mFactory);
+    addType<LayoutStack>(mFactory);
+    addType<Menubar>(mFactory);
+    addType<Panel>(mFactory);
+    addType<RadioButton>(mFactory);
+    addType<Scrollbars>(mFactory);
+    addType<Slider>(mFactory);
+    addType<Spline>(mFactory);
+    addType<SplineOrg>(mFactory);
+    addType<Stat>(mFactory);
+    addType<TabFrame>(mFactory);
+    addType<TabView>(mFactory);
+    addType<TextInput>(mFactory);
+    addType<TreeView>(mFactory);
+    addType<Window>(mFactory);
+    addType<Workspace>(mFactory);
+}
+
+Panorama::~Panorama() = default;
+
+void Panorama::load(std::string filename) {
+    display::DisplayGL*                   owner = mWorkspace.getDisplay();
+    const std::unique_ptr<xml::XmlParser> layout = readDocument(owner, filename);
+    if (!layout)
+        throw Exception("Could not find the file '%s'.", filename.c_str());
+    if (layout->getName() != "panorama")
+        return;
+    xml::IteratorConst workspace = std::as_const(*layout).createIterator("workspace");
+    while (++workspace) {
+        mWorkspace.setDisplay(owner);
+        const std::string& styleName = workspace->getValue("style");
+        if (!styleName.empty()) {
+            std::unique_ptr<xml::XmlParser> style = readDocument(owner, styleName);
+            if (style && style->getName() != "panorama")
+                return;
+            if (style) {
+                mStyleDocument = style.release();
+                mWorkspace.loadStyle(mStyleDocument);
+            }
+        }
+        mWorkspace.load(workspace);
+        onResize(1, 1);
+    }
+}
+
+void Panorama::addControl(Control* control) {
+    mWorkspace.addControl(control, -1);
+}
+
+int Panorama::send(Event& event, const display::Event& source, const char* type) {
+    static_cast<display::Event&>(event) = source;
+    event.type = type;
+    event.mousePos += mViewOffset;
+    if (mWorkspace.mDisplay)
+        mWorkspace.mDisplay->setDirty(true);
+    return mWorkspace.handleEvent(event);
+}
+
+int Panorama::onMouseDown(const display::MouseButtonEvent& source) {
+    Event event;
+    event.button = source.button;
+    event.doubleClick = source.doubleClick;
+    return send(event, source, "mousedown");
+}
+
+int Panorama::onMouseUp(const display::MouseButtonEvent& source) {
+    if (source.button == display::MOUSE_RIGHT)
+        mDragging = false;
+    Event event;
+    event.button = source.button;
+    return send(event, source, "mouseup");
+}
+
+int Panorama::onMouseMove(const display::MouseMoveEvent& source) {
+    static int lastX = INT_MIN, lastY = INT_MIN;
+    const int  x = static_cast<int>(source.mousePos.x), y = static_cast<int>(source.mousePos.y);
+    if (x == lastX && y == lastY)
+        return WHATEVER;
+    lastX = x;
+    lastY = y;
+    if (mDragging)
+        mViewOffset += source.mouseDelta;
+    Event event;
+    event.mouseDelta = source.mouseDelta;
+    send(event, source, "mousemove");
+    return WHATEVER;
+}
+
+int Panorama::onMouseWheel(const display::MouseMoveEvent& source) {
+    Event event;
+    event.wheelDelta = source.mouseDeltaWheel;
+    return send(event, source, "mousewheel");
+}
+
+int Panorama::onKeyDown(const display::KeyEvent& source) {
+    Event event;
+    event.key = source.key;
+    return send(event, source, "keydown");
+}
+
+int Panorama::onKeyUp(const display::KeyEvent& source) {
+    Event event;
+    event.key = source.key;
+    return send(event, source, "keyup");
+}
+
+int Panorama::onCharDown(const display::CharEvent& source) {
+    Event event;
+    event.character = source.key;
+    return send(event, source, "keychardown");
+}
+
+int Panorama::onCharUp(const display::CharEvent& source) {
+    Event event;
+    event.character = source.key;
+    return send(event, source, "keycharup");
+}
+
+void Panorama::onResize(int, int) {
+    if (!mWorkspace.mDisplay)
+        return;
+    const display::WindowMode& mode = mWorkspace.mDisplay->mWindowMode;
+    mWorkspace.setArea(Box2(0, 0, float(mode.width), float(mode.height)));
+    mWorkspace.setMaximized(mWorkspace.getMaximized());
+}
+
+void Panorama::onDraw() {
+    if (!mWorkspace.mDisplay)
+        return;
+    const display::WindowMode& mode = mWorkspace.mDisplay->mWindowMode;
+    mWorkspace.mRender.setupDraw(Vector2f(float(mode.width), float(mode.height)), mViewOffset, 0);
+    GL_CALL(glEnable(GL_BLEND));
+    mWorkspace.draw();
+    mWorkspace.mRender.flush();
+}
+
+} // namespace zentrak::panorama

@@ -1,0 +1,408 @@
+#include "pan_render.h"
+
+#include "dis_glcheck.h"
+#include "pan_box.h"
+
+#include <algorithm>
+#include <cassert>
+#include <cmath>
+
+namespace zentrak::panorama {
+
+using mathbase::Box2;
+using mathbase::Vector2f;
+using mathbase::Vector4f;
+
+namespace {
+
+constexpr float PI = 3.1415927f;
+constexpr float FAR_AWAY = 1e6f;    // pixels; no window is as large
+constexpr int   MAX_SEGMENTS = 720; // of a circle: more than can be seen
+constexpr float SPACE = 3.0f;       // pixels, the advance of a blank
+
+const Box2 UNCLIPPED(-FAR_AWAY, -FAR_AWAY, FAR_AWAY, FAR_AWAY);
+
+// As a cast to int, for any number.
+float toInt(float value) {
+    return value > FAR_AWAY    ? FAR_AWAY
+           : value < -FAR_AWAY ? -FAR_AWAY
+           : value == value    ? std::trunc(value)
+                               : 0;
+}
+
+bool hasExtent(const Box2& box) {
+    return box.x2 > box.x1 && box.y2 > box.y1;
+}
+
+bool holds(const Box2& outer, const Box2& inner) {
+    return inner.x1 >= outer.x1 && inner.y1 >= outer.y1 && inner.x2 <= outer.x2 && inner.y2 <= outer.y2;
+}
+
+Vector4f mix(const Vector4f& a, const Vector4f& b, float t) {
+    return a + (b - a) * t;
+}
+
+} // namespace
+
+// Tiles
+
+Render::Waiting::Span Render::Waiting::getSpan(const Box2& box) {
+    const auto tile = [](float value, int last) {
+        return std::clamp(static_cast<int>(toInt(value)) / TILE, 0, last);
+    };
+    // An upper edge on the border of two tiles reaches into the lower one alone.
+    return {tile(box.x1, WORDS * 64 - 1), tile(box.y1, ROWS - 1), tile(std::ceil(box.x2) - 1, WORDS * 64 - 1),
+            tile(std::ceil(box.y2) - 1, ROWS - 1)};
+}
+
+void Render::Waiting::add(const Box2& box) {
+    const Span span = getSpan(box);
+    for (int row = span.y1; row <= span.y2; ++row) {
+        for (int column = span.x1; column <= span.x2; ++column)
+            mTiles[size_t(row)][size_t(column / 64)] |= uint64_t(1) << (column % 64);
+    }
+    mFirst = std::min(mFirst, span.y1);
+    mLast = std::max(mLast, span.y2);
+}
+
+bool Render::Waiting::touches(const Box2& box) const {
+    if (mLast < mFirst)
+        return false;
+    const Span span = getSpan(box);
+    const int  lastRow = std::min(span.y2, mLast);
+    for (int row = std::max(span.y1, mFirst); row <= lastRow; ++row) {
+        for (int word = span.x1 / 64; word <= span.x2 / 64; ++word) {
+            uint64_t mask = ~uint64_t(0);
+            if (word == span.x1 / 64)
+                mask &= ~uint64_t(0) << (span.x1 % 64);
+            if (word == span.x2 / 64)
+                mask &= ~uint64_t(0) >> (63 - span.x2 % 64);
+            if (mTiles[size_t(row)][size_t(word)] & mask)
+                return true;
+        }
+    }
+    return false;
+}
+
+void Render::Waiting::clear() {
+    for (int row = mFirst; row <= mLast; ++row)
+        mTiles[size_t(row)].fill(0);
+    mFirst = ROWS;
+    mLast = -1;
+}
+
+// Setting up
+
+Render::Render() : mColorFirst(1, 1, 1, 1), mColorSecond(1, 1, 1, 1), mClip(UNCLIPPED) {
+    mShapes.setChannels(display::Batch::CHANNEL_NONE);
+    mShapes.setCulling(display::Batch::CULLING_OFF);
+    mGlyphs.setChannels(display::Batch::CHANNEL_TEXCOORD);
+    mGlyphs.setCulling(display::Batch::CULLING_OFF);
+}
+
+Render::~Render() {
+    delete mFont;
+}
+
+void Render::setup(display::DisplayGL* display) {
+    mDisplay = display;
+    auto font = std::make_unique<display::Font>(display);
+    font->load("fonthelvete2.png", false,
+               Vector2f(float(display->mWindowMode.width), float(display->mWindowMode.height)));
+    font->setSizeOfSpace(SPACE);
+    font->setAlignment(display::Font::ALIGN_CENTER);
+    delete mFont;
+    mFont = font.release();
+}
+
+void Render::setupDraw(Vector2f size, Vector2f offset, float margin) {
+    assert(mDisplay);
+    mSize = size;
+    mDrawOffset = offset;
+    mClip = UNCLIPPED;
+    mShapes.clear();
+    mGlyphs.clear();
+    mWaiting.clear();
+
+    mDisplay->resetStates();
+    GL_CALL(glEnable(GL_BLEND));
+    GL_CALL(glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA));
+    for (GLenum state : {GL_CULL_FACE, GL_DEPTH_TEST, GL_TEXTURE_2D, GL_LIGHTING, GL_SCISSOR_TEST})
+        GL_CALL(glDisable(state));
+    GL_CALL(glMatrixMode(GL_PROJECTION));
+    GL_CALL(glLoadIdentity());
+    GL_CALL(glOrtho(double(offset.x - margin), double(size.x + offset.x + margin), double(size.y + offset.y + margin),
+                    double(offset.y - margin), -1, 1));
+    GL_CALL(glViewport(0, 0, GLsizei(toInt(size.x)), GLsizei(toInt(size.y))));
+    GL_CALL(glMatrixMode(GL_MODELVIEW));
+    GL_CALL(glLoadIdentity());
+}
+
+void Render::setColor(const Vector4f& first, const Vector4f& second) {
+    mColorFirst = first;
+    mColorSecond = second.w < 0 ? first : second;
+}
+
+// The window's rows are counted from below, so that is where a fraction of a pixel is lost.
+void Render::setClipArea(Box2 area) {
+    if (area.y2 == -1) {
+        mClip = UNCLIPPED;
+        return;
+    }
+    const float left = toInt(area.x1 - mDrawOffset.x) + mDrawOffset.x;
+    const float bottom = mSize.y - toInt(mSize.y - area.y2 + mDrawOffset.y) + mDrawOffset.y;
+    mClip = Box2(left, bottom - toInt(area.y2 - area.y1), left + toInt(area.x2 - area.x1), bottom);
+}
+
+// Drawing
+
+void Render::flush() {
+    drawShapes();
+    if (mGlyphs.getVertices() == 0 || !mFont)
+        return;
+    mFont->getTexture().bind();
+    GL_CALL(glEnable(GL_TEXTURE_2D));
+    mGlyphs.flush();
+    GL_CALL(glDisable(GL_TEXTURE_2D));
+    mFont->getTexture().unbind();
+    mWaiting.clear();
+}
+
+void Render::drawShapes() {
+    if (mShapes.getVertices() != 0)
+        mShapes.flush();
+}
+
+// A shape comes over text: what waits goes first.
+void Render::coverText(const Box2& box) {
+    if (mWaiting.touches(box))
+        flush();
+}
+
+// A box with a colour at each corner, changing along one axis alone.
+void Render::drawQuad(const Box2& box, const Vector4f& upperLeft, const Vector4f& upperRight,
+                      const Vector4f& lowerRight, const Vector4f& lowerLeft) {
+    const Box2 seen = cut(box, mClip);
+    if (!hasExtent(seen) || !hasExtent(box))
+        return;
+    coverText(seen);
+    if (upperLeft == lowerRight && upperRight == lowerLeft && upperLeft == upperRight) {
+        mShapes.color(upperLeft);
+        mShapes.rect(seen.x1, seen.y1, seen.x2, seen.y2);
+        return;
+    }
+    const float left = (seen.x1 - box.x1) / box.getWidth(), right = (seen.x2 - box.x1) / box.getWidth();
+    const float top = (seen.y1 - box.y1) / box.getHeight(), bottom = (seen.y2 - box.y1) / box.getHeight();
+    const auto  corner = [&](float x, float y, float s, float t) {
+        mShapes.color(mix(mix(upperLeft, upperRight, s), mix(lowerLeft, lowerRight, s), t));
+        mShapes.vertex(x, y);
+    };
+    mShapes.begin(GL_QUADS);
+    corner(seen.x1, seen.y1, left, top);
+    corner(seen.x2, seen.y1, right, top);
+    corner(seen.x2, seen.y2, right, bottom);
+    corner(seen.x1, seen.y2, left, bottom);
+    mShapes.end();
+}
+
+void Render::drawBox(const Box2& box, int direction) {
+    Vector4f first = mColorFirst, second = mColorSecond;
+    Box2     upright = box;
+    if (upright.x2 < upright.x1) {
+        std::swap(upright.x1, upright.x2);
+        if (direction == 1)
+            std::swap(first, second);
+    }
+    if (upright.y2 < upright.y1) {
+        std::swap(upright.y1, upright.y2);
+        if (direction != 1)
+            std::swap(first, second);
+    }
+    if (direction == 1)
+        drawQuad(upright, first, second, second, first);
+    else
+        drawQuad(upright, first, first, second, second);
+}
+
+// The pixels that a loop of lines half a pixel inside the box goes through, each once.
+void Render::drawBorder(const Box2& box) {
+    float left = std::floor(box.x1 + 0.5f), right = std::floor(box.x2 - 0.5f);
+    float top = std::floor(box.y1 + 0.5f), bottom = std::floor(box.y2 - 0.5f);
+    if (right < left)
+        std::swap(left, right);
+    if (bottom < top)
+        std::swap(top, bottom);
+    const Vector4f first = mColorFirst, second = mColorSecond;
+    drawQuad(Box2(left, top, right + 1, top + 1), first, first, first, first);
+    if (bottom == top)
+        return;
+    drawQuad(Box2(left, bottom, right + 1, bottom + 1), second, second, second, second);
+    const float    half = 0.5f / (bottom - top);
+    const Vector4f upper = mix(first, second, half), lower = mix(first, second, 1 - half);
+    drawQuad(Box2(left, top + 1, left + 1, bottom), upper, upper, lower, lower);
+    if (right != left)
+        drawQuad(Box2(right, top + 1, right + 1, bottom), upper, upper, lower, lower);
+}
+
+void Render::drawCircle(const Box2& box, int segments, float start) {
+    const float width = box.getWidth(), height = box.getHeight();
+    if (segments == -1)
+        segments = static_cast<int>(toInt((height + width) * PI * 0.5f));
+    segments = std::clamp(segments, 3, MAX_SEGMENTS);
+    const Vector2f centre(box.x1 + width * 0.5f, box.y1 + height * 0.5f);
+    mPolygon.clear();
+    for (int i = 1; i <= segments; ++i) {
+        const float angle = (float(i % segments) / float(segments) + start) * 2 * PI;
+        mPolygon.push_back(
+            {centre.x + width * 0.5f * sinf(angle), centre.y + height * 0.5f * cosf(angle), mColorFirst});
+    }
+    drawPolygon(mPolygon.data(), segments);
+}
+
+// Lines of one pixel are surfaces as wide, so that they go with all else. Along an axis they keep to the
+// pixels that they lie in.
+void Render::drawLine(const Vector2f& a, const Vector2f& b) {
+    const Vector4f& color = mColorFirst;
+    if (a.x == b.x || a.y == b.y) {
+        const bool upright = a.x == b.x;
+        Box2       box(std::min(a.x, b.x), std::min(a.y, b.y), std::max(a.x, b.x), std::max(a.y, b.y));
+        if (upright)
+            box.x1 = std::floor(a.x), box.x2 = box.x1 + 1;
+        else
+            box.y1 = std::floor(a.y), box.y2 = box.y1 + 1;
+        drawQuad(box, color, color, color, color);
+        return;
+    }
+    const bool     flat = std::fabs(b.x - a.x) >= std::fabs(b.y - a.y);
+    const Vector2f half = flat ? Vector2f(0, 0.5f) : Vector2f(0.5f, 0);
+    const Point    points[] = {{a.x - half.x, a.y - half.y, color},
+                               {b.x - half.x, b.y - half.y, color},
+                               {b.x + half.x, b.y + half.y, color},
+                               {a.x + half.x, a.y + half.y, color}};
+    drawPolygon(points, 4);
+}
+
+// A convex one, in the colour of its points.
+void Render::drawPolygon(const Point* points, int count) {
+    Box2 bounds(points[0].x, points[0].y, points[0].x, points[0].y);
+    for (int i = 0; i < count; ++i) {
+        if (!std::isfinite(points[i].x) || !std::isfinite(points[i].y))
+            return;
+        bounds.x1 = std::min(bounds.x1, points[i].x);
+        bounds.y1 = std::min(bounds.y1, points[i].y);
+        bounds.x2 = std::max(bounds.x2, points[i].x);
+        bounds.y2 = std::max(bounds.y2, points[i].y);
+    }
+    const Box2 seen = cut(bounds, mClip);
+    if (!hasExtent(seen))
+        return;
+    coverText(seen);
+    if (!holds(mClip, bounds)) {
+        count = clipPolygon(points, count);
+        points = mCut.data();
+        if (count < 3)
+            return;
+    }
+    mShapes.begin(GL_TRIANGLE_FAN);
+    for (int i = 0; i < count; ++i) {
+        mShapes.color(points[i].color);
+        mShapes.vertex(points[i].x, points[i].y);
+    }
+    mShapes.end();
+}
+
+// Cuts a convex polygon at the four edges of the clip area, one after the other, into mCut. Returns how many
+// points it has then.
+int Render::clipPolygon(const Point* points, int count) {
+    mCut.assign(points, points + count);
+    const float edges[4] = {mClip.x1, mClip.y1, -mClip.x2, -mClip.y2};
+    for (int edge = 0; edge < 4; ++edge) {
+        const auto inside = [&](const Point& p) { // its distance
+            const float along = edge % 2 == 0 ? p.x : p.y;
+            return (edge < 2 ? along : -along) - edges[edge];
+        };
+        const size_t before = mCut.size();
+        for (size_t i = 0; i < before; ++i) {
+            const Point a = mCut[i], b = mCut[i + 1 < before ? i + 1 : 0];
+            const float from = inside(a), to = inside(b);
+            if (from >= 0)
+                mCut.push_back(a);
+            if ((from >= 0) != (to >= 0)) {
+                const float t = from / (from - to);
+                mCut.push_back({a.x + (b.x - a.x) * t, a.y + (b.y - a.y) * t, a.color});
+            }
+        }
+        mCut.erase(mCut.begin(), mCut.begin() + std::ptrdiff_t(before));
+    }
+    return static_cast<int>(mCut.size());
+}
+
+void Render::drawText(const std::string& text, Vector2f position) {
+    if (!mFont || text.empty())
+        return;
+    float x = position.x;
+    if (mFont->getAlignment() != display::Font::ALIGN_LEFT)
+        x -= getTextLength(text) * (mFont->getAlignment() == display::Font::ALIGN_CENTER ? 0.5f : 1.0f);
+    const float width = mFont->getWidth(), height = mFont->getHeight();
+    x = std::floor(x + 0.5f);
+    const float y = std::floor(position.y - height * 0.5f + 0.5f);
+    const float top = std::max(y, mClip.y1), bottom = std::min(y + height, mClip.y2);
+    if (!(bottom > top) || !std::isfinite(x))
+        return;
+
+    const float from = x;
+    mGlyphs.color(mColorFirst);
+    for (const char character : text) {
+        if (x >= mClip.x2)
+            break;
+        const uint8_t c = uint8_t(character);
+        const float   left = std::max(x, mClip.x1), right = std::min(x + width, mClip.x2);
+        if (c != ' ' && right > left) {
+            const display::Font::Cell cell = mFont->getCell(c);
+            const float               s = (cell.s1 - cell.s0) / width, t = (cell.t1 - cell.t0) / height;
+            mGlyphs.rect(left, top, right, bottom, cell.s0 + (left - x) * s, cell.t0 + (top - y) * t,
+                         cell.s0 + (right - x) * s, cell.t0 + (bottom - y) * t);
+        }
+        x += mFont->getAdvance(c);
+    }
+    mWaiting.add(Box2(std::max(from, mClip.x1), top, std::min(x + width, mClip.x2), bottom));
+}
+
+void Render::drawTexture(display::Texture& texture, const Box2& box) {
+    const Box2 seen = cut(box, mClip);
+    if (!hasExtent(seen) || !hasExtent(box))
+        return;
+    flush();
+    texture.bind();
+    GL_CALL(glEnable(GL_TEXTURE_2D));
+    mGlyphs.color(mColorFirst);
+    mGlyphs.rect(seen.x1, seen.y1, seen.x2, seen.y2, (seen.x1 - box.x1) / box.getWidth(),
+                 (seen.y1 - box.y1) / box.getHeight(), (seen.x2 - box.x1) / box.getWidth(),
+                 (seen.y2 - box.y1) / box.getHeight());
+    mGlyphs.flush();
+    GL_CALL(glDisable(GL_TEXTURE_2D));
+    texture.unbind();
+}
+
+float Render::getTextLength(const std::string& text) {
+    return mFont ? mFont->getLength(text) : 0.0f;
+}
+
+float Render::getAdvance(unsigned char c) const {
+    return mFont ? mFont->getAdvance(c) : 0.0f;
+}
+
+float Render::getFontHeight() const {
+    return mFont ? mFont->getHeight() : 0.0f;
+}
+
+void Render::setFontMode(int mode) {
+    if (mFont)
+        mFont->setAlignment(mode);
+}
+
+float Render::getTime() {
+    return mDisplay ? static_cast<float>(mDisplay->getTime()) : 0.0f;
+}
+
+} // namespace zentrak::panorama

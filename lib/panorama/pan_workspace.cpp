@@ -1,0 +1,113 @@
+#include "pan_workspace.h"
+
+#include "pan_context.h"
+
+#include <utility>
+
+namespace zentrak::panorama {
+
+using mathbase::Box2;
+
+namespace {
+
+constexpr float LIMIT = 10000.0f; // pixels, of the tree's coordinates
+
+} // namespace
+
+Workspace::Workspace() {
+    mName = mType = "workspace";
+}
+
+Workspace::~Workspace() {
+    deleteControls(); // while what they ask for is still there
+    delete mStyle;
+}
+
+Control* Workspace::clone() {
+    return new Workspace;
+}
+
+// One that a layout puts inside another has nothing of its own to answer with.
+
+display::DisplayGL* Workspace::getDisplay() {
+    return mParent ? Control::getDisplay() : mDisplay;
+}
+
+Render* Workspace::getRender() {
+    return mParent ? Control::getRender() : &mRender;
+}
+
+xml::IteratorConst Workspace::getStyle(const std::string& name) {
+    return mStyle ? std::as_const(*mStyle).createIterator(name) : Control::getStyle(name);
+}
+
+void Workspace::setContext(Context* context) {
+    if (mParent || !context) {
+        Control::setContext(context);
+        return;
+    }
+    if (!context->getParent())
+        context->setParent(this);
+    mContext = context;
+    mContext->resize();
+    mContextFresh = true;
+}
+
+void Workspace::resetContext() {
+    mContext = nullptr;
+    Control::resetContext();
+}
+
+Box2 Workspace::getWorldClipArea(bool) {
+    return Box2(-LIMIT, -LIMIT, LIMIT, LIMIT);
+}
+
+void Workspace::load(xml::IteratorConst& it) {
+    Control::load(it);
+    if (mName.empty())
+        mName = "workspace";
+}
+
+void Workspace::setDisplay(display::DisplayGL* display) {
+    mDisplay = display;
+    if (display && mRender.mDisplay != display)
+        mRender.setup(display);
+}
+
+void Workspace::loadStyle(xml::XmlParser* style) {
+    if (style != mStyle)
+        delete std::exchange(mStyle, style);
+}
+
+/*
+ * An open menu hears everything first. The release of the click that opened it leaves it open, the next one
+ * closes it. All but a menu bar's keeps the event from the controls. What a menu takes, as a list takes keys,
+ * it keeps also if it has closed over it.
+ */
+int Workspace::handleEvent(Event& event) {
+    const bool release = event.type == "mouseup" && event.button == 0;
+    if (release)
+        ++mReleases;
+    int taken = 0;
+    if (mContext) {
+        taken = mContext->handleEvent(event);
+        if (release && !mContextFresh)
+            resetContext();
+        else
+            mContextFresh = false;
+    }
+    if (taken || (mContext && !(mContext->getParent() && mContext->getParent()->getType() == "menubar")))
+        return taken;
+    return Control::handleEvent(event);
+}
+
+void Workspace::draw() {
+    Control::draw();
+    if (!mContext)
+        return;
+    if (Render* render = getRender())
+        render->setClipArea(mArea.clip);
+    mContext->draw();
+}
+
+} // namespace zentrak::panorama
