@@ -32,35 +32,47 @@ constexpr int WIDTH = 1000, HEIGHT = 700;
 // Pieces of pictures in rows, each with the state that it shows.
 class Sheet {
 public:
-    Sheet() : mPicture(760, 1100) {
-        for (size_t i = 3; i < mPicture.rgba.size(); i += 4)
-            mPicture.rgba[i] = 255;
-    }
-
     void add(const Picture& from, const Box2& box) {
-        const int x1 = std::max(0, int(box.x1)), y1 = std::max(0, int(box.y1));
-        const int width = std::min(int(box.x2), from.width) - x1,
-                  height = std::min(int(box.y2), from.height) - y1;
-        if (mX + width > mPicture.width) {
-            mX = 0;
-            mY += mRow + GAP;
-            mRow = 0;
-        }
-        ASSERT_LE(mX + width, mPicture.width);
-        ASSERT_LE(mY + height, mPicture.height);
-        for (int y = 0; y < height; ++y)
-            std::memcpy(mPicture.at(mX, mY + y), from.at(x1, y1 + y), size_t(width) * 4);
-        mX += width + GAP;
-        mRow = std::max(mRow, height);
+        const int x = std::max(0, int(box.x1)), y = std::max(0, int(box.y1));
+        Picture   piece(std::min(int(box.x2), from.width) - x, std::min(int(box.y2), from.height) - y);
+        for (int row = 0; row < piece.height; ++row)
+            std::memcpy(piece.at(0, row), from.at(x, y + row), size_t(piece.width) * 4);
+        mRows.back().push_back(std::move(piece));
     }
+    void newRow() { mRows.emplace_back(); }
 
-    const Picture& picture() const { return mPicture; }
+    Picture picture() const {
+        Picture all(GAP, GAP);
+        for (const auto& row : mRows) {
+            int width = GAP, height = 0;
+            for (const Picture& piece : row) {
+                width += piece.width + GAP;
+                height = std::max(height, piece.height);
+            }
+            all.width = std::max(all.width, width);
+            all.height += height + GAP;
+        }
+        all.rgba.assign(size_t(all.width) * size_t(all.height) * 4, 0x30);
+        for (size_t i = 3; i < all.rgba.size(); i += 4)
+            all.rgba[i] = 255;
+        int y = GAP;
+        for (const auto& row : mRows) {
+            int x = GAP, height = 0;
+            for (const Picture& piece : row) {
+                for (int i = 0; i < piece.height; ++i)
+                    std::memcpy(all.at(x, y + i), piece.at(0, i), size_t(piece.width) * 4);
+                x += piece.width + GAP;
+                height = std::max(height, piece.height);
+            }
+            y += height + GAP;
+        }
+        return all;
+    }
 
 private:
-    static constexpr int GAP = 6;
+    static constexpr int GAP = 8;
 
-    Picture mPicture;
-    int     mX = 0, mY = 0, mRow = 0;
+    std::vector<std::vector<Picture>> mRows{1};
 };
 
 class Gallery : public ::testing::Test, protected Callback {
@@ -314,6 +326,7 @@ TEST_F(Gallery, EachStateThatMouseAndKeysBring) {
 
     // Radio buttons and boxes: under the mouse, pushed, chosen and with the keys; greyed out.
     for (const std::string name : {"radio", "check"}) {
+        sheet.newRow();
         moveTo(name, 20, 64);
         shoot(name);
         mViewer.buttonDown(1);
@@ -327,6 +340,7 @@ TEST_F(Gallery, EachStateThatMouseAndKeysBring) {
     }
 
     // Sliders: under the mouse, beside the handle, held; greyed out, and both of it on a vertical one.
+    sheet.newRow();
     moveTo("across", 53, 8);
     shoot("across");
     mViewer.buttonDown(1);
@@ -343,6 +357,7 @@ TEST_F(Gallery, EachStateThatMouseAndKeysBring) {
 
     // Fields: under the mouse, with the caret, a word and all of it selected; the selection of one that lost
     // the keys; a number, a password, a long text at its end and at its start.
+    sheet.newRow();
     moveTo("text", 60, 10);
     shoot("text");
     clickAt("text", 60, 10);
@@ -360,6 +375,7 @@ TEST_F(Gallery, EachStateThatMouseAndKeysBring) {
     mViewer.type("12");
     shoot("password");
     shoot("greytext");
+    sheet.newRow();
     clickAt("overlong", 200, 10);
     mViewer.key("End");
     mViewer.key("ctrl+shift+Left");
@@ -370,6 +386,7 @@ TEST_F(Gallery, EachStateThatMouseAndKeysBring) {
 
     // A list: under the mouse, open with the current row and the one under the mouse, by the keys; greyed
     // out.
+    sheet.newRow();
     moveTo("choice", 20, 10);
     shoot("choice");
     clickAt("choice", 20, 10);
@@ -384,6 +401,7 @@ TEST_F(Gallery, EachStateThatMouseAndKeysBring) {
     shoot("greychoice");
 
     // A tree: a row under the mouse, opened, selected, scrolled both ways.
+    sheet.newRow();
     moveTo("tree", 80, 28);
     shoot("tree");
     clickAt("tree", 9, 28);
@@ -397,6 +415,7 @@ TEST_F(Gallery, EachStateThatMouseAndKeysBring) {
 
     // Containers and menus: a page under the mouse and another shown, a bar held, a window taken to the
     // front, a menu closed, open, and with the one below it.
+    sheet.newRow();
     moveTo("pages", 60, 9);
     shoot("pages");
     clickAt("pages", 60, 9);
@@ -409,14 +428,38 @@ TEST_F(Gallery, EachStateThatMouseAndKeysBring) {
     mViewer.buttonUp(1);
     clickAt("window", 40, 8);
     shoot("window");
+    sheet.newRow();
     moveTo(15, 10);
-    shootBox(0, 0, 300, 24);
+    shootBox(0, 0, 240, 24);
     mViewer.click(1);
-    shootBox(0, 0, 300, 90);
+    shootBox(0, 0, 240, 90);
     moveTo(20, 45);
-    shootBox(0, 0, 300, 90);
+    shootBox(0, 0, 240, 90);
     mViewer.click(1);
     settle();
+
+    // Curves: a key under the mouse, held, and selected; the menu for a key, and the one below it.
+    for (const std::string name : {"curve", "curveorg"}) {
+        sheet.newRow();
+        const float high = 40.0f - 0.6f * 40.0f; // of the second key
+        moveTo(name, 0.3f * 229, high);
+        shoot(name);
+        mViewer.buttonDown(1);
+        moveTo(name, 0.5f * 229, high + 10);
+        shoot(name);
+        mViewer.buttonUp(1);
+        moveTo(name, 150, 60);
+        shoot(name);
+        moveTo(name, 0.5f * 229, high + 10);
+        mViewer.click(3);
+        settle();
+        const Box2 world = find<Control>(name)->getAreaWorld();
+        moveTo(world.x1 + 140, world.y1 + 80);
+        shootBox(world.x1 - 3, world.y1 - 3, world.x2 + 3, world.y2 + 50);
+        mViewer.key("F12");
+        mViewer.click(1);
+        settle();
+    }
 
     EXPECT_TRUE(test::matchesReference("panorama_states", sheet.picture()));
 }
