@@ -7,11 +7,9 @@
 // style is checked along with it. Any other file is a style. With --editor a layout must hold what the editor
 // needs.
 
-#include "xml_parser.h"
-#include "ztk_system.h"
+#include "check/document.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -19,12 +17,11 @@
 #include <initializer_list>
 #include <map>
 #include <set>
-#include <sstream>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 using namespace zentrak;
+using namespace zentrak::check;
 
 namespace {
 
@@ -32,10 +29,6 @@ using Words = std::vector<const char*>;
 
 bool contains(const Words& words, const std::string& word) {
     return std::any_of(words.begin(), words.end(), [&](const char* w) { return word == w; });
-}
-
-bool isElement(const xml::XmlTag& tag) {
-    return tag.getType() == xml::XmlTag::Normal;
 }
 
 // What an element below a control may be, with its own attributes.
@@ -134,100 +127,10 @@ const Needed needed[] = {
     {"fps", "label", "the frame rate in figures"},
 };
 
-// A parsed file that knows the line of each of its elements.
-class Document {
-public:
-    // False, with a word on the standard error stream, for a file that can't be read or is no XML.
-    bool read(const std::string& path) {
-        mPath = path;
-        std::ifstream      in(path, std::ios::binary);
-        std::ostringstream bytes;
-        if (!in || !(bytes << in.rdbuf())) {
-            fprintf(stderr, "%s: can't be read\n", path.c_str());
-            return false;
-        }
-        const std::string text = bytes.str();
-        try {
-            mRoot.parse(text);
-        } catch (const Exception&) { // which has said what is wrong
-            fprintf(stderr, "%s: is not XML\n", path.c_str());
-            return false;
-        }
-        findLines(text);
-        return true;
-    }
-
-    const std::string&  path() const { return mPath; }
-    const xml::XmlNode& root() const { return mRoot; }
-    int                 line(const xml::XmlNode& node) const {
-                        const auto found = mLines.find(&node);
-                        return found == mLines.end() ? 0 : found->second;
-    }
-    std::string folder() const {
-        const size_t slash = mPath.rfind('/');
-        return slash == std::string::npos ? std::string() : mPath.substr(0, slash + 1);
-    }
-
-private:
-    // Reads the tags once more, one at a time, and goes through the tree beside them.
-    void findLines(const std::string& text) {
-        xml::BufferReader   reader(text.data(), text.size());
-        const xml::XmlNode* node = nullptr; // the open element
-        std::vector<size_t> next;           // of each open element, the child to come
-        while (true) {
-            reader.skipSpaces(0);
-            const int   line = reader.line;
-            xml::XmlTag tag;
-            tag.parse(reader);
-            if (!node) {
-                if (!isElement(tag))
-                    continue;
-                node = &mRoot;
-            } else if (tag.isClosed() && tag.arguments.empty() && tag.getName() == node->getName()) {
-                if (node == &mRoot)
-                    return;
-                node = node->parent;
-                next.pop_back();
-                continue;
-            } else {
-                const xml::XmlNode* const child = node->children[next.back()++];
-                mLines[child] = line;
-                if (tag.isClosed() || !isElement(tag))
-                    continue;
-                node = child;
-            }
-            mLines[node] = line;
-            next.push_back(0);
-        }
-    }
-
-    std::string                                  mPath;
-    xml::XmlParser                               mRoot;
-    std::unordered_map<const xml::XmlNode*, int> mLines;
-};
-
 // Checks the elements of one document.
-class Checker {
+class Checker : public Findings {
 public:
-    explicit Checker(const Document& document) : mDocument(document) {}
-
-    int findings() const { return mFindings; }
-
-    void say(const xml::XmlNode& node, const std::string& what) {
-        ++mFindings;
-        printf("%s:%d: %s\n", mDocument.path().c_str(), mDocument.line(node), what.c_str());
-    }
-
-    // Each element in `node` with `check`; what is none is said.
-    template <class Check>
-    void eachElement(const xml::XmlNode& node, Check check) {
-        for (const xml::XmlNode* child : node.children) {
-            if (child->getType() == xml::XmlTag::Text)
-                say(*child, "text in '" + node.getName() + "' is ignored");
-            else if (isElement(*child))
-                check(*child);
-        }
-    }
+    using Findings::Findings;
 
     // What holds for a control of a type, and for a style; null for a style of a name of its own, in which
     // the attributes of all types may stand. `inFlow` says that the control is a child of a flow.
@@ -271,8 +174,6 @@ public:
 
 protected:
     ~Checker() = default;
-
-    const Document& mDocument;
 
 private:
     static bool hasAttribute(const Type* type, const std::string& name) {
@@ -352,18 +253,6 @@ private:
             number(node, name, text);
     }
 
-    void number(const xml::XmlNode& node, const std::string& name, const std::string& text) {
-        char*        end = nullptr;
-        const double value = strtod(text.c_str(), &end);
-        if (*end || end == text.c_str()) {
-            char read[32];
-            snprintf(read, sizeof read, "%g", value);
-            say(node, name + " of '" + text + "' is read as " + read);
-        } else if (!std::isfinite(value)) {
-            say(node, name + " is no finite number");
-        }
-    }
-
     static double numberOf(const xml::XmlNode& node, const char* name) {
         return atof(node.getValue(name).c_str());
     }
@@ -424,7 +313,6 @@ private:
 
     static constexpr int deepest = 1000; // elements in elements
 
-    int mFindings = 0;
     int mDepth = 0;
 };
 
@@ -510,7 +398,7 @@ private:
         }
         StyleChecker checker(document);
         checker.document(&mClasses);
-        mStyleFindings += checker.findings();
+        mStyleFindings += checker.count();
         for (const xml::XmlNode* use : mUses)
             if (!checker.has(use->getValue("class")))
                 say(*use, "no style for the class '" + use->getValue("class") + "'");
@@ -535,7 +423,7 @@ private:
 };
 
 // 0 for a file without findings, 1 for one with some, 2 for one that can't be read.
-int check(const char* path, bool editor) {
+int checkFile(const char* path, bool editor) {
     Document document;
     if (!document.read(path))
         return 2;
@@ -553,11 +441,11 @@ int check(const char* path, bool editor) {
             return 1;
         }
         const bool readable = checker.document(editor);
-        return readable ? checker.findings() + checker.styleFindings() ? 1 : 0 : 2;
+        return readable ? checker.count() + checker.styleFindings() ? 1 : 0 : 2;
     }
     StyleChecker checker(document);
     checker.document(nullptr);
-    return checker.findings() ? 1 : 0;
+    return checker.count() ? 1 : 0;
 }
 
 } // namespace
@@ -571,6 +459,6 @@ int main(int argc, char** argv) {
     }
     int result = 0;
     for (int i = first; i < argc; ++i)
-        result = std::max(result, check(argv[i], editor));
+        result = std::max(result, checkFile(argv[i], editor));
     return result;
 }
