@@ -67,6 +67,7 @@ public:
     // Submesh has not, an index a position that the Mesh has not, or the first texture coordinate list is
     // shorter than the index list. A file may hold such a Mesh; whoever follows its numbers calls this first.
     void checkIndices() const;
+    void checkIndices(size_t submesh) const; // of one alone, counted from 0
 
     // The name of material number `i`; empty where there is none.
     const std::string& getMaterial(int i) const;

@@ -168,27 +168,31 @@ void Mesh::removeNormals() {
 }
 
 void Mesh::checkIndices() const {
-    const int vertices = static_cast<int>(mVertices.size());
-    for (size_t s = 0; s < mSubmeshes.size(); ++s) {
-        const Submesh& submesh = *mSubmeshes[s];
-        const int      number = static_cast<int>(s);
-        const int      locals = static_cast<int>(submesh.mIndices.size());
-        for (int i = 0; i < locals; ++i) {
-            const int value = submesh.mIndices[i].mValue;
-            if (value < 0 || value >= vertices)
-                throw Exception("Mesh '%s', submesh %d: index %d is %d, but there are %d vertices",
-                                mName.c_str(), number, i, value, vertices);
-        }
-        for (size_t t = 0; t < submesh.mTriangles.size(); ++t)
-            for (const int corner : submesh.mTriangles[t].mIndex)
-                if (corner < 0 || corner >= locals)
-                    throw Exception(
-                        "Mesh '%s', submesh %d: triangle %d uses vertex %d, but there are %d indices",
-                        mName.c_str(), number, static_cast<int>(t), corner, locals);
-        if (!submesh.mTexCoords.empty() && submesh.mTexCoords[0]->size() < submesh.mIndices.size())
-            throw Exception("Mesh '%s', submesh %d: %d texture coordinates for %d indices", mName.c_str(),
-                            number, static_cast<int>(submesh.mTexCoords[0]->size()), locals);
+    for (size_t i = 0; i < mSubmeshes.size(); ++i)
+        checkIndices(i);
+}
+
+void Mesh::checkIndices(size_t submeshNumber) const {
+    const Submesh& submesh = *mSubmeshes[submeshNumber];
+    const int      number = static_cast<int>(submeshNumber);
+    const int      vertices = static_cast<int>(mVertices.size());
+    const int      locals = static_cast<int>(submesh.mIndices.size());
+    for (int i = 0; i < locals; ++i) {
+        const int value = submesh.mIndices[static_cast<size_t>(i)].mValue;
+        if (value < 0 || value >= vertices)
+            throw Exception("Mesh '%s', submesh %d: index %d is %d, but there are %d vertices", mName.c_str(),
+                            number, i, value, vertices);
     }
+    for (size_t t = 0; t < submesh.mTriangles.size(); ++t)
+        for (const int corner : submesh.mTriangles[t].mIndex)
+            if (corner < 0 || corner >= locals)
+                throw Exception("Mesh '%s', submesh %d: triangle %d uses vertex %d, but there are %d indices",
+                                mName.c_str(), number, static_cast<int>(t), corner, locals);
+    if (submesh.mTexCoords.empty() || !submesh.mTexCoords[0])
+        return;
+    if (submesh.mTexCoords[0]->size() < submesh.mIndices.size())
+        throw Exception("Mesh '%s', submesh %d: %d texture coordinates for %d indices", mName.c_str(), number,
+                        static_cast<int>(submesh.mTexCoords[0]->size()), locals);
 }
 
 namespace {

@@ -42,7 +42,7 @@ int setupWithoutADevice() {
 } // namespace
 
 TEST(MusicDeathTest, NoSoundDevice) {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    testing::GTEST_FLAG(death_test_style) = "threadsafe";
     EXPECT_EXIT(std::_Exit(setupWithoutADevice()), testing::ExitedWithCode(0), "");
 }
 

@@ -14,7 +14,7 @@ static int withoutDrivers() {
 }
 
 TEST(DeviceDeathTest, NoneWithoutASoundDevice) {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    testing::GTEST_FLAG(death_test_style) = "threadsafe";
     EXPECT_EXIT(std::_Exit(withoutDrivers()), testing::ExitedWithCode(0), "");
 }
 

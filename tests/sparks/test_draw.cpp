@@ -159,7 +159,7 @@ TEST_F(DrawTest, AddsLightWithoutSorting) {
 }
 
 TEST_F(DrawTest, ACameraWithoutAxesFailsItsAssertion) {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    testing::GTEST_FLAG(death_test_style) = "threadsafe";
     SUCCEED();
     Matrix4x4Col zero;
     zero.setZero();
