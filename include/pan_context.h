@@ -15,8 +15,8 @@ namespace zentrak::panorama {
 // of mArea.area alone. It is open from Control::setContext to Control::resetContext, drawn over all else.
 //
 // Its rows belong to it. It belongs to who made it, and may go while it is open, as may the control that
-// opened it: then it is closed. A menu may stand as a row in several others, and reports to the one that has
-// opened it; who put it there takes it out of all but one of them before they go.
+// opened it, or be hidden: then it is closed. A menu may stand as a row in several others, and reports to the
+// one that has opened it; who put it there takes it out of all but one of them before they go.
 class Context : public Control {
 public:
     static constexpr float ROW_HEIGHT = 10.0f; // pixels
@@ -78,6 +78,7 @@ private:
     static Context* sFirst; // of those that hang on a control that does not delete them
 
     void                close();
+    bool                isHidden();
     void                link();
     void                unlink();
     int                 getDepth() const;

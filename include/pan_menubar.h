@@ -44,6 +44,7 @@ private:
     void  hover(mathbase::Vector2f position);
     void  leave();
     void  close();
+    bool  hasLostMenu();
     float getActiveLeft();
     void  drawBar(Render& render);
 };

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "pan_control.h"
+#include "pan_drag.h"
 
 namespace zentrak::panorama {
 
@@ -42,14 +43,14 @@ private:
     float getTravelX() const; // pixels that a thumb can go
     float getTravelY() const;
     bool  isHeld() const { return mDragVertical || mDragHorisontal || mDragResize; }
-    void  press(mathbase::Vector2f position);
+    void  press(const Event& event);
     void  release();
     int   turnWheel(const Event& event);
     void  drag(mathbase::Vector2f delta);
     void  resizeWindow(mathbase::Vector2f delta);
     void  drawBar(Render& render, const mathbase::Box2& track, const mathbase::Box2& thumb, bool held);
 
-    unsigned mReleases = 0; // of the left button anywhere, at the press
+    Drag mDrag;
 };
 
 } // namespace zentrak::panorama

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "pan_control.h"
+#include "pan_drag.h"
 
 namespace zentrak::panorama {
 
@@ -29,7 +30,7 @@ private:
     void pressTitle(const Event& event);
     void drag(mathbase::Vector2f position);
 
-    unsigned mReleases = 0; // of the left button anywhere, at the press
+    Drag mDrag;
 };
 
 } // namespace zentrak::panorama

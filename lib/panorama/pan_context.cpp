@@ -1,6 +1,7 @@
 #include "pan_context.h"
 
 #include "pan_alive.h"
+#include "pan_box.h"
 #include "pan_look.h"
 #include "pan_workspace.h"
 #include "xml_iterator.h"
@@ -40,6 +41,8 @@ Context::Context() {
 
 Context::~Context() {
     close();
+    if (Context* menu = dynamic_cast<Context*>(mParent)) // deleted past it
+        std::erase(menu->mControls, this);
     unlink();
 }
 
@@ -126,6 +129,8 @@ int Context::getDepth() const {
 void Context::addControl(Control* control, int index) {
     if (!control)
         return;
+    if (Control* before = control->mParent; before && !dynamic_cast<Context*>(before)) // it moves
+        std::erase(before->mControls, control);
     const size_t rows = mControls.size();
     const size_t place = index < 0 ? rows : std::min(size_t(index), rows);
     control->setParent(this);
@@ -232,7 +237,7 @@ void Context::hover(Vector2f position) {
     const auto [first, end] = getRowsBetween(position.y, position.y);
     for (int i = first; i < end; ++i) {
         const float top = getRowTop(i);
-        if (!look::contains(Box2(mArea.area.x1, top, mArea.area.x2, top + ROW_HEIGHT), position))
+        if (!isInside(Box2(mArea.area.x1, top, mArea.area.x2, top + ROW_HEIGHT), position))
             continue;
         mHighlight = i;
         if (mOpenOption != i)
@@ -268,10 +273,22 @@ void Context::sendContextEvent(Event& event) {
         owner->sendContextAction(this, path);
 }
 
+// Whether who opened it, or what that lies in, does not show any more.
+bool Context::isHidden() {
+    for (Control* above = mParent; above; above = above->getParent())
+        if (!above->getVisible())
+            return true;
+    return false;
+}
+
 void Context::draw() {
     Render* render = getRender();
     if (!render)
         return;
+    if (isHidden()) {
+        close();
+        return;
+    }
     look::fill(*render, mArea.area, mBack.color);
     look::outline(*render, mArea.area, mBack.border);
     const float windowTop = render->mDrawOffset.y;

@@ -96,6 +96,7 @@ Control::~Control() {
             mParent->mFocus = nullptr;
     }
     Control::deleteControls();
+    Context::letGo(*this);
 }
 
 std::string Control::getType() {

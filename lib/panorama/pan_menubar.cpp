@@ -1,7 +1,11 @@
 #include "pan_menubar.h"
 
+#include "pan_box.h"
 #include "pan_look.h"
+#include "pan_workspace.h"
 #include "xml_iterator.h"
+
+#include <algorithm>
 
 namespace zentrak::panorama {
 
@@ -60,6 +64,10 @@ bool Menubar::acceptEvents(Event& event) {
 }
 
 int Menubar::handleEvent(Event& event) {
+    if (mOpen && hasLostMenu()) {
+        mOpen = mJustOpened = false;
+        leave();
+    }
     if (event.type == "mousemove")
         hover(event.mousePos);
     else if (event.type == "reset" && !mOpen)
@@ -88,6 +96,12 @@ void Menubar::close() {
     mOpen = false;
 }
 
+// Another menu was opened in its place, or it was closed from elsewhere.
+bool Menubar::hasLostMenu() {
+    const Workspace* root = dynamic_cast<Workspace*>(getRoot());
+    return root && std::find(mMenus.begin(), mMenus.end(), root->mContext) == mMenus.end();
+}
+
 // The mouse has gone elsewhere.
 void Menubar::leave() {
     mActive = -1;
@@ -104,7 +118,7 @@ void Menubar::hover(Vector2f position) {
     for (size_t i = 0; i < mMenus.size(); ++i) {
         ContextData& menu = *mMenus[i];
         const float  end = x + look::getTextLength(*this, menu.mCaptionText);
-        menu.highlight = look::contains(Box2(x, mArea.world.y1, end, mArea.world.y1 + mHeight), position);
+        menu.highlight = isInside(Box2(x, mArea.world.y1, end, mArea.world.y1 + mHeight), position);
         if (menu.highlight) {
             mOverItem = true;
             mActive = int(i);

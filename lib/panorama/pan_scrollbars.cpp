@@ -1,8 +1,8 @@
 #include "pan_scrollbars.h"
 
 #include "pan_alive.h"
+#include "pan_box.h"
 #include "pan_look.h"
-#include "pan_releases.h"
 #include "xml_iterator.h"
 
 #include <algorithm>
@@ -127,27 +127,28 @@ int Scrollbars::handleEvent(Event& event) {
     const int result = Control::handleEvent(event);
     if (!alive)
         return result;
-    if (isHeld() && event.type != "mouseup" && countReleases(*this) != mReleases)
-        mDragVertical = mDragHorisontal = mDragResize = false; // let go over another control
+    if (isHeld() && mDrag.isLost(*this, event))
+        mDragVertical = mDragHorisontal = mDragResize = false;
     if (event.type == "mousedown" && event.button == 0)
-        press(event.mousePos);
+        press(event);
     else if (event.type == "mouseup")
         release();
     else if (event.type == "mousewheel" && result != 1)
         return turnWheel(event);
-    else if (event.type == "mousemove")
+    else if (isHeld() && mDrag.movesOn(event))
         drag(event.mouseDelta);
     return result;
 }
 
-void Scrollbars::press(Vector2f position) {
-    if (mVertical && look::contains(mThumbVertical, position))
+void Scrollbars::press(const Event& event) {
+    const Vector2f position = event.mousePos;
+    if (mVertical && isInside(mThumbVertical, position))
         mDragVertical = true;
-    if (mHorisontal && look::contains(mThumbHorisontal, position))
+    if (mHorisontal && isInside(mThumbHorisontal, position))
         mDragHorisontal = true;
-    if (look::contains(mCorner, position) && mParent && !mParent->getMaximized())
+    if (isInside(mCorner, position) && mParent && !mParent->getMaximized())
         mDragResize = true;
-    mReleases = countReleases(*this);
+    mDrag.start(*this, event);
 }
 
 void Scrollbars::release() {
@@ -203,10 +204,10 @@ void Scrollbars::draw() {
 }
 
 void Scrollbars::drawBar(Render& render, const Box2& track, const Box2& thumb, bool held) {
-    const Box2 shownTrack = look::common(track, mArea.clip);
+    const Box2 shownTrack = cut(track, mArea.clip);
     look::fill(render, shownTrack, mBack.border);
     look::fill(render, shownTrack, mBack.color);
-    look::fill(render, look::common(look::shrunk(thumb, THUMB_INSET), mArea.clip),
+    look::fill(render, cut(look::shrunk(thumb, THUMB_INSET), mArea.clip),
                held ? mCaption.pushed : mCaption.color);
 }
 

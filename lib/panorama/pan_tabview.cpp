@@ -1,6 +1,7 @@
 #include "pan_tabview.h"
 
 #include "pan_alive.h"
+#include "pan_box.h"
 #include "pan_look.h"
 #include "pan_tabcolors.h"
 
@@ -66,7 +67,7 @@ int TabView::getTabAt(Vector2f position) {
     float       x = strip.x1;
     for (size_t i = 0; i < mControls.size(); ++i) {
         const float end = x + getTabWidth(*mControls[i]);
-        if (look::contains(Box2(x, strip.y1, end, strip.y2), position))
+        if (isInside(Box2(x, strip.y1, end, strip.y2), position))
             found = int(i);
         x = end;
     }

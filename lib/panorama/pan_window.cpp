@@ -1,8 +1,8 @@
 #include "pan_window.h"
 
 #include "pan_alive.h"
+#include "pan_box.h"
 #include "pan_look.h"
-#include "pan_releases.h"
 #include "pan_tabcolors.h"
 #include "xml_iterator.h"
 
@@ -29,10 +29,6 @@ void keepBehind(float& begin, float& end, float limit) {
         end += limit - begin;
         begin = limit;
     }
-}
-
-Box2 shifted(const Box2& box, Vector2f by) {
-    return Box2(box.x1 + by.x, box.y1 + by.y, box.x2 + by.x, box.y2 + by.y);
 }
 
 bool isFinite(const Box2& box) {
@@ -76,14 +72,13 @@ int Window::handleEvent(Event& event) {
     const int result = Control::handleEvent(event);
     if (!alive)
         return result;
-    if (mDragging && event.type != "mouseup" && countReleases(*this) != mReleases)
-        mDragging = false; // let go over another control
-    if (event.type == "mousedown" && event.button == 0 && mHover &&
-        look::contains(mTitleArea.clip, event.mousePos))
+    if (mDragging && mDrag.isLost(*this, event))
+        mDragging = false;
+    if (event.type == "mousedown" && event.button == 0 && mHover && isInside(mTitleArea.clip, event.mousePos))
         pressTitle(event);
     else if (event.type == "mouseup" && event.button == 0)
         mDragging = false;
-    else if (event.type == "mousemove" && mDragging && !getMaximized())
+    else if (mDragging && !getMaximized() && mDrag.movesOn(event))
         drag(event.mousePos);
     return result;
 }
@@ -92,7 +87,7 @@ void Window::pressTitle(const Event& event) {
     mDragging = true;
     mDragStart = event.mousePos;
     mDragArea = mArea.area;
-    mReleases = countReleases(*this);
+    mDrag.start(*this, event);
     if (event.doubleClick) {
         setMaximized(!getMaximized());
         setArea(mArea.area);
