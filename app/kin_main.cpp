@@ -2,12 +2,14 @@
 
 #include "am_videofile.h"
 #include "dis_glcheck.h"
+#include "kin_gui.h"
 #include "ztk_system.h"
 
 #include <GL/glew.h>
 #include <algorithm>
 #include <cstdlib>
 #include <ctime>
+#include <memory>
 
 namespace zentrak::kindler {
 
@@ -33,6 +35,25 @@ void Kindler::addCallback(std::string name, Effect& effect) {
     effect.mDisplay = mDisplay;
 }
 
+/*
+ * The editor joins the listeners behind the driver, so it is drawn over the picture. An end by exception
+ * takes it along.
+ */
+struct Kindler::Editor {
+    explicit Editor(Kindler& owner) : kindler(owner), gui(new Gui(owner.mDisplay, &owner.mScript)) {
+        kindler.mGui = gui.get();
+        kindler.mEditing = true;
+        gui->mDemoLength = kindler.mDemoLength;
+        gui->setup();
+    }
+    ~Editor() { kindler.mEditing = false; }
+    Editor(const Editor&) = delete;
+    Editor& operator=(const Editor&) = delete;
+
+    Kindler&             kindler;
+    std::unique_ptr<Gui> gui;
+};
+
 void Kindler::run() {
     mNoListener = false;
     if (mDisplayEnabled)
@@ -48,7 +69,7 @@ void Kindler::run() {
         mMusic.mPaused = false;
         mDemoLength = static_cast<float>(mMusic.mLength) / static_cast<float>(mMusic.mRate);
     }
-    // The editor is built here, so that it is drawn behind the driver, and deleted behind the loop.
+    const Editor editor(*this);
     setTime(std::max(0.0f, mStartTime));
     mOsdTime = -100.0f;
     mDisplay->updateBlocking();
@@ -145,11 +166,19 @@ void Kindler::getTime() {
 }
 
 /*
- * The editor's control "main" decides between the whole window and its upper right quarter. No editor, no
- * such control.
+ * The editor's control "main" decides between the whole window and its upper right quarter.
  */
 bool Kindler::editorVisible() const {
-    return false;
+    return mEditing && mGui->isVisible();
+}
+
+void Kindler::controlAction(panorama::Control* control, panorama::Action action) {
+    if (action != panorama::ACTION_RELEASE)
+        return;
+    if (control->getName() == "button_run")
+        mDisplay->close();
+    else if (control->getName() == "button_exit")
+        exit(0);
 }
 
 /*

@@ -9,6 +9,7 @@
 #include "dis_listener.h"
 #include "kin_effect.h"
 #include "kin_music.h"
+#include "pan_control.h"
 #include "script_engine.h"
 
 #include <string>
@@ -24,7 +25,7 @@ class Gui;
 class Kindler : public display::Listener {
 public:
     display::DisplayGL*  mDisplay = nullptr; // owned; openDisplay makes it
-    Gui*                 mGui = nullptr;     // owned, for the length of run
+    Gui*                 mGui = nullptr;     // owned for the length of run; not cleared at its end
     display::Clock       mClock;             // the time of the script
     bool                 mNoSound = false;   // no audio at all
     bool                 mMuted = false;
@@ -92,8 +93,15 @@ public:
     int  onKeyDown(const display::KeyEvent& event) override;
     void onDraw() override;
 
+    // What the buttons of a launcher do when they are released: "button_run" closes the window, "button_exit"
+    // ends the process. No control of the editor reports here.
+    virtual void controlAction(panorama::Control* control, panorama::Action action);
+
 private:
+    struct Editor; // makes mGui, and deletes it
+
     display::Batch mOsd;
+    bool           mEditing = false; // mGui is there
 
     bool hasSound() const;
     bool editorVisible() const;

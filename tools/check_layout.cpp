@@ -76,6 +76,7 @@ const Type types[] = {
     {"treeview", {"size", "text"}, {{"item", {"id", "text", "size"}, true, false}}},
     {"window", {"caption"}, {}},
     {"workspace", {"style"}, {}},
+    {"timeruler", {}, {}}, // the editor's own
 };
 
 const Type* typeOf(const std::string& name) {
@@ -122,7 +123,7 @@ struct Needed {
 const Needed needed[] = {
     {"main", nullptr, "the container that Tab shows and hides"},
     {"effects", nullptr, "the container of the rows"},
-    {"timeslider", nullptr, "what scrolls the timeline"},
+    {"timeslider", "slider", "what scrolls the timeline"},
     {"fps_stat", "stat", "the graph of the frame rate"},
     {"fps", "label", "the frame rate in figures"},
 };

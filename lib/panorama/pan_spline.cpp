@@ -156,7 +156,10 @@ void Spline::dragKey(const Vector2f& place) {
     sendAction(ACTION_SPLINE, nullptr);
 }
 
+// After a release the mouse may be on the key still.
 void Spline::onMouseDown(const Event& event) {
+    if (!hasKey(mHoverKey))
+        mHoverKey = findKey(event.mousePos);
     const bool onKey = hasKey(mHoverKey);
     if (event.button == 0) {
         if (onKey) {

@@ -147,7 +147,10 @@ void SplineOrg::dragNode(const Vector2f& place) {
     sendAction(ACTION_SPLINE, nullptr);
 }
 
+// After a release the mouse may be on the node still.
 void SplineOrg::onMouseDown(const Event& event) {
+    if (!hasNode(mHoverNode))
+        mHoverNode = findNode(event.mousePos);
     const bool onNode = hasNode(mHoverNode);
     if (event.button == 0) {
         if (onNode) {

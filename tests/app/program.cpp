@@ -27,6 +27,8 @@ Program::Program() {
     for (const auto& entry : std::filesystem::directory_iterator(sourcePath("data")))
         if (entry.is_directory())
             std::filesystem::create_symlink(entry.path(), mDir.file(entry.path().filename().string()));
+    for (const char* name : {"layout.xml", "style.xml", "fonthelvete2.png"})
+        std::filesystem::create_symlink(sourcePath("data") + "/" + name, mDir.file(name));
 }
 
 Program::~Program() {

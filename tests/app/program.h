@@ -19,7 +19,7 @@ constexpr double DEADLINE = 60.0;
 bool waitFor(const std::function<bool()>& condition, double seconds = DEADLINE);
 
 // The show's executable, started in a folder that the test fills first. What the effects load is there
-// already: the folders of data/, and none of its files.
+// already: the folders of data/, and of its files those of the editor.
 class Program {
 public:
     Program();

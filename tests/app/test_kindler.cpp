@@ -50,8 +50,9 @@ protected:
 
     void writeShow(const std::string& more, const std::string& display = "width=\"320\" height=\"200\"") {
         write("show.xml", "<script><effect name=\"probe\" end=\"1000\"/></script>");
-        write("setup.xml", "<demo><display title=\"Probe\" " + display + "/><script filename=\"show.xml\"/>" +
-                               more + "</demo>");
+        write("setup.xml", "<demo><archive path=\"" + test::sourcePath("data") +
+                               "\"/><display title=\"Probe\" " + display +
+                               "/><script filename=\"show.xml\"/>" + more + "</demo>");
     }
 
     // Runs the show until the effect has been called `frames` times, or for ever where it is not.
@@ -149,7 +150,7 @@ TEST_F(Show, OpensTheWindowThatTheSetupTells) {
         EXPECT_TRUE(kindler.mDisplay->mWindowMode.canResize);
         EXPECT_EQ(kindler.mDisplay->mFpsType, display::DisplayGL::FPS_VSYNC);
         EXPECT_EQ(kindler.mDisplay->mArchiveManager, &kindler.mArchives);
-        ASSERT_EQ(kindler.mDisplay->mListeners.size(), 1u);
+        ASSERT_EQ(kindler.mDisplay->mListeners.size(), 3u); // with the editor and its controls behind
         EXPECT_EQ(kindler.mDisplay->mListeners[0], &kindler);
     };
     run(kindler, 1);

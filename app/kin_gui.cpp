@@ -1,0 +1,152 @@
+#include "kin_gui.h"
+
+#include "dis_display.h"
+#include "dis_key.h"
+#include "kin_gui_effect.h"
+#include "kin_gui_row.h"
+#include "kin_gui_ruler.h"
+#include "pan_controlfactory.h"
+#include "pan_label.h"
+#include "pan_slider.h"
+#include "pan_stat.h"
+#include "script_engine.h"
+#include "ztk_system.h"
+
+#include <algorithm>
+#include <cassert>
+#include <cstdio>
+
+namespace zentrak::kindler {
+
+using mathbase::Box2;
+using panorama::Control;
+
+namespace {
+
+constexpr const char* LAYOUT = "layout.xml";
+constexpr float       SLIDER_ENDS = 36.0f; // pixels of the time slider that its handle takes
+constexpr float       FPS_PERIOD = 0.2f;   // seconds between two figures of the frame rate
+
+} // namespace
+
+Gui::Gui(display::DisplayGL* window, script::ScriptEngine* engine)
+    : Listener(window), mDisplay(window), mPanorama(window), mEngine(engine) {
+    mText.reserve(32);
+}
+
+void Gui::contextAction(panorama::Context*, std::string) {}
+
+void Gui::setup() {
+    panorama::controlFactory.addControlType(new Ruler);
+    mPanorama.load(LAYOUT);
+    findControls();
+    addRows();
+    printf("demolength: %f\n", static_cast<double>(mDemoLength));
+    mSetup = true;
+    mSlider->setCallback(this);
+    mMain->setFocus(nullptr); // the row that was added last has it
+}
+
+/*
+ * Before there are rows: a script gives them any name.
+ */
+void Gui::findControls() {
+    Control& root = mPanorama.mWorkspace;
+    mMain = root.findControl("main");
+    mRows = root.findControl("effects");
+    mSlider = dynamic_cast<panorama::Slider*>(root.findControl("timeslider"));
+    mStat = dynamic_cast<panorama::Stat*>(root.findControl("fps_stat"));
+    mFps = dynamic_cast<panorama::Label*>(root.findControl("fps"));
+    mRuler = dynamic_cast<Ruler*>(root.findControl("ruler"));
+
+    std::string missing;
+    const auto  need = [&missing](const Control* control, const char* what) {
+        if (!control)
+            missing += (missing.empty() ? "" : ", ") + std::string(what);
+    };
+    need(mMain, "a control \"main\"");
+    need(mRows, "a container \"effects\"");
+    need(mSlider, "a slider \"timeslider\"");
+    need(mStat, "a stat \"fps_stat\"");
+    if (!missing.empty())
+        throw Exception("[Gui] The layout '%s' lacks %s", LAYOUT, missing.c_str());
+}
+
+void Gui::addRows() {
+    for (script::Effect* effect : mEngine->mEffects) {
+        Row* const row = new Row;
+        row->setArea(Box2(0, 0, Effector::SCALE * mDemoLength + Row::LABEL_WIDTH, Row::SPAN_HEIGHT));
+        mRows->addControl(row, -1);
+        row->loadEffect(effect, 0);
+    }
+    // As high as the rows are, so that what it stands in can scroll them.
+    Box2 area = mRows->getChildArea();
+    for (unsigned int i = 0; i < mRows->getControlSize(); ++i)
+        area.y2 = std::max(area.y2, mRows->getControl(i)->getArea().y2);
+    mRows->setArea(area);
+    fitSlider();
+    if (mRuler) {
+        mRuler->mEngine = mEngine;
+        mRuler->mRows = mRows;
+    }
+}
+
+/*
+ * The slider counts the pixels that its handle can go, whatever its width; a resize of the window keeps the
+ * part of the axis that is shown.
+ */
+void Gui::fitSlider() {
+    const float width = mSlider->getArea().getWidth();
+    if (width == mSliderWidth)
+        return;
+    mSliderWidth = width;
+    mSlider->mMin = 0;
+    mSlider->mMax = std::max(1.0f, width - SLIDER_ENDS);
+}
+
+void Gui::controlAction(Control* control, panorama::Action) {
+    if (control != mSlider)
+        return;
+    const float position = static_cast<float>(static_cast<int>(mSlider->getValue()));
+    mScroll = position / std::max(1.0f, mSlider->getArea().getWidth() - SLIDER_ENDS);
+    const float scroll = mScroll * mDemoLength * Effector::SCALE;
+    for (unsigned int i = 0; i < mRows->getControlSize(); ++i)
+        if (Row* const row = dynamic_cast<Row*>(mRows->getControl(i)))
+            row->setScrollPos(scroll);
+    if (mRuler)
+        mRuler->mScrollPos = scroll;
+}
+
+int Gui::onKeyDown(const display::KeyEvent& event) {
+    if (event.key == display::KEY_TAB && mMain) {
+        mMain->resetContext(); // no menu stays open over the show
+        mMain->setVisible(!mMain->getVisible());
+    }
+    return WHATEVER;
+}
+
+void Gui::onDraw() {
+    assert(mSetup);
+    const float now = static_cast<float>(mDisplay->getTime());
+    ++mFpsFrames;
+    fitSlider();
+    const float elapsed = now - mFpsTime;
+    if (elapsed > FPS_PERIOD)
+        showFrameRate(std::max(0.0f, static_cast<float>(mFpsFrames) / elapsed));
+    if (elapsed > FPS_PERIOD || elapsed < 0) { // or the clock was set back
+        mFpsFrames = 0;
+        mFpsTime = now;
+    }
+}
+
+void Gui::showFrameRate(float fps) {
+    mStat->addValue(fps);
+    if (!mFps)
+        return;
+    char text[32];
+    snprintf(text, sizeof text, "%.2f", static_cast<double>(fps));
+    mText = text;
+    mFps->setText(mText);
+}
+
+} // namespace zentrak::kindler
