@@ -8,12 +8,37 @@
 #include "support.h"
 #include "xml_parser.h"
 
+#include <cstdlib>
 #include <gtest/gtest.h>
+#include <locale.h>
 #include <string>
 #include <utility>
 #include <vector>
 
 namespace zentrak::test {
+
+// Numbers are written with a comma for as long as it lives, if such a locale can be made here.
+class CommaLocale {
+public:
+    CommaLocale() : mBefore(setlocale(LC_NUMERIC, nullptr)) {
+        runCommand("localedef -i de_DE -f UTF-8 " + mFolder.file("de_DE.UTF-8"));
+        setenv("LOCPATH", mFolder.path().c_str(), 1);
+        mMade = setlocale(LC_NUMERIC, "de_DE.UTF-8") && std::string(localeconv()->decimal_point) == ",";
+    }
+    ~CommaLocale() {
+        setlocale(LC_NUMERIC, mBefore.c_str());
+        unsetenv("LOCPATH");
+    }
+    CommaLocale(const CommaLocale&) = delete;
+    CommaLocale& operator=(const CommaLocale&) = delete;
+
+    explicit operator bool() const { return mMade; }
+
+private:
+    TempDir     mFolder;
+    std::string mBefore;
+    bool        mMade = false;
+};
 
 // A workspace of 800 by 600 pixels that notes the actions it gets.
 class InputTest : public ::testing::Test, protected panorama::Callback {

@@ -135,10 +135,29 @@ TEST_F(ButtonTest, MayBeDeletedByItsOwnActions) {
     }
 }
 
+TEST_F(ButtonTest, MayBeDeletedByTheActionOfAControlInIt) {
+    struct Deleter : Callback {
+        Workspace* root = nullptr;
+        void       controlAction(Control*, Action) override { root->deleteControls(); }
+    } deleter;
+    deleter.root = &mRoot;
+    Button* outer = add<Button>(Box2(10, 10, 60, 30));
+    add<Button>(Box2(0, 0, 50, 20), outer)->setCallback(&deleter);
+    press(20, 20);
+    EXPECT_EQ(mRoot.getControlSize(), 0u);
+}
+
 TEST_F(ButtonTest, AHiddenOneHearsNothing) {
     Button* button = add<Button>(Box2(10, 10, 60, 30));
+    move(20, 20);
     button->setVisible(false);
     press(20, 20);
+    EXPECT_FALSE(button->pushed);
+    panorama::Event event;
+    event.type = "mousedown";
+    event.mousePos = mMouse;
+    button->mHover = true;
+    EXPECT_EQ(button->handleEvent(event), 0);
     EXPECT_FALSE(button->pushed);
     EXPECT_EQ(takeActions(), Actions());
 }

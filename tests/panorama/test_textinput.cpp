@@ -2,7 +2,6 @@
 #include "pan_textinput.h"
 
 #include <cmath>
-#include <locale.h>
 
 using namespace zentrak;
 using namespace zentrak::panorama;
@@ -71,11 +70,11 @@ TEST_F(TextInputTest, ItsValueIsTheNumberAtTheStartOfItsText) {
     EXPECT_EQ(mInput->getValue(), 0.0f);
     mInput->setText("-1.5e2 metres");
     EXPECT_EQ(mInput->getValue(), -150.0f);
-    const std::string before = setlocale(LC_NUMERIC, nullptr);
-    setlocale(LC_NUMERIC, "de_DE.UTF-8");
-    mInput->setText("2.5");
-    EXPECT_EQ(mInput->getValue(), 2.5f);
-    setlocale(LC_NUMERIC, before.c_str());
+    {
+        const test::CommaLocale comma; // where it can be had
+        mInput->setText("2.5");
+        EXPECT_EQ(mInput->getValue(), 2.5f);
+    }
     for (const char* text : {"nan", "inf", "-1e999"}) {
         mInput->setText(text);
         EXPECT_FALSE(std::isfinite(mInput->getValue())) << text;

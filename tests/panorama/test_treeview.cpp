@@ -199,6 +199,7 @@ TEST_F(TreeViewTest, ItemsCanBeAddedAnywhere) {
     EXPECT_EQ(c, 1);
     EXPECT_EQ(selected(), "b");
     mTree->addItem(c, "4", "d");
+    mTree->addItem(mTree->addItem(3, "7", "g"), "8", "h"); // in b, before more comes into a
     mTree->addItem(a, "5", "e");
     mTree->addItem(99, "6", "f");
     std::string all;
@@ -207,7 +208,7 @@ TEST_F(TreeViewTest, ItemsCanBeAddedAnywhere) {
         all += node.text.get() + std::to_string(node.depth) + std::to_string(node.parent) +
                std::to_string(node.next) + " ";
     }
-    EXPECT_EQ(all, "a0-14 c103 d213 e104 b0-15 f0-16 ");
+    EXPECT_EQ(all, "a0-14 c103 d213 e104 b0-17 g147 h257 f0-18 ");
     EXPECT_EQ(mTree->getItem(1)->size, 20.0f);
     mTree->deleteItems();
     EXPECT_EQ(mTree->getItemCount(), 0);
