@@ -1,0 +1,340 @@
+// The GUI toolkit with a tree of 2,000 controls: windows with scroll bars around buttons, labels, sliders and
+// boxes, a menu bar and an open menu.
+//     tests/with_display build/bench/bench/panorama/bench_toolkit [ROUNDS]
+// from the root of the source tree. First what layout and a mouse move cost; then drawing, beside the same
+// tree drawn with one call per vertex, the two ways in turn in one run and with the same picture (which is
+// checked): by the clock, by processor time over all threads, and by processor time with the pixels thrown
+// away (GL_RASTERIZER_DISCARD), which leaves what it takes to get the shapes to the rasteriser. Medians.
+#include "am_archivemanager.h"
+#include "dis_display.h"
+#include "dis_glcheck.h"
+#include "pan_button.h"
+#include "pan_checkbox.h"
+#include "pan_context.h"
+#include "pan_label.h"
+#include "pan_menubar.h"
+#include "pan_panel.h"
+#include "pan_scrollbars.h"
+#include "pan_slider.h"
+#include "pan_window.h"
+#include "pan_workspace.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <functional>
+#include <string>
+#include <vector>
+
+using namespace zentrak;
+using namespace zentrak::panorama;
+using mathbase::Box2;
+using mathbase::Vector2f;
+using mathbase::Vector4f;
+
+namespace {
+
+constexpr int WIDTH = 1280, HEIGHT = 800;
+constexpr int COLUMNS = 5, ROWS = 2; // of windows
+constexpr int CELLS_ACROSS = 6, CELLS_DOWN = 33;
+
+// The plain way: each shape and each text at once, one call per vertex, cut by the scissor test.
+class PlainRender : public Render {
+public:
+    void setupDraw(Vector2f size, Vector2f offset, float margin) override {
+        Render::setupDraw(size, offset, margin);
+        Render::setClipArea(Box2(0, 0, 0, -1));
+    }
+
+    void setClipArea(Box2 area) override {
+        if (area.y2 == -1) {
+            glDisable(GL_SCISSOR_TEST);
+            return;
+        }
+        glEnable(GL_SCISSOR_TEST);
+        glScissor(int(area.x1), int(mSize.y - area.y2), std::max(0, int(area.x2 - area.x1)),
+                  std::max(0, int(area.y2 - area.y1)));
+    }
+
+    void drawBox(const Box2& box, int direction) override {
+        const Vector4f* const first = &mColorFirst;
+        const Vector4f* const second = &mColorSecond;
+        const bool            across = direction == 1;
+        glBegin(GL_QUADS);
+        corner(box.x1, box.y1, *first);
+        corner(box.x2, box.y1, across ? *second : *first);
+        corner(box.x2, box.y2, *second);
+        corner(box.x1, box.y2, across ? *first : *second);
+        glEnd();
+    }
+
+    void drawBorder(const Box2& box) override {
+        glLineWidth(1);
+        glBegin(GL_LINE_LOOP);
+        corner(box.x1 + 0.5f, box.y1 + 0.5f, mColorFirst);
+        corner(box.x2 - 0.5f, box.y1 + 0.5f, mColorFirst);
+        corner(box.x2 - 0.5f, box.y2 - 0.5f, mColorSecond);
+        corner(box.x1 + 0.5f, box.y2 - 0.5f, mColorSecond);
+        glEnd();
+    }
+
+    void drawLine(const Vector2f& a, const Vector2f& b) override {
+        glBegin(GL_LINES);
+        corner(a.x, a.y, mColorFirst);
+        corner(b.x, b.y, mColorFirst);
+        glEnd();
+    }
+
+    void drawText(const std::string& text, Vector2f position) override {
+        float x = position.x;
+        if (mFont->getAlignment() != display::Font::ALIGN_LEFT)
+            x -= getTextLength(text) * (mFont->getAlignment() == display::Font::ALIGN_CENTER ? 0.5f : 1.0f);
+        x = std::floor(x + 0.5f);
+        const float width = mFont->getWidth(), height = mFont->getHeight();
+        const float y = std::floor(position.y - height * 0.5f + 0.5f);
+        glEnable(GL_TEXTURE_2D);
+        mFont->getTexture().bind();
+        glColor4fv(mColorFirst);
+        glBegin(GL_QUADS);
+        for (const char character : text) {
+            const display::Font::Cell cell = mFont->getCell(uint8_t(character));
+            point(x, y, cell.s0, cell.t0);
+            point(x + width, y, cell.s1, cell.t0);
+            point(x + width, y + height, cell.s1, cell.t1);
+            point(x, y + height, cell.s0, cell.t1);
+            x += mFont->getAdvance(uint8_t(character));
+        }
+        glEnd();
+        mFont->getTexture().unbind();
+        glDisable(GL_TEXTURE_2D);
+    }
+
+private:
+    static void corner(float x, float y, const Vector4f& color) {
+        glColor4fv(color);
+        glVertex2f(x, y);
+    }
+    static void point(float x, float y, float s, float t) {
+        glTexCoord2f(s, t);
+        glVertex2f(x, y);
+    }
+};
+
+// A root that draws either way.
+class Root : public Workspace {
+public:
+    PlainRender mPlain;
+    bool        mUsePlain = false;
+
+    Render* getRender() override { return mUsePlain ? &mPlain : Workspace::getRender(); }
+
+    void use(bool plain) {
+        mUsePlain = plain;
+        forget(*this);
+    }
+    void drawFrame() {
+        getRender()->setupDraw(Vector2f(WIDTH, HEIGHT), Vector2f(), 0);
+        draw();
+        getRender()->flush();
+    }
+
+private:
+    static void forget(Control& control) { // which one it was
+        control.mRender = nullptr;
+        for (Control* child : control.mControls)
+            forget(*child);
+    }
+};
+
+template <class T>
+T& add(Control& parent, const Box2& area, const std::string& caption) {
+    T* control = new T;
+    control->mArea.area = area;
+    parent.addControl(control, -1);
+    control->setCaption(caption);
+    return *control;
+}
+
+void fillWindow(Control& view, int window) {
+    for (int i = 0; i < CELLS_ACROSS * CELLS_DOWN; ++i) {
+        const float x = 2.0f + 39.0f * float(i % CELLS_ACROSS), y = 2.0f + 17.0f * float(i / CELLS_ACROSS);
+        const Box2  area(x, y, x + 37, y + 15);
+        const std::string number = std::to_string(window * 100 + i);
+        switch (i % 3) {
+        case 0:
+            add<Button>(view, area, number);
+            break;
+        case 1:
+            add<Button>(view, area, "b" + number);
+            break;
+        default:
+            add<Slider>(view, area, number).mDirection = 0;
+            break;
+        }
+    }
+}
+
+void buildTree(Root& root) {
+    Menubar& bar = add<Menubar>(root, Box2(0, 0, WIDTH, HEIGHT), "bar");
+    bar.setMaximized(true);
+    for (const char* caption : {"file", "edit", "view", "window", "help"}) {
+        Menubar::ContextData* menu = new Menubar::ContextData;
+        menu->setCaption(caption);
+        for (int i = 0; i < 20; ++i)
+            menu->addOption(caption + std::string(" ") + std::to_string(i), "");
+        bar.mMenus.push_back(menu);
+    }
+    for (int i = 0; i < COLUMNS * ROWS; ++i) {
+        const float x = 4.0f + 255.0f * float(i % COLUMNS), y = 2.0f + 388.0f * float(i / COLUMNS);
+        Window&     window = add<Window>(bar, Box2(x, y, x + 250, y + 380), "window " + std::to_string(i));
+        fillWindow(add<Scrollbars>(window, Box2(), "view"), i);
+    }
+    bar.mActive = 2;
+    bar.mOpen = true;
+    bar.setMenuContext(bar.mMenus[2]);
+    root.mContext->mHighlight = 3;
+}
+
+int countControls(const Control& control) {
+    int count = 1;
+    for (const Control* child : control.mControls)
+        count += countControls(*child);
+    return count;
+}
+
+double clockNow(clockid_t clock) {
+    timespec t;
+    clock_gettime(clock, &t);
+    return double(t.tv_sec) * 1e3 + double(t.tv_nsec) * 1e-6;
+}
+
+double median(std::vector<double> values) {
+    std::nth_element(values.begin(), values.begin() + long(values.size() / 2), values.end());
+    return values[values.size() / 2];
+}
+
+// Milliseconds of processor time.
+double measure(int rounds, const std::function<void(int)>& work) {
+    std::vector<double> times;
+    for (int i = 0; i < rounds; ++i) {
+        const double start = clockNow(CLOCK_PROCESS_CPUTIME_ID);
+        work(i);
+        times.push_back(clockNow(CLOCK_PROCESS_CPUTIME_ID) - start);
+    }
+    return median(times);
+}
+
+struct Cost {
+    std::vector<double> wall, cpu;
+};
+
+void drawOnce(Root& root, bool plain, Cost& cost) {
+    root.use(plain);
+    glDisable(GL_SCISSOR_TEST);
+    glClear(GL_COLOR_BUFFER_BIT);
+    glFinish();
+    const double wall = clockNow(CLOCK_MONOTONIC), cpu = clockNow(CLOCK_PROCESS_CPUTIME_ID);
+    root.drawFrame();
+    glFinish();
+    cost.wall.push_back(clockNow(CLOCK_MONOTONIC) - wall);
+    cost.cpu.push_back(clockNow(CLOCK_PROCESS_CPUTIME_ID) - cpu);
+}
+
+std::vector<unsigned char> grab() {
+    std::vector<unsigned char> pixels(size_t(WIDTH) * HEIGHT * 4);
+    glReadPixels(0, 0, WIDTH, HEIGHT, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
+    return pixels;
+}
+
+// The share of pixels in which the two ways differ by more than a shade.
+double difference(Root& root) {
+    Cost ignored;
+    drawOnce(root, true, ignored);
+    const std::vector<unsigned char> plain = grab();
+    drawOnce(root, false, ignored);
+    const std::vector<unsigned char> batched = grab();
+    size_t                           differing = 0;
+    for (size_t i = 0; i < plain.size(); i += 4) {
+        int most = 0;
+        for (size_t channel = 0; channel < 3; ++channel)
+            most = std::max(most, std::abs(int(plain[i + channel]) - int(batched[i + channel])));
+        differing += most > 24;
+    }
+    return double(differing) / double(plain.size() / 4);
+}
+
+void compareDrawing(Root& root, int rounds, const char* name) {
+    Cost plain, batched;
+    for (int i = 0; i < rounds; ++i) {
+        drawOnce(root, true, plain);
+        drawOnce(root, false, batched);
+    }
+    const double wall[2] = {median(plain.wall), median(batched.wall)};
+    const double cpu[2] = {median(plain.cpu), median(batched.cpu)};
+    std::printf("%-32s %8.2f %8.2f %6.1fx %10.2f %8.2f %6.1fx\n", name, wall[0], wall[1], wall[0] / wall[1],
+                cpu[0], cpu[1], cpu[0] / cpu[1]);
+}
+
+} // namespace
+
+int main(int count, char** arguments) {
+    const int          rounds = count > 1 ? std::max(1, std::atoi(arguments[1])) : 31;
+    am::ArchiveManager archives;
+    archives.addArchive("data");
+    display::DisplayGL window(display::WindowMode("bench", WIDTH, HEIGHT, false));
+    window.setArchive(&archives);
+    window.open();
+    window.resetAllStates();
+    {
+        Root root;
+        root.setDisplay(&window);
+        root.mPlain.setup(&window);
+        root.setArea(Box2(0, 0, WIDTH, HEIGHT));
+        buildTree(root);
+        std::printf("%s, %d controls at %d x %d, median of %d rounds, milliseconds of processor time\n",
+                    glGetString(GL_RENDERER), countControls(root), WIDTH, HEIGHT, rounds);
+
+        std::printf("%-32s %8.3f\n", "layout of the whole tree", measure(rounds, [&](int i) {
+                        root.setArea(Box2(0, 0, WIDTH - float(i % 2), HEIGHT - float(i % 2)));
+                    }));
+        root.setArea(Box2(0, 0, WIDTH, HEIGHT));
+
+        Context* const menu = root.mContext;
+        const auto     move = [&](float x, float y) {
+            Event event;
+            event.type = "mousemove";
+            event.mousePos = Vector2f(x, y);
+            root.handleEvent(event);
+        };
+        const auto sweep = [&](int) {
+            for (int i = 0; i < 100; ++i)
+                move(float(i * 12 % WIDTH), float(i * 7 % HEIGHT));
+        };
+        std::printf("%-32s %8.4f\n", "a mouse move, a menu open", measure(rounds, sweep) / 100);
+        root.resetContext();
+        std::printf("%-32s %8.4f\n", "a mouse move", measure(rounds, sweep) / 100);
+
+        Context rows;
+        for (int i = 0; i < 10000; ++i)
+            rows.addOption("row " + std::to_string(i), "");
+        rows.setPosition(Vector2f(20, -70000));
+        root.setContext(&rows);
+        std::printf("%-32s %8.4f\n", "a mouse move on 10,000 rows", measure(rounds, sweep) / 100);
+        std::printf("%-32s %8.3f\n", "10,000 rows measured anew",
+                    measure(rounds, [&](int) { rows.resize(); }));
+        rows.setPosition(Vector2f(20, -70000));
+
+        std::printf("%-32s %8s %8s %7s %10s %8s\n", "drawing", "plain", "batched", "by clock", "plain",
+                    "batched");
+        compareDrawing(root, rounds, "with 10,000 rows open");
+        root.setContext(menu);
+        compareDrawing(root, rounds, "with a menu open");
+        std::printf("%-32s %8.4f\n", "share of pixels that differ", difference(root));
+        glEnable(GL_RASTERIZER_DISCARD);
+        compareDrawing(root, rounds, "without pixels");
+        glDisable(GL_RASTERIZER_DISCARD);
+    }
+    return 0;
+}
