@@ -5,6 +5,7 @@
 #include "cloud.h"
 #include "credits.h"
 #include "cubejox.h"
+#include "face.h"
 #include "grand.h"
 #include "greet.h"
 #include "grid.h"
@@ -58,6 +59,7 @@ void show() {
     Credits creditsOrvo(&common, "orvo");
     Credits creditsQark(&common, "qark");
     Grid    grid(&common);
+    Face    face(&common);
     Tunnel  tunnel(&common);
     Cloud   cloud(&common);
 
@@ -75,6 +77,7 @@ void show() {
     kindler.addCallback("greet", greet);
     kindler.addCallback("grand", grand);
     kindler.addCallback("grid", grid);
+    kindler.addCallback("face", face);
     kindler.addCallback("kub", kub);
     kindler.addCallback("rund", rund);
     kindler.addCallback("tunnel", tunnel);

@@ -12,6 +12,7 @@
 #include "am_image.h"
 #include "credits.h"
 #include "cubejox.h"
+#include "face.h"
 #include "dis_display.h"
 #include "effect_random.h"
 #include "grand.h"
@@ -291,6 +292,15 @@ int main(int count, char** arguments) {
             bench.compare(
                 name, [&] { cubejox.update(1, 0.001f, 0); }, [&] { plainCubejox.update(window, 1, 0.001f); });
         }
+    }
+    {
+        kindler::Face face(&common);
+        plain::Face   plainFace;
+        bench.prepare(face, "face");
+        plainFace.setup(window);
+        face.updateSpline(0, "alpha", 0.4f);
+        plainFace.alpha = 0.4f;
+        bench.compare("face, 0", [&] { face.update(0, 0, 0); }, [&] { plainFace.update(window, 0); });
     }
     {
         kindler::Credits credits(&common, "moonpulse");

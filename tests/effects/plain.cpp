@@ -735,4 +735,58 @@ void Cubejox::update(DisplayGL& display, float time, float delta) {
     }
 }
 
+// Face
+
+void Face::setup(DisplayGL& display) {
+    const am::File file = display.mArchiveManager->readFile("face/face.o3d");
+    mScene.load(file->data, int(file->length));
+    mTexture.setDisplay(&display);
+    mTexture.load("hurry/particle.png", true);
+    mTexture.init();
+}
+
+void Face::update(DisplayGL& display, float time) {
+    leave(display);
+    perspective(PI / 4, 0.015f, 1000);
+    const Vector3f eye(1.3f * sinf(2 * time), 0, 1.3f * cosf(2 * time));
+    place(cameraOf(eye, Vector3f(0, 0, 0), 0), Matrix4x4Col());
+    Matrix4x4Col inverse;
+    inverse.setCameraInv(eye, Vector3f(0, 0, 0), 0);
+    const Vector3f right = inverse.multiplyVector(Vector3f(1, 0, 0)).getNormalized() * 0.5f;
+    const Vector3f up = inverse.multiplyVector(Vector3f(0, 1, 0)).getNormalized() * 0.5f;
+    for (const o3d::Mesh* mesh : mScene.mMeshes) {
+        const std::vector<Vector3f> vertices = mesh->mVertices;
+        glEnable(GL_BLEND);
+        glBlendFunc(GL_SRC_ALPHA, GL_ONE);
+        glDisable(GL_CULL_FACE);
+        glDisable(GL_DEPTH_TEST);
+        glEnable(GL_TEXTURE_2D);
+        mTexture.bind();
+        glBegin(GL_QUADS);
+        for (int pass = 0; pass < 2; ++pass)
+            for (size_t i = 0; i < vertices.size(); i += 28) {
+                const Vector3f v = vertices[i];
+                const Vector3f n = inverse.multiply(v).getNormalized();
+                if (n.z <= 0)
+                    continue;
+                const float c = n.z * alpha, s = pass == 0 ? 0.02f : 0.2f;
+                if (pass == 0)
+                    glColor4f(5 * c, 5 * 1.1f * c, 5 * 0.1f * c, 0.2f);
+                else
+                    glColor4f(0.3f * c, 0.2f * c, 0.1f * c, 0.4f);
+                const auto corner = [&](float u, float w, const Vector3f& p) {
+                    glTexCoord2f(u, w);
+                    glVertex3f(p.x, p.y, p.z);
+                };
+                corner(0, 0, v + (up - right) * s);
+                corner(0, 1, v + (-up - right) * s);
+                corner(1, 1, v + (-up + right) * s);
+                corner(1, 0, v + (up + right) * s);
+            }
+        glEnd();
+        mTexture.unbind();
+        glDisable(GL_TEXTURE_2D);
+    }
+}
+
 } // namespace zentrak::test::plain

@@ -11,6 +11,7 @@
 #include "mb_matrix4x4col.h"
 #include "mb_vector3.h"
 #include "mb_vector4.h"
+#include "o3d_manager.h"
 
 #include <cstdint>
 #include <memory>
@@ -200,6 +201,18 @@ public:
 
     explicit Cubejox(uint32_t start);
     void update(DisplayGL& display, float time, float delta);
+};
+
+class Face {
+public:
+    float alpha = 0;
+
+    void setup(DisplayGL& display);
+    void update(DisplayGL& display, float time);
+
+private:
+    display::Texture mTexture{nullptr};
+    o3d::Manager     mScene;
 };
 
 } // namespace zentrak::test::plain

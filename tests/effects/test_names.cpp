@@ -7,6 +7,7 @@
 #include "cubejox.h"
 #include "effect_names.h"
 #include "effect_test.h"
+#include "face.h"
 #include "grand.h"
 #include "greet.h"
 #include "grid.h"
@@ -96,6 +97,7 @@ protected:
         mEffects["greet"] = make<Greet>(&mCommon);
         mEffects["grand"] = make<Grand>(&mCommon);
         mEffects["grid"] = make<Grid>(&mCommon);
+        mEffects["face"] = make<Face>(&mCommon);
         mEffects["kub"] = make<Kub>(&mCommon);
         mEffects["rund"] = make<Rund>(&mCommon);
         mEffects["tunnel"] = make<Tunnel>(&mCommon);

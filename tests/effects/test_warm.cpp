@@ -4,6 +4,7 @@
 #include "credits.h"
 #include "cubejox.h"
 #include "effect_test.h"
+#include "face.h"
 #include "grand.h"
 #include "greet.h"
 #include "kub.h"
@@ -57,6 +58,7 @@ TEST_F(WarmTest, NoEffectAsksForMemory) {
     Kub     kub(&mCommon);
     Vul     vul(&mCommon);
     Cubejox cubejox(&mCommon);
+    Face    face(&mCommon);
     Greet   greet(&mCommon);
     Grand   grand(&mCommon);
     Credits credits(&mCommon, "qark");
@@ -69,6 +71,7 @@ TEST_F(WarmTest, NoEffectAsksForMemory) {
     expectNone(kub, "kub", "", "");
     expectNone(vul, "vul", "", "");
     expectNone(cubejox, "cubejox", "drum1", "");
+    expectNone(face, "face", "", "");
     expectNone(greet, "greet", "next", "");
     expectNone(grand, "grand", "", "");
     expectNone(credits, "credits_qark", "", "");

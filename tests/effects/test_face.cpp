@@ -1,0 +1,142 @@
+#include "effect_test.h"
+#include "face.h"
+#include "plain.h"
+#include "ztk_system.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+
+using namespace zentrak;
+using kindler::Face;
+using mathbase::Vector3f;
+using test::matchesReference;
+using test::Picture;
+
+namespace {
+
+class FaceTest : public test::EffectTest {
+protected:
+    Face              mFace{&mCommon};
+    test::plain::Face mPlain;
+
+    void SetUp() override {
+        EffectTest::SetUp();
+        test::prepare(mFace, display(), "face");
+        mPlain.setup(display());
+    }
+
+    Picture at(float time, float alpha = 0.4f) {
+        return over(0, 0, 0.02f, [&] {
+            mFace.updateSpline(time, "alpha", alpha);
+            mFace.update(time, 0.02f, 0);
+        });
+    }
+    Picture plainAt(float time, float alpha = 0.4f) {
+        return over(0, 0, 0.02f, [&] {
+            mPlain.alpha = alpha;
+            mPlain.update(display(), time);
+        });
+    }
+
+    // The scene's one mesh with these vertices in place of its own.
+    void setVertices(const std::vector<Vector3f>& vertices) {
+        mFace.getScene().mMeshes.front()->mVertices = vertices;
+    }
+    Picture nothing() {
+        return over(0, 0, 0.02f, [] {});
+    }
+};
+
+} // namespace
+
+TEST_F(FaceTest, LooksAsItShouldFromTheFrontAndFromBothSides) {
+    EXPECT_TRUE(matchesReference("face_0", at(0)));
+    EXPECT_TRUE(matchesReference("face_left", at(0.35f)));
+    EXPECT_TRUE(matchesReference("face_right", at(2.75f)));
+    EXPECT_TRUE(matchesReference("face_bright", at(3.1f, 1)));
+}
+
+TEST_F(FaceTest, IsThePictureOfOneCallPerVertex) {
+    for (float time : {0.0f, 0.3f, 0.7f, 2.9f})
+        EXPECT_TRUE(test::samePicture(at(time), plainAt(time))) << time;
+}
+
+TEST_F(FaceTest, IsDarkFromBehindAndAtAnAlphaOfZero) {
+    EXPECT_EQ(test::comparePictures(at(1.5708f), nothing()).mean, 0); // the eye is at z = -1.3
+    EXPECT_EQ(test::comparePictures(at(0, 0), nothing()).mean, 0);
+    EXPECT_GT(test::covered(at(0), nothing()), 0.05);
+}
+
+TEST_F(FaceTest, OnlyItsSplineChangesIt) {
+    const Picture before = at(0, 0.3f);
+    mFace.updateSpline(0, "alp", 1);
+    mFace.updateSpline(0, "Alpha", 1);
+    mFace.executeTrigger(0, "alpha", "1");
+    EXPECT_EQ(test::comparePictures(over(0, 0, 0.02f, [&] { mFace.update(0, 0, 0); }), before).mean, 0);
+}
+
+TEST_F(FaceTest, EveryTwentyEighthVertexGlows) {
+    ASSERT_EQ(mFace.getScene().mMeshes.size(), 1u);
+    std::vector<Vector3f> vertices(28, Vector3f(0.3f, 0.2f, 0));
+    vertices[0] = Vector3f(-0.2f, 0, 0.1f);
+    setVertices({vertices[0]});
+    const Picture one = at(0);
+    EXPECT_GT(test::comparePictures(one, nothing()).mean, 0.001);
+    setVertices(vertices); // none of the others
+    EXPECT_EQ(test::comparePictures(at(0), one).mean, 0);
+    vertices.push_back(Vector3f(0.2f, 0, 0.1f)); // the twenty-ninth
+    setVertices(vertices);
+    EXPECT_GT(test::comparePictures(at(0), one).mean, 0.001);
+}
+
+TEST_F(FaceTest, AMeshWithoutVerticesDrawsNothing) {
+    setVertices({});
+    EXPECT_EQ(test::comparePictures(at(0), nothing()).mean, 0);
+}
+
+TEST_F(FaceTest, AVertexAtTheOriginAsserts) {
+    testing::GTEST_FLAG(death_test_style) = "fast";
+    setVertices({Vector3f(0, 0, 0)});
+    EXPECT_DEATH(mFace.update(0, 0, 0), "length!=0");
+}
+
+TEST_F(FaceTest, LeavesBlendingOnAndAdditive) {
+    frame([&] {
+        mFace.update(0, 0, 0);
+        GLint source, destination;
+        glGetIntegerv(GL_BLEND_SRC, &source);
+        glGetIntegerv(GL_BLEND_DST, &destination);
+        EXPECT_TRUE(glIsEnabled(GL_BLEND));
+        EXPECT_EQ(source, GL_SRC_ALPHA);
+        EXPECT_EQ(destination, GL_ONE);
+        EXPECT_FALSE(glIsEnabled(GL_TEXTURE_2D));
+        EXPECT_FALSE(glIsEnabled(GL_DEPTH_TEST));
+    });
+}
+
+TEST_F(FaceTest, TimesAndBrightnessThatAreNoNumbersDoNoHarm) {
+    for (float odd : {NAN, INFINITY, -INFINITY, 1e30f}) {
+        at(odd);
+        at(0, odd);
+    }
+    EXPECT_TRUE(test::samePicture(at(0), plainAt(0)));
+}
+
+TEST_F(FaceTest, SaysHowManyMeshesThereAre) {
+    test::CaptureStdout capture;
+    Face                face(&mCommon);
+    test::prepare(face, display(), "face");
+    EXPECT_NE(capture.text().find("Meshes: 1\n"), std::string::npos);
+}
+
+TEST(FaceFiles, AMissingSceneIsReported) {
+    test::TempDir      empty;
+    test::GlWindow     window(64, 64);
+    am::ArchiveManager archives;
+    archives.addArchive(empty.path());
+    window.display().setArchive(&archives);
+    kindler::Common common;
+    Face            face(&common);
+    EXPECT_THROW(test::prepare(face, window.display(), "face"), Exception);
+    window.display().setArchive(&window.archives());
+}
