@@ -33,7 +33,7 @@ public:
         setPair(mBack.color, Vector4f(0.05f, 0.05f, 0.07f, 0.97f));
         setPair(mBack.border, edge);
         setPair(mBack.highlight, accent);
-        setPair(mText.color, text, none);
+        setPair(mText.color, ink, none);
         setPair(mText.highlight, white, bright); // the row under the mouse, and the current one
     }
 

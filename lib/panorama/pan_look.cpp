@@ -7,7 +7,7 @@ using mathbase::Vector2f;
 using mathbase::Vector4f;
 
 void setTextLook(ColorSet& set) {
-    setPair(set.color, text, none);
+    setPair(set.color, ink, none);
     setPair(set.highlight, white, none);
     setPair(set.pushed, white, none);
     setPair(set.inactive, faint, none);

@@ -16,7 +16,7 @@ inline constexpr mathbase::Vector4f accent(0.323f, 0.323f, 0.54f, 1.0f);
 inline constexpr mathbase::Vector4f bright(0.60f, 0.60f, 0.95f, 1.0f); // the accent as a line or a mark
 inline constexpr mathbase::Vector4f edge(0.36f, 0.36f, 0.42f, 1.0f);
 inline constexpr mathbase::Vector4f field(0.06f, 0.06f, 0.08f, 0.92f); // what is typed or plotted into
-inline constexpr mathbase::Vector4f text(0.85f, 0.85f, 0.89f, 1.0f);
+inline constexpr mathbase::Vector4f ink(0.85f, 0.85f, 0.89f, 1.0f);
 inline constexpr mathbase::Vector4f white(1.0f, 1.0f, 1.0f, 1.0f);
 inline constexpr mathbase::Vector4f faint(0.42f, 0.42f, 0.46f, 1.0f); // text and marks of what is greyed out
 inline constexpr mathbase::Vector4f none(0.0f, 0.0f, 0.0f, -1.0f);    // no second colour

@@ -35,6 +35,10 @@ const std::pair<int, std::string> nothing = {0, ""};
 
 } // namespace
 
+TEST_F(CheckLayout, TheLayoutOfTheShowHasNoFindings) {
+    EXPECT_EQ(test::runCommand(CHECK_LAYOUT " --editor " + test::sourcePath("data/layout.xml")), nothing);
+}
+
 TEST_F(CheckLayout, EveryTypeWithAllThatItReadsHasNoFindings) {
     test::writeFile(mFolder.file("p.png"), "");
     EXPECT_EQ(
