@@ -63,7 +63,7 @@ public:
 // Whoever hears an event or an action may delete any control, the one that sent it included.
 class Control {
 public:
-    static constexpr int MAX_DEPTH = 256; // of controls in a layout file
+    static constexpr int MAX_DEPTH = 256; // of controls in each other; what would lie deeper is not taken
 
     AreaSet                mArea;                    // the control's own box
     AreaSet                mChildArea;               // the box in which children live
@@ -148,12 +148,12 @@ public:
     virtual bool getMaximized();
     virtual void setMaximized(bool on);
 
-    // The smallest box around all visible children and what they hold, where they would stand unscrolled, as
-    // the children see it. What lies inside a scroll container counts no further than the container.
+    // The smallest box around all visible children and the origin, where the children would stand unscrolled.
     virtual mathbase::Box2 getOccupiedArea();
 
-    // Takes a child before `index`, -1 or past the end: behind all. It is owned here from then on, and has
-    // the focus. Ignores null.
+    // Takes a child before `index`, -1 or past the end: behind all. It is owned here from then on, no longer
+    // by another control, and has the focus. Ignores null. What would lie deeper than MAX_DEPTH, or below
+    // itself, is not taken, and that is logged: it stays whose it was.
     virtual void     addControl(Control* control, int index);
     virtual void     deleteControl(unsigned int index); // nothing past the end
     virtual void     deleteControls();
@@ -185,10 +185,18 @@ public:
     virtual void draw(); // the children; a widget draws itself first
 
 protected:
+    // The two halves of setArea.
+    void layoutSelf(const mathbase::Box2& area);
     void layoutChildren();
+
+    // A child is no longer one: it was deleted, or another control has taken it.
+    virtual void forget(Control* child);
 
 private:
     friend class Alive;
+
+    void leaveParent();
+    bool resetChildren(Event& reset);
 
     void loadChildren(xml::IteratorConst& it);
     void loadChild(xml::IteratorConst& it);

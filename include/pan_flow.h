@@ -22,7 +22,6 @@ public:
     void load(xml::IteratorConst& it) override; // `direction`: "horisontal", or else vertical
     void setArea(mathbase::Box2 area) override;
     void addControl(Control* control, int index) override; // 10 pixels, unless it has a size already
-    void deleteControl(unsigned int index) override;
     void deleteControls() override;
 
     void addControl(Control* control); // at the end
@@ -32,6 +31,9 @@ public:
     void  setPercent(Control* control, float percent); // a share
     float getSize(Control* control);                   // as in mSizes; 0 for a stranger
     void  setDirection(Direction direction);
+
+protected:
+    void forget(Control* child) override;
 };
 
 } // namespace zentrak::panorama

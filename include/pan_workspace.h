@@ -37,6 +37,8 @@ public:
     unsigned getReleases() const { return mReleases; }
 
 private:
+    bool isOverChild(const mathbase::Vector2f& position) const;
+
     unsigned mReleases = 0;
 };
 

@@ -4,14 +4,20 @@
 #include "mb_box2.h"
 #include "mb_vector2.h"
 
-#include <algorithm>
-
 namespace zentrak::panorama {
 
-// What two boxes have in common; a side is negative where that is nothing.
+// The greater and the lesser of two; no number, if one of them is none.
+inline float greater(float a, float b) {
+    return a > b || a != a ? a : b;
+}
+inline float lesser(float a, float b) {
+    return a < b || a != a ? a : b;
+}
+
+// What two boxes have in common; a side is negative where that is nothing, and no number where one of the
+// boxes has one.
 inline mathbase::Box2 cut(const mathbase::Box2& a, const mathbase::Box2& b) {
-    return mathbase::Box2(std::max(a.x1, b.x1), std::max(a.y1, b.y1), std::min(a.x2, b.x2),
-                          std::min(a.y2, b.y2));
+    return mathbase::Box2(greater(a.x1, b.x1), greater(a.y1, b.y1), lesser(a.x2, b.x2), lesser(a.y2, b.y2));
 }
 
 // The same; all zero where it is nothing, or no number.

@@ -56,11 +56,19 @@ const xml::XmlNode& emptyDocument() {
     return document;
 }
 
+// How many controls are above one, and how many levels of them are below.
 int depthOf(const Control& control) {
     int depth = 0;
     for (const Control* above = control.mParent; above; above = above->mParent)
         ++depth;
     return depth;
+}
+
+int heightOf(const Control& control) {
+    int height = 0;
+    for (const Control* child : control.mControls)
+        height = std::max(height, 1 + heightOf(*child));
+    return height;
 }
 
 ColorSet* paletteOf(Control& control, const std::string& name) {
@@ -90,14 +98,22 @@ Control::Control() {
 Control::~Control() {
     for (Alive* alive = mAlive; alive; alive = alive->mNext)
         alive->mControl = nullptr;
-    if (mIsChild) { // deleted past its parent
-        std::erase(mParent->mControls, this);
-        if (mParent->mFocus == this)
-            mParent->mFocus = nullptr;
-    }
+    if (mIsChild) // deleted past its parent
+        leaveParent();
     Control::deleteControls();
     Context::letGo(*this);
 }
+
+// Takes it out of its parent's children, which no longer own it then.
+void Control::leaveParent() {
+    mIsChild = false;
+    std::erase(mParent->mControls, this);
+    if (mParent->mFocus == this)
+        mParent->mFocus = nullptr;
+    mParent->forget(this);
+}
+
+void Control::forget(Control*) {}
 
 std::string Control::getType() {
     return mType;
@@ -188,7 +204,10 @@ Control* Control::getParent() {
 }
 
 Control* Control::getRoot() {
-    return mParent ? mParent->getRoot() : this;
+    Control* root = this;
+    while (root->mParent)
+        root = root->mParent;
+    return root;
 }
 
 display::DisplayGL* Control::getDisplay() {
@@ -222,12 +241,17 @@ void Control::resetContext() {
 // Layout
 
 void Control::setArea(Box2 area) {
+    layoutSelf(area);
+    layoutChildren();
+}
+
+// All of setArea but the children.
+void Control::layoutSelf(const Box2& area) {
     mArea.area = area;
     buildChildArea();
     buildArea(mArea, false);
     buildArea(mChildArea, true);
     mChildArea.clip = cutOrZero(mChildArea.clip, mArea.clip);
-    layoutChildren();
 }
 
 // A maximized child is laid out by its setMaximized: once is enough, and twice at each level would make a
@@ -342,15 +366,20 @@ Control* Control::getControl(unsigned int index) {
 void Control::addControl(Control* control, int index) {
     if (!control)
         return;
-    if (control->mIsChild) { // it moves
-        std::erase(control->mParent->mControls, control);
-        if (control->mParent->mFocus == control)
-            control->mParent->mFocus = nullptr;
-        control->mIsChild = false;
+    if (depthOf(*this) + 1 + heightOf(*control) > MAX_DEPTH) {
+        ZTK_LOG("error", "app", "The control '%.100s' is not taken: it would lie deeper than %d others",
+                control->mName.c_str(), MAX_DEPTH);
+        return;
     }
+    Control* const before = control->mParent;
     control->setParent(this);
     if (control->mParent != this)
         return;
+    if (control->mIsChild) { // it moves
+        control->mParent = before;
+        control->leaveParent();
+        control->mParent = this;
+    }
     control->setArea(control->mArea.area);
     control->setMaximized(control->mMaximized);
     const bool atEnd = index < 0 || size_t(index) > mControls.size();
@@ -365,8 +394,7 @@ void Control::deleteControl(unsigned int index) {
     Control* child = mControls[index];
     if (mFocus == child)
         setFocus(nullptr);
-    std::erase(mControls, child);
-    child->mIsChild = false;
+    child->leaveParent();
     delete child;
 }
 
@@ -454,20 +482,19 @@ int Control::handleEvent(Event& event) {
     if (mFocus && mFocus != this && event.isKey())
         return mFocus->handleEvent(event);
 
-    Alive alive(*this);
-    int   result = 0;
+    int result = 0;
     if (event.type == "reset") {
         mHover = false;
-    } else if (event.type == "mousemove") {
+        resetChildren(event);
+        return 0;
+    }
+    if (event.type == "mousemove") {
         mHover = isInside(mArea.clip, event.mousePos);
         result = mHover;
-        for (size_t i = 0; i < mControls.size(); ++i) {
-            Event reset(event);
-            reset.type = "reset";
-            mControls[i]->handleEvent(reset);
-            if (!alive)
-                return result;
-        }
+        Event reset(event);
+        reset.type = "reset";
+        if (!resetChildren(reset))
+            return result;
     } else if (event.type == "mousedown" || event.type == "mouseup") {
         result = mParent && isInside(mArea.clip, event.mousePos);
     } else if (event.isKey()) {
@@ -479,12 +506,20 @@ int Control::handleEvent(Event& event) {
         Control* child = mControls[i];
         if (press && isInside(child->mArea.clip, event.mousePos))
             setFocus(child);
-        if (!child->acceptEvents(event) || !child->getVisible())
+        if (!child->getVisible() || !child->acceptEvents(event))
             continue;
         const int hit = child->handleEvent(event);
         return result ? result : hit;
     }
     return result;
+}
+
+// Takes the hover state back in all that is below. False if who heard of it has deleted this control.
+bool Control::resetChildren(Event& reset) {
+    Alive alive(*this);
+    for (size_t i = 0; alive && i < mControls.size(); ++i)
+        mControls[i]->handleEvent(reset);
+    return bool(alive);
 }
 
 void Control::draw() {

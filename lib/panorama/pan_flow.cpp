@@ -36,8 +36,10 @@ void Flow::load(xml::IteratorConst& it) {
     }
 }
 
+// The children are laid out once, where they belong: before that as well would double the work with each flow
+// in a flow.
 void Flow::setArea(Box2 area) {
-    Control::setArea(area);
+    layoutSelf(area);
     float fixed = 0, shares = 0;
     for (Control* child : mControls) {
         const float size = getSize(child);
@@ -60,7 +62,7 @@ void Flow::setArea(Box2 area) {
 
 void Flow::addControl(Control* control, int index) {
     Control::addControl(control, index);
-    if (control)
+    if (control && control->getParent() == this)
         mSizes.emplace(control, DEFAULT_SIZE);
 }
 
@@ -68,10 +70,8 @@ void Flow::addControl(Control* control) {
     addControl(control, -1);
 }
 
-void Flow::deleteControl(unsigned int index) {
-    if (Control* control = getControl(index))
-        mSizes.erase(control);
-    Control::deleteControl(index);
+void Flow::forget(Control* child) {
+    mSizes.erase(child);
 }
 
 void Flow::deleteControls() {

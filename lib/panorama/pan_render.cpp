@@ -38,6 +38,12 @@ bool holds(const Box2& outer, const Box2& inner) {
     return inner.x1 >= outer.x1 && inner.y1 >= outer.y1 && inner.x2 <= outer.x2 && inner.y2 <= outer.y2;
 }
 
+// How far along a side something is, 0 to 1; the start of one without an end.
+float share(float part, float whole) {
+    const float result = part / whole;
+    return result >= 0 && result <= 1 ? result : result > 1 ? 1.0f : 0.0f;
+}
+
 Vector4f mix(const Vector4f& a, const Vector4f& b, float t) {
     return a + (b - a) * t;
 }
@@ -191,8 +197,10 @@ void Render::drawQuad(const Box2& box, const Vector4f& upperLeft, const Vector4f
         mShapes.rect(seen.x1, seen.y1, seen.x2, seen.y2);
         return;
     }
-    const float left = (seen.x1 - box.x1) / box.getWidth(), right = (seen.x2 - box.x1) / box.getWidth();
-    const float top = (seen.y1 - box.y1) / box.getHeight(), bottom = (seen.y2 - box.y1) / box.getHeight();
+    const float left = share(seen.x1 - box.x1, box.getWidth());
+    const float right = share(seen.x2 - box.x1, box.getWidth());
+    const float top = share(seen.y1 - box.y1, box.getHeight());
+    const float bottom = share(seen.y2 - box.y1, box.getHeight());
     const auto  corner = [&](float x, float y, float s, float t) {
         mShapes.color(mix(mix(upperLeft, upperRight, s), mix(lowerLeft, lowerRight, s), t));
         mShapes.vertex(x, y);
@@ -376,9 +384,9 @@ void Render::drawTexture(display::Texture& texture, const Box2& box) {
     texture.bind();
     GL_CALL(glEnable(GL_TEXTURE_2D));
     mGlyphs.color(mColorFirst);
-    mGlyphs.rect(seen.x1, seen.y1, seen.x2, seen.y2, (seen.x1 - box.x1) / box.getWidth(),
-                 (seen.y1 - box.y1) / box.getHeight(), (seen.x2 - box.x1) / box.getWidth(),
-                 (seen.y2 - box.y1) / box.getHeight());
+    mGlyphs.rect(seen.x1, seen.y1, seen.x2, seen.y2, share(seen.x1 - box.x1, box.getWidth()),
+                 share(seen.y1 - box.y1, box.getHeight()), share(seen.x2 - box.x1, box.getWidth()),
+                 share(seen.y2 - box.y1, box.getHeight()));
     mGlyphs.flush();
     GL_CALL(glDisable(GL_TEXTURE_2D));
     texture.unbind();

@@ -1,12 +1,15 @@
 #include "pan_workspace.h"
 
+#include "pan_box.h"
 #include "pan_context.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace zentrak::panorama {
 
 using mathbase::Box2;
+using mathbase::Vector2f;
 
 namespace {
 
@@ -98,7 +101,15 @@ int Workspace::handleEvent(Event& event) {
     }
     if (taken || (mContext && !(mContext->getParent() && mContext->getParent()->getType() == "menubar")))
         return taken;
+    if (event.type == "mousedown" && !mParent && !isOverChild(event.mousePos))
+        setFocus(nullptr); // from here on keys go past the controls, as this press does
     return Control::handleEvent(event);
+}
+
+bool Workspace::isOverChild(const Vector2f& position) const {
+    return std::any_of(mControls.begin(), mControls.end(), [&](Control* child) {
+        return child->getVisible() && isInside(child->mArea.clip, position);
+    });
 }
 
 void Workspace::draw() {
