@@ -28,12 +28,17 @@ constexpr int   COLUMNS = 192;
 float    vol[LAYERS][ROWS][COLUMNS]; // size of each voxel
 Vector3f col[LAYERS][ROWS][COLUMNS];
 int      cindex; // next band of the image
-Vector3f from(0, 0, 305), to(0, 0, 0);
+Vector3f from, to;
 float    roll;
 
 } // namespace
 
-Greet::Greet(Common*) : mTexture(nullptr) {}
+// Starts over, as a new program does.
+Greet::Greet(Common*) : mTexture(nullptr) {
+    from = Vector3f(0, 0, 305);
+    to = Vector3f(0, 0, 0);
+    roll = 0;
+}
 
 void Greet::setup() {
     mImage = loadPixels(*mDisplay, "greet/greet.png");

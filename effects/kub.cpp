@@ -103,9 +103,13 @@ void rollCubes() {
 
 } // namespace
 
+// Starts over, as a new program does.
 Kub::Kub(Common*) : mShade(nullptr), mProgram(nullptr) {
+    poxel.clear();
     frame = 0;
-    fultimer = 0;
+    fultimer = pd = modAngle = rexpand = turn = 0;
+    alphaa = 1;
+    rexpandOn = turnOn = turnOn2 = false;
 }
 
 const std::vector<Kub::Poxel>& Kub::poxels() {

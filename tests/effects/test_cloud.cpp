@@ -113,7 +113,8 @@ TEST_F(CloudTest, LooksAsItShouldAtItsTimes) {
 }
 
 TEST_F(CloudTest, IsThePictureOfOneCallPerVertex) {
-    for (const auto& [progress, alpha] : {std::pair(0.3f, 0.8f), std::pair(0.8f, 1.0f)}) {
+    for (const auto& state : {std::pair(0.3f, 0.8f), std::pair(0.8f, 1.0f)}) {
+        const float   progress = state.first, alpha = state.second;
         const Picture plain = frame([&] { drawPlainly(display(), progress, alpha); });
         const auto    difference = test::comparePictures(at(progress, alpha), plain);
         EXPECT_LT(difference.mean, 0.2);

@@ -168,9 +168,11 @@ TEST_F(CubejoxTest, AnotherSplineIsDropped) {
 
 TEST_F(CubejoxTest, AnyTimeIsHarmless) {
     const float nan = std::numeric_limits<float>::quiet_NaN();
-    for (float time : {-100.0f, 1e30f, nan})
+    const float infinity = std::numeric_limits<float>::infinity();
+    for (float time : {-100.0f, 1e30f, infinity, -infinity, nan})
         at(time, 0, 0);
     at(1, nan, nan, nan);
+    at(1, 0, 0, 1, infinity);
     at(1, 0, 0, 1, nan);
 }
 

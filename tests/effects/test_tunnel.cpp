@@ -186,6 +186,9 @@ TEST_F(TunnelTest, ARingIsWholeWithin15UnitsAndGoneFrom24AndAHalf) {
 TEST_F(TunnelTest, ATimeThatIsNoNumberIsHarmless) {
     at(std::numeric_limits<float>::quiet_NaN());
     at(1, std::numeric_limits<float>::quiet_NaN());
+    at(std::numeric_limits<float>::infinity());
+    at(-std::numeric_limits<float>::infinity());
+    at(1, std::numeric_limits<float>::infinity());
     at(1, 1e30f);
     at(1e6f);
 }

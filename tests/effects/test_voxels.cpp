@@ -9,10 +9,14 @@
 #include "plain.h"
 #include "vul.h"
 
+#include <algorithm>
+#include <cstdio>
 #include <gtest/gtest.h>
+#include <limits>
 
 using namespace zentrak;
 using namespace zentrak::kindler;
+using mathbase::Vector3f;
 using test::matchesReference;
 using test::Picture;
 
@@ -20,6 +24,15 @@ namespace {
 
 class VoxelTest : public test::EffectTest {
 protected:
+    // Draws at times, steps and progress of any kind: all that is asked is that it ends.
+    void drawAtAnyTime(Effect& effect) {
+        const float infinity = std::numeric_limits<float>::infinity();
+        const float nan = std::numeric_limits<float>::quiet_NaN();
+        for (float time : {1.0f, infinity, -infinity, nan, -1e30f})
+            for (float delta : {0.02f, -3.0f, -1e30f, infinity, -infinity, nan})
+                for (float progress : {0.5f, -2.0f, 1e30f, infinity, nan})
+                    ground([&] { effect.update(time, delta, progress); });
+    }
     Picture ground(const std::function<void()>& draw) { return over(0.15f, 0.2f, 0.3f, draw); }
 };
 
@@ -64,6 +77,94 @@ TEST_F(CreditsTest, ArriveStandAndExplodeAsOneCallPerVertexDraws) {
     both(1, -0.1f);
 }
 
+// Worked out apart from the program: a start of 1, two draws, then three a pixel that is seen.
+TEST_F(CreditsTest, TheRecordsAreThoseOfTheSeed) {
+    Credits credits(&mCommon, "code");
+    test::prepare(credits, display(), "credits_code");
+    struct Wanted {
+        size_t i;
+        float  x, y, side, delay, z;
+        int    red, green, blue, alpha;
+    };
+    const Wanted wanted[] = {
+        {0, -26, 28, -440, 0.298042f, 1589, 46, 158, 168, 140},
+        {1, -25, 28, -845, 0.323855f, 40793, 46, 158, 168, 255},
+        {2, -24, 28, -695, 0.311832f, 43188, 46, 158, 168, 255},
+        {337, 4, 19, -532, 0.209869f, 12741, 140, 196, 192, 140},
+        {674, 28, 10, -583, 0.166557f, 12964, 247, 240, 219, 140},
+    };
+    ASSERT_EQ(credits.pixels.size(), 675u);
+    for (const Wanted& w : wanted) {
+        const Credits::poxdata& p = credits.pixels[w.i];
+        EXPECT_EQ(p.target, Vector3f(w.x, w.y, 0)) << w.i;
+        EXPECT_EQ(p.start, Vector3f(2 * w.x, 2 * w.y, w.z)) << w.i;
+        EXPECT_EQ(p.side, Vector3f(0, w.side, 0)) << w.i;
+        EXPECT_NEAR(p.delay, w.delay, 1e-6) << w.i;
+        EXPECT_FLOAT_EQ(p.col.x, float(w.red) / 255) << w.i;
+        EXPECT_FLOAT_EQ(p.col.y, float(w.green) / 255) << w.i;
+        EXPECT_FLOAT_EQ(p.col.z, float(w.blue) / 255) << w.i;
+        EXPECT_FLOAT_EQ(p.col.w, float(w.alpha) / 255) << w.i;
+    }
+    // At a "zoom" of a half, which is the sine of 45 degrees, 104 of them have arrived; none at 0.3; all at
+    // 0.7.
+    const auto arrived = [&](float zoom) {
+        return std::count_if(credits.pixels.begin(), credits.pixels.end(),
+                             [=](const Credits::poxdata& p) { return zoom + p.delay >= 1; });
+    };
+    EXPECT_EQ(arrived(0.4539905f), 0);
+    EXPECT_EQ(arrived(0.7071068f), 104);
+    EXPECT_EQ(arrived(0.8910065f), 675);
+}
+
+TEST_F(CreditsTest, WithAZoomOfZeroThePictureHasArrivedInPart) {
+    Credits              credits(&mCommon, "orvo");
+    test::plain::Credits plain(
+        START, *[&] {
+            test::prepare(credits, display(), "credits_orvo");
+            return loadPixels(display(), "credits/credits_orvo.png");
+        }());
+    const auto draw = [&] { return ground([&] { credits.update(0, 0.02f, 0); }); };
+    // No spline has run, which is a zoom of 0; each pixel is as far on its way as its delay says.
+    const Picture without = draw();
+    credits.updateSpline(0, "zoom", 0);
+    credits.updateSpline(0, "Zoom", 1);
+    EXPECT_EQ(test::comparePictures(without, draw()).mean, 0);
+    EXPECT_TRUE(test::samePicture(without, ground([&] { plain.update(display(), 0.02f); }), 0.005));
+}
+
+// Once a pixel by 0.002 times the step: 675 of them take "code" to 5, where it stops, in 3.7 seconds.
+TEST_F(CreditsTest, AnExplosionEndsAtFiveAndComesBackWithTime) {
+    Credits credits(&mCommon, "code");
+    test::prepare(credits, display(), "credits_code");
+    credits.updateSpline(0, "zoom", 1);
+    const auto    draw = [&](float delta) { return ground([&] { credits.update(0, delta, 0); }); };
+    const Picture whole = draw(0.02f), empty = ground([] {});
+    EXPECT_EQ(test::comparePictures(draw(100), whole).mean, 0); // nothing has set it off
+    credits.executeTrigger(0, "", "");
+    draw(0.5f); // to 0.675: at an alpha of 0.6 less 0.405 it is still seen
+    EXPECT_GT(test::covered(draw(0), empty), 0.001);
+    draw(100); // to 5, where no alpha is left
+    EXPECT_EQ(test::comparePictures(draw(0), empty).mean, 0);
+    draw(-2); // 2.7 back, to 2.3
+    EXPECT_EQ(test::comparePictures(draw(0), empty).mean, 0);
+    draw(-1.5f); // to 0.275
+    EXPECT_GT(test::covered(draw(0), empty), 0.001);
+    credits.resetTriggers(); // does not undo it
+    EXPECT_GT(test::comparePictures(draw(0), whole).mean, 0);
+}
+
+TEST_F(CreditsTest, AnyTimeIsHarmless) {
+    Credits credits(&mCommon, "qark");
+    test::prepare(credits, display(), "credits_qark");
+    for (float zoom :
+         {0.5f, -2.0f, std::numeric_limits<float>::infinity(), std::numeric_limits<float>::quiet_NaN()}) {
+        credits.updateSpline(0, "zoom", zoom);
+        ground([&] { credits.update(0, 0.02f, 0); });
+    }
+    credits.executeTrigger(0, "boom", "");
+    drawAtAnyTime(credits);
+}
+
 TEST_F(CreditsTest, APictureThatIsNotThereIsAnException) {
     Credits credits(&mCommon, "nobody");
     EXPECT_THROW(test::prepare(credits, display(), "credits_nobody"), std::exception);
@@ -90,6 +191,58 @@ TEST_F(GrandTest, TipsColumnByColumnAsOneCallPerVertexDraws) {
     EXPECT_EQ(test::comparePictures(before, both(0.9f, 0.38f)).mean, 0);
     // Without an alpha nothing is seen.
     EXPECT_EQ(test::comparePictures(both(0, 0.3f), ground([] {})).mean, 0);
+}
+
+// The columns from number 128 on are left out; the others stand where the whole width puts them.
+TEST_F(GrandTest, APictureWiderThan128LosesWhatIsPastIt) {
+    const int     width = 160, height = 8;
+    test::TempDir folder;
+    test::Picture layer(width, height);
+    layer.rgba.assign(layer.rgba.size(), 255);
+    for (int n = 1; n <= 19; ++n) {
+        char name[32];
+        snprintf(name, sizeof name, "grand/grand%02d.png", n);
+        ASSERT_TRUE(test::writePng(folder.file(name), layer));
+    }
+    am::ArchiveManager archives;
+    archives.addArchive(folder.path());
+    am::ArchiveManager* const before = display().mArchiveManager;
+    display().setArchive(&archives);
+    Grand grand(&mCommon);
+    test::prepare(grand, display(), "grand");
+    display().setArchive(before);
+
+    grand.updateSpline(0, "alpha", 1);
+    const Picture drawn = over(0, 0, 0, [&] { grand.update(0, 0.02f, 0); });
+    // The middle of column c is at 0.015 * (c - 80) in clip space, and 0.01 to either side are covered: from
+    // the left border, which column 13 crosses, to 0.715 of column 127, which is at pixel 343.
+    for (int x = 0; x < 400; ++x)
+        EXPECT_EQ(drawn.at(x, 125)[0] > 0, x < 343) << x;
+}
+
+TEST_F(GrandTest, TipsWithinTheTimesOfTheSweep) {
+    Grand grand(&mCommon);
+    test::prepare(grand, display(), "grand");
+    grand.updateSpline(0, "alpha", 1);
+    const auto    draw = [&](float progress) { return ground([&] { grand.update(0, 0.02f, progress); }); };
+    const Picture before = draw(0), after = draw(1);
+    EXPECT_EQ(test::comparePictures(before, draw(0.384f)).mean, 0);
+    EXPECT_GT(test::comparePictures(before, draw(0.42f)).mean, 0);
+    EXPECT_GT(test::comparePictures(after, draw(0.64f)).mean, 0);
+    EXPECT_EQ(test::comparePictures(after, draw(0.385f + 0.1f + 0.1935f)).mean, 0);
+    EXPECT_EQ(test::comparePictures(before, draw(-1)).mean, 0); // and back, without a trace
+}
+
+TEST_F(GrandTest, AnyTimeIsHarmless) {
+    Grand grand(&mCommon);
+    test::prepare(grand, display(), "grand");
+    for (float alpha : {std::numeric_limits<float>::quiet_NaN(), -1.0f, 1e30f, 1.0f}) {
+        grand.updateSpline(0, "alpha", alpha);
+        ground([&] { grand.update(0, 0.02f, 0.5f); });
+    }
+    for (float progress :
+         {-1e30f, 1e30f, std::numeric_limits<float>::infinity(), std::numeric_limits<float>::quiet_NaN()})
+        ground([&] { grand.update(0, -0.02f, progress); });
 }
 
 TEST_F(GreetTest, StampsAndFadesAsOneCallPerVertexDraws) {
@@ -132,6 +285,85 @@ TEST_F(GreetTest, StampsAndFadesAsOneCallPerVertexDraws) {
     greet.resetTriggers();
     greet.executeTrigger(0, "any name", "");
     EXPECT_TRUE(matchesReference("greet_again", ground([&] { greet.update(0, 0.02f, 0); })));
+}
+
+TEST_F(GreetTest, AnyTimeIsHarmless) {
+    Greet greet(&mCommon);
+    test::prepare(greet, display(), "greet");
+    for (int i = 0; i < 3; ++i)
+        greet.executeTrigger(std::numeric_limits<float>::quiet_NaN(), "any name", "");
+    drawAtAnyTime(greet);
+}
+
+// A picture that is no whole number of bands high, and narrower than the slab.
+TEST_F(GreetTest, APictureOfAnotherSizeIsStampedAsFarAsItGoes) {
+    test::TempDir folder;
+    test::Picture strip(100, 30);
+    strip.rgba.assign(strip.rgba.size(), 255);
+    ASSERT_TRUE(test::writePng(folder.file("greet/greet.png"), strip));
+    am::ArchiveManager archives;
+    archives.addArchive(folder.path());
+    archives.addArchive(test::sourcePath("data"));
+    am::ArchiveManager* const before = display().mArchiveManager;
+    display().setArchive(&archives);
+    Greet greet(&mCommon);
+    test::prepare(greet, display(), "greet");
+    display().setArchive(before);
+
+    const Picture empty = ground([] {});
+    const auto    draw = [&](float delta) { return ground([&] { greet.update(0, delta, 0); }); };
+    greet.executeTrigger(0, "", "");
+    const double whole = test::covered(draw(0), empty);
+    draw(10);
+    greet.executeTrigger(0, "", ""); // six rows
+    const double rest = test::covered(draw(0), empty);
+    EXPECT_GT(rest, 0.001);
+    EXPECT_LT(rest, 0.5 * whole);
+    draw(10);
+    greet.executeTrigger(0, "", "");
+    EXPECT_EQ(test::comparePictures(draw(0), empty).mean, 0);
+}
+
+TEST_F(GreetTest, ARewindKeepsTheCameraOfTheThirdGreeting) {
+    Greet greet(&mCommon);
+    test::prepare(greet, display(), "greet");
+    const auto first = [&] {
+        greet.resetTriggers();
+        greet.executeTrigger(0, "", "");
+        return ground([&] { greet.update(0, -5, 0); });
+    };
+    const Picture before = first();
+    greet.executeTrigger(0, "", "");
+    EXPECT_EQ(test::comparePictures(first(), before).mean, 0); // the second one leaves it
+    greet.executeTrigger(0, "", "");
+    greet.executeTrigger(0, "", "");
+    const Picture after = first();
+    EXPECT_GT(test::comparePictures(after, before).mean, 1);
+    EXPECT_EQ(test::comparePictures(first(), after).mean, 0);
+}
+
+TEST_F(VulTest, AnyTimeIsHarmless) {
+    Vul vul(&mCommon);
+    test::prepare(vul, display(), "vul");
+    const float infinity = std::numeric_limits<float>::infinity();
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    for (float intensity : {1.0f, -1e30f, -infinity, infinity, nan})
+        for (float time : {1.0f, -1e30f, infinity, nan}) {
+            vul.updateSpline(time, "intensity", intensity);
+            ground([&] { vul.update(time, nan, nan); });
+        }
+}
+
+TEST_F(VulTest, SeeksAndTriggersLeaveNoTrace) {
+    Vul vul(&mCommon);
+    test::prepare(vul, display(), "vul");
+    vul.updateSpline(0, "intensity", 1.5f);
+    const auto    draw = [&](float time, float delta) { return ground([&] { vul.update(time, delta, 0); }); };
+    const Picture first = draw(3, 0.02f);
+    draw(90, 87);
+    vul.executeTrigger(90, "any", "thing");
+    vul.resetTriggers();
+    EXPECT_EQ(test::comparePictures(draw(3, -87), first).mean, 0);
 }
 
 TEST_F(VulTest, WandersAsOneCallPerVertexDraws) {
