@@ -1,12 +1,14 @@
 #include "kin_gui.h"
 
 #include "dis_display.h"
+#include "dis_glcheck.h"
 #include "dis_key.h"
 #include "kin_gui_effect.h"
 #include "kin_gui_row.h"
 #include "kin_gui_ruler.h"
 #include "pan_controlfactory.h"
 #include "pan_label.h"
+#include "pan_layoutstack.h"
 #include "pan_slider.h"
 #include "pan_stat.h"
 #include "script_engine.h"
@@ -23,9 +25,10 @@ using panorama::Control;
 
 namespace {
 
-constexpr const char* LAYOUT = "layout.xml";
-constexpr float       SLIDER_ENDS = 36.0f; // pixels of the time slider that its handle takes
-constexpr float       FPS_PERIOD = 0.2f;   // seconds between two figures of the frame rate
+constexpr const char*    LAYOUT = "layout.xml";
+constexpr float          SLIDER_ENDS = 36.0f; // pixels of the time slider that its handle takes
+const mathbase::Vector3f BACKGROUND(0.15f, 0.16f, 0.19f);
+constexpr float          FPS_PERIOD = 0.2f; // seconds between two figures of the frame rate
 
 } // namespace
 
@@ -76,9 +79,11 @@ void Gui::addRows() {
     for (script::Effect* effect : mEngine->mEffects) {
         Row* const row = new Row;
         row->setArea(Box2(0, 0, Effector::SCALE * mDemoLength + Row::LABEL_WIDTH, Row::SPAN_HEIGHT));
-        mRows->addControl(row, -1);
+        Row::append(*mRows, row);
         row->loadEffect(effect, 0);
     }
+    if (panorama::LayoutStack* const stack = dynamic_cast<panorama::LayoutStack*>(mRows))
+        stack->recalculate();
     // As high as the rows are, so that what it stands in can scroll them.
     Box2 area = mRows->getChildArea();
     for (unsigned int i = 0; i < mRows->getControlSize(); ++i)
@@ -130,6 +135,8 @@ void Gui::onDraw() {
     const float now = static_cast<float>(mDisplay->getTime());
     ++mFpsFrames;
     fitSlider();
+    if (mMain->getVisible())
+        clearBackground();
     const float elapsed = now - mFpsTime;
     if (elapsed > FPS_PERIOD)
         showFrameRate(std::max(0.0f, static_cast<float>(mFpsFrames) / elapsed));
@@ -137,6 +144,21 @@ void Gui::onDraw() {
         mFpsFrames = 0;
         mFpsTime = now;
     }
+}
+
+/*
+ * All but the picture's quarter, which the show draws itself: opaque, and so for less than a control's box
+ * costs.
+ */
+void Gui::clearBackground() {
+    const int width = mDisplay->mWindowMode.width, height = mDisplay->mWindowMode.height;
+    GL_CALL(glEnable(GL_SCISSOR_TEST));
+    GL_CALL(glClearColor(BACKGROUND.x, BACKGROUND.y, BACKGROUND.z, 1));
+    GL_CALL(glScissor(0, 0, width, height >> 1));
+    GL_CALL(glClear(GL_COLOR_BUFFER_BIT));
+    GL_CALL(glScissor(0, height >> 1, width - (width >> 1), height - (height >> 1)));
+    GL_CALL(glClear(GL_COLOR_BUFFER_BIT));
+    GL_CALL(glDisable(GL_SCISSOR_TEST));
 }
 
 void Gui::showFrameRate(float fps) {

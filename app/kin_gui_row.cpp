@@ -2,6 +2,7 @@
 
 #include "dis_key.h"
 #include "kin_gui_effect.h"
+#include "pan_layoutstack.h"
 #include "pan_render.h"
 #include "pan_slider.h"
 #include "pan_spline.h"
@@ -80,8 +81,19 @@ Row* Row::addRow(Control& rows, float height) {
     Box2       area = getArea();
     area.y2 = area.y1 + height;
     row->setArea(area);
-    rows.addControl(row, -1);
+    append(rows, row);
     return row;
+}
+
+/*
+ * A stack would place all its rows anew for each one that is added: who adds them all calls recalculate at
+ * the end.
+ */
+void Row::append(Control& rows, Row* row) {
+    if (panorama::LayoutStack* const stack = dynamic_cast<panorama::LayoutStack*>(&rows))
+        stack->Control::addControl(row, -1);
+    else
+        rows.addControl(row, -1);
 }
 
 void Row::loadSpline(Box2 area, script::Spline* spline, int level) {

@@ -71,6 +71,7 @@ private:
     void findControls();
     void addRows();
     void fitSlider();
+    void clearBackground();
     void showFrameRate(float fps);
 };
 

@@ -33,6 +33,10 @@ public:
     // Fills the row with the curve of `spline`, from the left to the right edge of `area`.
     void loadSpline(mathbase::Box2 area, script::Spline* spline, int level);
 
+    // Adds a row to the control "effects", which owns it from then on. A stack is to be placed by its
+    // recalculate once all rows are there.
+    static void append(panorama::Control& rows, Row* row);
+
     void setScrollPos(float position); // pixels that the strip is moved to the left
 
     void buildChildArea() override;

@@ -432,12 +432,12 @@ void Control::setFocus(Control* control) {
         std::rotate(place, place + 1, mControls.end());
 }
 
+// Down the path, and not over all children: there may be thousands.
 void Control::clearFocus() {
+    Control* const next = mFocus;
     mFocus = nullptr;
-    for (Control* child : mControls) {
-        if (child->mFocus) // the path goes on here
-            child->clearFocus();
-    }
+    if (next && next != this)
+        next->clearFocus();
 }
 
 // Actions and events

@@ -30,6 +30,7 @@ void buildMenus(Context& empty, Context& key, Context& types) {
         types.addOption(Modes::getModeName(mode), "");
     empty.addControl(&types, -1);
     key.addControl(&types, -1);
+    types.setParent(nullptr); // it is whichever menu's opens it
 }
 
 void releaseMenus(Context& empty, Context& key, Context& types) {

@@ -568,3 +568,106 @@ TEST(TheEditor, ALargerWindowKeepsRowsSliderAndPictureInTheirPlaces) {
         EXPECT_LT(picture.at(990, 351)[0], 100);
     });
 }
+
+// Bad input: a script, or a layout, that nobody would write.
+
+namespace {
+
+// What the driver says to a layout.
+std::string failure(const std::string& layout) {
+    TempDir          dir;
+    const WorkingDir working(dir.path());
+    writeFile(dir.file("layout.xml"), layout);
+    writeFile(dir.file("script.xml"), TWO_SPANS);
+    writeFile(dir.file("setup.xml"), "<demo><archive path=\"" + sourcePath("data") +
+                                         "\"/><display title=\"Layout\" width=\"320\" height=\"200\"/>"
+                                         "<script filename=\"script.xml\"/><music mute=\"nosound\"/></demo>");
+    kindler::Kindler kindler;
+    kindler.setup();
+    try {
+        kindler.run();
+    } catch (const std::exception& e) {
+        EXPECT_EQ(kindler.mDisplay->mListeners.size(), 1u); // the editor is gone
+        return e.what();
+    }
+    return "";
+}
+
+std::string workspace(const std::string& controls) {
+    return "<panorama><workspace style=\"style.xml\"><child>" + controls + "</child></workspace></panorama>";
+}
+
+} // namespace
+
+TEST(ALayout, ThatLacksWhatTheEditorNeedsIsRefusedWithTheNames) {
+    const std::string lacks = "[Gui] The layout 'layout.xml' lacks ";
+    const std::string all =
+        "a control \"main\", a container \"effects\", a slider \"timeslider\", a stat \"fps_stat\"";
+    EXPECT_EQ(failure(workspace("")), lacks + all);
+    EXPECT_EQ(failure("<other/>"), lacks + all);
+    const std::string main = "<flow id=\"main\"/>", effects = "<layoutstack id=\"effects\"/>",
+                      slider = "<slider id=\"timeslider\"/>", stat = "<stat id=\"fps_stat\"/>";
+    EXPECT_EQ(failure(workspace(effects + slider + stat)), lacks + "a control \"main\"");
+    EXPECT_EQ(failure(workspace(main + slider + stat)), lacks + "a container \"effects\"");
+    EXPECT_EQ(failure(workspace(main + effects + stat)), lacks + "a slider \"timeslider\"");
+    EXPECT_EQ(failure(workspace(main + effects + slider)), lacks + "a stat \"fps_stat\"");
+    EXPECT_EQ(failure(workspace(main + effects + "<label id=\"timeslider\"/>" + stat)),
+              lacks + "a slider \"timeslider\"");
+}
+
+TEST(AScript, WithoutEffectsGivesAnEmptyEditorWithItsFrameRate) {
+    EditedShow show("<script/>");
+    show.play([&] {
+        show.open();
+        auto* const stat = dynamic_cast<panorama::Stat*>(show.control("fps_stat"));
+        show.until("samples", [&] { return stat->getValueCount() >= 2; });
+        show.frame([&] { EXPECT_EQ(show.row(1), nullptr); }); // but the test's own
+        show.drag(Vector2f(500, 600), 60, 40);
+    });
+}
+
+TEST(AScript, OfSpansThatNobodyCanDragIsShownWithoutThem) {
+    EditedShow show(
+        "<script><effect name=\"grey\" start=\"40\" end=\"20\"><spline name=\"a\"><key/></spline></effect>"
+        "<effect name=\"grey\" start=\"nan\" end=\"nan\"><spline name=\"a\"><key/></spline></effect>"
+        "<effect name=\"grey\" start=\"0\" end=\"1e38\"><spline name=\"a\"><key "
+        "time=\"nan\"/></spline></effect>"
+        "<effect name=\"grey\" start=\"-1e38\" end=\"1e38\"><spline name=\"a\"><key time=\"1e38\"/></spline>"
+        "</effect><effect name=\"grey\" start=\"inf\" end=\"inf\"/></script>");
+    show.play([&] {
+        show.open();
+        for (int row = 0; row < 9; ++row) {
+            Box2 box;
+            show.frame([&] { box = show.row(row)->mArea.clip; });
+            if (box.getHeight() < 10)
+                continue;
+            show.drag(Vector2f(204, box.y1 + 12), 30, 0);
+            show.drag(Vector2f(700, box.y1 + 12), 30, 5);
+            show.click(Vector2f(600, box.y1 + 14), 3);
+            show.click(Vector2f(100, 600));
+        }
+        show.frame([&] {
+            EXPECT_EQ(show.effect(0).mStart, 40);
+            EXPECT_EQ(show.effect(0).mEnd, 20);
+            EXPECT_TRUE(std::isnan(show.effect(1).mStart));
+            EXPECT_EQ(show.bar(0)->getArea().getWidth(), 0);
+        });
+    });
+}
+
+TEST(AScript, OfFiveThousandSpansWithSplinesOpensAndScrolls) {
+    std::string script = "<script>";
+    for (int i = 0; i < 5000; ++i)
+        script += "<effect name=\"e\" start=\"" + std::to_string(i % 150) + "\" end=\"" +
+                  std::to_string(i % 150 + 20) +
+                  "\"><spline name=\"s\"><key value=\"0.5\"/></spline></effect>";
+    EditedShow show(script + "</script>");
+    show.play([&] {
+        show.open();
+        show.moveTo(Vector2f(600, 600));
+        show.viewer().wheel(-5);
+        show.drag(Vector2f(1274, 410), 0, 300); // the bar of the rows, to its end
+        show.frame([&] { EXPECT_EQ(show.row(10000)->getArea().y1, 5000 * 100); });
+        show.settle();
+    });
+}
