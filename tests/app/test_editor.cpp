@@ -604,7 +604,7 @@ TEST(ALayout, ThatLacksWhatTheEditorNeedsIsRefusedWithTheNames) {
     const std::string all =
         "a control \"main\", a container \"effects\", a slider \"timeslider\", a stat \"fps_stat\"";
     EXPECT_EQ(failure(workspace("")), lacks + all);
-    EXPECT_EQ(failure("<other/>"), lacks + all);
+    EXPECT_EQ(failure("<other></other>"), lacks + all);
     const std::string main = "<flow id=\"main\"/>", effects = "<layoutstack id=\"effects\"/>",
                       slider = "<slider id=\"timeslider\"/>", stat = "<stat id=\"fps_stat\"/>";
     EXPECT_EQ(failure(workspace(effects + slider + stat)), lacks + "a control \"main\"");
@@ -616,7 +616,7 @@ TEST(ALayout, ThatLacksWhatTheEditorNeedsIsRefusedWithTheNames) {
 }
 
 TEST(AScript, WithoutEffectsGivesAnEmptyEditorWithItsFrameRate) {
-    EditedShow show("<script/>");
+    EditedShow show("<script></script>");
     show.play([&] {
         show.open();
         auto* const stat = dynamic_cast<panorama::Stat*>(show.control("fps_stat"));
