@@ -5,6 +5,7 @@
 
 #include <map>
 #include <string>
+#include <type_traits>
 #include <utility>
 
 namespace zentrak::display {
@@ -24,6 +25,7 @@ class MaterialAttribT : public MaterialAttrib {
 public:
     explicit MaterialAttribT(T value) : mValue(std::move(value)) {}
     void set(const std::string& name, ShaderProgram& program, int&) override { program.set(name, mValue); }
+    void change(const T& value) { mValue = value; }
 
 private:
     T mValue;
@@ -34,6 +36,7 @@ class AttribTexture : public MaterialAttrib {
 public:
     explicit AttribTexture(Texture* texture) : mTexture(texture) {}
     void set(const std::string& name, ShaderProgram& program, int& usedTextureChannels) override;
+    void change(Texture* texture) { mTexture = texture; }
 
 private:
     Texture* mTexture; // not owned; null leaves the unit as it is
@@ -50,9 +53,12 @@ public:
     ShaderProgram* getProgram() const { return mProgram; }
 
     // A value for bind to set, in place of an older one of this name. Asserts "false" while the program is
-    // bound.
+    // bound. A plain value or a texture in place of one of its own kind asks for no memory.
     template <class T>
     void set(const std::string& name, T value) {
+        if constexpr (std::is_trivially_copyable_v<T>)
+            if (auto* same = dynamic_cast<MaterialAttribT<T>*>(findAttrib(name)))
+                return same->change(value);
         replaceAttrib(name, new MaterialAttribT<T>(std::move(value)));
     }
     void set(const std::string& name, Texture* texture); // not owned
@@ -68,7 +74,8 @@ public:
     void clear(); // the values and the program
 
 private:
-    void replaceAttrib(const std::string& name, MaterialAttrib* attrib);
+    MaterialAttrib* findAttrib(const std::string& name); // null if there is none
+    void            replaceAttrib(const std::string& name, MaterialAttrib* attrib);
 
     ShaderProgram*                         mProgram; // not owned
     std::map<std::string, MaterialAttrib*> mAttribs; // owned

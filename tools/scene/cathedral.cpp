@@ -20,7 +20,12 @@ constexpr float GALLERY = 24.0f; // where the wall with the upper windows starts
 constexpr float CORNICE = 36.0f; // where the vault starts
 constexpr float CROWN = 46.0f;   // its ridge
 constexpr float EAST = 70.0f;    // the end wall
-constexpr float GLASS = 16.0f;   // added to the texture coordinate u of what is glass
+
+// Added to the texture coordinate u: the kind of surface. Stone has none.
+constexpr float GLASS = 16.0f;
+constexpr float LAMP = 32.0f;
+constexpr float FLOOR = -16.0f;
+constexpr float WOOD = -32.0f;
 
 float pillarZ(int i) {
     return (static_cast<float>(i) - BAYS / 2.0f) * BAY;
@@ -137,15 +142,16 @@ void makeWindowWall(Shape& shape, float halfBay, float bottom, float top, float 
     for (float y = sill + 2.0f; y < spring - 1.0f; y += 2.5f)
         shape.box(0, Vector3f(-halfWidth, y, -0.12f), Vector3f(halfWidth, y + 0.2f, 0.12f));
 
-    // The panes: a thin slab in the hole.
+    // The panes: a slab in the hole. Its inner face is well ahead of the outer one, so that it covers an
+    // outline that is drawn of it.
     shape.mTextureOffset = GLASS;
-    const Vector3f half(0.0f, 0.0f, 0.05f);
+    const Vector3f outside(0.0f, 0.0f, 0.9f), inside(0.0f, 0.0f, -0.05f);
     const int      front = shape.newGroup(), back = shape.newGroup();
     const Vector3f middle(0.0f, (sill + spring) / 2, 0.0f);
     for (size_t i = 0; i < hole.size(); ++i) {
         const Vector3f &a = hole[i], &b = hole[(i + 1) % hole.size()];
-        shape.triangle(0, front, middle + half, b + half, a + half);
-        shape.triangle(0, back, middle - half, a - half, b - half);
+        shape.triangle(0, front, middle + outside, b + outside, a + outside);
+        shape.triangle(0, back, middle + inside, a + inside, b + inside);
     }
     shape.mTextureOffset = 0.0f;
 }
@@ -242,12 +248,12 @@ void makeRose(Shape& shape) {
     }
     shape.mTextureOffset = GLASS;
     const auto     rim = circle(radius, 48, 0);
-    const Vector3f half(0.0f, 0.0f, 0.05f), middle(0.0f, 0.0f, 0.0f);
+    const Vector3f outside(0.0f, 0.0f, 0.9f), inside(0.0f, 0.0f, -0.05f);
     const int      front = shape.newGroup(), back = shape.newGroup();
     for (size_t i = 0; i < rim.size(); ++i) {
         const Vector3f &a = rim[i], &b = rim[(i + 1) % rim.size()];
-        shape.triangle(0, front, middle + half, b + half, a + half);
-        shape.triangle(0, back, middle - half, a - half, b - half);
+        shape.triangle(0, front, outside, b + outside, a + outside);
+        shape.triangle(0, back, inside, a + inside, b + inside);
     }
     shape.mTextureOffset = 0.0f;
 }
@@ -285,6 +291,7 @@ void makeAltar(Shape& shape) {
 }
 
 void makeBench(Shape& shape) {
+    shape.mTextureOffset = WOOD;
     shape.box(0, Vector3f(-4.0f, 1.3f, -0.8f), Vector3f(4.0f, 1.6f, 0.6f));
     shape.box(0, Vector3f(-4.0f, 1.6f, 0.45f), Vector3f(4.0f, 3.4f, 0.7f));
     for (const float x : {-4.3f, 4.0f})
@@ -293,7 +300,8 @@ void makeBench(Shape& shape) {
 
 void makeLamp(Shape& shape) {
     shape.lathe(0, {{0.06f, 0.0f}, {0.06f, 10.0f}}, 6);
-    shape.lathe(0, {{0.2f, -2.4f}, {0.9f, -1.9f}, {1.1f, -1.0f}, {0.8f, -0.2f}, {0.2f, 0.0f}}, 12);
+    shape.mTextureOffset = LAMP;
+    shape.lathe(0, {{0.2f, -2.4f}, {0.9f, -1.9f}, {1.1f, -1.0f}, {0.8f, -0.2f}, {0.2f, 0.0f}}, 24);
 }
 
 } // namespace
@@ -370,7 +378,11 @@ std::string makeCathedral() {
         middle.put(ribs, at(0, 0, pillarZ(i) + BAY / 2));
     o3d::Mesh& floor = make(
         "floor",
-        [](Shape& s) { s.box(0, Vector3f(-AISLE, -1.0f, -BAY / 2), Vector3f(AISLE, 0.0f, BAY / 2)); }, c);
+        [](Shape& s) {
+            s.mTextureOffset = FLOOR;
+            s.box(0, Vector3f(-AISLE, -1.0f, -BAY / 2), Vector3f(AISLE, 0.0f, BAY / 2));
+        },
+        c);
     for (int i = 0; i < BAYS; ++i)
         middle.put(floor, at(0, 0, pillarZ(i) + BAY / 2));
 

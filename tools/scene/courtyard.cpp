@@ -11,7 +11,12 @@ namespace zentrak::scene {
 
 namespace {
 
-constexpr float LAMP = 16.0f; // added to the texture coordinate u of what glows
+// Added to the texture coordinate u: the kind of surface. Paving and walls have none.
+constexpr float LAMP = 16.0f; // what glows
+constexpr float WOOD = 32.0f;
+constexpr float GLAZE = 48.0f;
+constexpr float BRASS = 64.0f;
+constexpr float PLAIN = 80.0f; // stone without joints
 
 o3d::Mesh& make(o3d::Manager& manager, const std::string& name, const Shape& shape) {
     return *addMesh(manager, shape.build(name, {"stone"}));
@@ -64,6 +69,7 @@ std::string makeCourtyard() {
 
     // Four flights of steps up to a round platform in the middle.
     Shape steps;
+    steps.mTextureOffset = PLAIN;
     for (int i = 0; i < 6; ++i) {
         const float s = static_cast<float>(i);
         steps.lathe(0, {{5.0f - 0.45f * s, 0.28f * s}, {5.0f - 0.45f * s, 0.28f * (s + 1)}}, 48);
@@ -72,6 +78,7 @@ std::string makeCourtyard() {
 
     // A colonnade: columns in two corners and, mirrored, in the two others, with arches from one to the next.
     Shape column;
+    column.mTextureOffset = PLAIN;
     column.box(0, Vector3f(-0.65f, 0, -0.65f), Vector3f(0.65f, 0.4f, 0.65f));
     column.lathe(0, {{0.55f, 0.4f}, {0.58f, 0.6f}, {0.45f, 0.75f}}, 24);
     column.lathe(0, {{0.42f, 0.75f}, {0.36f, 4.4f}}, 32, 16, 0.04f);
@@ -80,8 +87,9 @@ std::string makeCourtyard() {
     o3d::Mesh& columnMesh = make(manager, "column", column);
 
     Shape arch;
-    auto  inner = pointedArch(1.45f, 5.2f, 1.75f, 10);
-    auto  outer = inner;
+    arch.mTextureOffset = PLAIN;
+    auto inner = pointedArch(1.45f, 5.2f, 1.75f, 10);
+    auto outer = inner;
     for (size_t i = 0; i < outer.size(); ++i) {
         const float share = static_cast<float>(i) / static_cast<float>(outer.size() - 1);
         outer[i] = share < 0.3f   ? Vector3f(-2.0f, 5.2f + 2.4f * share / 0.3f, 0)
@@ -106,6 +114,7 @@ std::string makeCourtyard() {
 
     // Crates against the walls and in heaps: corners for the dark to lie in.
     Shape crate;
+    crate.mTextureOffset = WOOD;
     crate.box(0, Vector3f(-0.5f, 0, -0.5f), Vector3f(0.5f, 1, 0.5f));
     for (const float a : {-0.56f, 0.44f})
         for (const float b : {-0.56f, 0.44f}) {
@@ -127,6 +136,7 @@ std::string makeCourtyard() {
     }
 
     Shape ball;
+    ball.mTextureOffset = GLAZE;
     makeBall(ball, 1.0f, 14, 0.0f);
     o3d::Mesh& ballMesh = make(manager, "ball", ball);
     for (int i = 0; i < 9; ++i) {
@@ -139,7 +149,8 @@ std::string makeCourtyard() {
     }
 
     // On the platform a knot of rings that turn within each other, and a lamp in the middle.
-    Shape     ringShape;
+    Shape ringShape;
+    ringShape.mTextureOffset = BRASS;
     const int around = 72, across = 14;
     const int group = ringShape.newGroup();
     for (int i = 0; i < around; ++i)
@@ -191,8 +202,8 @@ std::string makeCourtyard() {
     float              before = 0;
     for (int i = 0; i <= keys; ++i) {
         const float    angle = 6.2831853f * static_cast<float>(i) / keys;
-        const float    distance = 13.5f + 3.0f * cosf(2 * angle);
-        const Vector3f eye(distance * sinf(angle), 6.0f + 2.5f * cosf(angle), distance * cosf(angle));
+        const float    distance = 11.5f + 4.1f * cosf(2 * angle); // between the columns, over the walls
+        const Vector3f eye(distance * sinf(angle), 6.4f + 2.1f * cosf(angle), distance * cosf(angle));
         const Vector3f angles = lookAt(eye, Vector3f(0, 2.6f, 0));
         x.push_back(eye.x);
         y.push_back(eye.y);

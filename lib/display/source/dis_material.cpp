@@ -25,7 +25,18 @@ Material::~Material() {
 }
 
 void Material::set(const std::string& name, Texture* texture) {
-    replaceAttrib(name, new AttribTexture(texture));
+    if (auto* same = dynamic_cast<AttribTexture*>(findAttrib(name)))
+        same->change(texture);
+    else
+        replaceAttrib(name, new AttribTexture(texture));
+}
+
+// The attribute to change.
+MaterialAttrib* Material::findAttrib(const std::string& name) {
+    if (isBound())
+        assert(false); // values are applied by bind
+    const auto found = mAttribs.find(name);
+    return found == mAttribs.end() ? nullptr : found->second;
 }
 
 // Takes the attribute over.
