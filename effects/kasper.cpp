@@ -147,7 +147,8 @@ void Kasper::renderLight(float time, const Matrix4x4Col& model) {
     light.bind();
     light.set("light_znear", mLightNear);
     light.set("light_zfar", mLightFar);
-    renderNode(root, model, time, false, false, true);
+    renderNode(root, model, time, true, false,
+               true); // the light's frame is left-handed: it turns faces round
     mDisplay->setVBO(nullptr);
     mDisplay->setIBO(nullptr);
     light.unbind();

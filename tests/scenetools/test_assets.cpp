@@ -141,18 +141,21 @@ TEST(Assets, scenesHaveMirroredNodesAndObjectsWithoutAShadow) {
     EXPECT_EQ(6, withoutShadow);
 }
 
-TEST(Assets, glassAndLampsAreToldApartByTheirTexture) {
-    for (const char* name : {"tests/data/abc/katedral.o3d", "tests/data/ssao/scene.o3d"}) {
+TEST(Assets, kindsOfSurfaceAreToldApartByTheirTexture) {
+    const std::pair<const char*, std::set<int>> scenes[] = {
+        {"tests/data/abc/katedral.o3d", {-2, -1, 0, 1, 2}},
+        {"tests/data/ssao/scene.o3d", {0, 1, 2, 3, 4, 5}}};
+    for (const auto& [name, expected] : scenes) {
         o3d::Manager manager;
         load(manager, imageOf(name));
-        size_t bright = 0, other = 0;
+        std::set<int> kinds;
         for (const o3d::Mesh* mesh : manager.mMeshes)
             for (const Vector3f& uv : mesh->mSubmeshes.at(0)->mTexCoords.at(0)->mList) {
-                EXPECT_TRUE(uv.x > 12.0f || uv.x < 8.0f) << mesh->mName;
-                ++(uv.x > 12.0f ? bright : other);
+                const float kind = roundf(uv.x / 16.0f);
+                EXPECT_LT(fabsf(uv.x - 16.0f * kind), 7.0f) << mesh->mName;
+                kinds.insert(static_cast<int>(kind));
             }
-        EXPECT_GT(bright, 100u) << name;
-        EXPECT_GT(other, bright) << name;
+        EXPECT_EQ(expected, kinds) << name;
     }
 }
 

@@ -43,7 +43,8 @@ void FBO::releaseNames() noexcept {
 }
 
 bool FBO::isSupported() {
-    return DisplayGL::hasExtension("GL_EXT_framebuffer_object");
+    static const std::string name = "GL_EXT_framebuffer_object"; // each bind asks
+    return DisplayGL::hasExtension(name);
 }
 
 void FBO::setup(int width, int height, bool renderZ) {

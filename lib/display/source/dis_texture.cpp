@@ -1,6 +1,7 @@
 #include "dis_texture.h"
 
 #include "dis_context.h"
+#include "dis_fbo.h"
 #include "ztk_system.h"
 
 #include <GL/glu.h>
@@ -331,7 +332,7 @@ void Texture::bindAndLoadImage(const am::Image& image, GLenum target, GLenum int
 
 void Texture::generateMipmaps() {
     assert(mInited==true);
-    if (!DisplayGL::hasExtension("GL_EXT_framebuffer_object")) {
+    if (!FBO::isSupported()) {
         ZTK_LOG("warning", "display", "GL_EXT_framebuffer_object not supported, no mipmaps are made");
         return;
     }
