@@ -21,18 +21,19 @@ using mathbase::Vector4f;
 
 namespace {
 
-constexpr size_t MAX_CONTROLS = 100000; // in one layout file, styles taken together with it
+constexpr size_t MAX_STYLED = 20000; // controls that styles bring into one layout
 
-// The style elements that are being loaded, and how many controls that has made. A style that holds a control
-// of its own kind would never end.
+// The style elements that are being loaded, and how many controls they have made. A style that holds a
+// control of its own kind would never end, and one that holds two of the next kind, and so on, not soon
+// enough.
 std::vector<const xml::XmlTag*> loadingStyles;
-size_t                          loadedControls = 0;
+size_t                          styledControls = 0;
 int                             loadDepth = 0;
 
 struct LoadScope {
     LoadScope() {
         if (loadDepth++ == 0)
-            loadedControls = 0;
+            styledControls = 0;
     }
     ~LoadScope() { --loadDepth; }
 };
@@ -574,12 +575,15 @@ void Control::loadChildren(xml::IteratorConst& it) {
 
 void Control::loadChild(xml::IteratorConst& it) {
     const std::string& type = it->getName();
-    if (depthOf(*this) >= MAX_DEPTH || loadedControls >= MAX_CONTROLS) {
-        if (loadedControls != MAX_CONTROLS + 1)
-            ZTK_LOG("error", "app", "The layout holds too much: '%.100s' and what follows is left out",
-                    type.c_str());
-        if (loadedControls >= MAX_CONTROLS)
-            loadedControls = MAX_CONTROLS + 1; // said once
+    if (depthOf(*this) >= MAX_DEPTH) {
+        ZTK_LOG("error", "app", "The control '%.100s' is left out: it lies deeper than %d others",
+                type.c_str(), MAX_DEPTH);
+        return;
+    }
+    if (!loadingStyles.empty() && styledControls++ >= MAX_STYLED) {
+        if (styledControls == MAX_STYLED + 1) // said once
+            ZTK_LOG("error", "app", "The styles hold more than %zu controls: '%.100s' and more are left out",
+                    MAX_STYLED, type.c_str());
         return;
     }
     std::unique_ptr<Control> made(controlFactory.create(type));
@@ -587,7 +591,6 @@ void Control::loadChild(xml::IteratorConst& it) {
         ZTK_LOG("log", "app", " -> Control type '%s' not found", type.c_str());
         return;
     }
-    ++loadedControls;
     Control* control = made.release();
     addControl(control, -1);
 

@@ -1,0 +1,691 @@
+// The toolkit on a real window: its files, the display's events as a real mouse and keys make them, and the
+// drawing beside one call per vertex, pixel by pixel.
+#include "pan_context.h"
+#include "pan_flow.h"
+#include "pan_panel.h"
+#include "pan_panorama.h"
+
+#include "allocations.h"
+#include "gl_fixture.h"
+#include "input.h"
+#include "support.h"
+#include "tree.h"
+#include "ztk_system.h"
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <memory>
+
+using namespace zentrak;
+using namespace zentrak::test;
+using namespace zentrak::panorama;
+using mathbase::Vector4f;
+
+namespace {
+
+constexpr int WIDTH = 400, HEIGHT = 300;
+
+const Vector4f NO_COLOR(0, 0, 0, -1);
+
+// The plain way, shape by shape and one call per vertex, cut by the scissor test.
+class PlainRender : public Render {
+public:
+    void setColor(const Vector4f& first, const Vector4f& second) override {
+        Render::setColor(first, second);
+        glColor4fv(mColorFirst);
+    }
+    void setClipArea(Box2 area) override {
+        if (area.y2 == -1) {
+            glDisable(GL_SCISSOR_TEST);
+            return;
+        }
+        glEnable(GL_SCISSOR_TEST);
+        glScissor(int(area.x1 - mDrawOffset.x), int(mSize.y - area.y2 + mDrawOffset.y),
+                  std::max(0, int(area.x2 - area.x1)), std::max(0, int(area.y2 - area.y1)));
+    }
+    void drawBox(const Box2& box, int direction) override {
+        const Vector4f& right = direction == 1 ? mColorSecond : mColorFirst;
+        const Vector4f& below = direction == 1 ? mColorFirst : mColorSecond;
+        glBegin(GL_QUADS);
+        point(box.x1, box.y1, mColorFirst);
+        point(box.x2, box.y1, right);
+        point(box.x2, box.y2, mColorSecond);
+        point(box.x1, box.y2, below);
+        glEnd();
+    }
+    void drawBorder(const Box2& box) override {
+        glLineWidth(1);
+        glBegin(GL_LINE_LOOP);
+        point(box.x1 + 0.5f, box.y1 + 0.5f, mColorFirst);
+        point(box.x2 - 0.5f, box.y1 + 0.5f, mColorFirst);
+        point(box.x2 - 0.5f, box.y2 - 0.5f, mColorSecond);
+        point(box.x1 + 0.5f, box.y2 - 0.5f, mColorSecond);
+        glEnd();
+    }
+    void drawCircle(const Box2& box, int segments, float start) override {
+        const float width = box.getWidth(), height = box.getHeight();
+        if (segments == -1)
+            segments = int((height + width) * 3.1415927f * 0.5f);
+        segments = std::max(segments, 3);
+        const Vector2f centre(box.x1 + width * 0.5f, box.y1 + height * 0.5f);
+        glColor4fv(mColorFirst);
+        glBegin(GL_TRIANGLE_FAN);
+        glVertex2f(centre.x, centre.y);
+        for (int i = 1; i <= segments + 1; ++i) {
+            const float angle = (float(i % segments) / float(segments) + start) * 2 * 3.1415927f;
+            glVertex2f(centre.x + width * 0.5f * sinf(angle), centre.y + height * 0.5f * cosf(angle));
+        }
+        glEnd();
+    }
+    void drawLine(const Vector2f& a, const Vector2f& b) override {
+        glBegin(GL_LINES);
+        point(a.x, a.y, mColorFirst);
+        point(b.x, b.y, mColorFirst);
+        glEnd();
+    }
+    void drawText(const std::string& text, Vector2f position) override {
+        const float length = getTextLength(text);
+        const int   mode = mFont->getAlignment();
+        float       x = position.x - (mode == 0 ? 0 : mode == 1 ? length : length * 0.5f);
+        x = std::floor(x + 0.5f);
+        const float shift = x - position.x + (mode == 0 ? 0 : mode == 1 ? length : length * 0.5f);
+        const float top = std::floor(position.y - mFont->getHeight() * 0.5f + 0.5f);
+        glPushMatrix();
+        glTranslatef(position.x + shift, top + mFont->getHeight() * 0.5f, 0);
+        mFont->draw(text, Vector2f(1, -1), mColorFirst);
+        glPopMatrix();
+    }
+
+private:
+    static void point(float x, float y, const Vector4f& color) {
+        glColor4fv(color);
+        glVertex2f(x, y);
+    }
+};
+
+class RenderTest : public GlTest {
+protected:
+    PlainRender plain;
+    Render      batched;
+
+    RenderTest() {
+        window(WIDTH, HEIGHT);
+        plain.setup(&display());
+        batched.setup(&display());
+    }
+
+    Picture draw(Render& render, const std::function<void(Render&)>& shapes, Vector2f offset = Vector2f()) {
+        return frame([&] {
+            glClearColor(0.2f, 0.3f, 0.4f, 0);
+            glClear(GL_COLOR_BUFFER_BIT);
+            render.setupDraw(Vector2f(WIDTH, HEIGHT), offset, 0);
+            shapes(render);
+            render.flush();
+            glDisable(GL_SCISSOR_TEST);
+        });
+    }
+
+    // How many pixels differ by more than `shades` in a channel.
+    static int countDifferent(const Picture& a, const Picture& b, int shades) {
+        int count = 0;
+        for (size_t i = 0; i < a.rgba.size(); i += 4) {
+            int most = 0;
+            for (size_t channel = 0; channel < 3; ++channel)
+                most = std::max(most, std::abs(int(a.rgba[i + channel]) - int(b.rgba[i + channel])));
+            count += most > shades;
+        }
+        return count;
+    }
+
+    void expectSame(const std::function<void(Render&)>& shapes, int edges = 0, Vector2f offset = Vector2f()) {
+        const Picture one = draw(plain, shapes, offset), other = draw(batched, shapes, offset);
+        const Picture nothing = draw(plain, [](Render&) {});
+        EXPECT_GT(countDifferent(one, nothing, 2), 20) << "nothing was drawn";
+        const int different = countDifferent(one, other, 2);
+        EXPECT_LE(different, edges);
+        if (different > edges) {
+            writePng(binaryPath("pictures-failed/render_plain.png"), one);
+            writePng(binaryPath("pictures-failed/render_batched.png"), other);
+        }
+    }
+};
+
+TEST_F(RenderTest, boxesAreThoseOfThePlainWay) {
+    expectSame([](Render& render) {
+        for (int direction : {0, 1, 2}) {
+            const float x = 10 + 120 * float(direction);
+            render.setColor(Vector4f(1, 0, 0, 0.7f), Vector4f(0, 1, 1, 0.9f));
+            render.setClipArea(Box2(0, 0, -1, -1));
+            render.drawBox(Box2(x, 10, x + 100, 90), direction);
+            render.setClipArea(Box2(x + 20, 110, x + 70, 140)); // the gradient is the whole box's
+            render.drawBox(Box2(x, 100, x + 100, 190), direction);
+            render.setColor(Vector4f(1, 1, 0, 0.5f), NO_COLOR);
+            render.drawBox(Box2(x + 10.5f, 105.25f, x + 60.75f, 180), direction);
+            render.setClipArea(Box2(x + 0.7f, 200.7f, x + 50.2f, 250.9f)); // cut to whole pixels
+            render.drawBox(Box2(x - 100, 150, x + 200, 290), direction);
+        }
+    });
+}
+
+TEST_F(RenderTest, bordersAreThoseOfThePlainWay) {
+    expectSame(
+        [](Render& render) {
+            render.setColor(Vector4f(1, 0, 0, 0.7f), Vector4f(0, 1, 1, 0.9f));
+            render.drawBorder(Box2(10, 10, 60, 40));
+            render.drawBorder(Box2(70, 10, 72, 40));
+            render.setColor(Vector4f(1, 1, 1, 1), NO_COLOR);
+            render.drawBorder(Box2(10.3f, 50.4f, 60.2f, 90.1f));
+            render.setClipArea(Box2(110, 20, 180, 80));
+            render.drawBorder(Box2(100, 10, 150, 60));
+            render.drawBorder(Box2(150, 50, 300, 300));
+        },
+        6); // at corners a loop of lines may blend twice
+}
+
+TEST_F(RenderTest, circlesAndLinesAreThoseOfThePlainWay) {
+    expectSame(
+        [](Render& render) {
+            render.setColor(Vector4f(1, 0.5f, 0, 0.6f), NO_COLOR);
+            render.drawCircle(Box2(10, 10, 110, 90), -1, 0);
+            render.drawCircle(Box2(120, 10, 200, 90), 2, 0.1f); // three, at least
+            render.drawCircle(Box2(210, 10, 290, 90), 5, 0.25f);
+            render.drawLine(Vector2f(10.5f, 100.5f), Vector2f(200.5f, 100.5f));
+            render.drawLine(Vector2f(10.5f, 110.5f), Vector2f(10.5f, 200.5f));
+            render.drawLine(Vector2f(20.5f, 110.5f), Vector2f(300.5f, 180.5f));
+            render.drawLine(Vector2f(60.5f, 290.5f), Vector2f(30.5f, 120.5f));
+            render.setClipArea(Box2(210, 110, 290, 190));
+            render.drawCircle(Box2(200, 100, 320, 220), -1, 0);
+            render.drawLine(Vector2f(200.5f, 250.5f), Vector2f(390.5f, 100.5f));
+        },
+        60); // rounding along sloped edges
+}
+
+TEST_F(RenderTest, textIsThatOfThePlainWayAndOnWholePixels) {
+    expectSame([](Render& render) {
+        render.setColor(Vector4f(1, 1, 1, 1), NO_COLOR);
+        for (int mode : {0, 1, 2}) {
+            render.setFontMode(mode);
+            render.drawText("The quick brown fox, 0123 \xe4\xff", Vector2f(200.4f, 20.3f + 30 * float(mode)));
+        }
+        render.setFontMode(0);
+        render.setClipArea(Box2(63, 104, 120, 112));
+        render.drawText("cut on all of its sides", Vector2f(50, 108));
+        render.setClipArea(Box2(0, 0, -1, -1));
+        render.setColor(Vector4f(1, 0, 0, 0.5f), NO_COLOR);
+        render.drawText("half seen", Vector2f(50, 150));
+    });
+}
+
+TEST_F(RenderTest, shapesAndTextOverEachOtherKeepTheirOrder) {
+    expectSame([](Render& render) {
+        for (int i = 0; i < 12; ++i) {
+            const float x = 20 + 13 * float(i), y = 20 + 9 * float(i);
+            render.setColor(Vector4f(0.1f * float(i % 8), 0.3f, 0.6f, 0.8f), NO_COLOR);
+            render.drawBox(Box2(x, y, x + 120, y + 30), 0);
+            render.setColor(Vector4f(1, 1, 0.5f, 1), NO_COLOR);
+            render.setFontMode(i % 3);
+            render.drawText("window " + std::to_string(i), Vector2f(x + 60, y + 15));
+        }
+    });
+}
+
+TEST_F(RenderTest, theViewOffsetMovesThePictureAndItsClip) {
+    expectSame(
+        [](Render& render) {
+            render.setClipArea(Box2(50, 40, 150, 140));
+            render.setColor(Vector4f(1, 0, 0, 1), Vector4f(0, 0, 1, 1));
+            render.drawBox(Box2(0, 0, 200, 200), 1);
+            render.setColor(Vector4f(1, 1, 1, 1), NO_COLOR);
+            render.drawText("moved", Vector2f(100, 90));
+        },
+        0, Vector2f(30, -20));
+}
+
+TEST_F(RenderTest, aClipAreaWithAY2OfMinusOneDisablesClipping) {
+    const Picture picture = draw(batched, [](Render& render) {
+        render.setClipArea(Box2(10, 10, 11, 11));
+        render.setClipArea(Box2(5, 5, 6, -1));
+        render.setColor(Vector4f(1, 1, 1, 1), NO_COLOR);
+        render.drawBox(Box2(0, 0, WIDTH, HEIGHT), 0);
+    });
+    EXPECT_EQ(picture.at(0, 0)[0], 255);
+    EXPECT_EQ(picture.at(WIDTH - 1, HEIGHT - 1)[0], 255);
+}
+
+TEST_F(RenderTest, aNegativeSecondAlphaGivesAFlatBox) {
+    batched.setColor(Vector4f(0.5f, 0.5f, 0.5f, 1), Vector4f(1, 0, 0, -0.1f));
+    EXPECT_EQ(batched.mColorSecond, batched.mColorFirst);
+    batched.setColor(Vector4f(0.5f, 0.5f, 0.5f, 1), Vector4f(1, 0, 0, 0));
+    EXPECT_EQ(batched.mColorSecond, Vector4f(1, 0, 0, 0));
+}
+
+TEST_F(RenderTest, whatIsClippedAwayIsNotDrawnAtAll) {
+    frame([&] {
+        batched.setupDraw(Vector2f(WIDTH, HEIGHT), Vector2f(), 0);
+        batched.setClipArea(Box2(0, 0, 0, 0));
+        batched.drawBox(Box2(0, 0, 100, 100), 0);
+        batched.drawText("nothing", Vector2f(50, 50));
+        batched.drawCircle(Box2(0, 0, 100, 100), -1, 0);
+        batched.drawBorder(Box2(0, 0, 100, 100));
+        batched.drawLine(Vector2f(0, 0), Vector2f(100, 100));
+        const Vector4f color(1, 1, 1, 1);
+        glColor4fv(color); // what a draw would have changed
+        batched.flush();
+    });
+    const Picture picture = draw(batched, [](Render& render) {
+        render.setColor(Vector4f(1, 1, 1, 1), NO_COLOR);
+        render.setClipArea(Box2(50, 50, 50, 100)); // no width
+        render.drawBox(Box2(0, 0, WIDTH, HEIGHT), 0);
+        render.setClipArea(Box2(60, 60, 50, 50)); // turned inside out
+        render.drawBox(Box2(0, 0, WIDTH, HEIGHT), 0);
+    });
+    EXPECT_EQ(picture.at(50, 60)[0], 51);
+    EXPECT_EQ(picture.at(55, 55)[0], 51);
+}
+
+TEST_F(RenderTest, shapesOfAnySizeAndNoNumbersAreTaken) {
+    const float   nan = std::numeric_limits<float>::quiet_NaN(), inf = std::numeric_limits<float>::infinity();
+    const float   sides[] = {0, -50, 50, 1e9f, -1e9f, 3e38f, -3e38f, inf, -inf, nan};
+    const Picture picture = draw(batched, [&](Render& render) {
+        for (float a : sides)
+            for (float b : sides)
+                for (float c : sides) {
+                    render.setColor(Vector4f(a, b, c, 0.01f), Vector4f(c, b, a, 0.01f));
+                    render.setClipArea(Box2(a, b, c, 100));
+                    render.drawBox(Box2(a, b, c, 60), 1);
+                    render.setClipArea(Box2(0, 0, 400, 200));
+                    render.drawBox(Box2(a, b, c, 60), 0);
+                    render.drawBorder(Box2(a, 0, b, c));
+                    render.drawCircle(Box2(a, b, c, 60), -1, b);
+                    render.drawLine(Vector2f(a, b), Vector2f(c, a));
+                    render.drawText("x", Vector2f(a, b));
+                }
+        render.setClipArea(Box2(0, 0, -1, -1));
+        render.setColor(Vector4f(0, 1, 0, 1), NO_COLOR);
+        render.drawBox(Box2(0, 200, 400, 300), 0);
+    });
+    EXPECT_EQ(picture.at(200, 250)[1], 255);
+}
+
+TEST_F(RenderTest, withoutADisplayAFrameCannotBegin) {
+    EXPECT_DEATH(Render().setupDraw(Vector2f(1, 1), Vector2f(), 0), "mDisplay");
+}
+
+TEST_F(RenderTest, aMissingFontIsTheFontsFailure) {
+    am::ArchiveManager empty;
+    display().setArchive(&empty);
+    Render lost;
+    EXPECT_THROW(lost.setup(&display()), Exception);
+    display().setArchive(&window().archives());
+    frame([&] { // and draws all but text
+        lost.setupDraw(Vector2f(WIDTH, HEIGHT), Vector2f(), 0);
+        lost.drawBox(Box2(0, 0, 10, 10), 0);
+        lost.drawText("text", Vector2f(5, 5));
+        lost.flush();
+    });
+    EXPECT_EQ(lost.getTextLength("text"), 0);
+    EXPECT_EQ(lost.getFontHeight(), 0);
+}
+
+// The toolkit
+
+class Colored : public Plain {
+public:
+    using Plain::Plain;
+    void draw() override {
+        ++draws;
+        getRender()->setColor(Vector4f(1, 1, 1, 1), NO_COLOR);
+        getRender()->drawBox(mArea.world, 0);
+        Control::draw();
+    }
+};
+
+class PanoramaTest : public GlTest {
+protected:
+    TempDir                   files;
+    std::unique_ptr<Panorama> toolkit;
+
+    PanoramaTest() {
+        window(WIDTH, HEIGHT);
+        window().archives().addArchive(files.path());
+        toolkit = std::make_unique<Panorama>(&display());
+    }
+
+    Workspace& root() { return toolkit->mWorkspace; }
+    Plain&     add(Box2 area, Control* parent = nullptr) {
+            Plain* control = new Colored(area);
+            if (parent)
+            parent->addControl(control, -1);
+        else
+            toolkit->addControl(control);
+        return *control;
+    }
+    void    file(const std::string& name, const std::string& text) { writeFile(files.file(name), text); }
+    Picture shown() {
+        return frame([&] { toolkit->onDraw(); });
+    }
+};
+
+TEST_F(PanoramaTest, registersTheTypesInTheirOrder) {
+    const std::vector<std::string> types = {
+        "button",   "checkbox", "dropdown",    "flow",      "frame",  "image",    "label",     "layoutstack",
+        "menubar",  "panel",    "radiobutton", "scrollbar", "slider", "spline",   "splineorg", "stat",
+        "tabframe", "tabview",  "textinput",   "treeview",  "window", "workspace"};
+    std::vector<std::string> found;
+    for (Control* prototype : ControlFactory::mControl)
+        found.push_back(prototype->getType());
+    EXPECT_EQ(found, types);
+    Panorama second(&display()); // once, however many there are
+    EXPECT_EQ(ControlFactory::mControl.size(), types.size());
+    for (const std::string& type : types) {
+        const std::unique_ptr<Control> made(controlFactory.create(type));
+        ASSERT_TRUE(made) << type;
+        EXPECT_EQ(made->getType(), type);
+    }
+}
+
+TEST_F(PanoramaTest, theWorkspaceIsTheWindow) {
+    EXPECT_EQ(root().getArea(), Box2(0, 0, WIDTH, HEIGHT));
+    EXPECT_EQ(root().getDisplay(), &display());
+    EXPECT_FALSE(toolkit->mDragging);
+    EXPECT_EQ(toolkit->mViewOffset, Vector2f());
+}
+
+TEST_F(PanoramaTest, loadsALayoutWithItsStyle) {
+    file("look.xml", "<panorama><panel caption='from the style'/></panorama>");
+    file("window.xml",
+         "<?xml version='1.0'?><panorama><workspace style='look.xml'><child>"
+         "<panel id='a'/><flow id='b' direction='horisontal'><area x='10' y='20' w='100' h='50'/>"
+         "<child><panel id='c' caption='own'><area size='30'/></panel></child></flow>"
+         "</child></workspace></panorama>");
+    toolkit->load("window.xml");
+    Control* a = root().findControl("a");
+    Control* b = root().findControl("b");
+    Control* c = root().findControl("c");
+    ASSERT_TRUE(a && b && c);
+    EXPECT_EQ(a->getCaption(), "from the style");
+    EXPECT_EQ(a->getArea(), Box2(0, 0, WIDTH, HEIGHT));
+    EXPECT_EQ(b->getArea(), Box2(10, 20, 110, 70));
+    EXPECT_EQ(c->getArea(), Box2(0, 0, 30, 50));
+    EXPECT_EQ(c->getCaption(), "own");
+    EXPECT_EQ(toolkit->mStyleDocument, root().mStyle);
+    EXPECT_EQ(root().getName(), "workspace");
+    shown();
+}
+
+TEST_F(PanoramaTest, aMissingLayoutThrows) {
+    try {
+        toolkit->load("nowhere.xml");
+        FAIL();
+    } catch (const Exception& error) {
+        EXPECT_STREQ(error.what(), "Could not find the file 'nowhere.xml'.");
+    }
+}
+
+TEST_F(PanoramaTest, anotherRootIsPassedOverInSilence) {
+    file("other.xml", "<setup><workspace><child><panel id='a'/></child></workspace></setup>");
+    toolkit->load("other.xml");
+    EXPECT_EQ(root().getControlSize(), 0u);
+}
+
+TEST_F(PanoramaTest, aMissingStyleIsPassedOverAndOneWithAnotherRootEndsTheLoading) {
+    file("a.xml",
+         "<panorama><workspace style='none.xml'><child><panel id='a'/></child></workspace></panorama>");
+    toolkit->load("a.xml");
+    EXPECT_TRUE(root().findControl("a"));
+    EXPECT_EQ(root().mStyle, nullptr);
+    file("wrong.xml", "<style></style>");
+    file("b.xml",
+         "<panorama><workspace style='wrong.xml'><child><panel id='b'/></child></workspace></panorama>");
+    toolkit->load("b.xml");
+    EXPECT_FALSE(root().findControl("b"));
+    EXPECT_EQ(root().mStyle, nullptr);
+    file("empty.xml", "");
+    try {
+        toolkit->load("empty.xml");
+    } catch (const Exception&) { // whatever the parser says to it
+    }
+}
+
+TEST_F(PanoramaTest, aHiddenOrZeroSizedControlIsNotDrawnUnlessTheWorkspaceHoldsIt) {
+    Plain& group = add(Box2(0, 0, 100, 100));
+    Plain& inside = add(Box2(0, 0, 0, 50), &group);
+    Plain& half = add(Box2(0, 0, 0.5f, 50), &group);
+    Plain& outside = add(Box2(200, 0, 250, 50), &group);
+    Plain& hidden = add(Box2(0, 0, 50, 50), &group);
+    Plain& seen = add(Box2(99, 0, 150, 50), &group);
+    Plain& top = add(Box2(0, 0, 0, 0));
+    hidden.mVisible = false;
+    frame([] {}); // the display draws its listeners
+    EXPECT_EQ(group.draws, 1);
+    EXPECT_EQ(inside.draws, 0);
+    EXPECT_EQ(half.draws, 0);
+    EXPECT_EQ(outside.draws, 0);
+    EXPECT_EQ(hidden.draws, 0);
+    EXPECT_EQ(seen.draws, 1);
+    EXPECT_EQ(top.draws, 1); // the workspace's
+}
+
+TEST_F(PanoramaTest, childrenAreCutAtTheirParents) {
+    Plain& group = *new Plain(Box2(100, 100, 200, 200));
+    toolkit->addControl(&group);
+    add(Box2(50, 50, 500, 500), &group);
+    const Picture picture = shown();
+    EXPECT_EQ(picture.at(149, 149)[0], 0);
+    EXPECT_EQ(picture.at(150, 150)[0], 255);
+    EXPECT_EQ(picture.at(199, 199)[0], 255);
+    EXPECT_EQ(picture.at(200, 199)[0], 0);
+    EXPECT_EQ(picture.at(199, 200)[0], 0);
+}
+
+TEST_F(PanoramaTest, aReleaseOfTheRightButtonEndsPanning) {
+    toolkit->mDragging = true;
+    display::MouseMoveEvent move;
+    move.mousePos = Vector2f(123, 45);
+    move.mouseDelta = Vector2f(-3, 4);
+    EXPECT_EQ(toolkit->onMouseMove(move), display::Listener::WHATEVER);
+    EXPECT_EQ(toolkit->mViewOffset, Vector2f(-3, 4));
+    display::MouseButtonEvent up;
+    up.button = display::MOUSE_LEFT;
+    toolkit->onMouseUp(up);
+    EXPECT_TRUE(toolkit->mDragging);
+    up.button = display::MOUSE_RIGHT;
+    toolkit->onMouseUp(up);
+    EXPECT_FALSE(toolkit->mDragging);
+}
+
+TEST_F(PanoramaTest, theViewOffsetIsAddedToTheMouse) {
+    Plain& control = add(Box2(100, 100, 110, 110));
+    toolkit->mViewOffset = Vector2f(90, 80);
+    display::MouseButtonEvent down;
+    down.mousePos = Vector2f(15, 25);
+    EXPECT_EQ(toolkit->onMouseDown(down), display::Listener::BLOCK);
+    EXPECT_EQ(control.heard.back(), "mousedown");
+    down.mousePos = Vector2f(105, 105);
+    EXPECT_EQ(toolkit->onMouseDown(down), display::Listener::WHATEVER);
+}
+
+TEST_F(PanoramaTest, twoMovesWithinOnePixelAreOne) {
+    Plain&                  control = add(Box2(0, 0, WIDTH, HEIGHT));
+    display::MouseMoveEvent move;
+    const auto moves = [&] { return std::count(control.heard.begin(), control.heard.end(), "mousemove"); };
+    move.mousePos = Vector2f(210.25f, 33.5f);
+    EXPECT_EQ(toolkit->onMouseMove(move), 0); // moves never block
+    move.mousePos = Vector2f(210.75f, 33.0f);
+    EXPECT_EQ(toolkit->onMouseMove(move), 0);
+    EXPECT_EQ(moves(), 1);
+    move.mousePos = Vector2f(210.75f, 34.0f);
+    toolkit->onMouseMove(move);
+    EXPECT_EQ(moves(), 2);
+}
+
+TEST_F(PanoramaTest, eventsAndFramesAllocateNothingOnceWarm) {
+    Flow* flow = new Flow;
+    toolkit->addControl(flow);
+    flow->setMaximized(true);
+    for (int i = 0; i < 50; ++i) {
+        Panel* panel = new Panel;
+        flow->addControl(panel);
+        flow->setPercent(panel, 1);
+        panel->setCaption("a panel with a caption " + std::to_string(i));
+    }
+    flow->setArea(flow->getArea());
+    const auto round = [&](int i) {
+        display::MouseMoveEvent move;
+        move.mousePos = Vector2f(float(i % 300), float(i * 7 % 290));
+        toolkit->onMouseMove(move);
+        display::MouseButtonEvent button;
+        button.mousePos = move.mousePos;
+        toolkit->onMouseDown(button);
+        toolkit->onMouseUp(button);
+        display::KeyEvent key;
+        toolkit->onKeyDown(key);
+        toolkit->onDraw();
+    };
+    for (int i = 0; i < 20; ++i)
+        frame([&] { round(i); });
+    size_t before = 0, after = 0;
+    frame([&] {
+        before = allocationCount();
+        for (int i = 0; i < 100; ++i)
+            round(i);
+        after = allocationCount();
+    });
+    EXPECT_EQ(after - before, 0u);
+}
+
+TEST_F(PanoramaTest, pictureOfPanelsInAFlow) {
+    file(
+        "panels.xml",
+        "<panorama><workspace><child><flow><area x='10' y='10' w='380' h='280'/><child>"
+        "<panel caption='Sound'><area size='80'/></panel><panel><area percent='1'/></panel>"
+        "<panel caption='Colours of the picture'><area percent='2'/><color name='text.color' first='ffe080'/>"
+        "<color name='back.color' first='80c0ff' second='80c0ff30'/>"
+        "<child><panel caption='Inside'><area x='10' y='5' w='150' h='70'/></panel>"
+        "<panel caption='A caption that is longer than the panel'><area x='180' y='5' w='120' "
+        "h='70'/></panel>"
+        "</child></panel></child></flow></child></workspace></panorama>");
+    toolkit->load("panels.xml");
+    EXPECT_TRUE(matchesReference("panorama_panels", shown()));
+}
+
+// A person in front of the window.
+class PersonTest : public PanoramaTest {
+protected:
+    // In front of the toolkit in the display's list, as the show itself is.
+    struct Behind : display::Listener {
+        int presses = 0, releases = 0, moves = 0, keys = 0;
+        using Listener::Listener;
+        int onMouseDown(const display::MouseButtonEvent&) override { return ++presses, WHATEVER; }
+        int onMouseUp(const display::MouseButtonEvent&) override { return ++releases, WHATEVER; }
+        int onMouseMove(const display::MouseMoveEvent&) override { return ++moves, WHATEVER; }
+        int onKeyDown(const display::KeyEvent&) override { return ++keys, WHATEVER; }
+    };
+    Behind behind;
+    Viewer viewer;
+
+    PersonTest() : behind(&display()), viewer("test", [this] { display().update(); }) {
+        toolkit->attachToDisplay(&display()); // behind it once more
+        viewer.focus();
+        viewer.moveTo(390, 290);
+    }
+
+    void click(int x, int y) {
+        viewer.moveTo(x, y);
+        viewer.click(1);
+    }
+};
+
+TEST_F(PersonTest, aClickThatHitsAControlGoesNoFurtherAndOneOnTheBackgroundDoes) {
+    Plain& control = add(Box2(20, 20, 120, 120));
+    click(50, 50);
+    click(300, 200);
+    ASSERT_TRUE(viewer.until("the press on the background", [&] { return behind.releases == 1; }));
+    EXPECT_EQ(behind.presses, 1);
+    EXPECT_EQ(std::count(control.heard.begin(), control.heard.end(), "mousedown"), 1);
+    EXPECT_EQ(std::count(control.heard.begin(), control.heard.end(), "mouseup"), 1);
+    EXPECT_GT(behind.moves, 0);
+}
+
+TEST_F(PersonTest, aKeyGoesToTheFocusAndFromTheBackgroundOnToTheNext) {
+    Plain& control = add(Box2(20, 20, 120, 120));
+    click(50, 50);
+    viewer.key("a");
+    ASSERT_TRUE(viewer.until("the key",
+                             [&] { return !control.heard.empty() && control.heard.back() == "keycharup"; }));
+    EXPECT_EQ(std::count(control.heard.begin(), control.heard.end(), "keydown"), 1);
+    EXPECT_EQ(std::count(control.heard.begin(), control.heard.end(), "keyup"), 1);
+    EXPECT_EQ(std::count(control.heard.begin(), control.heard.end(), "keychardown"), 1);
+    EXPECT_EQ(behind.keys, 0);
+    viewer.key("Tab"); // everybody's
+    ASSERT_TRUE(viewer.until("Tab behind", [&] { return behind.keys == 1; }));
+    click(300, 200);
+    viewer.key("a");
+    ASSERT_TRUE(viewer.until("the key behind", [&] { return behind.keys == 2; }));
+}
+
+TEST_F(PersonTest, theWheelAndTheDoubleClickArrive) {
+    struct Listening : Plain {
+        float wheel = 0;
+        bool  doubled = false;
+        int   handleEvent(Event& event) override {
+            if (event.type == "mousewheel")
+                wheel += event.wheelDelta;
+            doubled |= event.doubleClick;
+            return Plain::handleEvent(event);
+        }
+    };
+    Listening* control = new Listening;
+    control->mArea.area = Box2(0, 0, 200, 200);
+    toolkit->addControl(control);
+    viewer.moveTo(100, 100);
+    viewer.wheel(2);
+    viewer.wheel(-3);
+    ASSERT_TRUE(viewer.until("the wheel", [&] { return control->wheel == -1; }));
+    viewer.click(1);
+    viewer.click(1);
+    EXPECT_TRUE(viewer.until("a double click", [&] { return control->doubled; }));
+}
+
+TEST_F(PersonTest, theHoverStateFollowsTheMouse) {
+    Plain& a = add(Box2(20, 20, 120, 120));
+    Plain& b = add(Box2(200, 20, 300, 120));
+    viewer.moveTo(50, 50);
+    ASSERT_TRUE(viewer.until("the mouse over a", [&] { return a.mHover && !b.mHover; }));
+    viewer.moveTo(250, 50);
+    ASSERT_TRUE(viewer.until("the mouse over b", [&] { return !a.mHover && b.mHover; }));
+    viewer.moveTo(250, 200);
+    ASSERT_TRUE(viewer.until("the mouse over none", [&] { return !a.mHover && !b.mHover; }));
+}
+
+TEST(ResizeTest, afterAResizeAllMaximizedControlsFillTheirParentsAgain) {
+    am::ArchiveManager archives;
+    archives.addArchive(sourcePath("data"));
+    display::WindowMode mode("resizable", WIDTH, HEIGHT, false);
+    mode.canResize = true;
+    display::DisplayGL window(mode);
+    window.setArchive(&archives);
+    window.open();
+    {
+        Panorama toolkit(&window);
+        Plain&   a = *new Colored(Box2(20, 20, 120, 120));
+        Plain&   b = *new Colored;
+        toolkit.addControl(&a);
+        a.addControl(&b, -1);
+        b.setMaximized(true);
+        a.setMaximized(true);
+        Viewer viewer("resizable", [&] { window.update(); });
+        viewer.focus();
+        viewer.dragCorner(60, 40);
+        viewer.until("the new size", [&] {
+            const Box2 whole(0, 0, float(window.mWindowMode.width), float(window.mWindowMode.height));
+            return whole.x2 > WIDTH && whole.y2 > HEIGHT && toolkit.mWorkspace.getArea() == whole &&
+                   a.getArea() == whole && b.getArea() == whole;
+        });
+    }
+    window.close();
+}
+
+} // namespace
