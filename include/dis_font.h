@@ -4,6 +4,7 @@
 #include "dis_batch.h"
 #include "dis_resource.h"
 #include "dis_texture.h"
+#include "mb_box2.h"
 
 #include <cstdint>
 #include <string>
@@ -12,7 +13,7 @@ namespace zentrak::display {
 
 // The image holds 16 by 16 cells, one for each byte value, row by row: the shape is in its red channel. Each
 // glyph stands at the left of its cell, and is as wide as its rightmost column with a value above 200. Bytes
-// are glyphs: there is no encoding.
+// are glyphs: there is no encoding. Byte 0 has none.
 class Font : public Resource {
 public:
     enum : int { ALIGN_LEFT = 0, ALIGN_RIGHT = 1, ALIGN_CENTER = 2 };
@@ -41,29 +42,35 @@ public:
     };
     Cell     getCell(unsigned char c) const;
     Texture& getTexture() { return mTexture; }
-    int      getAlignment() const { return mAlign; }
+    // What of a character's cell shows anything, from the cell's upper left corner, at scale 1.
+    const mathbase::Box2& getInk(unsigned char c) const { return mInk[c]; }
+    // Where the texture is white and opaque, for shapes that are drawn along with text.
+    mathbase::Vector2f getSolid() const { return mSolid; }
+    int                getAlignment() const { return mAlign; }
 
     void setAlignment(int align) { mAlign = align; }
-    void setSizeOfSpace(float size) {
-        mKerning[32] = size;
-    } // the advance of a space, in units of the screen
+    void setSizeOfSpace(float size) { mKerning[32] = size; } // the advance of a space, in units of the screen
 
 private:
     void measure(const uint8_t* pixels);
+    void measureInk(const uint8_t* cell, mathbase::Box2& ink) const;
+    void paintSolid(uint8_t* pixels);
 
-    uint32_t mWidth; // of the image, in pixels
-    uint32_t mHeight;
-    int      mCharWidth; // of a cell, in pixels
-    int      mCharHeight;
-    float    mKerning[256]; // advances, in units of the screen
-    int      mAlign;
-    float    mUnitSizeX; // one pixel of the image, in units of the screen
-    float    mUnitSizeY;
-    float    mLetterWidth; // one cell, in texture coordinates
-    float    mLetterHeight;
-    uint8_t* mData; // null after load
-    Texture  mTexture;
-    Batch    mBatch;
+    uint32_t           mWidth; // of the image, in pixels
+    uint32_t           mHeight;
+    int                mCharWidth; // of a cell, in pixels
+    int                mCharHeight;
+    float              mKerning[256]; // advances, in units of the screen
+    int                mAlign;
+    float              mUnitSizeX; // one pixel of the image, in units of the screen
+    float              mUnitSizeY;
+    float              mLetterWidth; // one cell, in texture coordinates
+    float              mLetterHeight;
+    uint8_t*           mData; // null after load
+    mathbase::Box2     mInk[256];
+    mathbase::Vector2f mSolid; // in texture coordinates
+    Texture            mTexture;
+    Batch              mBatch;
 };
 
 } // namespace zentrak::display

@@ -8,17 +8,16 @@
 #include "mb_vector2.h"
 #include "mb_vector4.h"
 
-#include <array>
 #include <memory>
 #include <string>
 #include <vector>
 
 namespace zentrak::panorama {
 
-// Coordinates are pixels of the window from its upper left corner, y downward. Shapes are cut by the clip
-// area here, collected, and drawn together: all shapes in one call and all text in another, as long as no
-// shape comes to lie on text that waits. So the picture is that of each drawn at once, and is complete after
-// flush(). Whoever draws past this class with OpenGL calls flush() first.
+// Coordinates are pixels of the window from its upper left corner, y downward. Shapes and text are cut by the
+// clip area here, collected, and drawn in one call: a shape takes its white from the texture of the font. So
+// the picture is that of each drawn at once, and is complete after flush(). Whoever draws past this class
+// with OpenGL calls flush() first.
 //
 // All of it needs the window to be open.
 class Render {
@@ -84,39 +83,15 @@ private:
         mathbase::Vector4f color;
     };
 
-    // Where text waits to be drawn, by tiles of the window.
-    class Waiting {
-    public:
-        void add(const mathbase::Box2& box);
-        bool touches(const mathbase::Box2& box) const;
-        void clear();
-
-    private:
-        static constexpr int TILE = 8;   // pixels
-        static constexpr int ROWS = 512; // of tiles; what lies beyond counts as in the last one
-        static constexpr int WORDS = 8;  // of 64 tiles
-        struct Span {
-            int x1, y1, x2, y2;
-        };
-        static Span getSpan(const mathbase::Box2& box);
-
-        std::array<std::array<uint64_t, WORDS>, ROWS> mTiles{};
-        int                                           mFirst = ROWS; // rows that may hold any
-        int                                           mLast = -1;
-    };
-
     void drawPolygon(const Point* points, int count);
     void drawQuad(const mathbase::Box2& box, const mathbase::Vector4f& upperLeft,
                   const mathbase::Vector4f& upperRight, const mathbase::Vector4f& lowerRight,
                   const mathbase::Vector4f& lowerLeft);
-    void drawShapes();
-    void coverText(const mathbase::Box2& box);
     int  clipPolygon(const Point* points, int count);
 
     mathbase::Box2     mClip; // in whole pixels of the view
-    display::Batch     mShapes;
-    display::Batch     mGlyphs;
-    Waiting            mWaiting;
+    display::Batch     mBatch;
+    mathbase::Vector2f mSolid;   // where the font's texture is white
     std::vector<Point> mPolygon; // while it is cut
     std::vector<Point> mCut;
 };

@@ -50,60 +50,11 @@ Vector4f mix(const Vector4f& a, const Vector4f& b, float t) {
 
 } // namespace
 
-// Tiles
-
-Render::Waiting::Span Render::Waiting::getSpan(const Box2& box) {
-    const auto tile = [](float value, int last) {
-        return std::clamp(static_cast<int>(toInt(value)) / TILE, 0, last);
-    };
-    // An upper edge on the border of two tiles reaches into the lower one alone.
-    return {tile(box.x1, WORDS * 64 - 1), tile(box.y1, ROWS - 1), tile(std::ceil(box.x2) - 1, WORDS * 64 - 1),
-            tile(std::ceil(box.y2) - 1, ROWS - 1)};
-}
-
-void Render::Waiting::add(const Box2& box) {
-    const Span span = getSpan(box);
-    for (int row = span.y1; row <= span.y2; ++row) {
-        for (int column = span.x1; column <= span.x2; ++column)
-            mTiles[size_t(row)][size_t(column / 64)] |= uint64_t(1) << (column % 64);
-    }
-    mFirst = std::min(mFirst, span.y1);
-    mLast = std::max(mLast, span.y2);
-}
-
-bool Render::Waiting::touches(const Box2& box) const {
-    if (mLast < mFirst)
-        return false;
-    const Span span = getSpan(box);
-    const int  lastRow = std::min(span.y2, mLast);
-    for (int row = std::max(span.y1, mFirst); row <= lastRow; ++row) {
-        for (int word = span.x1 / 64; word <= span.x2 / 64; ++word) {
-            uint64_t mask = ~uint64_t(0);
-            if (word == span.x1 / 64)
-                mask &= ~uint64_t(0) << (span.x1 % 64);
-            if (word == span.x2 / 64)
-                mask &= ~uint64_t(0) >> (63 - span.x2 % 64);
-            if (mTiles[size_t(row)][size_t(word)] & mask)
-                return true;
-        }
-    }
-    return false;
-}
-
-void Render::Waiting::clear() {
-    for (int row = mFirst; row <= mLast; ++row)
-        mTiles[size_t(row)].fill(0);
-    mFirst = ROWS;
-    mLast = -1;
-}
-
 // Setting up
 
 Render::Render() : mColorFirst(1, 1, 1, 1), mColorSecond(1, 1, 1, 1), mClip(UNCLIPPED) {
-    mShapes.setChannels(display::Batch::CHANNEL_NONE);
-    mShapes.setCulling(display::Batch::CULLING_OFF);
-    mGlyphs.setChannels(display::Batch::CHANNEL_TEXCOORD);
-    mGlyphs.setCulling(display::Batch::CULLING_OFF);
+    mBatch.setChannels(display::Batch::CHANNEL_TEXCOORD);
+    mBatch.setCulling(display::Batch::CULLING_OFF);
 }
 
 Render::~Render() {
@@ -119,6 +70,7 @@ void Render::setup(display::DisplayGL* display) {
     font->setAlignment(display::Font::ALIGN_CENTER);
     delete mFont;
     mFont = font.release();
+    mSolid = mFont->getSolid();
 }
 
 void Render::setupDraw(Vector2f size, Vector2f offset, float margin) {
@@ -126,9 +78,7 @@ void Render::setupDraw(Vector2f size, Vector2f offset, float margin) {
     mSize = size;
     mDrawOffset = offset;
     mClip = UNCLIPPED;
-    mShapes.clear();
-    mGlyphs.clear();
-    mWaiting.clear();
+    mBatch.clear();
 
     mDisplay->resetStates();
     GL_CALL(glEnable(GL_BLEND));
@@ -163,26 +113,17 @@ void Render::setClipArea(Box2 area) {
 // Drawing
 
 void Render::flush() {
-    drawShapes();
-    if (mGlyphs.getVertices() == 0 || !mFont)
+    if (mBatch.getVertices() == 0)
         return;
-    mFont->getTexture().bind();
-    GL_CALL(glEnable(GL_TEXTURE_2D));
-    mGlyphs.flush();
-    GL_CALL(glDisable(GL_TEXTURE_2D));
-    mFont->getTexture().unbind();
-    mWaiting.clear();
-}
-
-void Render::drawShapes() {
-    if (mShapes.getVertices() != 0)
-        mShapes.flush();
-}
-
-// A shape comes over text: what waits goes first.
-void Render::coverText(const Box2& box) {
-    if (mWaiting.touches(box))
-        flush();
+    if (mFont) {
+        mFont->getTexture().bind();
+        GL_CALL(glEnable(GL_TEXTURE_2D));
+    }
+    mBatch.flush();
+    if (mFont) {
+        GL_CALL(glDisable(GL_TEXTURE_2D));
+        mFont->getTexture().unbind();
+    }
 }
 
 // A box with a colour at each corner, changing along one axis alone.
@@ -191,10 +132,9 @@ void Render::drawQuad(const Box2& box, const Vector4f& upperLeft, const Vector4f
     const Box2 seen = cut(box, mClip);
     if (!hasExtent(seen) || !hasExtent(box))
         return;
-    coverText(seen);
     if (upperLeft == lowerRight && upperRight == lowerLeft && upperLeft == upperRight) {
-        mShapes.color(upperLeft);
-        mShapes.rect(seen.x1, seen.y1, seen.x2, seen.y2);
+        mBatch.color(upperLeft);
+        mBatch.rect(seen.x1, seen.y1, seen.x2, seen.y2, mSolid.x, mSolid.y, mSolid.x, mSolid.y);
         return;
     }
     const float left = share(seen.x1 - box.x1, box.getWidth());
@@ -202,15 +142,16 @@ void Render::drawQuad(const Box2& box, const Vector4f& upperLeft, const Vector4f
     const float top = share(seen.y1 - box.y1, box.getHeight());
     const float bottom = share(seen.y2 - box.y1, box.getHeight());
     const auto  corner = [&](float x, float y, float s, float t) {
-        mShapes.color(mix(mix(upperLeft, upperRight, s), mix(lowerLeft, lowerRight, s), t));
-        mShapes.vertex(x, y);
+        mBatch.color(mix(mix(upperLeft, upperRight, s), mix(lowerLeft, lowerRight, s), t));
+        mBatch.vertex(x, y);
     };
-    mShapes.begin(GL_QUADS);
+    mBatch.texCoord(mSolid.x, mSolid.y);
+    mBatch.begin(GL_QUADS);
     corner(seen.x1, seen.y1, left, top);
     corner(seen.x2, seen.y1, right, top);
     corner(seen.x2, seen.y2, right, bottom);
     corner(seen.x1, seen.y2, left, bottom);
-    mShapes.end();
+    mBatch.end();
 }
 
 void Render::drawBox(const Box2& box, int direction) {
@@ -304,19 +245,19 @@ void Render::drawPolygon(const Point* points, int count) {
     const Box2 seen = cut(bounds, mClip);
     if (!hasExtent(seen))
         return;
-    coverText(seen);
     if (!holds(mClip, bounds)) {
         count = clipPolygon(points, count);
         points = mCut.data();
         if (count < 3)
             return;
     }
-    mShapes.begin(GL_TRIANGLE_FAN);
+    mBatch.texCoord(mSolid.x, mSolid.y);
+    mBatch.begin(GL_TRIANGLE_FAN);
     for (int i = 0; i < count; ++i) {
-        mShapes.color(points[i].color);
-        mShapes.vertex(points[i].x, points[i].y);
+        mBatch.color(points[i].color);
+        mBatch.vertex(points[i].x, points[i].y);
     }
-    mShapes.end();
+    mBatch.end();
 }
 
 // Cuts a convex polygon at the four edges of the clip area, one after the other, into mCut. Returns how many
@@ -354,26 +295,24 @@ void Render::drawText(const std::string& text, Vector2f position) {
     const float width = mFont->getWidth(), height = mFont->getHeight();
     x = std::floor(x + 0.5f);
     const float y = std::floor(position.y - height * 0.5f + 0.5f);
-    const float top = std::max(y, mClip.y1), bottom = std::min(y + height, mClip.y2);
-    if (!(bottom > top) || !std::isfinite(x))
+    if (!(std::min(y + height, mClip.y2) > std::max(y, mClip.y1)) || !std::isfinite(x))
         return;
 
-    const float from = x;
-    mGlyphs.color(mColorFirst);
+    mBatch.color(mColorFirst);
     for (const char character : text) {
         if (x >= mClip.x2)
             break;
         const uint8_t c = uint8_t(character);
-        const float   left = std::max(x, mClip.x1), right = std::min(x + width, mClip.x2);
-        if (c != ' ' && right > left) {
+        const Box2    glyph = cut(shifted(mFont->getInk(c), Vector2f(x, y)), mClip);
+        if (hasExtent(glyph)) {
             const display::Font::Cell cell = mFont->getCell(c);
             const float               s = (cell.s1 - cell.s0) / width, t = (cell.t1 - cell.t0) / height;
-            mGlyphs.rect(left, top, right, bottom, cell.s0 + (left - x) * s, cell.t0 + (top - y) * t,
-                         cell.s0 + (right - x) * s, cell.t0 + (bottom - y) * t);
+            mBatch.rect(glyph.x1, glyph.y1, glyph.x2, glyph.y2, cell.s0 + (glyph.x1 - x) * s,
+                        cell.t0 + (glyph.y1 - y) * t, cell.s0 + (glyph.x2 - x) * s,
+                        cell.t0 + (glyph.y2 - y) * t);
         }
         x += mFont->getAdvance(c);
     }
-    mWaiting.add(Box2(std::max(from, mClip.x1), top, std::min(x + width, mClip.x2), bottom));
 }
 
 void Render::drawTexture(display::Texture& texture, const Box2& box) {
@@ -383,11 +322,11 @@ void Render::drawTexture(display::Texture& texture, const Box2& box) {
     flush();
     texture.bind();
     GL_CALL(glEnable(GL_TEXTURE_2D));
-    mGlyphs.color(mColorFirst);
-    mGlyphs.rect(seen.x1, seen.y1, seen.x2, seen.y2, share(seen.x1 - box.x1, box.getWidth()),
-                 share(seen.y1 - box.y1, box.getHeight()), share(seen.x2 - box.x1, box.getWidth()),
-                 share(seen.y2 - box.y1, box.getHeight()));
-    mGlyphs.flush();
+    mBatch.color(mColorFirst);
+    mBatch.rect(seen.x1, seen.y1, seen.x2, seen.y2, share(seen.x1 - box.x1, box.getWidth()),
+                share(seen.y1 - box.y1, box.getHeight()), share(seen.x2 - box.x1, box.getWidth()),
+                share(seen.y2 - box.y1, box.getHeight()));
+    mBatch.flush();
     GL_CALL(glDisable(GL_TEXTURE_2D));
     texture.unbind();
 }

@@ -98,6 +98,33 @@ TEST_F(FontTest, anEmptyCellAdvancesByTwoPixels) {
     EXPECT_FLOAT_EQ(font.getAdvance(255), 2);
 }
 
+TEST_F(FontTest, theInkOfACellIsWhatShows) {
+    load();
+    EXPECT_EQ(font.getInk('A'), mathbase::Box2(0, 0, 5, 10)); // the dim column too
+    EXPECT_EQ(font.getInk('B'), mathbase::Box2(0, 0, 10, 10));
+    EXPECT_EQ(font.getInk(200), mathbase::Box2(0, 9, 1, 10));
+    EXPECT_EQ(font.getInk('C'), mathbase::Box2());
+    EXPECT_EQ(font.getInk(0), mathbase::Box2());
+}
+
+TEST_F(FontTest, byteZeroIsNotDrawnAndItsCellHoldsAWhiteSpot) {
+    load();
+    EXPECT_EQ(font.getSolid(), Vector2f(5.0f / 160, 5.0f / 160));
+    EXPECT_EQ(drawn(std::string(1, '\0'), Font::ALIGN_LEFT), "nothing");
+    const Picture shown = frame([&] {
+        pixels();
+        font.getTexture().bind();
+        glEnable(GL_TEXTURE_2D);
+        glColor4f(0.2f, 0.4f, 0.6f, 1);
+        glTexCoord2f(font.getSolid().x, font.getSolid().y);
+        glRectf(0, 0, 200, 200);
+        font.getTexture().unbind();
+    });
+    EXPECT_EQ(shown.at(100, 100)[0], 51);
+    EXPECT_EQ(shown.at(100, 100)[1], 102);
+    EXPECT_EQ(shown.at(100, 100)[2], 153);
+}
+
 TEST_F(FontTest, theUnitIsTheSizeOverTheWindows) {
     load(Vector2f(100, 50));
     EXPECT_FLOAT_EQ(font.getAdvance('A'), 6 * 100.0f / 200);

@@ -3,6 +3,7 @@
 #include "dis_display.h"
 #include "ztk_system.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace zentrak::display {
@@ -11,6 +12,7 @@ namespace {
 
 constexpr int   GRID = 16;   // cells a side
 constexpr int   SHAPE = 200; // above this a pixel belongs to the glyph
+constexpr int   SPOT = 4;    // pixels a side of what is white
 constexpr float GAP = 2.0f;  // pixels between glyphs
 
 } // namespace
@@ -50,9 +52,36 @@ void Font::load(const std::string& filename, bool mipmaps, mathbase::Vector2f si
         std::memcpy(mData + i * 4, &pixel, 4);
     }
     measure(mData);
+    paintSolid(mData);
     mData = nullptr;
     mTexture.setDisplay(mDisplay);
     mTexture.load(image, mipmaps);
+}
+
+// Around every pixel of a cell that is not wholly clear.
+void Font::measureInk(const uint8_t* cell, mathbase::Box2& ink) const {
+    int left = mCharWidth, top = mCharHeight, right = 0, bottom = 0;
+    for (int y = 0; y < mCharHeight; ++y)
+        for (int x = 0; x < mCharWidth; ++x)
+            if (cell[(size_t(y) * mWidth + size_t(x)) * 4 + 3]) {
+                left = std::min(left, x), right = std::max(right, x + 1);
+                top = std::min(top, y), bottom = std::max(bottom, y + 1);
+            }
+    ink = mathbase::Box2();
+    if (right > left)
+        ink = mathbase::Box2(float(left) * mUnitSizeX, float(top) * mUnitSizeY, float(right) * mUnitSizeX,
+                             float(bottom) * mUnitSizeY);
+}
+
+// A white spot in the middle of the cell of byte 0, which is not drawn.
+void Font::paintSolid(uint8_t* pixels) {
+    const int width = std::min(SPOT, mCharWidth), height = std::min(SPOT, mCharHeight);
+    const int left = (mCharWidth - width) / 2, top = (mCharHeight - height) / 2;
+    for (int y = top; y < top + height; ++y)
+        std::memset(pixels + (size_t(y) * mWidth + size_t(left)) * 4, 0xFF, size_t(width) * 4);
+    if (width > 0 && height > 0)
+        mSolid = mathbase::Vector2f((float(left) + 0.5f * float(width)) / float(mWidth),
+                                    (float(top) + 0.5f * float(height)) / float(mHeight));
 }
 
 // The advance of each character: up to the right edge of the last column that belongs to it, and a gap.
@@ -67,6 +96,7 @@ void Font::measure(const uint8_t* pixels) {
                     width = x;
                     break;
                 }
+        measureInk(cell, mInk[c]);
         const float columns = c == ' ' ? float(mCharWidth) * 0.3f : float(width);
         mKerning[c] = (columns + GAP) * mUnitSizeX;
     }
@@ -103,7 +133,8 @@ void Font::draw(const std::string& text, mathbase::Vector2f scale, mathbase::Vec
     for (const char character : text) {
         const uint8_t c = uint8_t(character);
         const Cell    cell = getCell(c);
-        mBatch.rect(x, -0.5f * h, x + width, 0.5f * h, cell.s0, cell.t1, cell.s1, cell.t0);
+        if (c)
+            mBatch.rect(x, -0.5f * h, x + width, 0.5f * h, cell.s0, cell.t1, cell.s1, cell.t0);
         x += scale.x * mKerning[c];
     }
     mBatch.flush();
