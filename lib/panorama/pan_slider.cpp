@@ -26,7 +26,7 @@ float limit(float position) {
 Slider::Slider() {
     mType = "slider";
     setSunkLook(mBack);
-    setPair(mBack.pushed, accent);
+    setPair(mBack.pushed, Vector4f(0.46f, 0.46f, 0.78f, 1.0f)); // the track up to the handle
     setRaisedLook(mCaption);
     setPair(mCaption.color, Vector4f(0.50f, 0.50f, 0.58f, 1.0f), Vector4f(0.38f, 0.38f, 0.45f, 1.0f));
     setPair(mCaption.highlight, Vector4f(0.68f, 0.68f, 0.78f, 1.0f), Vector4f(0.54f, 0.54f, 0.64f, 1.0f));

@@ -390,6 +390,31 @@ TEST_F(InputsWindow, AGraphOfAnythingIsDrawn) {
     }
 }
 
+TEST_F(InputsWindow, TheExampleOfTheDocumentationLoads) {
+    const std::string page = test::readFile(test::sourcePath("docs/formats.md"));
+    test::TempDir     folder;
+    size_t            at = page.find("## Layout and style files");
+    ASSERT_NE(at, std::string::npos);
+    for (const char* name : {"layout.xml", "style.xml"}) {
+        at = page.find("```xml\n", at) + 7;
+        const size_t end = page.find("```", at);
+        test::writeFile(folder.file(name), page.substr(at, end - at));
+        at = end + 3;
+    }
+    am::ArchiveManager archives;
+    archives.addArchive(folder.path());
+    mWindow.display().setArchive(&archives);
+    mPanorama.load("layout.xml");
+    mWindow.display().setArchive(&mWindow.archives());
+    Slider* slider = dynamic_cast<Slider*>(mPanorama.mWorkspace.findControl("speed"));
+    Button* button = dynamic_cast<Button*>(mPanorama.mWorkspace.findControl("start"));
+    ASSERT_TRUE(slider && button);
+    EXPECT_EQ(slider->getValue(), 2.0f);
+    EXPECT_EQ(button->getCaption(), "Start");
+    EXPECT_NEAR(button->mBack.color.first.x, 0x90 / 255.0f, 1e-6f);
+    EXPECT_FALSE(blank(frame()));
+}
+
 TEST_F(InputsWindow, AFrameAllocatesNothingOnceWarm) {
     mPanorama.load("gallery.xml");
     Stat*  stat = static_cast<Stat*>(mPanorama.mWorkspace.findControl("rate"));
