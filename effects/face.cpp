@@ -3,8 +3,6 @@
 #include "am_archivemanager.h"
 #include "dis_display.h"
 #include "dis_glcheck.h"
-#include "effect_view.h"
-#include "mb_matrix4x4col.h"
 
 #include <algorithm>
 #include <cmath>
@@ -32,6 +30,21 @@ struct Glow {
 const Glow passes[2] = {{Vector3f(5, 1.1f * 5, 0.1f * 5), 0.2f, 0.02f},
                         {Vector3f(0.3f, 0.2f, 0.1f), 0.4f, 0.2f}};
 
+// Half the view at depth 1, a hair inside its edges.
+const float VIEW_Y = tanf(PI / 8.0f) * 0.99999f;
+const float VIEW_X = VIEW_Y * EFFECT_ASPECT;
+
+// The part of a length from -1 to 1 around `middle`, in units of `half`, that lies within `edge` of 0.
+struct Part {
+    float low, high;
+
+    Part(float middle, float half, float edge)
+        : low(std::max(-1.0f, (-edge - middle) / half)), high(std::min(1.0f, (edge - middle) / half)) {}
+
+    float centre() const { return 0.5f * (low + high); }
+    float extent() const { return 0.5f * (high - low); }
+};
+
 } // namespace
 
 Face::Face(Common*) : mTexture(nullptr), mProgram(nullptr) {}
@@ -42,6 +55,8 @@ void Face::setup() {
     const am::File file = mDisplay->mArchiveManager->readFile("face/face.o3d");
     mScene.load(file->data, static_cast<int>(file->length));
     printf("Meshes: %d\n", static_cast<int>(mScene.mMeshes.size()));
+    for (const o3d::Mesh* mesh : mScene.mMeshes)
+        mPoints.reserve(mesh->mVertices.size() / STEP + 1);
     mTexture.load("hurry/particle.png", true);
     mTexture.init();
     mProgram.link("face/face.vert", "face/face.frag");
@@ -50,6 +65,38 @@ void Face::setup() {
 void Face::updateSpline(float, const std::string& name, float value) {
     if (name == "alpha")
         alp = value;
+}
+
+// The points of a mesh that glow, and where the camera has them.
+void Face::collect(const o3d::Mesh& mesh, const Vector3f& eye, const Billboard& board,
+                   const Matrix4x4Col& cameraInverse) {
+    const Vector3f right = board.right * 2.0f, up = board.up * 2.0f, back = right.cross(up);
+    mPoints.clear();
+    for (size_t i = 0; i < mesh.mVertices.size(); i += STEP) {
+        const Vector3f& v = mesh.mVertices[i];
+        v.getNormalized(); // a point without a direction has no side: an assertion
+        const Vector3f n = cameraInverse.multiply(v).getNormalized();
+        if (!(n.z > 0))
+            continue;
+        const Vector3f way = v - eye;
+        mPoints.push_back({v, Vector3f(right.dot(way), up.dot(way), -back.dot(way)), n.z});
+    }
+}
+
+/*
+ * A sprite is parallel to the screen, and so easily cut to what the screen shows: one vertex outside sends a
+ * whole draw the long way through software OpenGL, which clips each face by itself.
+ */
+void Face::drawSprite(const Point& point, const Billboard& board, float size) {
+    const Vector3f  right = board.right * size, up = board.up * size;
+    const Vector3f& seen = point.seen;
+    if (!(seen.z > 0))
+        return;
+    const Part x(seen.x, 0.5f * size, VIEW_X * seen.z), y(seen.y, 0.5f * size, VIEW_Y * seen.z);
+    if (x.low >= x.high || y.low >= y.high)
+        return;
+    mBatch.sprite(point.place + right * x.centre() + up * y.centre(), right * x.extent(), up * y.extent(),
+                  0.5f + 0.5f * x.low, 0.5f - 0.5f * y.high, 0.5f + 0.5f * x.high, 0.5f - 0.5f * y.low);
 }
 
 void Face::update(float time, float, float) {
@@ -70,20 +117,15 @@ void Face::update(float time, float, float) {
         GL_CALL(glDisable(GL_DEPTH_TEST));
         GL_CALL(glEnable(GL_TEXTURE_2D));
         mTexture.bind();
-        for (const Glow& glow : passes) {
-            const Vector3f right = board.right * glow.size, up = board.up * glow.size;
-            for (size_t i = 0; i < mesh->mVertices.size(); i += STEP) {
-                const Vector3f& v = mesh->mVertices[i];
-                v.getNormalized(); // a point without a direction has no side: an assertion
-                const Vector3f n = cameraInverse.multiply(v).getNormalized();
-                if (!(n.z > 0))
-                    continue;
-                const float c = n.z * alp;
-                mBatch.color(glow.color * c, glow.alpha);
-                mBatch.sprite(v, right, up);
+        collect(*mesh, eye, board, cameraInverse);
+        mBatch.setCulling(display::Batch::CULLING_OFF);
+        for (const Glow& glow : passes)
+            for (const Point& point : mPoints) {
+                mBatch.color(glow.color * (point.light * alp), glow.alpha);
+                drawSprite(point, board, glow.size);
             }
-        }
         mBatch.flush();
+        mBatch.setCulling(display::Batch::CULLING_AUTO);
         mTexture.unbind();
         GL_CALL(glDisable(GL_TEXTURE_2D));
     }

@@ -6,10 +6,14 @@
 #include "dis_texture.h"
 #include "effect_batch.h"
 #include "effect_random.h"
+#include "effect_view.h"
 #include "kin_effect.h"
+#include "mb_matrix4x4col.h"
+#include "mb_vector3.h"
 #include "o3d_manager.h"
 
 #include <string>
+#include <vector>
 
 namespace zentrak::kindler {
 
@@ -27,11 +31,23 @@ public:
     const o3d::Manager& getScene() const { return mScene; }
 
 private:
+    // A vertex that glows.
+    struct Point {
+        mathbase::Vector3f place;
+        mathbase::Vector3f seen;  // to the right, up, and into the depth of the camera
+        float              light; // above 0, at most 1
+    };
+
+    void collect(const o3d::Mesh& mesh, const mathbase::Vector3f& eye, const Billboard& board,
+                 const mathbase::Matrix4x4Col& cameraInverse);
+    void drawSprite(const Point& point, const Billboard& board, float size);
+
     am::Image              mImage; // never set
     display::Texture       mTexture;
     display::ShaderProgram mProgram; // linked, and not bound by update
     EffectRandom           mRandom;
     o3d::Manager           mScene;
+    std::vector<Point>     mPoints; // of the mesh that is drawn
     display::Batch&        mBatch = sharedBatch();
 };
 
