@@ -739,7 +739,7 @@ void Cubejox::update(DisplayGL& display, float time, float delta) {
 
 void Face::setup(DisplayGL& display) {
     const am::File file = display.mArchiveManager->readFile("face/face.o3d");
-    mScene.load(file->data, int(file->length));
+    scene.load(file->data, int(file->length));
     mTexture.setDisplay(&display);
     mTexture.load("hurry/particle.png", true);
     mTexture.init();
@@ -754,7 +754,7 @@ void Face::update(DisplayGL& display, float time) {
     inverse.setCameraInv(eye, Vector3f(0, 0, 0), 0);
     const Vector3f right = inverse.multiplyVector(Vector3f(1, 0, 0)).getNormalized() * 0.5f;
     const Vector3f up = inverse.multiplyVector(Vector3f(0, 1, 0)).getNormalized() * 0.5f;
-    for (const o3d::Mesh* mesh : mScene.mMeshes) {
+    for (const o3d::Mesh* mesh : scene.mMeshes) {
         const std::vector<Vector3f> vertices = mesh->mVertices;
         glEnable(GL_BLEND);
         glBlendFunc(GL_SRC_ALPHA, GL_ONE);

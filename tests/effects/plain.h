@@ -205,14 +205,14 @@ public:
 
 class Face {
 public:
-    float alpha = 0;
+    float        alpha = 0;
+    o3d::Manager scene;
 
     void setup(DisplayGL& display);
     void update(DisplayGL& display, float time);
 
 private:
     display::Texture mTexture{nullptr};
-    o3d::Manager     mScene;
 };
 
 } // namespace zentrak::test::plain

@@ -89,6 +89,24 @@ TEST_F(FaceTest, EveryTwentyEighthVertexGlows) {
     EXPECT_GT(test::comparePictures(at(0), one).mean, 0.001);
 }
 
+// Sprites are cut to the view: no picture must show it, at the edges and beyond, near and far.
+TEST_F(FaceTest, SpritesAcrossTheEdgesAreThoseOfOneCallPerVertex) {
+    std::vector<Vector3f> vertices;
+    for (int i = 0; i < 400; ++i) { // from the eye's side to well behind the centre, out to twice the view
+        const float depth = 0.05f + 0.01f * float(i), a = 2.39996f * float(i);
+        const float edge = depth * 0.41421f * (0.8f + 0.4f * float(i % 7) / 3.0f);
+        vertices.resize(vertices.size() + 28, Vector3f(9, 9, 9));
+        vertices[size_t(28 * i)] = Vector3f(1.6f * edge * cosf(a), edge * sinf(a), 1.3f - depth);
+    }
+    setVertices(vertices);
+    mPlain.scene.mMeshes.front()->mVertices = vertices;
+    for (float time : {0.0f, 0.05f, -0.1f}) {
+        const Picture drawn = at(time, 1);
+        EXPECT_TRUE(test::samePicture(drawn, plainAt(time, 1))) << time;
+        EXPECT_GT(test::covered(drawn, nothing()), 0.03) << time;
+    }
+}
+
 TEST_F(FaceTest, AMeshWithoutVerticesDrawsNothing) {
     setVertices({});
     EXPECT_EQ(test::comparePictures(at(0), nothing()).mean, 0);
