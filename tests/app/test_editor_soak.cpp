@@ -8,6 +8,7 @@
 #include "script_effect.h"
 #include "script_spline.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <cstdlib>
@@ -86,7 +87,7 @@ public:
                 for (const auto& key : curve->mSpline->mKeys) {
                     const Vector2f at(world.x1 + world.getWidth() * key.time,
                                       world.y1 + world.getHeight() * 0.5f * (1 + key.value));
-                    if (at.x >= 0 && at.x < 1300 && at.y >= 0 && at.y < 820)
+                    if (at.x >= 0 && at.x < float(mWidth) && at.y >= 0 && at.y < float(mHeight))
                         seen.keys.push_back(at);
                 }
             }
@@ -105,13 +106,15 @@ private:
     long         mCount = 0;
 
     std::vector<Seen> mSeen;
+    int               mWidth = EditedShow::WIDTH; // of the window
+    int               mHeight = EditedShow::HEIGHT;
 
     int number(int end) { return int(mRandom() % unsigned(end)); }
 
     // Mostly where there is something to hit: on a bar, a handle, a key, the sliders.
     Vector2f place() {
         if (mSeen.empty() || number(4) == 0)
-            return Vector2f(float(number(1300)), float(number(820)));
+            return Vector2f(float(number(mWidth)), float(number(mHeight)));
         const Seen& seen = mSeen[size_t(number(int(mSeen.size())))];
         const Box2& box = seen.box;
         if (!seen.keys.empty() && number(3) != 0)
@@ -131,10 +134,12 @@ private:
         return place;
     }
 
-    void move() {
-        const Vector2f to = place();
-        mShow.viewer().moveTo(int(to.x), int(to.y));
+    // In the window: its frame has buttons that put it away.
+    void moveTo(Vector2f to) {
+        mShow.viewer().moveTo(std::clamp(int(to.x), 1, mWidth - 2), std::clamp(int(to.y), 1, mHeight - 2));
     }
+
+    void move() { moveTo(place()); }
 
     void drag(int button) {
         move();
@@ -147,10 +152,10 @@ private:
     // Opens a menu, and mostly chooses something in it.
     void menu() {
         const Vector2f at = place();
-        mShow.viewer().moveTo(int(at.x), int(at.y));
+        moveTo(at);
         mShow.viewer().click(3);
         for (int steps = 1 + number(3); steps > 0; --steps)
-            mShow.viewer().moveTo(int(at.x) + number(160) - 20, int(at.y) + number(70) - 10);
+            moveTo(Vector2f(at.x + float(number(160) - 20), at.y + float(number(70) - 10)));
         if (number(6) != 0)
             mShow.viewer().click(1);
     }
@@ -163,7 +168,9 @@ private:
     }
 
     void resize() {
-        const int width = 900 + number(400), height = 2 * (300 + number(120));
+        const int width = 900 + number(400), height = 2 * (300 + number(100));
+        mWidth = width;
+        mHeight = height;
         mShow.frame([&] {
             display::DisplayGL& display = *mShow.kindler().mDisplay;
             display.mWindowMode.width = width;
