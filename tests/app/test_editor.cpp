@@ -1,5 +1,6 @@
 // The timeline editor in use: real mouse and keys on a real window, and after each the script in memory and
 // the picture.
+#include "allocations.h"
 #include "editor.h"
 
 #include "dis_display.h"
@@ -7,6 +8,7 @@
 #include "pan_label.h"
 #include "pan_slider.h"
 #include "pan_stat.h"
+#include "real_show.h"
 #include "script_effect.h"
 #include "script_spline.h"
 
@@ -669,5 +671,68 @@ TEST(AScript, OfFiveThousandSpansWithSplinesOpensAndScrolls) {
         show.drag(Vector2f(1274, 410), 0, 300); // the bar of the rows, to its end
         show.frame([&] { EXPECT_EQ(show.row(10000)->getArea().y1, 5000 * 100); });
         show.settle();
+    });
+}
+
+// The show in data/, as its author has it in front of him.
+
+TEST(TheRealShow, FollowsWhatIsDoneToItsBarsAndKeys) {
+    EditedShow  show(realScript());
+    RealEffects effects(show.kindler());
+    show.play([&] {
+        show.setTime(8);
+        show.open();
+        const Picture before = show.picture();
+        float         start = 0, end = 0;
+        show.frame([&] {
+            ASSERT_EQ(show.row(0)->getCaption(), "clear");
+            ASSERT_NE(show.curve(1), nullptr);
+            start = show.effect(0).mStart;
+            end = show.effect(0).mEnd;
+        });
+        const auto quarterChanged = [&](const Picture& now) {
+            int changed = 0;
+            for (int y = 0; y < 400; y += 4)
+                for (int x = 640; x < 1280; x += 4)
+                    changed += std::abs(int(now.at(x, y)[0]) - int(before.at(x, y)[0])) > 24;
+            return changed / 16000.0;
+        };
+        EXPECT_LT(quarterChanged(show.picture()), 0.02); // it stands still
+
+        show.drag(middle(show.box(show.bar(0))), 100, 0); // the background begins behind now
+        show.frame([&] {
+            EXPECT_FLOAT_EQ(show.effect(0).mStart, start + 10);
+            EXPECT_FLOAT_EQ(show.effect(0).mEnd, end + 10);
+        });
+        EXPECT_GT(quarterChanged(show.picture()), 0.1);
+
+        show.drag(middle(show.box(show.bar(0))), -100, 0);
+        show.frame([&] { EXPECT_FLOAT_EQ(show.effect(0).mStart, start); });
+        EXPECT_LT(quarterChanged(show.picture()), 0.02);
+
+        float value = 0;
+        show.frame([&] { value = show.curve(1)->mSpline->mKeys[0].value; });
+        show.drag(show.keyPlace(1, 0), 20, 14);
+        show.frame([&] {
+            const auto& keys = show.curve(1)->mSpline->mKeys;
+            EXPECT_GT(keys[0].time, 0);
+            EXPECT_NEAR(keys[0].value, value + 0.4f, 0.03f);
+        });
+    });
+}
+
+TEST(TheEditor, AllocatesNothingOnceWarm) {
+    EditedShow show(TWO_SPANS);
+    show.play([&] {
+        show.open();
+        show.moveTo(middle(show.box(show.bar(0))));
+        for (int i = 0; i < 30; ++i)
+            show.settle();
+        size_t before = 0, after = 0;
+        show.frame([&] { before = allocationCount(); });
+        for (int i = 0; i < 10; ++i)
+            show.settle();
+        show.frame([&] { after = allocationCount(); });
+        EXPECT_EQ(after, before);
     });
 }
