@@ -2,13 +2,13 @@
 
 #include "dis_key.h"
 #include "pan_curvemenu.h"
+#include "pan_number.h"
 #include "pan_render.h"
 #include "xml_iterator.h"
 
 #include <algorithm>
 #include <cassert>
 #include <cmath>
-#include <cstdlib>
 
 namespace zentrak::panorama {
 
@@ -70,8 +70,8 @@ void Spline::load(xml::IteratorConst& it) {
     xml::IteratorConst item = it.createIterator("item");
     while (++item) {
         Key key;
-        key.time = static_cast<float>(atof(item->getValue("x").c_str()));
-        key.value = static_cast<float>(atof(item->getValue("y").c_str()));
+        key.time = static_cast<float>(toNumber(item->getValue("x")));
+        key.value = static_cast<float>(toNumber(item->getValue("y")));
         mSpline->addKey(key);
     }
 }

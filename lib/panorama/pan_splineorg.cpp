@@ -2,12 +2,12 @@
 
 #include "dis_key.h"
 #include "pan_curvemenu.h"
+#include "pan_number.h"
 #include "pan_render.h"
 #include "xml_iterator.h"
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 
 namespace zentrak::panorama {
 
@@ -61,8 +61,8 @@ void SplineOrg::load(xml::IteratorConst& it) {
     setSplineType(it->getValue("type"));
     xml::IteratorConst item = it.createIterator("item");
     while (++item)
-        addNode({static_cast<float>(atof(item->getValue("x").c_str())),
-                 static_cast<float>(atof(item->getValue("y").c_str()))});
+        addNode({static_cast<float>(toNumber(item->getValue("x"))),
+                 static_cast<float>(toNumber(item->getValue("y")))});
 }
 
 bool SplineOrg::hasNode(int index) const {
