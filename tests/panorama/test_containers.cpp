@@ -263,6 +263,21 @@ TEST_F(WindowTest, theDragGoesOnOutsideTheWindow) {
     EXPECT_FALSE(window.acceptEvents(far));
 }
 
+TEST_F(WindowTest, aDragGoesOnOverAnotherControlAndEndsWithAReleaseThere) {
+    root.mRaiseOnFocus = false; // the other one stays on top
+    Window& window = add<Window>(Box2(30, 40, 230, 190));
+    Plain&  other = add<Plain>(Box2(400, 0, 800, 600));
+    sendMove(root, Vector2f(), Vector2f(100, 50));
+    send(root, "mousedown", Vector2f(100, 50));
+    sendMove(root, Vector2f(100, 50), Vector2f(500, 60));
+    EXPECT_EQ(other.heard.back(), "mousemove");
+    EXPECT_EQ(window.mArea.area, Box2(430, 50, 630, 200));
+    send(root, "mouseup", Vector2f(500, 60));
+    sendMove(root, Vector2f(500, 60), Vector2f(600, 60));
+    EXPECT_FALSE(window.mDragging);
+    EXPECT_EQ(window.mArea.area, Box2(430, 50, 630, 200));
+}
+
 TEST_F(WindowTest, insideAWorkspaceItCanBeDraggedOffTheScreen) {
     Window& window = add<Window>(Box2(30, 40, 230, 190));
     sendMove(root, Vector2f(), Vector2f(100, 50));

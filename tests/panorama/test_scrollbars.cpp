@@ -254,6 +254,23 @@ TEST_F(ScrollbarsTest, aThumbIsDraggedWithTheLeftButton) {
     EXPECT_EQ(heard.actions.size(), 2u);
 }
 
+TEST_F(ScrollbarsTest, aDragGoesOnOverAnotherControlAndEndsWithAReleaseThere) {
+    root.mRaiseOnFocus = false; // the other one stays on top
+    Plain* other = new Plain(Box2(400, 200, 600, 300));
+    root.addControl(other, -1);
+    sendMove(root, Vector2f(), Vector2f(295, 210));
+    send(root, "mousedown", Vector2f(295, 210));
+    sendMove(root, Vector2f(295, 210), Vector2f(450, 239));
+    EXPECT_EQ(other->heard.back(), "mousemove");
+    EXPECT_TRUE(bars->mDragVertical);
+    EXPECT_EQ(bars->mPosY, 29); // once
+    send(root, "mouseup", Vector2f(450, 239));
+    EXPECT_EQ(other->heard.back(), "mouseup");
+    sendMove(root, Vector2f(450, 239), Vector2f(450, 250));
+    EXPECT_FALSE(bars->mDragVertical);
+    EXPECT_EQ(bars->mPosY, 29);
+}
+
 TEST_F(ScrollbarsTest, theOtherThumbGoesSideways) {
     sendMove(root, Vector2f(), Vector2f(110, 295));
     send(root, "mousedown", Vector2f(110, 295));
