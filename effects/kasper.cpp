@@ -147,8 +147,8 @@ void Kasper::renderLight(float time, const Matrix4x4Col& model) {
     light.bind();
     light.set("light_znear", mLightNear);
     light.set("light_zfar", mLightFar);
-    renderNode(root, model, time, true, false,
-               true); // the light's frame is left-handed: it turns faces round
+    const bool flip = true; // what the light sees is mirrored: depth grows along its frame's z
+    renderNode(root, model, time, flip, false, true);
     mDisplay->setVBO(nullptr);
     mDisplay->setIBO(nullptr);
     light.unbind();

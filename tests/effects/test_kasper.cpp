@@ -158,14 +158,20 @@ TEST_F(KasperTest, ANodeOfACameraStopsTheWalkAtThatNode) {
 }
 
 TEST_F(KasperTest, AnObjectNamedExIsSeenByTheCameraButThrowsNoShadow) {
-    load([](o3d::Scene& root, const o3d::Mesh& box) {
-        scene::addInstance(root, "ground", box, Vector3f(0, -3, 0));
-        scene::addInstance(root, "ex_lamp", box, Vector3f(0, 1, 0));
-    });
+    // Two boxes beside each other, both within the reach of a light that takes in the first alone.
+    const auto boxes = [this](const char* second) {
+        load([&](o3d::Scene& root, const o3d::Mesh& box) {
+            o3d::SceneNode* ground = scene::addInstance(root, "ground", box, Vector3f(0, -2, 0));
+            scene::setValue(ground->mScale, Vector3f(2, 1, 2));
+            if (second)
+                scene::addInstance(root, second, box, Vector3f(3.2f, -2, 0));
+        });
+    };
+    boxes("ex_lamp");
     const int seen = drawn(at(0)), shadows = shadowed(lit(0));
-    load([](o3d::Scene& root, const o3d::Mesh& box) {
-        scene::addInstance(root, "ground", box, Vector3f(0, -3, 0));
-    });
+    boxes("lamp");
+    EXPECT_EQ(seen, drawn(at(0)));
+    boxes(nullptr);
     EXPECT_GT(seen, drawn(at(0)) + 500);
     EXPECT_GT(shadows, 500);
     EXPECT_EQ(shadows, shadowed(lit(0)));
