@@ -8,13 +8,14 @@
 // time with the pixels thrown away (GL_RASTERIZER_DISCARD), which leaves what it takes to get the shapes to
 // the rasteriser. "own" is the effect's update with the draw calls themselves left out: what is ours of a
 // frame. Medians.
+#include "abc.h"
 #include "am_archivemanager.h"
 #include "am_image.h"
 #include "credits.h"
 #include "cubejox.h"
-#include "face.h"
 #include "dis_display.h"
 #include "effect_random.h"
+#include "face.h"
 #include "grand.h"
 #include "greet.h"
 #include "grid.h"
@@ -22,6 +23,7 @@
 #include "overlay.h"
 #include "plain.h"
 #include "rund.h"
+#include "ssao.h"
 #include "tunnel.h"
 #include "vul.h"
 #include "waxon.h"
@@ -94,6 +96,7 @@ public:
         : window(small ? display::WindowMode("bench", 16, 10, false)
                        : display::WindowMode("bench", 1280, 800, false)) {
         mArchives.addArchive("data");
+        mArchives.addArchive("tests/data");
         window.setArchive(&mArchives);
         window.open();
         window.setFps(display::DisplayGL::FPS_VARIABLE, 0);
@@ -300,7 +303,8 @@ int main(int count, char** arguments) {
         plainFace.setup(window);
         face.updateSpline(0, "alpha", 0.4f);
         plainFace.alpha = 0.4f;
-        bench.compare("face, 0", [&] { face.update(0, 0, 0); }, [&] { plainFace.update(window, 0); });
+        bench.compare(
+            "face, 0", [&] { face.update(0, 0, 0); }, [&] { plainFace.update(window, 0); });
     }
     {
         kindler::Credits credits(&common, "moonpulse");
@@ -374,6 +378,20 @@ int main(int count, char** arguments) {
             overlay.executeTrigger(0, "type", type);
             bench.alone((std::string("overlay, ") + type).c_str(), [&] { overlay.update(5, 0, 0.5f); });
         }
+    }
+    { // the scenes, which nothing draws in another way
+        kindler::Abc  abc(&common);
+        kindler::SSAO ssao(&common);
+        Kasper        kasper;
+        bench.prepare(abc, "abc");
+        bench.prepare(ssao, "ssao");
+        kasper.loadScene(&window, "ssao/scene.o3d");
+        bench.alone("abc", [&] {
+            glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+            abc.update(3, 0, 0);
+        });
+        bench.alone("ssao", [&] { ssao.update(3, 0, 0); });
+        bench.alone("kasper, light", [&] { kasper.renderLight(3, mathbase::Matrix4x4Col()); });
     }
     kindler::EffectRandom::freeStart();
     return 0;
