@@ -1,5 +1,5 @@
-// The GUI toolkit with a tree of 2,000 controls: windows with scroll bars around buttons, labels, sliders and
-// boxes, a menu bar and an open menu.
+// The GUI toolkit with a tree of 2,000 controls: windows with scroll bars around buttons and sliders, a menu
+// bar and an open menu.
 //     tests/with_display build/bench/bench/panorama/bench_toolkit [ROUNDS]
 // from the root of the source tree. First what layout and a mouse move cost; then drawing, beside the same
 // tree drawn with one call per vertex, the two ways in turn in one run and with the same picture (which is
@@ -9,11 +9,8 @@
 #include "dis_display.h"
 #include "dis_glcheck.h"
 #include "pan_button.h"
-#include "pan_checkbox.h"
 #include "pan_context.h"
-#include "pan_label.h"
 #include "pan_menubar.h"
-#include "pan_panel.h"
 #include "pan_scrollbars.h"
 #include "pan_slider.h"
 #include "pan_window.h"
