@@ -121,13 +121,11 @@ void Cubejox::update(float time, float delta, float) {
         const Vector4f bottom = (dark * (1.0f - bw) + grey) * shade;
 
         const float r = rod.radius;
-        mBatch.begin(GL_QUADS);
-        for (int k = 0; k < SIDES; ++k) {
+        mBatch.begin(GL_QUAD_STRIP); // twelve sides that share their edges
+        for (int k = 0; k <= SIDES; ++k) {
             mBatch.color(bottom);
             mBatch.vertex(r * rim.x[k], -15.0f * r, r * rim.z[k]);
-            mBatch.vertex(r * rim.x[k + 1], -15.0f * r, r * rim.z[k + 1]);
             mBatch.color(top);
-            mBatch.vertex(r * rim.x[k + 1], r, r * rim.z[k + 1]);
             mBatch.vertex(r * rim.x[k], r, r * rim.z[k]);
         }
         mBatch.end();

@@ -281,9 +281,12 @@ void Kub::drawCubes(float time, float progress) {
     mBatch.setChannels(Batch::CHANNEL_TEXCOORD);
     const float since = time - rexpand;
     for (const Poxel& cube : poxel) {
-        Matrix4x4Col transform;
-        transform.buildPRS(Vector3f(cube.draw.x, cube.draw.z, cube.draw.y), Quatf(Eulerf(cube.rot)),
-                           Vector3f(1, 1, 1));
+        Matrix4x4Col   transform;
+        const Vector3f place(cube.draw.x, cube.draw.z, cube.draw.y);
+        if (cube.rot == Vector3f(0, 0, 0)) // most of them lie still
+            transform.setTranslation(place);
+        else
+            transform.buildPRS(place, Quatf(Eulerf(cube.rot)), Vector3f(1, 1, 1));
         Vector3f c = cube.col;
         float    h = 0.5f;
         float    b = -0.00075f;

@@ -106,9 +106,12 @@ void Tunnel::update(float time, float delta, float) {
     GL_CALL(glEnable(GL_CULL_FACE));
     GL_CALL(glEnable(GL_DEPTH_TEST));
     mProgram.bind();
+    mBatch.setCulling(
+        display::Batch::CULLING_ON); // the program puts its vertices where they would be without it
     for (int i = 0; i < int(mongo.size()); ++i)
         drawRing(mongo[size_t(i)], i, eye, delta);
     mBatch.flush();
+    mBatch.setCulling(display::Batch::CULLING_AUTO);
     mProgram.unbind();
 
     mDisplay->setTransform(Matrix4x4Col());

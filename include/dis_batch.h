@@ -9,6 +9,7 @@
 #include <GL/glew.h>
 #include <cstddef>
 #include <cstdint>
+#include <vector>
 
 namespace zentrak::display {
 
@@ -47,9 +48,9 @@ public:
         CHANNEL_AUTO = 4, // what the state of OpenGL reads: texturing, lighting; with a program in use, both
     };
 
-    // Whether shapes that cannot be seen are left out here, ahead of OpenGL: boxes, sprites, quads and rects
-    // outside the view volume, and the faces of boxes that GL_CULL_FACE removes (with GL_CULL_FACE off no
-    // face is left out).
+    // Whether shapes that cannot be seen are left out here, ahead of OpenGL: boxes, sprites and primitives of
+    // faces outside the view volume, and the faces of boxes and of GL_QUADS that GL_CULL_FACE removes (with
+    // GL_CULL_FACE off no face is left out). quad() and rect() are drawn as they come.
     enum Culling {
         CULLING_AUTO, // when no program is in use
         CULLING_ON,   // always; right for a program that puts its vertices where fixed function would
@@ -147,6 +148,9 @@ private:
     static constexpr int    ATTRIBS = 4;
     static constexpr int    FIRST_ATTRIB = 6;
 
+    // Of a shape, against the view volume.
+    enum Place { INSIDE, ACROSS, OUTSIDE };
+
     // Memory that grows and is kept; its start lies on a cache line.
     template <class T>
     struct Array {
@@ -175,7 +179,13 @@ private:
     void     openPrimitive(GLenum mode);
     void     closePrimitive(GLenum mode, size_t first);
     void     addIndices(GLenum mode, size_t first, size_t count);
-    bool     outside(const float* centre, const float* axes, int count) const;
+    Place    placeOf(const float* centre, const float* axes, int count) const;
+    Place    placeOf(size_t first) const;
+    bool     isCulled(const float* a, const float* b, const float* c) const;
+    void     cullQuads();
+    void     moveQuad(size_t from, size_t to);
+    void     markRun(Place place);
+    void     drawRuns(GLenum mode, size_t count);
     unsigned visibleFaces(const float* centre, const float* axes) const;
     void     addQuad(const float* corners, float s0, float t0, float s1, float t1, bool columnFirst);
     void     fill(size_t first, size_t count, unsigned channels);
@@ -192,6 +202,12 @@ private:
     Array<float>    mNormal;          // 4 a vertex: x, y, z, 0
     Array<float>    mAttrib[ATTRIBS]; // 4 a vertex
     Array<uint32_t> mIndex;
+
+    std::vector<uint32_t> mRuns; // the vertices at which shapes change between inside and across
+    std::vector<GLint>    mFirsts;
+    std::vector<GLsizei>  mCounts;
+    Place                 mFirstPlace = ACROSS;
+    Place                 mPlace = ACROSS; // of the last shape
 
     size_t   mCount = 0;   // vertices
     size_t   mRoom = 0;    // vertices for which every array in use has room

@@ -9,6 +9,7 @@
 #include <cmath>
 #include <cstring>
 #include <new>
+#include <utility>
 #include <xmmintrin.h>
 
 namespace zentrak::display {
@@ -18,8 +19,9 @@ namespace {
 constexpr size_t MIN_VERTICES = 1024;
 constexpr size_t DRAW_VERTICES = size_t(1)
                                  << 20; // between two primitives beyond this, what is there is drawn
-constexpr size_t MOST_VERTICES = size_t(1) << 30; // what OpenGL's int counts and 32-bit indices take
-constexpr size_t LINE = 64;                       // bytes of a cache line
+constexpr size_t   MOST_VERTICES = size_t(1) << 30; // what OpenGL's int counts and 32-bit indices take
+constexpr uint32_t SHORT_RUN = 64;                  // vertices
+constexpr size_t   LINE = 64;                       // bytes of a cache line
 
 // Corners of a box are numbered by their signs: bit 0 for +x, bit 1 for +y, bit 2 for +z. Each face has its
 // lower left, lower right, upper right and upper left corner as seen from outside.
@@ -312,9 +314,10 @@ void Batch::lookVolume() {
     }
 }
 
-// Whether `centre` plus and minus each of `count` axes (4 floats each) is outside one plane of the view
-// volume.
-bool Batch::outside(const float* centre, const float* axes, int count) const {
+// Where `centre` plus and minus each of `count` axes (4 floats each) lies: outside one plane of the view
+// volume, inside all of them, or else across.
+Batch::Place Batch::placeOf(const float* centre, const float* axes, int count) const {
+    Place place = INSIDE;
     for (int half = 0; half < 8; half += 4) {
         const __m128 x = _mm_loadu_ps(mView.plane[0] + half), y = _mm_loadu_ps(mView.plane[1] + half);
         const __m128 z = _mm_loadu_ps(mView.plane[2] + half), w = _mm_loadu_ps(mView.plane[3] + half);
@@ -322,13 +325,48 @@ bool Batch::outside(const float* centre, const float* axes, int count) const {
             return _mm_add_ps(_mm_add_ps(_mm_mul_ps(x, _mm_set1_ps(v[0])), _mm_mul_ps(y, _mm_set1_ps(v[1]))),
                                 _mm_mul_ps(z, _mm_set1_ps(v[2])));
         };
-        __m128 nearest = _mm_add_ps(product(centre), w);
+        const __m128 middle = _mm_add_ps(product(centre), w);
+        __m128       reach = _mm_setzero_ps();
         for (int i = 0; i < count; ++i)
-            nearest = _mm_add_ps(nearest, absolute(product(axes + 4 * i)));
-        if (_mm_movemask_ps(_mm_cmplt_ps(nearest, _mm_setzero_ps())))
-            return true;
+            reach = _mm_add_ps(reach, absolute(product(axes + 4 * i)));
+        if (_mm_movemask_ps(_mm_cmplt_ps(_mm_add_ps(middle, reach), _mm_setzero_ps())))
+            return OUTSIDE;
+        if (_mm_movemask_ps(_mm_cmpnge_ps(_mm_sub_ps(middle, reach), _mm_setzero_ps())))
+            place = ACROSS;
     }
-    return false;
+    return place;
+}
+
+// The same of the vertices from `first` on.
+Batch::Place Batch::placeOf(size_t first) const {
+    int  outside[2] = {15, 15};
+    bool inside = true;
+    for (const float *p = mPosition.data + 4 * first, *end = mPosition.data + 4 * mCount; p != end; p += 4) {
+        for (int half = 0; half < 2; ++half) {
+            const float* plane[4] = {mView.plane[0] + 4 * half, mView.plane[1] + 4 * half,
+                                     mView.plane[2] + 4 * half, mView.plane[3] + 4 * half};
+            const __m128 distance = _mm_add_ps(
+                _mm_add_ps(_mm_mul_ps(_mm_loadu_ps(plane[0]), _mm_set1_ps(p[0])),
+                           _mm_mul_ps(_mm_loadu_ps(plane[1]), _mm_set1_ps(p[1]))),
+                _mm_add_ps(_mm_mul_ps(_mm_loadu_ps(plane[2]), _mm_set1_ps(p[2])), _mm_loadu_ps(plane[3])));
+            const int beyond = _mm_movemask_ps(_mm_cmpnge_ps(distance, _mm_setzero_ps()));
+            outside[half] &= beyond;
+            inside = inside && !beyond;
+        }
+    }
+    return outside[0] || outside[1] ? OUTSIDE : inside ? INSIDE : ACROSS;
+}
+
+// The shape that begins here, with the vertex now to come. Those that lie inside the view are drawn apart
+// from those that reach across its edge: in the driver one vertex outside makes all of a draw slow.
+void Batch::markRun(Place place) {
+    if (mCount == 0) {
+        mRuns.clear();
+        mFirstPlace = mPlace = place;
+    } else if (place != mPlace) {
+        mRuns.push_back(static_cast<uint32_t>(mCount));
+        mPlace = place;
+    }
 }
 
 // The faces of a box, three half axes of 4 floats each around `centre`, that GL_CULL_FACE lets through: bit 1
@@ -349,6 +387,50 @@ unsigned Batch::visibleFaces(const float* centre, const float* axes) const {
             faces |= 1u << f;
     }
     return faces;
+}
+
+// Whether GL_CULL_FACE removes the triangle of three corners.
+bool Batch::isCulled(const float* a, const float* b, const float* c) const {
+    const float  ab[3] = {b[0] - a[0], b[1] - a[1], b[2] - a[2]};
+    const float  ac[3] = {c[0] - a[0], c[1] - a[1], c[2] - a[2]};
+    const float* eye = mView.eye;
+    const float  toEye[3] = {eye[0] - eye[3] * a[0], eye[1] - eye[3] * a[1], eye[2] - eye[3] * a[2]};
+    float        normal[3];
+    cross(ab, ac, normal);
+    const float area = dot(toEye, normal);
+    return !((area > 0 && mView.keepCounter) || (area < 0 && mView.keepClockwise));
+}
+
+// Drops those of the open primitive's quads of which GL_CULL_FACE leaves nothing.
+void Batch::cullQuads() {
+    mCount -= (mCount - mFirst) % 4;
+    size_t kept = mFirst;
+    for (size_t quad = mFirst; quad < mCount; quad += 4) {
+        const float* p = mPosition.data + 4 * quad;
+        if (isCulled(p, p + 4, p + 8) && isCulled(p, p + 8, p + 12))
+            continue;
+        if (kept != quad)
+            moveQuad(quad, kept);
+        kept += 4;
+    }
+    mCount = kept;
+}
+
+void Batch::moveQuad(size_t from, size_t to) {
+    const auto move = [&](Array<float>& array, size_t components) {
+        std::memcpy(array.data + components * to, array.data + components * from,
+                    4 * components * sizeof(float));
+    };
+    move(mPosition, 4);
+    if (mHas & HAS_COLOR)
+        move(mColor, 4);
+    if (mHas & HAS_TEXCOORD)
+        move(mTexCoord, 2);
+    if (mHas & HAS_NORMAL)
+        move(mNormal, 4);
+    for (int i = 0; mHas >= HAS_ATTRIB && i < ATTRIBS; ++i)
+        if (mHas & (HAS_ATTRIB << i))
+            move(mAttrib[i], 4);
 }
 
 void Batch::openPrimitive(GLenum mode) {
@@ -466,6 +548,19 @@ void Batch::end() {
     assert(mMode != NOTHING);
     const GLenum mode = mMode;
     mMode = NOTHING;
+    Place place = ACROSS;
+    if (mView.cull && mCount != mFirst && baseOf(mode) == GL_TRIANGLES) {
+        place = placeOf(mFirst);
+        if (place == OUTSIDE) {
+            mCount = mFirst;
+            return;
+        }
+        if (mode == GL_QUADS && !(mView.keepCounter && mView.keepClockwise))
+            cullQuads();
+    }
+    const size_t count = std::exchange(mCount, mFirst);
+    markRun(place);
+    mCount = count;
     closePrimitive(mode, mFirst);
 }
 
@@ -476,18 +571,21 @@ void Batch::box(const mathbase::Vector3f& centre, const mathbase::Vector3f& half
     const __m128 ay = _mm_mul_ps(_mm_load_ps(mTransform + 4), _mm_set1_ps(half.y));
     const __m128 az = _mm_mul_ps(_mm_load_ps(mTransform + 8), _mm_set1_ps(half.z));
     unsigned     faces = (1u << FACES) - 1;
+    Place        place = ACROSS;
     if (mView.cull) {
         alignas(16) float middle[4], axes[12];
         _mm_store_ps(middle, c);
         _mm_store_ps(axes, ax);
         _mm_store_ps(axes + 4, ay);
         _mm_store_ps(axes + 8, az);
-        if (outside(middle, axes, 3))
+        place = placeOf(middle, axes, 3);
+        if (place == OUTSIDE)
             return;
         faces = visibleFaces(middle, axes);
         if (!faces)
             return;
     }
+    markRun(place);
 
     const unsigned has = mView.channels;
     if ((has & CHANNEL_TEXCOORD) && !(mHas & HAS_TEXCOORD))
@@ -568,14 +666,17 @@ void Batch::sprite(const mathbase::Vector3f& centre, const mathbase::Vector3f& r
         r = transformVector(mTransform, right.x, right.y, right.z);
         u = transformVector(mTransform, up.x, up.y, up.z);
     }
+    Place place = ACROSS;
     if (mView.cull) {
         alignas(16) float middle[4], axes[8];
         _mm_store_ps(middle, c);
         _mm_store_ps(axes, r);
         _mm_store_ps(axes + 4, u);
-        if (outside(middle, axes, 2))
+        place = placeOf(middle, axes, 2);
+        if (place == OUTSIDE)
             return;
     }
+    markRun(place);
     const __m128      rising = _mm_add_ps(u, r), falling = _mm_sub_ps(u, r);
     alignas(16) float corners[16];
     _mm_store_ps(corners, _mm_add_ps(c, falling));
@@ -594,6 +695,7 @@ void Batch::quad(const mathbase::Vector3f& a, const mathbase::Vector3f& b, const
         _mm_store_ps(corners + 4 * i,
                      mIdentity ? _mm_setr_ps(given[i]->x, given[i]->y, given[i]->z, 1)
                                : transformPoint(mTransform, given[i]->x, given[i]->y, given[i]->z));
+    markRun(ACROSS);
     addQuad(corners, s0, t0, s1, t1, false);
 }
 
@@ -651,7 +753,7 @@ void Batch::drawCollected() {
     if (indices)
         GL_CALL(glDrawElements(mode, GLsizei(indices), GL_UNSIGNED_INT, mIndex.data));
     else
-        GL_CALL(glDrawArrays(mode, 0, GLsizei(count)));
+        drawRuns(mode, count);
 
     if (aside)
         GL_CALL(glPopClientAttrib());
@@ -667,6 +769,35 @@ void Batch::drawCollected() {
             if (mHas & (HAS_ATTRIB << i))
                 GL_CALL(glDisableVertexAttribArrayARB(GLuint(FIRST_ATTRIB + i)));
     }
+}
+
+// The vertices in order, in as many ranges as they change between inside and across, but none inside so short
+// that it is not worth a draw.
+void Batch::drawRuns(GLenum mode, size_t count) {
+    if (mRuns.empty()) {
+        GL_CALL(glDrawArrays(mode, 0, GLsizei(count)));
+        return;
+    }
+    mRuns.push_back(static_cast<uint32_t>(count));
+    mFirsts.clear();
+    mCounts.clear();
+    Place    place = mFirstPlace;
+    uint32_t start = 0;
+    bool     open = false; // the last range is one across, and may grow
+    for (const uint32_t end : mRuns) {
+        const bool across = place == ACROSS || end - start < SHORT_RUN;
+        if (across && open) {
+            mCounts.back() += GLsizei(end - start);
+        } else {
+            mFirsts.push_back(GLint(start));
+            mCounts.push_back(GLsizei(end - start));
+        }
+        open = across;
+        start = end;
+        place = place == ACROSS ? INSIDE : ACROSS;
+    }
+    mRuns.clear();
+    GL_CALL(glMultiDrawArrays(mode, mFirsts.data(), mCounts.data(), GLsizei(mCounts.size())));
 }
 
 // Keeps the arrays that are now set up for glPopClientAttrib, and leaves none enabled and no buffer bound.
