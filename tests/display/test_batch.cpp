@@ -10,6 +10,7 @@
 #include <cmath>
 #include <cstring>
 #include <string>
+#include <utility>
 
 using namespace zentrak;
 using namespace zentrak::test;
@@ -274,6 +275,85 @@ TEST_F(BatchTest, culledFacesBothWays) {
                     glEnable(GL_BLEND);
                 },
                 [](auto& p) { drawBoxes(p, 150, 10, 15, 50, 1.5f); });
+}
+
+// The same shapes with and without what is left out and drawn apart: the same vertices, so the same picture.
+// Blended, so that a shape out of order shows.
+TEST_F(BatchTest, boxesInsideTheViewAndAcrossItsEdgeStayInOrder) {
+    const auto draw = [&](Batch::Culling culling) {
+        return frame([&] {
+            perspective(display());
+            glEnable(GL_BLEND);
+            batch.setCulling(culling);
+            Random random;
+            for (int i = 0; i < 400; ++i) {
+                const bool across = i % 97 < 5 || i > 390; // between long runs inside
+                batch.setTransform(randomPlace(random, 4, 20, 30));
+                batch.color(random(0.2f, 1), random(0.2f, 1), random(0.2f, 1), 0.5f);
+                batch.box(Vector3f(across ? 12.0f : 0.0f, 0, 0),
+                          across ? Vector3f(6, 1, 1) : Vector3f(1, 1, 1));
+            }
+            batch.flush();
+        });
+    };
+    const Picture whole = draw(Batch::CULLING_OFF);
+    EXPECT_LE(comparePictures(draw(Batch::CULLING_ON), whole).mean, 0.02);
+    batch.setCulling(Batch::CULLING_AUTO);
+}
+
+// Turned every way, some of them around the eye.
+TEST_F(BatchTest, separateQuadsLoseTheFacesThatAreCulled) {
+    for (const GLenum culled : {GL_BACK, GL_FRONT}) {
+        const auto draw = [&](Batch::Culling culling) {
+            return frame([&] {
+                perspective(display());
+                glEnable(GL_CULL_FACE);
+                glCullFace(culled);
+                glEnable(GL_BLEND);
+                batch.setCulling(culling);
+                Random random;
+                for (int i = 0; i < 200; ++i) {
+                    batch.setTransform(randomPlace(random, 8, 0.5f, 30));
+                    batch.begin(GL_QUADS);
+                    for (int face = 0; face < 5; ++face) {
+                        const float z = random(-1, 1), side = face % 2 ? 1.0f : -1.0f;
+                        batch.color(random(0.2f, 1), random(0.2f, 1), random(0.2f, 1), 0.6f);
+                        for (const auto& [x, y] :
+                             {std::pair(-1, -1), std::pair(1, -1), std::pair(1, 1), std::pair(-1, 1)})
+                            batch.vertex(side * float(x), float(y), z);
+                    }
+                    batch.end();
+                }
+                EXPECT_EQ(batch.getVertices() < 3000, culling == Batch::CULLING_ON);
+                batch.flush();
+            });
+        };
+        const Picture whole = draw(Batch::CULLING_OFF);
+        EXPECT_LE(comparePictures(draw(Batch::CULLING_ON), whole).mean, 0.02);
+    }
+    batch.setCulling(Batch::CULLING_AUTO);
+}
+
+TEST_F(BatchTest, quadsThatAreTurnedAwayCostNoVertex) {
+    frame([&] {
+        perspective(display());
+        glEnable(GL_CULL_FACE);
+        batch.begin(GL_QUADS);
+        for (const float side : {1.0f, -1.0f, 1.0f}) {
+            batch.vertex(-side, -1, -10);
+            batch.vertex(side, -1, -10);
+            batch.vertex(side, 1, -10);
+            batch.vertex(-side, 1, -10);
+        }
+        batch.end();
+        EXPECT_EQ(batch.getVertices(), 8u);
+        batch.begin(GL_TRIANGLE_FAN); // beside the view
+        for (int i = 0; i < 5; ++i)
+            batch.vertex(100 + float(i), float(i * i), -10);
+        batch.end();
+        EXPECT_EQ(batch.getVertices(), 8u);
+        batch.flush();
+    });
 }
 
 TEST_F(BatchTest, everythingCulledDrawsNothing) {

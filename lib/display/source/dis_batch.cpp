@@ -407,8 +407,9 @@ void Batch::cullQuads() {
     size_t kept = mFirst;
     for (size_t quad = mFirst; quad < mCount; quad += 4) {
         const float* p = mPosition.data + 4 * quad;
-        if (isCulled(p, p + 4, p + 8) && isCulled(p, p + 8, p + 12))
-            continue;
+        if (isCulled(p, p + 4, p + 8) && isCulled(p, p + 8, p + 12) && isCulled(p, p + 4, p + 12) &&
+            isCulled(p + 4, p + 8, p + 12))
+            continue; // cut along either diagonal, should it be bent
         if (kept != quad)
             moveQuad(quad, kept);
         kept += 4;
