@@ -129,7 +129,7 @@ public:
 
     void use(bool plain) {
         mUsePlain = plain;
-        forget(*this);
+        forgetRender(*this);
     }
     void drawFrame() {
         getRender()->setupDraw(Vector2f(WIDTH, HEIGHT), Vector2f(), 0);
@@ -138,10 +138,10 @@ public:
     }
 
 private:
-    static void forget(Control& control) { // which one it was
+    static void forgetRender(Control& control) { // which one it was
         control.mRender = nullptr;
         for (Control* child : control.mControls)
-            forget(*child);
+            forgetRender(*child);
     }
 };
 
