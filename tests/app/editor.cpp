@@ -154,11 +154,14 @@ void EditedShow::setTime(float t) {
 }
 
 bool EditedShow::until(const std::string& what, const std::function<bool()>& done) {
-    return mViewer->until(what, [&] {
-        bool result = false;
-        mHook->run([&] { result = done(); });
-        return result;
-    });
+    return mViewer->until(
+        what,
+        [&] {
+            bool result = false;
+            mHook->run([&] { result = done(); });
+            return result;
+        },
+        150); // a frame of the real show may take a second under sanitizers
 }
 
 void EditedShow::settle() {
