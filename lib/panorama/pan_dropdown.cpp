@@ -195,7 +195,7 @@ void Dropdown::List::drawRow(Render& render, int row) {
 void Dropdown::List::snap(Event& event) const {
     const Box2& area = mArea.area;
     const float row = std::floor((event.mousePos.y - area.y1 - mMargin + mRowGap * 0.5f) / getPitch());
-    if (contains(area, event.mousePos) && row >= 0 && row < float(count()))
+    if (isInside(area, event.mousePos) && row >= 0 && row < float(count()))
         event.mousePos.y = area.y1 + mMargin + getPitch() * row + ROW_HEIGHT * 0.5f;
 }
 

@@ -52,7 +52,7 @@ void outline(Render& render, const Box2& box, const ColorPair& pair) {
 }
 
 void clipTo(Render& render, const Box2& a, const Box2& b) {
-    Box2 box = common(a, b);
+    Box2 box = cut(a, b);
     if (!(box.x2 > box.x1 && box.y2 > box.y1))
         box = Box2();
     render.setClipArea(box);

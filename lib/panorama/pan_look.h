@@ -3,6 +3,7 @@
 
 #include "mb_box2.h"
 #include "mb_vector4.h"
+#include "pan_box.h"
 #include "pan_control.h"
 #include "pan_number.h"
 #include "pan_render.h"
@@ -44,14 +45,6 @@ inline mathbase::Box2 toPixels(const mathbase::Box2& box) {
 }
 inline mathbase::Box2 shrunk(const mathbase::Box2& box, float by) {
     return mathbase::Box2(box.x1 + by, box.y1 + by, box.x2 - by, box.y2 - by);
-}
-inline mathbase::Box2 common(const mathbase::Box2& a, const mathbase::Box2& b) {
-    return mathbase::Box2(std::max(a.x1, b.x1), std::max(a.y1, b.y1), std::min(a.x2, b.x2),
-                          std::min(a.y2, b.y2));
-}
-// The lower edges belong to it, the upper ones do not.
-inline bool contains(const mathbase::Box2& box, const mathbase::Vector2f& place) {
-    return place.x >= box.x1 && place.x < box.x2 && place.y >= box.y1 && place.y < box.y2;
 }
 
 // A box with a gradient downwards, and an outline; nothing of one that is turned inside out or all clear.

@@ -96,7 +96,7 @@ Box2 RadioButton::getRow(int index) const {
 }
 
 int RadioButton::rowAt(const Vector2f& place) const {
-    if (!contains(mArea.clip, place))
+    if (!isInside(mArea.clip, place))
         return -1;
     const float row = std::floor((place.y - getRow(0).y1) / ROW);
     return row >= 0 && row < float(mBoxes.size()) ? int(row) : -1;

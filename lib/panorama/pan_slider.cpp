@@ -128,7 +128,7 @@ int Slider::handleEvent(Event& event) {
         return 1;
     }
     if (event.type == "mousemove" || event.type == "reset")
-        mHoverAmount = event.type == "mousemove" && contains(getHandleBox(), event.mousePos) ? 1 : 0;
+        mHoverAmount = event.type == "mousemove" && isInside(getHandleBox(), event.mousePos) ? 1 : 0;
     return result;
 }
 

@@ -379,7 +379,7 @@ void TextInput::draw() {
     clipTo(*render, inside, mArea.clip);
     if (mAnchor != mCaret) {
         const size_t low = std::min(mAnchor, mCaret), high = std::max(mAnchor, mCaret);
-        fill(*render, common(Box2(place(low), middle - half, place(high), middle + half), inside),
+        fill(*render, cut(Box2(place(low), middle - half, place(high), middle + half), inside),
              keys ? mCaption.highlight : mCaption.inactive);
     }
 

@@ -228,7 +228,7 @@ Box2 TreeView::getThumb(bool across) {
 
 int TreeView::rowAt(const Vector2f& place) {
     const Box2 view = getView();
-    if (!contains(common(view, mArea.clip), place))
+    if (!isInside(cut(view, mArea.clip), place))
         return -1;
     const float y = place.y - view.y1 + mScrollY;
     const auto  behind = std::upper_bound(mTops.begin(), mTops.end(), y);
@@ -272,11 +272,11 @@ bool TreeView::handlePress(const Event& event) {
         const Box2 thumb = getThumb(across), view = getView();
         const Box2 track =
             across ? Box2(view.x1, thumb.y1, view.x2, thumb.y2) : Box2(thumb.x1, view.y1, thumb.x2, view.y2);
-        if (!contains(track, event.mousePos) || thumb == Box2())
+        if (!isInside(track, event.mousePos) || thumb == Box2())
             continue;
         const float place = across ? event.mousePos.x : event.mousePos.y,
                     start = across ? thumb.x1 : thumb.y1;
-        if (contains(thumb, event.mousePos)) {
+        if (isInside(thumb, event.mousePos)) {
             mDrag = across ? ACROSS : VERTICAL;
             mGrip = place - start;
         } else { // beside the thumb: a page towards the mouse
