@@ -87,10 +87,14 @@ private:
     void drawQuad(const mathbase::Box2& box, const mathbase::Vector4f& upperLeft,
                   const mathbase::Vector4f& upperRight, const mathbase::Vector4f& lowerRight,
                   const mathbase::Vector4f& lowerLeft);
+    void addQuad(display::Batch& batch, const mathbase::Box2& box, const mathbase::Box2& seen,
+                 const mathbase::Vector4f& upperLeft, const mathbase::Vector4f& upperRight,
+                 const mathbase::Vector4f& lowerRight, const mathbase::Vector4f& lowerLeft);
     int  clipPolygon(const Point* points, int count);
 
     mathbase::Box2     mClip; // in whole pixels of the view
     display::Batch     mBatch;
+    display::Batch     mLarge;   // for what is drawn by itself
     mathbase::Vector2f mSolid;   // where the font's texture is white
     std::vector<Point> mPolygon; // while it is cut
     std::vector<Point> mCut;

@@ -18,6 +18,7 @@ namespace {
 constexpr float PI = 3.1415927f;
 constexpr float FAR_AWAY = 1e6f;    // pixels; no window is as large
 constexpr int   MAX_SEGMENTS = 720; // of a circle: more than can be seen
+constexpr float LARGE = 20000.0f;   // pixels in all, from which a box is drawn by itself
 constexpr float SPACE = 3.0f;       // pixels, the advance of a blank
 
 const Box2 UNCLIPPED(-FAR_AWAY, -FAR_AWAY, FAR_AWAY, FAR_AWAY);
@@ -55,6 +56,8 @@ Vector4f mix(const Vector4f& a, const Vector4f& b, float t) {
 Render::Render() : mColorFirst(1, 1, 1, 1), mColorSecond(1, 1, 1, 1), mClip(UNCLIPPED) {
     mBatch.setChannels(display::Batch::CHANNEL_TEXCOORD);
     mBatch.setCulling(display::Batch::CULLING_OFF);
+    mLarge.setChannels(display::Batch::CHANNEL_NONE);
+    mLarge.setCulling(display::Batch::CULLING_OFF);
 }
 
 Render::~Render() {
@@ -126,15 +129,33 @@ void Render::flush() {
     }
 }
 
-// A box with a colour at each corner, changing along one axis alone.
+// A box with a colour at each corner, changing along one axis alone. A large one is drawn by itself: without
+// the texture, and without blending where it covers, software OpenGL fills it in a fraction of the time.
 void Render::drawQuad(const Box2& box, const Vector4f& upperLeft, const Vector4f& upperRight,
                       const Vector4f& lowerRight, const Vector4f& lowerLeft) {
     const Box2 seen = cut(box, mClip);
     if (!hasExtent(seen) || !hasExtent(box))
         return;
+    if (seen.getWidth() * seen.getHeight() < LARGE) {
+        addQuad(mBatch, box, seen, upperLeft, upperRight, lowerRight, lowerLeft);
+        return;
+    }
+    flush();
+    const bool covers = upperLeft.w >= 1 && upperRight.w >= 1 && lowerRight.w >= 1 && lowerLeft.w >= 1;
+    if (covers)
+        GL_CALL(glDisable(GL_BLEND));
+    addQuad(mLarge, box, seen, upperLeft, upperRight, lowerRight, lowerLeft);
+    mLarge.flush();
+    if (covers)
+        GL_CALL(glEnable(GL_BLEND));
+}
+
+// `seen` is what of the box is inside the clip area.
+void Render::addQuad(display::Batch& batch, const Box2& box, const Box2& seen, const Vector4f& upperLeft,
+                     const Vector4f& upperRight, const Vector4f& lowerRight, const Vector4f& lowerLeft) {
     if (upperLeft == lowerRight && upperRight == lowerLeft && upperLeft == upperRight) {
-        mBatch.color(upperLeft);
-        mBatch.rect(seen.x1, seen.y1, seen.x2, seen.y2, mSolid.x, mSolid.y, mSolid.x, mSolid.y);
+        batch.color(upperLeft);
+        batch.rect(seen.x1, seen.y1, seen.x2, seen.y2, mSolid.x, mSolid.y, mSolid.x, mSolid.y);
         return;
     }
     const float left = share(seen.x1 - box.x1, box.getWidth());
@@ -142,16 +163,16 @@ void Render::drawQuad(const Box2& box, const Vector4f& upperLeft, const Vector4f
     const float top = share(seen.y1 - box.y1, box.getHeight());
     const float bottom = share(seen.y2 - box.y1, box.getHeight());
     const auto  corner = [&](float x, float y, float s, float t) {
-        mBatch.color(mix(mix(upperLeft, upperRight, s), mix(lowerLeft, lowerRight, s), t));
-        mBatch.vertex(x, y);
+        batch.color(mix(mix(upperLeft, upperRight, s), mix(lowerLeft, lowerRight, s), t));
+        batch.vertex(x, y);
     };
-    mBatch.texCoord(mSolid.x, mSolid.y);
-    mBatch.begin(GL_QUADS);
+    batch.texCoord(mSolid.x, mSolid.y);
+    batch.begin(GL_QUADS);
     corner(seen.x1, seen.y1, left, top);
     corner(seen.x2, seen.y1, right, top);
     corner(seen.x2, seen.y2, right, bottom);
     corner(seen.x1, seen.y2, left, bottom);
-    mBatch.end();
+    batch.end();
 }
 
 void Render::drawBox(const Box2& box, int direction) {
