@@ -63,7 +63,7 @@ TEST_F(WarmTest, NoEffectAsksForMemory) {
     Grand   grand(&mCommon);
     Credits credits(&mCommon, "qark");
     Tunnel  tunnel(&mCommon);
-    test::prepare(waxon, display(), "waxon"); // makes the target that Overlay shows
+    expectNone(waxon, "waxon", "which", "vaddr"); // and makes the target that Overlay shows
     expectNone(overlay, "overlay", "type", "shader");
     expectNone(border, "border", "", "");
     expectNone(rund, "rund", "shot", "");
