@@ -34,7 +34,8 @@ private:
     void drawOutlined(const o3d::MeshInstance& instance, const mathbase::Matrix4x4Col& world,
                       const mathbase::Matrix4x4Col& shell, float time, bool flip);
 
-    [[maybe_unused]] Common*      mCommon; // not owned
+protected:
+    Common*                       mCommon; // not owned; looked up in by no one yet
     SceneMeshes                   mMeshes;
     std::unique_ptr<o3d::Manager> scene; // null until loaded
     display::ShaderProgram        mProgram;
