@@ -271,7 +271,7 @@ TEST_F(AbcTest, RunsAtAnyTime) {
 using AbcDeathTest = AbcTest;
 
 TEST_F(AbcDeathTest, ANodeWithoutItsMeshFailsItsAssertion) {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    testing::GTEST_FLAG(death_test_style) = "threadsafe";
     writeScene(SCENE, [&](o3d::Scene& root, const o3d::Mesh& box) {
         scene::addInstance(root, "cube", box, Vector3f(0, 0, 0))->mMeshName = "missing";
     });

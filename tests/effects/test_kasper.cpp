@@ -374,7 +374,7 @@ TEST_F(KasperTest, ANodeWithoutKeysAndTimesThatAreNoNumberAreTaken) {
 using KasperDeathTest = KasperTest;
 
 TEST_F(KasperDeathTest, AMissingMeshFailsItsAssertion) {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    testing::GTEST_FLAG(death_test_style) = "threadsafe";
     EXPECT_DEATH(
         {
             load([](o3d::Scene& root, const o3d::Mesh& box) {
