@@ -114,6 +114,29 @@ TEST(TheEditor, HasARowForEachSpanAndEachSplineInTheOrderOfTheScript) {
     });
 }
 
+TEST(TheEditor, EachLevelOfTheNestIndentsItsLabelByTwentyPixels) {
+    EditedShow show("<script><effect name=\"a\" end=\"9\"><spline name=\"a\"><key/></spline>"
+                    "<effect name=\"a\" end=\"9\"><effect name=\"a\" end=\"9\"/></effect></effect></script>");
+    show.play([&] {
+        show.open();
+        const Picture picture = show.picture();
+        const auto    labelOf = [&](int row) { // where its text begins
+            const Box2 box = show.box(show.row(row));
+            for (int x = int(box.x1) + 1; x < 199; ++x)
+                for (int y = int(box.y1) + 1; y < int(box.y2) - 1; ++y)
+                    if (picture.at(x, y)[0] > 180)
+                        return x - int(box.x1);
+            return -1;
+        };
+        const int first = labelOf(0);
+        EXPECT_GE(first, 5);
+        EXPECT_LT(first, 10);
+        EXPECT_EQ(labelOf(1), first); // a curve stands with its span
+        EXPECT_EQ(labelOf(2), first + 20);
+        EXPECT_EQ(labelOf(3), first + 40);
+    });
+}
+
 TEST(TheEditor, DraggingABarMovesItsSpanAndThePictureFollows) {
     EditedShow show(TWO_SPANS);
     show.play([&] {

@@ -1,7 +1,9 @@
 // The whole program as its users start it: files in a folder, a window, keys, and what is left behind.
+#include "effect_names.h"
 #include "music.h"
 #include "program.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
@@ -262,6 +264,23 @@ TEST(TheProgram, AnEffectThatCanNotLoadIsToldAndTheSetupSaved) {
     EXPECT_TRUE(contains(program.output(), "\nerror: loadImage, File not found (border/border2.png)\n"))
         << program.output();
     EXPECT_TRUE(contains(program.read("setup.local.xml"), "<music mute=\"off\"/>"));
+}
+
+// The script names one of them alone.
+TEST(TheProgram, LoadsEveryEffectOfTheTableOfNamesAndNoOtherInItsOrder) {
+    Program program;
+    prepare(program);
+    playAndQuit(program);
+    std::vector<std::string> loaded, listed;
+    const std::string        output = program.output(), start = "[log][loadEffects], Loading effect: ";
+    for (size_t at = output.find(start); at != std::string::npos; at = output.find(start, at)) {
+        at += start.size();
+        loaded.push_back(output.substr(at, output.find(". (kin_main.cpp:", at) - at));
+    }
+    for (const zentrak::kindler::EffectNames& names : zentrak::kindler::effectNames())
+        listed.push_back(names.name);
+    EXPECT_EQ(listed, loaded) << output;
+    EXPECT_TRUE(std::is_sorted(loaded.begin(), loaded.end()));
 }
 
 TEST(TheProgram, AScriptThatCanNotBeLoadedPlaysNothing) {

@@ -1,3 +1,5 @@
+#include "am_archivemanager.h"
+#include "dis_display.h"
 #include "effect_test.h"
 #include "kub.h"
 #include "plain.h"
@@ -174,6 +176,40 @@ TEST_F(KubTest, ACubeRollsOverItsEdgeAndLiftsInTheMiddleOfItsStep) {
     EXPECT_EQ(Kub::currentFrame(), 118);
     EXPECT_EQ(rolling.y, -54);
     EXPECT_EQ(rolling.count, 48);
+}
+
+// A picture of so many cubes that no attempt ever takes some of them.
+TEST_F(KubTest, ACubeThatNeverMovedStaysInItsPlaceAndIsDrawnThere) {
+    test::TempDir folder;
+    test::Picture wall(140, 140);
+    wall.rgba.assign(wall.rgba.size(), 200);
+    ASSERT_TRUE(test::writePng(folder.file("kub/kub.png"), wall));
+    am::ArchiveManager archives;
+    archives.addArchive(folder.path());
+    archives.addArchive(test::sourcePath("data"));
+    am::ArchiveManager* const before = display().mArchiveManager;
+    display().setArchive(&archives);
+    Kub kub(&mCommon);
+    test::prepare(kub, display(), "kub");
+    display().setArchive(before);
+
+    const std::vector<Kub::Poxel>& cubes = Kub::poxels();
+    ASSERT_EQ(cubes.size(), 140u * 140u);
+    size_t still = 0;
+    while (still < cubes.size() && !cubes[still].mods.empty())
+        ++still;
+    ASSERT_LT(still, cubes.size());
+    const mathbase::Vector3f place(float(still % 140) - 32, float(still / 140) - 16, 0);
+    EXPECT_EQ(cubes[still].count, 0);
+    for (float delta : {0.0f, 10.3f, 30.0f}) { // scattered, in the middle of a step, and whole
+        over(0.1f, 0.1f, 0.1f, [&] { kub.update(40, delta, 0.3f); });
+        EXPECT_EQ(cubes[still].draw, place);
+        EXPECT_EQ(cubes[still].rot, mathbase::Vector3f(0, 0, 0));
+    }
+    EXPECT_LT(Kub::currentFrame(), 0);
+    for (size_t i = 0; i < cubes.size(); ++i)
+        ASSERT_EQ(cubes[i].draw,
+                  mathbase::Vector3f(float(i % 140) - 32, float(i / 140) - 16, cubes[i].draw.z));
 }
 
 TEST_F(KubTest, WithoutSplinesItIsOpaqueAndItsCameraDoesNotSwing) {

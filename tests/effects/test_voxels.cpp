@@ -132,6 +132,44 @@ TEST_F(CreditsTest, WithAZoomOfZeroThePictureHasArrivedInPart) {
     EXPECT_TRUE(test::samePicture(without, ground([&] { plain.update(display(), 0.02f); }), 0.005));
 }
 
+TEST_F(CreditsTest, AtAZoomOfOneEveryPixelIsInItsPlace) {
+    Credits credits(&mCommon, "orvo");
+    test::prepare(credits, display(), "credits_orvo");
+    credits.updateSpline(0, "zoom", 1);
+    const Picture drawn = ground([&] { credits.update(0, 0.02f, 0); });
+    for (Credits::poxdata& p : credits.pixels)
+        p.start = p.target; // there is no way left to go, and so no turn and no size from it
+    EXPECT_TRUE(test::samePicture(drawn, ground([&] { credits.update(0, 0.02f, 0); })));
+    EXPECT_GT(test::covered(drawn, ground([] {})), 0.01);
+    const Picture boxes = ground([&] {
+        mathbase::Matrix4x4Col projection, camera;
+        projection.setProject(0.78539816f, 1.6f, 0.15f, 1000.0f);
+        camera.setCamera(Vector3f(0, 0, 200), Vector3f(0, 0, 0), 0);
+        display().setProject(projection);
+        display().setCamera(camera);
+        glEnable(GL_BLEND);
+        for (const Credits::poxdata& p : credits.pixels) {
+            mathbase::Matrix4x4Col place;
+            place.setTranslation(p.target);
+            display().setTransform(place);
+            glColor4f(p.col.r, p.col.g, p.col.b, p.col.a);
+            display().drawBox(Vector3f(0, 0, 0), Vector3f(0.5f, 0.5f, 0.5f));
+        }
+        glDisable(GL_BLEND);
+    });
+    EXPECT_TRUE(test::samePicture(drawn, boxes, 0.005));
+}
+
+// The name that an effect goes by in scripts is another thing than the one that its picture goes by.
+TEST_F(CreditsTest, ThePictureIsThatOfTheKeyWhateverNameItIsRegisteredUnder) {
+    Credits orvo(&mCommon, "orvo"), code(&mCommon, "code"), renamed(&mCommon, "orvo");
+    test::prepare(orvo, display(), "credits_orvo");
+    test::prepare(code, display(), "credits_code");
+    test::prepare(renamed, display(), "credits_code");
+    EXPECT_EQ(renamed.pixels.size(), orvo.pixels.size());
+    EXPECT_NE(renamed.pixels.size(), code.pixels.size());
+}
+
 // Once a pixel by 0.002 times the step: 675 of them take "code" to 5, where it stops, in 3.7 seconds.
 TEST_F(CreditsTest, AnExplosionEndsAtFiveAndComesBackWithTime) {
     Credits credits(&mCommon, "code");
