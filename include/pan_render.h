@@ -14,10 +14,12 @@
 
 namespace zentrak::panorama {
 
+class Coverage;
+
 // Coordinates are pixels of the window from its upper left corner, y downward. Shapes and text are cut by the
-// clip area here, collected, and drawn in one call: a shape takes its white from the texture of the font. So
-// the picture is that of each drawn at once, and is complete after flush(). Whoever draws past this class
-// with OpenGL calls flush() first.
+// clip area here and collected; all shapes are drawn in one call and all text, after them, in another, until
+// a shape comes over text that is there. So the picture is that of each drawn at once, and is complete after
+// flush(). Whoever draws past this class with OpenGL calls flush() first.
 //
 // All of it needs the window to be open.
 class Render {
@@ -87,17 +89,19 @@ private:
     void drawQuad(const mathbase::Box2& box, const mathbase::Vector4f& upperLeft,
                   const mathbase::Vector4f& upperRight, const mathbase::Vector4f& lowerRight,
                   const mathbase::Vector4f& lowerLeft);
-    void addQuad(display::Batch& batch, const mathbase::Box2& box, const mathbase::Box2& seen,
-                 const mathbase::Vector4f& upperLeft, const mathbase::Vector4f& upperRight,
-                 const mathbase::Vector4f& lowerRight, const mathbase::Vector4f& lowerLeft);
+    void addQuad(const mathbase::Box2& box, const mathbase::Box2& seen, const mathbase::Vector4f& upperLeft,
+                 const mathbase::Vector4f& upperRight, const mathbase::Vector4f& lowerRight,
+                 const mathbase::Vector4f& lowerLeft);
+    void underText(const mathbase::Box2& seen);
     int  clipPolygon(const Point* points, int count);
 
     mathbase::Box2     mClip; // in whole pixels of the view
-    display::Batch     mBatch;
-    display::Batch     mLarge;   // for what is drawn by itself
-    mathbase::Vector2f mSolid;   // where the font's texture is white
+    display::Batch     mShapes;
+    display::Batch     mText;
     std::vector<Point> mPolygon; // while it is cut
     std::vector<Point> mCut;
+
+    std::unique_ptr<Coverage> mCovered; // by the text that is collected
 };
 
 } // namespace zentrak::panorama

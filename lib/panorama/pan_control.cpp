@@ -531,8 +531,8 @@ void Control::draw() {
     for (size_t i = 0; i < mControls.size(); ++i) {
         Control*   child = mControls[i];
         const Box2 box = cut(mChildArea.clip, child->mArea.clip);
-        if (!child->getVisible() || !(all || (box.getWidth() >= 1 && box.getHeight() >= 1)))
-            continue;
+        if (!(all || (box.getWidth() >= 1 && box.getHeight() >= 1)) || !child->getVisible())
+            continue; // most of a long list is out of sight, and that is told by its area alone
         render->setClipArea(box);
         child->draw();
     }

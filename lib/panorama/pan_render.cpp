@@ -2,6 +2,7 @@
 
 #include "dis_glcheck.h"
 #include "pan_box.h"
+#include "pan_coverage.h"
 
 #include <algorithm>
 #include <cassert>
@@ -18,7 +19,7 @@ namespace {
 constexpr float PI = 3.1415927f;
 constexpr float FAR_AWAY = 1e6f;    // pixels; no window is as large
 constexpr int   MAX_SEGMENTS = 720; // of a circle: more than can be seen
-constexpr float LARGE = 20000.0f;   // pixels in all, from which a box is drawn by itself
+constexpr float LARGE = 20000.0f;   // pixels in all, from which a box that covers is drawn by itself
 constexpr float SPACE = 3.0f;       // pixels, the advance of a blank
 
 const Box2 UNCLIPPED(-FAR_AWAY, -FAR_AWAY, FAR_AWAY, FAR_AWAY);
@@ -53,11 +54,15 @@ Vector4f mix(const Vector4f& a, const Vector4f& b, float t) {
 
 // Setting up
 
-Render::Render() : mColorFirst(1, 1, 1, 1), mColorSecond(1, 1, 1, 1), mClip(UNCLIPPED) {
-    mBatch.setChannels(display::Batch::CHANNEL_TEXCOORD);
-    mBatch.setCulling(display::Batch::CULLING_OFF);
-    mLarge.setChannels(display::Batch::CHANNEL_NONE);
-    mLarge.setCulling(display::Batch::CULLING_OFF);
+Render::Render()
+    : mColorFirst(1, 1, 1, 1),
+      mColorSecond(1, 1, 1, 1),
+      mClip(UNCLIPPED),
+      mCovered(std::make_unique<Coverage>()) {
+    mShapes.setChannels(display::Batch::CHANNEL_NONE);
+    mShapes.setCulling(display::Batch::CULLING_OFF);
+    mText.setChannels(display::Batch::CHANNEL_TEXCOORD);
+    mText.setCulling(display::Batch::CULLING_OFF);
 }
 
 Render::~Render() {
@@ -73,7 +78,6 @@ void Render::setup(display::DisplayGL* display) {
     font->setAlignment(display::Font::ALIGN_CENTER);
     delete mFont;
     mFont = font.release();
-    mSolid = mFont->getSolid();
 }
 
 void Render::setupDraw(Vector2f size, Vector2f offset, float margin) {
@@ -81,7 +85,10 @@ void Render::setupDraw(Vector2f size, Vector2f offset, float margin) {
     mSize = size;
     mDrawOffset = offset;
     mClip = UNCLIPPED;
-    mBatch.clear();
+    mShapes.clear();
+    mText.clear();
+    mCovered->setup(Vector2f(offset.x - margin, offset.y - margin),
+                    Vector2f(size.x + 2 * margin, size.y + 2 * margin));
 
     mDisplay->resetStates();
     GL_CALL(glEnable(GL_BLEND));
@@ -116,46 +123,50 @@ void Render::setClipArea(Box2 area) {
 // Drawing
 
 void Render::flush() {
-    if (mBatch.getVertices() == 0)
+    mShapes.flush();
+    if (mText.getVertices() == 0)
         return;
-    if (mFont) {
-        mFont->getTexture().bind();
-        GL_CALL(glEnable(GL_TEXTURE_2D));
-    }
-    mBatch.flush();
-    if (mFont) {
-        GL_CALL(glDisable(GL_TEXTURE_2D));
-        mFont->getTexture().unbind();
-    }
+    mFont->getTexture().bind();
+    GL_CALL(glEnable(GL_TEXTURE_2D));
+    mText.flush();
+    GL_CALL(glDisable(GL_TEXTURE_2D));
+    mFont->getTexture().unbind();
+    mCovered->clear();
 }
 
-// A box with a colour at each corner, changing along one axis alone. A large one is drawn by itself: without
-// the texture, and without blending where it covers, software OpenGL fills it in a fraction of the time.
+// Text goes behind all shapes of a flush: one that is to come over it starts the next.
+void Render::underText(const Box2& seen) {
+    if (mCovered->touches(seen))
+        flush();
+}
+
+// A box with a colour at each corner, changing along one axis alone. A large one that covers is drawn by
+// itself: without blending software OpenGL fills it in half the time.
 void Render::drawQuad(const Box2& box, const Vector4f& upperLeft, const Vector4f& upperRight,
                       const Vector4f& lowerRight, const Vector4f& lowerLeft) {
     const Box2 seen = cut(box, mClip);
     if (!hasExtent(seen) || !hasExtent(box))
         return;
-    if (seen.getWidth() * seen.getHeight() < LARGE) {
-        addQuad(mBatch, box, seen, upperLeft, upperRight, lowerRight, lowerLeft);
-        return;
-    }
-    flush();
+    underText(seen);
     const bool covers = upperLeft.w >= 1 && upperRight.w >= 1 && lowerRight.w >= 1 && lowerLeft.w >= 1;
-    if (covers)
+    const bool alone = covers && seen.getWidth() * seen.getHeight() >= LARGE;
+    if (alone) {
+        mShapes.flush();
         GL_CALL(glDisable(GL_BLEND));
-    addQuad(mLarge, box, seen, upperLeft, upperRight, lowerRight, lowerLeft);
-    mLarge.flush();
-    if (covers)
+    }
+    addQuad(box, seen, upperLeft, upperRight, lowerRight, lowerLeft);
+    if (alone) {
+        mShapes.flush();
         GL_CALL(glEnable(GL_BLEND));
+    }
 }
 
 // `seen` is what of the box is inside the clip area.
-void Render::addQuad(display::Batch& batch, const Box2& box, const Box2& seen, const Vector4f& upperLeft,
-                     const Vector4f& upperRight, const Vector4f& lowerRight, const Vector4f& lowerLeft) {
+void Render::addQuad(const Box2& box, const Box2& seen, const Vector4f& upperLeft, const Vector4f& upperRight,
+                     const Vector4f& lowerRight, const Vector4f& lowerLeft) {
     if (upperLeft == lowerRight && upperRight == lowerLeft && upperLeft == upperRight) {
-        batch.color(upperLeft);
-        batch.rect(seen.x1, seen.y1, seen.x2, seen.y2, mSolid.x, mSolid.y, mSolid.x, mSolid.y);
+        mShapes.color(upperLeft);
+        mShapes.rect(seen.x1, seen.y1, seen.x2, seen.y2);
         return;
     }
     const float left = share(seen.x1 - box.x1, box.getWidth());
@@ -163,16 +174,15 @@ void Render::addQuad(display::Batch& batch, const Box2& box, const Box2& seen, c
     const float top = share(seen.y1 - box.y1, box.getHeight());
     const float bottom = share(seen.y2 - box.y1, box.getHeight());
     const auto  corner = [&](float x, float y, float s, float t) {
-        batch.color(mix(mix(upperLeft, upperRight, s), mix(lowerLeft, lowerRight, s), t));
-        batch.vertex(x, y);
+        mShapes.color(mix(mix(upperLeft, upperRight, s), mix(lowerLeft, lowerRight, s), t));
+        mShapes.vertex(x, y);
     };
-    batch.texCoord(mSolid.x, mSolid.y);
-    batch.begin(GL_QUADS);
+    mShapes.begin(GL_QUADS);
     corner(seen.x1, seen.y1, left, top);
     corner(seen.x2, seen.y1, right, top);
     corner(seen.x2, seen.y2, right, bottom);
     corner(seen.x1, seen.y2, left, bottom);
-    batch.end();
+    mShapes.end();
 }
 
 void Render::drawBox(const Box2& box, int direction) {
@@ -272,13 +282,13 @@ void Render::drawPolygon(const Point* points, int count) {
         if (count < 3)
             return;
     }
-    mBatch.texCoord(mSolid.x, mSolid.y);
-    mBatch.begin(GL_TRIANGLE_FAN);
+    underText(seen);
+    mShapes.begin(GL_TRIANGLE_FAN);
     for (int i = 0; i < count; ++i) {
-        mBatch.color(points[i].color);
-        mBatch.vertex(points[i].x, points[i].y);
+        mShapes.color(points[i].color);
+        mShapes.vertex(points[i].x, points[i].y);
     }
-    mBatch.end();
+    mShapes.end();
 }
 
 // Cuts a convex polygon at the four edges of the clip area, one after the other, into mCut. Returns how many
@@ -319,7 +329,8 @@ void Render::drawText(const std::string& text, Vector2f position) {
     if (!(std::min(y + height, mClip.y2) > std::max(y, mClip.y1)) || !std::isfinite(x))
         return;
 
-    mBatch.color(mColorFirst);
+    mText.color(mColorFirst);
+    Box2 ink; // of all characters
     for (const char character : text) {
         if (x >= mClip.x2)
             break;
@@ -328,12 +339,17 @@ void Render::drawText(const std::string& text, Vector2f position) {
         if (hasExtent(glyph)) {
             const display::Font::Cell cell = mFont->getCell(c);
             const float               s = (cell.s1 - cell.s0) / width, t = (cell.t1 - cell.t0) / height;
-            mBatch.rect(glyph.x1, glyph.y1, glyph.x2, glyph.y2, cell.s0 + (glyph.x1 - x) * s,
-                        cell.t0 + (glyph.y1 - y) * t, cell.s0 + (glyph.x2 - x) * s,
-                        cell.t0 + (glyph.y2 - y) * t);
+            mText.rect(glyph.x1, glyph.y1, glyph.x2, glyph.y2, cell.s0 + (glyph.x1 - x) * s,
+                       cell.t0 + (glyph.y1 - y) * t, cell.s0 + (glyph.x2 - x) * s,
+                       cell.t0 + (glyph.y2 - y) * t);
+            ink = hasExtent(ink) ? Box2(std::min(ink.x1, glyph.x1), std::min(ink.y1, glyph.y1),
+                                        std::max(ink.x2, glyph.x2), std::max(ink.y2, glyph.y2))
+                                 : glyph;
         }
         x += mFont->getAdvance(c);
     }
+    if (hasExtent(ink))
+        mCovered->add(ink);
 }
 
 void Render::drawTexture(display::Texture& texture, const Box2& box) {
@@ -343,11 +359,11 @@ void Render::drawTexture(display::Texture& texture, const Box2& box) {
     flush();
     texture.bind();
     GL_CALL(glEnable(GL_TEXTURE_2D));
-    mBatch.color(mColorFirst);
-    mBatch.rect(seen.x1, seen.y1, seen.x2, seen.y2, share(seen.x1 - box.x1, box.getWidth()),
-                share(seen.y1 - box.y1, box.getHeight()), share(seen.x2 - box.x1, box.getWidth()),
-                share(seen.y2 - box.y1, box.getHeight()));
-    mBatch.flush();
+    mText.color(mColorFirst);
+    mText.rect(seen.x1, seen.y1, seen.x2, seen.y2, share(seen.x1 - box.x1, box.getWidth()),
+               share(seen.y1 - box.y1, box.getHeight()), share(seen.x2 - box.x1, box.getWidth()),
+               share(seen.y2 - box.y1, box.getHeight()));
+    mText.flush();
     GL_CALL(glDisable(GL_TEXTURE_2D));
     texture.unbind();
 }

@@ -17,6 +17,7 @@
 #include <functional>
 #include <limits>
 #include <memory>
+#include <random>
 
 using namespace zentrak;
 using namespace zentrak::test;
@@ -229,6 +230,41 @@ TEST_F(RenderTest, shapesAndTextOverEachOtherKeepTheirOrder) {
             render.drawText("window " + std::to_string(i), Vector2f(x + 60, y + 15));
         }
     });
+}
+
+// Text goes behind the shapes of a flush: any mix of the two must look as if each were drawn at once.
+TEST_F(RenderTest, anyMixOfShapesAndTextIsThatOfThePlainWay) {
+    for (unsigned seed = 1; seed <= 12; ++seed)
+        expectSame(
+            [&](Render& render) {
+                std::mt19937 random(seed);
+                const auto   upTo = [&](int most) { return float(random() % unsigned(most + 1)); };
+                const auto   color = [&](float alpha) {
+                    return Vector4f(upTo(10) / 10, upTo(10) / 10, upTo(10) / 10, alpha);
+                };
+                for (int i = 0; i < 120; ++i) {
+                    const float x = upTo(WIDTH + 40) - 20, y = upTo(HEIGHT + 40) - 20;
+                    const float width = 1 + upTo(i % 5 == 0 ? 200 : 30),
+                                height = 1 + upTo(i % 5 == 0 ? 160 : 20);
+                    const bool covers = random() % 2 == 0;
+                    render.setClipArea(i % 7 == 0 ? Box2(40, 30, 300, 200) : Box2(0, 0, 0, -1));
+                    render.setColor(color(covers ? 1 : 0.3f), covers ? color(1) : NO_COLOR);
+                    switch (random() % 4) {
+                    case 0:
+                        render.drawBox(Box2(x, y, x + width, y + height), int(random() % 2));
+                        break;
+                    case 1:
+                        render.setColor(color(1), NO_COLOR); // thin; a border of lines ends differently
+                        render.drawBox(Box2(x, y, x + width, y + 1), 0);
+                        break;
+                    default:
+                        render.setFontMode(int(random() % 3));
+                        render.drawText("text over " + std::to_string(i), Vector2f(x, y));
+                        break;
+                    }
+                }
+            },
+            0, Vector2f(float(seed % 3) * 7, -float(seed % 2) * 5));
 }
 
 TEST_F(RenderTest, theViewOffsetMovesThePictureAndItsClip) {
