@@ -1,22 +1,20 @@
 // Tracker modules, rendered by libopenmpt: once through, in stereo.
 #pragma once
 
-#include "audiere.h"
+#include "audiere_decodedsource.h"
 
 #include <libopenmpt/libopenmpt.hpp>
 
 namespace zentrak::audiere {
 
-class ModuleSource : public SampleSource {
+class ModuleSource : public DecodedSource {
 public:
     // Null when the file is of another kind, or holds nothing to play.
     static RefPtr<SampleSource> open(const RefPtr<File>& file);
 
     void getFormat(int& channelCount, int& sampleRate, SampleFormat& sampleFormat) override;
-    int  getLength() override { return mLength; }
     int  read(int frameCount, void* buffer) override;
     void setPosition(int position) override;
-    int  getPosition() override { return mPosition; }
 
 private:
     explicit ModuleSource(const std::vector<char>& bytes); // throws openmpt::exception
@@ -25,8 +23,6 @@ private:
     void skipTo(int position, int filterLength);
 
     openmpt::module mModule;
-    int             mLength = 0;
-    int             mPosition = 0;
 };
 
 } // namespace zentrak::audiere

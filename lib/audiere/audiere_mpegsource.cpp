@@ -15,22 +15,14 @@ ssize_t fileRead(void* user, void* buffer, size_t size) {
 }
 
 off_t fileSeek(void* user, off_t offset, int whence) {
-    File*          file = static_cast<File*>(user);
-    File::SeekMode mode = whence == SEEK_SET ? File::BEGIN : whence == SEEK_CUR ? File::CURRENT : File::END;
-    if (offset < INT_MIN || offset > INT_MAX || !file->seek(int(offset), mode)) {
-        return -1;
-    }
-    return file->tell();
+    File* file = static_cast<File*>(user);
+    return seekFile(*file, offset, whence) ? file->tell() : -1;
 }
 
 } // namespace
 
 RefPtr<SampleSource> MpegSource::open(const RefPtr<File>& file) {
-    RefPtr<MpegSource> source = new MpegSource(file);
-    if (source->mLength <= 0) {
-        return nullptr;
-    }
-    return source.get();
+    return openAs<MpegSource>(file);
 }
 
 // The whole file is scanned for its frames, since a header's word on the length may be missing or wrong.

@@ -1,24 +1,24 @@
 // MP3, decoded by libmpg123.
 #pragma once
 
-#include "audiere.h"
+#include "audiere_decodedsource.h"
 
 #include <mpg123.h>
 
 namespace zentrak::audiere {
 
-class MpegSource : public SampleSource {
+class MpegSource : public DecodedSource {
 public:
     // Null when the file is of another kind, or holds nothing to play.
     static RefPtr<SampleSource> open(const RefPtr<File>& file);
 
     void getFormat(int& channelCount, int& sampleRate, SampleFormat& sampleFormat) override;
-    int  getLength() override { return mLength; }
     int  read(int frameCount, void* buffer) override;
     void setPosition(int position) override;
-    int  getPosition() override { return mPosition; }
 
 private:
+    friend class DecodedSource;
+
     explicit MpegSource(const RefPtr<File>& file);
     ~MpegSource() override;
 
@@ -26,8 +26,6 @@ private:
     mpg123_handle* mDecoder = nullptr;
     int            mChannelCount = 0;
     int            mSampleRate = 0;
-    int            mLength = 0; // 0 when the file can't be decoded
-    int            mPosition = 0;
 };
 
 } // namespace zentrak::audiere

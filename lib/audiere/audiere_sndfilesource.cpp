@@ -21,12 +21,8 @@ sf_count_t fileLength(void* user) {
 }
 
 sf_count_t fileSeek(sf_count_t offset, int whence, void* user) {
-    File*          file = static_cast<File*>(user);
-    File::SeekMode mode = whence == SEEK_SET ? File::BEGIN : whence == SEEK_CUR ? File::CURRENT : File::END;
-    if (offset < INT_MIN || offset > INT_MAX || !file->seek(int(offset), mode)) {
-        return -1;
-    }
-    return file->tell();
+    File* file = static_cast<File*>(user);
+    return seekFile(*file, offset, whence) ? file->tell() : -1;
 }
 
 sf_count_t fileRead(void* buffer, sf_count_t size, void* user) {
@@ -58,11 +54,7 @@ bool hasMark(File& file) {
 } // namespace
 
 RefPtr<SampleSource> SndfileSource::open(const RefPtr<File>& file) {
-    RefPtr<SndfileSource> source = new SndfileSource(file);
-    if (source->mLength <= 0) {
-        return nullptr;
-    }
-    return source.get();
+    return openAs<SndfileSource>(file);
 }
 
 SndfileSource::SndfileSource(const RefPtr<File>& file) : mFile(file) {

@@ -17,9 +17,7 @@ size_t fileRead(void* buffer, size_t size, size_t count, void* user) {
 }
 
 int fileSeek(void* user, ogg_int64_t offset, int whence) {
-    File::SeekMode mode = whence == SEEK_SET ? File::BEGIN : whence == SEEK_CUR ? File::CURRENT : File::END;
-    bool           ok = offset >= INT_MIN && offset <= INT_MAX;
-    return ok && static_cast<File*>(user)->seek(int(offset), mode) ? 0 : -1;
+    return seekFile(*static_cast<File*>(user), offset, whence) ? 0 : -1;
 }
 
 long fileTell(void* user) {
@@ -29,11 +27,7 @@ long fileTell(void* user) {
 } // namespace
 
 RefPtr<SampleSource> VorbisSource::open(const RefPtr<File>& file) {
-    RefPtr<VorbisSource> source = new VorbisSource(file);
-    if (source->mLength <= 0) {
-        return nullptr;
-    }
-    return source.get();
+    return openAs<VorbisSource>(file);
 }
 
 // Of several streams one after the other, those are played that go on in the format of the first.
@@ -49,7 +43,7 @@ VorbisSource::VorbisSource(const RefPtr<File>& file) : mFile(file) {
     mSampleRate = int(std::min<long>(first->rate, INT_MAX));
     mDownmix = Downmix(Downmix::vorbisPlaces(mFileChannels));
     ogg_int64_t length = 0;
-    for (int link = 0; link < ov_streams(&mDecoder); ++link) {
+    for (int link = 0; link < ov_streams(&mDecoder); ++link, ++mLinks) {
         vorbis_info* info = ov_info(&mDecoder, link);
         if (info->channels != first->channels || info->rate != first->rate) {
             break;
@@ -71,17 +65,18 @@ void VorbisSource::getFormat(int& channelCount, int& sampleRate, SampleFormat& s
     sampleFormat = SF_F32;
 }
 
-// A hole in the data is stepped over.
+// A hole in the data is stepped over, and what it lacks is not taken from a stream of another format behind.
 int VorbisSource::read(int frameCount, void* buffer) {
     int wanted = std::min(frameCount, mLength - mPosition);
     int done = 0;
     while (done < wanted) {
         float** channels;
-        long    count = ov_read_float(&mDecoder, &channels, wanted - done, nullptr);
+        int     link = 0;
+        long    count = ov_read_float(&mDecoder, &channels, wanted - done, &link);
         if (count == OV_HOLE) {
             continue;
         }
-        if (count <= 0) {
+        if (count <= 0 || link >= mLinks) {
             break;
         }
         write(channels, int(count), static_cast<float*>(buffer) + done * std::min(mFileChannels, 2));

@@ -1,27 +1,26 @@
 // Vorbis, decoded by libvorbisfile.
 #pragma once
 
+#include "audiere_decodedsource.h"
 #include "audiere_downmix.h"
-
-#include "audiere.h"
 
 #define OV_EXCLUDE_STATIC_CALLBACKS
 #include <vorbis/vorbisfile.h>
 
 namespace zentrak::audiere {
 
-class VorbisSource : public SampleSource {
+class VorbisSource : public DecodedSource {
 public:
     // Null when the file is of another kind, or holds nothing to play.
     static RefPtr<SampleSource> open(const RefPtr<File>& file);
 
     void getFormat(int& channelCount, int& sampleRate, SampleFormat& sampleFormat) override;
-    int  getLength() override { return mLength; }
     int  read(int frameCount, void* buffer) override;
     void setPosition(int position) override;
-    int  getPosition() override { return mPosition; }
 
 private:
+    friend class DecodedSource;
+
     explicit VorbisSource(const RefPtr<File>& file);
     ~VorbisSource() override;
 
@@ -30,10 +29,9 @@ private:
     RefPtr<File>   mFile;
     OggVorbis_File mDecoder = {};
     bool           mIsOpen = false;
+    int            mLinks = 0; // streams from the first on that are of its format
     int            mFileChannels = 0;
     int            mSampleRate = 0;
-    int            mLength = 0; // 0 when the file can't be decoded
-    int            mPosition = 0;
     Downmix        mDownmix; // used for more than two channels
 };
 

@@ -188,6 +188,22 @@ TEST(Source, AModulePlaysOnceThrough) {
     EXPECT_NEAR(source->getLength(), seconds * 48000, 50);
 }
 
+// A lost page leaves the first stream shorter than the file says: what is missing must not be read from the
+// stream behind it, which has fewer channels.
+TEST(Source, AStreamOfAnotherFormatIsNotReachedThroughAHole) {
+    TempDir folder;
+    writeFile(folder.file("mono.wav"), sound("wavmono"));
+    ASSERT_EQ(runCommand("cd " + folder.path() + " && oggenc -Q -s 2 mono.wav").first, 0);
+    std::string bytes = sound("ogg");
+    bytes[bytes.size() / 2] = char(bytes[bytes.size() / 2] ^ 0x55);
+    const std::vector<float>   damaged = readAll(*openSource(bytes));
+    const RefPtr<SampleSource> chained = openSource(bytes + readFile(folder.file("mono.ogg")));
+    ASSERT_TRUE(chained);
+    EXPECT_EQ(chained->getLength(), 3 * RATE);
+    EXPECT_LT(damaged.size(), 2u * 3 * RATE);
+    EXPECT_EQ(readAll(*chained), damaged);
+}
+
 TEST(Source, SurroundIsMixedDownToTwoChannels) {
     TempDir     folder;
     std::string name = folder.file("six.wav");
