@@ -121,11 +121,6 @@ Canvas last() {
     return canvas;
 }
 
-bool write(const Canvas& canvas, const std::filesystem::path& path) {
-    std::filesystem::create_directories(path.parent_path());
-    return canvas.write(path.string());
-}
-
 } // namespace
 
 int main(int argc, char** argv) {
@@ -134,8 +129,8 @@ int main(int argc, char** argv) {
         return 2;
     }
     const std::filesystem::path folder = argv[1];
-    const bool                  done = write(border(), folder / "border/border2.png") &&
-                      write(rund(), folder / "rund/rund.png") && write(logo(), folder / "icons/icons.png") &&
-                      write(last(), folder / "overlay/finally.png");
+    const bool                  done = border().write(folder / "border/border2.png") &&
+                      rund().write(folder / "rund/rund.png") && logo().write(folder / "icons/icons.png") &&
+                      last().write(folder / "overlay/finally.png");
     return done ? 0 : 1;
 }

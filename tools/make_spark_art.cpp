@@ -180,7 +180,8 @@ void writeStream(std::ofstream& out, const Stream& s) {
 }
 
 bool writeParticles(const std::filesystem::path& path) {
-    std::filesystem::create_directories(path.parent_path());
+    std::error_code without; // what is missing then shows when the file is written
+    std::filesystem::create_directories(path.parent_path(), without);
     std::ofstream out(path);
     out << "<?xml version=\"1.0\"?>\n<!-- The particles of the show. Made by make_spark_art. -->\n<spark>\n"
            "\t<instance name=\"sun\">\n";
@@ -201,7 +202,5 @@ int main(int argc, char** argv) {
         return 2;
     }
     const std::filesystem::path folder = argv[1];
-    std::filesystem::create_directories(folder);
-    return strip().write((folder / "sparks.png").string()) && writeParticles(folder / "spark/spark.xml") ? 0
-                                                                                                         : 1;
+    return strip().write(folder / "sparks.png") && writeParticles(folder / "spark/spark.xml") ? 0 : 1;
 }

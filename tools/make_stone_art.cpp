@@ -119,7 +119,7 @@ Colour height(float s, float t) {
 bool write(const std::filesystem::path& path, int width, int height, Colour (*colour)(float, float)) {
     Canvas canvas(width, height);
     canvas.paint([&](float x, float y) { return colour(x / float(width), y / float(height)); });
-    return canvas.write(path.string());
+    return canvas.write(path);
 }
 
 } // namespace
@@ -130,7 +130,6 @@ int main(int argc, char** argv) {
         return 2;
     }
     const std::filesystem::path folder = argv[1];
-    std::filesystem::create_directories(folder);
     return write(folder / "sten.png", 1024, 512, stone) && write(folder / "height.png", 512, 256, height) ? 0
                                                                                                           : 1;
 }

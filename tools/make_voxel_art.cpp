@@ -220,11 +220,6 @@ Canvas particle() {
     return canvas;
 }
 
-bool write(const Canvas& canvas, const std::filesystem::path& path) {
-    std::filesystem::create_directories(path.parent_path());
-    return canvas.write(path.string());
-}
-
 } // namespace
 
 int main(int argc, char** argv) {
@@ -233,18 +228,18 @@ int main(int argc, char** argv) {
         return 2;
     }
     const std::filesystem::path folder = argv[1];
-    bool                        done =
-        write(eye(), folder / "kub/kub.png") && write(tile(0.62f, 0.16f), folder / "kub/shade.png") &&
-        write(tile(0.45f, 0.30f), folder / "vul/vul.png") && write(greetings(), folder / "greet/greet.png") &&
-        write(sky(), folder / "cubemap/cube1.png") && write(particle(), folder / "hurry/particle.png");
+    bool done = eye().write(folder / "kub/kub.png") && tile(0.62f, 0.16f).write(folder / "kub/shade.png") &&
+                tile(0.45f, 0.30f).write(folder / "vul/vul.png") &&
+                greetings().write(folder / "greet/greet.png") && sky().write(folder / "cubemap/cube1.png") &&
+                particle().write(folder / "hurry/particle.png");
     for (const char* role : {"code", "tracking", "graphics", "bitching"})
-        done = done && write(credit(role, true), folder / ("credits/credits_" + std::string(role) + ".png"));
+        done = done && credit(role, true).write(folder / ("credits/credits_" + std::string(role) + ".png"));
     for (const char* name : {"moonpulse", "zaplin", "orvo", "qark"})
-        done = done && write(credit(name, false), folder / ("credits/credits_" + std::string(name) + ".png"));
+        done = done && credit(name, false).write(folder / ("credits/credits_" + std::string(name) + ".png"));
     for (int layer = 0; layer < 19; ++layer) {
         char name[32];
         snprintf(name, sizeof name, "grand/grand%02d.png", layer + 1);
-        done = done && write(islandLayer(layer), folder / name);
+        done = done && islandLayer(layer).write(folder / name);
     }
     return done ? 0 : 1;
 }

@@ -66,7 +66,10 @@ void Canvas::blend(int x, int y, const Colour& colour) {
     under = {mix(under.r, colour.r, t), mix(under.g, colour.g, t), mix(under.b, colour.b, t), a};
 }
 
-bool Canvas::write(const std::string& path) const {
+bool Canvas::write(const std::filesystem::path& path) const {
+    std::error_code without; // what is missing then shows when the file is written
+    std::filesystem::create_directories(path.parent_path(), without);
+
     std::vector<uint8_t> bytes;
     bytes.reserve(mPixels.size() * 4);
     for (const Colour& c : mPixels)

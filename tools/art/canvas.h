@@ -2,8 +2,8 @@
 // bytes each time.
 #pragma once
 
+#include <filesystem>
 #include <functional>
-#include <string>
 #include <vector>
 
 namespace zentrak::art {
@@ -44,8 +44,9 @@ public:
     // Lays one colour over a pixel.
     void blend(int x, int y, const Colour& colour);
 
-    // Writes 8-bit RGBA. False, with a line on standard error, where the file can't be written.
-    bool write(const std::string& path) const;
+    // Writes 8-bit RGBA, and makes the folder that the file needs. False, with a line on standard error,
+    // where the file can't be written.
+    bool write(const std::filesystem::path& path) const;
 
 private:
     int                 mWidth, mHeight;

@@ -1,0 +1,62 @@
+// The makers of the show's pictures, against what lies in the tree.
+#include "picture.h"
+#include "support.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <gtest/gtest.h>
+
+using namespace zentrak::test;
+
+namespace {
+
+struct Maker {
+    const char* program;
+    const char* folder; // of the tree, that it fills
+    int         pictures;
+};
+
+const Maker makers[] = {{MAKE_SCREEN_ART, "data", 4},
+                        {MAKE_VOXEL_ART, "data", 33},
+                        {MAKE_SPARK_ART, "data", 1},
+                        {MAKE_STONE_ART, "tests/data/sten", 2}};
+
+} // namespace
+
+// By their pixels, alpha too: another library's sine may end in another bit, and another zlib packs
+// otherwise.
+TEST(Art, TheMakersMakeWhatLiesInTheTree) {
+    for (const Maker& maker : makers) {
+        TempDir folder;
+        ASSERT_EQ(runCommand(std::string(maker.program) + " " + folder.path()).first, 0) << maker.program;
+        int pictures = 0;
+        for (const auto& file : std::filesystem::recursive_directory_iterator(folder.path())) {
+            const std::filesystem::path& path = file.path();
+            if (path.extension() != ".png")
+                continue;
+            ++pictures;
+            const std::string name = std::filesystem::relative(path, folder.path()).string();
+            Picture           made, there;
+            ASSERT_TRUE(readPng(path.string(), made)) << name;
+            ASSERT_TRUE(readPng(sourcePath(std::string(maker.folder) + "/" + name), there)) << name;
+            ASSERT_EQ(made.width, there.width) << name;
+            ASSERT_EQ(made.height, there.height) << name;
+            double sum = 0;
+            for (size_t i = 0; i < made.rgba.size(); ++i)
+                sum += std::abs(int(made.rgba[i]) - int(there.rgba[i]));
+            EXPECT_LT(sum / double(made.rgba.size()), 0.01) << name;
+        }
+        EXPECT_EQ(pictures, maker.pictures) << maker.program;
+    }
+}
+
+TEST(Art, TheMakersSayWhatIsWrong) {
+    for (const Maker& maker : makers) {
+        const std::string name = std::filesystem::path(maker.program).filename().string();
+        EXPECT_EQ(runCommand(maker.program),
+                  (std::pair<int, std::string>(2, "usage: " + name + " FOLDER\n")));
+    }
+    const auto [status, text] = runCommand(std::string(MAKE_SPARK_ART) + " /proc/no/such/folder");
+    EXPECT_EQ(status, 1);
+    EXPECT_NE(text.find("/proc/no/such/folder/sparks.png"), std::string::npos) << text;
+}
