@@ -2,6 +2,7 @@
 #pragma once
 
 #include "pan_control.h"
+#include "pan_drag.h"
 
 namespace zentrak::panorama {
 
@@ -32,16 +33,13 @@ protected:
     // over a sibling. The press is then over.
     bool missedRelease(const Event& event);
 
-    // The mouse went on to a place where this press has not been told it yet. Within one move a control can
-    // hear of the same place several times.
+    // Whether the event brings a new place of the mouse to the press that is held.
     bool movesOn(const Event& event);
 
 private:
-    bool               mHeld = false;
-    bool               mKeys = false;
-    unsigned           mReleases = 0; // of the left button anywhere, at the press
-    bool               mPlaced = false;
-    mathbase::Vector2f mPlace; // of the mouse, when this press was last told it
+    Drag mPress; // the one that is held
+    bool mHeld = false;
+    bool mKeys = false;
 };
 
 } // namespace zentrak::panorama

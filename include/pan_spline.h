@@ -67,6 +67,8 @@ private:
     bool hasKey(int index) const;
     int  findKey(const mathbase::Vector2f& place) const;
 
+    mathbase::Vector2f toWindow(int index) const; // of a key that is there
+
     void onMouseDown(const Event& event);
     bool onKeyDown(const Event& event);
     void onContext(const std::string& text);

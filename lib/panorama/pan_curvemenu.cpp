@@ -1,7 +1,10 @@
 #include "pan_curvemenu.h"
 
 #include "dis_display.h"
+#include "dis_key.h"
 #include "mb_splinebase.h"
+#include "pan_look.h"
+#include "pan_render.h"
 
 #include <algorithm>
 
@@ -58,6 +61,28 @@ void openMenu(Control& owner, Context& menu, Context& types, const Vector2f& pla
     const float right = float(display->mWindowMode.width), bottom = float(display->mWindowMode.height);
     menu.setPosition(Vector2f(std::max(0.0f, std::min(place.x, right - width)),
                               std::max(0.0f, std::min(place.y, bottom - height))));
+}
+
+bool stepSelection(int key, int count, int& selected) {
+    if (key != display::KEY_LEFT && key != display::KEY_RIGHT)
+        return false;
+    const int step = key == display::KEY_LEFT ? -1 : 1;
+    selected = std::clamp(selected + step, std::min(0, count - 1), count - 1);
+    return true;
+}
+
+void drawPoint(Render& render, const Control& owner, const Vector2f& at, float radius, int index,
+               const Marks& marks) {
+    const Box2& clip = owner.mArea.clip;
+    if (!(at.x + radius > clip.x1 && at.x - radius < clip.x2 && at.y + radius > clip.y1 &&
+          at.y - radius < clip.y2))
+        return;
+    const ColorSet& back = owner.mBack;
+    const auto&     color = index == marks.hover ? marks.held ? back.pushed.first : back.highlight.first
+                            : marks.focused && index == marks.selected ? back.pushed.second
+                                                                       : back.border.first;
+    render.setColor(color, look::none);
+    render.drawCircle(Box2(at.x - radius, at.y - radius, at.x + radius, at.y + radius), -1, 0);
 }
 
 } // namespace zentrak::panorama::curve

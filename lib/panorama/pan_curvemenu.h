@@ -1,4 +1,5 @@
-// What the two editors of a curve share: their menus, and where a time and a value stand in a box.
+// What the two editors of a curve share: their menus, their points, and where a time and a value stand in a
+// box.
 #pragma once
 
 #include "mb_box2.h"
@@ -6,6 +7,7 @@
 #include "pan_context.h"
 #include "pan_control.h"
 
+#include <cmath>
 #include <string>
 
 namespace zentrak::panorama::curve {
@@ -38,5 +40,31 @@ inline bool fromWindow(const mathbase::Box2& box, const mathbase::Vector2f& plac
     value = (place.y - box.y1 - half) / half;
     return true;
 }
+
+// The first of `count` points whose box, of `reach` pixels to each side, holds `place`; or -1. Where a point
+// stands in the window is what `point` makes of its index.
+template <class Point>
+int findPoint(int count, float reach, const mathbase::Vector2f& place, Point point) {
+    for (int i = 0; i < count; ++i) {
+        const mathbase::Vector2f at = point(i);
+        if (std::abs(at.x - place.x) <= reach && std::abs(at.y - place.y) <= reach)
+            return i;
+    }
+    return -1;
+}
+
+// Whether `key` is Left or Right: then the selection goes to the point before or behind, of `count`; to none
+// of none.
+bool stepSelection(int key, int count, int& selected);
+
+// Draws the point `index` of `owner` as a disc, if it is in sight; the one under the mouse and the selected
+// one in colours of their own.
+struct Marks {
+    int  hover, selected; // or -1
+    bool held;            // the one under the mouse
+    bool focused;         // the selected one shows
+};
+void drawPoint(Render& render, const Control& owner, const mathbase::Vector2f& at, float radius, int index,
+               const Marks& marks);
 
 } // namespace zentrak::panorama::curve

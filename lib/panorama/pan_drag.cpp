@@ -1,9 +1,19 @@
 #include "pan_drag.h"
 
 #include "pan_control.h"
-#include "pan_releases.h"
+#include "pan_workspace.h"
 
 namespace zentrak::panorama {
+
+namespace {
+
+// How often the left button has been released in the window that the control stands in.
+unsigned countReleases(Control& control) {
+    Workspace* const root = dynamic_cast<Workspace*>(control.getRoot());
+    return root ? root->getReleases() : 0;
+}
+
+} // namespace
 
 void Drag::start(Control& control, const Event& event) {
     mReleases = countReleases(control);

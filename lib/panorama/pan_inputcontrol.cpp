@@ -1,19 +1,8 @@
 #include "pan_inputcontrol.h"
 
 #include "pan_alive.h"
-#include "pan_workspace.h"
 
 namespace zentrak::panorama {
-
-namespace {
-
-// How often the left button has been released in the window that the control stands in.
-unsigned countReleases(Control& control) {
-    Workspace* root = dynamic_cast<Workspace*>(control.getRoot());
-    return root ? root->getReleases() : 0;
-}
-
-} // namespace
 
 InputControl::InputControl() = default;
 
@@ -31,27 +20,20 @@ bool InputControl::startsPress(const Event& event) {
     if (event.type != "mousedown" || event.button != 0 || !mHover || mInactive)
         return false;
     mHeld = true;
-    mPlaced = false;
-    mReleases = countReleases(*this);
+    mPress.start(*this, event);
     mKeys = true;
     return true;
 }
 
 bool InputControl::missedRelease(const Event& event) {
-    if (!mHeld || event.type == "mouseup" || countReleases(*this) == mReleases)
+    if (!mHeld || !mPress.isLost(*this, event))
         return false;
     mHeld = false;
     return true;
 }
 
 bool InputControl::movesOn(const Event& event) {
-    if (event.type != "mousemove" && event.type != "reset")
-        return false;
-    if (mPlaced && mPlace == event.mousePos)
-        return false;
-    mPlaced = true;
-    mPlace = event.mousePos;
-    return true;
+    return mPress.movesOn(event);
 }
 
 bool InputControl::hasKeys() {

@@ -1,7 +1,9 @@
 #include "pan_spline.h"
 
 #include "dis_key.h"
+#include "pan_alive.h"
 #include "pan_curvemenu.h"
+#include "pan_look.h"
 #include "pan_number.h"
 #include "pan_render.h"
 #include "xml_iterator.h"
@@ -22,8 +24,6 @@ constexpr int   LEAST_STEPS = 10;   // points of a curve: 1.2 times this, or hal
 constexpr int   MOST_STEPS = 16384; // of a widget wider than any window
 constexpr float POINTS_PER_STEP = 1.2f;
 constexpr float SMALL_KEY = 2.0f; // radius in pixels, without the focus
-
-const Vector4f NO_COLOR(0, 0, 0, -1);
 
 } // namespace
 
@@ -84,16 +84,15 @@ bool Spline::hasKey(int index) const {
     return mSpline && index >= 0 && index < mSpline->getNumKeys();
 }
 
+Vector2f Spline::toWindow(int index) const {
+    const Key& key = mSpline->mKeys[size_t(index)];
+    return curve::toWindow(mArea.world, key.time, key.value);
+}
+
 // The first key of the list whose box is hit, or -1.
 int Spline::findKey(const Vector2f& place) const {
-    const float reach = mSize + 1.0f;
-    for (int i = 0; hasKey(i); ++i) {
-        const Key&     key = mSpline->mKeys[size_t(i)];
-        const Vector2f at = curve::toWindow(mArea.world, key.time, key.value);
-        if (std::abs(at.x - place.x) <= reach && std::abs(at.y - place.y) <= reach)
-            return i;
-    }
-    return -1;
+    return curve::findPoint(mSpline ? mSpline->getNumKeys() : 0, mSize + 1.0f, place,
+                            [this](int i) { return toWindow(i); });
 }
 
 bool Spline::acceptEvents(Event& event) {
@@ -104,7 +103,10 @@ bool Spline::acceptEvents(Event& event) {
  * Keys are taken with the focus only: without it they belong to whoever comes next. A parent says who has it.
  */
 int Spline::handleEvent(Event& event) {
-    int result = Control::handleEvent(event);
+    Alive alive(*this);
+    int   result = Control::handleEvent(event);
+    if (!alive)
+        return result;
     if (!mVisible)
         return 0;
     if (mDragKey != -1 && mDrag.isLost(*this, event))
@@ -182,14 +184,9 @@ void Spline::onMouseDown(const Event& event) {
 bool Spline::onKeyDown(const Event& event) {
     if (!mSpline)
         return false;
-    const int last = mSpline->getNumKeys() - 1;
+    if (curve::stepSelection(event.key, mSpline->getNumKeys(), mSelected))
+        return true;
     switch (event.key) {
-    case display::KEY_LEFT:
-        mSelected = std::clamp(mSelected - 1, std::min(0, last), last);
-        return true;
-    case display::KEY_RIGHT:
-        mSelected = std::clamp(mSelected + 1, std::min(0, last), last);
-        return true;
     case display::KEY_DEL:
         if (hasKey(mSelected))
             removeKey(mSelected);
@@ -265,14 +262,14 @@ void Spline::draw() {
     render->drawBox(mArea.clip, 0);
     if (mSpline && world.getWidth() > 0) {
         mMode = SplineBase::getModeName(mSpline->mMode);
-        render->setColor(mText.color.first, NO_COLOR);
+        render->setColor(mText.color.first, look::none);
         render->setFontMode(display::Font::ALIGN_LEFT);
         render->drawText(mMode, Vector2f(world.x1 + 2, world.y1 + 4));
         drawCurve(*render);
         drawKeys(*render);
     }
     if (isFocused() && mHover) {
-        render->setColor(mBack.border.first, NO_COLOR);
+        render->setColor(mBack.border.first, look::none);
         render->drawLine(Vector2f(mMouseX, world.y1), Vector2f(mMouseX, world.y2));
     }
     Control::draw();
@@ -311,21 +308,9 @@ void Spline::drawCurve(Render& render) {
 }
 
 void Spline::drawKeys(Render& render) {
-    const bool  focused = isFocused();
-    const float radius = focused ? mSize : SMALL_KEY;
-    const Box2& clip = mArea.clip;
-    for (int i = 0; hasKey(i); ++i) {
-        const Key&     key = mSpline->mKeys[size_t(i)];
-        const Vector2f at = curve::toWindow(mArea.world, key.time, key.value);
-        if (!(at.x + radius > clip.x1 && at.x - radius < clip.x2 && at.y + radius > clip.y1 &&
-              at.y - radius < clip.y2))
-            continue;
-        const Vector4f& color = i == mHoverKey ? mDragKey != -1 ? mBack.pushed.first : mBack.highlight.first
-                                : focused && i == mSelected ? mBack.pushed.second
-                                                            : mBack.border.first;
-        render.setColor(color, NO_COLOR);
-        render.drawCircle(Box2(at.x - radius, at.y - radius, at.x + radius, at.y + radius), -1, 0);
-    }
+    const curve::Marks marks{mHoverKey, mSelected, mDragKey != -1, isFocused()};
+    for (int i = 0; hasKey(i); ++i)
+        curve::drawPoint(render, *this, toWindow(i), marks.focused ? mSize : SMALL_KEY, i, marks);
 }
 
 } // namespace zentrak::panorama

@@ -1,7 +1,9 @@
 #include "pan_splineorg.h"
 
 #include "dis_key.h"
+#include "pan_alive.h"
 #include "pan_curvemenu.h"
+#include "pan_look.h"
 #include "pan_number.h"
 #include "pan_render.h"
 #include "xml_iterator.h"
@@ -19,8 +21,6 @@ namespace {
 
 constexpr float SMALL_NODE = 2.0f; // radius in pixels, without the focus
 constexpr float STEP = 2.0f;       // pixels of a smooth curve that are one line
-
-const Vector4f NO_COLOR(0, 0, 0, -1);
 
 bool isBefore(const SplineNodeOrg& a, const SplineNodeOrg& b) {
     return a.x < b.x;
@@ -97,13 +97,8 @@ Vector2f SplineOrg::toWindow(const SplineNodeOrg& node) const {
 
 // The first node of the list whose box is hit, or -1.
 int SplineOrg::findNode(const Vector2f& place) const {
-    const float reach = mSize + 1.0f;
-    for (int i = 0; hasNode(i); ++i) {
-        const Vector2f at = toWindow(mNodes[size_t(i)]);
-        if (std::abs(at.x - place.x) <= reach && std::abs(at.y - place.y) <= reach)
-            return i;
-    }
-    return -1;
+    return curve::findPoint(static_cast<int>(mNodes.size()), mSize + 1.0f, place,
+                            [this](int i) { return toWindow(mNodes[size_t(i)]); });
 }
 
 bool SplineOrg::acceptEvents(Event& event) {
@@ -111,7 +106,10 @@ bool SplineOrg::acceptEvents(Event& event) {
 }
 
 int SplineOrg::handleEvent(Event& event) {
-    int result = Control::handleEvent(event);
+    Alive alive(*this);
+    int   result = Control::handleEvent(event);
+    if (!alive)
+        return result;
     if (!mVisible)
         return 0;
     if (mDragNode != -1 && mDrag.isLost(*this, event))
@@ -168,14 +166,9 @@ void SplineOrg::onMouseDown(const Event& event) {
 
 // Whether the key is one of the four that it knows.
 bool SplineOrg::onKeyDown(const Event& event) {
-    const int last = static_cast<int>(mNodes.size()) - 1;
+    if (curve::stepSelection(event.key, static_cast<int>(mNodes.size()), mSelected))
+        return true;
     switch (event.key) {
-    case display::KEY_LEFT:
-        mSelected = std::clamp(mSelected - 1, std::min(0, last), last);
-        return true;
-    case display::KEY_RIGHT:
-        mSelected = std::clamp(mSelected + 1, std::min(0, last), last);
-        return true;
     case display::KEY_DEL:
         removeNode(mSelected);
         return true;
@@ -229,7 +222,7 @@ void SplineOrg::draw() {
     const Box2& world = mArea.world;
     render->setColor(mBack.color.first, mBack.color.second);
     render->drawBox(mArea.clip, 0);
-    render->setColor(mText.color.first, NO_COLOR);
+    render->setColor(mText.color.first, look::none);
     render->setFontMode(display::Font::ALIGN_LEFT);
     render->drawText(mMode, Vector2f(world.x1 + 2, world.y1 + 4));
     if (!mNodes.empty() && world.getWidth() > 0) {
@@ -283,16 +276,10 @@ void SplineOrg::drawSmooth(Render& render) {
 }
 
 void SplineOrg::drawNodes(Render& render) {
-    const bool  focused = mParent && mParent->getFocus() == this;
-    const float radius = focused ? mSize : SMALL_NODE;
-    for (int i = 0; hasNode(i); ++i) {
-        const Vector2f  at = toWindow(mNodes[size_t(i)]);
-        const Vector4f& color = i == mHoverNode ? mDragNode != -1 ? mBack.pushed.first : mBack.highlight.first
-                                : focused && i == mSelected ? mBack.pushed.second
-                                                            : mBack.border.first;
-        render.setColor(color, NO_COLOR);
-        render.drawCircle(Box2(at.x - radius, at.y - radius, at.x + radius, at.y + radius), -1, 0);
-    }
+    const bool         focused = mParent && mParent->getFocus() == this;
+    const curve::Marks marks{mHoverNode, mSelected, mDragNode != -1, focused};
+    for (int i = 0; hasNode(i); ++i)
+        curve::drawPoint(render, *this, toWindow(mNodes[size_t(i)]), focused ? mSize : SMALL_NODE, i, marks);
 }
 
 } // namespace zentrak::panorama

@@ -1,6 +1,7 @@
 // The curve widget by its events alone: what each does to the curve, and what is left selected.
 #include "dis_key.h"
 #include "pan_spline.h"
+#include "pan_splineorg.h"
 #include "xml_parser.h"
 
 #include <gtest/gtest.h>
@@ -410,6 +411,29 @@ TEST_F(SplineTest, DoesNotFreeWhatItDoesNotOwn) {
     }
     mine.addKey({});
     EXPECT_EQ(mine.getNumKeys(), 1);
+}
+
+// A layout may put any control into a curve.
+TEST_F(SplineTest, MayBeDeletedByTheActionOfAControlInIt) {
+    struct Deleting : Control {
+        Control* clone() override { return nullptr; }
+        int      handleEvent(Event&) override {
+            delete mParent; // and this with it
+            return 1;
+        }
+    };
+    for (Control* widget : {static_cast<Control*>(new Spline), static_cast<Control*>(new SplineOrg)}) {
+        widget->setArea(Box2(400, 50, 600, 150));
+        mParent.addControl(widget, -1);
+        Deleting* child = new Deleting;
+        child->setArea(Box2(0, 0, 200, 100));
+        widget->addControl(child, -1);
+        Event event;
+        event.type = "mousedown";
+        event.mousePos = Vector2f(500, 100);
+        EXPECT_EQ(mParent.handleEvent(event), 1);
+        EXPECT_EQ(mParent.getControlSize(), 1u);
+    }
 }
 
 TEST_F(SplineTest, ClonesAreFresh) {
