@@ -8,7 +8,6 @@
 #include "tree.h"
 
 #include <cmath>
-#include <limits>
 
 using namespace zentrak;
 using namespace zentrak::test;
@@ -17,16 +16,8 @@ using mathbase::Vector4f;
 
 namespace {
 
-constexpr float INF = std::numeric_limits<float>::infinity();
-constexpr float NAN_F = std::numeric_limits<float>::quiet_NaN();
-
-// A workspace of 800 by 600.
-class ContainersTest : public ::testing::Test {
+class ContainersTest : public TreeTest {
 protected:
-    Workspace root;
-
-    ContainersTest() { root.setArea(Box2(0, 0, 800, 600)); }
-
     // A new control of this area in `parent`, or in the workspace.
     template <class T>
     T& add(Box2 area, Control* parent = nullptr) {
@@ -376,7 +367,7 @@ TEST_F(WindowTest, aDragByHugeOrUnknownDistancesEnds) {
         EXPECT_EQ(window.mArea.area.y1, 0) << far;
     }
     const Box2 before = window.mArea.area;
-    for (const float none : {INF, -INF, NAN_F}) {
+    for (const float none : {ENDLESS, -ENDLESS, NO_NUMBER}) {
         sendMove(window, Vector2f(), Vector2f(none, none));
         EXPECT_EQ(window.mArea.area, before) << none;
     }
@@ -489,8 +480,9 @@ TEST_F(LayoutStackTest, tenThousandChildrenAreStacked) {
 }
 
 TEST_F(ContainersTest, zeroNegativeAndEnormousAreasAreTaken) {
-    for (const Box2& area : {Box2(), Box2(10, 10, -10, -10), Box2(-1e30f, -1e30f, 1e30f, 1e30f),
-                             Box2(-INF, -INF, INF, INF), Box2(NAN_F, NAN_F, NAN_F, NAN_F)}) {
+    for (const Box2& area :
+         {Box2(), Box2(10, 10, -10, -10), Box2(-1e30f, -1e30f, 1e30f, 1e30f),
+          Box2(-ENDLESS, -ENDLESS, ENDLESS, ENDLESS), Box2(NO_NUMBER, NO_NUMBER, NO_NUMBER, NO_NUMBER)}) {
         Workspace top;
         top.setArea(area);
         for (Control* control :
@@ -503,7 +495,7 @@ TEST_F(ContainersTest, zeroNegativeAndEnormousAreasAreTaken) {
             control->setMaximized(false);
         }
         for (const char* type : {"mousemove", "mousedown", "mouseup", "mousewheel", "keydown", "reset"})
-            for (const float at : {0.0f, 5.0f, INF, NAN_F})
+            for (const float at : {0.0f, 5.0f, ENDLESS, NO_NUMBER})
                 send(top, type, Vector2f(at, at));
         EXPECT_EQ(top.getChildCount(), 5);
     }

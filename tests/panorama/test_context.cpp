@@ -5,7 +5,6 @@
 #include "support.h"
 #include "tree.h"
 
-#include <limits>
 #include <memory>
 
 using namespace zentrak;
@@ -15,18 +14,13 @@ using mathbase::Vector4f;
 
 namespace {
 
-constexpr float INF = std::numeric_limits<float>::infinity();
-constexpr float NAN_F = std::numeric_limits<float>::quiet_NaN();
-
-class ContextTest : public ::testing::Test {
+class ContextTest : public TreeTest {
 protected:
-    Workspace root;
-    Plain*    owner = new Plain(Box2(0, 0, 400, 300));
-    Heard     heard;
-    Context   menu;
+    Plain*  owner = new Plain(Box2(0, 0, 400, 300));
+    Heard   heard;
+    Context menu;
 
     ContextTest() {
-        root.setArea(Box2(0, 0, 800, 600));
         root.addControl(owner, -1);
         owner->setCallback(&heard);
         menu.setCaption("edit");
@@ -181,10 +175,11 @@ TEST_F(ContextTest, theRowUnderTheMouseIsHighlighted) {
     const struct {
         float x, y;
         int   row;
-    } places[] = {{115, 55, 0},    {115, 64.9f, 0},  {115, 65, -1},   {115, 69.9f, -1}, {115, 70, 1},
-                  {115, 85, 2},    {115, 94, 2},     {115, 95, -1},   {115, 54.9f, -1}, {100, 60, 0},
-                  {129, 60, 0},    {130, 60, -1},    {99.9f, 60, -1}, {115, 300, -1},   {115, -300, -1},
-                  {NAN_F, 60, -1}, {115, NAN_F, -1}, {115, INF, -1},  {115, -INF, -1}};
+    } places[] = {{115, 55, 0},         {115, 64.9f, 0},    {115, 65, -1},      {115, 69.9f, -1},
+                  {115, 70, 1},         {115, 85, 2},       {115, 94, 2},       {115, 95, -1},
+                  {115, 54.9f, -1},     {100, 60, 0},       {129, 60, 0},       {130, 60, -1},
+                  {99.9f, 60, -1},      {115, 300, -1},     {115, -300, -1},    {NO_NUMBER, 60, -1},
+                  {115, NO_NUMBER, -1}, {115, ENDLESS, -1}, {115, -ENDLESS, -1}};
     for (const auto& place : places) {
         move(place.x, place.y);
         EXPECT_EQ(menu.mHighlight, place.row) << place.x << " " << place.y;
@@ -343,10 +338,10 @@ TEST_F(ContextTest, tenThousandRowsAreLaidOutAndHovered) {
 TEST_F(ContextTest, rowsWithoutAPitchAreAllLookedAt) {
     menu.addOption("a", "");
     menu.addOption("b", "");
-    for (const float gap : {-10.0f, -30.0f, NAN_F, INF}) {
+    for (const float gap : {-10.0f, -30.0f, NO_NUMBER, ENDLESS}) {
         menu.mRowGap = gap;
         owner->setContext(&menu);
-        for (const float y : {0.0f, 8.0f, -20.0f, NAN_F})
+        for (const float y : {0.0f, 8.0f, -20.0f, NO_NUMBER})
             move(10, y);
     }
     menu.mRowGap = -10;

@@ -14,7 +14,6 @@
 #include "ztk_system.h"
 
 #include <functional>
-#include <limits>
 #include <memory>
 #include <tuple>
 #include <utility>
@@ -25,9 +24,6 @@ using namespace zentrak::panorama;
 using mathbase::Vector4f;
 
 namespace {
-
-constexpr float NO_NUMBER = std::numeric_limits<float>::quiet_NaN();
-constexpr float ENDLESS = std::numeric_limits<float>::infinity();
 
 // With a child area of its own: 3 pixels in from the left, 20 from the top, 4 from the right and the bottom.
 class Framed : public Plain {

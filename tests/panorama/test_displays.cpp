@@ -4,16 +4,14 @@
 #include "pan_stat.h"
 
 #include <cmath>
-#include <limits>
 
 using namespace zentrak;
 using namespace zentrak::panorama;
 using mathbase::Box2;
+using test::ENDLESS;
+using test::NO_NUMBER;
 
 namespace {
-
-constexpr float NONE = std::numeric_limits<float>::quiet_NaN();
-constexpr float ENDLESS = std::numeric_limits<float>::infinity();
 
 class DisplaysTest : public test::InputTest {
 protected:
@@ -99,7 +97,7 @@ TEST_F(DisplaysTest, TheScaleBeginsAtZeroOrBelowTheLeast) {
 
 TEST_F(DisplaysTest, SamplesThatAreNoNumbersDoNotCount) {
     Stat stat;
-    for (const float value : {NONE, ENDLESS, -ENDLESS})
+    for (const float value : {NO_NUMBER, ENDLESS, -ENDLESS})
         stat.addValue(value);
     EXPECT_EQ(scale(stat), Scale(0, 1));
     EXPECT_EQ(stat.getValueCount(), 3);

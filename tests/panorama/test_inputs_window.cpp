@@ -16,20 +16,19 @@
 #include "support.h"
 
 #include <cmath>
-#include <limits>
 
 using namespace zentrak;
 using namespace zentrak::panorama;
 using mathbase::Box2;
 using mathbase::Vector2f;
 using mathbase::Vector4f;
+using test::ENDLESS;
+using test::NO_NUMBER;
 using test::Picture;
 
 namespace {
 
-constexpr float NONE = std::numeric_limits<float>::quiet_NaN();
-constexpr float ENDLESS = std::numeric_limits<float>::infinity();
-constexpr int   WIDTH = 400, HEIGHT = 300;
+constexpr int WIDTH = 400, HEIGHT = 300;
 
 class InputsWindow : public ::testing::Test {
 protected:
@@ -123,7 +122,7 @@ TEST_F(InputsWindow, AGlideStartsAtTheValueLastSeenOnTheWay) {
 TEST_F(InputsWindow, TheSpeedIsTheInverseOfTheDuration) {
     Interval interval;
     EXPECT_EQ(interval.mDuration, 0.3f);
-    for (const float ignored : {0.0f, -1.0f, NONE, -ENDLESS}) {
+    for (const float ignored : {0.0f, -1.0f, NO_NUMBER, -ENDLESS}) {
         interval.setSpeed(ignored);
         EXPECT_EQ(interval.mDuration, 0.3f);
     }
@@ -175,7 +174,7 @@ TEST_F(InputsWindow, ATextThatIsTooLongEndsInDots) {
     EXPECT_EQ(line.fit(render(), dots), "...");
     EXPECT_EQ(line.fit(render(), dots - 1), "");
     EXPECT_EQ(line.fit(render(), 0), "");
-    EXPECT_EQ(line.fit(render(), NONE), "");
+    EXPECT_EQ(line.fit(render(), NO_NUMBER), "");
     EXPECT_EQ(line.fit(render(), -ENDLESS), "");
     EXPECT_EQ(line.fit(render(), ENDLESS), "Hello");
     line.set(std::string(1000000, 'm'));
@@ -383,7 +382,7 @@ TEST_F(InputsWindow, AGraphOfAnythingIsDrawn) {
     Stat* stat = add<Stat>(Box2(0, 0, 200, 100));
     frame();
     for (const float value :
-         {NONE, ENDLESS, -ENDLESS, 0.0f, std::numeric_limits<float>::max(),
+         {NO_NUMBER, ENDLESS, -ENDLESS, 0.0f, std::numeric_limits<float>::max(),
           std::numeric_limits<float>::lowest(), std::numeric_limits<float>::denorm_min()}) {
         stat->addValue(value);
         frame();

@@ -4,7 +4,6 @@
 
 #include "tree.h"
 
-#include <limits>
 #include <memory>
 
 using namespace zentrak;
@@ -14,20 +13,15 @@ using mathbase::Vector4f;
 
 namespace {
 
-constexpr float INF = std::numeric_limits<float>::infinity();
-constexpr float NAN_F = std::numeric_limits<float>::quiet_NaN();
-
 // Bars of their own size around a child of 400 by 600. The view is 188 by 88, its overflow 212 by 512; the
 // thumbs travel 158 and 58 pixels.
-class ScrollbarsTest : public ::testing::Test {
+class ScrollbarsTest : public TreeTest {
 protected:
-    Workspace   root;
     Heard       heard;
     Scrollbars* bars = new Scrollbars;
     Plain*      child = new Plain(Box2(0, 0, 400, 600));
 
     ScrollbarsTest() {
-        root.setArea(Box2(0, 0, 800, 600));
         root.setCallback(&heard);
         Plain* holder = new Plain(Box2(100, 200, 300, 300));
         root.addControl(holder, -1);
@@ -135,8 +129,8 @@ TEST_F(ScrollbarsTest, thumbsStayOnTheirTracks) {
     bars->buildScrollbars();
     EXPECT_EQ(bars->mPosX, 0);
     EXPECT_EQ(bars->mPosY, 58);
-    bars->mPosX = NAN_F;
-    bars->mPosY = INF;
+    bars->mPosX = NO_NUMBER;
+    bars->mPosY = ENDLESS;
     bars->buildScrollbars();
     EXPECT_EQ(bars->mPosX, 0);
     EXPECT_EQ(bars->mPosY, 58);
@@ -205,11 +199,11 @@ TEST_F(ScrollbarsTest, theWheelOverNoChildrenAtAllDividesByNothing) {
 TEST_F(ScrollbarsTest, aWheelThatTurnsByNoNumberMovesNothing) {
     wheel(-1);
     const float before = bars->mPosY;
-    EXPECT_EQ(wheel(NAN_F), 1);
+    EXPECT_EQ(wheel(NO_NUMBER), 1);
     EXPECT_EQ(bars->mPosY, before);
-    wheel(-INF);
+    wheel(-ENDLESS);
     EXPECT_EQ(bars->mPosY, 58);
-    wheel(INF);
+    wheel(ENDLESS);
     EXPECT_EQ(bars->mPosY, 0);
     EXPECT_EQ(child->mOffset, Vector2f(0, 0));
 }
@@ -280,7 +274,7 @@ TEST_F(ScrollbarsTest, theOtherThumbGoesSideways) {
     EXPECT_EQ(bars->mPosY, 0);
     EXPECT_EQ(child->mOffset, Vector2f(106, 0));
     Event move = makeEvent("mousemove", Vector2f(189, 200));
-    move.mouseDelta = Vector2f(NAN_F, NAN_F);
+    move.mouseDelta = Vector2f(NO_NUMBER, NO_NUMBER);
     bars->handleEvent(move);
     EXPECT_EQ(bars->mPosX, 79);
 }
@@ -306,14 +300,12 @@ TEST_F(ScrollbarsTest, whatIsHeldGetsTheEventsWhereverTheMouseIs) {
 }
 
 // The same in a window of 200 by 118 at (100, 182), whose child area is where the holder's was.
-class ResizeTest : public ::testing::Test {
+class ResizeTest : public TreeTest {
 protected:
-    Workspace   root;
     Window*     window = new Window;
     Scrollbars* bars = new Scrollbars;
 
     ResizeTest() {
-        root.setArea(Box2(0, 0, 800, 600));
         window->mArea.area = Box2(100, 182, 300, 300);
         root.addControl(window, -1);
         window->addControl(bars, -1);
@@ -352,8 +344,8 @@ TEST_F(ResizeTest, theWindowStaysAboveEightyPixelsBothWays) {
     EXPECT_EQ(window->mArea.area, Box2(100, 182, 181, 263));
     drag(100, -1); // neither side moves when one may not
     EXPECT_EQ(window->mArea.area, Box2(100, 182, 181, 263));
-    drag(NAN_F, NAN_F);
-    drag(INF, INF);
+    drag(NO_NUMBER, NO_NUMBER);
+    drag(ENDLESS, ENDLESS);
     EXPECT_EQ(window->mArea.area, Box2(100, 182, 181, 263));
 }
 
@@ -421,11 +413,12 @@ TEST_F(ScrollbarsTest, fortyInEachOtherAreLaidOut) {
 }
 
 TEST_F(ScrollbarsTest, zeroNegativeAndEnormousAreasAreTaken) {
-    for (const Box2& area : {Box2(), Box2(10, 10, -10, -10), Box2(-1e30f, -1e30f, 1e30f, 1e30f),
-                             Box2(-INF, -INF, INF, INF), Box2(NAN_F, NAN_F, NAN_F, NAN_F)}) {
+    for (const Box2& area :
+         {Box2(), Box2(10, 10, -10, -10), Box2(-1e30f, -1e30f, 1e30f, 1e30f),
+          Box2(-ENDLESS, -ENDLESS, ENDLESS, ENDLESS), Box2(NO_NUMBER, NO_NUMBER, NO_NUMBER, NO_NUMBER)}) {
         bars->setArea(area);
         for (const char* type : {"mousemove", "mousedown", "mousemove", "mousewheel", "mouseup", "reset"})
-            for (const float at : {0.0f, 5.0f, INF, NAN_F})
+            for (const float at : {0.0f, 5.0f, ENDLESS, NO_NUMBER})
                 send(*bars, type, Vector2f(at, at));
         child->setArea(area);
         bars->buildScrollbars();

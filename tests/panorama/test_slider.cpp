@@ -3,16 +3,14 @@
 #include "pan_slider.h"
 
 #include <cmath>
-#include <limits>
 
 using namespace zentrak;
 using namespace zentrak::panorama;
 using mathbase::Box2;
+using test::ENDLESS;
+using test::NO_NUMBER;
 
 namespace {
-
-constexpr float NONE = std::numeric_limits<float>::quiet_NaN();
-constexpr float ENDLESS = std::numeric_limits<float>::infinity();
 
 class SliderTest : public test::InputTest {
 protected:
@@ -182,13 +180,13 @@ TEST_F(SliderTest, ThePositionNeverLeavesItsRangeWhateverTheWheelOrADragDoes) {
     Slider*    slider = across("percent=\"0.5\"");
     const auto inside = [&] { return position(slider) >= 0 && position(slider) <= 1; };
     move(50, 28);
-    for (const float steps : {1000.0f, -1000.0f, ENDLESS, -ENDLESS, NONE}) {
+    for (const float steps : {1000.0f, -1000.0f, ENDLESS, -ENDLESS, NO_NUMBER}) {
         wheel(50, 28, steps);
         EXPECT_TRUE(inside()) << steps;
     }
     slider->setValue(0.5f, true);
     press(110, 28);
-    for (const float x : {-1e30f, 1e30f, ENDLESS, -ENDLESS, NONE}) {
+    for (const float x : {-1e30f, 1e30f, ENDLESS, -ENDLESS, NO_NUMBER}) {
         mouse("mousemove", x, 28);
         EXPECT_TRUE(inside()) << x;
     }
@@ -217,7 +215,7 @@ TEST_F(SliderTest, BoundsAndSizesThatAreNoNumbersAreIgnored) {
     reload(slider, "max=\"1e300\" size=\"-4\"/>");
     EXPECT_EQ(slider->mMax, 1.0f);
     EXPECT_EQ(slider->mSize, 3.0f);
-    for (const float value : {NONE, ENDLESS, -ENDLESS}) {
+    for (const float value : {NO_NUMBER, ENDLESS, -ENDLESS}) {
         slider->setValue(value, true);
         EXPECT_TRUE(slider->getValue() >= 0 && slider->getValue() <= 1) << value;
     }

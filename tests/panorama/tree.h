@@ -4,6 +4,7 @@
 
 #include "pan_control.h"
 #include "pan_workspace.h"
+#include "support.h"
 #include "xml_parser.h"
 
 #include <gtest/gtest.h>
@@ -61,6 +62,14 @@ public:
         contexts.push_back(context);
         texts.push_back(text);
     }
+};
+
+// A workspace of 800 by 600.
+class TreeTest : public ::testing::Test {
+protected:
+    panorama::Workspace root;
+
+    TreeTest() { root.setArea(Box2(0, 0, 800, 600)); }
 };
 
 inline panorama::Event makeEvent(const std::string& type, Vector2f position = Vector2f(), int button = 0) {

@@ -2,10 +2,14 @@
 // program under test printed.
 #pragma once
 
+#include <limits>
 #include <string>
 #include <utility>
 
 namespace zentrak::test {
+
+constexpr float ENDLESS = std::numeric_limits<float>::infinity();
+constexpr float NO_NUMBER = std::numeric_limits<float>::quiet_NaN();
 
 // An empty folder under the system's temporary one; removed with all that is in it at the end of its life.
 class TempDir {
