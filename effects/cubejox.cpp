@@ -11,6 +11,7 @@
 
 namespace zentrak::kindler {
 
+using display::Batch;
 using mathbase::Matrix4x4Col;
 using mathbase::Quatf;
 using mathbase::Vector3f;
@@ -20,24 +21,33 @@ namespace {
 
 constexpr float PI = 3.14159265f;
 constexpr int   SIDES = 12;
+constexpr int   KINDS = 12; // of rods, by colour
+
+enum Color { LOWER, UPPER };
 
 Cubejox::Rod cj[Cubejox::NUM_RODS];
-Quatf        upright[Cubejox::NUM_RODS]; // from the y axis onto each rod's
+Matrix4x4Col upright[Cubejox::NUM_RODS]; // from the y axis onto each rod's, and to its place
 float        drum[4];
 float        zoom, alpha, bw;
 
-// The rim of a rod of radius 1, closed.
-struct Rim {
-    float x[SIDES + 1], z[SIDES + 1];
-
-    Rim() {
-        for (int k = 0; k <= SIDES; ++k) {
-            const float a = 2.0f * PI * float(k % SIDES) / 12.0f;
-            x[k] = sinf(a);
-            z[k] = cosf(a);
-        }
+// A rod of radius 1 along the y axis: twelve sides, and the top around its middle, two of its triangles a
+// face.
+Batch::Solid rodOfRadiusOne() {
+    Batch::Solid rod;
+    for (int k = 0; k < SIDES; ++k) {
+        const float a = 2.0f * PI * float(k) / 12.0f;
+        rod.addCorner(Vector3f(sinf(a), -15, cosf(a)), LOWER);
+        rod.addCorner(Vector3f(sinf(a), 1, cosf(a)), UPPER);
     }
-};
+    const int  middle = rod.addCorner(Vector3f(0, 1, 0), UPPER);
+    const auto lower = [](int k) { return 2 * (k % SIDES); };
+    const auto upper = [](int k) { return 2 * (k % SIDES) + 1; };
+    for (int k = 0; k < SIDES; ++k)
+        rod.addFace(upper(k), lower(k), lower(k + 1), upper(k + 1));
+    for (int k = 0; k < SIDES; k += 2)
+        rod.addFace(middle, upper(k), upper(k + 1), upper(k + 2));
+    return rod;
+}
 
 // The rotation from the y axis onto `axis`, of unit length. Asserts "length!=0" where they are one.
 Quatf fromYTo(const Vector3f& axis) {
@@ -63,7 +73,7 @@ void Cubejox::setup() {
         rod.spin = float(mRandom.draw() % 2);
         rod.sides = static_cast<unsigned char>(i % 5 + 4);
         rod.radius = 8.0f;
-        upright[i] = fromYTo(rod.axis);
+        upright[i].buildPRS(rod.pos, fromYTo(rod.axis), Vector3f(1, 1, 1));
     }
 }
 
@@ -100,40 +110,34 @@ void Cubejox::update(float time, float delta, float) {
     GL_CALL(glEnable(GL_DEPTH_TEST));
     GL_CALL(glDisable(GL_CULL_FACE));
 
-    static const Rim rim;
-    const Vector4f   green = display::DisplayGL::hex2vec("669955");
-    const Vector4f   dark = display::DisplayGL::hex2vec("0c0c0c");
-    const float      fade = 1.0f - 4.0f * zoom;
+    // The colours of a rod's lower end and of its top, which are those of one of twelve.
+    const Vector4f green = display::DisplayGL::hex2vec("669955");
+    const Vector4f dark = display::DisplayGL::hex2vec("0c0c0c");
+    const Vector4f shade(alpha, alpha, alpha, 1.0f - 4.0f * zoom);
+    Vector4f       colors[KINDS][2];
+    for (int i = 0; i < KINDS; ++i) {
+        const Vector4f top = green * float(i % 3 + 1) * (1.0f - 0.5f * float(i % 4) / 3.0f);
+        const float    l = 0.3f * top.r + 0.59f * top.g + 0.11f * top.b;
+        const Vector4f grey = Vector4f(l, l, l, 1) * bw;
+        colors[i][LOWER] = (dark * (1.0f - bw) + grey) * shade;
+        colors[i][UPPER] = (top * (1.0f - bw) + grey) * shade;
+    }
+
+    static Batch::Solid shape = rodOfRadiusOne();
     for (int i = 0; i < NUM_RODS; ++i) {
         Rod& rod = cj[i];
         rod.angle += 5.1f * delta * rod.spin;
-        Quatf turn;
-        turn.setRotY(rod.angle);
-        Matrix4x4Col transform;
-        transform.buildPRS(rod.pos, upright[i] * turn, Vector3f(1, 1, 1));
-        mBatch.setTransform(transform);
-
-        Vector4f       top = green * float(i % 3 + 1) * (1.0f - 0.5f * float(i % 4) / 3.0f);
-        const float    l = 0.3f * top.r + 0.59f * top.g + 0.11f * top.b;
-        const Vector4f grey = Vector4f(l, l, l, 1) * bw;
-        const Vector4f shade(alpha, alpha, alpha, fade);
-        top = (top * (1.0f - bw) + grey) * shade;
-        const Vector4f bottom = (dark * (1.0f - bw) + grey) * shade;
-
-        const float r = rod.radius;
-        mBatch.begin(GL_QUAD_STRIP); // twelve sides that share their edges
-        for (int k = 0; k <= SIDES; ++k) {
-            mBatch.color(bottom);
-            mBatch.vertex(r * rim.x[k], -15.0f * r, r * rim.z[k]);
-            mBatch.color(top);
-            mBatch.vertex(r * rim.x[k], r, r * rim.z[k]);
+        // The rod turned about the y axis, and then upright.
+        const float  c = rod.radius * cosf(rod.angle), s = rod.radius * sinf(rod.angle);
+        const float* from = upright[i].mData;
+        Matrix4x4Col transform = upright[i];
+        for (int r = 0; r < 3; ++r) {
+            transform.mData[r] = c * from[r] - s * from[8 + r];
+            transform.mData[4 + r] = rod.radius * from[4 + r];
+            transform.mData[8 + r] = s * from[r] + c * from[8 + r];
         }
-        mBatch.end();
-        mBatch.begin(GL_TRIANGLE_FAN);
-        mBatch.vertex(0, r, 0);
-        for (int k = 0; k <= SIDES; ++k)
-            mBatch.vertex(r * rim.x[k], r, r * rim.z[k]);
-        mBatch.end();
+        mBatch.setTransform(transform);
+        mBatch.solid(shape, colors[i % KINDS]);
     }
     mBatch.flush();
 }

@@ -9,7 +9,6 @@
 
 namespace zentrak::kindler {
 
-using mathbase::Eulerf;
 using mathbase::Matrix4x4Col;
 using mathbase::Quatf;
 using mathbase::Vector3f;
@@ -22,6 +21,7 @@ constexpr int   NUM_PATH = 1000;
 constexpr int   NUM_RINGS = 153;
 constexpr int   NUM_BLOCKS = 64;      // of a ring,
 constexpr int   BLOCK_POSITIONS = 68; // which leaves an arc open
+constexpr float DEPTH = 0.2f;         // of a block, to either side
 
 const char* const palette[8] = {"e39e89", "8688b0", "a4c28c", "d0bf7c",
                                 "9bc3b2", "c9a1af", "d6dc96", "c0ebc0"};
@@ -29,24 +29,31 @@ const char* const palette[8] = {"e39e89", "8688b0", "a4c28c", "d0bf7c",
 Vector3f                  path[NUM_PATH]; // made once and not read
 std::vector<Tunnel::Ring> mongo;
 
-// Where the blocks of every ring stand: the turn of each, and the direction that it moves out in.
+// Where the blocks of every ring stand: the direction that each moves out in.
 struct Positions {
-    Matrix4x4Col turn[NUM_BLOCKS];
-    float        sine[NUM_BLOCKS], cosine[NUM_BLOCKS];
+    float sine[NUM_BLOCKS], cosine[NUM_BLOCKS];
 
     Positions() {
         for (int b = 0; b < NUM_BLOCKS; ++b) {
             const float theta = 2.0f * PI * float(b) / float(BLOCK_POSITIONS);
             sine[b] = sinf(-theta);
             cosine[b] = cosf(-theta);
-            turn[b].buildPRS(Vector3f(0, 0, 0), Quatf(Eulerf(0, 0, theta)), Vector3f(1, 1, 1));
         }
     }
 };
 
 } // namespace
 
-Tunnel::Tunnel(Common*) : mTexture(nullptr), mProgram(nullptr) {}
+// Corners 0 to 3 of a block at -depth, 4 to 7 at depth; faces counter-clockwise from outside: front, back,
+// inner, outer, sides.
+Tunnel::Tunnel(Common*) : mTexture(nullptr), mProgram(nullptr) {
+    static const unsigned char faces[6][4] = {{0, 3, 2, 1}, {4, 5, 6, 7}, {0, 1, 5, 4},
+                                              {3, 7, 6, 2}, {1, 2, 6, 5}, {0, 4, 7, 3}};
+    for (int i = 0; i < 8; ++i)
+        mBlock.addCorner(Vector3f(0, 0, 0));
+    for (const unsigned char(&face)[4] : faces)
+        mBlock.addFace(face[0], face[1], face[2], face[3]);
+}
 
 const std::vector<Tunnel::Ring>& Tunnel::rings() {
     return mongo;
@@ -144,10 +151,16 @@ void Tunnel::drawRing(Ring& ring, int index, const Vector3f& eye, float delta) {
 
     // The ring untwists into the plane of the tunnel as it nears. Only the angle about z differs from block
     // to block.
-    Quatf twistX, twistY, twistZ;
+    Quatf twistX, twistY;
     twistX.setRotX(20.0f * sinf(0.005f * dist));
     twistY.setRotY(20.0f * sinf(0.0051f * dist));
-    const Quatf twist = twistX * twistY;
+    Matrix4x4Col plane;
+    plane.buildPRS(ring.pos, twistX * twistY, Vector3f(1, 1, 1));
+    const float across = ring.outer + 1.5f * dist;
+    mBatch.setTransform(plane);
+    const bool visible = mBatch.isVisible(Vector3f(0, 0, 0), Vector3f(across, across, DEPTH));
+    shapeCuboCono(BLOCK_POSITIONS, ring.inner, ring.outer, DEPTH);
+    mBatch.color(ring.col, a);
     for (int b = 0; b < NUM_BLOCKS; ++b) {
         if (index % 5 == 0 && (b == 0 || b == 15 || b == 31 || b == 47))
             continue;
@@ -156,34 +169,36 @@ void Tunnel::drawRing(Ring& ring, int index, const Vector3f& eye, float delta) {
             z -= 0.05f * delta;
         if (z < 0.1f)
             z += 0.05f * delta;
+        if (!visible)
+            continue;
 
-        twistZ.setRotZ(ring.rot.z + z + 0.7f * dist);
-        Matrix4x4Col transform, block = positions.turn[b];
-        transform.buildPRS(ring.pos, twist * twistZ, Vector3f(1, 1, 1));
-        block.mData[12] = 0.1f * positions.sine[b] * 15.0f * dist;
-        block.mData[13] = 0.1f * positions.cosine[b] * 15.0f * dist;
-        transform.multiplyFromRight(block);
-        mBatch.setTransform(transform);
-        mBatch.color(ring.col, a);
-        drawCuboCono(BLOCK_POSITIONS, ring.inner, ring.outer, 0.2f);
+        const float angle = ring.rot.z + z + 0.7f * dist;
+        const float c = cosf(angle), s = sinf(angle);
+        const float sine = positions.sine[b], cosine = positions.cosine[b];
+        const float out = 0.1f * 15.0f * dist;
+        // The x axis of the block, its y axis and its place, in the plane of the ring.
+        const float  xx = c * cosine + s * sine, xy = s * cosine - c * sine;
+        const float  px = out * (c * sine - s * cosine), py = out * (s * sine + c * cosine);
+        Matrix4x4Col block = plane;
+        for (int r = 0; r < 3; ++r) {
+            const float right = plane.mData[r], up = plane.mData[4 + r];
+            block.mData[r] = right * xx + up * xy;
+            block.mData[4 + r] = up * xx - right * xy;
+            block.mData[12 + r] = plane.mData[12 + r] + right * px + up * py;
+        }
+        mBatch.setTransform(block);
+        mBatch.solid(mBlock);
     }
 }
 
 // One of the `n` blocks that a ring of these radii is cut into, around the y axis, from -depth to depth.
-void Tunnel::drawCuboCono(int n, float inner, float outer, float depth) {
+void Tunnel::shapeCuboCono(int n, float inner, float outer, float depth) {
     const float h = PI / float(n);
     const float c = cosf(h), s = sinf(h);
     const float x[4] = {-s * inner, s * inner, s * outer, -s * outer};
     const float y[4] = {c * inner, c * inner, c * outer, c * outer};
-    // Corners 0 to 3 at -depth, 4 to 7 at depth; counter-clockwise from outside: front, back, inner, outer,
-    // sides.
-    static const unsigned char faces[6][4] = {{0, 3, 2, 1}, {4, 5, 6, 7}, {0, 1, 5, 4},
-                                              {3, 7, 6, 2}, {1, 2, 6, 5}, {0, 4, 7, 3}};
-    mBatch.begin(GL_QUADS);
-    for (const unsigned char(&face)[4] : faces)
-        for (const unsigned char corner : face)
-            mBatch.vertex(x[corner & 3], y[corner & 3], corner < 4 ? -depth : depth);
-    mBatch.end();
+    for (int i = 0; i < 8; ++i)
+        mBlock.setCorner(i, Vector3f(x[i & 3], y[i & 3], i < 4 ? -depth : depth));
 }
 
 } // namespace zentrak::kindler

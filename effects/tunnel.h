@@ -34,12 +34,13 @@ public:
 
 private:
     void drawRing(Ring& ring, int index, const mathbase::Vector3f& eye, float delta);
-    void drawCuboCono(int n, float inner, float outer, float depth);
+    void shapeCuboCono(int n, float inner, float outer, float depth);
 
     display::Texture       mTexture;
     EffectRandom           mRandom;
     display::ShaderProgram mProgram;
     display::Batch&        mBatch = sharedBatch();
+    display::Batch::Solid  mBlock;
 };
 
 } // namespace zentrak::kindler

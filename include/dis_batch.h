@@ -9,6 +9,7 @@
 #include <GL/glew.h>
 #include <cstddef>
 #include <cstdint>
+#include <emmintrin.h>
 #include <vector>
 
 namespace zentrak::display {
@@ -48,13 +49,41 @@ public:
         CHANNEL_AUTO = 4, // what the state of OpenGL reads: texturing, lighting; with a program in use, both
     };
 
-    // Whether shapes that cannot be seen are left out here, ahead of OpenGL: boxes, sprites and primitives of
-    // faces outside the view volume, and the faces of boxes and of GL_QUADS that GL_CULL_FACE removes (with
-    // GL_CULL_FACE off no face is left out). quad() and rect() are drawn as they come.
+    // Whether shapes that cannot be seen are left out here, ahead of OpenGL: boxes, solids, sprites and
+    // primitives of faces outside the view volume; the faces of boxes, solids and GL_QUADS that GL_CULL_FACE
+    // removes (with GL_CULL_FACE off no face is left out); and small faces of boxes and solids, and small
+    // sprites, that cover the middle of no pixel. quad() and rect() are drawn as they come.
     enum Culling {
         CULLING_AUTO, // when no program is in use
         CULLING_ON,   // always; right for a program that puts its vertices where fixed function would
         CULLING_OFF,  // never
+    };
+
+    // Corners and faces that are set once and drawn many times by solid(): 32 of each at most, which is
+    // asserted. Nothing is allocated.
+    class Solid {
+    public:
+        // Returns the corner's number, from 0 on. `color` says which of the colours of solid() it has.
+        int addCorner(const mathbase::Vector3f& place, int color = 0);
+
+        // The quad of four corners in the order of GL_QUADS: plane and convex.
+        void addFace(int a, int b, int c, int d);
+
+        void setCorner(int corner, const mathbase::Vector3f& place);
+
+    private:
+        friend class Batch;
+        static constexpr int MOST = 32;
+
+        void prepare();
+
+        int           mCorners = 0, mFaces = 0;
+        bool          mPrepared = false;
+        unsigned char mFace[MOST][4];
+        int           mColor[MOST];
+        alignas(16) float mCorner[MOST][4];       // x, y, z, 1
+        alignas(16) float mPlane[MOST / 4][4][4]; // of four faces each: the normals' x, y, z, and offset
+        mathbase::Vector3f mCentre, mHalf;        // the box around it
     };
 
     Batch();
@@ -108,6 +137,15 @@ public:
     // normal and the whole texture upright on it: texture (0, 1) at its lower left corner, (1, 0) at its
     // upper right one. "Up" is +y on the four sides, -z on the top and +z on the bottom.
     void box(const mathbase::Vector3f& centre, const mathbase::Vector3f& half);
+
+    // All faces of a solid in order, each corner in its colour of `colors` (from then on the current one is
+    // the last corner's), or all in the current one if null. Texture coordinates and normals are the current
+    // ones.
+    void solid(Solid& solid, const mathbase::Vector4f* colors = nullptr);
+
+    // Whether something may be seen of the box from centre - half to centre + half: for leaving out at once
+    // what lies in it. Reads the state of OpenGL as a shape does.
+    bool isVisible(const mathbase::Vector3f& centre, const mathbase::Vector3f& half);
 
     // The parallelogram spanned by `right` and `up` around `centre`, in the current colour: texture (s0, t0)
     // at centre + up - right, (s0, t1) at centre - up - right, (s1, t1) at centre - up + right, (s1, t0) at
@@ -166,35 +204,60 @@ private:
     struct View {
         unsigned channels = 0;         // what the whole shapes write: CHANNEL_TEXCOORD, CHANNEL_NORMAL
         bool     separate = false;     // primitives keep their form: polygons' edges alone, stippled lines
+        bool     edges = false;        // a face may be seen edge-on
         bool     flat = false;         // a face has the colour of one of its corners
         bool     cull = false;         // leave out what cannot be seen
+        bool     sample = false;       // a face covers a pixel where it covers the pixel's middle, else not
         bool     keepCounter = true;   // GL_CULL_FACE lets counter-clockwise faces through
         bool     keepClockwise = true; // and clockwise ones
-        float    eye[4] = {};          // the point that is projected to x = y = w = 0
-        float    plane[4][8] = {};     // six planes around the view, by coordinate; the last two are empty
+        int      planes = 15;          // those of x, y, z and w that count: a mask
+        float    margin = 0;           // how far OpenGL may move a corner, pixels
+        float    size = 0;             // of the window, pixels
+        alignas(16) float eye[4] = {}; // the point that is projected to x = y = w = 0
+        alignas(16) float clip[4][4] = {}; // columns: what x, y, z and 1 are in clip space
+        alignas(16) float weight[4] = {};  // and what their magnitudes come to there at most
+        alignas(16) float scale[4] = {};   // from the unit square to the window: x, y, -x, -y
+        alignas(16) float offset[4] = {};
+        alignas(16) float limit[4] = {}; // right, top, -left and -bottom of the viewport
     };
 
     void     look();
     void     lookVolume();
+    void     lookWindow();
     void     openPrimitive(GLenum mode);
     void     closePrimitive(GLenum mode, size_t first);
     void     addIndices(GLenum mode, size_t first, size_t count);
-    Place    placeOf(const float* centre, const float* axes, int count) const;
+    float    roundingOf(const float* shape, int axes) const;
+    Place    placeOf(const float* clip, const float* shape, int axes) const;
+    float    marginOf(const float* clip, const float* shape, int axes) const;
+    bool     mayCover(const float* window, const unsigned char* corners, float margin) const;
     Place    placeOf(size_t first) const;
     bool     isCulled(const float* a, const float* b, const float* c) const;
     void     cullQuads();
     void     moveQuad(size_t from, size_t to);
     void     markRun(Place place);
     void     drawRuns(GLenum mode, size_t count);
-    unsigned visibleFaces(const float* centre, const float* axes) const;
-    void     addQuad(const float* corners, float s0, float t0, float s1, float t1, bool columnFirst);
-    void     fill(size_t first, size_t count, unsigned channels);
-    void     startChannel(unsigned channel);
-    void     reserveVertices(size_t more);
-    void     updateNormal();
-    void     normalMatrix(float* columns) const;
-    void     drawCollected();
-    void     putArraysAside();
+    void     localEye(const float* shape, float* eye) const;
+    unsigned visibleFaces(const float* shape) const;
+    unsigned seenFaces(const float* corners, int count, const unsigned char (*face)[4], unsigned faces,
+                       float rounding, float margin) const;
+    unsigned seenFaces(const float* clip, unsigned faces, float rounding, float margin) const;
+    unsigned visibleFaces(const Solid& solid) const;
+    unsigned seenFaces(const Solid& solid, unsigned faces, float rounding, float margin) const;
+    bool     coversSprite(const float* clip, float margin) const;
+    void     boxAxes(const mathbase::Vector3f& centre, const mathbase::Vector3f& half, float* shape) const;
+    Place    toClip(const float* shape, float* clip, int axes) const;
+
+    static __m128 toWindow(const View& view, __m128 clip);
+    static int    keptFaces(const View& view, __m128 area);
+    void          addQuad(const float* corners, float s0, float t0, float s1, float t1, bool columnFirst);
+    void          fill(size_t first, size_t count, unsigned channels);
+    void          startChannel(unsigned channel);
+    void          reserveVertices(size_t more);
+    void          updateNormal();
+    void          normalMatrix(float* columns) const;
+    void          drawCollected();
+    void          putArraysAside();
 
     Array<float>    mPosition;        // 4 a vertex: x, y, z, 1
     Array<float>    mColor;           // 4 a vertex

@@ -177,6 +177,8 @@ private:
         cost.update.push_back(update - thread);
     }
     void measureOwn(Cost& own, const std::function<void()>& draw) {
+        const auto drawRanges = __glewMultiDrawArrays;
+        __glewMultiDrawArrays = [](GLenum, const GLint*, const GLsizei*, GLsizei) {};
         for (int i = 0; i < rounds; ++i) {
             clear();
             glFinish();
@@ -186,6 +188,7 @@ private:
             own.cpu.push_back(now(CLOCK_THREAD_CPUTIME_ID) - cpu);
             muted = false;
         }
+        __glewMultiDrawArrays = drawRanges;
     }
     std::vector<uint8_t> picture(const std::function<void()>& draw) {
         clear();

@@ -10,6 +10,7 @@
 #include <cmath>
 #include <cstring>
 #include <string>
+#include <type_traits>
 #include <utility>
 
 using namespace zentrak;
@@ -716,11 +717,433 @@ TEST_F(BatchTest, boxesOutsideTheViewCostNoVertex) {
                                        Vector3f(0, 100, -10), Vector3f(0, -100, -10), Vector3f(0, 0, -2000)})
             batch.box(centre, half);
         EXPECT_EQ(batch.getVertices(), 0u);
-        batch.box(Vector3f(0, 0, -999.5f), half);
-        batch.box(Vector3f(0, 0, 0.5f), half);
-        EXPECT_EQ(batch.getVertices(), 48u);
         batch.clear();
     });
+}
+
+TEST_F(BatchTest, facesBeyondTheEdgeOfTheViewCostNoVertex) {
+    frame([&] {
+        perspective(display());
+        batch.box(Vector3f(0, 0, -970), Vector3f(100, 100, 50)); // its back is behind the far plane
+        EXPECT_EQ(batch.getVertices(), 20u);
+        batch.box(Vector3f(0, 0, -4), Vector3f(1, 1, 5)); // its front is behind the eye
+        EXPECT_EQ(batch.getVertices(), 40u);
+        batch.box(Vector3f(100, 0, -10), Vector3f(99, 1, 1)); // its right side is out to the right
+        EXPECT_EQ(batch.getVertices(), 60u);
+        batch.clear();
+    });
+}
+
+// What covers the middle of no pixel is left out: the same vertices with and without, so the very same
+// picture.
+class BatchSampleTest : public BatchTest {
+protected:
+    // Draws the scene with and without what is left out; how many vertices each took, and the same picture.
+    template <class State, class Scene>
+    std::pair<size_t, size_t> same(State state, Scene scene) {
+        size_t     vertices[2] = {0, 0};
+        const auto draw = [&](bool cull) {
+            return frame([&] {
+                state();
+                batch.setCulling(cull ? Batch::CULLING_ON : Batch::CULLING_OFF);
+                scene(batch);
+                vertices[cull] = batch.getVertices();
+                batch.flush();
+            });
+        };
+        const Picture whole = draw(false), culled = draw(true);
+        batch.setCulling(Batch::CULLING_AUTO);
+        size_t apart = 0;
+        for (size_t i = 0; i < whole.rgba.size(); i += 4)
+            apart += std::memcmp(&whole.rgba[i], &culled.rgba[i], 4) != 0;
+        EXPECT_EQ(apart, 0u) << "pixels differ";
+        size_t lit = 0;
+        for (size_t i = 0; i < whole.rgba.size(); i += 4)
+            lit += whole.rgba[i] || whole.rgba[i + 1] || whole.rgba[i + 2];
+        EXPECT_GT(lit, 20u) << "nothing is seen";
+        return {vertices[true], vertices[false]};
+    }
+
+    // One unit a pixel, from the lower left of the viewport on.
+    void pixels(float width = 640, float height = 400) {
+        Matrix4x4Col project;
+        project.setProjectOrtho(0, width, 0, height, -100, 100);
+        display().setProject(project);
+        display().setModelView();
+        glEnable(GL_BLEND);
+        glBlendFunc(GL_SRC_ALPHA, GL_ONE);
+    }
+};
+
+// A prism along y on a base of six corners, of two colours.
+Batch::Solid makePrism() {
+    Batch::Solid prism;
+    for (int k = 0; k < 6; ++k) {
+        const float a = 6.2831853f * float(k) / 6;
+        prism.addCorner(Vector3f(std::sin(a), -1, std::cos(a)), 0);
+        prism.addCorner(Vector3f(std::sin(a), 1, std::cos(a)), 1);
+    }
+    for (int k = 0; k < 6; ++k)
+        prism.addFace(2 * k, (2 * k + 2) % 12, (2 * k + 3) % 12, 2 * k + 1);
+    for (int k = 0; k < 6; k += 3) {
+        prism.addFace(2 * k + 1, 2 * k + 3, (2 * k + 5) % 12, (2 * k + 7) % 12);
+        prism.addFace((2 * k + 6) % 12, (2 * k + 4) % 12, (2 * k + 2) % 12, 2 * k);
+    }
+    return prism;
+}
+
+template <class Painter>
+void drawPrism(Painter& painter, const Vector4f (&colors)[2]) {
+    const auto corner = [&](int i) {
+        const float a = 6.2831853f * float(i / 2) / 6;
+        painter.color(colors[i % 2].x, colors[i % 2].y, colors[i % 2].z, colors[i % 2].w);
+        painter.vertex(std::sin(a), i % 2 ? 1.0f : -1.0f, std::cos(a));
+    };
+    painter.begin(GL_QUADS);
+    const auto face = [&](int a, int b, int c, int d) { corner(a), corner(b), corner(c), corner(d); };
+    for (int k = 0; k < 6; ++k)
+        face(2 * k, (2 * k + 2) % 12, (2 * k + 3) % 12, 2 * k + 1);
+    for (int k = 0; k < 6; k += 3) {
+        face(2 * k + 1, 2 * k + 3, (2 * k + 5) % 12, (2 * k + 7) % 12);
+        face((2 * k + 6) % 12, (2 * k + 4) % 12, (2 * k + 2) % 12, 2 * k);
+    }
+    painter.end();
+}
+
+template <class Painter>
+void drawTinyShapes(Painter& painter, float spread, float nearest, float farthest, float size) {
+    static Batch::Solid prism = makePrism();
+    Random              random;
+    for (int i = 0; i < 3000; ++i) {
+        painter.setTransform(randomPlace(random, spread, nearest, farthest));
+        const Vector4f colors[2] = {Vector4f(random(0.2f, 1), random(0.2f, 1), random(0.2f, 1), 0.5f),
+                                    Vector4f(random(0.2f, 1), random(0.2f, 1), random(0.2f, 1), 0.5f)};
+        painter.color(colors[0].x, colors[0].y, colors[0].z, 0.5f);
+        const float s = size * random(0.02f, 1);
+        if (i % 3 == 0) {
+            painter.box(Vector3f(0, 0, 0), Vector3f(s, s * random(0, 1), i % 2 ? s : 8 * s));
+        } else if (i % 3 == 1) {
+            painter.sprite(Vector3f(0, 0, 0), Vector3f(s, 0.3f * s, 0), Vector3f(0, i % 2 ? s : 9 * s, 0));
+        } else {
+            Matrix4x4Col place = randomPlace(random, spread, nearest, farthest), scale;
+            scale.setScale(Vector3f(s, i % 2 ? s : 7 * s, s));
+            place *= scale;
+            painter.setTransform(place);
+            painter.solid(prism, colors);
+        }
+    }
+}
+
+TEST_F(BatchTest, solidsAreTheirFacesInTheColoursGiven) {
+    static Batch::Solid prism = makePrism();
+    for (const bool cull : {false, true})
+        for (const GLenum front : {GL_CCW, GL_CW})
+            compare(
+                [&] {
+                    perspective(display());
+                    glEnable(GL_BLEND);
+                    if (cull)
+                        glEnable(GL_CULL_FACE);
+                    glFrontFace(front);
+                },
+                [](auto& p) {
+                    Random random;
+                    for (int i = 0; i < 150; ++i) {
+                        Matrix4x4Col m = randomPlace(random, 9, 1, 40);
+                        for (int k = 0; i % 3 == 0 && k < 3; ++k)
+                            m.mData[k] = -m.mData[k];
+                        p.setTransform(m);
+                        const Vector4f colors[2] = {
+                            Vector4f(random(0, 1), random(0, 1), random(0, 1), random(0.2f, 1)),
+                            Vector4f(random(0, 1), random(0, 1), random(0, 1), random(0.2f, 1))};
+                        if constexpr (std::is_same_v<decltype(p), Batch&>)
+                            p.solid(prism, colors);
+                        else
+                            drawPrism(p, colors);
+                    }
+                });
+}
+
+TEST_F(BatchTest, aSolidWithoutColoursHasTheCurrentOneAndLeavesTheLast) {
+    Batch::Solid prism = makePrism();
+    frame([&] {
+        perspective(display());
+        const auto current = [] {
+            Vector4f color;
+            glGetFloatv(GL_CURRENT_COLOR, &color.x);
+            return color;
+        };
+        Matrix4x4Col place;
+        place.setTranslation(Vector3f(0, 0, -10));
+        const Vector4f colors[2] = {Vector4f(0, 0.25f, 0, 1), Vector4f(0.5f, 0, 0, 1)};
+        batch.setTransform(place);
+        batch.solid(prism, colors);
+        batch.flush();
+        EXPECT_EQ(current(), colors[0]); // of the bottom, which is drawn last
+        batch.setTransform(place);
+        batch.color(0, 0, 0.75f);
+        batch.solid(prism);
+        batch.flush();
+        EXPECT_EQ(current(), Vector4f(0, 0, 0.75f, 1));
+        Batch::Solid none;
+        batch.solid(none, colors);
+        EXPECT_EQ(batch.getVertices(), 0u);
+        batch.clear();
+    });
+}
+
+TEST_F(BatchTest, aCornerOfASolidCanBeMoved) {
+    Batch::Solid solid;
+    for (int i = 0; i < 4; ++i)
+        solid.addCorner(Vector3f(0, 0, 0));
+    solid.addFace(0, 1, 2, 3);
+    const float x[4] = {-1, 1, 1, -1}, y[4] = {-1, -1, 1, 1};
+    frame([&] {
+        perspective(display());
+        glEnable(GL_CULL_FACE);
+        batch.solid(solid);
+        EXPECT_EQ(batch.getVertices(), 0u); // all at the eye
+        for (int i = 0; i < 4; ++i)
+            solid.setCorner(i, Vector3f(x[i], y[i], -10));
+        batch.solid(solid);
+        EXPECT_EQ(batch.getVertices(), 4u);
+        for (int i = 0; i < 4; ++i)
+            solid.setCorner(i, Vector3f(-x[i], y[i], -10)); // its back
+        batch.solid(solid);
+        EXPECT_EQ(batch.getVertices(), 4u);
+        batch.clear();
+    });
+}
+
+TEST_F(BatchTest, moreThanASolidHoldsIsAsserted) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    Batch::Solid solid;
+    for (int i = 0; i < 32; ++i)
+        solid.addCorner(Vector3f(0, 0, 0));
+    for (int i = 0; i < 32; ++i)
+        solid.addFace(0, 1, 2, 3);
+    EXPECT_DEATH(solid.addCorner(Vector3f(0, 0, 0)), "mCorners < MOST");
+    EXPECT_DEATH(solid.addFace(0, 1, 2, 3), "mFaces < MOST");
+    EXPECT_DEATH(solid.setCorner(32, Vector3f(0, 0, 0)), "corner < mCorners");
+    Batch::Solid empty;
+    EXPECT_DEATH(empty.addFace(0, 1, 2, 3), "corners\\[i\\] < mCorners");
+}
+
+TEST_F(BatchTest, whatLiesInABoxOutsideTheViewIsNotVisible) {
+    frame([&] {
+        perspective(display());
+        const Vector3f half(1, 1, 1);
+        EXPECT_TRUE(batch.isVisible(Vector3f(0, 0, -10), half));
+        EXPECT_TRUE(batch.isVisible(Vector3f(0, 0, 0), half));
+        EXPECT_FALSE(batch.isVisible(Vector3f(0, 0, 10), half));
+        EXPECT_FALSE(batch.isVisible(Vector3f(30, 0, -10), half));
+        EXPECT_TRUE(batch.isVisible(Vector3f(30, 0, -10), Vector3f(29, 1, 1)));
+        EXPECT_TRUE(batch.isVisible(Vector3f(NAN, 0, 0), half));
+        Matrix4x4Col place;
+        place.setTranslation(Vector3f(0, 0, -20));
+        batch.setTransform(place);
+        EXPECT_TRUE(batch.isVisible(Vector3f(0, 0, 10), half));
+        batch.clear();
+        batch.setCulling(Batch::CULLING_OFF);
+        EXPECT_TRUE(batch.isVisible(Vector3f(0, 0, 10), half));
+        batch.setCulling(Batch::CULLING_AUTO);
+        batch.clear();
+    });
+}
+
+TEST_F(BatchSampleTest, tinyShapesCoverThePixelsThatTheyCover) {
+    for (const bool cull : {false, true}) {
+        const auto [few, all] = same(
+            [&] {
+                perspective(display());
+                glEnable(GL_BLEND);
+                if (cull)
+                    glEnable(GL_CULL_FACE);
+            },
+            [](Batch& p) { drawTinyShapes(p, 30, 100, 400, 0.4f); });
+        EXPECT_LT(few, all * (cull ? 2 : 4) / 5);
+    }
+}
+
+TEST_F(BatchSampleTest, aViewportOfItsOwnAndAScissor) {
+    for (const int left : {37, -20})
+        same(
+            [&] {
+                perspective(display());
+                glEnable(GL_BLEND);
+                glViewport(left, 21, 101, 63);
+                glEnable(GL_SCISSOR_TEST);
+                glScissor(40, 30, 60, 50);
+            },
+            [](Batch& p) { drawTinyShapes(p, 30, 100, 400, 2); });
+    glViewport(0, 0, 640, 400);
+    glDisable(GL_SCISSOR_TEST);
+}
+
+TEST_F(BatchSampleTest, edgesAndCornersAtTheVeryMiddlesOfPixels) {
+    // A little to either side, too: less than OpenGL tells apart, as much as it does, and more.
+    static const float off[] = {0,         1 / 1024.0f, -1 / 1024.0f, 1 / 256.0f, -1 / 256.0f,
+                                1 / 64.0f, -1 / 64.0f,  1 / 16.0f,    -1 / 16.0f};
+    for (const GLenum front : {GL_CCW, GL_CW})
+        same(
+            [&] {
+                pixels();
+                glEnable(GL_CULL_FACE);
+                glFrontFace(front);
+            },
+            [](Batch& p) {
+                int n = 0;
+                for (const float sizeX : {0.25f, 0.5f, 1.0f, 0.001f})
+                    for (const float sizeY : {0.25f, 0.5f, 1.0f})
+                        for (const float dx : off)
+                            for (const float dy : off) {
+                                const float x = 4 * float(n % 150) + 2.5f, y = 4 * float(n / 150) + 2.5f;
+                                ++n;
+                                p.color(0.5f, 0.25f, 0.75f, 0.5f);
+                                // Its right and top edge at the middle of a pixel, or else its left and lower
+                                // one.
+                                const float    side = n % 2 ? 1.0f : -1.0f;
+                                const Vector3f centre(x - side * sizeX + dx, y - side * sizeY + dy, 0);
+                                p.sprite(centre, Vector3f(sizeX, 0, 0), Vector3f(0, sizeY, 0));
+                                p.box(centre + Vector3f(0, 200, 0), Vector3f(sizeX, sizeY, 1));
+                                // A corner there.
+                                p.sprite(Vector3f(x + dx - side * 0.5f, y + dy + 100, 0),
+                                         Vector3f(side * 0.25f, side * 0.25f, 0),
+                                         Vector3f(side * 0.25f, side * -0.25f, 0));
+                            }
+            });
+}
+
+TEST_F(BatchSampleTest, whatLiesBetweenTheMiddlesOfPixelsCostsNoVertex) {
+    frame([&] {
+        pixels();
+        batch.box(Vector3f(100, 100, 0), Vector3f(0.4f, 0.4f, 0.4f));
+        batch.box(Vector3f(100, 100, 0), Vector3f(0.4f, 5, 5)); // a wall seen from the side
+        batch.sprite(Vector3f(100, 100, 0), Vector3f(0.4f, 0, 0), Vector3f(0, 0.4f, 0));
+        batch.sprite(Vector3f(100.5f, 100, 0), Vector3f(1, 0, 0), Vector3f(0, 0.4f, 0));
+        batch.sprite(Vector3f(101, 100.5f, 0), Vector3f(2, 2, 0), Vector3f(0.1f, -0.1f, 0)); // on the slant
+        EXPECT_EQ(batch.getVertices(), 0u);
+        batch.sprite(Vector3f(100.5f, 100.5f, 0), Vector3f(0.1f, 0, 0), Vector3f(0, 0.1f, 0));
+        EXPECT_EQ(batch.getVertices(), 4u);
+        batch.clear();
+    });
+}
+
+TEST_F(BatchSampleTest, linesAndPointsOfPolygonsAreSeenWhereTheFaceIsNot) {
+    for (const GLenum mode : {GL_LINE, GL_POINT}) {
+        const auto [few, all] = same(
+            [&] {
+                perspective(display());
+                glPolygonMode(GL_FRONT_AND_BACK, mode);
+            },
+            [](Batch& p) { drawTinyShapes(p, 25, 100, 400, 0.4f); });
+        EXPECT_GT(few, all / 2);
+        same(
+            [&] {
+                pixels();
+                glPolygonMode(GL_FRONT_AND_BACK, mode);
+            },
+            [](Batch& p) { // edge-on
+                for (int i = 0; i < 50; ++i)
+                    p.box(Vector3f(10.5f + 4 * float(i), 100, 0), Vector3f(0, 5, 0));
+            });
+    }
+    glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
+}
+
+TEST_F(BatchSampleTest, withManySamplesAPixelNothingIsLeftOutForMissingItsMiddle) {
+    window();
+    ASSERT_TRUE(GLEW_VERSION_3_0);
+    GLuint target = 0, color = 0;
+    glGenFramebuffers(1, &target);
+    glGenRenderbuffers(1, &color);
+    glBindRenderbuffer(GL_RENDERBUFFER, color);
+    glRenderbufferStorageMultisample(GL_RENDERBUFFER, 4, GL_RGBA8, 640, 400);
+    const auto [few, all] = same(
+        [&] {
+            pixels();
+            glBindFramebuffer(GL_FRAMEBUFFER, target);
+            glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, color);
+            ASSERT_EQ(glCheckFramebufferStatus(GL_FRAMEBUFFER), GLenum(GL_FRAMEBUFFER_COMPLETE));
+            glClear(GL_COLOR_BUFFER_BIT);
+        },
+        [&](Batch& p) {
+            for (int i = 0; i < 400; ++i)
+                p.sprite(Vector3f(20 + float(i % 40) * 3, 20 + float(i / 40) * 3, 0), Vector3f(0.45f, 0, 0),
+                         Vector3f(0, 0.45f, 0));
+            EXPECT_EQ(p.getVertices(), 1600u);
+            p.flush();
+            glBindFramebuffer(GL_READ_FRAMEBUFFER, target);
+            glBindFramebuffer(GL_DRAW_FRAMEBUFFER, 0);
+            glBlitFramebuffer(0, 0, 640, 400, 0, 0, 640, 400, GL_COLOR_BUFFER_BIT, GL_NEAREST);
+            glBindFramebuffer(GL_FRAMEBUFFER, 0);
+        });
+    EXPECT_EQ(few, all);
+    glDeleteFramebuffers(1, &target);
+    glDeleteRenderbuffers(1, &color);
+}
+
+// Behind the eye, in its plane, no numbers, endless and enormous: harmless, and what is among them is drawn.
+TEST_F(BatchSampleTest, placesOfAnyKind) {
+    static Batch::Solid prism = makePrism();
+    const float         values[] = {0,     1e-30f, -1e-30f, 0.15f, -0.15f, 5,        -5,        1e6f,
+                                    -1e6f, 1e19f,  -1e19f,  3e38f, -3e38f, INFINITY, -INFINITY, NAN};
+    for (const bool cull : {false, true}) {
+        frame([&] {
+            perspective(display());
+            if (cull)
+                glEnable(GL_CULL_FACE);
+            for (const float x : values)
+                for (const float z : values)
+                    for (const float s : values) {
+                        batch.box(Vector3f(x, 0, z), Vector3f(s, 1, s));
+                        batch.sprite(Vector3f(x, 0, z), Vector3f(s, 0, 0), Vector3f(0, s, 0));
+                        Matrix4x4Col place;
+                        place.setTranslation(Vector3f(x, s, z));
+                        place.mData[0] = s;
+                        batch.setTransform(place);
+                        batch.solid(prism);
+                        batch.resetTransform();
+                    }
+            batch.clear();
+        });
+    }
+    same([&] { perspective(display()), glEnable(GL_CULL_FACE), glEnable(GL_DEPTH_TEST); },
+         [&](Batch& p) {
+             Random random;
+             for (const float x : {0.0f, 3.0f, 1e6f, -1e19f})
+                 for (const float z : {0.0f, -0.15f, 5.0f, 1e6f, -1e6f}) {
+                     p.color(random(0.2f, 1), random(0.2f, 1), random(0.2f, 1));
+                     p.sprite(Vector3f(x, 0, z), Vector3f(0.1f, 0, 0), Vector3f(0, 0.1f, 0));
+                 }
+             p.box(Vector3f(0, 0, -10), Vector3f(1, 1, 1));
+         });
+}
+
+// Far from the middle, rounding moves what OpenGL makes of a corner by more than it tells apart.
+TEST_F(BatchSampleTest, farFromTheMiddleOfThings) {
+    for (const float far : {1e3f, 1e4f, 1e5f}) {
+        SCOPED_TRACE(far);
+        same(
+            [&] {
+                Matrix4x4Col project;
+                project.setProject(0.7853982f, 1.6f, 0.15f, 1000);
+                display().setProject(project);
+                display().mCameraMatrix.setCamera(Vector3f(far, 10, far), Vector3f(far - 60, 0, far - 80),
+                                                  0.3f);
+                display().setModelView();
+            },
+            [&](Batch& p) {
+                Random random;
+                for (int i = 0; i < 2000; ++i) {
+                    const float s = random(0.01f, 0.2f);
+                    p.color(random(0.2f, 1), random(0.2f, 1), random(0.2f, 1));
+                    p.box(Vector3f(far - random(20, 120), random(-30, 30), far - random(20, 120)),
+                          Vector3f(s, s, s));
+                }
+            });
+    }
+    display().mCameraMatrix = Plain::identity();
 }
 
 TEST_F(BatchTest, depthClampKeepsWhatIsBehindTheFarPlane) {

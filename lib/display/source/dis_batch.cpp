@@ -8,9 +8,10 @@
 #include <cassert>
 #include <cmath>
 #include <cstring>
+#include <emmintrin.h>
+#include <limits>
 #include <new>
 #include <utility>
-#include <xmmintrin.h>
 
 namespace zentrak::display {
 
@@ -20,17 +21,27 @@ constexpr size_t MIN_VERTICES = 1024;
 constexpr size_t DRAW_VERTICES = size_t(1)
                                  << 20; // between two primitives beyond this, what is there is drawn
 constexpr size_t   MOST_VERTICES = size_t(1) << 30; // what OpenGL's int counts and 32-bit indices take
-constexpr uint32_t SHORT_RUN = 64;                  // vertices
+constexpr uint32_t SHORT_RUN = 24;                  // vertices
 constexpr size_t   LINE = 64;                       // bytes of a cache line
+
+// Faces of less than this area, in pixels, are tried for whether they cover the middle of one, unless too
+// many pixels are around them.
+constexpr float SMALL_AREA = 2;
+constexpr float MANY_PIXELS = 32.5f;
+constexpr float MOST_MARGIN = 0.25f; // pixels: what may be off by more is not tried
+constexpr float ROUNDINGS = 8;       // on the way of a corner to the window
 
 // Corners of a box are numbered by their signs: bit 0 for +x, bit 1 for +y, bit 2 for +z. Each face has its
 // lower left, lower right, upper right and upper left corner as seen from outside.
 enum Face { BACK, LEFT, RIGHT, BOTTOM, TOP, FRONT, FACES };
-constexpr int   FACE_CORNERS[FACES][4] = {{1, 0, 2, 3}, {0, 4, 6, 2}, {5, 1, 3, 7},
-                                          {0, 1, 5, 4}, {6, 7, 3, 2}, {4, 5, 7, 6}};
-constexpr int   FACE_AXIS[FACES] = {2, 0, 0, 1, 1, 2};
-constexpr float FACE_SIGN[FACES] = {-1, -1, 1, -1, 1, 1};
-constexpr float FACE_TEXTURE[8] = {0, 1, 1, 1, 1, 0, 0, 0};
+constexpr unsigned char FACE_CORNERS[FACES][4] = {{1, 0, 2, 3}, {0, 4, 6, 2}, {5, 1, 3, 7},
+                                                  {0, 1, 5, 4}, {6, 7, 3, 2}, {4, 5, 7, 6}};
+// The faces towards +x, +y and +z by a mask of the three, and those towards -x, -y and -z.
+constexpr unsigned char UPPER_FACES[8] = {0, 4, 16, 20, 32, 36, 48, 52};
+constexpr unsigned char LOWER_FACES[8] = {0, 2, 8, 10, 1, 3, 9, 11};
+constexpr int           FACE_AXIS[FACES] = {2, 0, 0, 1, 1, 2};
+constexpr float         FACE_SIGN[FACES] = {-1, -1, 1, -1, 1, 1};
+constexpr float         FACE_TEXTURE[8] = {0, 1, 1, 1, 1, 0, 0, 0};
 
 bool isSeparate(GLenum mode) {
     return mode == GL_POINTS || mode == GL_LINES || mode == GL_TRIANGLES || mode == GL_QUADS;
@@ -77,6 +88,22 @@ float dot(const float* a, const float* b) {
 
 __m128 absolute(__m128 v) {
     return _mm_andnot_ps(_mm_set1_ps(-0.0f), v);
+}
+
+template <int LANE>
+__m128 spread(__m128 v) {
+    return _mm_shuffle_ps(v, v, _MM_SHUFFLE(LANE, LANE, LANE, LANE));
+}
+
+// The matrix of four columns applied to a vector, whose w counts nothing, and to a point.
+__m128 productVector(const float* columns, __m128 v) {
+    return _mm_add_ps(_mm_add_ps(_mm_mul_ps(_mm_load_ps(columns), spread<0>(v)),
+                                 _mm_mul_ps(_mm_load_ps(columns + 4), spread<1>(v))),
+                      _mm_mul_ps(_mm_load_ps(columns + 8), spread<2>(v)));
+}
+
+__m128 productPoint(const float* columns, __m128 v) {
+    return _mm_add_ps(productVector(columns, v), _mm_load_ps(columns + 12));
 }
 
 // A column-major matrix with the last row (0, 0, 0, 1), applied to the point (x, y, z).
@@ -265,27 +292,32 @@ void Batch::look() {
             mView.channels |= CHANNEL_NORMAL;
     }
     mView.cull = mCulling == CULLING_ON || (mCulling == CULLING_AUTO && !program);
+    mView.edges = !solid && !glIsEnabled(GL_CULL_FACE);
+    mView.sample = mView.cull && solid && !glIsEnabled(GL_POLYGON_SMOOTH);
     if (mView.cull)
         lookVolume();
+    if (mView.sample)
+        lookWindow();
 }
 
-// The view volume's planes, the eye and the faces that are culled, all ahead of the model-view matrix.
+// The way to clip space, the eye and the faces that are culled, all ahead of the model-view matrix.
 void Batch::lookVolume() {
     float view[16], project[16], row[4][4];
     GL_CALL(glGetFloatv(GL_MODELVIEW_MATRIX, view));
     GL_CALL(glGetFloatv(GL_PROJECTION_MATRIX, project));
-    for (int r = 0; r < 4; ++r)
-        for (int c = 0; c < 4; ++c) {
-            row[r][c] = 0;
-            for (int k = 0; k < 4; ++k)
-                row[r][c] += project[k * 4 + r] * view[c * 4 + k];
+    for (int c = 0; c < 4; ++c) {
+        mView.weight[c] = 0;
+        for (int r = 0; r < 4; ++r) {
+            float sum = 0, weight = 0;
+            for (int k = 0; k < 4; ++k) {
+                sum += project[k * 4 + r] * view[c * 4 + k];
+                weight += std::fabs(project[k * 4 + r] * view[c * 4 + k]);
+            }
+            row[r][c] = mView.clip[c][r] = sum;
+            mView.weight[c] = std::max(mView.weight[c], weight);
         }
-    const bool depthClamped = GLEW_ARB_depth_clamp && glIsEnabled(GL_DEPTH_CLAMP);
-    for (int c = 0; c < 4; ++c)
-        for (int i = 0; i < 8; ++i) {
-            const bool empty = i >= 6 || (depthClamped && i >= 4);
-            mView.plane[c][i] = empty ? 0 : row[3][c] + (i % 2 ? -1.0f : 1.0f) * row[i / 2][c];
-        }
+    }
+    mView.planes = GLEW_ARB_depth_clamp && glIsEnabled(GL_DEPTH_CLAMP) ? 11 : 15;
 
     // The cofactors of the rows of x, y and w: a face is counter-clockwise on the screen where the product of
     // its plane with them is positive.
@@ -314,47 +346,150 @@ void Batch::lookVolume() {
     }
 }
 
-// Where `centre` plus and minus each of `count` axes (4 floats each) lies: outside one plane of the view
-// volume, inside all of them, or else across.
-Batch::Place Batch::placeOf(const float* centre, const float* axes, int count) const {
-    Place place = INSIDE;
-    for (int half = 0; half < 8; half += 4) {
-        const __m128 x = _mm_loadu_ps(mView.plane[0] + half), y = _mm_loadu_ps(mView.plane[1] + half);
-        const __m128 z = _mm_loadu_ps(mView.plane[2] + half), w = _mm_loadu_ps(mView.plane[3] + half);
-        const auto   product = [&](const float* v) {
-            return _mm_add_ps(_mm_add_ps(_mm_mul_ps(x, _mm_set1_ps(v[0])), _mm_mul_ps(y, _mm_set1_ps(v[1]))),
-                                _mm_mul_ps(z, _mm_set1_ps(v[2])));
-        };
-        const __m128 middle = _mm_add_ps(product(centre), w);
-        __m128       reach = _mm_setzero_ps();
-        for (int i = 0; i < count; ++i)
-            reach = _mm_add_ps(reach, absolute(product(axes + 4 * i)));
-        if (_mm_movemask_ps(_mm_cmplt_ps(_mm_add_ps(middle, reach), _mm_setzero_ps())))
-            return OUTSIDE;
-        if (_mm_movemask_ps(_mm_cmpnge_ps(_mm_sub_ps(middle, reach), _mm_setzero_ps())))
-            place = ACROSS;
+// The way from clip space to pixels. OpenGL has so many bits of a pixel only, and may move a corner by that.
+void Batch::lookWindow() {
+    GLint viewport[4] = {0, 0, 0, 0}, samples = 0, bits = 0;
+    GL_CALL(glGetIntegerv(GL_VIEWPORT, viewport));
+    GL_CALL(glGetIntegerv(GL_SUBPIXEL_BITS, &bits));
+    if (GLEW_VERSION_1_3)
+        GL_CALL(glGetIntegerv(GL_SAMPLE_BUFFERS, &samples));
+    mView.sample = samples == 0;
+    for (int i = 0; i < 4; ++i) {
+        const float sign = i < 2 ? 1.0f : -1.0f, half = 0.5f * float(viewport[2 + i % 2]);
+        mView.scale[i] = sign * half;
+        mView.offset[i] = sign * (float(viewport[i % 2]) + half);
+        mView.limit[i] = mView.offset[i] + half;
     }
-    return place;
+    mView.margin = std::ldexp(1.0f, -std::clamp(bits, 0, 16)) + 1.0f / 64;
+    mView.size = float(std::max(viewport[2], viewport[3]));
 }
 
-// The same of the vertices from `first` on.
-Batch::Place Batch::placeOf(size_t first) const {
-    int  outside[2] = {15, 15};
-    bool inside = true;
-    for (const float *p = mPosition.data + 4 * first, *end = mPosition.data + 4 * mCount; p != end; p += 4) {
-        for (int half = 0; half < 2; ++half) {
-            const float* plane[4] = {mView.plane[0] + 4 * half, mView.plane[1] + 4 * half,
-                                     mView.plane[2] + 4 * half, mView.plane[3] + 4 * half};
-            const __m128 distance = _mm_add_ps(
-                _mm_add_ps(_mm_mul_ps(_mm_loadu_ps(plane[0]), _mm_set1_ps(p[0])),
-                           _mm_mul_ps(_mm_loadu_ps(plane[1]), _mm_set1_ps(p[1]))),
-                _mm_add_ps(_mm_mul_ps(_mm_loadu_ps(plane[2]), _mm_set1_ps(p[2])), _mm_loadu_ps(plane[3])));
-            const int beyond = _mm_movemask_ps(_mm_cmpnge_ps(distance, _mm_setzero_ps()));
-            outside[half] &= beyond;
-            inside = inside && !beyond;
-        }
+// How far, in clip space, what OpenGL makes of the points of a shape, a centre and some axes, may be off what
+// is made of them here: its roundings on the way are others.
+float Batch::roundingOf(const float* shape, int axes) const {
+    __m128 size = absolute(_mm_load_ps(shape));
+    for (int i = 1; i <= axes; ++i)
+        size = _mm_add_ps(size, absolute(_mm_load_ps(shape + 4 * i)));
+    size = _mm_mul_ps(size, _mm_load_ps(mView.weight));
+    return ROUNDINGS * std::numeric_limits<float>::epsilon() *
+           (_mm_cvtss_f32(size) + _mm_cvtss_f32(spread<1>(size)) + _mm_cvtss_f32(spread<2>(size)) +
+            mView.weight[3]);
+}
+
+// Where a shape, a centre plus and minus each of some axes, 4 floats each one after the other, lies: outside
+// one plane of the view volume, inside all of them, or else across. `clip` is the same in clip space.
+Batch::Place Batch::placeOf(const float* clip, const float* shape, int axes) const {
+    const __m128 c = _mm_load_ps(clip), w = spread<3>(c), zero = _mm_setzero_ps();
+    const __m128 above = _mm_add_ps(w, c),
+                 below = _mm_sub_ps(w, c); // over the lower and under the upper planes
+    __m128 reachAbove = zero, reachBelow = zero;
+    for (int i = 1; i <= axes; ++i) {
+        const __m128 axis = _mm_load_ps(clip + 4 * i), axisW = spread<3>(axis);
+        reachAbove = _mm_add_ps(reachAbove, absolute(_mm_add_ps(axisW, axis)));
+        reachBelow = _mm_add_ps(reachBelow, absolute(_mm_sub_ps(axisW, axis)));
     }
-    return outside[0] || outside[1] ? OUTSIDE : inside ? INSIDE : ACROSS;
+    const __m128 farthest = _mm_min_ps(_mm_add_ps(above, reachAbove), _mm_add_ps(below, reachBelow));
+    if (_mm_movemask_ps(_mm_cmplt_ps(farthest, zero)) & mView.planes) {
+        const __m128 rounding = _mm_set1_ps(-roundingOf(shape, axes));
+        return _mm_movemask_ps(_mm_cmplt_ps(farthest, rounding)) & mView.planes ? OUTSIDE : ACROSS;
+    }
+    const __m128 across = _mm_or_ps(_mm_cmpnge_ps(_mm_sub_ps(above, reachAbove), zero),
+                                    _mm_cmpnge_ps(_mm_sub_ps(below, reachBelow), zero));
+    return _mm_movemask_ps(across) & mView.planes ? ACROSS : INSIDE;
+}
+
+// How far, in pixels, the corners of a shape of a centre and two or three axes may be off, if one of its
+// faces is so small that it may well cover the middle of no pixel; else, and where that can't be told, -1.
+float Batch::marginOf(const float* clip, const float* shape, int axes) const {
+    const __m128 c = _mm_load_ps(clip), toPixels = _mm_div_ps(_mm_load_ps(mView.scale), spread<3>(c));
+    const __m128 place = _mm_div_ps(c, spread<3>(c));
+    __m128       reach = _mm_setzero_ps();
+    __m128       axis[3] = {place, place, place};
+    for (int i = 0; i < axes; ++i) {
+        const __m128 a = _mm_load_ps(clip + 4 * i + 4);
+        reach = _mm_add_ps(reach, absolute(a));
+        axis[i] = _mm_mul_ps(_mm_sub_ps(a, _mm_mul_ps(place, spread<3>(a))), toPixels); // as seen from here
+    }
+    const float w = clip[3] - _mm_cvtss_f32(spread<3>(reach)); // at least
+    if (!(w > 0))
+        return -1;
+    // The areas of the faces, a quarter of each.
+    const __m128 xy = _mm_unpacklo_ps(axis[0], axis[1]), yz = _mm_unpacklo_ps(axis[1], axis[2]);
+    const __m128 x = _mm_shuffle_ps(xy, yz, _MM_SHUFFLE(1, 1, 1, 0)),
+                 y = _mm_shuffle_ps(xy, yz, _MM_SHUFFLE(3, 3, 3, 2));
+    const __m128 nextX = _mm_shuffle_ps(x, x, _MM_SHUFFLE(3, 0, 2, 1)),
+                 nextY = _mm_shuffle_ps(y, y, _MM_SHUFFLE(3, 0, 2, 1));
+    const __m128 area = absolute(_mm_sub_ps(_mm_mul_ps(x, nextY), _mm_mul_ps(y, nextX)));
+    if (!(_mm_movemask_ps(_mm_cmplt_ps(area, _mm_set1_ps(SMALL_AREA / 4))) & (axes == 2 ? 1 : 7)))
+        return -1;
+    const float margin = mView.margin + mView.size * roundingOf(shape, axes) / w;
+    return margin < MOST_MARGIN ? margin : -1;
+}
+
+// Where a point of clip space, with w above 0, is in the window: x, y, -x, -y, so that one greatest value of
+// many tells all four sides of the box around them.
+__m128 Batch::toWindow(const View& view, __m128 clip) {
+    const __m128 xy = _mm_shuffle_ps(clip, clip, _MM_SHUFFLE(1, 0, 1, 0));
+    return _mm_add_ps(_mm_mul_ps(xy, _mm_div_ps(_mm_load_ps(view.scale), spread<3>(clip))),
+                      _mm_load_ps(view.offset));
+}
+
+// Whether the quad of four of these points, plane and convex, may cover the middle of a pixel when each of
+// them is off by a margin.
+bool Batch::mayCover(const float* window, const unsigned char* corners, float margin) const {
+    const __m128 a = _mm_load_ps(window + 4 * corners[0]), b = _mm_load_ps(window + 4 * corners[1]);
+    const __m128 c = _mm_load_ps(window + 4 * corners[2]), d = _mm_load_ps(window + 4 * corners[3]);
+    const __m128 most = _mm_max_ps(_mm_max_ps(a, b), _mm_max_ps(c, d));
+    const __m128 bounds = _mm_add_ps(_mm_min_ps(_mm_load_ps(mView.limit), most),
+                                     _mm_setr_ps(margin - 0.5f, margin - 0.5f, margin + 0.5f, margin + 0.5f));
+    // The last column and row whose middles are in the box, and how many are before them.
+    const __m128 last = _mm_cvtepi32_ps(_mm_cvttps_epi32(bounds));
+    const __m128 room = _mm_add_ps(last, _mm_movehl_ps(bounds, bounds));
+    if (_mm_movemask_ps(_mm_cmplt_ps(room, _mm_setzero_ps())) & 3)
+        return false;
+    alignas(16) float lasts[4], rooms[4];
+    _mm_store_ps(lasts, last);
+    _mm_store_ps(rooms, room);
+    if (!((rooms[0] + 1) * (rooms[1] + 1) < MANY_PIXELS))
+        return true;
+    alignas(16) float diagonal[8]; // their product is twice the area
+    _mm_store_ps(diagonal, _mm_sub_ps(c, a));
+    _mm_store_ps(diagonal + 4, _mm_sub_ps(d, b));
+    if (!(std::fabs(diagonal[0] * diagonal[5] - diagonal[1] * diagonal[4]) < 2 * SMALL_AREA))
+        return true;
+
+    // On which side of the four edges are they?
+    const __m128 ab = _mm_unpacklo_ps(a, b), cd = _mm_unpacklo_ps(c, d);
+    const __m128 x = _mm_movelh_ps(ab, cd), y = _mm_movehl_ps(cd, ab);
+    const __m128 alongX = _mm_sub_ps(_mm_shuffle_ps(x, x, _MM_SHUFFLE(0, 3, 2, 1)), x);
+    const __m128 alongY = _mm_sub_ps(_mm_shuffle_ps(y, y, _MM_SHUFFLE(0, 3, 2, 1)), y);
+    const __m128 off = _mm_mul_ps(_mm_add_ps(absolute(alongX), absolute(alongY)), _mm_set1_ps(margin));
+    for (float i = 0; i <= rooms[0]; ++i)
+        for (float j = 0; j <= rooms[1]; ++j) {
+            const __m128 side =
+                _mm_sub_ps(_mm_mul_ps(alongX, _mm_sub_ps(_mm_set1_ps(lasts[1] - j + 0.5f), y)),
+                           _mm_mul_ps(alongY, _mm_sub_ps(_mm_set1_ps(lasts[0] - i + 0.5f), x)));
+            const bool left = _mm_movemask_ps(_mm_cmpgt_ps(side, off));
+            const bool right = _mm_movemask_ps(_mm_cmplt_ps(_mm_add_ps(side, off), _mm_setzero_ps()));
+            if (!(left && right))
+                return true;
+        }
+    return false;
+}
+
+// The same as placeOf of the vertices from `first` on.
+Batch::Place Batch::placeOf(size_t first) const {
+    int          outside[2] = {mView.planes, mView.planes}, across = 0;
+    const __m128 zero = _mm_setzero_ps();
+    for (const float *p = mPosition.data + 4 * first, *end = mPosition.data + 4 * mCount; p != end; p += 4) {
+        const __m128 clip = productPoint(mView.clip[0], _mm_load_ps(p)), w = spread<3>(clip);
+        const int    under = _mm_movemask_ps(_mm_cmpnge_ps(_mm_add_ps(w, clip), zero));
+        const int    over = _mm_movemask_ps(_mm_cmpnge_ps(_mm_sub_ps(w, clip), zero));
+        outside[0] &= under;
+        outside[1] &= over;
+        across |= under | over;
+    }
+    return outside[0] || outside[1] ? OUTSIDE : across & mView.planes ? ACROSS : INSIDE;
 }
 
 // The shape that begins here, with the vertex now to come. Those that lie inside the view are drawn apart
@@ -369,24 +504,105 @@ void Batch::markRun(Place place) {
     }
 }
 
-// The faces of a box, three half axes of 4 floats each around `centre`, that GL_CULL_FACE lets through: bit 1
-// << Face.
-unsigned Batch::visibleFaces(const float* centre, const float* axes) const {
-    float normal[3][3];
-    cross(axes + 4, axes + 8, normal[0]);
-    cross(axes + 8, axes, normal[1]);
-    cross(axes, axes + 4, normal[2]);
-    const float* eye = mView.eye;
-    const float  toEye[3] = {eye[0] - eye[3] * centre[0], eye[1] - eye[3] * centre[1],
-                             eye[2] - eye[3] * centre[2]};
-    const float  depth = eye[3] * dot(axes, normal[0]);
-    unsigned     faces = 0;
-    for (int f = 0; f < FACES; ++f) {
-        const float area = FACE_SIGN[f] * dot(toEye, normal[FACE_AXIS[f]]) - depth;
-        if ((area > 0 && mView.keepCounter) || (area < 0 && mView.keepClockwise))
-            faces |= 1u << f;
+// The eye as seen from a centre along three axes, which follow it, 4 floats each: its coordinates and its w,
+// all times the determinant of the axes.
+void Batch::localEye(const float* shape, float* eye) const {
+    __m128 x = _mm_load_ps(shape + 4), y = _mm_load_ps(shape + 8), z = _mm_load_ps(shape + 12);
+    __m128 none = _mm_setzero_ps();
+    _MM_TRANSPOSE4_PS(x, y, z, none);
+    const auto next = [](__m128 v) { return _mm_shuffle_ps(v, v, _MM_SHUFFLE(3, 0, 2, 1)); };
+    const auto last = [](__m128 v) { return _mm_shuffle_ps(v, v, _MM_SHUFFLE(3, 1, 0, 2)); };
+    const auto less = [](__m128 a, __m128 b, __m128 c, __m128 d) {
+        return _mm_sub_ps(_mm_mul_ps(a, b), _mm_mul_ps(c, d));
+    };
+    // The normals of the faces, one a lane: the cross product of the next axis and the one after.
+    const __m128 normalX = less(next(y), last(z), next(z), last(y));
+    const __m128 normalY = less(next(z), last(x), next(x), last(z));
+    const __m128 normalZ = less(next(x), last(y), next(y), last(x));
+    const auto   dots = [&](__m128 a, __m128 b, __m128 c) {
+        return _mm_add_ps(_mm_add_ps(_mm_mul_ps(a, normalX), _mm_mul_ps(b, normalY)), _mm_mul_ps(c, normalZ));
+    };
+    const __m128 to =
+        _mm_sub_ps(_mm_load_ps(mView.eye), _mm_mul_ps(_mm_set1_ps(mView.eye[3]), _mm_load_ps(shape)));
+    _mm_store_ps(eye, dots(spread<0>(to), spread<1>(to), spread<2>(to)));
+    eye[3] = mView.eye[3] * _mm_cvtss_f32(dots(x, y, z));
+}
+
+// Which of four faces, by the area they show, GL_CULL_FACE lets through: a mask. What can't be told is let
+// through.
+int Batch::keptFaces(const View& view, __m128 area) {
+    const __m128 zero = _mm_setzero_ps();
+    const int    culled = (view.keepCounter ? _mm_movemask_ps(_mm_cmple_ps(area, zero)) : 15) &
+                       (view.keepClockwise ? _mm_movemask_ps(_mm_cmpge_ps(area, zero)) : 15);
+    return ~culled & 15;
+}
+
+// The faces of a box, three half axes after its centre, that GL_CULL_FACE lets through: bit 1 << Face.
+unsigned Batch::visibleFaces(const float* shape) const {
+    alignas(16) float eye[4];
+    localEye(shape, eye);
+    const __m128 to = _mm_load_ps(eye), w = _mm_set1_ps(eye[3]);
+    return UPPER_FACES[keptFaces(mView, _mm_sub_ps(to, w)) & 7] |
+           LOWER_FACES[keptFaces(mView, _mm_sub_ps(_mm_setzero_ps(), _mm_add_ps(to, w))) & 7];
+}
+
+// Whether the sprite of a centre and two axes may cover the middle of a pixel.
+bool Batch::coversSprite(const float* clip, float margin) const {
+    static constexpr unsigned char corners[4] = {0, 1, 2, 3};
+    const __m128      c = _mm_load_ps(clip), r = _mm_load_ps(clip + 4), u = _mm_load_ps(clip + 8);
+    const __m128      rising = _mm_add_ps(u, r), falling = _mm_sub_ps(u, r);
+    alignas(16) float window[16];
+    _mm_store_ps(window, toWindow(mView, _mm_add_ps(c, falling)));
+    _mm_store_ps(window + 4, toWindow(mView, _mm_sub_ps(c, rising)));
+    _mm_store_ps(window + 8, toWindow(mView, _mm_sub_ps(c, falling)));
+    _mm_store_ps(window + 12, toWindow(mView, _mm_add_ps(c, rising)));
+    return mayCover(window, corners, margin);
+}
+
+// Those of `faces` that may be seen. With a rounding of 0 and more, those that don't lie beyond the view's
+// edge, and with a margin, those that may cover the middle of a pixel. The corners are in clip space, 4
+// floats each.
+unsigned Batch::seenFaces(const float* corners, int count, const unsigned char (*face)[4], unsigned faces,
+                          float rounding, float margin) const {
+    const auto leaveOut = [&](const auto& isSeen) {
+        for (unsigned left = faces; left; left &= left - 1) {
+            const int f = std::countr_zero(left);
+            if (!isSeen(face[f]))
+                faces &= ~(1u << f);
+        }
+    };
+    if (rounding >= 0) {
+        int          beyond[Solid::MOST];
+        const __m128 below = _mm_set1_ps(-rounding);
+        for (int i = 0; i < count; ++i) {
+            const __m128 c = _mm_load_ps(corners + 4 * i), w = spread<3>(c);
+            beyond[i] = (_mm_movemask_ps(_mm_cmplt_ps(_mm_add_ps(w, c), below)) & mView.planes) |
+                        (_mm_movemask_ps(_mm_cmplt_ps(_mm_sub_ps(w, c), below)) & mView.planes) << 4;
+        }
+        leaveOut([&](const unsigned char* f) {
+            return !(beyond[f[0]] & beyond[f[1]] & beyond[f[2]] & beyond[f[3]]);
+        });
+    }
+    if (margin >= 0 && faces) {
+        alignas(16) float window[4 * Solid::MOST];
+        for (int i = 0; i < count; ++i)
+            _mm_store_ps(window + 4 * i, toWindow(mView, _mm_load_ps(corners + 4 * i)));
+        leaveOut([&](const unsigned char* f) { return mayCover(window, f, margin); });
     }
     return faces;
+}
+
+// The same of a box, three half axes after its centre in clip space.
+unsigned Batch::seenFaces(const float* clip, unsigned faces, float rounding, float margin) const {
+    const __m128 c = _mm_load_ps(clip), x = _mm_load_ps(clip + 4), y = _mm_load_ps(clip + 8),
+                 z = _mm_load_ps(clip + 12);
+    alignas(16) float corners[32];
+    for (int i = 0; i < 8; ++i) {
+        const __m128 cx = i & 1 ? _mm_add_ps(c, x) : _mm_sub_ps(c, x);
+        const __m128 cxy = i & 2 ? _mm_add_ps(cx, y) : _mm_sub_ps(cx, y);
+        _mm_store_ps(corners + 4 * i, i & 4 ? _mm_add_ps(cxy, z) : _mm_sub_ps(cxy, z));
+    }
+    return seenFaces(corners, 8, FACE_CORNERS, faces, rounding, margin);
 }
 
 // Whether GL_CULL_FACE removes the triangle of three corners.
@@ -565,24 +781,37 @@ void Batch::end() {
     closePrimitive(mode, mFirst);
 }
 
+// The centre of a box and its three half axes, transformed.
+void Batch::boxAxes(const mathbase::Vector3f& centre, const mathbase::Vector3f& half, float* shape) const {
+    _mm_store_ps(shape, transformPoint(mTransform, centre.x, centre.y, centre.z));
+    _mm_store_ps(shape + 4, _mm_mul_ps(_mm_load_ps(mTransform), _mm_set1_ps(half.x)));
+    _mm_store_ps(shape + 8, _mm_mul_ps(_mm_load_ps(mTransform + 4), _mm_set1_ps(half.y)));
+    _mm_store_ps(shape + 12, _mm_mul_ps(_mm_load_ps(mTransform + 8), _mm_set1_ps(half.z)));
+}
+
+// A centre and some axes in clip space, and where they lie.
+Batch::Place Batch::toClip(const float* shape, float* clip, int axes) const {
+    _mm_store_ps(clip, productPoint(mView.clip[0], _mm_load_ps(shape)));
+    for (int i = 1; i <= axes; ++i)
+        _mm_store_ps(clip + 4 * i, productVector(mView.clip[0], _mm_load_ps(shape + 4 * i)));
+    return placeOf(clip, shape, axes);
+}
+
 void Batch::box(const mathbase::Vector3f& centre, const mathbase::Vector3f& half) {
     openPrimitive(GL_QUADS);
-    const __m128 c = transformPoint(mTransform, centre.x, centre.y, centre.z);
-    const __m128 ax = _mm_mul_ps(_mm_load_ps(mTransform), _mm_set1_ps(half.x));
-    const __m128 ay = _mm_mul_ps(_mm_load_ps(mTransform + 4), _mm_set1_ps(half.y));
-    const __m128 az = _mm_mul_ps(_mm_load_ps(mTransform + 8), _mm_set1_ps(half.z));
-    unsigned     faces = (1u << FACES) - 1;
-    Place        place = ACROSS;
+    alignas(16) float shape[16], clip[16];
+    boxAxes(centre, half, shape);
+    unsigned faces = (1u << FACES) - 1;
+    Place    place = ACROSS;
     if (mView.cull) {
-        alignas(16) float middle[4], axes[12];
-        _mm_store_ps(middle, c);
-        _mm_store_ps(axes, ax);
-        _mm_store_ps(axes + 4, ay);
-        _mm_store_ps(axes + 8, az);
-        place = placeOf(middle, axes, 3);
+        place = toClip(shape, clip, 3);
         if (place == OUTSIDE)
             return;
-        faces = visibleFaces(middle, axes);
+        if (!mView.edges)
+            faces = visibleFaces(shape);
+        const float margin = mView.sample ? marginOf(clip, shape, 3) : -1;
+        if (place == ACROSS || margin >= 0)
+            faces = seenFaces(clip, faces, place == ACROSS ? roundingOf(shape, 3) : -1, margin);
         if (!faces)
             return;
     }
@@ -596,6 +825,8 @@ void Batch::box(const mathbase::Vector3f& centre, const mathbase::Vector3f& half
     const size_t first = mCount, count = 4 * size_t(std::popcount(faces));
     reserveVertices(count);
 
+    const __m128 c = _mm_load_ps(shape), ax = _mm_load_ps(shape + 4), ay = _mm_load_ps(shape + 8),
+                 az = _mm_load_ps(shape + 12);
     const __m128 back = _mm_sub_ps(c, az), front = _mm_add_ps(c, az);
     const __m128 low = _mm_add_ps(ax, ay), high = _mm_sub_ps(ax, ay); // to (+x, +y) and to (+x, -y)
     const __m128 corner[8] = {_mm_sub_ps(back, low),   _mm_add_ps(back, high), _mm_sub_ps(back, high),
@@ -603,7 +834,7 @@ void Batch::box(const mathbase::Vector3f& centre, const mathbase::Vector3f& half
                               _mm_sub_ps(front, high), _mm_add_ps(front, low)};
     float*       position = mPosition.data + 4 * first;
     for (unsigned left = faces; left; left &= left - 1) {
-        const int* corners = FACE_CORNERS[std::countr_zero(left)];
+        const unsigned char* corners = FACE_CORNERS[std::countr_zero(left)];
         for (int i = 0; i < 4; ++i)
             _mm_store_ps(position + 4 * i, corner[corners[i]]);
         position += 16;
@@ -632,6 +863,144 @@ void Batch::box(const mathbase::Vector3f& centre, const mathbase::Vector3f& half
     fill(first, count, rest);
     mCount = first + count;
     closePrimitive(GL_QUADS, first);
+}
+
+int Batch::Solid::addCorner(const mathbase::Vector3f& place, int color) {
+    assert(mCorners < MOST);
+    mColor[mCorners] = color;
+    setCorner(mCorners++, place);
+    return mCorners - 1;
+}
+
+void Batch::Solid::setCorner(int corner, const mathbase::Vector3f& place) {
+    assert(corner >= 0 && corner < mCorners);
+    const float four[4] = {place.x, place.y, place.z, 1};
+    std::memcpy(mCorner[corner], four, sizeof four);
+    mPrepared = false;
+}
+
+void Batch::Solid::addFace(int a, int b, int c, int d) {
+    assert(mFaces < MOST);
+    const int corners[4] = {a, b, c, d};
+    for (int i = 0; i < 4; ++i) {
+        assert(corners[i] >= 0 && corners[i] < mCorners);
+        mFace[mFaces][i] = static_cast<unsigned char>(corners[i]);
+    }
+    ++mFaces;
+    mPrepared = false;
+}
+
+// The planes of the faces, from their diagonals, and the box around the corners.
+void Batch::Solid::prepare() {
+    mPrepared = true;
+    std::memset(mPlane, 0, sizeof mPlane);
+    for (int f = 0; f < mFaces; ++f) {
+        const float *a = mCorner[mFace[f][0]], *b = mCorner[mFace[f][1]], *c = mCorner[mFace[f][2]],
+                    *d = mCorner[mFace[f][3]];
+        const float ac[3] = {c[0] - a[0], c[1] - a[1], c[2] - a[2]};
+        const float bd[3] = {d[0] - b[0], d[1] - b[1], d[2] - b[2]};
+        float       normal[3];
+        cross(ac, bd, normal);
+        for (int i = 0; i < 3; ++i)
+            mPlane[f / 4][i][f % 4] = normal[i];
+        mPlane[f / 4][3][f % 4] = -dot(normal, a);
+    }
+    float least[3] = {0, 0, 0}, most[3] = {0, 0, 0};
+    for (int i = 0; i < mCorners; ++i)
+        for (int k = 0; k < 3; ++k) {
+            least[k] = i ? std::min(least[k], mCorner[i][k]) : mCorner[i][k];
+            most[k] = i ? std::max(most[k], mCorner[i][k]) : mCorner[i][k];
+        }
+    const mathbase::Vector3f low(least[0], least[1], least[2]), high(most[0], most[1], most[2]);
+    mCentre = (low + high) * 0.5f;
+    mHalf = (high - low) * 0.5f;
+}
+
+unsigned Batch::visibleFaces(const Solid& solid) const {
+    alignas(16) float shape[16], eye[4];
+    std::memcpy(shape, mTransform + 12, 4 * sizeof(float));
+    std::memcpy(shape + 4, mTransform, 12 * sizeof(float));
+    localEye(shape, eye);
+    const __m128 x = _mm_set1_ps(eye[0]), y = _mm_set1_ps(eye[1]), z = _mm_set1_ps(eye[2]),
+                 w = _mm_set1_ps(eye[3]);
+    unsigned faces = 0;
+    for (int f = 0; f < solid.mFaces; f += 4) {
+        const float* plane = solid.mPlane[f / 4][0];
+        const __m128 area = _mm_add_ps(
+            _mm_add_ps(_mm_mul_ps(x, _mm_load_ps(plane)), _mm_mul_ps(y, _mm_load_ps(plane + 4))),
+            _mm_add_ps(_mm_mul_ps(z, _mm_load_ps(plane + 8)), _mm_mul_ps(w, _mm_load_ps(plane + 12))));
+        faces |= unsigned(keptFaces(mView, area)) << f;
+    }
+    return faces;
+}
+
+unsigned Batch::seenFaces(const Solid& solid, unsigned faces, float rounding, float margin) const {
+    alignas(16) float columns[16], corners[4 * Solid::MOST];
+    for (int i = 0; i < 3; ++i)
+        _mm_store_ps(columns + 4 * i, productVector(mView.clip[0], _mm_load_ps(mTransform + 4 * i)));
+    _mm_store_ps(columns + 12, productPoint(mView.clip[0], _mm_load_ps(mTransform + 12)));
+    for (int i = 0; i < solid.mCorners; ++i)
+        _mm_store_ps(corners + 4 * i, productPoint(columns, _mm_load_ps(solid.mCorner[i])));
+    return seenFaces(corners, solid.mCorners, solid.mFace, faces, rounding, margin);
+}
+
+void Batch::solid(Solid& solid, const mathbase::Vector4f* colors) {
+    if (!solid.mPrepared)
+        solid.prepare();
+    if (!solid.mFaces)
+        return;
+    openPrimitive(GL_QUADS);
+    unsigned faces = unsigned((uint64_t(1) << solid.mFaces) - 1);
+    Place    place = ACROSS;
+    if (mView.cull) {
+        alignas(16) float shape[16], clip[16];
+        boxAxes(solid.mCentre, solid.mHalf, shape);
+        place = toClip(shape, clip, 3);
+        if (place == OUTSIDE)
+            return;
+        if (!(mView.keepCounter && mView.keepClockwise))
+            faces &= visibleFaces(solid);
+        const float margin = mView.sample ? marginOf(clip, shape, 3) : -1;
+        if (place == ACROSS || margin >= 0)
+            faces = seenFaces(solid, faces, place == ACROSS ? roundingOf(shape, 3) : -1, margin);
+        if (!faces)
+            return;
+    }
+    markRun(place);
+
+    if (colors && !(mHas & HAS_COLOR))
+        startChannel(HAS_COLOR);
+    const size_t first = mCount, count = 4 * size_t(std::popcount(faces));
+    reserveVertices(count);
+    alignas(16) float corners[4 * Solid::MOST];
+    for (int i = 0; i < solid.mCorners; ++i)
+        _mm_store_ps(corners + 4 * i, productPoint(mTransform, _mm_load_ps(solid.mCorner[i])));
+    float *position = mPosition.data + 4 * first, *color = colors ? mColor.data + 4 * first : nullptr;
+    for (unsigned left = faces; left; left &= left - 1) {
+        for (const unsigned char corner : solid.mFace[std::countr_zero(left)]) {
+            _mm_store_ps(position, _mm_load_ps(corners + 4 * corner));
+            position += 4;
+            if (color) {
+                _mm_store_ps(color, _mm_loadu_ps(&colors[solid.mColor[corner]].x));
+                color += 4;
+            }
+        }
+    }
+    fill(first, count, colors ? mHas & ~unsigned(HAS_COLOR) : mHas);
+    if (colors)
+        std::memcpy(mCurrentColor, color - 4, sizeof mCurrentColor);
+    mCount = first + count;
+    closePrimitive(GL_QUADS, first);
+}
+
+bool Batch::isVisible(const mathbase::Vector3f& centre, const mathbase::Vector3f& half) {
+    if (!mLooked)
+        look();
+    if (!mView.cull)
+        return true;
+    alignas(16) float shape[16], clip[16];
+    boxAxes(centre, half, shape);
+    return toClip(shape, clip, 3) != OUTSIDE;
 }
 
 // Four corners of 4 floats each, already transformed. `columnFirst` says which way round the texture goes:
@@ -669,12 +1038,15 @@ void Batch::sprite(const mathbase::Vector3f& centre, const mathbase::Vector3f& r
     }
     Place place = ACROSS;
     if (mView.cull) {
-        alignas(16) float middle[4], axes[8];
-        _mm_store_ps(middle, c);
-        _mm_store_ps(axes, r);
-        _mm_store_ps(axes + 4, u);
-        place = placeOf(middle, axes, 2);
+        alignas(16) float shape[12], clip[12];
+        _mm_store_ps(shape, c);
+        _mm_store_ps(shape + 4, r);
+        _mm_store_ps(shape + 8, u);
+        place = toClip(shape, clip, 2);
         if (place == OUTSIDE)
+            return;
+        const float margin = mView.sample ? marginOf(clip, shape, 2) : -1;
+        if (margin >= 0 && !coversSprite(clip, margin))
             return;
     }
     markRun(place);
