@@ -11,6 +11,7 @@
 #include "dis_display.h"
 #include "dis_glcheck.h"
 #include "dis_texture.h"
+#include "plain_box.h"
 
 #include <algorithm>
 #include <chrono>
@@ -61,29 +62,14 @@ std::vector<Shape> makeShapes(float spread) {
 }
 
 // The plain way: one call for each vertex, as much as the scene's state reads and no more.
-void plainBox(const Vector3f& h, bool textured) {
-    static const float faces[6][3][3] = {
-        {{0, 0, -1}, {-1, 0, 0}, {0, 1, 0}}, {{-1, 0, 0}, {0, 0, 1}, {0, 1, 0}},
-        {{1, 0, 0}, {0, 0, -1}, {0, 1, 0}},  {{0, -1, 0}, {1, 0, 0}, {0, 0, 1}},
-        {{0, 1, 0}, {1, 0, 0}, {0, 0, -1}},  {{0, 0, 1}, {1, 0, 0}, {0, 1, 0}},
-    };
-    static const float corners[4][2] = {{-1, -1}, {1, -1}, {1, 1}, {-1, 1}};
-    glBegin(GL_QUADS);
-    for (const auto& [n, right, up] : faces)
-        for (const auto& [s, t] : corners) {
-            if (textured)
-                glTexCoord2f(s * 0.5f + 0.5f, 0.5f - t * 0.5f);
-            glVertex3f(h.x * (n[0] + s * right[0] + t * up[0]), h.y * (n[1] + s * right[1] + t * up[1]),
-                       h.z * (n[2] + s * right[2] + t * up[2]));
-        }
-    glEnd();
-}
-
 void plainBoxes(const std::vector<Shape>& shapes, const Vector3f& half, bool textured) {
     for (const Shape& shape : shapes) {
         glLoadMatrixf(shape.transform.mData);
         glColor4f(shape.color.x, shape.color.y, shape.color.z, shape.color.w);
-        plainBox(half, textured);
+        if (textured)
+            test::plainBox<false, true>(Vector3f(0, 0, 0), half);
+        else
+            test::plainBox<false, false>(Vector3f(0, 0, 0), half);
     }
     glLoadIdentity();
 }
@@ -99,26 +85,11 @@ void batchBoxes(Batch& batch, const std::vector<Shape>& shapes, const Vector3f& 
 // The way of effects that draw box by box: the display's matrices, checked calls, and a box with normals and
 // texture.
 void displayBoxes(display::DisplayGL& window, const std::vector<Shape>& shapes, const Vector3f& half) {
-    static const float faces[6][3][3] = {
-        {{0, 0, -1}, {-1, 0, 0}, {0, 1, 0}}, {{-1, 0, 0}, {0, 0, 1}, {0, 1, 0}},
-        {{1, 0, 0}, {0, 0, -1}, {0, 1, 0}},  {{0, -1, 0}, {1, 0, 0}, {0, 0, 1}},
-        {{0, 1, 0}, {1, 0, 0}, {0, 0, -1}},  {{0, 0, 1}, {1, 0, 0}, {0, 1, 0}},
-    };
-    static const float corners[4][2] = {{-1, -1}, {1, -1}, {1, 1}, {-1, 1}};
     for (const Shape& shape : shapes) {
         window.setTransform(shape.transform);
         window.setColor(shape.color.x, shape.color.y, shape.color.z, shape.color.w);
-        glBegin(GL_QUADS);
-        for (const auto& [n, right, up] : faces) {
-            glNormal3fv(n);
-            for (const auto& [s, t] : corners) {
-                glTexCoord2f(s * 0.5f + 0.5f, 0.5f - t * 0.5f);
-                glVertex3f(half.x * (n[0] + s * right[0] + t * up[0]),
-                           half.y * (n[1] + s * right[1] + t * up[1]),
-                           half.z * (n[2] + s * right[2] + t * up[2]));
-            }
-        }
-        GL_CALL(glEnd());
+        test::plainBox(Vector3f(0, 0, 0), half);
+        GL_CHECK_STATUS();
     }
     Matrix4x4Col identity;
     identity.setIdentity();
@@ -134,7 +105,7 @@ void plainDecayed(const std::vector<Shape>& shapes) {
     for (size_t i = 0; i < shapes.size(); ++i) {
         glLoadMatrixf(shapes[i].transform.mData);
         glColor4f(shapes[i].color.x, shapes[i].color.y, shapes[i].color.z, shapes[i].color.w);
-        plainBox(Vector3f(1, 1, 1) * decayed(i), true);
+        test::plainBox<false, true>(Vector3f(0, 0, 0), Vector3f(1, 1, 1) * decayed(i));
     }
     glLoadIdentity();
 }

@@ -2,6 +2,7 @@
 #include "allocations.h"
 #include "am_archivemanager.h"
 #include "am_videofile.h"
+#include "gl_fixture.h"
 #include "kin_main.h"
 #include "music.h"
 #include "picture.h"
@@ -73,22 +74,6 @@ protected:
         event.key = code;
         event.control = control;
         return event;
-    }
-
-    // What is in the window's back buffer.
-    static Picture grab(Kindler& kindler) {
-        Picture   picture(kindler.mDisplay->mWindowMode.width, kindler.mDisplay->mWindowMode.height);
-        am::Image image(new am::ImageObject);
-        image->resize(picture.width, picture.height);
-        kindler.mDisplay->getScreenShot(image);
-        const unsigned char* bgra = image->getData();
-        for (size_t i = 0; i < picture.rgba.size(); i += 4) {
-            picture.rgba[i] = bgra[i + 2];
-            picture.rgba[i + 1] = bgra[i + 1];
-            picture.rgba[i + 2] = bgra[i];
-            picture.rgba[i + 3] = bgra[i + 3];
-        }
-        return picture;
     }
 };
 
@@ -542,7 +527,7 @@ TEST_F(Show, TheOnScreenDisplayShowsForItsDelayAndUnderItsConditions) {
         kindler.mPausedTime = now;
         kindler.mDisplay->resetAllStates();
         kindler.onDraw();
-        return grab(kindler).at(160, 7)[0] < 100; // where the bar is, at the top
+        return test::grabPicture(*kindler.mDisplay).at(160, 7)[0] < 100; // where the bar is, at the top
     };
     kindler.mOsdTime = 10;
     EXPECT_TRUE(shows(10));
@@ -574,7 +559,7 @@ TEST_F(Show, TheBarIsDrawnInItsThreePlacesWithItsMarkers) {
         glEnable(GL_CULL_FACE); // what an effect may have left behind
         glEnable(GL_DEPTH_TEST);
         kindler.drawOsd();
-        const Picture picture = grab(kindler);
+        const Picture picture = test::grabPicture(*kindler.mDisplay);
         const int     y = location == 0 ? 14 : location == 1 ? 200 : 386; // the middle of the bar
         // Behind the bar 0.4 of the ground is left.
         EXPECT_NEAR(picture.at(100, y)[0], 0.5 * 0.4 * 255, 2);
@@ -600,7 +585,7 @@ TEST_F(Show, MarkersPastTheEndLeaveTheBar) {
     kindler.mDemoLength = 100;
     kindler.mTime = 100.9f; // x = 0.99764, behind the bar's end at 0.98
     kindler.drawOsd();
-    EXPECT_GT(grab(kindler).at(639, 14)[0], 180);
+    EXPECT_GT(test::grabPicture(*kindler.mDisplay).at(639, 14)[0], 180);
     for (float length : {0.0f, -1.0f, NAN}) { // and no length hurts
         kindler.mDemoLength = length;
         kindler.drawOsd();
@@ -670,7 +655,7 @@ TEST_F(Show, ADumpDrawsTheOnScreenDisplayWhateverItsSwitchSays) {
     glClearColor(1, 1, 1, 1);
     glClear(GL_COLOR_BUFFER_BIT);
     kindler.onDraw();
-    EXPECT_LT(grab(kindler).at(160, 7)[0], 200);
+    EXPECT_LT(test::grabPicture(*kindler.mDisplay).at(160, 7)[0], 200);
     Picture picture;
     ASSERT_TRUE(test::readPng("frame.000000.png", picture));
     EXPECT_EQ(picture.at(160, 7)[0], 255);

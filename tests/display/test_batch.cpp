@@ -6,6 +6,7 @@
 #include "dis_texture.h"
 #include "dis_vbo.h"
 #include "gl_fixture.h"
+#include "plain_box.h"
 
 #include <cmath>
 #include <cstring>
@@ -38,26 +39,7 @@ public:
     void vertex(const Vector3f& v) { glVertex3f(v.x, v.y, v.z); }
     void end() { glEnd(); }
 
-    void box(const Vector3f& c, const Vector3f& h) {
-        // Outward normal, then what is right and up on the face.
-        static const float faces[6][3][3] = {
-            {{0, 0, -1}, {-1, 0, 0}, {0, 1, 0}}, {{-1, 0, 0}, {0, 0, 1}, {0, 1, 0}},
-            {{1, 0, 0}, {0, 0, -1}, {0, 1, 0}},  {{0, -1, 0}, {1, 0, 0}, {0, 0, 1}},
-            {{0, 1, 0}, {1, 0, 0}, {0, 0, -1}},  {{0, 0, 1}, {1, 0, 0}, {0, 1, 0}},
-        };
-        static const float corners[4][2] = {{-1, -1}, {1, -1}, {1, 1}, {-1, 1}};
-        glBegin(GL_QUADS);
-        for (const auto& [n, right, up] : faces) {
-            glNormal3fv(n);
-            for (const auto& [s, t] : corners) {
-                glTexCoord2f(s * 0.5f + 0.5f, 0.5f - t * 0.5f);
-                glVertex3f(c.x + h.x * (n[0] + s * right[0] + t * up[0]),
-                           c.y + h.y * (n[1] + s * right[1] + t * up[1]),
-                           c.z + h.z * (n[2] + s * right[2] + t * up[2]));
-            }
-        }
-        glEnd();
-    }
+    void box(const Vector3f& c, const Vector3f& h) { plainBox(c, h); }
 
     void sprite(const Vector3f& p, const Vector3f& r, const Vector3f& u, float s0 = 0, float t0 = 0,
                 float s1 = 1, float t1 = 1) {

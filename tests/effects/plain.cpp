@@ -1,6 +1,7 @@
 #include "plain.h"
 
 #include "am_archivemanager.h"
+#include "plain_box.h"
 
 #include <algorithm>
 #include <cmath>
@@ -53,23 +54,7 @@ void place(const Matrix4x4Col& camera, const Matrix4x4Col& transform) {
 }
 
 void box(float hx, float hy, float hz) {
-    // Outward normal, then what is right and up on the face.
-    static const float faces[6][3][3] = {
-        {{0, 0, -1}, {-1, 0, 0}, {0, 1, 0}}, {{-1, 0, 0}, {0, 0, 1}, {0, 1, 0}},
-        {{1, 0, 0}, {0, 0, -1}, {0, 1, 0}},  {{0, -1, 0}, {1, 0, 0}, {0, 0, 1}},
-        {{0, 1, 0}, {1, 0, 0}, {0, 0, -1}},  {{0, 0, 1}, {1, 0, 0}, {0, 1, 0}},
-    };
-    static const float corners[4][2] = {{-1, -1}, {1, -1}, {1, 1}, {-1, 1}};
-    glBegin(GL_QUADS);
-    for (const auto& [n, right, up] : faces) {
-        glNormal3fv(n);
-        for (const auto& [s, t] : corners) {
-            glTexCoord2f(s * 0.5f + 0.5f, 0.5f - t * 0.5f);
-            glVertex3f(hx * (n[0] + s * right[0] + t * up[0]), hy * (n[1] + s * right[1] + t * up[1]),
-                       hz * (n[2] + s * right[2] + t * up[2]));
-        }
-    }
-    glEnd();
+    plainBox(Vector3f(0, 0, 0), Vector3f(hx, hy, hz));
 }
 
 void perspective(float fovy, float znear, float zfar) {
