@@ -5,6 +5,7 @@
 #include "effect_view.h"
 #include "mb_matrix4x4col.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace zentrak::kindler {
@@ -46,7 +47,7 @@ struct Positions {
 
 // Corners 0 to 3 of a block at -depth, 4 to 7 at depth; faces counter-clockwise from outside: front, back,
 // inner, outer, sides.
-Tunnel::Tunnel(Common*) : mTexture(nullptr), mProgram(nullptr) {
+Tunnel::Tunnel(Common*) : mTexture(nullptr), mProgram(nullptr), mBlockShape{} {
     static const unsigned char faces[6][4] = {{0, 3, 2, 1}, {4, 5, 6, 7}, {0, 1, 5, 4},
                                               {3, 7, 6, 2}, {1, 2, 6, 5}, {0, 4, 7, 3}};
     for (int i = 0; i < 8; ++i)
@@ -159,7 +160,6 @@ void Tunnel::drawRing(Ring& ring, int index, const Vector3f& eye, float delta) {
     const float across = ring.outer + 1.5f * dist;
     mBatch.setTransform(plane);
     const bool visible = mBatch.isVisible(Vector3f(0, 0, 0), Vector3f(across, across, DEPTH));
-    shapeCuboCono(BLOCK_POSITIONS, ring.inner, ring.outer, DEPTH);
     mBatch.color(ring.col, a);
     for (int b = 0; b < NUM_BLOCKS; ++b) {
         if (index % 5 == 0 && (b == 0 || b == 15 || b == 31 || b == 47))
@@ -187,18 +187,24 @@ void Tunnel::drawRing(Ring& ring, int index, const Vector3f& eye, float delta) {
             block.mData[12 + r] = plane.mData[12 + r] + right * px + up * py;
         }
         mBatch.setTransform(block);
-        mBatch.solid(mBlock);
+        drawCuboCono(BLOCK_POSITIONS, ring.inner, ring.outer, DEPTH);
     }
 }
 
 // One of the `n` blocks that a ring of these radii is cut into, around the y axis, from -depth to depth.
-void Tunnel::shapeCuboCono(int n, float inner, float outer, float depth) {
-    const float h = PI / float(n);
-    const float c = cosf(h), s = sinf(h);
-    const float x[4] = {-s * inner, s * inner, s * outer, -s * outer};
-    const float y[4] = {c * inner, c * inner, c * outer, c * outer};
-    for (int i = 0; i < 8; ++i)
-        mBlock.setCorner(i, Vector3f(x[i & 3], y[i & 3], i < 4 ? -depth : depth));
+// Those of a ring are one shape.
+void Tunnel::drawCuboCono(int n, float inner, float outer, float depth) {
+    const float shape[4] = {float(n), inner, outer, depth};
+    if (!std::equal(shape, shape + 4, mBlockShape)) {
+        std::copy(shape, shape + 4, mBlockShape);
+        const float h = PI / float(n);
+        const float c = cosf(h), s = sinf(h);
+        const float x[4] = {-s * inner, s * inner, s * outer, -s * outer};
+        const float y[4] = {c * inner, c * inner, c * outer, c * outer};
+        for (int i = 0; i < 8; ++i)
+            mBlock.setCorner(i, Vector3f(x[i & 3], y[i & 3], i < 4 ? -depth : depth));
+    }
+    mBatch.solid(mBlock);
 }
 
 } // namespace zentrak::kindler

@@ -34,13 +34,14 @@ public:
 
 private:
     void drawRing(Ring& ring, int index, const mathbase::Vector3f& eye, float delta);
-    void shapeCuboCono(int n, float inner, float outer, float depth);
+    void drawCuboCono(int n, float inner, float outer, float depth);
 
     display::Texture       mTexture;
     EffectRandom           mRandom;
     display::ShaderProgram mProgram;
     display::Batch&        mBatch = sharedBatch();
-    display::Batch::Solid  mBlock;
+    display::Batch::Solid  mBlock;         // the last that was drawn,
+    float                  mBlockShape[4]; // made of these four
 };
 
 } // namespace zentrak::kindler
