@@ -73,9 +73,10 @@ int MpegSource::read(int frameCount, void* buffer) {
     return frames;
 }
 
+// Where something that is no MP3 stands behind, the library may say that it landed far past the end.
 void MpegSource::setPosition(int position) {
     position = std::clamp(position, 0, mLength);
-    mPosition = int(std::max<off_t>(mpg123_seek(mDecoder, position, SEEK_SET), 0));
+    mPosition = int(std::clamp<off_t>(mpg123_seek(mDecoder, position, SEEK_SET), 0, mLength));
 }
 
 } // namespace zentrak::audiere

@@ -156,7 +156,7 @@ int SndfileSource::decode(int frameCount, float* out) {
 
 void SndfileSource::setPosition(int position) {
     position = std::clamp(position, 0, mLength);
-    mPosition = int(std::max<sf_count_t>(sf_seek(mDecoder, position, SEEK_SET), 0));
+    mPosition = int(std::clamp<sf_count_t>(sf_seek(mDecoder, position, SEEK_SET), 0, mLength));
 }
 
 } // namespace zentrak::audiere

@@ -140,6 +140,18 @@ TEST_P(EverySound, CutShortItIsNoneOrWhatIsLeft) {
     }
 }
 
+// Streams that follow each other in one file may differ in channels and rate; a hole in the first must not
+// lead into the second.
+TEST_P(EverySound, AnotherOneBehindItDoesNotCrash) {
+    for (const std::string& next : soundNames()) {
+        SCOPED_TRACE(next);
+        std::string bytes = sound(GetParam());
+        useUp(bytes + sound(next));
+        bytes[bytes.size() / 2] = char(bytes[bytes.size() / 2] ^ 0x55);
+        useUp(bytes + sound(next));
+    }
+}
+
 TEST_P(EverySound, DamagedItDoesNotCrash) {
     unsigned state = 3;
     for (int trial = 0; trial < 12; ++trial) {
