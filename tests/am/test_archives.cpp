@@ -531,6 +531,20 @@ TEST_F(Zip, AZipMadeByTheStockToolIsRead) {
     EXPECT_EQ(bytesOf(ArchiveZIP("s").read("text")), longText());
 }
 
+// Written into a pipe, in the form for large files, with a comment, and behind a program.
+TEST_F(Zip, EveryFormThatTheStockToolWritesIsRead) {
+    writeFile("text", longText());
+    for (const char* command :
+         {"zip -q - text | cat > z", "zip -q -fz z.zip text && mv z.zip z", "zip -q -fz- - text | cat > z",
+          "echo word | zip -q -z z.zip text && mv z.zip z",
+          "zip -q z.zip text && cat /bin/true z.zip > z && rm z.zip",
+          "zip -q z.zip text && cat /bin/true z.zip > z && zip -q -A z && rm z.zip"}) {
+        fs::remove("z");
+        ASSERT_EQ(runCommand(command).first, 0) << command;
+        EXPECT_EQ(bytesOf(ArchiveZIP("z").read("text")), longText()) << command;
+    }
+}
+
 TEST_F(Zip, AnEmptyEntryIsAFileOfLengthZero) {
     for (const char* name : {"stored.zip", "deflated.zip"}) {
         File file = ArchiveZIP(fixturePath(name)).read("empty.txt");
