@@ -27,7 +27,7 @@ namespace {
 
 constexpr const char*    LAYOUT = "layout.xml";
 constexpr float          SLIDER_ENDS = 36.0f; // pixels of the time slider that its handle takes
-const mathbase::Vector3f BACKGROUND(0.15f, 0.16f, 0.19f);
+const mathbase::Vector4f BACKGROUND(0.15f, 0.16f, 0.19f, 1);
 constexpr float          FPS_PERIOD = 0.2f; // seconds between two figures of the frame rate
 
 } // namespace
@@ -135,8 +135,7 @@ void Gui::onDraw() {
     const float now = static_cast<float>(mDisplay->getTime());
     ++mFpsFrames;
     fitSlider();
-    if (mMain->getVisible())
-        clearBackground();
+    placeGround();
     const float elapsed = now - mFpsTime;
     if (elapsed > FPS_PERIOD)
         showFrameRate(std::max(0.0f, static_cast<float>(mFpsFrames) / elapsed));
@@ -147,18 +146,18 @@ void Gui::onDraw() {
 }
 
 /*
- * All but the picture's quarter, which the show draws itself: opaque, and so for less than a control's box
- * costs.
+ * Below the controls: all but the picture's quarter, which the show draws itself.
  */
-void Gui::clearBackground() {
-    const int width = mDisplay->mWindowMode.width, height = mDisplay->mWindowMode.height;
-    GL_CALL(glEnable(GL_SCISSOR_TEST));
-    GL_CALL(glClearColor(BACKGROUND.x, BACKGROUND.y, BACKGROUND.z, 1));
-    GL_CALL(glScissor(0, 0, width, height >> 1));
-    GL_CALL(glClear(GL_COLOR_BUFFER_BIT));
-    GL_CALL(glScissor(0, height >> 1, width - (width >> 1), height - (height >> 1)));
-    GL_CALL(glClear(GL_COLOR_BUFFER_BIT));
-    GL_CALL(glDisable(GL_SCISSOR_TEST));
+void Gui::placeGround() {
+    mPanorama.mGround.clear();
+    if (!mMain->getVisible())
+        return;
+    const float width = static_cast<float>(mDisplay->mWindowMode.width);
+    const float height = static_cast<float>(mDisplay->mWindowMode.height);
+    const float left = width - static_cast<float>(mDisplay->mWindowMode.width >> 1); // of the picture
+    const float bottom = height - static_cast<float>(mDisplay->mWindowMode.height >> 1);
+    mPanorama.mGround.push_back({Box2(0, 0, left, bottom), BACKGROUND});
+    mPanorama.mGround.push_back({Box2(0, bottom, width, height), BACKGROUND});
 }
 
 void Gui::showFrameRate(float fps) {

@@ -71,7 +71,7 @@ private:
     void findControls();
     void addRows();
     void fitSlider();
-    void clearBackground();
+    void placeGround();
     void showFrameRate(float fps);
 };
 

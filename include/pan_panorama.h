@@ -17,6 +17,13 @@ public:
     bool               mDragging = false; // moves pan the view; nothing sets it
     mathbase::Vector2f mViewOffset;       // pixels, added to the mouse and taken off the picture
 
+    // What is drawn below all controls: boxes in pixels of the window, wherever the view is.
+    struct Ground {
+        mathbase::Box2     box;
+        mathbase::Vector4f color;
+    };
+    std::vector<Ground> mGround;
+
     // Joins the display, whose window has to be open: the font is loaded here. Registers all types of
     // controls.
     explicit Panorama(display::DisplayGL* display);

@@ -7,6 +7,7 @@
 #include "mb_box2.h"
 #include "mb_vector2.h"
 #include "mb_vector4.h"
+#include "pan_shapes.h"
 
 #include <memory>
 #include <string>
@@ -14,12 +15,9 @@
 
 namespace zentrak::panorama {
 
-class Coverage;
-
 // Coordinates are pixels of the window from its upper left corner, y downward. Shapes and text are cut by the
-// clip area here and collected; all shapes are drawn in one call and all text, after them, in another, until
-// a shape comes over text that is there. So the picture is that of each drawn at once, and is complete after
-// flush(). Whoever draws past this class with OpenGL calls flush() first.
+// clip area here, collected, and drawn in a few calls (Shapes): the picture is that of each drawn at once,
+// and is complete after flush(). Whoever draws past this class with OpenGL calls flush() first.
 //
 // All of it needs the window to be open.
 class Render {
@@ -79,29 +77,22 @@ public:
 
     void flush(); // draws what is collected
 
-private:
-    struct Point {
-        float              x, y;
-        mathbase::Vector4f color;
-    };
+    // Off: all is drawn in its order and nothing left out, for comparison. On at the start.
+    void                  setSorted(bool sorted) { mShapes.setSorted(sorted); }
+    const Shapes::Counts& getCounts() const { return mShapes.getCounts(); } // of this frame
 
-    void drawPolygon(const Point* points, int count);
+private:
+    void drawPolygon(const mathbase::Vector2f* points, int count);
     void drawQuad(const mathbase::Box2& box, const mathbase::Vector4f& upperLeft,
                   const mathbase::Vector4f& upperRight, const mathbase::Vector4f& lowerRight,
                   const mathbase::Vector4f& lowerLeft);
-    void addQuad(const mathbase::Box2& box, const mathbase::Box2& seen, const mathbase::Vector4f& upperLeft,
-                 const mathbase::Vector4f& upperRight, const mathbase::Vector4f& lowerRight,
-                 const mathbase::Vector4f& lowerLeft);
-    void underText(const mathbase::Box2& seen);
-    int  clipPolygon(const Point* points, int count);
+    int  clipPolygon(const mathbase::Vector2f* points, int count);
 
-    mathbase::Box2     mClip; // in whole pixels of the view
-    display::Batch     mShapes;
-    display::Batch     mText;
-    std::vector<Point> mPolygon; // while it is cut
-    std::vector<Point> mCut;
-
-    std::unique_ptr<Coverage> mCovered; // by the text that is collected
+    mathbase::Box2                  mClip; // in whole pixels of the view
+    Shapes                          mShapes;
+    display::Batch                  mBatch;   // of a texture
+    std::vector<mathbase::Vector2f> mPolygon; // while it is cut
+    std::vector<mathbase::Vector2f> mCut;
 };
 
 } // namespace zentrak::panorama

@@ -2,6 +2,7 @@
 
 #include "am_archivemanager.h"
 #include "dis_glcheck.h"
+#include "pan_box.h"
 #include "pan_button.h"
 #include "pan_checkbox.h"
 #include "pan_dropdown.h"
@@ -202,10 +203,15 @@ void Panorama::onDraw() {
     if (!mWorkspace.mDisplay)
         return;
     const display::WindowMode& mode = mWorkspace.mDisplay->mWindowMode;
-    mWorkspace.mRender.setupDraw(Vector2f(float(mode.width), float(mode.height)), mViewOffset, 0);
+    Render&                    render = mWorkspace.mRender;
+    render.setupDraw(Vector2f(float(mode.width), float(mode.height)), mViewOffset, 0);
     GL_CALL(glEnable(GL_BLEND));
+    for (const Ground& ground : mGround) {
+        render.setColor(ground.color, ground.color);
+        render.drawBox(shifted(ground.box, mViewOffset), 0);
+    }
     mWorkspace.draw();
-    mWorkspace.mRender.flush();
+    render.flush();
 }
 
 } // namespace zentrak::panorama

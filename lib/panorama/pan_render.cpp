@@ -2,7 +2,6 @@
 
 #include "dis_glcheck.h"
 #include "pan_box.h"
-#include "pan_coverage.h"
 
 #include <algorithm>
 #include <cassert>
@@ -19,7 +18,6 @@ namespace {
 constexpr float PI = 3.1415927f;
 constexpr float FAR_AWAY = 1e6f;    // pixels; no window is as large
 constexpr int   MAX_SEGMENTS = 720; // of a circle: more than can be seen
-constexpr float LARGE = 20000.0f;   // pixels in all, from which a box that covers is drawn by itself
 constexpr float SPACE = 3.0f;       // pixels, the advance of a blank
 
 const Box2 UNCLIPPED(-FAR_AWAY, -FAR_AWAY, FAR_AWAY, FAR_AWAY);
@@ -30,6 +28,10 @@ float toInt(float value) {
            : value < -FAR_AWAY ? -FAR_AWAY
            : value == value    ? std::trunc(value)
                                : 0;
+}
+
+bool isWhole(float value) {
+    return std::floor(value) == value;
 }
 
 bool hasExtent(const Box2& box) {
@@ -54,15 +56,9 @@ Vector4f mix(const Vector4f& a, const Vector4f& b, float t) {
 
 // Setting up
 
-Render::Render()
-    : mColorFirst(1, 1, 1, 1),
-      mColorSecond(1, 1, 1, 1),
-      mClip(UNCLIPPED),
-      mCovered(std::make_unique<Coverage>()) {
-    mShapes.setChannels(display::Batch::CHANNEL_NONE);
-    mShapes.setCulling(display::Batch::CULLING_OFF);
-    mText.setChannels(display::Batch::CHANNEL_TEXCOORD);
-    mText.setCulling(display::Batch::CULLING_OFF);
+Render::Render() : mColorFirst(1, 1, 1, 1), mColorSecond(1, 1, 1, 1), mClip(UNCLIPPED) {
+    mBatch.setChannels(display::Batch::CHANNEL_TEXCOORD);
+    mBatch.setCulling(display::Batch::CULLING_OFF);
 }
 
 Render::~Render() {
@@ -85,10 +81,10 @@ void Render::setupDraw(Vector2f size, Vector2f offset, float margin) {
     mSize = size;
     mDrawOffset = offset;
     mClip = UNCLIPPED;
-    mShapes.clear();
-    mText.clear();
-    mCovered->setup(Vector2f(offset.x - margin, offset.y - margin),
-                    Vector2f(size.x + 2 * margin, size.y + 2 * margin));
+    mBatch.clear();
+    mShapes.begin(
+        Box2(offset.x - margin, offset.y - margin, size.x + offset.x + margin, size.y + offset.y + margin),
+        margin == 0 && isWhole(offset.x) && isWhole(offset.y) && isWhole(size.x) && isWhole(size.y));
 
     mDisplay->resetStates();
     GL_CALL(glEnable(GL_BLEND));
@@ -123,66 +119,28 @@ void Render::setClipArea(Box2 area) {
 // Drawing
 
 void Render::flush() {
-    mShapes.flush();
-    if (mText.getVertices() == 0)
-        return;
-    mFont->getTexture().bind();
-    GL_CALL(glEnable(GL_TEXTURE_2D));
-    mText.flush();
-    GL_CALL(glDisable(GL_TEXTURE_2D));
-    mFont->getTexture().unbind();
-    mCovered->clear();
+    if (!mShapes.isEmpty())
+        mShapes.draw(mFont);
 }
 
-// Text goes behind all shapes of a flush: one that is to come over it starts the next.
-void Render::underText(const Box2& seen) {
-    if (mCovered->touches(seen))
-        flush();
-}
-
-// A box with a colour at each corner, changing along one axis alone. A large one that covers is drawn by
-// itself: without blending software OpenGL fills it in half the time.
+// A box with a colour at each corner, changing along one axis alone.
 void Render::drawQuad(const Box2& box, const Vector4f& upperLeft, const Vector4f& upperRight,
                       const Vector4f& lowerRight, const Vector4f& lowerLeft) {
     const Box2 seen = cut(box, mClip);
     if (!hasExtent(seen) || !hasExtent(box))
         return;
-    underText(seen);
-    const bool covers = upperLeft.w >= 1 && upperRight.w >= 1 && lowerRight.w >= 1 && lowerLeft.w >= 1;
-    const bool alone = covers && seen.getWidth() * seen.getHeight() >= LARGE;
-    if (alone) {
-        mShapes.flush();
-        GL_CALL(glDisable(GL_BLEND));
+    Shapes::Corners corners = {upperLeft, upperRight, lowerRight, lowerLeft};
+    if (!corners.isFlat() && !(seen == box)) {
+        const float left = share(seen.x1 - box.x1, box.getWidth());
+        const float right = share(seen.x2 - box.x1, box.getWidth());
+        const float top = share(seen.y1 - box.y1, box.getHeight());
+        const float bottom = share(seen.y2 - box.y1, box.getHeight());
+        const auto  at = [&](float s, float t) {
+            return mix(mix(upperLeft, upperRight, s), mix(lowerLeft, lowerRight, s), t);
+        };
+        corners = {at(left, top), at(right, top), at(right, bottom), at(left, bottom)};
     }
-    addQuad(box, seen, upperLeft, upperRight, lowerRight, lowerLeft);
-    if (alone) {
-        mShapes.flush();
-        GL_CALL(glEnable(GL_BLEND));
-    }
-}
-
-// `seen` is what of the box is inside the clip area.
-void Render::addQuad(const Box2& box, const Box2& seen, const Vector4f& upperLeft, const Vector4f& upperRight,
-                     const Vector4f& lowerRight, const Vector4f& lowerLeft) {
-    if (upperLeft == lowerRight && upperRight == lowerLeft && upperLeft == upperRight) {
-        mShapes.color(upperLeft);
-        mShapes.rect(seen.x1, seen.y1, seen.x2, seen.y2);
-        return;
-    }
-    const float left = share(seen.x1 - box.x1, box.getWidth());
-    const float right = share(seen.x2 - box.x1, box.getWidth());
-    const float top = share(seen.y1 - box.y1, box.getHeight());
-    const float bottom = share(seen.y2 - box.y1, box.getHeight());
-    const auto  corner = [&](float x, float y, float s, float t) {
-        mShapes.color(mix(mix(upperLeft, upperRight, s), mix(lowerLeft, lowerRight, s), t));
-        mShapes.vertex(x, y);
-    };
-    mShapes.begin(GL_QUADS);
-    corner(seen.x1, seen.y1, left, top);
-    corner(seen.x2, seen.y1, right, top);
-    corner(seen.x2, seen.y2, right, bottom);
-    corner(seen.x1, seen.y2, left, bottom);
-    mShapes.end();
+    mShapes.addBox(seen, corners);
 }
 
 void Render::drawBox(const Box2& box, int direction) {
@@ -234,7 +192,7 @@ void Render::drawCircle(const Box2& box, int segments, float start) {
     for (int i = 1; i <= segments; ++i) {
         const float angle = (float(i % segments) / float(segments) + start) * 2 * PI;
         mPolygon.push_back(
-            {centre.x + width * 0.5f * sinf(angle), centre.y + height * 0.5f * cosf(angle), mColorFirst});
+            Vector2f(centre.x + width * 0.5f * sinf(angle), centre.y + height * 0.5f * cosf(angle)));
     }
     drawPolygon(mPolygon.data(), segments);
 }
@@ -255,15 +213,12 @@ void Render::drawLine(const Vector2f& a, const Vector2f& b) {
     }
     const bool     flat = std::fabs(b.x - a.x) >= std::fabs(b.y - a.y);
     const Vector2f half = flat ? Vector2f(0, 0.5f) : Vector2f(0.5f, 0);
-    const Point    points[] = {{a.x - half.x, a.y - half.y, color},
-                               {b.x - half.x, b.y - half.y, color},
-                               {b.x + half.x, b.y + half.y, color},
-                               {a.x + half.x, a.y + half.y, color}};
+    const Vector2f points[] = {a - half, b - half, b + half, a + half};
     drawPolygon(points, 4);
 }
 
-// A convex one, in the colour of its points.
-void Render::drawPolygon(const Point* points, int count) {
+// A convex one, in the first colour.
+void Render::drawPolygon(const Vector2f* points, int count) {
     Box2 bounds(points[0].x, points[0].y, points[0].x, points[0].y);
     for (int i = 0; i < count; ++i) {
         if (!std::isfinite(points[i].x) || !std::isfinite(points[i].y))
@@ -282,34 +237,28 @@ void Render::drawPolygon(const Point* points, int count) {
         if (count < 3)
             return;
     }
-    underText(seen);
-    mShapes.begin(GL_TRIANGLE_FAN);
-    for (int i = 0; i < count; ++i) {
-        mShapes.color(points[i].color);
-        mShapes.vertex(points[i].x, points[i].y);
-    }
-    mShapes.end();
+    mShapes.addPolygon(points, count, seen, mColorFirst);
 }
 
 // Cuts a convex polygon at the four edges of the clip area, one after the other, into mCut. Returns how many
 // points it has then.
-int Render::clipPolygon(const Point* points, int count) {
+int Render::clipPolygon(const Vector2f* points, int count) {
     mCut.assign(points, points + count);
     const float edges[4] = {mClip.x1, mClip.y1, -mClip.x2, -mClip.y2};
     for (int edge = 0; edge < 4; ++edge) {
-        const auto inside = [&](const Point& p) { // its distance
+        const auto inside = [&](const Vector2f& p) { // its distance
             const float along = edge % 2 == 0 ? p.x : p.y;
             return (edge < 2 ? along : -along) - edges[edge];
         };
         const size_t before = mCut.size();
         for (size_t i = 0; i < before; ++i) {
-            const Point a = mCut[i], b = mCut[i + 1 < before ? i + 1 : 0];
-            const float from = inside(a), to = inside(b);
+            const Vector2f a = mCut[i], b = mCut[i + 1 < before ? i + 1 : 0];
+            const float    from = inside(a), to = inside(b);
             if (from >= 0)
                 mCut.push_back(a);
             if ((from >= 0) != (to >= 0)) {
                 const float t = from / (from - to);
-                mCut.push_back({a.x + (b.x - a.x) * t, a.y + (b.y - a.y) * t, a.color});
+                mCut.push_back(a + (b - a) * t);
             }
         }
         mCut.erase(mCut.begin(), mCut.begin() + std::ptrdiff_t(before));
@@ -329,8 +278,7 @@ void Render::drawText(const std::string& text, Vector2f position) {
     if (!(std::min(y + height, mClip.y2) > std::max(y, mClip.y1)) || !std::isfinite(x))
         return;
 
-    mText.color(mColorFirst);
-    Box2 ink; // of all characters
+    mShapes.beginText(mColorFirst);
     for (const char character : text) {
         if (x >= mClip.x2)
             break;
@@ -339,17 +287,12 @@ void Render::drawText(const std::string& text, Vector2f position) {
         if (hasExtent(glyph)) {
             const display::Font::Cell cell = mFont->getCell(c);
             const float               s = (cell.s1 - cell.s0) / width, t = (cell.t1 - cell.t0) / height;
-            mText.rect(glyph.x1, glyph.y1, glyph.x2, glyph.y2, cell.s0 + (glyph.x1 - x) * s,
-                       cell.t0 + (glyph.y1 - y) * t, cell.s0 + (glyph.x2 - x) * s,
-                       cell.t0 + (glyph.y2 - y) * t);
-            ink = hasExtent(ink) ? Box2(std::min(ink.x1, glyph.x1), std::min(ink.y1, glyph.y1),
-                                        std::max(ink.x2, glyph.x2), std::max(ink.y2, glyph.y2))
-                                 : glyph;
+            mShapes.addGlyph(glyph, cell.s0 + (glyph.x1 - x) * s, cell.t0 + (glyph.y1 - y) * t,
+                             cell.s0 + (glyph.x2 - x) * s, cell.t0 + (glyph.y2 - y) * t);
         }
         x += mFont->getAdvance(c);
     }
-    if (hasExtent(ink))
-        mCovered->add(ink);
+    mShapes.endText();
 }
 
 void Render::drawTexture(display::Texture& texture, const Box2& box) {
@@ -359,11 +302,11 @@ void Render::drawTexture(display::Texture& texture, const Box2& box) {
     flush();
     texture.bind();
     GL_CALL(glEnable(GL_TEXTURE_2D));
-    mText.color(mColorFirst);
-    mText.rect(seen.x1, seen.y1, seen.x2, seen.y2, share(seen.x1 - box.x1, box.getWidth()),
-               share(seen.y1 - box.y1, box.getHeight()), share(seen.x2 - box.x1, box.getWidth()),
-               share(seen.y2 - box.y1, box.getHeight()));
-    mText.flush();
+    mBatch.color(mColorFirst);
+    mBatch.rect(seen.x1, seen.y1, seen.x2, seen.y2, share(seen.x1 - box.x1, box.getWidth()),
+                share(seen.y1 - box.y1, box.getHeight()), share(seen.x2 - box.x1, box.getWidth()),
+                share(seen.y2 - box.y1, box.getHeight()));
+    mBatch.flush();
     GL_CALL(glDisable(GL_TEXTURE_2D));
     texture.unbind();
 }
