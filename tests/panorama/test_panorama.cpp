@@ -232,7 +232,7 @@ TEST_F(RenderTest, shapesAndTextOverEachOtherKeepTheirOrder) {
     });
 }
 
-// Text goes behind the shapes of a flush: any mix of the two must look as if each were drawn at once.
+// Shapes and text are drawn by kind: any mix of the two must look as if each were drawn at once.
 TEST_F(RenderTest, anyMixOfShapesAndTextIsThatOfThePlainWay) {
     for (unsigned seed = 1; seed <= 12; ++seed)
         expectSame(
