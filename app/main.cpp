@@ -18,6 +18,7 @@
 #include "vul.h"
 #include "waxon.h"
 #include "xor.h"
+#include "ztk_system.h"
 
 #include <cstdio>
 #include <exception>
@@ -94,6 +95,7 @@ void show() {
 } // namespace
 
 int main() {
+    zentrak::keepFreedMemory();
     try {
         show();
     } catch (std::exception& e) {

@@ -53,4 +53,9 @@ private:
     char mMessage[8000];
 };
 
+// For main(), once: has the heap keep what is freed, for the next frame. Software OpenGL asks for megabytes
+// in each frame and frees them at its end; left alone, the C library hands them back and the kernel clears
+// every page anew: up to a tenth of a frame.
+void keepFreedMemory();
+
 } // namespace zentrak

@@ -12,6 +12,7 @@
 #include "dis_glcheck.h"
 #include "dis_texture.h"
 #include "plain_box.h"
+#include "ztk_system.h"
 
 #include <algorithm>
 #include <chrono>
@@ -224,6 +225,7 @@ void compare(const char* name, int rounds, const std::function<void()>& state,
 } // namespace
 
 int main(int count, char** arguments) {
+    keepFreedMemory(); // as the program does
     const int          rounds = count > 1 ? std::max(1, std::atoi(arguments[1])) : 15;
     display::DisplayGL window(display::WindowMode("bench", WIDTH, HEIGHT, false));
     window.open();

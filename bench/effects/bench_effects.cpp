@@ -28,6 +28,7 @@
 #include "vul.h"
 #include "waxon.h"
 #include "xor.h"
+#include "ztk_system.h"
 
 #include <algorithm>
 #include <cmath>
@@ -205,6 +206,7 @@ private:
 } // namespace
 
 int main(int count, char** arguments) {
+    keepFreedMemory(); // as the program does
     kindler::EffectRandom::fixStart(1);
     const bool small = count > 1 && std::strcmp(arguments[1], "small") == 0;
     if (small)

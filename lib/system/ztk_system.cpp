@@ -3,6 +3,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+#include <malloc.h>
 
 namespace {
 
@@ -98,6 +99,13 @@ Exception::~Exception() = default;
 
 const char* Exception::what() const noexcept {
     return mMessage;
+}
+
+void keepFreedMemory() {
+    mallopt(M_MMAP_THRESHOLD,
+            32 << 20); // what is larger still comes and goes by itself; the C library's most
+    mallopt(M_TRIM_THRESHOLD, 256 << 20);
+    mallopt(M_TOP_PAD, 16 << 20);
 }
 
 } // namespace zentrak
