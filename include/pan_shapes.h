@@ -104,6 +104,14 @@ private:
         int32_t last = -1;   // the latest item of all
         int32_t ground = -1; // the latest box of one opaque colour that is under all of it
     };
+    // The items that touch a cell of the view: a list in mLinks, and, of those that were too many for one,
+    // the highest layer and the latest.
+    struct Cell {
+        int32_t list = -1;
+        int32_t last = -1;
+        int16_t layer = -1;
+        int16_t count = 0; // of the list
+    };
     struct Cells { // a range of the grid, both ends included
         int x1, y1, x2, y2;
     };
@@ -118,6 +126,7 @@ private:
     void  hideBelow(const Item& cover, const Cells& cells);
     void  addCut(Item& item, const Item& cover);
     void  enter(const Item& item, const Cells& cells);
+    void  shorten(Cell& cell) const;
     Cells cellsOf(const mathbase::Box2& box) const;
     void  cutPieces(const Item& item);
     void  drawLayer(int layer, display::Font* font);
@@ -140,10 +149,9 @@ private:
     std::vector<Layer>              mLayers;
     std::vector<mathbase::Box2>     mPieces; // while a box is cut
 
-    // What lies where: for each cell of the view a list in mLinks of the items that touch it.
-    std::vector<int32_t> mCells;
-    int                  mColumns = 1, mRows = 1;
-    float                mCellWidth = 1, mCellHeight = 1;
+    std::vector<Cell> mCells; // what lies where in the view
+    int               mColumns = 1, mRows = 1;
+    float             mCellWidth = 1, mCellHeight = 1;
 
     Item               mText;  // that glyphs are added to
     mathbase::Vector2f mWhite; // where the font's texture is

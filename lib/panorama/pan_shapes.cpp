@@ -14,13 +14,16 @@ using mathbase::Vector4f;
 
 namespace {
 
-constexpr float CELL_WIDTH = 32; // pixels of the grid, at least
-constexpr float CELL_HEIGHT = 16;
-constexpr float MOST_CELLS = 128; // along a side
-constexpr float LEAST_COVER = 8;  // pixels of a side of what may hide others
-constexpr float LEAST_CUT = 2048; // pixels in all that are worth it
-constexpr int   MOST_SPLITS = 8;  // of one box
-constexpr int   MOST_CUTS = 64;   // of one box
+constexpr float  CELL_WIDTH = 32; // pixels of the grid, at least
+constexpr float  CELL_HEIGHT = 16;
+constexpr float  MOST_CELLS = 128;             // along a side
+constexpr float  LEAST_COVER = 8;              // pixels of a side of what may hide others
+constexpr float  LEAST_CUT = 2048;             // pixels in all that are worth it
+constexpr int    MOST_LISTED = 128;            // items of a cell,
+constexpr int    MOST_BELOW_FILLED = 8;        // and below one that fills it
+constexpr size_t MOST_LINKS = size_t(1) << 20; // in all; what comes then is drawn in its order
+constexpr int    MOST_SPLITS = 8;              // of one box
+constexpr int    MOST_CUTS = 64;               // of one box
 
 bool touch(const Box2& a, const Box2& b) {
     return a.x1 < b.x2 && b.x1 < a.x2 && a.y1 < b.y2 && b.y1 < a.y2;
@@ -124,7 +127,7 @@ void Shapes::clear() {
     mGlyphs.clear();
     mLinks.clear();
     mLayers.clear();
-    mCells.assign(size_t(mColumns * mRows), -1);
+    mCells.assign(size_t(mColumns * mRows), Cell());
 }
 
 // Adding
@@ -180,7 +183,7 @@ void Shapes::add(Item& item) {
         return;
     ++mCounts.shapes;
     int layer = LAYERS;
-    if (mSorted) {
+    if (mSorted && mLinks.size() < MOST_LINKS) {
         const Cells cells = cellsOf(item.box);
         const Below below = lookBelow(item, cells);
         if (below.ground >= 0 && below.ground != below.last && split(item, below))
@@ -224,8 +227,11 @@ Shapes::Below Shapes::lookBelow(const Item& item, const Cells& cells) const {
     const bool mixes = mPixels && item.shape == BOX && item.flat && !item.opaque;
     Below      below;
     for (int y = cells.y1; y <= cells.y2; ++y)
-        for (int x = cells.x1; x <= cells.x2; ++x)
-            for (int32_t i = mCells[size_t(y * mColumns + x)]; i >= 0; i = mLinks[size_t(i)].next) {
+        for (int x = cells.x1; x <= cells.x2; ++x) {
+            const Cell& cell = mCells[size_t(y * mColumns + x)];
+            below.layer = std::max(below.layer, int(cell.layer));
+            below.last = std::max(below.last, cell.last);
+            for (int32_t i = cell.list; i >= 0; i = mLinks[size_t(i)].next) {
                 const int32_t index = mLinks[size_t(i)].item;
                 const Item&   other = mItems[size_t(index)];
                 if (other.hidden || !touch(item.box, other.box))
@@ -236,14 +242,16 @@ Shapes::Below Shapes::lookBelow(const Item& item, const Cells& cells) const {
                     holds(other.box, item.box))
                     below.ground = index;
             }
+        }
     return below;
 }
 
 // A large box on a ground with something else on it, such as the lines of a frame: what lies on that goes by
 // itself, so that the rest can be mixed with the ground. False if it stays whole.
 bool Shapes::split(const Item& item, const Below& below) {
-    const Item& other = mItems[size_t(below.last)];
-    if (areaOf(item.box) < LEAST_CUT || mSplits >= MOST_SPLITS || !isBoxOfPixels(other))
+    const Item other = mItems[size_t(below.last)]; // adding moves the list
+    if (areaOf(item.box) < LEAST_CUT || mSplits >= MOST_SPLITS || !isBoxOfPixels(other) ||
+        !touch(item.box, other.box))
         return false;
     ++mSplits;
     Item       piece = item;
@@ -261,7 +269,7 @@ bool Shapes::split(const Item& item, const Below& below) {
 void Shapes::hideBelow(const Item& cover, const Cells& cells) {
     for (int y = cells.y1; y <= cells.y2; ++y)
         for (int x = cells.x1; x <= cells.x2; ++x)
-            for (int32_t i = mCells[size_t(y * mColumns + x)]; i >= 0; i = mLinks[size_t(i)].next) {
+            for (int32_t i = mCells[size_t(y * mColumns + x)].list; i >= 0; i = mLinks[size_t(i)].next) {
                 Item& other = mItems[size_t(mLinks[size_t(i)].item)];
                 if (other.hidden || !touch(cover.box, other.box))
                     continue;
@@ -287,18 +295,34 @@ void Shapes::addCut(Item& item, const Item& cover) {
     ++mCounts.cut;
 }
 
-// What fills a cell lies above all that was in it, in its layer too: it alone stands for them.
+// What fills a cell lies above all that was in it, in its layer too: one that hides them stands for them all.
 void Shapes::enter(const Item& item, const Cells& cells) {
     const int32_t index = int32_t(mItems.size());
     for (int y = cells.y1; y <= cells.y2; ++y)
         for (int x = cells.x1; x <= cells.x2; ++x) {
-            int32_t&   list = mCells[size_t(y * mColumns + x)];
-            const Box2 cell(mView.x1 + float(x) * mCellWidth, mView.y1 + float(y) * mCellHeight,
-                            mView.x1 + float(x + 1) * mCellWidth, mView.y1 + float(y + 1) * mCellHeight);
-            const bool fills = item.covers && holds(item.box, cell);
-            mLinks.push_back({index, fills ? -1 : list});
-            list = int32_t(mLinks.size()) - 1;
+            Cell&      cell = mCells[size_t(y * mColumns + x)];
+            const Box2 box(mView.x1 + float(x) * mCellWidth, mView.y1 + float(y) * mCellHeight,
+                           mView.x1 + float(x + 1) * mCellWidth, mView.y1 + float(y + 1) * mCellHeight);
+            const bool fills = item.shape == BOX && holds(item.box, box);
+            if (fills && item.covers)
+                cell = Cell();
+            else if (cell.count >= (fills ? MOST_BELOW_FILLED : MOST_LISTED))
+                shorten(cell);
+            mLinks.push_back({index, cell.list});
+            cell.list = int32_t(mLinks.size()) - 1;
+            ++cell.count;
         }
+}
+
+// Forgets what exactly lies in a cell.
+void Shapes::shorten(Cell& cell) const {
+    for (int32_t i = cell.list; i >= 0; i = mLinks[size_t(i)].next) {
+        const int32_t index = mLinks[size_t(i)].item;
+        cell.layer = std::max(cell.layer, mItems[size_t(index)].layer);
+        cell.last = std::max(cell.last, index);
+    }
+    cell.list = -1;
+    cell.count = 0;
 }
 
 Shapes::Cells Shapes::cellsOf(const Box2& box) const {

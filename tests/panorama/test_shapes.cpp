@@ -310,6 +310,45 @@ TEST_F(ShapesTest, moreLayersThanThereAreKeepTheirOrder) {
     EXPECT_LE(counts.draws, 61);
 }
 
+TEST_F(ShapesTest, pilesOfShapesKeepTheirOrder) {
+    const auto color = [](int i, float alpha) {
+        return Vector4f(float(i % 7) / 7, float(i % 11) / 11, float(i % 13) / 13, alpha);
+    };
+    expectSame([&](Render& r) {
+        for (int i = 0; i < 450; ++i) { // small ones within one cell, of two kinds
+            const float x = 66 + float(i % 9), y = 65 + float(i % 5);
+            shaded(r, Box2(x, y, x + 10, y + 8), color(i, 0.7f), color(i + 1, 0.9f));
+            shaded(r, Box2(x + 1, y + 1, x + 4, y + 4), color(i + 2, 1), color(i + 3, 1));
+        }
+        for (int i = 0; i < 1000; ++i) { // and on the edges of several
+            const float x = 30 + float(i % 9), y = 120 + float(i % 5);
+            shaded(r, Box2(x, y, x + 10, y + 10), color(i, 0.7f), color(i + 1, 0.9f));
+            r.setColor(color(i + 2, 1), NO_COLOR);
+            r.drawText("a", Vector2f(x, y));
+        }
+        for (int i = 0; i < 400; ++i) // large ones that hide nothing
+            shaded(r, Box2(100, 0, 400, 300), color(i, 0.1f), color(i + 1, 0.2f));
+        for (int i = 0; i < 300; ++i) {
+            box(r, Box2(90 + float(i), 100, 100 + float(i), 110), color(i, 0.9f));
+            r.drawText("b", Vector2f(95 + float(i), 110));
+        }
+    });
+}
+
+// 5,000 lines across all 247 cells of the view are more entries than are kept.
+TEST_F(ShapesTest, whatIsTooMuchToSortIsDrawnInItsOrder) {
+    expectSame([](Render& r) {
+        for (int i = 0; i < 5000; ++i) {
+            r.setColor(Vector4f(float(i % 7) / 7, float(i % 11) / 11, 1, i % 2 ? 1.0f : 0.5f), NO_COLOR);
+            r.drawLine(Vector2f(0, float(i % 20)), Vector2f(400, 280 + float(i % 20)));
+            if (i % 100 == 0)
+                r.drawText("text between", Vector2f(float(i) / 12, 20 + float(i) / 20));
+        }
+    });
+    EXPECT_GT(counts.draws, 1);
+    EXPECT_LE(counts.draws, 61);
+}
+
 // Pixels of the view that are none of the window's: neither edges nor colours are known.
 TEST_F(ShapesTest, inAViewThatIsMovedByAPartOfAPixelNothingIsLeftOut) {
     const Draw shapes = [](Render& r) {
