@@ -213,7 +213,8 @@ private:
         int      planes = 15;          // those of x, y, z and w that count: a mask
         float    margin = 0;           // how far OpenGL may move a corner, pixels
         float    size = 0;             // of the window, pixels
-        alignas(16) float eye[4] = {}; // the point that is projected to x = y = w = 0
+
+        alignas(16) float eye[4] = {};     // the point that is projected to x = y = w = 0
         alignas(16) float clip[4][4] = {}; // columns: what x, y, z and 1 are in clip space
         alignas(16) float weight[4] = {};  // and what their magnitudes come to there at most
         alignas(16) float scale[4] = {};   // from the unit square to the window: x, y, -x, -y
@@ -221,43 +222,47 @@ private:
         alignas(16) float limit[4] = {}; // right, top, -left and -bottom of the viewport
     };
 
-    void     look();
-    void     lookVolume();
-    void     lookWindow();
-    void     openPrimitive(GLenum mode);
-    void     closePrimitive(GLenum mode, size_t first);
-    void     addIndices(GLenum mode, size_t first, size_t count);
+    void look();
+    void lookVolume();
+    void lookWindow();
+
+    // A shape is a centre and its half axes, 4 floats each one after the other, and `clip` the same in clip
+    // space; faces are masks, one bit each.
+    void     boxAxes(const mathbase::Vector3f& centre, const mathbase::Vector3f& half, float* shape) const;
+    Place    toClip(const float* shape, float* clip, int axes) const;
     float    roundingOf(const float* shape, int axes) const;
     Place    placeOf(const float* clip, const float* shape, int axes) const;
     float    marginOf(const float* clip, const float* shape, int axes) const;
-    bool     mayCover(const float* window, const unsigned char* corners, float margin) const;
-    Place    placeOf(size_t first) const;
-    bool     isCulled(const float* a, const float* b, const float* c) const;
-    void     cullQuads();
-    void     moveQuad(size_t from, size_t to);
-    void     markRun(Place place);
-    void     drawRuns(GLenum mode, size_t count);
     void     localEye(const float* shape, float* eye) const;
     unsigned visibleFaces(const float* shape) const;
+    unsigned visibleFaces(const Solid& solid) const;
     unsigned seenFaces(const float* corners, int count, const unsigned char (*face)[4], unsigned faces,
                        float rounding, float margin) const;
     unsigned seenFaces(const float* clip, unsigned faces, float rounding, float margin) const;
-    unsigned visibleFaces(const Solid& solid) const;
     unsigned seenFaces(const Solid& solid, unsigned faces, float rounding, float margin) const;
     bool     coversSprite(const float* clip, float margin) const;
-    void     boxAxes(const mathbase::Vector3f& centre, const mathbase::Vector3f& half, float* shape) const;
-    Place    toClip(const float* shape, float* clip, int axes) const;
+    bool     mayCover(const float* window, const unsigned char* corners, float margin) const;
 
     static __m128 toWindow(const View& view, __m128 clip);
     static int    keptFaces(const View& view, __m128 area);
-    void          addQuad(const float* corners, float s0, float t0, float s1, float t1, bool columnFirst);
-    void          fill(size_t first, size_t count, unsigned channels);
-    void          startChannel(unsigned channel);
-    void          reserveVertices(size_t more);
-    void          updateNormal();
-    void          normalMatrix(float* columns) const;
-    void          drawCollected();
-    void          putArraysAside();
+
+    void  openPrimitive(GLenum mode);
+    void  closePrimitive(GLenum mode, size_t first);
+    void  addIndices(GLenum mode, size_t first, size_t count);
+    void  addQuad(const float* corners, float s0, float t0, float s1, float t1, bool columnFirst);
+    Place placeOf(size_t first) const;
+    bool  isCulled(const float* a, const float* b, const float* c) const;
+    void  cullQuads();
+    void  moveQuad(size_t from, size_t to);
+    void  markRun(Place place);
+    void  fill(size_t first, size_t count, unsigned channels);
+    void  startChannel(unsigned channel);
+    void  reserveVertices(size_t more);
+    void  updateNormal();
+    void  normalMatrix(float* columns) const;
+    void  drawCollected();
+    void  drawRuns(GLenum mode, size_t count);
+    void  putArraysAside();
 
     Array<float>    mPosition;        // 4 a vertex: x, y, z, 1
     Array<float>    mColor;           // 4 a vertex
