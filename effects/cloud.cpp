@@ -7,11 +7,13 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 namespace zentrak::kindler {
 
 using mathbase::Matrix4x4Col;
 using mathbase::Vector3f;
+using mathbase::Vector4f;
 
 namespace {
 
@@ -45,6 +47,9 @@ void Cloud::setup() {
     mProgram.setDisplay(mDisplay);
     mTexture.load("hurry/particle.png", true);
     mTexture.init();
+    mTexture.bind();
+    mCut.readTexture();
+    mTexture.unbind();
     for (int i = 0; i < NUM_SPRITES; ++i)
         path[i] = getCloudPath(float(i) / 100.0f) + mRandom.unitSphere() * 10.0f;
 }
@@ -69,19 +74,27 @@ void Cloud::update(float, float, float progress) {
     GL_CALL(glEnable(GL_BLEND));
     mDisplay->setTransform(Matrix4x4Col());
     mTexture.bind();
-    const Vector3f right = board.right * SIZE;
-    const Vector3f up = board.up * SIZE;
+    mCut.look(board.right, board.up);
+    const auto farthest = std::find_if(std::begin(path), std::end(path),
+                                       [&](const Vector3f& p) { return !mCut.isMagnified(p, SIZE); });
+    const int  magnified = static_cast<int>(farthest - std::begin(path)); // so many at the near end
     for (int i = NUM_SPRITES - 1 - firstSprite(progress); i >= 0; --i) {
+        if (i + 1 == magnified) {
+            mBatch.flush();
+            mCut.setMagnified(true);
+        }
         const float distance = (path[i] - eye).length();
         float       opacity = 0.15f * (1.0f - 0.003f * distance);
         if (progress < 0.5f)
             opacity *= alpha;
         if (!(opacity > 0))
             continue;
-        mBatch.color(1, 0.9f, 0.8f, opacity);
-        mBatch.sprite(path[i], right, up);
+        const Vector4f color(1, 0.9f, 0.8f, opacity);
+        mBatch.color(color);
+        mCut.draw(mBatch, path[i], SIZE, color);
     }
     mBatch.flush();
+    mCut.setMagnified(false);
     mTexture.unbind();
     GL_CALL(glDisable(GL_TEXTURE_2D));
     GL_CALL(glDisable(GL_CULL_FACE));

@@ -3,6 +3,7 @@
 
 #include "dis_batch.h"
 #include "dis_shader.h"
+#include "dis_spritecut.h"
 #include "dis_texture.h"
 #include "effect_random.h"
 #include "kin_effect.h"
@@ -25,6 +26,7 @@ private:
     display::Texture       mTexture;
     EffectRandom           mRandom;
     display::ShaderProgram mProgram; // never linked
+    display::SpriteCut     mCut;
     display::Batch         mBatch;
 };
 

@@ -12,6 +12,7 @@ namespace zentrak::kindler {
 
 using mathbase::Matrix4x4Col;
 using mathbase::Vector3f;
+using mathbase::Vector4f;
 
 namespace {
 
@@ -43,6 +44,7 @@ struct Part {
 
     float centre() const { return 0.5f * (low + high); }
     float extent() const { return 0.5f * (high - low); }
+    bool  isWhole() const { return low == -1.0f && high == 1.0f; }
 };
 
 } // namespace
@@ -59,6 +61,9 @@ void Face::setup() {
         mPoints.reserve(mesh->mVertices.size() / STEP + 1);
     mTexture.load("hurry/particle.png", true);
     mTexture.init();
+    mTexture.bind();
+    mCut.readTexture();
+    mTexture.unbind();
     mProgram.link("face/face.vert", "face/face.frag");
 }
 
@@ -87,16 +92,24 @@ void Face::collect(const o3d::Mesh& mesh, const Vector3f& eye, const Billboard& 
  * A sprite is parallel to the screen, and so easily cut to what the screen shows: one vertex outside sends a
  * whole draw the long way through software OpenGL, which clips each face by itself.
  */
-void Face::drawSprite(const Point& point, const Billboard& board, float size) {
-    const Vector3f  right = board.right * size, up = board.up * size;
+void Face::drawSprite(const Point& point, const Billboard& board, float size, const Vector4f& color) {
     const Vector3f& seen = point.seen;
     if (!(seen.z > 0))
         return;
-    const Part x(seen.x, 0.5f * size, VIEW_X * seen.z), y(seen.y, 0.5f * size, VIEW_Y * seen.z);
-    if (x.low >= x.high || y.low >= y.high)
+    const float reach = mCut.reachOf(point.place, size, color);
+    const float half = 0.5f * size * reach;
+    const Part  x(seen.x, half, VIEW_X * seen.z), y(seen.y, half, VIEW_Y * seen.z);
+    if (x.low >= x.high || y.low >= y.high || reach == 0)
         return;
+    mBatch.color(color);
+    if (x.isWhole() && y.isWhole()) {
+        mCut.drawReach(mBatch, point.place, size, reach);
+        return;
+    }
+    const Vector3f right = board.right * (size * reach), up = board.up * (size * reach);
+    const float    s = 0.5f * reach;
     mBatch.sprite(point.place + right * x.centre() + up * y.centre(), right * x.extent(), up * y.extent(),
-                  0.5f + 0.5f * x.low, 0.5f - 0.5f * y.high, 0.5f + 0.5f * x.high, 0.5f - 0.5f * y.low);
+                  0.5f + s * x.low, 0.5f - s * y.high, 0.5f + s * x.high, 0.5f - s * y.low);
 }
 
 void Face::update(float time, float, float) {
@@ -119,12 +132,18 @@ void Face::update(float time, float, float) {
         mTexture.bind();
         collect(*mesh, eye, board, cameraInverse);
         mBatch.setCulling(display::Batch::CULLING_OFF);
-        for (const Glow& glow : passes)
+        mCut.look(board.right, board.up);
+        for (const Glow& glow : passes) {
+            mCut.setMagnified(std::all_of(mPoints.begin(), mPoints.end(), [&](const Point& point) {
+                return mCut.isMagnified(point.place, glow.size);
+            }));
             for (const Point& point : mPoints) {
-                mBatch.color(glow.color * (point.light * alp), glow.alpha);
-                drawSprite(point, board, glow.size);
+                const Vector3f color = glow.color * (point.light * alp);
+                drawSprite(point, board, glow.size, Vector4f(color.x, color.y, color.z, glow.alpha));
             }
-        mBatch.flush();
+            mBatch.flush();
+        }
+        mCut.setMagnified(false);
         mBatch.setCulling(display::Batch::CULLING_AUTO);
         mTexture.unbind();
         GL_CALL(glDisable(GL_TEXTURE_2D));

@@ -3,6 +3,7 @@
 
 #include "am_image.h"
 #include "dis_shader.h"
+#include "dis_spritecut.h"
 #include "dis_texture.h"
 #include "effect_batch.h"
 #include "effect_random.h"
@@ -10,6 +11,7 @@
 #include "kin_effect.h"
 #include "mb_matrix4x4col.h"
 #include "mb_vector3.h"
+#include "mb_vector4.h"
 #include "o3d_manager.h"
 
 #include <string>
@@ -40,7 +42,7 @@ private:
 
     void collect(const o3d::Mesh& mesh, const mathbase::Vector3f& eye, const Billboard& board,
                  const mathbase::Matrix4x4Col& cameraInverse);
-    void drawSprite(const Point& point, const Billboard& board, float size);
+    void drawSprite(const Point& point, const Billboard& board, float size, const mathbase::Vector4f& color);
 
     am::Image              mImage; // never set
     display::Texture       mTexture;
@@ -48,6 +50,7 @@ private:
     EffectRandom           mRandom;
     o3d::Manager           mScene;
     std::vector<Point>     mPoints; // of the mesh that is drawn
+    display::SpriteCut     mCut;
     display::Batch&        mBatch = sharedBatch();
 };
 

@@ -3,6 +3,7 @@
 
 #include "dis_batch.h"
 #include "dis_display.h"
+#include "dis_spritecut.h"
 #include "dis_texture.h"
 #include "mb_matrix4x4col.h"
 #include "mb_random.h"
@@ -81,6 +82,8 @@ private:
     std::vector<std::unique_ptr<EmitterInstance>> mLoaded;
     std::vector<std::unique_ptr<Spark[]>>         mBlocks; // all particles, live and free
     display::Batch                                mBatch;
+    display::SpriteCut                            mCut;
+    bool                                          mCutRead = false;
     bool                                          mLimitReported = false;
 };
 

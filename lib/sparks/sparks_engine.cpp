@@ -12,6 +12,7 @@ namespace zentrak::sparks {
 
 using mathbase::Matrix4x4Col;
 using mathbase::Vector3f;
+using mathbase::Vector4f;
 
 namespace {
 
@@ -22,7 +23,8 @@ constexpr float FALLING_MASS = 0.01f;
 constexpr float LEAST_SIZE = 0.8f;
 constexpr float LEAST_ENERGY = 0.1f;
 constexpr float FADE_IN = 0.2f;      // seconds
-constexpr float CELL_WIDTH = 0.125f; // of the strip, in texture coordinates
+constexpr int   CELLS = 8;           // of the strip
+constexpr float CELL_WIDTH = 0.125f; // in texture coordinates
 constexpr float PI = 3.1415927f;
 
 // powf(2.7182817f, exponent): the base is that float, not e, so this is 2 to the power of its logarithm times
@@ -162,6 +164,11 @@ void Engine::draw(const Matrix4x4Col* cameraInverse) {
     GL_CALL(glBlendFunc(GL_SRC_ALPHA, GL_ONE));
     GL_CALL(glEnable(GL_TEXTURE_2D));
     texture.bind();
+    if (!mCutRead) {
+        mCut.readTexture(CELLS);
+        mCutRead = true;
+    }
+    mCut.look(right, -up);
     const float time = now();
     for (const Spark* spark = live; spark; spark = spark->next) {
         fetch(spark->ahead);
@@ -172,9 +179,11 @@ void Engine::draw(const Matrix4x4Col* cameraInverse) {
         float alpha = (1.0f - flicker * spark->noise) * std::min(spark->energy, 1.0f) * spark->intensity;
         if (age < FADE_IN)
             alpha *= sinf(PI * age * 2.5f);
-        mBatch.color(spark->colour, alpha);
+        const Vector3f& colour = spark->colour;
+        const Vector4f  color(colour.x, colour.y, colour.z, alpha);
+        mBatch.color(color);
         const float u0 = CELL_WIDTH * static_cast<float>(spark->texture);
-        mBatch.sprite(spark->position, right * spark->size, up * -spark->size, u0, 1, u0 + CELL_WIDTH, 0);
+        mCut.draw(mBatch, spark->position, spark->size, color, spark->texture, u0, 1, u0 + CELL_WIDTH, 0);
     }
     mBatch.flush();
     texture.unbind();
