@@ -131,7 +131,6 @@ void Face::update(float time, float, float) {
         GL_CALL(glEnable(GL_TEXTURE_2D));
         mTexture.bind();
         collect(*mesh, eye, board, cameraInverse);
-        mBatch.setCulling(display::Batch::CULLING_OFF);
         mCut.look(board.right, board.up);
         for (const Glow& glow : passes) {
             mCut.setMagnified(std::all_of(mPoints.begin(), mPoints.end(), [&](const Point& point) {
@@ -144,7 +143,6 @@ void Face::update(float time, float, float) {
             mBatch.flush();
         }
         mCut.setMagnified(false);
-        mBatch.setCulling(display::Batch::CULLING_AUTO);
         mTexture.unbind();
         GL_CALL(glDisable(GL_TEXTURE_2D));
     }

@@ -164,12 +164,11 @@ float SpriteCut::reachOf(const Vector3f& centre, float size, const Vector4f& col
     const float alpha = std::clamp(color.w, 0.0f, 1.0f);
     float       faint = 0.49f; // the most alpha, of 255, that is not seen
     if (mAdds) {
-        faint = 127.0f / (brightest + 0.5f) - 0.51f;
+        faint = std::max(faint, 127.0f / (brightest + 0.5f) - 0.51f);
         if (mAlpha)
             faint = std::min(faint, 10.7f);
     }
-    const bool numbers = !std::isnan(color.x + color.y + color.z) && alpha >= 0 && faint >= 0;
-    if (!numbers) // drawn as it comes
+    if (std::isnan(color.x + color.y + color.z + color.w)) // drawn as it comes
         return 1;
     if (255 * alpha <= faint)
         return 0;
