@@ -335,6 +335,16 @@ TEST_F(ShapesTest, pilesOfShapesKeepTheirOrder) {
     });
 }
 
+// A cell lists 128 shapes: the 129th, beside the others, takes their place there.
+TEST_F(ShapesTest, shapesThatACellNoLongerListsStayBelow) {
+    expectSame([](Render& r) {
+        for (int i = 0; i < 128; ++i)
+            shaded(r, Box2(66, 66, 74, 74), Vector4f(1, float(i) / 128, 0, 0.5f), BLUE);
+        box(r, Box2(84, 66, 92, 74), GREEN);
+        box(r, Box2(68, 68, 72, 72), GREEN);
+    });
+}
+
 // 5,000 lines across all 247 cells of the view are more entries than are kept.
 TEST_F(ShapesTest, whatIsTooMuchToSortIsDrawnInItsOrder) {
     expectSame([](Render& r) {
