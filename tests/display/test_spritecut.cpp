@@ -212,6 +212,22 @@ TEST_F(SpriteCutTest, SpritesThatCoverAreWholeOnesToo) {
     expectSame(sprites(300), covering);
 }
 
+// What is left out of one layer must not show in forty: a rim that is drawn moves a pixel by a step in each.
+TEST_F(SpriteCutTest, LayersOfFaintSpritesAddUpAsWholeOnesDo) {
+    for (const auto& state : {adding, covering})
+        for (const Vector4f& color : {Vector4f(1, 1, 1, 0.03f), Vector4f(0.9f, 0.1f, 0.4f, 0.008f)}) {
+            const std::vector<Sprite> layers(40, Sprite{Vector3f(0, 0, 0), 3, color, 0});
+            const Picture             a = cut(layers, state), b = whole(layers, state);
+            int                       apart = 0, lit = 0;
+            for (size_t i = 0; i < a.rgba.size(); i += 4) {
+                apart += std::abs(int(a.rgba[i]) - int(b.rgba[i])) > 4;
+                lit += b.rgba[i] != b.rgba[0];
+            }
+            EXPECT_LE(apart, lit / 100) << color.w; // the rounding of texture coordinates, in every layer
+            EXPECT_GT(lit, 2000) << color.w;
+        }
+}
+
 TEST_F(SpriteCutTest, TheFainterTheLessIsDrawn) {
     EXPECT_EQ(reach(Vector4f(1, 1, 1, 0)), 0);
     EXPECT_EQ(reach(Vector4f(0, 0, 0, 0.5f)), 0);
