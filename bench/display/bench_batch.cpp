@@ -1,7 +1,7 @@
 // Thousands of boxes and sprites through Batch beside the same ones by glBegin, glVertex3f and glEnd, the two
 // ways in turn in one run:
 //     tests/with_display build/bench/bench/display/bench_batch [ROUNDS]
-// Each line is one scene (boxes are about 7 pixels, small ones 2.4, sprites 7): milliseconds of a frame by
+// Each line is one scene (boxes and sprites are about 7 pixels, small ones 2.4): milliseconds of a frame by
 // each way and how many times faster the batch is, first by the clock, then by processor time over all
 // threads (on a busy machine the steadier of the two), then with the pixels thrown away
 // (GL_RASTERIZER_DISCARD), which leaves what it takes to get the shapes to the rasteriser; and what
@@ -293,6 +293,7 @@ int main(int count, char** arguments) {
     };
     sprites("sprites, one glBegin", inside, 0.75f, false);
     sprites("sprites, a transform each", inside, 0.75f, true);
+    sprites("small sprites, a transform each", inside, 0.25f, true);
     sprites("sprites, one glBegin, 8/9 outside", wide, 0.75f, false);
     return 0;
 }
