@@ -898,7 +898,7 @@ TEST_F(BatchTest, aCornerOfASolidCanBeMoved) {
 }
 
 TEST_F(BatchTest, moreThanASolidHoldsIsAsserted) {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    testing::GTEST_FLAG(death_test_style) = "threadsafe";
     Batch::Solid solid;
     for (int i = 0; i < 32; ++i)
         solid.addCorner(Vector3f(0, 0, 0));
