@@ -8,6 +8,7 @@
 // needs.
 
 #include "check/document.h"
+#include "command/command.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -454,7 +455,7 @@ int checkFile(const char* path, bool editor) {
 int main(int argc, char** argv) {
     const bool editor = argc > 1 && !strcmp(argv[1], "--editor");
     const int  first = editor ? 2 : 1;
-    if (argc <= first) {
+    if (argc <= first || command::hasOption(argc, argv, first)) {
         fprintf(stderr, "usage: check_layout [--editor] FILE...\n");
         return 2;
     }

@@ -9,6 +9,7 @@
 // own.
 
 #include "check/document.h"
+#include "command/command.h"
 #include "effect_names.h"
 #include "script_loadxml.h"
 
@@ -372,7 +373,7 @@ int main(int argc, char** argv) {
             return usage();
         first = 3;
     }
-    if (argc <= first)
+    if (argc <= first || command::hasOption(argc, argv, first))
         return usage();
     int result = 0;
     for (int i = first; i < argc; ++i)

@@ -4,10 +4,10 @@
 //   make_font FONT.ttf OUT.png [CELL]      CELL: the cell's side in pixels, 16 if it is not given
 
 #include "canvas.h"
+#include "command/command.h"
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <ft2build.h>
 #include FT_FREETYPE_H
 
@@ -81,15 +81,17 @@ int chooseSize(FT_Face face, int cell) {
 } // namespace
 
 int main(int count, char** arguments) {
-    const int cell = count > 3 ? std::atoi(arguments[3]) : 16;
-    if (count < 3 || cell < 8 || cell > 256) {
-        std::fprintf(stderr, "usage: make_font FONT.ttf OUT.png [CELL]\n");
+    int cell = 16;
+    if (count < 3 || count > 4 || zentrak::command::hasOption(count, arguments, 1) ||
+        (count == 4 && !zentrak::command::readNumber(arguments[3], 8, 256, cell))) {
+        std::fprintf(stderr,
+                     "usage: make_font FONT.ttf OUT.png [CELL]     the side of a cell, 8 to 256 pixels\n");
         return 2;
     }
     FT_Library library;
     FT_Face    face;
     if (FT_Init_FreeType(&library) || FT_New_Face(library, arguments[1], 0, &face)) {
-        std::fprintf(stderr, "make_font: %s can not be read\n", arguments[1]);
+        std::fprintf(stderr, "make_font: %s is no font that can be read\n", arguments[1]);
         return 1;
     }
 
@@ -116,9 +118,10 @@ int main(int count, char** arguments) {
             }
         brightenEdge(canvas, left, c / GRID * cell, cell);
     }
-    std::printf("%d pixels high letters in cells of %d, %d above the baseline, %d below, %d wide\n", size,
-                cell, extent.above, extent.below, extent.wide);
     const bool written = canvas.write(arguments[2]);
+    if (written)
+        std::printf("%d pixels high letters in cells of %d, %d above the baseline, %d below, %d wide\n", size,
+                    cell, extent.above, extent.below, extent.wide);
     FT_Done_Face(face);
     FT_Done_FreeType(library);
     return written ? 0 : 1;

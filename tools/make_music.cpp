@@ -1,5 +1,6 @@
 // Makes the music of the show: make_music FILE.ogg [BARS]
 // The same bytes each time. With a number of bars it stops there, and fades out.
+#include "command/command.h"
 #include "music/effects.h"
 #include "music/instruments.h"
 #include "music/score.h"
@@ -249,12 +250,13 @@ Track perform(int bars) {
 } // namespace
 
 int main(int argc, char** argv) {
-    if (argc < 2 || argc > 3) {
-        std::fprintf(stderr, "usage: make_music FILE.ogg [BARS]\n");
+    int bars = barCount();
+    if (argc < 2 || argc > 3 || zentrak::command::hasOption(argc, argv, 1) ||
+        (argc == 3 && !zentrak::command::readNumber(argv[2], 1, barCount(), bars))) {
+        std::fprintf(stderr, "usage: make_music FILE.ogg [BARS]     the first BARS, 1 to %d\n", barCount());
         return 2;
     }
     try {
-        int bars = argc == 3 ? std::clamp(std::atoi(argv[2]), 1, barCount()) : barCount();
         writeVorbis(argv[1], perform(bars), 0.5f, "zentrak");
     } catch (const std::exception& failure) {
         std::fprintf(stderr, "make_music: %s\n", failure.what());

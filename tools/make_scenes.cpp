@@ -1,6 +1,7 @@
 // Makes the scenes of the show and of the tests.
 //   make_scenes NAME FILE      one of face, cathedral, courtyard, stone into this file
 
+#include "command/command.h"
 #include "scene/scenes.h"
 
 #include <cstdio>
@@ -27,7 +28,7 @@ const Maker makers[] = {
 } // namespace
 
 int main(int argc, char** argv) {
-    if (argc == 3)
+    if (argc == 3 && !command::isOption(argv[2]))
         for (const Maker& maker : makers) {
             if (strcmp(maker.name, argv[1]) != 0)
                 continue;

@@ -2,6 +2,7 @@
 //   make_screen_art FOLDER      writes border/, rund/, icons/ and overlay/ below the show's data folder
 
 #include "canvas.h"
+#include "command/command.h"
 #include "lettering.h"
 
 #include <algorithm>
@@ -124,7 +125,7 @@ Canvas last() {
 } // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 2) {
+    if (argc != 2 || zentrak::command::isOption(argv[1])) {
         fprintf(stderr, "usage: make_screen_art FOLDER\n");
         return 2;
     }

@@ -2,6 +2,7 @@
 //   make_spark_art FOLDER       writes sparks.png and spark/spark.xml below the show's data folder
 
 #include "canvas.h"
+#include "command/command.h"
 
 #include <cmath>
 #include <cstdio>
@@ -197,7 +198,7 @@ bool writeParticles(const std::filesystem::path& path) {
 } // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 2) {
+    if (argc != 2 || zentrak::command::isOption(argv[1])) {
         fprintf(stderr, "usage: make_spark_art FOLDER\n");
         return 2;
     }

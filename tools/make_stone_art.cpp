@@ -2,6 +2,7 @@
 //   make_stone_art FOLDER       writes sten.png and height.png
 
 #include "canvas.h"
+#include "command/command.h"
 
 #include <cmath>
 #include <cstdio>
@@ -125,7 +126,7 @@ bool write(const std::filesystem::path& path, int width, int height, Colour (*co
 } // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 2) {
+    if (argc != 2 || zentrak::command::isOption(argv[1])) {
         fprintf(stderr, "usage: make_stone_art FOLDER\n");
         return 2;
     }

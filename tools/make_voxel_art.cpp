@@ -4,6 +4,7 @@
 //                               data folder
 
 #include "canvas.h"
+#include "command/command.h"
 #include "lettering.h"
 
 #include <algorithm>
@@ -223,7 +224,7 @@ Canvas particle() {
 } // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 2) {
+    if (argc != 2 || zentrak::command::isOption(argv[1])) {
         fprintf(stderr, "usage: make_voxel_art FOLDER\n");
         return 2;
     }

@@ -4,8 +4,16 @@
 #   tools/play_and_picture.sh FOLDER
 # The exit status is the show's, or 1 if it has not ended within a quarter of an hour.
 set -u
-pictures=$1
+if [ $# -ne 1 ] || [ ! -d "$1" ]; then
+    echo "usage: tools/play_and_picture.sh FOLDER     one that is there" >&2
+    exit 2
+fi
+pictures=$(cd "$1" && pwd)
 cd "$(dirname "$0")/../data" || exit 1
+if [ ! -x ../build/show/app/zentrak ]; then
+    echo "The show is not built: type ./run" >&2
+    exit 1
+fi
 
 ALSOFT_DRIVERS=null
 export ALSOFT_DRIVERS

@@ -2,27 +2,25 @@
 //   show_scene FILE...         ends with 1 where there is something to remark, with 2 where a file can't be
 //   read
 
+#include "command/command.h"
 #include "scene/inspect.h"
 
 #include <cstdio>
-#include <fstream>
-#include <sstream>
+#include <string>
 
 int main(int argc, char** argv) {
-    if (argc < 2) {
+    if (argc < 2 || zentrak::command::hasOption(argc, argv, 1)) {
         fprintf(stderr, "usage: show_scene FILE...\n");
         return 2;
     }
     int status = 0;
     for (int i = 1; i < argc; ++i) {
-        std::ifstream     file(argv[i], std::ios::binary);
-        std::stringstream bytes;
-        if (!file || !(bytes << file.rdbuf())) {
-            fprintf(stderr, "show_scene: can't read '%s'\n", argv[i]);
+        std::string bytes;
+        if (!zentrak::command::readFile(argv[i], bytes)) {
             status = 2;
             continue;
         }
-        const zentrak::scene::Inspection inspection = zentrak::scene::inspect(bytes.str());
+        const zentrak::scene::Inspection inspection = zentrak::scene::inspect(bytes);
         printf("%s: %s%d remark%s\n", argv[i], inspection.text.c_str(), inspection.remarks,
                inspection.remarks == 1 ? "" : "s");
         if (inspection.remarks > 0 && status == 0)

@@ -1,6 +1,8 @@
 #include "o3d_bytes.h"
 #include "scene/inspect.h"
+#include "support.h"
 
+#include <filesystem>
 #include <gtest/gtest.h>
 
 using namespace zentrak;
@@ -80,8 +82,9 @@ TEST(Inspect, knowsEveryChunkThatTheLoaderKnows) {
 }
 
 TEST(Inspect, saysWhatTheLoaderRefuses) {
-    EXPECT_EQ("the loader refuses this format or version\n", remarksOf(""));
-    EXPECT_EQ("the loader refuses this format or version\n", remarksOf("O3DF\x01\x02"));
+    const std::string refused = "the loader refuses this format or version: it takes 'O3DF' 1.1\n";
+    EXPECT_EQ(refused, remarksOf(""));
+    EXPECT_EQ(refused, remarksOf("O3DF\x01\x02"));
     EXPECT_EQ("the loader refuses the file: its first chunk is 0x2000 and not the main chunk\n",
               remarksOf("O3DF\x01\x01" + chunk(0x2000, text("m"))));
 }
@@ -174,3 +177,29 @@ TEST(Inspect, anyBytesWillDo) {
 }
 
 } // namespace
+
+TEST(ShowScene, saysWhatIsWrong) {
+    test::TempDir     folder;
+    const std::string show = "cd " + folder.path() + " && " SHOW_SCENE;
+    test::writeFile(folder.file("empty"), "");
+    const std::pair<int, std::string> usage(2, "usage: show_scene FILE...\n");
+    EXPECT_EQ(usage, test::runCommand(show));
+    EXPECT_EQ(usage, test::runCommand(show + " --help"));
+    EXPECT_EQ(std::pair(2, std::string("gone: can't be read: No such file or directory\n")),
+              test::runCommand(show + " gone"));
+    EXPECT_EQ(std::pair(2, std::string(".: can't be read: Is a directory\n")), test::runCommand(show + " ."));
+    EXPECT_EQ(std::pair(1, std::string("empty: 0 bytes\n! the loader refuses this format or version: "
+                                       "it takes 'O3DF' 1.1\n1 remark\n")),
+              test::runCommand(show + " empty"));
+}
+
+TEST(MakeScenes, saysWhatIsWrong) {
+    test::TempDir     folder;
+    const std::string make = "cd " + folder.path() + " && " MAKE_SCENES;
+    for (const char* arguments : {"", " face", " faces x", " face --help", " face x y"})
+        EXPECT_EQ(std::pair(2, std::string("usage: make_scenes face|cathedral|courtyard|stone FILE\n")),
+                  test::runCommand(make + arguments));
+    EXPECT_EQ(std::pair(1, std::string("make_scenes: can't write 'gone/x'\n")),
+              test::runCommand(make + " stone gone/x"));
+    EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
+}

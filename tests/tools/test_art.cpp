@@ -53,10 +53,28 @@ TEST(Art, TheMakersMakeWhatLiesInTheTree) {
 TEST(Art, TheMakersSayWhatIsWrong) {
     for (const Maker& maker : makers) {
         const std::string name = std::filesystem::path(maker.program).filename().string();
-        EXPECT_EQ(runCommand(maker.program),
-                  (std::pair<int, std::string>(2, "usage: " + name + " FOLDER\n")));
+        TempDir           folder;
+        for (const char* arguments : {"", " --help", " one two"})
+            EXPECT_EQ(runCommand("cd " + folder.path() + " && " + maker.program + arguments),
+                      (std::pair<int, std::string>(2, "usage: " + name + " FOLDER\n")));
+        EXPECT_TRUE(std::filesystem::is_empty(folder.path())); // no folder of the name "--help"
     }
     const auto [status, text] = runCommand(std::string(MAKE_SPARK_ART) + " /proc/no/such/folder");
     EXPECT_EQ(status, 1);
     EXPECT_NE(text.find("/proc/no/such/folder/sparks.png"), std::string::npos) << text;
+}
+
+TEST(Art, TheMakerOfFontsSaysWhatIsWrong) {
+    TempDir           folder;
+    const std::string make = "cd " + folder.path() + " && " MAKE_FONT;
+    writeFile(folder.file("text"), "no font");
+    for (const char* arguments :
+         {"", " text", " --help x", " text x.png 7", " text x.png 16x", " text x.png 16 3"}) {
+        const auto [status, text] = runCommand(make + arguments);
+        EXPECT_EQ(status, 2) << arguments;
+        EXPECT_EQ(text.find("usage: make_font FONT.ttf OUT.png [CELL]"), 0u) << arguments << text;
+    }
+    EXPECT_EQ(runCommand(make + " text x.png"),
+              (std::pair<int, std::string>(1, "make_font: text is no font that can be read\n")));
+    EXPECT_FALSE(std::filesystem::exists(folder.file("x.png")));
 }

@@ -167,13 +167,16 @@ TEST_F(CheckLayout, AFileOfAnotherKindOrNoneAtAll) {
     EXPECT_EQ(run("x.xml"), finding("x.xml:1: the root is 'script' and not 'panorama': nothing is loaded\n"));
     EXPECT_EQ(run("--editor x.xml"),
               finding("x.xml:1: the root is 'script' and not 'panorama': nothing is loaded\n"));
-    EXPECT_EQ(run("gone.xml"), std::pair(2, std::string("gone.xml: can't be read\n")));
-    EXPECT_EQ(run(""), std::pair(2, std::string("usage: check_layout [--editor] FILE...\n")));
+    EXPECT_EQ(run("gone.xml"),
+              std::pair(2, std::string("gone.xml: can't be read: No such file or directory\n")));
+    for (const char* arguments : {"", "--editor", "--help", "x.xml --editor"})
+        EXPECT_EQ(run(arguments), std::pair(2, std::string("usage: check_layout [--editor] FILE...\n")));
 
     test::writeFile(mFolder.file("x.xml"), "<panorama><workspace");
     const auto broken = run("x.xml");
     EXPECT_EQ(broken.first, 2);
-    EXPECT_NE(broken.second.find("x.xml: is not XML\n"), std::string::npos) << broken.second;
+    EXPECT_NE(broken.second.find("x.xml: is not XML: (error at line 1, col 21); EOF"), std::string::npos)
+        << broken.second;
 
     test::writeFile(mFolder.file("x.xml"), "<panorama>\n<workspace style=\"gone.xml\"/>\n<workspace><child>\n"
                                            "</child></workspace></panorama>");

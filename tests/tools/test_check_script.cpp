@@ -226,8 +226,9 @@ TEST_F(CheckScript, AFileThatCantBeReadIsAnErrorThatGivesTheLine) {
     const Result broken = checkFile("<script>\n<effect name=\"grid\">\n<script>");
     EXPECT_EQ(broken.first, 2);
     EXPECT_NE(broken.second.find("(error at line 3, col "), std::string::npos) << broken.second;
-    EXPECT_NE(broken.second.find("s.xml: is not XML\n"), std::string::npos) << broken.second;
-    EXPECT_EQ(run("nowhere.xml"), Result(2, "nowhere.xml: can't be read\n"));
+    EXPECT_NE(broken.second.find("s.xml: is not XML: (error at line 3, col "), std::string::npos)
+        << broken.second;
+    EXPECT_EQ(run("nowhere.xml"), Result(2, "nowhere.xml: can't be read: No such file or directory\n"));
 }
 
 TEST_F(CheckScript, SaysHowItIsUsed) {
@@ -236,6 +237,8 @@ TEST_F(CheckScript, SaysHowItIsUsed) {
     EXPECT_EQ(run("--length 4"), usage);
     EXPECT_EQ(run("--length long s.xml"), usage);
     EXPECT_EQ(run("--length -1 s.xml"), usage);
+    EXPECT_EQ(run("--length"), usage);
+    EXPECT_EQ(run("--help"), usage);
 }
 
 // The worst of all files counts, and every one of them is looked into.

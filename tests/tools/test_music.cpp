@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <numeric>
 #include <stdexcept>
@@ -310,7 +311,14 @@ TEST(ShowMusic, IsWhatTheProgramMakesAndTheSameEachTime) {
 }
 
 TEST(ShowMusic, TheProgramSaysWhatIsWrong) {
-    EXPECT_EQ(runCommand(MAKE_MUSIC).first, 2);
+    TempDir folder;
+    for (const char* arguments :
+         {"", " --help", " x.ogg 0", " x.ogg -3", " x.ogg 3x", " x.ogg 999", " a b c"}) {
+        const auto [status, text] = runCommand("cd " + folder.path() + " && " MAKE_MUSIC + arguments);
+        EXPECT_EQ(status, 2) << arguments;
+        EXPECT_EQ(text.find("usage: make_music FILE.ogg [BARS]"), 0u) << arguments << text;
+    }
+    EXPECT_TRUE(std::filesystem::is_empty(folder.path())); // nothing that was not asked for
     EXPECT_EQ(runCommand(std::string(MAKE_MUSIC) + " /no/such/folder/x.ogg 1"),
               (std::pair<int, std::string>(1, "make_music: cannot write /no/such/folder/x.ogg\n")));
 }

@@ -1,12 +1,11 @@
 #include "check/document.h"
 
+#include "command/command.h"
 #include "ztk_system.h"
 
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
-#include <sstream>
 #include <vector>
 
 namespace zentrak::check {
@@ -17,17 +16,13 @@ bool isElement(const xml::XmlTag& tag) {
 
 bool Document::read(const std::string& path) {
     mPath = path;
-    std::ifstream      in(path, std::ios::binary);
-    std::ostringstream bytes;
-    if (!in || !(bytes << in.rdbuf())) {
-        fprintf(stderr, "%s: can't be read\n", path.c_str());
+    std::string text;
+    if (!command::readFile(path, text))
         return false;
-    }
-    const std::string text = bytes.str();
     try {
         mRoot.parse(text);
-    } catch (const Exception&) { // which has said what is wrong
-        fprintf(stderr, "%s: is not XML\n", path.c_str());
+    } catch (const Exception& problem) {
+        fprintf(stderr, "%s: is not XML: %s\n", path.c_str(), problem.what());
         return false;
     }
     findLines(text);

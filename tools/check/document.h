@@ -12,8 +12,8 @@ namespace zentrak::check {
 // A parsed file that knows the line of each of its elements.
 class Document {
 public:
-    // False, with a word on the standard error stream, for a file that can't be read or is no XML. What is
-    // wrong in the latter, and where, the log says.
+    // False, with a line on the standard error stream that says why, for a file that can't be read or is no
+    // XML.
     bool read(const std::string& path);
 
     const std::string&  path() const { return mPath; }

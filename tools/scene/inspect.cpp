@@ -5,6 +5,7 @@
 #include "o3d_manager.h"
 
 #include <algorithm>
+#include <climits>
 #include <cmath>
 #include <cstdarg>
 #include <cstdio>
@@ -135,14 +136,17 @@ std::string quoted(const std::string& name) {
 class Inspector {
 public:
     explicit Inspector(const std::string& image)
-        : mImage(image), mBuffer(image.data(), static_cast<int>(image.size())) {}
+        : mImage(image), mBuffer(image.data(), static_cast<int>(std::min<size_t>(image.size(), INT_MAX))) {}
 
     Inspection run() {
-        mText += format("%s %d.%d, %zu bytes\n", quoted(mBuffer.getFormat()).c_str(),
-                        mBuffer.getVersionFirst(), mBuffer.getVersionSecond(), mImage.size());
+        if (mBuffer.getFormat() != "void") // nothing was read
+            mText += format("%s %d.%d, ", quoted(mBuffer.getFormat()).c_str(), mBuffer.getVersionFirst(),
+                            mBuffer.getVersionSecond());
+        mText += format("%zu bytes\n", mImage.size());
         if (mBuffer.getFormat() != o3d::FORMAT || mBuffer.getVersionFirst() != o3d::VERSION_FIRST ||
             mBuffer.getVersionSecond() != o3d::VERSION_SECOND) {
-            remark(0, "the loader refuses this format or version");
+            remark(0, "the loader refuses this format or version: it takes %s %d.%d",
+                   quoted(o3d::FORMAT).c_str(), o3d::VERSION_FIRST, o3d::VERSION_SECOND);
             return {mText, mRemarks};
         }
         const uint16_t id = mBuffer.openChunk();
@@ -380,7 +384,7 @@ private:
         o3d::Manager manager;
         try {
             manager.load(reinterpret_cast<const unsigned char*>(mImage.data()),
-                         static_cast<int>(mImage.size()));
+                         static_cast<int>(std::min<size_t>(mImage.size(), INT_MAX)));
         } catch (const std::exception& exception) {
             remark(0, "%s", exception.what());
             return;

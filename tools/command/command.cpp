@@ -1,0 +1,47 @@
+#include "command/command.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+namespace zentrak::command {
+
+bool isOption(const char* argument) {
+    return argument[0] == '-';
+}
+
+bool hasOption(int argc, char** argv, int first) {
+    for (int i = first; i < argc; ++i)
+        if (isOption(argv[i]))
+            return true;
+    return false;
+}
+
+bool readNumber(const char* argument, int least, int most, int& number) {
+    char*      end = nullptr;
+    const long value = strtol(argument, &end, 10);
+    if (*end || end == argument || value < least || value > most)
+        return false;
+    number = static_cast<int>(value);
+    return true;
+}
+
+bool readFile(const std::string& path, std::string& bytes) {
+    bytes.clear();
+    FILE* const file = fopen(path.c_str(), "rb");
+    if (file) {
+        char   part[65536];
+        size_t count = 0;
+        while ((count = fread(part, 1, sizeof part, file)) > 0)
+            bytes.append(part, count);
+    }
+    const bool read = file && !ferror(file);
+    if (!read)
+        fprintf(stderr, "%s: can't be read: %s\n", path.c_str(), strerror(errno));
+    if (file)
+        fclose(file);
+    return read;
+}
+
+} // namespace zentrak::command
