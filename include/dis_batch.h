@@ -41,7 +41,7 @@ namespace zentrak::display {
 // makes no OpenGL object: it can be built before the window is open, and lives through a change of context.
 class Batch {
 public:
-    // What box(), sprite(), quad() and rect() write besides the position and the colour.
+    // What box(), sprite(), octagon(), quad() and rect() write besides the position and the colour.
     enum Channel : unsigned {
         CHANNEL_NONE = 0,
         CHANNEL_TEXCOORD = 1,
@@ -154,6 +154,12 @@ public:
                 const mathbase::Vector3f& up, float s0 = 0.0f, float t0 = 0.0f, float s1 = 1.0f,
                 float t1 = 1.0f);
 
+    // The same with its corners cut off, as three quads: the left part, the middle and the right one. What is
+    // left is a regular octagon where `right` and `up` are as long and stand at a right angle.
+    void octagon(const mathbase::Vector3f& centre, const mathbase::Vector3f& right,
+                 const mathbase::Vector3f& up, float s0 = 0.0f, float t0 = 0.0f, float s1 = 1.0f,
+                 float t1 = 1.0f);
+
     // Four corners in the order of GL_QUADS, in the current colour, with texture (s0, t0), (s1, t0), (s1,
     // t1), (s0, t1).
     void quad(const mathbase::Vector3f& a, const mathbase::Vector3f& b, const mathbase::Vector3f& c,
@@ -241,6 +247,8 @@ private:
     unsigned seenFaces(const float* clip, unsigned faces, float rounding, float margin) const;
     unsigned seenFaces(const Solid& solid, unsigned faces, float rounding, float margin) const;
     bool     coversSprite(const float* clip, float margin) const;
+    Place    placeSprite(const mathbase::Vector3f& centre, const mathbase::Vector3f& right,
+                         const mathbase::Vector3f& up, float* shape) const;
     bool     mayCover(const float* window, const unsigned char* corners, float margin) const;
 
     static __m128 toWindow(const View& view, __m128 clip);
@@ -249,7 +257,7 @@ private:
     void  openPrimitive(GLenum mode);
     void  closePrimitive(GLenum mode, size_t first);
     void  addIndices(GLenum mode, size_t first, size_t count);
-    void  addQuad(const float* corners, float s0, float t0, float s1, float t1, bool columnFirst);
+    void  addQuads(const float* corners, const float* texture, size_t quads);
     Place placeOf(size_t first) const;
     bool  isCulled(const float* a, const float* b, const float* c) const;
     void  cullQuads();

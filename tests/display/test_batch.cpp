@@ -55,6 +55,20 @@ public:
         glEnd();
     }
 
+    void octagon(const Vector3f& p, const Vector3f& r, const Vector3f& u, float s0 = 0, float t0 = 0,
+                 float s1 = 1, float t1 = 1) {
+        constexpr float side = 0.41421356f;
+        const auto      corner = [&](float x, float y) {
+            texCoord(0.5f * (s0 + s1) + 0.5f * (s1 - s0) * x, 0.5f * (t0 + t1) + 0.5f * (t0 - t1) * y);
+            vertex(p + (r * x + u * y));
+        };
+        glBegin(GL_QUADS);
+        corner(-side, 1), corner(-1, side), corner(-1, -side), corner(-side, -1);
+        corner(-side, 1), corner(-side, -1), corner(side, -1), corner(side, 1);
+        corner(side, 1), corner(side, -1), corner(1, -side), corner(1, side);
+        glEnd();
+    }
+
     void quad(const Vector3f& a, const Vector3f& b, const Vector3f& c, const Vector3f& d, float s0 = 0,
               float t0 = 0, float s1 = 1, float t1 = 1) {
         glBegin(GL_QUADS);
@@ -474,10 +488,49 @@ TEST_F(BatchTest, spritesQuadsAndRectsUnderATransform) {
                 p.setTransform(randomPlace(random, 6, 15, 30));
                 p.color(random(0.4f, 1), random(0.4f, 1), random(0.4f, 1), 0.7f);
                 p.sprite(Vector3f(1, 0, 0), Vector3f(1, 0, 0), Vector3f(0, 1, 0));
+                p.octagon(Vector3f(-1, 1, 0), Vector3f(1, 0, 0), Vector3f(0, 1, 0), 0.5f, 0.25f, 1, 1);
                 p.quad({0, 0, 0}, {2, 0, 1}, {2, 2, 1}, {0, 2, 0}, 0.25f, 0, 1, 0.5f);
                 p.rect(-2, -2, -1, 0, 0, 1, 1, 0, 0.5f);
             }
         });
+}
+
+// As many again lie outside the view, or are smaller than a pixel.
+TEST_F(BatchTest, octagonsWithSpritesBetweenThem) {
+    display::Texture texture(&window().display());
+    loadTexture(texture);
+    compare(
+        [&] {
+            perspective(display());
+            glEnable(GL_BLEND);
+            glEnable(GL_TEXTURE_2D);
+            texture.bind();
+        },
+        [](auto& p) {
+            Random random;
+            for (int i = 0; i < 200; ++i) {
+                const float    z = i % 4 ? random(-30, -15) : random(-5, 20);
+                const Vector3f place(random(-9, 9), random(-9, 9), z);
+                const float    size = i % 5 ? random(0.2f, 2) : 0.001f;
+                p.color(random(0.4f, 1), random(0.4f, 1), random(0.4f, 1), 0.7f);
+                if (i % 3)
+                    p.octagon(place, Vector3f(size, 0, 0), Vector3f(0, size, 0));
+                else
+                    p.sprite(place, Vector3f(size, 0, 0), Vector3f(0, size, 0));
+            }
+        });
+}
+
+TEST_F(BatchTest, anOctagonOutsideTheViewCostsNoVertex) {
+    frame([&] {
+        perspective(display());
+        batch.octagon({0, 0, 10}, {1, 0, 0}, {0, 1, 0}); // behind the eye
+        batch.octagon({900, 0, -10}, {1, 0, 0}, {0, 1, 0});
+        EXPECT_EQ(batch.getVertices(), 0u);
+        batch.octagon({0, 0, -10}, {1, 0, 0}, {0, 1, 0});
+        EXPECT_EQ(batch.getVertices(), 12u);
+        batch.clear();
+    });
 }
 
 TEST_F(BatchTest, aSpriteIsCounterClockwiseAsSeen) {
@@ -486,12 +539,15 @@ TEST_F(BatchTest, aSpriteIsCounterClockwiseAsSeen) {
         glEnable(GL_CULL_FACE);
         batch.color(1, 0, 0);
         batch.sprite({-0.5f, 0, 0}, {0.4f, 0, 0}, {0, 0.4f, 0});
+        batch.color(0, 0, 1);
+        batch.octagon({-0.5f, -0.7f, 0}, {0.2f, 0, 0}, {0, 0.2f, 0});
         batch.color(0, 1, 0);
         batch.rect(0.1f, -0.4f, 0.9f, 0.4f);
         batch.flush();
     });
     EXPECT_EQ(shown.at(160, 200)[0], 255);
     EXPECT_EQ(shown.at(480, 200)[1], 255);
+    EXPECT_EQ(shown.at(160, 340)[2], 255);
 }
 
 TEST_F(BatchTest, allModesOfSurfacesInOneDraw) {

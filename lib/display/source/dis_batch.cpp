@@ -1003,32 +1003,29 @@ bool Batch::isVisible(const mathbase::Vector3f& centre, const mathbase::Vector3f
     return toClip(shape, clip, 3) != OUTSIDE;
 }
 
-// Four corners of 4 floats each, already transformed. `columnFirst` says which way round the texture goes:
-// (s0, t1) at the second corner instead of (s1, t0).
-void Batch::addQuad(const float* corners, float s0, float t0, float s1, float t1, bool columnFirst) {
+// Quads of four corners of 4 floats each, already transformed, and of 2 of the texture.
+void Batch::addQuads(const float* corners, const float* texture, size_t quads) {
     const bool textured = mView.channels & CHANNEL_TEXCOORD;
     if (textured && !(mHas & HAS_TEXCOORD))
         startChannel(HAS_TEXCOORD);
-    const size_t first = mCount;
-    reserveVertices(4);
-    std::memcpy(mPosition.data + 4 * first, corners, 16 * sizeof(float));
+    const size_t first = mCount, count = 4 * quads;
+    reserveVertices(count);
+    std::memcpy(mPosition.data + 4 * first, corners, 4 * count * sizeof(float));
     unsigned rest = mHas;
     if (textured) {
         rest &= ~HAS_TEXCOORD;
-        const float second[2] = {columnFirst ? s0 : s1, columnFirst ? t1 : t0};
-        const float fourth[2] = {columnFirst ? s1 : s0, columnFirst ? t0 : t1};
-        const float texture[8] = {s0, t0, second[0], second[1], s1, t1, fourth[0], fourth[1]};
-        std::memcpy(mTexCoord.data + 2 * first, texture, sizeof texture);
-        std::memcpy(mCurrentTexCoord, fourth, sizeof fourth);
+        std::memcpy(mTexCoord.data + 2 * first, texture, 2 * count * sizeof(float));
+        std::memcpy(mCurrentTexCoord, texture + 2 * count - 2, sizeof mCurrentTexCoord);
     }
-    fill(first, 4, rest);
-    mCount = first + 4;
+    fill(first, count, rest);
+    mCount = first + count;
     closePrimitive(GL_QUADS, first);
 }
 
-void Batch::sprite(const mathbase::Vector3f& centre, const mathbase::Vector3f& right,
-                   const mathbase::Vector3f& up, float s0, float t0, float s1, float t1) {
-    openPrimitive(GL_QUADS);
+// A sprite's centre and two half axes, transformed, and where they lie: also outside if they cover the middle
+// of no pixel.
+Batch::Place Batch::placeSprite(const mathbase::Vector3f& centre, const mathbase::Vector3f& right,
+                                const mathbase::Vector3f& up, float* shape) const {
     __m128 c = _mm_setr_ps(centre.x, centre.y, centre.z, 1), r = _mm_setr_ps(right.x, right.y, right.z, 0),
            u = _mm_setr_ps(up.x, up.y, up.z, 0);
     if (!mIdentity) {
@@ -1036,27 +1033,62 @@ void Batch::sprite(const mathbase::Vector3f& centre, const mathbase::Vector3f& r
         r = transformVector(mTransform, right.x, right.y, right.z);
         u = transformVector(mTransform, up.x, up.y, up.z);
     }
-    Place place = ACROSS;
-    if (mView.cull) {
-        alignas(16) float shape[12], clip[12];
-        _mm_store_ps(shape, c);
-        _mm_store_ps(shape + 4, r);
-        _mm_store_ps(shape + 8, u);
-        place = toClip(shape, clip, 2);
-        if (place == OUTSIDE)
-            return;
-        const float margin = mView.sample ? marginOf(clip, shape, 2) : -1;
-        if (margin >= 0 && !coversSprite(clip, margin))
-            return;
-    }
+    _mm_store_ps(shape, c);
+    _mm_store_ps(shape + 4, r);
+    _mm_store_ps(shape + 8, u);
+    if (!mView.cull)
+        return ACROSS;
+    alignas(16) float clip[12];
+    const Place       place = toClip(shape, clip, 2);
+    if (place == OUTSIDE || !mView.sample)
+        return place;
+    const float margin = marginOf(clip, shape, 2);
+    return margin >= 0 && !coversSprite(clip, margin) ? OUTSIDE : place;
+}
+
+void Batch::sprite(const mathbase::Vector3f& centre, const mathbase::Vector3f& right,
+                   const mathbase::Vector3f& up, float s0, float t0, float s1, float t1) {
+    openPrimitive(GL_QUADS);
+    alignas(16) float shape[12], corners[16];
+    const Place       place = placeSprite(centre, right, up, shape);
+    if (place == OUTSIDE)
+        return;
     markRun(place);
-    const __m128      rising = _mm_add_ps(u, r), falling = _mm_sub_ps(u, r);
-    alignas(16) float corners[16];
+    const __m128 c = _mm_load_ps(shape), r = _mm_load_ps(shape + 4), u = _mm_load_ps(shape + 8);
+    const __m128 rising = _mm_add_ps(u, r), falling = _mm_sub_ps(u, r);
     _mm_store_ps(corners, _mm_add_ps(c, falling));
     _mm_store_ps(corners + 4, _mm_sub_ps(c, rising));
     _mm_store_ps(corners + 8, _mm_sub_ps(c, falling));
     _mm_store_ps(corners + 12, _mm_add_ps(c, rising));
-    addQuad(corners, s0, t0, s1, t1, true);
+    const float texture[8] = {s0, t0, s0, t1, s1, t1, s1, t0};
+    addQuads(corners, texture, 1);
+}
+
+void Batch::octagon(const mathbase::Vector3f& centre, const mathbase::Vector3f& right,
+                    const mathbase::Vector3f& up, float s0, float t0, float s1, float t1) {
+    // The corners by their place along the axes.
+    static constexpr int   CORNERS = 12;
+    static constexpr float SIDE = 0.41421356f; // half of one
+    static constexpr float PLACE[CORNERS][2] = {{-SIDE, 1}, {-1, SIDE},  {-1, -SIDE}, {-SIDE, -1},
+                                                {-SIDE, 1}, {-SIDE, -1}, {SIDE, -1},  {SIDE, 1},
+                                                {SIDE, 1},  {SIDE, -1},  {1, -SIDE},  {1, SIDE}};
+    openPrimitive(GL_QUADS);
+    alignas(16) float shape[12], corners[4 * CORNERS];
+    const Place       place = placeSprite(centre, right, up, shape);
+    if (place == OUTSIDE)
+        return;
+    markRun(place);
+    const __m128 c = _mm_load_ps(shape), r = _mm_load_ps(shape + 4), u = _mm_load_ps(shape + 8);
+    const float  s = 0.5f * (s0 + s1), t = 0.5f * (t0 + t1), ds = 0.5f * (s1 - s0), dt = 0.5f * (t0 - t1);
+    float        texture[2 * CORNERS];
+    for (int i = 0; i < CORNERS; ++i) {
+        const float x = PLACE[i][0], y = PLACE[i][1];
+        _mm_store_ps(corners + 4 * i,
+                     _mm_add_ps(c, _mm_add_ps(_mm_mul_ps(r, _mm_set1_ps(x)), _mm_mul_ps(u, _mm_set1_ps(y)))));
+        texture[2 * i] = s + ds * x;
+        texture[2 * i + 1] = t + dt * y;
+    }
+    addQuads(corners, texture, CORNERS / 4);
 }
 
 void Batch::quad(const mathbase::Vector3f& a, const mathbase::Vector3f& b, const mathbase::Vector3f& c,
@@ -1069,7 +1101,8 @@ void Batch::quad(const mathbase::Vector3f& a, const mathbase::Vector3f& b, const
                      mIdentity ? _mm_setr_ps(given[i]->x, given[i]->y, given[i]->z, 1)
                                : transformPoint(mTransform, given[i]->x, given[i]->y, given[i]->z));
     markRun(ACROSS);
-    addQuad(corners, s0, t0, s1, t1, false);
+    const float texture[8] = {s0, t0, s1, t0, s1, t1, s0, t1};
+    addQuads(corners, texture, 1);
 }
 
 void Batch::rect(float x0, float y0, float x1, float y1, float s0, float t0, float s1, float t1, float z) {

@@ -15,7 +15,6 @@ using mathbase::Vector4f;
 namespace {
 
 constexpr float DIAGONAL = 0.70710678f;
-constexpr float CORNER = 0.41421356f; // an octagon's half side, for a distance of 1 from its middle
 constexpr float SLOP = 1.02f;
 constexpr float OCTAGON_PIXELS = 40; // below, eight corners cost more than the pixels they save
 
@@ -200,16 +199,7 @@ void SpriteCut::drawReach(Batch& batch, const Vector3f& centre, float size, floa
         batch.sprite(centre, right, up, s - ds, t + dt, s + ds, t - dt);
         return;
     }
-    // Three quads: the left part, the middle and the right one.
-    const auto corner = [&](float x, float y) {
-        batch.texCoord(s + ds * x, t + dt * y);
-        batch.vertex(centre + right * x + up * y);
-    };
-    batch.begin(GL_QUADS);
-    corner(-CORNER, 1), corner(-1, CORNER), corner(-1, -CORNER), corner(-CORNER, -1);
-    corner(-CORNER, 1), corner(-CORNER, -1), corner(CORNER, -1), corner(CORNER, 1);
-    corner(CORNER, 1), corner(CORNER, -1), corner(1, -CORNER), corner(1, CORNER);
-    batch.end();
+    batch.octagon(centre, right, up, s - ds, t + dt, s + ds, t - dt);
 }
 
 } // namespace zentrak::display
