@@ -1,5 +1,6 @@
 #include "kin_gui_effect.h"
 
+#include "pan_alive.h"
 #include "pan_render.h"
 #include "script_effect.h"
 
@@ -11,6 +12,7 @@ namespace zentrak::kindler {
 using mathbase::Box2;
 using mathbase::Vector2f;
 using mathbase::Vector4f;
+using panorama::Alive;
 using panorama::Event;
 using panorama::Render;
 
@@ -63,7 +65,10 @@ bool Effector::acceptEvents(Event& event) {
  * A move over another control that comes first ends the hover by "reset".
  */
 int Effector::handleEvent(Event& event) {
+    Alive     alive(*this);
     const int result = Control::handleEvent(event);
+    if (!alive)
+        return result;
     if (!mVisible)
         return 0;
     if (mDragPart != PART_NONE && mDrag.isLost(*this, event))

@@ -2,6 +2,7 @@
 
 #include "dis_key.h"
 #include "kin_gui_effect.h"
+#include "pan_alive.h"
 #include "pan_layoutstack.h"
 #include "pan_render.h"
 #include "pan_slider.h"
@@ -17,6 +18,7 @@ namespace zentrak::kindler {
 using mathbase::Box2;
 using mathbase::Vector2f;
 using mathbase::Vector4f;
+using panorama::Alive;
 using panorama::Control;
 using panorama::Event;
 using panorama::Render;
@@ -120,7 +122,10 @@ void Row::buildChildArea() {
 }
 
 int Row::handleEvent(Event& event) {
+    Alive     alive(*this);
     const int result = Control::handleEvent(event);
+    if (!alive)
+        return result;
     if (!mVisible)
         return 0;
     if (event.isKey())
@@ -149,10 +154,12 @@ void Row::turnTimeSlider(Event& event) {
     panorama::Slider* const slider = findTyped<panorama::Slider>(*getRoot(), "timeslider");
     if (!slider)
         return;
+    Alive      alive(*slider);
     const bool hover = slider->mHover;
     slider->mHover = true;
     slider->handleEvent(event);
-    slider->mHover = hover;
+    if (alive)
+        slider->mHover = hover;
 }
 
 void Row::draw() {

@@ -5,11 +5,13 @@
 
 namespace zentrak::panorama {
 
-// Lives on the stack of one of the control's own operations.
+// Lives on the stack around whatever reports to others; several of one control go in the reverse order of
+// their making. A control that handles an event and then looks at its own members needs one:
 //
-//     Alive alive(*this);
-//     sendAction(...);
-//     if (!alive) return;
+//     Alive     alive(*this);
+//     const int result = Control::handleEvent(event);
+//     if (!alive)
+//         return result;
 class Alive {
 public:
     explicit Alive(Control& control);
@@ -17,7 +19,7 @@ public:
     Alive(const Alive&) = delete;
     Alive& operator=(const Alive&) = delete;
 
-    explicit operator bool() const { return mControl != nullptr; }
+    explicit operator bool() const { return mControl != nullptr; } // whether the control is still there
 
 private:
     friend class Control;
