@@ -22,7 +22,14 @@ void loadSceneFile(display::DisplayGL& display, o3d::Manager& manager, const std
         throw Exception("File '%s' not found", name.c_str());
     if (file->length > INT_MAX)
         throw Exception("File '%s' is too large", name.c_str());
+    const size_t before = manager.mMeshes.size();
     manager.load(file->data, static_cast<int>(file->length));
+    try {
+        for (size_t i = before; i < manager.mMeshes.size(); ++i)
+            manager.mMeshes[i]->checkIndices();
+    } catch (const Exception& problem) {
+        throw Exception("File '%s': %s", name.c_str(), problem.what());
+    }
 }
 
 void loadMeshes(display::DisplayGL& display, const o3d::Manager& manager, SceneMeshes& meshes) {

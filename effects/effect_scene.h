@@ -14,8 +14,9 @@ namespace zentrak::kindler {
 // By the name of the o3d::Mesh. The map owns them: removeMeshes().
 using SceneMeshes = std::map<std::string, gimli::Mesh*>;
 
-// Reads a file of the display's archives into `manager`. Throws "File '%s' not found", and what
-// o3d::Manager::load throws.
+// Reads a file of the display's archives into `manager`. Throws "File '%s' not found", what
+// o3d::Manager::load throws, and "File '%s': %s" with what o3d::Mesh::checkIndices throws of one of its
+// meshes.
 void loadSceneFile(display::DisplayGL& display, o3d::Manager& manager, const std::string& name);
 
 // Makes the buffers of every mesh of `manager`; of two with one name those of the later. Throws and asserts

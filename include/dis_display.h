@@ -199,6 +199,7 @@ private:
     bool askQuit();
     void setLastTime(double t);
     void readWindowState();
+    void tellChange(bool& state, bool now, void (Listener::*operation)(bool));
     void drawListeners();
     void paceFixed();
     void stepDelta();

@@ -531,6 +531,21 @@ TEST_F(Input, AnIconifiedWindowRunsPacingAndCountButDoesNotDraw) {
     viewer.until("the focus", [&] { return display().mFocused; });
 }
 
+TEST_F(Input, WhileTheListenersHearOfAChangeTheDisplayHasTheStateBefore) {
+    struct Watcher : Listener {
+        using Listener::Listener;
+        void onIconify(bool iconified) override { agree |= display->mIconified == iconified; }
+        void onChangeFocus(bool focused) override { agree |= display->mFocused == focused, ++told; }
+        bool agree = false;
+        int  told = 0;
+    } watcher(&display());
+    viewer.iconify();
+    viewer.until("both", [&] { return watcher.told > 0; });
+    EXPECT_FALSE(watcher.agree);
+    EXPECT_TRUE(display().mIconified);
+    EXPECT_FALSE(display().mFocused);
+}
+
 TEST_F(Input, TheFocusGoesAndComesBack) {
     {
         OtherWindow other;

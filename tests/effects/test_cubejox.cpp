@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 #include <limits>
+#include <set>
 
 using namespace zentrak;
 using kindler::Cubejox;
@@ -138,6 +139,22 @@ TEST_F(CubejoxTest, ABwOfOneGivesGreyRods) {
             EXPECT_NEAR(p[0], p[2], 1);
         }
     EXPECT_GT(seen, 500);
+}
+
+// The ends of a rod have one colour then, so that there are no more shades than kinds of rods.
+TEST_F(CubejoxTest, ABwOfOneGivesABottomAsBrightAsTheTop) {
+    const auto shades = [this](float bw) {
+        const Picture     picture = at(1, bw, 0);
+        std::set<uint8_t> found;
+        for (int y = 0; y < 250; ++y)
+            for (int x = 0; x < 400; ++x)
+                if (picture.at(x, y)[0] != 255)
+                    found.insert(picture.at(x, y)[1]);
+        return found.size();
+    };
+    EXPECT_LE(shades(1), 12u + 1u); // and the ground
+    EXPECT_GE(shades(1), 6u);
+    EXPECT_GT(shades(0.9f), 20u);
 }
 
 TEST_F(CubejoxTest, AnAlphaOfZeroGivesBlackRods) {

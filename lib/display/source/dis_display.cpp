@@ -304,18 +304,21 @@ void DisplayGL::updateBlocking() {
 void DisplayGL::readWindowState() {
     const bool iconified = glfwGetWindowParam(GLFW_ICONIFIED) == 1;
     const bool focused = glfwGetWindowParam(GLFW_ACTIVE) == 1;
-    if (iconified != mIconified) {
-        mIconified = iconified;
-        Walk walk(*this, true);
-        while (Listener* listener = walk.next())
-            listener->onIconify(iconified);
-    }
-    if (focused != mFocused) {
-        mFocused = focused;
-        Walk walk(*this, true);
-        while (Listener* listener = walk.next())
-            listener->onChangeFocus(focused);
-    }
+    tellChange(mIconified, iconified, &Listener::onIconify);
+    tellChange(mFocused, focused, &Listener::onChangeFocus);
+}
+
+// What was before stands in the display until all listeners have heard. One of them may have opened the
+// window anew, with a state of its own.
+void DisplayGL::tellChange(bool& state, bool now, void (Listener::*operation)(bool)) {
+    if (now == state)
+        return;
+    const int context = mContextCount;
+    Walk      walk(*this, true);
+    while (Listener* listener = walk.next())
+        (listener->*operation)(now);
+    if (mContextCount == context)
+        state = now;
 }
 
 void DisplayGL::drawListeners() {
