@@ -23,15 +23,18 @@ namespace zentrak::kindler {
 
 class Ruler;
 
+// clang-format off
 // The interface is the file "layout.xml". It has to hold these controls:
 //
-//     main        any              shown and hidden by Tab; while it is shown the picture is in the upper
-//     right effects     any container    gets the rows; best a "layoutstack" in a "scrollbar" timeslider
-//     slider           scrolls the time axis fps_stat    stat             graph of the frame rate fps label
-//     the frame rate as a number; may be missing ruler       timeruler        the time axis with the time now
-//     (Ruler); may be missing
+//     main        any              shown and hidden by Tab; while it is shown the picture is in the upper right
+//     effects     any container    gets the rows; best a "layoutstack" in a "scrollbar"
+//     timeslider  slider           scrolls the time axis
+//     fps_stat    stat             graph of the frame rate
+//     fps         label            the frame rate as a number; may be missing
+//     ruler       timeruler        the time axis with the time now (Ruler); may be missing
 //
 // What is changed is changed in the script's own records, and never written to a file.
+// clang-format on
 class Gui : public panorama::Callback, public display::Listener {
 public:
     display::DisplayGL*   mDisplay; // not owned

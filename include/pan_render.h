@@ -45,7 +45,8 @@ public:
     // For all shapes until the next call. A second colour with an alpha below 0 is the first one.
     virtual void setColor(const mathbase::Vector4f& first, const mathbase::Vector4f& second);
 
-    // Nothing is drawn outside, in whole pixels: fractions are cut off. A y2 of exactly -1: no clipping.
+    // Nothing is drawn outside, in whole pixels of the window: fractions are cut off. A y2 of exactly -1: no
+    // clipping.
     virtual void setClipArea(mathbase::Box2 area);
 
     // Direction 1: a gradient from left to right; any other: from top to bottom.
@@ -88,7 +89,9 @@ private:
                   const mathbase::Vector4f& lowerLeft);
     int  clipPolygon(const mathbase::Vector2f* points, int count);
 
-    mathbase::Box2                  mClip; // in whole pixels of the view
+    float                           mMargin = 0; // pixels, of this frame
+    mathbase::Vector2f              mPixel; // a pixel of the window in units of the view: 1 without a margin
+    mathbase::Box2                  mClip;  // in units of the view; its edges are those of pixels
     Shapes                          mShapes;
     display::Batch                  mBatch;   // of a texture
     std::vector<mathbase::Vector2f> mPolygon; // while it is cut

@@ -56,7 +56,7 @@ Vector4f mix(const Vector4f& a, const Vector4f& b, float t) {
 
 // Setting up
 
-Render::Render() : mColorFirst(1, 1, 1, 1), mColorSecond(1, 1, 1, 1), mClip(UNCLIPPED) {
+Render::Render() : mColorFirst(1, 1, 1, 1), mColorSecond(1, 1, 1, 1), mPixel(1, 1), mClip(UNCLIPPED) {
     mBatch.setChannels(display::Batch::CHANNEL_TEXCOORD);
     mBatch.setCulling(display::Batch::CULLING_OFF);
 }
@@ -80,6 +80,9 @@ void Render::setupDraw(Vector2f size, Vector2f offset, float margin) {
     assert(mDisplay);
     mSize = size;
     mDrawOffset = offset;
+    mMargin = margin;
+    mPixel = Vector2f(size.x > 0 ? (size.x + 2 * margin) / size.x : 1.0f,
+                      size.y > 0 ? (size.y + 2 * margin) / size.y : 1.0f);
     mClip = UNCLIPPED;
     mBatch.clear();
     mShapes.begin(
@@ -105,15 +108,19 @@ void Render::setColor(const Vector4f& first, const Vector4f& second) {
     mColorSecond = second.w < 0 ? first : second;
 }
 
-// The window's rows are counted from below, so that is where a fraction of a pixel is lost.
+// The area is told in pixels of the window, also where a margin makes all that is drawn smaller. The window's
+// rows are counted from below, so that is where a fraction of a pixel is lost.
 void Render::setClipArea(Box2 area) {
     if (area.y2 == -1) {
         mClip = UNCLIPPED;
         return;
     }
-    const float left = toInt(area.x1 - mDrawOffset.x) + mDrawOffset.x;
-    const float bottom = mSize.y - toInt(mSize.y - area.y2 + mDrawOffset.y) + mDrawOffset.y;
-    mClip = Box2(left, bottom - toInt(area.y2 - area.y1), left + toInt(area.x2 - area.x1), bottom);
+    const float left = toInt(area.x1 - mDrawOffset.x), right = left + toInt(area.x2 - area.x1);
+    const float bottom = mSize.y - toInt(mSize.y - area.y2 + mDrawOffset.y);
+    const float top = bottom - toInt(area.y2 - area.y1);
+    const auto  x = [this](float pixel) { return pixel * mPixel.x + mDrawOffset.x - mMargin; };
+    const auto  y = [this](float pixel) { return pixel * mPixel.y + mDrawOffset.y - mMargin; };
+    mClip = Box2(x(left), y(top), x(right), y(bottom));
 }
 
 // Drawing

@@ -117,11 +117,12 @@ protected:
         batched.setup(&display());
     }
 
-    Picture draw(Render& render, const std::function<void(Render&)>& shapes, Vector2f offset = Vector2f()) {
+    Picture draw(Render& render, const std::function<void(Render&)>& shapes, Vector2f offset = Vector2f(),
+                 float margin = 0) {
         return frame([&] {
             glClearColor(0.2f, 0.3f, 0.4f, 0);
             glClear(GL_COLOR_BUFFER_BIT);
-            render.setupDraw(Vector2f(WIDTH, HEIGHT), offset, 0);
+            render.setupDraw(Vector2f(WIDTH, HEIGHT), offset, margin);
             shapes(render);
             render.flush();
             glDisable(GL_SCISSOR_TEST);
@@ -140,8 +141,10 @@ protected:
         return count;
     }
 
-    void expectSame(const std::function<void(Render&)>& shapes, int edges = 0, Vector2f offset = Vector2f()) {
-        const Picture one = draw(plain, shapes, offset), other = draw(batched, shapes, offset);
+    void expectSame(const std::function<void(Render&)>& shapes, int edges = 0, Vector2f offset = Vector2f(),
+                    float margin = 0) {
+        const Picture one = draw(plain, shapes, offset, margin),
+                      other = draw(batched, shapes, offset, margin);
         const Picture nothing = draw(plain, [](Render&) {});
         EXPECT_GT(countDifferent(one, nothing, 2), 20) << "nothing was drawn";
         const int different = countDifferent(one, other, 2);
@@ -277,6 +280,25 @@ TEST_F(RenderTest, theViewOffsetMovesThePictureAndItsClip) {
             render.drawText("moved", Vector2f(100, 90));
         },
         0, Vector2f(30, -20));
+}
+
+// A margin makes all smaller but the clip area, which counts the window's pixels.
+TEST_F(RenderTest, aMarginShowsMoreAndLeavesTheClipAreaWhereItIs) {
+    const auto shapes = [](Render& render) {
+        render.setColor(Vector4f(0, 1, 0, 1), NO_COLOR);
+        render.drawBox(Box2(-40, -30, 10, 10), 0);
+        render.setClipArea(Box2(50, 40, 150, 140));
+        render.setColor(Vector4f(1, 0, 0, 1), NO_COLOR);
+        render.drawBox(Box2(0, 0, WIDTH, HEIGHT), 0);
+    };
+    expectSame(shapes, 0, Vector2f(), 50);
+    expectSame(shapes, 0, Vector2f(13, -8), 50);
+    const Picture picture = draw(batched, shapes, Vector2f(), 50);
+    EXPECT_EQ(picture.at(50, 40)[0], 255);
+    EXPECT_EQ(picture.at(149, 139)[0], 255);
+    EXPECT_NE(picture.at(49, 40)[0], 255);
+    EXPECT_NE(picture.at(149, 140)[0], 255);
+    EXPECT_EQ(picture.at(25, 30)[1], 255); // beyond the upper left corner
 }
 
 TEST_F(RenderTest, aClipAreaWithAY2OfMinusOneDisablesClipping) {
