@@ -13,7 +13,8 @@ namespace {
 
 constexpr float PAGE = 0.2f;   // of the track, for a press beside the handle
 constexpr float STEP = 0.1f;   // of the track, for a step of the wheel
-constexpr float REACH = 2.0f;  // pixels before and behind the handle that hit it too
+constexpr float BEFORE = 2.0f; // pixels before the handle that hit it too
+constexpr float BEHIND = 4.0f; // and behind it
 constexpr float GROOVE = 4.0f; // pixels across
 
 // What is no number is 0.
@@ -82,7 +83,7 @@ float Slider::getHandle() {
 }
 
 Box2 Slider::getHandleBox() {
-    const float from = getHandle() - REACH, to = from + 2 * getHalf() + 2 * REACH;
+    const float handle = getHandle(), from = handle - BEFORE, to = handle + 2 * getHalf() + BEHIND;
     const Box2& world = mArea.world;
     return mDirection == 0 ? Box2(from, world.y1, to, world.y2) : Box2(world.x1, from, world.x2, to);
 }

@@ -149,7 +149,7 @@ TEST_F(SliderTest, ADragInAFlowGoesOnOverTheOthersAndEndsThere) {
     EXPECT_EQ(takeActions(), Actions());
 }
 
-TEST_F(SliderTest, TheHandleIsHitTwoPixelsAroundIt) {
+TEST_F(SliderTest, TheHandleIsHitTwoPixelsBeforeItAndFourBehind) {
     Slider*    slider = across("percent=\"0.5\""); // the handle spans 107 to 113
     const auto hit = [&](float x) {
         move(x, 28);
@@ -158,8 +158,8 @@ TEST_F(SliderTest, TheHandleIsHitTwoPixelsAroundIt) {
     EXPECT_EQ(hit(104), 0.0f);
     EXPECT_EQ(hit(105), 1.0f);
     EXPECT_EQ(hit(110), 1.0f);
-    EXPECT_EQ(hit(114), 1.0f);
-    EXPECT_EQ(hit(115), 0.0f);
+    EXPECT_EQ(hit(116), 1.0f);
+    EXPECT_EQ(hit(117), 0.0f);
 }
 
 TEST_F(SliderTest, TheWheelMovesByATenthAndTheOtherWayOnAVerticalOne) {
