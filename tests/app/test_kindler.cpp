@@ -474,7 +474,7 @@ TEST_F(Keys, ORaisesTheOnScreenDisplayAndThenMovesIt) {
 
 // -- frames
 
-TEST_F(Show, ThePausedTimeIsTheTimeOfTheScript) {
+TEST_F(Show, ASeekWhilePausedMovesThePictureAndTimeStandsStill) {
     writeShow(NOSOUND);
     Kindler kindler;
     mProbe.onUpdate = [&](float) {
