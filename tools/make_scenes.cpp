@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <cstring>
 #include <exception>
-#include <fstream>
+#include <string>
 
 using namespace zentrak;
 
@@ -34,14 +34,7 @@ int main(int argc, char** argv) {
                 continue;
             try {
                 const std::string image = maker.make();
-                std::ofstream     file(argv[2], std::ios::binary);
-                file.write(image.data(), static_cast<std::streamsize>(image.size()));
-                file.close();
-                if (!file) {
-                    fprintf(stderr, "make_scenes: can't write '%s'\n", argv[2]);
-                    return 1;
-                }
-                return 0;
+                return command::writeFile(argv[2], image.data(), image.size()) ? 0 : 1;
             } catch (const std::exception& exception) {
                 fprintf(stderr, "make_scenes: %s\n", exception.what());
                 return 1;

@@ -7,7 +7,7 @@
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
+#include <sstream>
 #include <string>
 
 using namespace zentrak::art;
@@ -153,14 +153,14 @@ const Stream sun[] = {
 };
 // clang-format on
 
-void writePair(std::ofstream& out, const char* name, float v1, float v2) {
+void writePair(std::ostream& out, const char* name, float v1, float v2) {
     char line[128];
     snprintf(line, sizeof line, "\t\t\t<%s v1=\"%.4g\" v2=\"%.4g\"/>\n", name, static_cast<double>(v1),
              static_cast<double>(v2));
     out << line;
 }
 
-void writeStream(std::ofstream& out, const Stream& s) {
+void writeStream(std::ostream& out, const Stream& s) {
     out << "\t\t<emitter name=\"" << s.name << "\" texture=\"" << s.texture << "\" rate=\"" << s.rate
         << "\" num=\"-1\">\n";
     writePair(out, "speed", s.speed[0], s.speed[1]);
@@ -183,16 +183,14 @@ void writeStream(std::ofstream& out, const Stream& s) {
 bool writeParticles(const std::filesystem::path& path) {
     std::error_code without; // what is missing then shows when the file is written
     std::filesystem::create_directories(path.parent_path(), without);
-    std::ofstream out(path);
+    std::ostringstream out;
     out << "<?xml version=\"1.0\"?>\n<!-- The particles of the show. Made by make_spark_art. -->\n<spark>\n"
            "\t<instance name=\"sun\">\n";
     for (const Stream& stream : sun)
         writeStream(out, stream);
     out << "\t</instance>\n</spark>\n";
-    out.close();
-    if (!out)
-        fprintf(stderr, "can't write %s\n", path.c_str());
-    return bool(out);
+    const std::string text = out.str();
+    return zentrak::command::writeFile(path.string(), text.data(), text.size());
 }
 
 } // namespace

@@ -199,7 +199,7 @@ TEST(MakeScenes, saysWhatIsWrong) {
     for (const char* arguments : {"", " face", " faces x", " face --help", " face x y"})
         EXPECT_EQ(std::pair(2, std::string("usage: make_scenes face|cathedral|courtyard|stone FILE\n")),
                   test::runCommand(make + arguments));
-    EXPECT_EQ(std::pair(1, std::string("make_scenes: can't write 'gone/x'\n")),
+    EXPECT_EQ(std::pair(1, std::string("gone/x: can't be written: No such file or directory\n")),
               test::runCommand(make + " stone gone/x"));
     EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
 }

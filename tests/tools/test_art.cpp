@@ -64,6 +64,18 @@ TEST(Art, TheMakersSayWhatIsWrong) {
     EXPECT_NE(text.find("/proc/no/such/folder/sparks.png"), std::string::npos) << text;
 }
 
+TEST(Art, APictureThatCantBeWrittenIsToldAndWhatIsThereStays) {
+    TempDir folder;
+    std::filesystem::create_symlink("/dev/full", folder.file("sparks.png"));
+    EXPECT_EQ(runCommand("cd " + folder.path() + " && " MAKE_SPARK_ART " ."),
+              (std::pair<int, std::string>(1, "./sparks.png: can't be written: No space left on device\n")));
+    EXPECT_TRUE(std::filesystem::is_symlink(folder.file("sparks.png")));
+    std::filesystem::remove(folder.file("sparks.png"));
+    std::filesystem::create_directories(folder.file("spark/spark.xml"));
+    EXPECT_EQ(runCommand("cd " + folder.path() + " && " MAKE_SPARK_ART " ."),
+              (std::pair<int, std::string>(1, "./spark/spark.xml: can't be written: Is a directory\n")));
+}
+
 TEST(Art, TheMakerOfFontsSaysWhatIsWrong) {
     TempDir           folder;
     const std::string make = "cd " + folder.path() + " && " MAKE_FONT;

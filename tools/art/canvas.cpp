@@ -1,5 +1,7 @@
 #include "canvas.h"
 
+#include "command/command.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -82,11 +84,14 @@ bool Canvas::write(const std::filesystem::path& path) const {
     image.width = png_uint_32(mWidth);
     image.height = png_uint_32(mHeight);
     image.format = PNG_FORMAT_RGBA;
-    if (!png_image_write_to_file(&image, path.c_str(), 0, bytes.data(), 0, nullptr)) {
+    // To memory first: libpng deletes the file that it can't write.
+    png_alloc_size_t     size = PNG_IMAGE_PNG_SIZE_MAX(image);
+    std::vector<uint8_t> file(size);
+    if (!png_image_write_to_memory(&image, file.data(), &size, 0, bytes.data(), 0, nullptr)) {
         fprintf(stderr, "%s: %s\n", path.c_str(), image.message);
         return false;
     }
-    return true;
+    return command::writeFile(path.string(), file.data(), size);
 }
 
 float distanceToSegment(float x, float y, float x0, float y0, float x1, float y1) {

@@ -44,4 +44,13 @@ bool readFile(const std::string& path, std::string& bytes) {
     return read;
 }
 
+bool writeFile(const std::string& path, const void* bytes, size_t count) {
+    FILE* const file = fopen(path.c_str(), "wb");
+    const bool  accepted = file && fwrite(bytes, 1, count, file) == count;
+    const bool  written = file && fclose(file) == 0 && accepted;
+    if (!written)
+        fprintf(stderr, "%s: can't be written: %s\n", path.c_str(), strerror(errno));
+    return written;
+}
+
 } // namespace zentrak::command

@@ -1,6 +1,7 @@
 // What the programs here share: what they are given, and how they say that it is none.
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 namespace zentrak::command {
@@ -18,5 +19,9 @@ bool readNumber(const char* argument, int least, int most, int& number);
 
 // All of a file. False, with a line on the standard error stream that says why, where it can't be read.
 bool readFile(const std::string& path, std::string& bytes);
+
+// Writes a file, or over one. False, with a line on the standard error stream that says why, where that
+// failed; what is there then stays.
+bool writeFile(const std::string& path, const void* bytes, size_t count);
 
 } // namespace zentrak::command
