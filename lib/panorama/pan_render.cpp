@@ -248,24 +248,28 @@ void Render::drawPolygon(const Vector2f* points, int count) {
 }
 
 // Cuts a convex polygon at the four edges of the clip area, one after the other, into mCut. Returns how many
-// points it has then.
+// points it has then. In doubles, and to the very edge: a point may be so far out that a float's rounding
+// would put the cut hundreds of pixels off. What lies between two points never lies beyond one of them.
 int Render::clipPolygon(const Vector2f* points, int count) {
     mCut.assign(points, points + count);
-    const float edges[4] = {mClip.x1, mClip.y1, -mClip.x2, -mClip.y2};
+    const float edges[4] = {mClip.x1, mClip.y1, mClip.x2, mClip.y2};
     for (int edge = 0; edge < 4; ++edge) {
-        const auto inside = [&](const Vector2f& p) { // its distance
-            const float along = edge % 2 == 0 ? p.x : p.y;
-            return (edge < 2 ? along : -along) - edges[edge];
+        const float Vector2f::*const axis = edge % 2 == 0 ? &Vector2f::x : &Vector2f::y;
+        const auto                   inside = [&](const Vector2f& p) { // its distance
+            const double along = double(p.*axis) - double(edges[edge]);
+            return edge < 2 ? along : -along;
         };
         const size_t before = mCut.size();
         for (size_t i = 0; i < before; ++i) {
             const Vector2f a = mCut[i], b = mCut[i + 1 < before ? i + 1 : 0];
-            const float    from = inside(a), to = inside(b);
+            const double   from = inside(a), to = inside(b);
             if (from >= 0)
                 mCut.push_back(a);
             if ((from >= 0) != (to >= 0)) {
-                const float t = from / (from - to);
-                mCut.push_back(a + (b - a) * t);
+                const double t = from / (from - to);
+                Vector2f     p(float(std::lerp(double(a.x), b.x, t)), float(std::lerp(double(a.y), b.y, t)));
+                (edge % 2 == 0 ? p.x : p.y) = edges[edge];
+                mCut.push_back(p);
             }
         }
         mCut.erase(mCut.begin(), mCut.begin() + std::ptrdiff_t(before));

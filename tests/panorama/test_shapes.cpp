@@ -465,6 +465,66 @@ TEST_F(ShapesTest, randomTreesAreDrawnAsWithoutSorting) {
     EXPECT_GT(cut, 50);
 }
 
+// The far ends of a curve's lines, say, whose values a file gives.
+TEST_F(ShapesTest, whatReachesFarBeyondTheClipAreaIsCutToIt) {
+    const Box2   clip(100, 80, 300, 220);
+    std::mt19937 random(5);
+    const auto   any = [&](float a, float b) { return std::uniform_real_distribution<float>(a, b)(random); };
+    for (int exponent = 3; exponent <= 38; ++exponent) {
+        SCOPED_TRACE(exponent);
+        const float far = std::pow(10.0f, float(exponent));
+        const auto  place = [&] {
+            const float scale = any(0, 1) < 0.5f ? 300.0f : far;
+            return Vector2f(any(-1, 1) * scale, any(-1, 1) * (any(0, 1) < 0.5f ? 300.0f : far));
+        };
+        const Picture picture = draw(
+            [&](Render& r) {
+                r.setClipArea(clip);
+                for (int i = 0; i < 40; ++i) {
+                    const Vector2f a = place(), b = place();
+                    r.setColor(RED, BLUE);
+                    r.drawLine(a, b);
+                    r.drawCircle(Box2(a.x, a.y, b.x, b.y), 7, any(0, 1));
+                    r.drawBox(Box2(a.x, a.y, b.x, b.y), i % 2);
+                    r.drawBorder(Box2(a.x, a.y, b.x, b.y));
+                }
+                r.setClipArea(NO_CLIP);
+            },
+            true);
+        size_t inside = 0, outside = 0;
+        for (int y = 0; y < HEIGHT; ++y)
+            for (int x = 0; x < WIDTH; ++x) {
+                const bool drawn = picture.at(x, y)[0] != picture.at(0, 0)[0];
+                (float(x) >= clip.x1 && float(x) < clip.x2 && float(y) >= clip.y1 && float(y) < clip.y2
+                     ? inside
+                     : outside) += drawn;
+            }
+        EXPECT_EQ(outside, 0u);
+        EXPECT_GT(inside, 0u);
+    }
+}
+
+// A steep line through the middle of the clip area goes through it wherever its ends are.
+TEST_F(ShapesTest, aLineGoesWhereItsEndsPointHoweverFarTheyAre) {
+    const Box2 clip(100, 80, 300, 220);
+    for (const float far : {1e3f, 1e6f, 1e9f, 1e15f, 1e30f, 3e38f}) {
+        const Picture picture = draw(
+            [&](Render& r) {
+                r.setColor(RED, NO_COLOR);
+                r.setClipArea(clip);
+                r.drawLine(Vector2f(120, 150 + far), Vector2f(130, 150 - far)); // down to up
+                r.drawLine(Vector2f(200, 150), Vector2f(200 + far, 150 + far)); // down to the right
+                r.setClipArea(NO_CLIP);
+            },
+            true);
+        const auto isRed = [&](int x, int y) { return picture.at(x, y)[0] > 200; };
+        for (int y = 80; y < 220; ++y)
+            EXPECT_TRUE(isRed(123, y) || isRed(124, y) || isRed(125, y)) << far << " " << y;
+        for (int i = 1; i < 60; ++i)
+            EXPECT_TRUE(isRed(200 + i, 150 + i) || isRed(200 + i, 149 + i)) << far << " " << i;
+    }
+}
+
 TEST_F(ShapesTest, onceWarmNothingIsAllocated) {
     size_t allocated = 1;
     frame([&] {
