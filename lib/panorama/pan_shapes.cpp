@@ -430,16 +430,19 @@ void Shapes::emitGradient(const Item& item, display::Batch& batch) const {
     batch.end();
 }
 
-// As quads that share the first corner, like all else.
+// As quads, like all else. The triangles of a fan, each with its last corner twice: OpenGL may cut a quad
+// along either diagonal, and where rounded corners are not convex any more the two differ. A line is one
+// quad.
 void Shapes::emitPolygon(const Item& item, display::Batch& batch) const {
     const Vector2f* const points = &mPoints[item.first];
+    const bool            line = item.count == 4;
     batch.texCoord(mWhite.x, mWhite.y);
     batch.begin(GL_QUADS);
-    for (uint32_t i = 1; i + 1 < item.count; i += 2) {
+    for (uint32_t i = 1; i + 1 < item.count; i += line ? 2 : 1) {
         batch.vertex(points[0]);
         batch.vertex(points[i]);
         batch.vertex(points[i + 1]);
-        batch.vertex(points[std::min(i + 2, item.count - 1)]);
+        batch.vertex(points[line ? i + 2 : i + 1]);
     }
     batch.end();
 }

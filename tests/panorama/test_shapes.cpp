@@ -465,6 +465,107 @@ TEST_F(ShapesTest, randomTreesAreDrawnAsWithoutSorting) {
     EXPECT_GT(cut, 50);
 }
 
+// Heaps of shapes without any plan, on a grid or off it, some with places and colours that are no numbers.
+class RandomHeap {
+public:
+    explicit RandomHeap(unsigned seed) : mRandom(seed) {
+        mGrid = often(0.5f) ? 1.0f : often(0.5f) ? 8.0f : 16.0f;
+        mLoose = often(0.5f) ? 0 : any(0, 0.5f);
+        mOpaque = any(0, 1);
+        mLarge = any(0, 1);
+        mSpan = often(0.3f) ? 80.0f : 420.0f;
+        mOdd = often(0.4f) ? 0.02f : 0.0f;
+        mClips = often(0.4f) ? 0.1f : 0.0f;
+        mCount = int(std::pow(10.0f, any(1, 3.2f)));
+    }
+
+    void draw(Render& r) {
+        for (int i = 0; i < mCount; ++i) {
+            if (often(mClips))
+                r.setClipArea(often(0.3f) ? NO_CLIP : Box2(at(200), at(150), at(420), at(320)));
+            const Vector4f first = color(), second = often(0.5f) ? NO_COLOR : color();
+            const float    x = at(mSpan), y = at(mSpan), width = size(), height = size();
+            const Box2     area(x, y, x + width, y + height);
+            r.setColor(first, second);
+            switch (int(any(0, 12))) {
+            case 0:
+                r.drawBorder(area);
+                break;
+            case 1:
+                r.drawCircle(area, -1, 0.1f);
+                break;
+            case 2:
+                r.drawLine(Vector2f(x, y), Vector2f(area.x2, area.y2));
+                break;
+            case 3:
+                r.drawLine(Vector2f(x, y), Vector2f(area.x2, y));
+                break;
+            case 4:
+                r.setFontMode(int(any(0, 3)));
+                r.drawText("some text", Vector2f(x, y));
+                break;
+            case 5:
+                if (i % 50 == 0)
+                    r.flush();
+                break;
+            default:
+                r.drawBox(area, int(any(0, 2)));
+                break;
+            }
+        }
+        r.setClipArea(NO_CLIP);
+    }
+
+private:
+    std::mt19937 mRandom;
+    float        mGrid, mLoose, mOpaque, mLarge, mSpan, mOdd, mClips;
+    int          mCount;
+
+    float any(float from, float to) { return std::uniform_real_distribution<float>(from, to)(mRandom); }
+    bool  often(float share) { return any(0, 1) < share; }
+    float odd() { // a place, a size or a channel
+        const float values[] = {NAN, INFINITY, -INFINITY, -3e9f, 1e6f, 7, -3, 0};
+        return values[int(any(0, 7.99f))];
+    }
+    float at(float most) {
+        const float place = any(-20, most);
+        return often(mOdd) ? odd() : often(mLoose) ? place : std::floor(place / mGrid) * mGrid;
+    }
+    float    size() { return at(often(mLarge) ? 300.0f : 40.0f); }
+    float    channel() { return often(mOdd) ? odd() : any(0, 1); }
+    Vector4f color() {
+        const float alpha = often(mOpaque) ? 1.0f : channel();
+        return Vector4f(channel(), channel(), channel(), alpha);
+    }
+};
+
+// A gradient may be a shade off where its quad is cut along the other diagonal.
+TEST_F(ShapesTest, randomHeapsAreDrawnAsWithoutSorting) {
+    int hidden = 0, mixed = 0, cut = 0;
+    for (unsigned seed = 0; seed < 120 && !HasFailure(); ++seed) {
+        SCOPED_TRACE(seed);
+        const Vector2f offset = seed % 3 ? Vector2f(float(seed % 7) * 5, -3) : Vector2f();
+        const Draw     heap = [&](Render& r) { RandomHeap(seed).draw(r); };
+        const Picture  plain = draw(heap, false, offset);
+        EXPECT_LE(differenceOf(plain, draw(heap, true, offset)), 1);
+        hidden += counts.hidden, mixed += counts.mixed, cut += counts.cut;
+    }
+    EXPECT_GT(hidden, 1000);
+    EXPECT_GT(mixed, 50);
+    EXPECT_GT(cut, 1000);
+}
+
+// The corners of so flat a circle are not convex any more once they are rounded, and Mesa cuts a quad along
+// another diagonal when something else of the draw is out of view.
+TEST_F(ShapesTest, aFlatCircleIsTheSameWhateverElseIsDrawn) {
+    for (int i = 0; i < 100; ++i)
+        expectSame([&](Render& r) {
+            r.setColor(Vector4f(0.9f, 0.1f, 0.2f, 0.5f), NO_COLOR);
+            r.drawCircle(Box2(26, 31, 212, 27), -1, 0.1f + 0.01f * float(i));
+            box(r, Box2(-29, 5, 9, 251), GREEN);
+        });
+}
+
 // The far ends of a curve's lines, say, whose values a file gives.
 TEST_F(ShapesTest, whatReachesFarBeyondTheClipAreaIsCutToIt) {
     const Box2   clip(100, 80, 300, 220);
