@@ -345,6 +345,19 @@ TEST_F(ShapesTest, shapesThatACellNoLongerListsStayBelow) {
     });
 }
 
+// The same, over a ground that another cell still lists: it is no ground for what lies on both.
+TEST_F(ShapesTest, whatACellNoLongerListsIsNotMixedAway) {
+    expectSame([](Render& r) {
+        box(r, Box2(0, 64, 96, 80), RED);
+        for (int i = 0; i < 127; ++i)
+            shaded(r, Box2(66, 66, 74, 74), Vector4f(1, float(i) / 127, 0, 0.5f), BLUE);
+        box(r, Box2(84, 66, 92, 74), GREEN); // the 129th
+        box(r, Box2(2, 66, 80, 78), Vector4f(0, 1, 0, 0.5f));
+    });
+    EXPECT_EQ(counts.mixed, 0);
+    EXPECT_EQ(counts.shapes, 130);
+}
+
 // 5,000 lines across all 247 cells of the view are more entries than are kept.
 TEST_F(ShapesTest, whatIsTooMuchToSortIsDrawnInItsOrder) {
     expectSame([](Render& r) {
