@@ -28,7 +28,7 @@ public:
         bool isOpaque() const;
     };
     struct Counts {     // since begin()
-        int shapes = 0; // that were added and are in view; a text is one
+        int shapes = 0; // that were added and are in view; a text is one, a piece that is split off one more
         int hidden = 0; // of these, left out
         int mixed = 0;  // made opaque
         int cut = 0;    // times that a piece was cut out of one

@@ -30,6 +30,10 @@ inline mathbase::Box2 shifted(const mathbase::Box2& box, const mathbase::Vector2
     return mathbase::Box2(box.x1 + by.x, box.y1 + by.y, box.x2 + by.x, box.y2 + by.y);
 }
 
+inline bool holds(const mathbase::Box2& outer, const mathbase::Box2& inner) {
+    return inner.x1 >= outer.x1 && inner.y1 >= outer.y1 && inner.x2 <= outer.x2 && inner.y2 <= outer.y2;
+}
+
 // The lower edges belong to a box, the upper ones do not.
 inline bool isInside(const mathbase::Box2& box, const mathbase::Vector2f& point) {
     return point.x >= box.x1 && point.x < box.x2 && point.y >= box.y1 && point.y < box.y2;

@@ -1,4 +1,4 @@
-// Numbers in layout files.
+// Numbers in layout files, and places between pixels.
 #pragma once
 
 #include <cmath>
@@ -11,6 +11,11 @@ double toNumber(const std::string& text);
 
 // Sets `value` to the number in `text`, unless that is empty or the number is not finite.
 void readNumber(const std::string& text, float& value);
+
+// Whether a place is an edge of pixels.
+inline bool isWhole(float value) {
+    return std::floor(value) == value;
+}
 
 // To the nearest pixel edge, halves up.
 inline float toPixel(float value) {

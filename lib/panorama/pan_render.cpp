@@ -2,6 +2,7 @@
 
 #include "dis_glcheck.h"
 #include "pan_box.h"
+#include "pan_number.h"
 
 #include <algorithm>
 #include <cassert>
@@ -30,16 +31,8 @@ float toInt(float value) {
                                : 0;
 }
 
-bool isWhole(float value) {
-    return std::floor(value) == value;
-}
-
 bool hasExtent(const Box2& box) {
     return box.x2 > box.x1 && box.y2 > box.y1;
-}
-
-bool holds(const Box2& outer, const Box2& inner) {
-    return inner.x1 >= outer.x1 && inner.y1 >= outer.y1 && inner.x2 <= outer.x2 && inner.y2 <= outer.y2;
 }
 
 // How far along a side something is, 0 to 1; the start of one without an end.

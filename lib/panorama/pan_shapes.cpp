@@ -2,6 +2,7 @@
 
 #include "dis_glcheck.h"
 #include "pan_box.h"
+#include "pan_number.h"
 
 #include <algorithm>
 #include <cmath>
@@ -29,16 +30,8 @@ bool touch(const Box2& a, const Box2& b) {
     return a.x1 < b.x2 && b.x1 < a.x2 && a.y1 < b.y2 && b.y1 < a.y2;
 }
 
-bool holds(const Box2& outer, const Box2& inner) {
-    return inner.x1 >= outer.x1 && inner.y1 >= outer.y1 && inner.x2 <= outer.x2 && inner.y2 <= outer.y2;
-}
-
 float areaOf(const Box2& box) {
     return box.getWidth() * box.getHeight();
-}
-
-bool isWhole(float value) {
-    return std::floor(value) == value;
 }
 
 // As a frame buffer of 8 bits keeps it.
