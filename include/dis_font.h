@@ -13,7 +13,7 @@ namespace zentrak::display {
 
 // The image holds 16 by 16 cells, one for each byte value, row by row: the shape is in its red channel. Each
 // glyph stands at the left of its cell, and is as wide as its rightmost column with a value above 200. Bytes
-// are glyphs: there is no encoding. Byte 0 has none.
+// are glyphs: there is no encoding.
 class Font : public Resource {
 public:
     enum : int { ALIGN_LEFT = 0, ALIGN_RIGHT = 1, ALIGN_CENTER = 2 };
@@ -54,7 +54,9 @@ public:
 private:
     void measure(const uint8_t* pixels);
     void measureInk(const uint8_t* cell, mathbase::Box2& ink) const;
-    void paintSolid(uint8_t* pixels);
+    void placeSolid(uint8_t* pixels);
+    bool findSolid(const uint8_t* pixels);
+    void setSolid(int left, int top, int width, int height);
 
     uint32_t           mWidth; // of the image, in pixels
     uint32_t           mHeight;
@@ -66,7 +68,8 @@ private:
     float              mUnitSizeY;
     float              mLetterWidth; // one cell, in texture coordinates
     float              mLetterHeight;
-    uint8_t*           mData; // null after load
+    uint8_t*           mData;    // null after load
+    bool               mSpotted; // the cell of byte 0 holds the solid spot, and no glyph
     mathbase::Box2     mInk[256];
     mathbase::Vector2f mSolid; // in texture coordinates
     Texture            mTexture;

@@ -63,6 +63,22 @@ protected:
                std::to_string(bottom);
     }
 
+    // What is drawn with the texture's solid place has the colour that it is given.
+    void expectSolid() {
+        const Picture shown = frame([&] {
+            pixels();
+            font.getTexture().bind();
+            glEnable(GL_TEXTURE_2D);
+            glColor4f(0.2f, 0.4f, 0.6f, 1);
+            glTexCoord2f(font.getSolid().x, font.getSolid().y);
+            glRectf(0, 0, 200, 200);
+            font.getTexture().unbind();
+        });
+        EXPECT_EQ(shown.at(100, 100)[0], 51);
+        EXPECT_EQ(shown.at(100, 100)[1], 102);
+        EXPECT_EQ(shown.at(100, 100)[2], 153);
+    }
+
     std::string drawn(const std::string& text, int align, Vector2f scale = Vector2f(1, 1)) {
         return bounds(frame([&] {
             pixels();
@@ -107,22 +123,32 @@ TEST_F(FontTest, theInkOfACellIsWhatShows) {
     EXPECT_EQ(font.getInk(0), mathbase::Box2());
 }
 
-TEST_F(FontTest, byteZeroIsNotDrawnAndItsCellHoldsAWhiteSpot) {
+TEST_F(FontTest, byteZeroIsNotDrawnWhereItsEmptyCellHoldsAWhiteSpot) {
     load();
     EXPECT_EQ(font.getSolid(), Vector2f(5.0f / 160, 5.0f / 160));
     EXPECT_EQ(drawn(std::string(1, '\0'), Font::ALIGN_LEFT), "nothing");
-    const Picture shown = frame([&] {
-        pixels();
-        font.getTexture().bind();
-        glEnable(GL_TEXTURE_2D);
-        glColor4f(0.2f, 0.4f, 0.6f, 1);
-        glTexCoord2f(font.getSolid().x, font.getSolid().y);
-        glRectf(0, 0, 200, 200);
-        font.getTexture().unbind();
-    });
-    EXPECT_EQ(shown.at(100, 100)[0], 51);
-    EXPECT_EQ(shown.at(100, 100)[1], 102);
-    EXPECT_EQ(shown.at(100, 100)[2], 153);
+    expectSolid();
+}
+
+TEST_F(FontTest, byteZeroIsDrawnLikeAnyOtherWhereItHasAGlyph) {
+    writeImage("made.png", makeImage(16 * CELL, 16 * CELL, [](int x, int y) {
+                   const bool dim = x < 3 && y < 8; // of byte 0
+                   return dim ? 0xfe000000u : made(x, y);
+               }));
+    load();
+    EXPECT_FLOAT_EQ(font.getAdvance(0), 3 + 2);
+    EXPECT_EQ(font.getInk(0), mathbase::Box2(0, 0, 3, 8));
+    EXPECT_EQ(drawn(std::string(1, '\0'), Font::ALIGN_LEFT), "100 95 102 102");
+    expectSolid();
+}
+
+TEST_F(FontTest, aFontWithNothingSolidGivesUpItsByteZero) {
+    writeImage("made.png", makeImage(16 * CELL, 16 * CELL, [](int, int) { return 0xfe000000u; }));
+    load();
+    EXPECT_FLOAT_EQ(font.getAdvance(0), 10 + 2);
+    EXPECT_EQ(font.getInk(0), mathbase::Box2());
+    EXPECT_EQ(drawn(std::string(1, '\0'), Font::ALIGN_LEFT), "nothing");
+    expectSolid();
 }
 
 TEST_F(FontTest, theUnitIsTheSizeOverTheWindows) {

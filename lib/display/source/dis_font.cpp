@@ -30,6 +30,7 @@ Font::Font(DisplayGL* display)
       mLetterWidth(1.0f / GRID),
       mLetterHeight(1.0f / GRID),
       mData(nullptr),
+      mSpotted(false),
       mTexture(display) {}
 
 void Font::load(const std::string& filename, bool mipmaps, mathbase::Vector2f size) {
@@ -52,7 +53,7 @@ void Font::load(const std::string& filename, bool mipmaps, mathbase::Vector2f si
         std::memcpy(mData + i * 4, &pixel, 4);
     }
     measure(mData);
-    paintSolid(mData);
+    placeSolid(mData);
     mData = nullptr;
     mTexture.setDisplay(mDisplay);
     mTexture.load(image, mipmaps);
@@ -73,15 +74,39 @@ void Font::measureInk(const uint8_t* cell, mathbase::Box2& ink) const {
                              float(bottom) * mUnitSizeY);
 }
 
-// A white spot in the middle of the cell of byte 0, which is not drawn.
-void Font::paintSolid(uint8_t* pixels) {
+// Finds or makes a spot that is opaque: one in the middle of the cell of byte 0, where that is empty and is
+// not drawn then; else the first in the picture. Where there is none either, byte 0 loses its glyph.
+void Font::placeSolid(uint8_t* pixels) {
+    const auto isEmpty = [](const mathbase::Box2& ink) { return ink.x1 == ink.x2; };
+    if (!isEmpty(mInk[0]) && findSolid(pixels))
+        return;
+    mInk[0] = mathbase::Box2();
+    mSpotted = true;
     const int width = std::min(SPOT, mCharWidth), height = std::min(SPOT, mCharHeight);
     const int left = (mCharWidth - width) / 2, top = (mCharHeight - height) / 2;
     for (int y = top; y < top + height; ++y)
         std::memset(pixels + (size_t(y) * mWidth + size_t(left)) * 4, 0xFF, size_t(width) * 4);
     if (width > 0 && height > 0)
-        mSolid = mathbase::Vector2f((float(left) + 0.5f * float(width)) / float(mWidth),
-                                    (float(top) + 0.5f * float(height)) / float(mHeight));
+        setSolid(left, top, width, height);
+}
+
+// The middle of two by two pixels, which is looked up from these alone.
+bool Font::findSolid(const uint8_t* pixels) {
+    const auto isSolid = [&](uint32_t x, uint32_t y) {
+        return pixels[(size_t(y) * mWidth + x) * 4 + 3] == 255;
+    };
+    for (uint32_t y = 0; y + 1 < mHeight; ++y)
+        for (uint32_t x = 0; x + 1 < mWidth; ++x)
+            if (isSolid(x, y) && isSolid(x + 1, y) && isSolid(x, y + 1) && isSolid(x + 1, y + 1)) {
+                setSolid(int(x), int(y), 2, 2);
+                return true;
+            }
+    return false;
+}
+
+void Font::setSolid(int left, int top, int width, int height) {
+    mSolid = mathbase::Vector2f((float(left) + 0.5f * float(width)) / float(mWidth),
+                                (float(top) + 0.5f * float(height)) / float(mHeight));
 }
 
 // The advance of each character: up to the right edge of the last column that belongs to it, and a gap.
@@ -133,7 +158,7 @@ void Font::draw(const std::string& text, mathbase::Vector2f scale, mathbase::Vec
     for (const char character : text) {
         const uint8_t c = uint8_t(character);
         const Cell    cell = getCell(c);
-        if (c)
+        if (c || !mSpotted)
             mBatch.rect(x, -0.5f * h, x + width, 0.5f * h, cell.s0, cell.t1, cell.s1, cell.t0);
         x += scale.x * mKerning[c];
     }
