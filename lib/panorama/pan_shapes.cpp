@@ -407,25 +407,30 @@ void Shapes::cutPieces(const Item& item) {
     }
 }
 
+// As quads, like all else, but of a triangle each, with its last corner twice: OpenGL may cut a quad along
+// either diagonal, from one draw to the next. The colours between the corners differ by that, and where
+// rounded corners are not convex any more the shape.
 void Shapes::emitGradient(const Item& item, display::Batch& batch) const {
     const Corners& corners = mCorners[item.first];
     const Box2&    box = item.box;
+    const auto     corner = [&](const Vector4f& color, float x, float y) {
+        batch.color(color);
+        batch.vertex(x, y);
+    };
     batch.texCoord(mWhite.x, mWhite.y);
     batch.begin(GL_QUADS);
-    batch.color(corners.upperLeft);
-    batch.vertex(box.x1, box.y1);
-    batch.color(corners.upperRight);
-    batch.vertex(box.x2, box.y1);
-    batch.color(corners.lowerRight);
-    batch.vertex(box.x2, box.y2);
-    batch.color(corners.lowerLeft);
-    batch.vertex(box.x1, box.y2);
+    corner(corners.upperLeft, box.x1, box.y1);
+    corner(corners.upperRight, box.x2, box.y1);
+    corner(corners.lowerRight, box.x2, box.y2);
+    corner(corners.lowerRight, box.x2, box.y2);
+    corner(corners.upperLeft, box.x1, box.y1);
+    corner(corners.lowerRight, box.x2, box.y2);
+    corner(corners.lowerLeft, box.x1, box.y2);
+    corner(corners.lowerLeft, box.x1, box.y2);
     batch.end();
 }
 
-// As quads, like all else. The triangles of a fan, each with its last corner twice: OpenGL may cut a quad
-// along either diagonal, and where rounded corners are not convex any more the two differ. A line is one
-// quad.
+// The triangles of a fan. A line is one quad.
 void Shapes::emitPolygon(const Item& item, display::Batch& batch) const {
     const Vector2f* const points = &mPoints[item.first];
     const bool            line = item.count == 4;
