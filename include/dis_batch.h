@@ -51,8 +51,10 @@ public:
 
     // Whether shapes that cannot be seen are left out here, ahead of OpenGL: boxes, solids, sprites and
     // primitives of faces outside the view volume; the faces of boxes, solids and GL_QUADS that GL_CULL_FACE
-    // removes (with GL_CULL_FACE off no face is left out); and small faces of boxes and solids, and small
-    // sprites, that cover the middle of no pixel. quad() and rect() are drawn as they come.
+    // removes (with GL_CULL_FACE off none but those of boxes that are seen exactly edge-on); and small faces
+    // of boxes and solids, and small sprites, that cover the middle of no pixel. quad() and rect() are drawn
+    // as they come. It does not show at scales of 1e-12 to 1e12; faces a tenth of a unit wide and 300,000
+    // units from the middle of things may, with GL_CULL_FACE, miss a pixel of their rim.
     enum Culling {
         CULLING_AUTO, // when no program is in use
         CULLING_ON,   // always; right for a program that puts its vertices where fixed function would

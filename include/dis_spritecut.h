@@ -25,14 +25,15 @@ namespace zentrak::display {
 // pixels may be a step of a channel apart.
 class SpriteCut {
 public:
-    // Reads the alpha of the bound 2D texture, of `cells` pictures side by side. Allocates. Without it
-    // sprites are drawn whole.
+    // Reads the alpha of the bound 2D texture, of `cells` pictures side by side. Allocates. Without it, or
+    // with more than 8 bits of alpha, sprites are drawn whole.
     void readTexture(int cells = 1);
 
     // The half axes of a sprite of size 1, of all that follow. Reads OpenGL's matrices, blending and what
     // else counts, which must not change up to the flush of the sprites: a state in which a pixel of alpha
     // nearly 0 matters (blending off or another, a program, depth being written, a float target, ...) draws
-    // them whole. The texture is the one that was read, on unit 0, with GL_MODULATE.
+    // them whole. The texture is the one that was read, on unit 0, with GL_MODULATE; the batch has no
+    // transform.
     void look(const mathbase::Vector3f& right, const mathbase::Vector3f& up);
 
     // How far from its middle a sprite in this colour shows, in its half axes: 0 for one that cannot be seen,

@@ -7,6 +7,7 @@
 #include "dis_vbo.h"
 #include "gl_fixture.h"
 #include "plain_box.h"
+#include "ztk_system.h"
 
 #include <cmath>
 #include <cstring>
@@ -275,7 +276,9 @@ TEST_F(BatchTest, culledFacesBothWays) {
 }
 
 // The same shapes with and without what is left out and drawn apart: the same vertices, so the same picture.
-// Blended, so that a shape out of order shows.
+// Blended, so that a shape out of order shows: with the runs in reverse the mean is 17. Pixels on the edges
+// of faces may differ, since software OpenGL cuts quads the other way in a draw that it clips; how many, the
+// scene decides, which is another with each compiler.
 TEST_F(BatchTest, boxesInsideTheViewAndAcrossItsEdgeStayInOrder) {
     const auto draw = [&](Batch::Culling culling) {
         return frame([&] {
@@ -294,7 +297,7 @@ TEST_F(BatchTest, boxesInsideTheViewAndAcrossItsEdgeStayInOrder) {
         });
     };
     const Picture whole = draw(Batch::CULLING_OFF);
-    EXPECT_LE(comparePictures(draw(Batch::CULLING_ON), whole).mean, 0.02);
+    EXPECT_LE(comparePictures(draw(Batch::CULLING_ON), whole).mean, 0.05);
     batch.setCulling(Batch::CULLING_AUTO);
 }
 
@@ -1289,6 +1292,26 @@ TEST_F(BatchTest, pairsOfBeginAndEndAreAsserted) {
     EXPECT_DEATH((batch.begin(GL_LINES), batch.flush()), "mMode == NOTHING");
     EXPECT_DEATH(batch.begin(GL_POLYGON + 1), "mode <= GL_POLYGON");
     EXPECT_DEATH(batch.attrib(5, Vector4f(0, 0, 0, 0)), "i >= 0 && i < ATTRIBS");
+}
+
+TEST_F(BatchTest, afterAFlushThatThrowsEverythingIsAsAfterOneThatDoesNot) {
+    frame([&] {
+        perspective(display());
+        glEnable(GL_CULL_FACE);
+        Matrix4x4Col away;
+        away.setTranslation(Vector3f(1000, 0, 0));
+        batch.box(Vector3f(0, 0, -10), Vector3f(1, 1, 1));
+        batch.setTransform(away);
+        glEnable(0xFFFF); // an error is pending
+        EXPECT_THROW(batch.flush(), Exception);
+        glDisable(GL_CULL_FACE);
+        batch.begin(GL_QUADS); // turned away, and where it is told to be
+        for (const auto& [x, y] : {std::pair(-1, -1), std::pair(-1, 1), std::pair(1, 1), std::pair(1, -1)})
+            batch.vertex(float(x), float(y), -10);
+        batch.end();
+        EXPECT_EQ(batch.getVertices(), 4u);
+        batch.clear();
+    });
 }
 
 TEST_F(BatchTest, theTransformIsIdentityAfterTheFlush) {

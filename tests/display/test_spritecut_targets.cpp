@@ -200,3 +200,23 @@ TEST_F(SpriteCutTargetTest, UnderAProgramSpritesAreWhole) {
     expectWhole(
         nullptr, [&] { program.bind(); }, [&] { program.unbind(); });
 }
+
+// Its colours may be brighter than white, and the fainter parts of its alpha seen with them.
+TEST_F(SpriteCutTargetTest, ATextureOfFloatsIsNotCut) {
+    std::vector<float> texels;
+    for (int i = 0; i < TEXELS * TEXELS; ++i) {
+        const auto  place = [](int j) { return (2 * float(j) + 1) / TEXELS - 1; };
+        const float r = std::hypot(place(i % TEXELS), place(i / TEXELS));
+        texels.insert(texels.end(), {8, 8, 8, std::max(0.0f, 1 - r)});
+    }
+    GLuint texture = 0;
+    frame([&] {
+        glGenTextures(1, &texture);
+        glBindTexture(GL_TEXTURE_2D, texture);
+        glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA32F, TEXELS, TEXELS, 0, GL_RGBA, GL_FLOAT, texels.data());
+        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
+        mCut.readTexture();
+    });
+    expectWhole(nullptr, [&] { glBindTexture(GL_TEXTURE_2D, texture); });
+    glDeleteTextures(1, &texture);
+}

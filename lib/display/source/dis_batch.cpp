@@ -20,7 +20,7 @@ namespace {
 constexpr size_t MIN_VERTICES = 1024;
 constexpr size_t DRAW_VERTICES = size_t(1)
                                  << 20; // between two primitives beyond this, what is there is drawn
-constexpr size_t   MOST_VERTICES = size_t(1) << 30; // what OpenGL's int counts and 32-bit indices take
+constexpr size_t   MOST_VERTICES = size_t(1) << 29; // three indices each are as many as an int counts
 constexpr uint32_t SHORT_RUN = 24;                  // vertices
 constexpr size_t   LINE = 64;                       // bytes of a cache line
 
@@ -867,6 +867,7 @@ void Batch::box(const mathbase::Vector3f& centre, const mathbase::Vector3f& half
 
 int Batch::Solid::addCorner(const mathbase::Vector3f& place, int color) {
     assert(mCorners < MOST);
+    assert(color >= 0);
     mColor[mCorners] = color;
     setCorner(mCorners++, place);
     return mCorners - 1;
@@ -1113,7 +1114,8 @@ size_t Batch::getMemory() const {
     size_t floats = mPosition.capacity + mColor.capacity + mTexCoord.capacity + mNormal.capacity;
     for (const Array<float>& array : mAttrib)
         floats += array.capacity;
-    return floats * sizeof(float) + mIndex.capacity * sizeof(uint32_t);
+    return floats * sizeof(float) + (mIndex.capacity + mRuns.capacity()) * sizeof(uint32_t) +
+           mFirsts.capacity() * sizeof(GLint) + mCounts.capacity() * sizeof(GLsizei);
 }
 
 // One draw call for all that is collected. The values given stay for what follows.
@@ -1230,7 +1232,12 @@ void Batch::putArraysAside() {
 void Batch::flush() {
     assert(mMode == NOTHING);
     const unsigned has = mHas;
-    drawCollected();
+    try {
+        drawCollected();
+    } catch (...) {
+        clear(); // what was read of OpenGL's state, too
+        throw;
+    }
     clear();
     if (has & HAS_COLOR)
         glColor4fv(mCurrentColor);

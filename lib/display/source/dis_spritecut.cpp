@@ -63,14 +63,15 @@ bool writesColorAlone() {
  * texel away; at the edge those of the next cell or of the other side take part.
  */
 void SpriteCut::readTexture(int cells) {
-    GLint width = 0, height = 0, filter = GL_LINEAR, magnified = GL_LINEAR;
+    GLint width = 0, height = 0, bits = 0, filter = GL_LINEAR, magnified = GL_LINEAR;
     GL_CALL(glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_WIDTH, &width));
     GL_CALL(glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_HEIGHT, &height));
+    GL_CALL(glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_ALPHA_SIZE, &bits));
     GL_CALL(glGetTexParameteriv(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, &filter));
     GL_CALL(glGetTexParameteriv(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, &magnified));
     mReach.clear();
     const int side = cells > 0 ? width / cells : 0;
-    if (side < 1 || height < 1 || side * cells != width || magnified != GL_LINEAR)
+    if (side < 1 || height < 1 || side * cells != width || bits > 8 || magnified != GL_LINEAR)
         return;
     mFilter = filter;
     mTexels = float(std::max(side, height));
