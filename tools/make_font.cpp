@@ -20,6 +20,27 @@ constexpr int GRID = 16;
 // Stems stand on whole columns: a thin one keeps a pixel that is bright enough to be measured.
 constexpr FT_Int32 LOADING = FT_LOAD_RENDER | FT_LOAD_FORCE_AUTOHINT | FT_LOAD_TARGET_NORMAL;
 
+// An outline font, open as long as this lives.
+class Outline {
+public:
+    Outline() = default;
+    ~Outline() {
+        if (mLibrary)
+            FT_Done_FreeType(mLibrary); // with its faces
+    }
+    Outline(const Outline&) = delete;
+    Outline& operator=(const Outline&) = delete;
+
+    bool open(const char* path) {
+        return !FT_Init_FreeType(&mLibrary) && !FT_New_Face(mLibrary, path, 0, &mFace);
+    }
+    FT_Face face() const { return mFace; }
+
+private:
+    FT_Library mLibrary = nullptr;
+    FT_Face    mFace = nullptr;
+};
+
 // What of Latin-1 is a character to be seen: no controls, no spaces, no soft hyphen.
 bool isPrinted(int c) {
     return (c > 32 && c < 127) || (c > 160 && c != 173);
@@ -88,14 +109,14 @@ int main(int count, char** arguments) {
                      "usage: make_font FONT.ttf OUT.png [CELL]     the side of a cell, 8 to 256 pixels\n");
         return 2;
     }
-    FT_Library library;
-    FT_Face    face;
-    if (FT_Init_FreeType(&library) || FT_New_Face(library, arguments[1], 0, &face)) {
+    Outline outline;
+    if (!outline.open(arguments[1])) {
         std::fprintf(stderr, "make_font: %s is no font that can be read\n", arguments[1]);
         return 1;
     }
 
-    const int size = chooseSize(face, cell);
+    const FT_Face face = outline.face();
+    const int     size = chooseSize(face, cell);
     if (!size) {
         std::fprintf(stderr, "make_font: %s does not fit into cells of %d\n", arguments[1], cell);
         return 1;
@@ -122,7 +143,5 @@ int main(int count, char** arguments) {
     if (written)
         std::printf("%d pixels high letters in cells of %d, %d above the baseline, %d below, %d wide\n", size,
                     cell, extent.above, extent.below, extent.wide);
-    FT_Done_Face(face);
-    FT_Done_FreeType(library);
     return written ? 0 : 1;
 }
