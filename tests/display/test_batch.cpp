@@ -242,6 +242,13 @@ void perspective(display::DisplayGL& display) {
     display.setModelView();
 }
 
+void blendTextured(display::DisplayGL& display, display::Texture& texture) {
+    perspective(display);
+    glEnable(GL_BLEND);
+    glEnable(GL_TEXTURE_2D);
+    texture.bind();
+}
+
 void flat(display::DisplayGL& display) {
     display.setProject(Plain::identity());
     display.setModelView();
@@ -466,11 +473,8 @@ TEST_F(BatchTest, spritesAddedUp) {
     loadTexture(texture);
     compare(
         [&] {
-            perspective(display());
-            glEnable(GL_BLEND);
+            blendTextured(display(), texture);
             glBlendFunc(GL_SRC_ALPHA, GL_ONE);
-            glEnable(GL_TEXTURE_2D);
-            texture.bind();
         },
         [](auto& p) { drawSprites(p, 800); });
 }
@@ -478,50 +482,38 @@ TEST_F(BatchTest, spritesAddedUp) {
 TEST_F(BatchTest, spritesQuadsAndRectsUnderATransform) {
     display::Texture texture(&window().display());
     loadTexture(texture);
-    compare(
-        [&] {
-            perspective(display());
-            glEnable(GL_BLEND);
-            glEnable(GL_TEXTURE_2D);
-            texture.bind();
-        },
-        [](auto& p) {
-            Random random;
-            for (int i = 0; i < 60; ++i) {
-                p.setTransform(randomPlace(random, 6, 15, 30));
-                p.color(random(0.4f, 1), random(0.4f, 1), random(0.4f, 1), 0.7f);
-                p.sprite(Vector3f(1, 0, 0), Vector3f(1, 0, 0), Vector3f(0, 1, 0));
-                p.octagon(Vector3f(-1, 1, 0), Vector3f(1, 0, 0), Vector3f(0, 1, 0), 0.5f, 0.25f, 1, 1);
-                p.quad({0, 0, 0}, {2, 0, 1}, {2, 2, 1}, {0, 2, 0}, 0.25f, 0, 1, 0.5f);
-                p.rect(-2, -2, -1, 0, 0, 1, 1, 0, 0.5f);
-            }
-        });
+    compare([&] { blendTextured(display(), texture); },
+            [](auto& p) {
+                Random random;
+                for (int i = 0; i < 60; ++i) {
+                    p.setTransform(randomPlace(random, 6, 15, 30));
+                    p.color(random(0.4f, 1), random(0.4f, 1), random(0.4f, 1), 0.7f);
+                    p.sprite(Vector3f(1, 0, 0), Vector3f(1, 0, 0), Vector3f(0, 1, 0));
+                    p.octagon(Vector3f(-1, 1, 0), Vector3f(1, 0, 0), Vector3f(0, 1, 0), 0.5f, 0.25f, 1, 1);
+                    p.quad({0, 0, 0}, {2, 0, 1}, {2, 2, 1}, {0, 2, 0}, 0.25f, 0, 1, 0.5f);
+                    p.rect(-2, -2, -1, 0, 0, 1, 1, 0, 0.5f);
+                }
+            });
 }
 
 // As many again lie outside the view, or are smaller than a pixel.
 TEST_F(BatchTest, octagonsWithSpritesBetweenThem) {
     display::Texture texture(&window().display());
     loadTexture(texture);
-    compare(
-        [&] {
-            perspective(display());
-            glEnable(GL_BLEND);
-            glEnable(GL_TEXTURE_2D);
-            texture.bind();
-        },
-        [](auto& p) {
-            Random random;
-            for (int i = 0; i < 200; ++i) {
-                const float    z = i % 4 ? random(-30, -15) : random(-5, 20);
-                const Vector3f place(random(-9, 9), random(-9, 9), z);
-                const float    size = i % 5 ? random(0.2f, 2) : 0.001f;
-                p.color(random(0.4f, 1), random(0.4f, 1), random(0.4f, 1), 0.7f);
-                if (i % 3)
-                    p.octagon(place, Vector3f(size, 0, 0), Vector3f(0, size, 0));
-                else
-                    p.sprite(place, Vector3f(size, 0, 0), Vector3f(0, size, 0));
-            }
-        });
+    compare([&] { blendTextured(display(), texture); },
+            [](auto& p) {
+                Random random;
+                for (int i = 0; i < 200; ++i) {
+                    const float    z = i % 4 ? random(-30, -15) : random(-5, 20);
+                    const Vector3f place(random(-9, 9), random(-9, 9), z);
+                    const float    size = i % 5 ? random(0.2f, 2) : 0.001f;
+                    p.color(random(0.4f, 1), random(0.4f, 1), random(0.4f, 1), 0.7f);
+                    if (i % 3)
+                        p.octagon(place, Vector3f(size, 0, 0), Vector3f(0, size, 0));
+                    else
+                        p.sprite(place, Vector3f(size, 0, 0), Vector3f(0, size, 0));
+                }
+            });
 }
 
 TEST_F(BatchTest, anOctagonOutsideTheViewCostsNoVertex) {
