@@ -25,10 +25,10 @@ using panorama::Control;
 
 namespace {
 
-constexpr const char*    LAYOUT = "layout.xml";
-constexpr float          SLIDER_ENDS = 36.0f; // pixels of the time slider that its handle takes
+constexpr const char* LAYOUT = "layout.xml";
+constexpr float SLIDER_ENDS = 36.0f; // pixels of the time slider that its handle takes
 const mathbase::Vector4f BACKGROUND(0.15f, 0.16f, 0.19f, 1);
-constexpr float          FPS_PERIOD = 0.2f; // seconds between two figures of the frame rate
+constexpr float FPS_PERIOD = 0.2f; // seconds between two figures of the frame rate
 
 } // namespace
 
@@ -63,7 +63,7 @@ void Gui::findControls() {
     mRuler = dynamic_cast<Ruler*>(root.findControl("ruler"));
 
     std::string missing;
-    const auto  need = [&missing](const Control* control, const char* what) {
+    const auto need = [&missing](const Control* control, const char* what) {
         if (!control)
             missing += (missing.empty() ? "" : ", ") + std::string(what);
     };

@@ -65,7 +65,7 @@ bool Effector::acceptEvents(Event& event) {
  * A move over another control that comes first ends the hover by "reset".
  */
 int Effector::handleEvent(Event& event) {
-    Alive     alive(*this);
+    Alive alive(*this);
     const int result = Control::handleEvent(event);
     if (!alive)
         return result;

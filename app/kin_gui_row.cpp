@@ -80,7 +80,7 @@ void Row::loadEffect(script::Effect* effect, int level) {
 // A new row at the end, as wide as this one.
 Row* Row::addRow(Control& rows, float height) {
     Row* const row = new Row;
-    Box2       area = getArea();
+    Box2 area = getArea();
     area.y2 = area.y1 + height;
     row->setArea(area);
     append(rows, row);
@@ -122,7 +122,7 @@ void Row::buildChildArea() {
 }
 
 int Row::handleEvent(Event& event) {
-    Alive     alive(*this);
+    Alive alive(*this);
     const int result = Control::handleEvent(event);
     if (!alive)
         return result;
@@ -154,7 +154,7 @@ void Row::turnTimeSlider(Event& event) {
     panorama::Slider* const slider = findTyped<panorama::Slider>(*getRoot(), "timeslider");
     if (!slider)
         return;
-    Alive      alive(*slider);
+    Alive alive(*slider);
     const bool hover = slider->mHover;
     slider->mHover = true;
     slider->handleEvent(event);
@@ -166,7 +166,7 @@ void Row::draw() {
     Render* const render = getRender();
     if (!render)
         return;
-    const bool                 focused = mParent && mParent->getFocus() == this;
+    const bool focused = mParent && mParent->getFocus() == this;
     const panorama::ColorPair& back = focused ? mBack.pushed : mBack.color;
     render->setColor(back.first, back.second);
     render->drawBox(mArea.clip, 0);

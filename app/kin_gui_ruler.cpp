@@ -20,10 +20,10 @@ using panorama::Render;
 
 namespace {
 
-constexpr int   MARK = 1;      // seconds between the marks
-constexpr int   LONG_MARK = 5; // and between the longer ones
-constexpr int   NUMBER = 10;   // and between the numbers
-constexpr float SHORT = 3.0f;  // pixels of a mark
+constexpr int MARK = 1;       // seconds between the marks
+constexpr int LONG_MARK = 5;  // and between the longer ones
+constexpr int NUMBER = 10;    // and between the numbers
+constexpr float SHORT = 3.0f; // pixels of a mark
 constexpr float LONG = 6.0f;
 constexpr float FARTHEST = 1e6f; // seconds that are drawn
 
@@ -66,8 +66,8 @@ void Ruler::draw() {
 void Ruler::drawScale(Render& render, float left) {
     const Box2& clip = mArea.clip;
     const float origin = left - mScrollPos;
-    const int   first = int(std::clamp((left - origin) / Effector::SCALE, 0.0f, FARTHEST));
-    const int   end = int(std::clamp((clip.x2 - origin) / Effector::SCALE + 1, 0.0f, FARTHEST));
+    const int first = int(std::clamp((left - origin) / Effector::SCALE, 0.0f, FARTHEST));
+    const int end = int(std::clamp((clip.x2 - origin) / Effector::SCALE + 1, 0.0f, FARTHEST));
     for (int second = first; second <= end; second += MARK) {
         const float x = std::floor(origin + Effector::SCALE * float(second));
         if (x < left)
@@ -92,7 +92,7 @@ void Ruler::drawTime(Render& render, float left) {
         return;
     const Box2& clip = mArea.clip;
     const float middle = std::floor((clip.y1 + clip.y2) * 0.5f);
-    char        text[32];
+    char text[32];
     snprintf(text, sizeof text, "%d:%05.2f", int(time) / 60, double(time) - 60 * (int(time) / 60));
     mNumber = text;
     render.setColor(mBack.highlight.first, NO_COLOR);

@@ -50,7 +50,7 @@ struct Kindler::Editor {
     Editor(const Editor&) = delete;
     Editor& operator=(const Editor&) = delete;
 
-    Kindler&             kindler;
+    Kindler& kindler;
     std::unique_ptr<Gui> gui;
 };
 
@@ -149,7 +149,7 @@ void Kindler::setTime(float t) {
     if (hasSound()) {
         const float rate = static_cast<float>(mMusic.mRate);
         const float position = t * rate;
-        const bool  past = position >= static_cast<float>(mMusic.mLength);
+        const bool past = position >= static_cast<float>(mMusic.mLength);
         mMusic.mStream->setPosition(past ? mMusic.mLength : static_cast<int>(position));
         t = static_cast<float>(mMusic.mStream->getPosition()) / rate;
     }

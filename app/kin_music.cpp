@@ -23,7 +23,7 @@ bool Music::setup(am::TSmartPtr<am::FileStructure, am::TRefCount<am::FileStructu
         puts("Could not open file");
         return false;
     }
-    int                   channelCount;
+    int channelCount;
     audiere::SampleFormat sampleFormat;
     mSource->getFormat(channelCount, mRate, sampleFormat);
     mLength = mSource->getLength();

@@ -102,7 +102,7 @@ void Kindler::setup() {
     for (xml::Iterator it = parser.createIterator("dump"); ++it;) {
         const std::string& name = it->getValue("name");
         const std::string& rate = it->getValue("rate");
-        const std::string  target = name.empty() ? "untitled" : name;
+        const std::string target = name.empty() ? "untitled" : name;
         mDumpRate = rate.empty() ? 60.0f : toFloat(rate);
         am::VideoFile::Format format;
         format.mRate = truncate(mDumpRate);

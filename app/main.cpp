@@ -36,21 +36,21 @@ void show() {
     kindler.setup();
 
     Common common;
-    Clear  clear;
+    Clear clear;
     clear.color1 = mathbase::Vector4f(0.051f, 0.051f, 0.051f, 0);
     clear.color2 = mathbase::Vector4f(0, 0, 0, 0);
     clear.type = "gradient";
-    Border  border(&common);
-    Kub     kub(&common);
-    Xor     xor_(&common);
-    Rund    rund(&common);
-    Vul     vul(&common);
+    Border border(&common);
+    Kub kub(&common);
+    Xor xor_(&common);
+    Rund rund(&common);
+    Vul vul(&common);
     Cubejox cubejox(&common);
-    WaxOn   waxon(&common);
+    WaxOn waxon(&common);
     Overlay overlay(&common);
-    Spark   spark(&common);
-    Greet   greet(&common);
-    Grand   grand(&common);
+    Spark spark(&common);
+    Greet greet(&common);
+    Grand grand(&common);
     Credits creditsCode(&common, "code");
     Credits creditsTracking(&common, "tracking");
     Credits creditsGraphics(&common, "graphics");
@@ -59,10 +59,10 @@ void show() {
     Credits creditsZaplin(&common, "zaplin");
     Credits creditsOrvo(&common, "orvo");
     Credits creditsQark(&common, "qark");
-    Grid    grid(&common);
-    Face    face(&common);
-    Tunnel  tunnel(&common);
-    Cloud   cloud(&common);
+    Grid grid(&common);
+    Face face(&common);
+    Tunnel tunnel(&common);
+    Cloud cloud(&common);
 
     kindler.addCallback("clear", clear);
     kindler.addCallback("credits_code", creditsCode);

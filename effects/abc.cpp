@@ -85,7 +85,7 @@ void Abc::update(float time, float, float) {
 
 void Abc::renderNode(const o3d::SceneNode* node, const Matrix4x4Col& m, float time, bool flip) {
     struct Walk final : SceneVisitor {
-        Abc&  abc;
+        Abc& abc;
         float time;
 
         Walk(Abc& anAbc, float aTime) : abc(anAbc), time(aTime) {}
@@ -93,7 +93,7 @@ void Abc::renderNode(const o3d::SceneNode* node, const Matrix4x4Col& m, float ti
         // Every node trembles, also one without a mesh.
         void visit(const o3d::SceneNode& visited, const Matrix4x4Col& world, bool mirrored) override {
             GL_CALL(glEnable(GL_CULL_FACE));
-            const float  x = tremble(), y = tremble(), z = tremble();
+            const float x = tremble(), y = tremble(), z = tremble();
             Matrix4x4Col shell;
             shell.buildPRS(Vector3f(0, 0, 0), Quatf(Eulerf(x, y, z)), Vector3f(SHELL, SHELL, SHELL));
             if (const o3d::MeshInstance* instance = asInstance(visited))
@@ -110,7 +110,7 @@ void Abc::renderNode(const o3d::SceneNode* node, const Matrix4x4Col& m, float ti
 void Abc::drawOutlined(const o3d::MeshInstance& instance, const Matrix4x4Col& world,
                        const Matrix4x4Col& shell, float time, bool flip) {
     const o3d::Mesh& mesh = meshOf(*scene, instance);
-    Matrix4x4Col     inflated = world;
+    Matrix4x4Col inflated = world;
     inflated.multiplyFromRight(shell);
     mDisplay->setTransform(inflated);
     mDisplay->setColor(0, 0, 0, 1);

@@ -35,11 +35,11 @@ private:
                       const mathbase::Matrix4x4Col& shell, float time, bool flip);
 
 protected:
-    Common*                       mCommon; // not owned; looked up in by no one yet
-    SceneMeshes                   mMeshes;
+    Common* mCommon; // not owned; looked up in by no one yet
+    SceneMeshes mMeshes;
     std::unique_ptr<o3d::Manager> scene; // null until loaded
-    display::ShaderProgram        mProgram;
-    int                           mContext; // the opening of the window that the program belongs to
+    display::ShaderProgram mProgram;
+    int mContext; // the opening of the window that the program belongs to
 };
 
 } // namespace zentrak::kindler

@@ -20,7 +20,7 @@ public:
 
 private:
     display::Texture mTexture;
-    display::Batch   mBatch;
+    display::Batch mBatch;
 };
 
 } // namespace zentrak::kindler

@@ -14,8 +14,8 @@ class Clear : public Effect {
 public:
     mathbase::Vector4f color1; // of the flat background
     mathbase::Vector4f color2; // kept and not drawn
-    std::string        type;
-    float              alpha = 1.0f; // of the gradient
+    std::string type;
+    float alpha = 1.0f; // of the gradient
 
     void executeTrigger(float time, const std::string& name, const std::string& value) override;
     void updateSpline(float time, const std::string& name, float value) override;

@@ -18,11 +18,11 @@ using mathbase::Vector4f;
 namespace {
 
 constexpr float PI = 3.14159265f;
-constexpr int   NUM_SPRITES = 10000;
+constexpr int NUM_SPRITES = 10000;
 constexpr float SIZE = 7.0f; // world units
 
 Vector3f path[NUM_SPRITES];
-float    alpha;
+float alpha;
 
 // The first sprite to draw, counted from the far end: in the later part "alpha" thins the cloud from there.
 int firstSprite(float progress) {
@@ -64,7 +64,7 @@ void Cloud::update(float, float, float progress) {
     setPerspective(*mDisplay, PI / 4.0f, 0.015f, 1000.0f);
     const Vector3f eye = getCloudPath(100.0f * (1.0f - progress));
     const Vector3f target = eye + Vector3f(0, 0, 10);
-    const float    roll = 10.0f * progress;
+    const float roll = 10.0f * progress;
     setCamera(*mDisplay, eye, target, roll);
     const Billboard board(eye, target, roll);
 
@@ -77,14 +77,14 @@ void Cloud::update(float, float, float progress) {
     mCut.look(board.right, board.up);
     const auto farthest = std::find_if(std::begin(path), std::end(path),
                                        [&](const Vector3f& p) { return !mCut.isMagnified(p, SIZE); });
-    const int  magnified = static_cast<int>(farthest - std::begin(path)); // so many at the near end
+    const int magnified = static_cast<int>(farthest - std::begin(path)); // so many at the near end
     for (int i = NUM_SPRITES - 1 - firstSprite(progress); i >= 0; --i) {
         if (i + 1 == magnified) {
             mBatch.flush();
             mCut.setMagnified(true);
         }
         const float distance = (path[i] - eye).length();
-        float       opacity = 0.15f * (1.0f - 0.003f * distance);
+        float opacity = 0.15f * (1.0f - 0.003f * distance);
         if (progress < 0.5f)
             opacity *= alpha;
         if (!(opacity > 0))

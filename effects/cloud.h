@@ -23,11 +23,11 @@ public:
     void update(float time, float delta, float progress) override;
 
 private:
-    display::Texture       mTexture;
-    EffectRandom           mRandom;
+    display::Texture mTexture;
+    EffectRandom mRandom;
     display::ShaderProgram mProgram; // never linked
-    display::SpriteCut     mCut;
-    display::Batch         mBatch;
+    display::SpriteCut mCut;
+    display::Batch mBatch;
 };
 
 // The path that the sprites lie around, for a `t` from 0 to 100.

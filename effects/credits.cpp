@@ -27,8 +27,8 @@ Credits::Credits(Common*, const std::string& key_) : key(key_) {}
 
 void Credits::setup() {
     const am::Image image = loadPixels(*mDisplay, "credits/credits_" + key + ".png");
-    const int       width = image->getWidth(), height = image->getHeight();
-    const float     w = float(width), h = float(height);
+    const int width = image->getWidth(), height = image->getHeight();
+    const float w = float(width), h = float(height);
     pixels.clear();
     for (int row = 0; row < height; ++row) {
         for (int column = 0; column < width; ++column) {
@@ -65,12 +65,12 @@ void Credits::update(float, float delta, float) {
     for (const poxdata& p : pixels) {
         const float f = std::min(zoom + p.delay, 1.0f);
         const float w = 1.0f - f;
-        Vector3f    place = p.start + (p.target - p.start) * f;
+        Vector3f place = p.start + (p.target - p.start) * f;
         if (explode) {
             place.z += 50.0999985f * boom * sinf(boom);
             boom = std::min(boom + 0.002f * delta, 5.0f); // once a pixel: the more of them, the faster
         }
-        const float  size = 1.0f + 5.0f * w;
+        const float size = 1.0f + 5.0f * w;
         Matrix4x4Col transform;
         transform.buildPRS(place, Quatf(Eulerf(place * (0.05f * w))), Vector3f(size, size, size));
         mBatch.setTransform(transform);

@@ -21,7 +21,7 @@ public:
         mathbase::Vector3f start;  // place far away
         mathbase::Vector3f side;   // kept and not used
         mathbase::Vector4f col;
-        float              delay; // the more, the sooner this pixel arrives
+        float delay; // the more, the sooner this pixel arrives
     };
 
     std::vector<poxdata> pixels; // rows from the top
@@ -34,11 +34,11 @@ public:
     void update(float time, float delta, float progress) override;
 
 private:
-    bool            explode = false;
-    float           boom = 0; // how far it has flown apart, 0 to 5
-    EffectRandom    mRandom;
-    std::string     key;
-    float           zoom = 0;
+    bool explode = false;
+    float boom = 0; // how far it has flown apart, 0 to 5
+    EffectRandom mRandom;
+    std::string key;
+    float zoom = 0;
     display::Batch& mBatch = sharedBatch();
 };
 

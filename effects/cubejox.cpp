@@ -20,15 +20,15 @@ using mathbase::Vector4f;
 namespace {
 
 constexpr float PI = 3.14159265f;
-constexpr int   SIDES = 12;
-constexpr int   KINDS = 12; // of rods, by colour
+constexpr int SIDES = 12;
+constexpr int KINDS = 12; // of rods, by colour
 
 enum Color { LOWER, UPPER };
 
 Cubejox::Rod cj[Cubejox::NUM_RODS];
 Matrix4x4Col upright[Cubejox::NUM_RODS]; // from the y axis onto each rod's, and to its place
-float        drum[4];
-float        zoom, alpha, bw;
+float drum[4];
+float zoom, alpha, bw;
 
 // A rod of radius 1 along the y axis: twelve sides, and the top around its middle, two of its triangles a
 // face.
@@ -39,7 +39,7 @@ Batch::Solid rodOfRadiusOne() {
         rod.addCorner(Vector3f(sinf(a), -15, cosf(a)), LOWER);
         rod.addCorner(Vector3f(sinf(a), 1, cosf(a)), UPPER);
     }
-    const int  middle = rod.addCorner(Vector3f(0, 1, 0), UPPER);
+    const int middle = rod.addCorner(Vector3f(0, 1, 0), UPPER);
     const auto lower = [](int k) { return 2 * (k % SIDES); };
     const auto upper = [](int k) { return 2 * (k % SIDES) + 1; };
     for (int k = 0; k < SIDES; ++k)
@@ -65,7 +65,7 @@ const Cubejox::Rod* Cubejox::rods() {
 
 void Cubejox::setup() {
     for (int i = 0; i < NUM_RODS; ++i) {
-        Rod&        rod = cj[i];
+        Rod& rod = cj[i];
         const float distance = 200.0f + 50.0f * float(i % 4) + float(mRandom.draw() % 500) + 1.0f;
         rod.pos = mRandom.unitSphere() * distance;
         rod.axis = (-rod.pos).getNormalized();
@@ -114,10 +114,10 @@ void Cubejox::update(float time, float delta, float) {
     const Vector4f green = display::DisplayGL::hex2vec("669955");
     const Vector4f dark = display::DisplayGL::hex2vec("0c0c0c");
     const Vector4f shade(alpha, alpha, alpha, 1.0f - 4.0f * zoom);
-    Vector4f       colors[KINDS][2];
+    Vector4f colors[KINDS][2];
     for (int i = 0; i < KINDS; ++i) {
         const Vector4f top = green * float(i % 3 + 1) * (1.0f - 0.5f * float(i % 4) / 3.0f);
-        const float    l = 0.3f * top.r + 0.59f * top.g + 0.11f * top.b;
+        const float l = 0.3f * top.r + 0.59f * top.g + 0.11f * top.b;
         const Vector4f grey = Vector4f(l, l, l, 1) * bw;
         colors[i][LOWER] = (dark * (1.0f - bw) + grey) * shade;
         colors[i][UPPER] = (top * (1.0f - bw) + grey) * shade;
@@ -128,7 +128,7 @@ void Cubejox::update(float time, float delta, float) {
         Rod& rod = cj[i];
         rod.angle += 5.1f * delta * rod.spin;
         // The rod turned about the y axis, and then upright.
-        const float  c = rod.radius * cosf(rod.angle), s = rod.radius * sinf(rod.angle);
+        const float c = rod.radius * cosf(rod.angle), s = rod.radius * sinf(rod.angle);
         const float* from = upright[i].mData;
         Matrix4x4Col transform = upright[i];
         for (int r = 0; r < 3; ++r) {

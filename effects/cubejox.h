@@ -18,11 +18,11 @@ public:
 
     struct Rod {
         mathbase::Vector3f pos;
-        mathbase::Vector3f axis;  // of unit length, from pos to the middle
-        float              angle; // about its own axis, radians
-        unsigned char      sides; // kept and not used: every rod has 12
-        float              radius;
-        float              spin; // 1 if it turns, else 0
+        mathbase::Vector3f axis; // of unit length, from pos to the middle
+        float angle;             // about its own axis, radians
+        unsigned char sides;     // kept and not used: every rod has 12
+        float radius;
+        float spin; // 1 if it turns, else 0
     };
 
     static const Rod* rods(); // NUM_RODS of them
@@ -35,7 +35,7 @@ public:
     void update(float time, float delta, float progress) override;
 
 private:
-    EffectRandom    mRandom;
+    EffectRandom mRandom;
     display::Batch& mBatch = sharedBatch();
 };
 

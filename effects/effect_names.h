@@ -14,16 +14,16 @@ struct TriggerNames {
         TARGET, // the name of a render target, one of `words`; any other ends the show
     };
 
-    const char*              name;
-    Use                      use;
+    const char* name;
+    Use use;
     std::vector<const char*> words;
 };
 
 struct EffectNames {
-    const char*               name; // registered
-    std::vector<const char*>  splines;
+    const char* name; // registered
+    std::vector<const char*> splines;
     std::vector<TriggerNames> triggers;
-    bool                      anyTrigger; // it answers to triggers of every name, and looks at no value
+    bool anyTrigger; // it answers to triggers of every name, and looks at no value
 };
 
 // Of every effect of the show, by ascending names.

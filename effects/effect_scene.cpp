@@ -56,7 +56,7 @@ void walkScene(const o3d::SceneNode& node, const Matrix4x4Col& parent, float tim
     Matrix4x4Col world = parent;
     if (type != o3d::CHUNK_SCENE) {
         Matrix4x4Col local;
-        bool         flipped = false;
+        bool flipped = false;
         node.calculateMatrix(time, local, flipped);
         world.multiplyFromRight(local);
         flip = flip != flipped;
@@ -94,7 +94,7 @@ void drawMesh(const o3d::Manager& manager, const SceneMeshes& meshes, const o3d:
     if (found == meshes.end() || !found->second)
         return;
     for (size_t i = 0; i < mesh.mSubmeshes.size(); ++i) {
-        const int          number = mesh.mSubmeshes[i]->mMaterial;
+        const int number = mesh.mSubmeshes[i]->mMaterial;
         const std::string* name = instance ? &instance->getMaterial(number) : nullptr;
         if (!name || name->empty())
             name = &mesh.getMaterial(number);

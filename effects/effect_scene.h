@@ -43,7 +43,7 @@ void walkScene(const o3d::SceneNode& node, const mathbase::Matrix4x4Col& parent,
 
 // The instance that a node is, or null; and its mesh, which asserts that there is one.
 const o3d::MeshInstance* asInstance(const o3d::SceneNode& node);
-const o3d::Mesh&         meshOf(const o3d::Manager& manager, const o3d::MeshInstance& instance);
+const o3d::Mesh& meshOf(const o3d::Manager& manager, const o3d::MeshInstance& instance);
 
 // Draws the submeshes of `mesh` in their order under the matrices as they are, with the front faces clockwise
 // if `flip`; GL_CULL_FACE and the front face stay as set here. `instance` may be null. Nothing for a mesh

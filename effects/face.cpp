@@ -16,7 +16,7 @@ using mathbase::Vector4f;
 
 namespace {
 
-constexpr float  PI = 3.14159265f;
+constexpr float PI = 3.14159265f;
 constexpr size_t STEP = 28; // only every so many vertices glow
 
 float alp;
@@ -24,8 +24,8 @@ float alp;
 // The two layers of light at each point: a small hot one, and a wide soft one.
 struct Glow {
     Vector3f color;
-    float    alpha;
-    float    size;
+    float alpha;
+    float size;
 };
 
 const Glow passes[2] = {{Vector3f(5, 1.1f * 5, 0.1f * 5), 0.2f, 0.02f},
@@ -44,7 +44,7 @@ struct Part {
 
     float centre() const { return 0.5f * (low + high); }
     float extent() const { return 0.5f * (high - low); }
-    bool  isWhole() const { return low == -1.0f && high == 1.0f; }
+    bool isWhole() const { return low == -1.0f && high == 1.0f; }
 };
 
 } // namespace
@@ -98,7 +98,7 @@ void Face::drawSprite(const Point& point, const Billboard& board, float size, co
         return;
     const float reach = mCut.reachOf(point.place, size, color);
     const float half = 0.5f * size * reach;
-    const Part  x(seen.x, half, VIEW_X * seen.z), y(seen.y, half, VIEW_Y * seen.z);
+    const Part x(seen.x, half, VIEW_X * seen.z), y(seen.y, half, VIEW_Y * seen.z);
     if (x.low >= x.high || y.low >= y.high || reach == 0)
         return;
     mBatch.color(color);
@@ -107,7 +107,7 @@ void Face::drawSprite(const Point& point, const Billboard& board, float size, co
         return;
     }
     const Vector3f right = board.right * (size * reach), up = board.up * (size * reach);
-    const float    s = 0.5f * reach;
+    const float s = 0.5f * reach;
     mBatch.sprite(point.place + right * x.centre() + up * y.centre(), right * x.extent(), up * y.extent(),
                   0.5f + s * x.low, 0.5f - s * y.high, 0.5f + s * x.high, 0.5f - s * y.low);
 }
@@ -120,7 +120,7 @@ void Face::update(float time, float, float) {
     const Vector3f target(0, 0, 0);
     setCamera(*mDisplay, eye, target, 0.0f);
     const Billboard board(eye, target, 0.0f);
-    Matrix4x4Col    cameraInverse;
+    Matrix4x4Col cameraInverse;
     cameraInverse.setCameraInv(eye, target, 0.0f);
 
     for (const o3d::Mesh* mesh : mScene.mMeshes) {

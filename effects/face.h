@@ -36,22 +36,22 @@ private:
     // A vertex that glows.
     struct Point {
         mathbase::Vector3f place;
-        mathbase::Vector3f seen;  // to the right, up, and into the depth of the camera
-        float              light; // above 0, at most 1
+        mathbase::Vector3f seen; // to the right, up, and into the depth of the camera
+        float light;             // above 0, at most 1
     };
 
     void collect(const o3d::Mesh& mesh, const mathbase::Vector3f& eye, const Billboard& board,
                  const mathbase::Matrix4x4Col& cameraInverse);
     void drawSprite(const Point& point, const Billboard& board, float size, const mathbase::Vector4f& color);
 
-    am::Image              mImage; // never set
-    display::Texture       mTexture;
+    am::Image mImage; // never set
+    display::Texture mTexture;
     display::ShaderProgram mProgram; // linked, and not bound by update
-    EffectRandom           mRandom;
-    o3d::Manager           mScene;
-    std::vector<Point>     mPoints; // of the mesh that is drawn
-    display::SpriteCut     mCut;
-    display::Batch&        mBatch = sharedBatch();
+    EffectRandom mRandom;
+    o3d::Manager mScene;
+    std::vector<Point> mPoints; // of the mesh that is drawn
+    display::SpriteCut mCut;
+    display::Batch& mBatch = sharedBatch();
 };
 
 } // namespace zentrak::kindler

@@ -21,12 +21,12 @@ public:
     void update(float time, float delta, float progress) override;
 
 private:
-    Common*                mCommon; // not owned
+    Common* mCommon; // not owned
     display::ShaderProgram mProgram;
-    std::string            which;
-    float                  amount = 0;
-    float                  brus = 0;
-    display::Batch         mBatch;
+    std::string which;
+    float amount = 0;
+    float brus = 0;
+    display::Batch mBatch;
 };
 
 } // namespace zentrak::kindler

@@ -19,16 +19,16 @@ using mathbase::Vector4f;
 namespace {
 
 constexpr float PI = 3.14159265f;
-constexpr int   NUM_LAYERS = 19;
-constexpr int   NUM_COLUMNS = 128;
+constexpr int NUM_LAYERS = 19;
+constexpr int NUM_COLUMNS = 128;
 
 struct Voxel {
     Vector3f pos; // clip space
     Vector3f col;
-    float    weight; // 0.2 to 1, of the opacity
+    float weight; // 0.2 to 1, of the opacity
 };
 
-float              alpha;
+float alpha;
 std::vector<Voxel> pix[NUM_COLUMNS];
 
 // How far a column has fallen back, in degrees, 0 to -90.
@@ -49,8 +49,8 @@ void Grand::setup() {
         char name[32];
         snprintf(name, sizeof name, "grand/grand%02d.png", n);
         const am::Image image = loadPixels(*mDisplay, name);
-        const float     w = float(image->getWidth()), h = float(image->getHeight());
-        const float     z = 0.015f * float(n - 1);
+        const float w = float(image->getWidth()), h = float(image->getHeight());
+        const float z = 0.015f * float(n - 1);
         for (int y = 0; y < image->getHeight(); ++y) {
             for (int x = 0; x < std::min(image->getWidth(), NUM_COLUMNS); ++x) {
                 const Vector4f colour = pixelAt(*image, x, y);

@@ -20,7 +20,7 @@ public:
     void update(float time, float delta, float progress) override;
 
 private:
-    EffectRandom    mRandom;
+    EffectRandom mRandom;
     display::Batch& mBatch = sharedBatch();
 };
 

@@ -21,15 +21,15 @@ using mathbase::Vector4f;
 namespace {
 
 constexpr float PI = 3.14159265f;
-constexpr int   LAYERS = 3;
-constexpr int   ROWS = 24; // of the slab, from the bottom, and of a band
-constexpr int   COLUMNS = 192;
+constexpr int LAYERS = 3;
+constexpr int ROWS = 24; // of the slab, from the bottom, and of a band
+constexpr int COLUMNS = 192;
 
-float    vol[LAYERS][ROWS][COLUMNS]; // size of each voxel
+float vol[LAYERS][ROWS][COLUMNS]; // size of each voxel
 Vector3f col[LAYERS][ROWS][COLUMNS];
-int      cindex; // next band of the image
+int cindex; // next band of the image
 Vector3f from, to;
-float    roll;
+float roll;
 
 } // namespace
 
@@ -58,8 +58,8 @@ void Greet::resetTriggers() {
  */
 void Greet::executeTrigger(float, const std::string&, const std::string&) {
     const am::ImageObject& image = *mImage.operator->(); // which throws for a null image
-    const int                              columns = std::min(COLUMNS, image.getWidth());
-    const int                              bands = (image.getHeight() + ROWS - 1) / ROWS;
+    const int columns = std::min(COLUMNS, image.getWidth());
+    const int bands = (image.getHeight() + ROWS - 1) / ROWS;
     const int rows = cindex < bands ? std::min(ROWS, image.getHeight() - ROWS * cindex) : 0;
     for (int l = 0; l < LAYERS; ++l) {
         for (int y = 0; y < rows; ++y) {

@@ -23,10 +23,10 @@ public:
     void update(float time, float delta, float progress) override;
 
 private:
-    am::Image        mImage;
+    am::Image mImage;
     display::Texture mTexture;
-    EffectRandom     mRandom; // drawn from by nothing
-    display::Batch&  mBatch = sharedBatch();
+    EffectRandom mRandom; // drawn from by nothing
+    display::Batch& mBatch = sharedBatch();
 };
 
 } // namespace zentrak::kindler

@@ -14,7 +14,7 @@ using mathbase::Vector3f;
 
 namespace {
 
-constexpr int   NUM_WHEELS = 50;
+constexpr int NUM_WHEELS = 50;
 constexpr float PI = 3.14159265f;
 
 float offset[NUM_WHEELS]; // phase and speed of a wheel's camera, radians
@@ -41,7 +41,7 @@ void Grid::updateSpline(float, const std::string& name, float value) {
  */
 void Grid::update(float time, float, float) {
     const Vector3f origin(0, 0, 0);
-    Matrix4x4Col   identity;
+    Matrix4x4Col identity;
     identity.setIdentity();
 
     setPerspective(*mDisplay, PI / 4.0f, 0.15f, 10000.0f);

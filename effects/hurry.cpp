@@ -20,10 +20,10 @@ using mathbase::Vector3f;
 namespace {
 
 constexpr float PI = 3.14159265f;
-constexpr int   NUM_SPRITES = 2500;
-constexpr int   NUM_VERTICES = 4 * NUM_SPRITES;
+constexpr int NUM_SPRITES = 2500;
+constexpr int NUM_VERTICES = 4 * NUM_SPRITES;
 constexpr float CORE = 0.4f; // half its size
-constexpr int   BOLT_POINTS = 30;
+constexpr int BOLT_POINTS = 30;
 constexpr float BOLT_LIFE = 2.0f; // seconds
 
 } // namespace
@@ -44,9 +44,9 @@ void Hurry::setup() {
         throw Exception("Hurry; Could not write the sprites' vertices");
     mSprites.clear();
     for (int i = 0; i < NUM_SPRITES; ++i) {
-        const float    r = 1.5f + 10.8f * mRandom.uniform();
-        const float    size = 0.4f + (1.3f + 0.3f * r - 0.4f) * mRandom.uniform();
-        const float    opacity = 0.2f + 0.5f * mRandom.uniform();
+        const float r = 1.5f + 10.8f * mRandom.uniform();
+        const float size = 0.4f + (1.3f + 0.3f * r - 0.4f) * mRandom.uniform();
+        const float opacity = 0.2f + 0.5f * mRandom.uniform();
         const Vector3f position = mRandom.unitSphere() * r;
         for (const Vector2f& corner : {Vector2f(0, 0), Vector2f(1, 0), Vector2f(1, 1), Vector2f(0, 1)})
             *vertex++ = {position, Vector3f(size, opacity, 0), corner};
@@ -82,7 +82,7 @@ std::vector<uint32_t> Hurry::getOrder() const {
 
 void Hurry::update(float time, float, float) {
     mDisplay->resetStates();
-    const float    a = 0.1f * time;
+    const float a = 0.1f * time;
     const Vector3f eye(1.5f * sinf(a), 0.5f * sinf(0.05f * time), 1.5f * cosf(a));
     const Vector3f target(0, 0.4f, 0);
     setCamera(*mDisplay, eye, target, 0.0f);
@@ -121,7 +121,7 @@ void Hurry::drawSprites(float time, const Vector3f& eye, const Vector3f& target)
     }
     mIbo.unbind();
 
-    const Vector3f  colour(1, 0, 0.5f);
+    const Vector3f colour(1, 0, 0.5f);
     const Billboard board(eye, target, 0.0f);
     mMaterial.set("cameraUp", board.up);
     mMaterial.set("cameraRight", board.right);
@@ -150,7 +150,7 @@ void Hurry::drawBolts(float time) {
     for (const Bolt& bolt : mBolts) {
         const float left = BOLT_LIFE - (time - bolt.start);
         mBatch.color(1, 1, 1, left * bolt.strength);
-        Vector3f       b = bolt.target.getNormalized() * CORE;
+        Vector3f b = bolt.target.getNormalized() * CORE;
         const Vector3f step = (bolt.target - b) * (1.0f / 29.0f);
         mBatch.begin(GL_LINES);
         mBatch.vertex(b);

@@ -21,9 +21,9 @@ namespace zentrak::kindler {
 class Hurry : public Effect {
 public:
     struct Bolt {
-        float              start;    // time of the trigger
-        float              strength; // of its light
-        mathbase::Vector3f target;   // where it strikes
+        float start;               // time of the trigger
+        float strength;            // of its light
+        mathbase::Vector3f target; // where it strikes
     };
 
     explicit Hurry(Common* common);
@@ -44,8 +44,8 @@ private:
     // One sprite, to be sorted.
     struct HM {
         mathbase::Vector3f position;
-        uint32_t           vertex;   // its first of four
-        float              distance; // along the eye's axis, towards the eye
+        uint32_t vertex; // its first of four
+        float distance;  // along the eye's axis, towards the eye
 
         bool operator<(const HM& other) const { return distance < other.distance; }
     };
@@ -54,14 +54,14 @@ private:
     void drawBolts(float time);
 
     display::VBO_wrap<display::VertexP3N3T2> mVbo;
-    display::IBO                             mIbo;
-    std::vector<HM>                          mSprites;
-    display::ShaderProgram                   mProgram;
-    display::Material                        mMaterial;
-    display::Texture                         mTexture;
-    EffectRandom                             mRandom;
-    std::vector<Bolt>                        mBolts;
-    display::Batch                           mBatch;
+    display::IBO mIbo;
+    std::vector<HM> mSprites;
+    display::ShaderProgram mProgram;
+    display::Material mMaterial;
+    display::Texture mTexture;
+    EffectRandom mRandom;
+    std::vector<Bolt> mBolts;
+    display::Batch mBatch;
 };
 
 } // namespace zentrak::kindler

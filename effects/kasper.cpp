@@ -115,8 +115,8 @@ void Kasper::render(float time) {
     if (!root)
         return;
     const Vector3f position = camera->mPosition.getValue(time);
-    const Quatf    rotation(camera->mRotation.getValue(time));
-    Matrix4x4Col   view, project;
+    const Quatf rotation(camera->mRotation.getValue(time));
+    Matrix4x4Col view, project;
     view.buildBlenderCameraInverse(position, rotation, one);
     mCameraMatrix.buildBlenderCamera(position, rotation, one);
     mDisplay->setColor(1, 1, 1, 1);
@@ -164,11 +164,11 @@ void Kasper::renderLight(float time, const Matrix4x4Col& model) {
  */
 void Kasper::setLight() {
     const Vector3f extent = boxMax - boxMin;
-    float          size = std::max(extent.x, std::max(extent.y, extent.z));
+    float size = std::max(extent.x, std::max(extent.y, extent.z));
     if (!(size > 0 && std::isfinite(size)))
         size = 1;
     const Vector3f z(0, 0, 1);
-    const Quatf    rotation(acosf(z.dot(lightDirection)), z.cross(lightDirection).getNormalized());
+    const Quatf rotation(acosf(z.dot(lightDirection)), z.cross(lightDirection).getNormalized());
     const Vector3f position = (boxMin + boxMax) * 0.5f - lightDirection * (2 * size);
     mLightNear = size;
     mLightFar = 3 * size;
@@ -188,7 +188,7 @@ void Kasper::renderNode(const o3d::SceneNode* node, const Matrix4x4Col& m, float
                         bool skipEx) {
     struct Walk final : kindler::SceneVisitor {
         Kasper& kasper;
-        bool    boxed, skipEx;
+        bool boxed, skipEx;
 
         Walk(Kasper& aKasper, bool boxes, bool skips) : kasper(aKasper), boxed(boxes), skipEx(skips) {}
 

@@ -47,11 +47,11 @@ public:
                     bool boxing, bool skipEx);
     void drawMesh(const o3d::Mesh* mesh, const o3d::MeshInstance* instance, bool flip);
 
-    const mathbase::Vector3f&     getBoxMin() const { return boxMin; }
-    const mathbase::Vector3f&     getBoxMax() const { return boxMax; }
-    display::Texture&             getShadowMap() { return mTexture; } // depth in red, its square in green
-    float                         getLightNear() const { return mLightNear; } // distances along the light
-    float                         getLightFar() const { return mLightFar; }
+    const mathbase::Vector3f& getBoxMin() const { return boxMin; }
+    const mathbase::Vector3f& getBoxMax() const { return boxMax; }
+    display::Texture& getShadowMap() { return mTexture; } // depth in red, its square in green
+    float getLightNear() const { return mLightNear; }     // distances along the light
+    float getLightFar() const { return mLightFar; }
     const mathbase::Matrix4x4Col& getLightMatrix() const { return mLightMatrix; }   // world to map, 0 to 1
     const mathbase::Matrix4x4Col& getCameraMatrix() const { return mCameraMatrix; } // of the last render()
 
@@ -61,23 +61,23 @@ private:
     void setLight(); // of the box
     void growBox(const o3d::Mesh& mesh, const mathbase::Matrix4x4Col& world);
 
-    display::DisplayGL*           mDisplay; // not owned
-    kindler::SceneMeshes          mMeshes;
+    display::DisplayGL* mDisplay; // not owned
+    kindler::SceneMeshes mMeshes;
     std::unique_ptr<o3d::Manager> manager;
-    const o3d::SceneNode*         root;   // the first scene of `manager`; null without one
-    const o3d::Camera*            camera; // its first
-    bool                          boxing; // the next vertex starts a new box
-    display::ShaderProgram        apple;
-    display::ShaderProgram        light;
-    mathbase::Vector3f            boxMin;
-    mathbase::Vector3f            boxMax;
-    display::FBO                  mFbo;
-    display::Texture              mTexture;
-    float                         mLightNear;
-    float                         mLightFar;
-    mathbase::Matrix4x4Col        mLightMatrix;
-    mathbase::Matrix4x4Col        mCameraMatrix;
-    int                           mContext; // the opening of the window that the programs belong to
+    const o3d::SceneNode* root; // the first scene of `manager`; null without one
+    const o3d::Camera* camera;  // its first
+    bool boxing;                // the next vertex starts a new box
+    display::ShaderProgram apple;
+    display::ShaderProgram light;
+    mathbase::Vector3f boxMin;
+    mathbase::Vector3f boxMax;
+    display::FBO mFbo;
+    display::Texture mTexture;
+    float mLightNear;
+    float mLightFar;
+    mathbase::Matrix4x4Col mLightMatrix;
+    mathbase::Matrix4x4Col mCameraMatrix;
+    int mContext; // the opening of the window that the programs belong to
 };
 
 } // namespace zentrak

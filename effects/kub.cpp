@@ -21,19 +21,19 @@ using mathbase::Vector3f;
 namespace {
 
 constexpr float PI = 3.14159265f;
-constexpr int   NUM_STEPS = 120;
+constexpr int NUM_STEPS = 120;
 
 std::vector<Kub::Poxel> poxel;
-int                     frame;    // the simulation step now shown
-float                   fultimer; // progress within it, in steps
-float                   pd;       // phase of the camera's swing
-float                   alphaa = 1.0f;
-float                   modAngle;
-float                   rexpand; // time of "expand"
-bool                    rexpandOn;
-float                   turn; // time of "turn"
-bool                    turnOn;
-bool                    turnOn2;
+int frame;      // the simulation step now shown
+float fultimer; // progress within it, in steps
+float pd;       // phase of the camera's swing
+float alphaa = 1.0f;
+float modAngle;
+float rexpand; // time of "expand"
+bool rexpandOn;
+float turn; // time of "turn"
+bool turnOn;
+bool turnOn2;
 
 float square(float f) {
     return f * f;
@@ -53,7 +53,7 @@ public:
     }
 
 private:
-    int               mLeft, mTop, mWidth;
+    int mLeft, mTop, mWidth;
     std::vector<char> mTaken;
 };
 
@@ -164,10 +164,10 @@ void Kub::scatter(int width, int height) {
     for (int step = 0; step < NUM_STEPS && !poxel.empty(); ++step) {
         const int attempts = step == 0 ? 12 : 20 + 8 * (step - 1);
         for (int attempt = 0; attempt < attempts; ++attempt) {
-            Poxel&      cube = poxel[size_t(rand()) % poxel.size()];
+            Poxel& cube = poxel[size_t(rand()) % poxel.size()];
             const float cells[4][2] = {
                 {cube.x + 1, cube.y}, {cube.x - 1, cube.y}, {cube.x, cube.y + 1}, {cube.x, cube.y - 1}};
-            int      chosen = 0;
+            int chosen = 0;
             Vector3f p(0, 0, 0);
             if (rand() % 4 == 0) {
                 chosen = rand() % 4;
@@ -281,15 +281,15 @@ void Kub::drawCubes(float time, float progress) {
     mBatch.setChannels(Batch::CHANNEL_TEXCOORD);
     const float since = time - rexpand;
     for (const Poxel& cube : poxel) {
-        Matrix4x4Col   transform;
+        Matrix4x4Col transform;
         const Vector3f place(cube.draw.x, cube.draw.z, cube.draw.y);
         if (cube.rot == Vector3f(0, 0, 0)) // most of them lie still
             transform.setTranslation(place);
         else
             transform.buildPRS(place, Quatf(Eulerf(cube.rot)), Vector3f(1, 1, 1));
         Vector3f c = cube.col;
-        float    h = 0.5f;
-        float    b = -0.00075f;
+        float h = 0.5f;
+        float b = -0.00075f;
         if (rexpandOn) {
             h = 0.5f + 5.0f * since * cube.expand;
             const float w = std::min(0.2f * since, 1.0f);

@@ -22,22 +22,22 @@ public:
     // A step of a cube.
     struct Mod {
         float dx, dy;
-        int   step;
+        int step;
     };
 
     struct Poxel {
-        std::vector<Mod>   mods;      // oldest first
-        int                count = 0; // moves that are not undone yet
-        float              x, y;      // grid cell
+        std::vector<Mod> mods; // oldest first
+        int count = 0;         // moves that are not undone yet
+        float x, y;            // grid cell
         mathbase::Vector3f col;
-        mathbase::Vector3f rot;         // Euler angles now
-        mathbase::Vector3f draw;        // place now: grid x, grid y, height
-        float              amp = 0.15f; // height of a roll
-        float              expand = 0;  // growth of the expansion
+        mathbase::Vector3f rot;  // Euler angles now
+        mathbase::Vector3f draw; // place now: grid x, grid y, height
+        float amp = 0.15f;       // height of a roll
+        float expand = 0;        // growth of the expansion
     };
 
     static const std::vector<Poxel>& poxels();
-    static int                       currentFrame(); // the step that is shown, from 120 down
+    static int currentFrame(); // the step that is shown, from 120 down
 
     explicit Kub(Common* common);
 
@@ -51,10 +51,10 @@ private:
     void scatter(int width, int height); // of the picture
     void drawCubes(float time, float progress);
 
-    display::Texture       mShade;
+    display::Texture mShade;
     display::ShaderProgram mProgram;
-    EffectRandom           mRandom;
-    display::Batch&        mBatch = sharedBatch();
+    EffectRandom mRandom;
+    display::Batch& mBatch = sharedBatch();
 };
 
 } // namespace zentrak::kindler

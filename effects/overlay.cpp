@@ -14,7 +14,7 @@ using mathbase::Vector3f;
 namespace {
 
 std::string type = "shader";
-float       alpha;
+float alpha;
 
 } // namespace
 

@@ -28,12 +28,12 @@ private:
     void drawWhite(float opacity);
     void drawPicture(display::Texture& picture, float fullWidth, float fullHeight);
 
-    Common*                mCommon; // not owned
-    EffectRandom           mRandom; // drawn from by nothing
+    Common* mCommon;      // not owned
+    EffectRandom mRandom; // drawn from by nothing
     display::ShaderProgram mProgram;
-    display::Texture       icons;
-    display::Texture       finally;
-    display::Batch         mBatch;
+    display::Texture icons;
+    display::Texture finally;
+    display::Batch mBatch;
 };
 
 } // namespace zentrak::kindler

@@ -17,8 +17,8 @@ using mathbase::Vector3f;
 namespace {
 
 constexpr float PI = 3.14159265f;
-constexpr int   TARGET_SIZE = 256; // pixels
-constexpr int   NUM_PHOTONS = 15000;
+constexpr int TARGET_SIZE = 256; // pixels
+constexpr int NUM_PHOTONS = 15000;
 
 } // namespace
 
@@ -87,7 +87,7 @@ void Photon::update(float time, float delta, float) {
     mBatch.rect(-1, -1, 1, 1);
     mBatch.flush();
 
-    const float    r = 9.0f + 6.0f * sinf(0.01f * time);
+    const float r = 9.0f + 6.0f * sinf(0.01f * time);
     const Vector3f eye(r * sinf(0.3f * time), 4, r * cosf(0.3f * time));
     setCamera(*mDisplay, eye, Vector3f(0, 1.5f, 0), 0.0f);
     for (Light* light : mLights)
@@ -129,7 +129,7 @@ void Photon::drawPhotons(int count, float, const Vector3f& eye) {
             continue;
         const Vector3f power = light->col * (500.0f / (float(count) * float(mLights.size())));
         for (int i = 0; i < count; ++i) {
-            const Vector3f      direction = mRandom.unitSphere();
+            const Vector3f direction = mRandom.unitSphere();
             trace::Intersection hit;
             if (!mScene.trace(hit, light->pos, direction, 0.0001f, 1e20f))
                 continue;

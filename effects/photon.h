@@ -56,19 +56,19 @@ protected:
     // Adds a sphere, which the effect then owns, to the scene.
     void addSphere(const mathbase::Vector3f& centre, float radius, Material* material);
 
-    EffectRandom           mRandom;
-    trace::PrimScene       mScene;
-    std::vector<Light*>    mLights;    // owned
+    EffectRandom mRandom;
+    trace::PrimScene mScene;
+    std::vector<Light*> mLights;       // owned
     std::vector<Material*> mMaterials; // owned
-    display::FBO           mFbo;
-    display::Texture       mTexture;
+    display::FBO mFbo;
+    display::Texture mTexture;
 
 private:
     void clearScene();
     bool isSeen(const mathbase::Vector3f& point, const mathbase::Vector3f& eye) const;
 
     std::vector<std::unique_ptr<trace::Primitive>> mPrimitives; // those of the scene
-    display::Batch                                 mBatch;
+    display::Batch mBatch;
 };
 
 } // namespace zentrak::kindler

@@ -21,7 +21,7 @@ using mathbase::Vector4f;
 namespace {
 
 constexpr float PI = 3.14159265f;
-constexpr int   TARGET_SIZE = 64; // pixels
+constexpr int TARGET_SIZE = 64; // pixels
 
 // A face of the cube: its outward normal, and the ways along which s and t rise.
 struct Face {
@@ -89,9 +89,9 @@ void Recurse::update(float time, float, float) {
     mTextures[1 - index].bind();
 
     const Vector3f axis = Vector3f(sinf(0.7f * time), cosf(0.4f * time), cosf(0.63f * time)).getNormalized();
-    const float    half = 0.15f * time; // of the angle
+    const float half = 0.15f * time; // of the angle
     const Vector3f turn = axis * sinf(half);
-    Matrix4x4Col   rotation;
+    Matrix4x4Col rotation;
     rotation.setRot(Quatf(cosf(half), turn.x, turn.y, turn.z));
     mDisplay->setTransform(rotation);
     GL_CALL(glFrontFace(GL_CW));

@@ -25,10 +25,10 @@ public:
     int getIndex() const { return index; } // the target of the next frame
 
 private:
-    display::FBO     mFbos[2];
+    display::FBO mFbos[2];
     display::Texture mTextures[2]; // attached to mFbos
-    int              index;        // the target of this frame, 0 or 1; the other holds the last one
-    display::Batch   mBatch;
+    int index;                     // the target of this frame, 0 or 1; the other holds the last one
+    display::Batch mBatch;
 };
 
 } // namespace zentrak::kindler

@@ -17,8 +17,8 @@ using mathbase::Vector3f;
 namespace {
 
 constexpr float PI = 3.14159265f;
-constexpr int   NUM_SPRITES = 20;
-constexpr int   RING_STEPS = 80;
+constexpr int NUM_SPRITES = 20;
+constexpr int RING_STEPS = 80;
 
 struct Sprite {
     float x, y;  // clip space; the sprite's corner, not its centre
@@ -26,8 +26,8 @@ struct Sprite {
     float speed; // a second, -1 to 1
 };
 
-float  alpha;
-float  arne = 5.0f; // radius of the ring; there is none from 2 on
+float alpha;
+float arne = 5.0f; // radius of the ring; there is none from 2 on
 Sprite rundData[NUM_SPRITES];
 
 } // namespace
@@ -81,8 +81,8 @@ void Rund::drawSprites(float time, float delta) {
         sprite.x += delta * sprite.speed;
         if (sprite.x > 1.2f)
             sprite.x -= 3.4f;
-        const float  w = unitX * sprite.scale;
-        const float  h = unitY * sprite.scale;
+        const float w = unitX * sprite.scale;
+        const float h = unitY * sprite.scale;
         Matrix4x4Col transform;
         transform.buildPRS(Vector3f(sprite.x, sprite.y, 0),
                            Quatf(Eulerf(0, 0, float(i) + sprite.scale * time)), Vector3f(1, 1, 1));
@@ -106,7 +106,7 @@ void Rund::drawRing(float time) {
     mBatch.setTransform(transform);
 
     const float bright = -1.2f * arne + 1.3f;
-    const auto  ringVertex = [this](float angle, float radius, float opacity) {
+    const auto ringVertex = [this](float angle, float radius, float opacity) {
         mBatch.color(0.43f, 0, 0.34f, opacity);
         mBatch.vertex(0.625f * sinf(angle) * radius, cosf(angle) * radius, 0);
     };

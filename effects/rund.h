@@ -25,8 +25,8 @@ private:
     void drawRing(float time);
 
     display::Texture mTexture;
-    EffectRandom     mRandom;
-    display::Batch   mBatch;
+    EffectRandom mRandom;
+    display::Batch mBatch;
 };
 
 } // namespace zentrak::kindler

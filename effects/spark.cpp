@@ -45,7 +45,7 @@ void Spark::update(float, float, float progress) {
     setPerspective(*mDisplay, PI / 4.0f, 0.15f, 1000.0f);
     const Vector3f eye(0, 0, 1500.0f * progress * progress);
     const Vector3f target = eye - Vector3f(0, 0, 1);
-    Matrix4x4Col   camera, cameraInverse;
+    Matrix4x4Col camera, cameraInverse;
     camera.setCamera(eye, target, 0.0f);
     cameraInverse.setCameraInv(eye, target, 0.0f);
     mDisplay->setCamera(camera);

@@ -13,8 +13,8 @@ using display::Texture;
 
 namespace {
 
-constexpr int   TARGET_SIZE = 512; // pixels, whatever the size of the window
-constexpr float ZNEAR = 0.1f;      // the distances that the targets hold
+constexpr int TARGET_SIZE = 512; // pixels, whatever the size of the window
+constexpr float ZNEAR = 0.1f;    // the distances that the targets hold
 constexpr float ZFAR = 50.0f;
 constexpr float GLOW_THRESHOLD = 0.9f;
 

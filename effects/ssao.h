@@ -28,23 +28,23 @@ private:
     void blur(display::ShaderProgram& program, display::Texture& source, display::FBO& target);
     void combineTargets();
 
-    Kasper                 mKasper;
+    Kasper mKasper;
     display::ShaderProgram base;
     display::ShaderProgram combine;
     display::ShaderProgram blurX;
     display::ShaderProgram blurY;
-    display::Material      baseMaterial;
-    display::Material      combineMaterial;
-    display::FBO           fboBlurX;
-    display::FBO           fboBlurY;
-    display::FBO           fboMain;
-    display::Texture       texBlurX;
-    display::Texture       texBlurY;
-    display::Texture       tex0; // of fboMain: colours and distance
-    display::Texture       tex1; // of fboMain: what glows, and distance
-    display::Batch         mBatch;
-    int                    mContext; // the opening of the window that the programs belong to
-    bool                   mReady;   // setup has come to its end
+    display::Material baseMaterial;
+    display::Material combineMaterial;
+    display::FBO fboBlurX;
+    display::FBO fboBlurY;
+    display::FBO fboMain;
+    display::Texture texBlurX;
+    display::Texture texBlurY;
+    display::Texture tex0; // of fboMain: colours and distance
+    display::Texture tex1; // of fboMain: what glows, and distance
+    display::Batch mBatch;
+    int mContext; // the opening of the window that the programs belong to
+    bool mReady;  // setup has come to its end
 };
 
 } // namespace zentrak::kindler

@@ -51,7 +51,7 @@ void Sten::setup() {
  * The offsets are those of the flat pixel number. They never leave the picture, whatever its size.
  */
 void Sten::filter(am::Image& image) {
-    const int      w = image->getWidth(), h = image->getHeight();
+    const int w = image->getWidth(), h = image->getHeight();
     unsigned char* pixels = image->getWriteData();
     if (!pixels)
         return;
@@ -71,7 +71,7 @@ void Sten::filter(am::Image& image) {
             if (y == 0)
                 oy = h - 1;
             const int i = y * w + x;
-            Vector3f  n(height(i + ox) - height(i), height(i + oy) - height(i), 64.0f);
+            Vector3f n(height(i + ox) - height(i), height(i + oy) - height(i), 64.0f);
             n.normalize();
             unsigned char* pixel = pixels + 4 * i;
             pixel[2] = static_cast<unsigned char>(127.0f * n.x + 127.0f);

@@ -29,12 +29,12 @@ public:
     static void filter(am::Image& image);
 
 private:
-    display::Texture       mTexture;
-    display::Texture       mHeight;
+    display::Texture mTexture;
+    display::Texture mHeight;
     display::ShaderProgram mProgram;
-    o3d::Manager           mManager;
-    SceneMeshes            mMeshes;
-    display::Batch         mBatch;
+    o3d::Manager mManager;
+    SceneMeshes mMeshes;
+    display::Batch mBatch;
 };
 
 } // namespace zentrak::kindler

@@ -18,16 +18,16 @@ using mathbase::Vector4f;
 namespace {
 
 constexpr float PI = 3.14159265f;
-constexpr int   NUM_PATH = 1000;
-constexpr int   NUM_RINGS = 153;
-constexpr int   NUM_BLOCKS = 64;      // of a ring,
-constexpr int   BLOCK_POSITIONS = 68; // which leaves an arc open
-constexpr float DEPTH = 0.2f;         // of a block, to either side
+constexpr int NUM_PATH = 1000;
+constexpr int NUM_RINGS = 153;
+constexpr int NUM_BLOCKS = 64;      // of a ring,
+constexpr int BLOCK_POSITIONS = 68; // which leaves an arc open
+constexpr float DEPTH = 0.2f;       // of a block, to either side
 
 const char* const palette[8] = {"e39e89", "8688b0", "a4c28c", "d0bf7c",
                                 "9bc3b2", "c9a1af", "d6dc96", "c0ebc0"};
 
-Vector3f                  path[NUM_PATH]; // made once and not read
+Vector3f path[NUM_PATH]; // made once and not read
 std::vector<Tunnel::Ring> mongo;
 
 // Where the blocks of every ring stand: the direction that each moves out in.
@@ -77,12 +77,12 @@ void Tunnel::setup() {
     // The first rings are thin, pale and grey-blue, the last thick and of full colour.
     mongo.clear();
     for (int i = 0; i < NUM_RINGS; ++i) {
-        Ring        ring;
+        Ring ring;
         const float t = (0.4f - 0.2f * float(i) / 153.0f) * float(i);
         ring.pos = getPath(t);
         ring.rot = Vector3f(0, 0, float(mRandom.draw() % 4));
         ring.spin = Vector3f(0, 0, mRandom.draw() % 3 == 0 ? -5.0f : 5.0f);
-        const float    m = sinf(float(i) * (PI / 2.0f) / 153.0f);
+        const float m = sinf(float(i) * (PI / 2.0f) / 153.0f);
         const uint32_t s3 = mRandom.draw();
         const uint32_t s4 = mRandom.draw();
         mRandom.draw();
@@ -139,8 +139,8 @@ void Tunnel::drawRing(Ring& ring, int index, const Vector3f& eye, float delta) {
     static const Positions positions;
 
     const Vector3f d = ring.pos - eye;
-    float          dist = d.length() - 15.0f;
-    float          a = 1.0f;
+    float dist = d.length() - 15.0f;
+    float a = 1.0f;
     if (dist < 0)
         dist = 0;
     else if (dist >= 25)
@@ -177,8 +177,8 @@ void Tunnel::drawRing(Ring& ring, int index, const Vector3f& eye, float delta) {
         const float sine = positions.sine[b], cosine = positions.cosine[b];
         const float out = 0.1f * 15.0f * dist;
         // The x axis of the block, its y axis and its place, in the plane of the ring.
-        const float  xx = c * cosine + s * sine, xy = s * cosine - c * sine;
-        const float  px = out * (c * sine - s * cosine), py = out * (s * sine + c * cosine);
+        const float xx = c * cosine + s * sine, xy = s * cosine - c * sine;
+        const float px = out * (c * sine - s * cosine), py = out * (s * sine + c * cosine);
         Matrix4x4Col block = plane;
         for (int r = 0; r < 3; ++r) {
             const float right = plane.mData[r], up = plane.mData[4 + r];

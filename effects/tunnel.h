@@ -20,12 +20,12 @@ public:
         mathbase::Vector3f rot;  // Euler angles, only z is not 0
         mathbase::Vector3f spin; // added to rot when drawn; only z is not 0
         mathbase::Vector3f col;
-        float              inner; // radii of a block
-        float              outer;
+        float inner; // radii of a block
+        float outer;
     };
 
     static const std::vector<Ring>& rings();
-    static mathbase::Vector3f       getPath(float t); // the curve; any t is valid
+    static mathbase::Vector3f getPath(float t); // the curve; any t is valid
 
     explicit Tunnel(Common* common);
 
@@ -36,12 +36,12 @@ private:
     void drawRing(Ring& ring, int index, const mathbase::Vector3f& eye, float delta);
     void drawCuboCono(int n, float inner, float outer, float depth);
 
-    display::Texture       mTexture;
-    EffectRandom           mRandom;
+    display::Texture mTexture;
+    EffectRandom mRandom;
     display::ShaderProgram mProgram;
-    display::Batch&        mBatch = sharedBatch();
-    display::Batch::Solid  mBlock;         // the last that was drawn,
-    float                  mBlockShape[4]; // made of these four
+    display::Batch& mBatch = sharedBatch();
+    display::Batch::Solid mBlock; // the last that was drawn,
+    float mBlockShape[4];         // made of these four
 };
 
 } // namespace zentrak::kindler

@@ -20,7 +20,7 @@ using mathbase::Vector3f;
 namespace {
 
 constexpr float PI = 3.14159265f;
-constexpr int   SIDE = 25;
+constexpr int SIDE = 25;
 
 float vol[SIDE][SIDE][SIDE]; // z, y, x
 float last;                  // time of the last frame
@@ -101,7 +101,7 @@ void Vul::update(float time, float, float) {
                 const float v = vol[z][y][x];
                 if (!(v > 0.005f))
                     continue;
-                const float  s = 0.75f * v;
+                const float s = 0.75f * v;
                 Matrix4x4Col transform;
                 transform.buildPRS(Vector3f(float(x - 10), float(y - 10), float(z - 10)),
                                    Quatf(Eulerf(float(x) * s, float(y) * s, float(z) * s)),

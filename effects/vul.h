@@ -23,14 +23,14 @@ public:
     void update(float time, float delta, float progress) override;
 
 private:
-    display::Texture       mTexture;
+    display::Texture mTexture;
     display::ShaderProgram mProgram;     // the programs and the materials
     display::ShaderProgram mEnvironment; // are built and not drawn with
-    EffectRandom           mRandom;      // drawn from by nothing
-    display::Material      mMaterial;
-    display::Material      mEnvironmentMaterial;
-    display::Texture       mCube;
-    display::Batch&        mBatch = sharedBatch();
+    EffectRandom mRandom;                // drawn from by nothing
+    display::Material mMaterial;
+    display::Material mEnvironmentMaterial;
+    display::Texture mCube;
+    display::Batch& mBatch = sharedBatch();
 };
 
 } // namespace zentrak::kindler

@@ -16,7 +16,7 @@ public:
     void update(float time, float delta, float progress) override;
 
 private:
-    Common*     mCommon; // not owned
+    Common* mCommon; // not owned
     std::string which;
 };
 

@@ -23,8 +23,8 @@ public:
     void postUpdate(float time, float delta, float progress) override;
 
 private:
-    Common*                          mCommon; // not owned
-    std::string                      which;
+    Common* mCommon; // not owned
+    std::string which;
     std::unique_ptr<Common::FBOData> mTarget; // what stands under "vaddr"
 };
 

@@ -19,8 +19,8 @@ using mathbase::Vector3f;
 namespace {
 
 constexpr float PI = 3.14159265f;
-constexpr int   NUM_RECORDS = 50000;
-constexpr int   TAIL = 200; // boxes drawn at once
+constexpr int NUM_RECORDS = 50000;
+constexpr int TAIL = 200; // boxes drawn at once
 
 struct xorData {
     Vector3f pos;
@@ -28,8 +28,8 @@ struct xorData {
     Vector3f rot; // Euler angles, radians
 };
 
-float                alpha;
-float                coll; // the flash: 1 at a shot, drawn while above 0
+float alpha;
+float coll; // the flash: 1 at a shot, drawn while above 0
 std::vector<xorData> xdata;
 
 } // namespace
@@ -46,7 +46,7 @@ void Xor::setup() {
     xdata.reserve(NUM_RECORDS);
     for (int i = 0; i < NUM_RECORDS; ++i) {
         const float t = float(i);
-        xorData     record;
+        xorData record;
         record.pos = Vector3f(5.0f * sinf(t / 1000.234f), 5.0f * cosf(t / 800.5453f),
                               5.0f * sinf(t / 2000.0f) * cosf(t / 300.2343f));
         mRandom.draw(); // a tint that gave way to black; the draws behind it stay where they were
@@ -69,7 +69,7 @@ void Xor::updateSpline(float, const std::string& name, float value) {
 void Xor::update(float time, float delta, float) {
     // 500 records a second, held inside the table.
     const float position = time * 50000.0f * 0.01f;
-    const int   n = position > 0 ? int(std::min(position, float(NUM_RECORDS - 1))) : 0;
+    const int n = position > 0 ? int(std::min(position, float(NUM_RECORDS - 1))) : 0;
 
     setPerspective(*mDisplay, PI / 4.0f, 0.15f, 1000.0f);
     GL_CALL(glDisable(GL_CULL_FACE));
@@ -82,7 +82,7 @@ void Xor::update(float time, float delta, float) {
 
     for (int k = std::max(0, n - TAIL); k < n; ++k) {
         const xorData& record = xdata[size_t(k)];
-        Matrix4x4Col   transform;
+        Matrix4x4Col transform;
         transform.buildPRS(record.pos, Quatf(Eulerf(record.rot)), Vector3f(1, 1, 1));
         Vector3f colour = record.col;
         if (coll > 0)

@@ -23,10 +23,10 @@ public:
     void update(float time, float delta, float progress) override;
 
 private:
-    display::Texture       mTexture; // loaded, and not drawn with
+    display::Texture mTexture;       // loaded, and not drawn with
     display::ShaderProgram mProgram; // never linked
-    EffectRandom           mRandom;
-    display::Batch&        mBatch = sharedBatch();
+    EffectRandom mRandom;
+    display::Batch& mBatch = sharedBatch();
 };
 
 } // namespace zentrak::kindler

@@ -47,10 +47,10 @@ public:
 
 private:
     ArchiveBase* archiveAt(int archive) const;
-    int          add(ArchiveBase* archive);
+    int add(ArchiveBase* archive);
 
-    std::vector<ArchiveBase*> mArchives;     // owned, in order of addition
-    ImageManager*             mImageManager; // owned
+    std::vector<ArchiveBase*> mArchives; // owned, in order of addition
+    ImageManager* mImageManager;         // owned
 };
 
 } // namespace zentrak::am

@@ -17,8 +17,8 @@ public:
     bool write(File file) override; // false, always
 
 private:
-    void*         mZip = nullptr; // the minizip handle; null if the file could not be opened
-    unsigned long mSize = 0;      // bytes of the zip file: no entry holds more compressed ones
+    void* mZip = nullptr;    // the minizip handle; null if the file could not be opened
+    unsigned long mSize = 0; // bytes of the zip file: no entry holds more compressed ones
 };
 
 } // namespace zentrak::am

@@ -8,8 +8,8 @@
 namespace zentrak::am {
 
 struct FileStructure {
-    std::string    filename;       // as asked for, or as to be written
-    long           length = 0;     // bytes in `data`
+    std::string filename;          // as asked for, or as to be written
+    long length = 0;               // bytes in `data`
     unsigned char* data = nullptr; // made with new[], owned; no zero byte at its end
 
     FileStructure() = default;

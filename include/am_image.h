@@ -16,10 +16,10 @@ public:
     ImageObject& operator=(const ImageObject&) = delete;
     ~ImageObject();
 
-    ImageManager*      getManager() const { return mLoader; } // null for a private image
-    void               setManager(ImageManager* manager) { mLoader = manager; }
+    ImageManager* getManager() const { return mLoader; } // null for a private image
+    void setManager(ImageManager* manager) { mLoader = manager; }
     const std::string& getId() const { return mId; }
-    void               setId(const std::string& id) { mId = id; }
+    void setId(const std::string& id) { mId = id; }
 
     // Sets the size and gives the image new pixels for it, all zero; none, and the size 0 by 0 for a negative
     // side, when either side is 0.
@@ -30,8 +30,8 @@ public:
     void setData(unsigned char* data);
     void setData(unsigned char* data, int width, int height);
 
-    int                  getWidth() const { return mImageWidth; }
-    int                  getHeight() const { return mImageHeight; }
+    int getWidth() const { return mImageWidth; }
+    int getHeight() const { return mImageHeight; }
     const unsigned char* getData() const { return mImageData; } // null when the image has no pixels
 
     // The pixels for writing. Throws "ImageObbject::getWriteData, Access not allowed!" if a manager holds the
@@ -39,10 +39,10 @@ public:
     unsigned char* getWriteData();
 
 private:
-    std::string    mId;                  // the name
-    ImageManager*  mLoader = nullptr;    // not owned
-    int            mImageWidth = 0;      // pixels
-    int            mImageHeight = 0;     // pixels
+    std::string mId;                     // the name
+    ImageManager* mLoader = nullptr;     // not owned
+    int mImageWidth = 0;                 // pixels
+    int mImageHeight = 0;                // pixels
     unsigned char* mImageData = nullptr; // owned
 };
 
@@ -54,7 +54,7 @@ public:
     ImageRefCounter& operator=(const ImageRefCounter&) = delete;
 
     void addRef() { ++mRef; }
-    int  getRef() const { return mRef; }
+    int getRef() const { return mRef; }
 
     // Gives one reference back. When the cache's is the only one left, the image leaves the cache; when none
     // is left, the object and this counter are deleted.
@@ -66,7 +66,7 @@ private:
     ~ImageRefCounter() = default; // only by decRef
 
     ImageObject* mObject;
-    int          mRef = 0;
+    int mRef = 0;
 };
 
 // A handle on an image, possibly null. Copies share the image.

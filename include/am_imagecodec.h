@@ -24,7 +24,7 @@ public:
     virtual bool encodeImage(unsigned char** data, unsigned long* length, ImageObject& image);
 
     virtual std::string getFormatString() const = 0; // the extension, lower-case
-    virtual bool        canWrite() const;            // false
+    virtual bool canWrite() const;                   // false
 
     // No picture has more pixels than this: 16384 by 16384, whatever its header claims.
     static constexpr unsigned long MAX_PIXELS = 1UL << 28;

@@ -8,7 +8,7 @@ namespace zentrak::am {
 class ImageCodecJPEG : public ImageCodec {
 public:
     // Throws "Internal jpeglib error; %s" with the library's text, for its warnings as for its errors.
-    void        decodeImage(const unsigned char* data, unsigned long length, ImageObject& image) override;
+    void decodeImage(const unsigned char* data, unsigned long length, ImageObject& image) override;
     std::string getFormatString() const override; // "jpg"
 };
 

@@ -13,9 +13,9 @@ public:
     // channel)".
     void decodeImage(const unsigned char* data, unsigned long length, ImageObject& image) override;
 
-    bool        encodeImage(unsigned char** data, unsigned long* length, ImageObject& image) override; // RGBA
-    std::string getFormatString() const override; // "png"
-    bool        canWrite() const override;        // true
+    bool encodeImage(unsigned char** data, unsigned long* length, ImageObject& image) override; // RGBA
+    std::string getFormatString() const override;                                               // "png"
+    bool canWrite() const override;                                                             // true
 };
 
 } // namespace zentrak::am

@@ -8,7 +8,7 @@ namespace zentrak::am {
 class ImageCodecTGA : public ImageCodec {
 public:
     // Throws "[ImageCodec] TGA-reader is not done yet!".
-    void        decodeImage(const unsigned char* data, unsigned long length, ImageObject& image) override;
+    void decodeImage(const unsigned char* data, unsigned long length, ImageObject& image) override;
     std::string getFormatString() const override; // "tga"
 };
 

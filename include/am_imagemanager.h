@@ -35,12 +35,12 @@ public:
 
     std::string getExtension(const std::string& name) const;  // behind the last ".", empty if there is none
     ImageCodec* getCodec(const std::string& extension) const; // by lower-case extension; null, owned here
-    void        empty();                                      // empties the cache; images in use turn private
+    void empty();                                             // empties the cache; images in use turn private
 
 private:
     ImageCodec* codecFor(const std::string& name) const;
 
-    std::map<std::string, Image>       mImageCache;
+    std::map<std::string, Image> mImageCache;
     std::map<std::string, ImageCodec*> mImageCodecs; // owned
 };
 

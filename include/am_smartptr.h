@@ -70,21 +70,21 @@ public:
     }
 
     unsigned long getRefCount() const { return mBlock ? mBlock->mCount.getRefCount() : 0; } // 0 when empty
-    bool          isNull() const { return !mBlock; }
-    const T*      getObject() const { return mBlock ? mBlock->mObject : nullptr; } // null when empty
-    T*            getObject() { return mBlock ? mBlock->mObject : nullptr; }
+    bool isNull() const { return !mBlock; }
+    const T* getObject() const { return mBlock ? mBlock->mObject : nullptr; } // null when empty
+    T* getObject() { return mBlock ? mBlock->mObject : nullptr; }
 
     // The object; an empty pointer throws zentrak::Exception (see throwNullSmartPtr).
     const T* operator->() const { return held(); }
-    T*       operator->() { return held(); }
+    T* operator->() { return held(); }
     const T& operator*() const { return *held(); }
-    T&       operator*() { return *held(); }
+    T& operator*() { return *held(); }
 
     explicit operator bool() const { return mBlock != nullptr; }
 
 private:
     struct Block {
-        T*    mObject;
+        T* mObject;
         Count mCount;
     };
 

@@ -34,8 +34,8 @@ public:
     virtual void attach(Image& image); // the image that readFrame fills and writeFrame writes
     virtual void close();              // lets go of image and archive
 
-    virtual int    getWidth() const;  // 0 until opened
-    virtual int    getHeight() const; // 0 until opened
+    virtual int getWidth() const;  // 0 until opened
+    virtual int getHeight() const; // 0 until opened
     virtual Format getFormat() const;
 
     // The first implementation that accepts, owned by the caller. They throw "Could not find something that
@@ -61,19 +61,19 @@ public:
     using VideoFile::openForRead;
     bool openForWrite(const std::string& name, const Format& format, ArchiveManager* archive) override;
 
-    void   attach(Image& image) override; // keeps a handle on the image, which has to be a private one
-    void   close() override;
-    int    getWidth() const override;
-    int    getHeight() const override;
+    void attach(Image& image) override; // keeps a handle on the image, which has to be a private one
+    void close() override;
+    int getWidth() const override;
+    int getHeight() const override;
     Format getFormat() const override;
 
 protected:
     ArchiveManager* mArchive = nullptr; // not owned
-    Format          mFormat;
-    int             mFrame = 0; // number of the next frame
-    std::string     mBase;      // the name up to its last "."
-    std::string     mExtension; // "png"
-    Image           mImage;
+    Format mFormat;
+    int mFrame = 0;         // number of the next frame
+    std::string mBase;      // the name up to its last "."
+    std::string mExtension; // "png"
+    Image mImage;
 };
 
 } // namespace zentrak::am

@@ -54,11 +54,11 @@ public:
         return *this;
     }
 
-    T*       get() const { return mObject; }
-    T*       operator->() const { return mObject; }
-    T&       operator*() const { return *mObject; }
+    T* get() const { return mObject; }
+    T* operator->() const { return mObject; }
+    T& operator*() const { return *mObject; }
     explicit operator bool() const { return mObject != nullptr; }
-    bool     operator==(const RefPtr& other) const { return mObject == other.mObject; }
+    bool operator==(const RefPtr& other) const { return mObject == other.mObject; }
 
 private:
     T* mObject = nullptr;
@@ -98,7 +98,7 @@ public:
 
     // The next frame to be read; set exactly, and clamped to 0..length.
     virtual void setPosition(int position) = 0;
-    virtual int  getPosition() = 0;
+    virtual int getPosition() = 0;
 };
 
 // Where sound goes. Streams opened on it keep it alive.
@@ -118,7 +118,7 @@ public:
     virtual bool isPlaying() = 0;
 
     // 0 is silence, 1 the sound as it is; clamped to that range.
-    virtual void  setVolume(float volume) = 0;
+    virtual void setVolume(float volume) = 0;
     virtual float getVolume() = 0;
 
     // Moves to a frame, clamped to 0..length. A playing stream goes on from there at once, and at the length

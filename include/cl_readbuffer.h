@@ -63,15 +63,15 @@ public:
     size_t depth() const { return mChunks.size(); }
 
     const std::string& getFormat() const { return mFormat; }
-    unsigned char      getVersionFirst() const { return mVersionFirst; }
-    unsigned char      getVersionSecond() const { return mVersionSecond; }
+    unsigned char getVersionFirst() const { return mVersionFirst; }
+    unsigned char getVersionSecond() const { return mVersionSecond; }
 
-    std::string           mFormat;
-    unsigned char         mVersionFirst;
-    unsigned char         mVersionSecond;
-    uint32_t              mFlags;
+    std::string mFormat;
+    unsigned char mVersionFirst;
+    unsigned char mVersionSecond;
+    uint32_t mFlags;
     std::deque<ChunkData> mChunks; // innermost at the back
-    const unsigned char*  mData;   // not owned
+    const unsigned char* mData;    // not owned
     uint32_t mPosition;            // from the first byte of the header; past mLength after a chunk that lies
     uint32_t mLength;              // header included
 

@@ -44,12 +44,12 @@ public:
     // Writes the stream to a file; throws Exception where that can't be done.
     void save(const std::string& pFilename) const;
 
-    std::string                mFormat;
-    unsigned char              mVersionFirst;
-    unsigned char              mVersionSecond;
-    uint32_t                   mFlags;
-    std::deque<ChunkData>      mChunks; // innermost at the back
-    std::vector<unsigned char> mData;   // the whole stream, header included
+    std::string mFormat;
+    unsigned char mVersionFirst;
+    unsigned char mVersionSecond;
+    uint32_t mFlags;
+    std::deque<ChunkData> mChunks;    // innermost at the back
+    std::vector<unsigned char> mData; // the whole stream, header included
 };
 
 } // namespace zentrak::chunklib

@@ -79,10 +79,10 @@ public:
 
         void prepare();
 
-        int           mCorners = 0, mFaces = 0;
-        bool          mPrepared = false;
+        int mCorners = 0, mFaces = 0;
+        bool mPrepared = false;
         unsigned char mFace[MOST][4];
-        int           mColor[MOST];
+        int mColor[MOST];
         alignas(16) float mCorner[MOST][4];       // x, y, z, 1
         alignas(16) float mPlane[MOST / 4][4][4]; // of four faces each: the normals' x, y, z, and offset
         mathbase::Vector3f mCentre, mHalf;        // the box around it
@@ -122,7 +122,7 @@ public:
         mNormalDirty = true;
     }
     void normal(const mathbase::Vector3f& n) { normal(n.x, n.y, n.z); }
-    void attrib(int                       slot,
+    void attrib(int slot,
                 const mathbase::Vector4f& value); // generic attribute 6 to 9 of a program; not transformed
 
     // One primitive: `mode` is one of the ten of glBegin, GL_POINTS to GL_POLYGON; vertices that complete no
@@ -191,8 +191,8 @@ private:
     }; // HAS_ATTRIB << 0 to 3
 
     static constexpr GLenum NOTHING = 0xFFFFFFFF;
-    static constexpr int    ATTRIBS = 4;
-    static constexpr int    FIRST_ATTRIB = 6;
+    static constexpr int ATTRIBS = 4;
+    static constexpr int FIRST_ATTRIB = 6;
 
     // Of a shape, against the view volume.
     enum Place { INSIDE, ACROSS, OUTSIDE };
@@ -200,7 +200,7 @@ private:
     // Memory that grows and is kept; its start lies on a cache line.
     template <class T>
     struct Array {
-        T*     data = nullptr;
+        T* data = nullptr;
         size_t capacity = 0; // elements
 
         ~Array() { release(); }
@@ -210,17 +210,17 @@ private:
 
     // What the state of OpenGL means for the shapes; read at the first shape after a draw.
     struct View {
-        unsigned channels = 0;         // what the whole shapes write: CHANNEL_TEXCOORD, CHANNEL_NORMAL
-        bool     separate = false;     // primitives keep their form: polygons' edges alone, stippled lines
-        bool     edges = false;        // a face may be seen edge-on
-        bool     flat = false;         // a face has the colour of one of its corners
-        bool     cull = false;         // leave out what cannot be seen
-        bool     sample = false;       // a face covers a pixel where it covers the pixel's middle, else not
-        bool     keepCounter = true;   // GL_CULL_FACE lets counter-clockwise faces through
-        bool     keepClockwise = true; // and clockwise ones
-        int      planes = 15;          // those of x, y, z and w that count: a mask
-        float    margin = 0;           // how far OpenGL may move a corner, pixels
-        float    size = 0;             // of the window, pixels
+        unsigned channels = 0;     // what the whole shapes write: CHANNEL_TEXCOORD, CHANNEL_NORMAL
+        bool separate = false;     // primitives keep their form: polygons' edges alone, stippled lines
+        bool edges = false;        // a face may be seen edge-on
+        bool flat = false;         // a face has the colour of one of its corners
+        bool cull = false;         // leave out what cannot be seen
+        bool sample = false;       // a face covers a pixel where it covers the pixel's middle, else not
+        bool keepCounter = true;   // GL_CULL_FACE lets counter-clockwise faces through
+        bool keepClockwise = true; // and clockwise ones
+        int planes = 15;           // those of x, y, z and w that count: a mask
+        float margin = 0;          // how far OpenGL may move a corner, pixels
+        float size = 0;            // of the window, pixels
 
         alignas(16) float eye[4] = {};     // the point that is projected to x = y = w = 0
         alignas(16) float clip[4][4] = {}; // columns: what x, y, z and 1 are in clip space
@@ -236,67 +236,67 @@ private:
 
     // A shape is a centre and its half axes, 4 floats each one after the other, and `clip` the same in clip
     // space; faces are masks, one bit each.
-    void     boxAxes(const mathbase::Vector3f& centre, const mathbase::Vector3f& half, float* shape) const;
-    Place    toClip(const float* shape, float* clip, int axes) const;
-    float    roundingOf(const float* shape, int axes) const;
-    Place    placeOf(const float* clip, const float* shape, int axes) const;
-    float    marginOf(const float* clip, const float* shape, int axes) const;
-    void     localEye(const float* shape, float* eye) const;
+    void boxAxes(const mathbase::Vector3f& centre, const mathbase::Vector3f& half, float* shape) const;
+    Place toClip(const float* shape, float* clip, int axes) const;
+    float roundingOf(const float* shape, int axes) const;
+    Place placeOf(const float* clip, const float* shape, int axes) const;
+    float marginOf(const float* clip, const float* shape, int axes) const;
+    void localEye(const float* shape, float* eye) const;
     unsigned visibleFaces(const float* shape) const;
     unsigned visibleFaces(const Solid& solid) const;
     unsigned seenFaces(const float* corners, int count, const unsigned char (*face)[4], unsigned faces,
                        float rounding, float margin) const;
     unsigned seenFaces(const float* clip, unsigned faces, float rounding, float margin) const;
     unsigned seenFaces(const Solid& solid, unsigned faces, float rounding, float margin) const;
-    bool     coversSprite(const float* clip, float margin) const;
-    Place    placeSprite(const mathbase::Vector3f& centre, const mathbase::Vector3f& right,
-                         const mathbase::Vector3f& up, float* shape) const;
-    bool     mayCover(const float* window, const unsigned char* corners, float margin) const;
+    bool coversSprite(const float* clip, float margin) const;
+    Place placeSprite(const mathbase::Vector3f& centre, const mathbase::Vector3f& right,
+                      const mathbase::Vector3f& up, float* shape) const;
+    bool mayCover(const float* window, const unsigned char* corners, float margin) const;
 
     static __m128 toWindow(const View& view, __m128 clip);
-    static int    keptFaces(const View& view, __m128 area);
+    static int keptFaces(const View& view, __m128 area);
 
-    void  openPrimitive(GLenum mode);
-    void  closePrimitive(GLenum mode, size_t first);
-    void  addIndices(GLenum mode, size_t first, size_t count);
-    void  addQuads(const float* corners, const float* texture, size_t quads);
+    void openPrimitive(GLenum mode);
+    void closePrimitive(GLenum mode, size_t first);
+    void addIndices(GLenum mode, size_t first, size_t count);
+    void addQuads(const float* corners, const float* texture, size_t quads);
     Place placeOf(size_t first) const;
-    bool  isCulled(const float* a, const float* b, const float* c) const;
-    void  cullQuads();
-    void  moveQuad(size_t from, size_t to);
-    void  markRun(Place place);
-    void  fill(size_t first, size_t count, unsigned channels);
-    void  startChannel(unsigned channel);
-    void  reserveVertices(size_t more);
-    void  updateNormal();
-    void  normalMatrix(float* columns) const;
-    void  drawCollected();
-    void  drawRuns(GLenum mode, size_t count);
-    void  putArraysAside();
+    bool isCulled(const float* a, const float* b, const float* c) const;
+    void cullQuads();
+    void moveQuad(size_t from, size_t to);
+    void markRun(Place place);
+    void fill(size_t first, size_t count, unsigned channels);
+    void startChannel(unsigned channel);
+    void reserveVertices(size_t more);
+    void updateNormal();
+    void normalMatrix(float* columns) const;
+    void drawCollected();
+    void drawRuns(GLenum mode, size_t count);
+    void putArraysAside();
 
-    Array<float>    mPosition;        // 4 a vertex: x, y, z, 1
-    Array<float>    mColor;           // 4 a vertex
-    Array<float>    mTexCoord;        // 2 a vertex
-    Array<float>    mNormal;          // 4 a vertex: x, y, z, 0
-    Array<float>    mAttrib[ATTRIBS]; // 4 a vertex
+    Array<float> mPosition;        // 4 a vertex: x, y, z, 1
+    Array<float> mColor;           // 4 a vertex
+    Array<float> mTexCoord;        // 2 a vertex
+    Array<float> mNormal;          // 4 a vertex: x, y, z, 0
+    Array<float> mAttrib[ATTRIBS]; // 4 a vertex
     Array<uint32_t> mIndex;
 
     std::vector<uint32_t> mRuns; // the vertices at which shapes change between inside and across
-    std::vector<GLint>    mFirsts;
-    std::vector<GLsizei>  mCounts;
-    Place                 mFirstPlace = ACROSS;
-    Place                 mPlace = ACROSS; // of the last shape
+    std::vector<GLint> mFirsts;
+    std::vector<GLsizei> mCounts;
+    Place mFirstPlace = ACROSS;
+    Place mPlace = ACROSS; // of the last shape
 
-    size_t   mCount = 0;   // vertices
-    size_t   mRoom = 0;    // vertices for which every array in use has room
-    size_t   mIndices = 0; // 0 while the vertices are drawn as they lie
-    size_t   mFirst = 0;   // first vertex of the open primitive
-    size_t   mDraws = 0;
-    GLenum   mMode = NOTHING;     // the open primitive
-    GLenum   mDrawMode = NOTHING; // of what is collected
-    unsigned mHas = 0;            // the values that were given since the last flush: a mask of HAS_
-    bool     mLooked = false;     // mView is valid
-    View     mView;
+    size_t mCount = 0;   // vertices
+    size_t mRoom = 0;    // vertices for which every array in use has room
+    size_t mIndices = 0; // 0 while the vertices are drawn as they lie
+    size_t mFirst = 0;   // first vertex of the open primitive
+    size_t mDraws = 0;
+    GLenum mMode = NOTHING;     // the open primitive
+    GLenum mDrawMode = NOTHING; // of what is collected
+    unsigned mHas = 0;          // the values that were given since the last flush: a mask of HAS_
+    bool mLooked = false;       // mView is valid
+    View mView;
 
     alignas(16) float mCurrentColor[4] = {1, 1, 1, 1};
     alignas(16) float mCurrentNormal[4] = {0, 0, 1, 0};
@@ -304,11 +304,11 @@ private:
     alignas(16) float mCurrentAttrib[ATTRIBS][4] = {};
     alignas(16) float mTransform[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
     float mCurrentTexCoord[2] = {0, 0};
-    bool  mIdentity = true;
-    bool  mNormalDirty = false;
+    bool mIdentity = true;
+    bool mNormalDirty = false;
 
     unsigned mChannels = CHANNEL_AUTO;
-    Culling  mCulling = CULLING_AUTO;
+    Culling mCulling = CULLING_AUTO;
 };
 
 } // namespace zentrak::display

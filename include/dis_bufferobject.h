@@ -31,7 +31,7 @@ public:
     // The entries' memory, for writing, reading or both, until unlock(); null if OpenGL refuses. Asserts
     // "write==true || read==true" and "mBound".
     void* lock(bool write, bool read);
-    void  unlock(); // a damaged buffer is a warning: "Buffer object corrupted?!"
+    void unlock(); // a damaged buffer is a warning: "Buffer object corrupted?!"
 
     // Copies `numEntities` entries from `data` behind the first `firstEntity` ones. Asserts "mBound". A range
     // outside the buffer throws Exception.
@@ -43,13 +43,13 @@ public:
 protected:
     bool inRange(int firstEntity, int numEntities) const;
 
-    int      mEntities;   // entries
-    int      mEntitySize; // bytes of one
-    GLuint   mID;         // 0 when emulated
-    bool     mBound;
-    bool     mMapped;
+    int mEntities;   // entries
+    int mEntitySize; // bytes of one
+    GLuint mID;      // 0 when emulated
+    bool mBound;
+    bool mMapped;
     uint8_t* mCompPtr; // the emulation's memory; null with a buffer of OpenGL
-    GLenum   mTarget;
+    GLenum mTarget;
 
 private:
     void release() noexcept;

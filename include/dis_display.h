@@ -77,8 +77,8 @@ public:
 
     // Seconds since the window was opened, or as set. In FPS_DELTA the frames so far divided by the rate.
     double getTime() const;
-    void   setTime(double t);     // a time that is not finite is not set
-    void   sleep(double t) const; // seconds; nothing for 0, less, or what is not finite
+    void setTime(double t);     // a time that is not finite is not set
+    void sleep(double t) const; // seconds; nothing for 0, less, or what is not finite
 
     // Whether the context has an extension by name, or all of several with blanks between them.
     static bool hasExtension(const std::string& name);
@@ -146,31 +146,31 @@ public:
     void getScreenShot(am::Image& image) const;
     void getScreenShotRGB24(unsigned char* buffer) const;
 
-    int                    mContextCount; // openings of a window so far; resources compare against it
-    VBO*                   mCurrentVBO;   // bound now, or null
-    IBO*                   mCurrentIBO;   // bound now, or null
-    mathbase::MatrixGL     mCameraMatrix;
-    mathbase::MatrixGL     mTransformMatrix;
-    bool                   mOpened;
-    bool                   mDirty;
-    bool                   mIconified;
-    bool                   mFocused;
-    WindowMode             mWindowMode;
-    float                  mMouseX; // pixels from the upper left corner
-    float                  mMouseY;
-    float                  mMouseWheel; // steps
-    std::vector<Listener*> mListeners;  // not owned, in order of registration
-    bool                   mPressed[KEY_LAST];
-    FpsMode                mFpsType;
-    float                  mFps;
-    float                  mFpsLastTime;      // seconds; the time itself in FPS_DELTA
-    float                  mLastClickTime;    // -1 without a pending first click
-    bool                   mQuittingBlocking; // makes the next update give false
-    bool                   mPushedStates;     // the frame's attribute push is active
-    float                  mFpsCountFinal;    // the last measured frame rate
-    float                  mFpsCountFinalTime;
-    float                  mFpsCountFrames;
-    am::ArchiveManager*    mArchiveManager; // not owned; null until setArchive
+    int mContextCount; // openings of a window so far; resources compare against it
+    VBO* mCurrentVBO;  // bound now, or null
+    IBO* mCurrentIBO;  // bound now, or null
+    mathbase::MatrixGL mCameraMatrix;
+    mathbase::MatrixGL mTransformMatrix;
+    bool mOpened;
+    bool mDirty;
+    bool mIconified;
+    bool mFocused;
+    WindowMode mWindowMode;
+    float mMouseX; // pixels from the upper left corner
+    float mMouseY;
+    float mMouseWheel;                 // steps
+    std::vector<Listener*> mListeners; // not owned, in order of registration
+    bool mPressed[KEY_LAST];
+    FpsMode mFpsType;
+    float mFps;
+    float mFpsLastTime;     // seconds; the time itself in FPS_DELTA
+    float mLastClickTime;   // -1 without a pending first click
+    bool mQuittingBlocking; // makes the next update give false
+    bool mPushedStates;     // the frame's attribute push is active
+    float mFpsCountFinal;   // the last measured frame rate
+    float mFpsCountFinalTime;
+    float mFpsCountFrames;
+    am::ArchiveManager* mArchiveManager; // not owned; null until setArchive
 
     static DisplayGL* currentDisplay; // the one instance, or null; what GLFW's callbacks reach
 
@@ -183,14 +183,14 @@ private:
         explicit Walk(DisplayGL& display, bool forward);
         ~Walk();
         Walk(const Walk&) = delete;
-        Walk&     operator=(const Walk&) = delete;
+        Walk& operator=(const Walk&) = delete;
         Listener* next(); // null at the end
 
         DisplayGL& mDisplay;
-        bool       mForward;
-        size_t     mNext; // forward: the next one's index; backward: one more than it
-        size_t     mEnd;  // forward: where to stop, so that who joins in between waits for the next walk
-        Walk*      mOuter;
+        bool mForward;
+        size_t mNext; // forward: the next one's index; backward: one more than it
+        size_t mEnd;  // forward: where to stop, so that who joins in between waits for the next walk
+        Walk* mOuter;
     };
 
     void openWindow();
@@ -208,7 +208,7 @@ private:
     void dispatch(int (Listener::*operation)(const EventType&), const EventType& event);
 
     void onResize(int width, int height);
-    int  onClose();
+    int onClose();
     void onKey(int key, int action);
     void onChar(int character, int action);
     void onMousePos(int x, int y);
@@ -217,7 +217,7 @@ private:
 
     static void reshape(int width, int height);
     static void refreshFun();
-    static int  closeFun();
+    static int closeFun();
     static void keyFun(int key, int action);
     static void charFun(int character, int action);
     static void mousePosFun(int x, int y);
@@ -226,8 +226,8 @@ private:
 
     static std::vector<std::string> sDeniedExtensions;
 
-    Walk*     mWalks;      // the innermost walk going on, or null
-    double    mDeltaStart; // FPS_DELTA: the time that was set, and the frames since: no sum of rounded steps
+    Walk* mWalks;       // the innermost walk going on, or null
+    double mDeltaStart; // FPS_DELTA: the time that was set, and the frames since: no sum of rounded steps
     long long mDeltaFrames;
 
     std::unique_ptr<Batch> mBatch; // what the shapes above are drawn with

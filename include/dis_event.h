@@ -10,8 +10,8 @@ namespace zentrak::display {
 struct Event {
     mathbase::Vector2f mousePos;     // pixels from the window's upper left corner
     mathbase::Vector2f mousePosUnit; // mousePos divided by the window's size
-    float              mouseWheel;   // steps, a running sum
-    int                control;      // mask of KeyMod values: the modifier keys held down
+    float mouseWheel;                // steps, a running sum
+    int control;                     // mask of KeyMod values: the modifier keys held down
 
     Event() : mousePos(0, 0), mousePosUnit(0, 0), mouseWheel(0), control(KEYMOD_NONE) {}
 
@@ -40,13 +40,13 @@ struct CharEvent : Event {
 
 struct MouseButtonEvent : Event {
     MouseButton button = MOUSE_LEFT;
-    bool        doubleClick = false; // the second press of the left button within 0.8 seconds, unmoved
+    bool doubleClick = false; // the second press of the left button within 0.8 seconds, unmoved
 };
 
 // The mouse moved, or its wheel turned.
 struct MouseMoveEvent : Event {
-    mathbase::Vector2f mouseDelta;          // old position minus new: a move to the right is negative
-    float              mouseDeltaWheel = 0; // new wheel value minus old
+    mathbase::Vector2f mouseDelta; // old position minus new: a move to the right is negative
+    float mouseDeltaWheel = 0;     // new wheel value minus old
 
     MouseMoveEvent() : mouseDelta(0, 0) {}
 };

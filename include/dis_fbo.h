@@ -23,8 +23,8 @@ public:
 
     struct Entry {
         Attachment attachment;
-        Texture*   texture;
-        bool       manage; // the texture is this target's own
+        Texture* texture;
+        bool manage; // the texture is this target's own
     };
 
     explicit FBO(DisplayGL* display);
@@ -41,7 +41,7 @@ public:
     // Before the first bind. A texture gets the target's size, where that is set, and loses its mipmaps. The
     // first form takes a texture of the caller's, who keeps it alive; it asserts "texture!=0". The second
     // makes one, which belongs to the target, and gives it back for drawing with.
-    void     attach(Attachment attachment, Texture* texture);
+    void attach(Attachment attachment, Texture* texture);
     Texture* attach(Attachment attachment, Texture::Channels channels = Texture::CHAN_DEFAULT,
                     Texture::ChannelFormat format = Texture::FORMAT_DEFAULT);
 
@@ -61,13 +61,13 @@ public:
 private:
     void releaseNames() noexcept;
 
-    bool   mSetup; // the OpenGL objects exist
-    bool   mBound;
-    bool   mRenderZ;
-    GLint  mOldFBO; // the binding to go back to
-    int    mContextCount;
-    int    mScreenX;
-    int    mScreenY;
+    bool mSetup; // the OpenGL objects exist
+    bool mBound;
+    bool mRenderZ;
+    GLint mOldFBO; // the binding to go back to
+    int mContextCount;
+    int mScreenX;
+    int mScreenY;
     GLuint mFrameBuffer;
     GLuint mDepthTexture; // the renderbuffer
 };

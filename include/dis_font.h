@@ -40,13 +40,13 @@ public:
     struct Cell {
         float s0, t0, s1, t1;
     };
-    Cell     getCell(unsigned char c) const;
+    Cell getCell(unsigned char c) const;
     Texture& getTexture() { return mTexture; }
     // What of a character's cell shows anything, from the cell's upper left corner, at scale 1.
     const mathbase::Box2& getInk(unsigned char c) const { return mInk[c]; }
     // Where the texture is white and opaque, for shapes that are drawn along with text.
     mathbase::Vector2f getSolid() const { return mSolid; }
-    int                getAlignment() const { return mAlign; }
+    int getAlignment() const { return mAlign; }
 
     void setAlignment(int align) { mAlign = align; }
     void setSizeOfSpace(float size) { mKerning[32] = size; } // the advance of a space, in units of the screen
@@ -58,22 +58,22 @@ private:
     bool findSolid(const uint8_t* pixels);
     void setSolid(int left, int top, int width, int height);
 
-    uint32_t           mWidth; // of the image, in pixels
-    uint32_t           mHeight;
-    int                mCharWidth; // of a cell, in pixels
-    int                mCharHeight;
-    float              mKerning[256]; // advances, in units of the screen
-    int                mAlign;
-    float              mUnitSizeX; // one pixel of the image, in units of the screen
-    float              mUnitSizeY;
-    float              mLetterWidth; // one cell, in texture coordinates
-    float              mLetterHeight;
-    uint8_t*           mData;    // null after load
-    bool               mSpotted; // the cell of byte 0 holds the solid spot, and no glyph
-    mathbase::Box2     mInk[256];
+    uint32_t mWidth; // of the image, in pixels
+    uint32_t mHeight;
+    int mCharWidth; // of a cell, in pixels
+    int mCharHeight;
+    float mKerning[256]; // advances, in units of the screen
+    int mAlign;
+    float mUnitSizeX; // one pixel of the image, in units of the screen
+    float mUnitSizeY;
+    float mLetterWidth; // one cell, in texture coordinates
+    float mLetterHeight;
+    uint8_t* mData; // null after load
+    bool mSpotted;  // the cell of byte 0 holds the solid spot, and no glyph
+    mathbase::Box2 mInk[256];
     mathbase::Vector2f mSolid; // in texture coordinates
-    Texture            mTexture;
-    Batch              mBatch;
+    Texture mTexture;
+    Batch mBatch;
 };
 
 } // namespace zentrak::display

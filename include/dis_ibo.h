@@ -34,13 +34,13 @@ public:
     // What glDrawElements takes for the first index: an offset into the buffer, or an address under
     // emulation.
     const void* getPointerGL(int firstIndex) const;
-    GLenum      getFormatGL() const { return GLenum(mFormat); }
+    GLenum getFormatGL() const { return GLenum(mFormat); }
 
     // A range of vertices that the indices keep to; recorded, and read by nothing.
     void setLimits(int first, int last);
     bool isLimited() const { return mLow >= 0 && mHigh >= mLow; }
-    int  getFirstIndex() const { return mLow; } // -1 without limits
-    int  getLastIndex() const { return mHigh; } // -1 without limits
+    int getFirstIndex() const { return mLow; } // -1 without limits
+    int getLastIndex() const { return mHigh; } // -1 without limits
 
     void clear() override;
 
@@ -49,8 +49,8 @@ public:
 private:
     void leaveDisplay() noexcept;
 
-    int    mLow;
-    int    mHigh;
+    int mLow;
+    int mHigh;
     Format mFormat;
 };
 

@@ -28,15 +28,15 @@ public:
 
     virtual ~Listener(); // leaves its display
 
-    virtual int  onMouseUp(const MouseButtonEvent& event);
-    virtual int  onMouseDown(const MouseButtonEvent& event);
-    virtual int  onMouseMove(const MouseMoveEvent& event);
-    virtual int  onMouseWheel(const MouseMoveEvent& event);
-    virtual int  onKeyDown(const KeyEvent& event);
-    virtual int  onKeyUp(const KeyEvent& event);
-    virtual int  onCharDown(const CharEvent& event);
-    virtual int  onCharUp(const CharEvent& event);
-    virtual int  onQuit();
+    virtual int onMouseUp(const MouseButtonEvent& event);
+    virtual int onMouseDown(const MouseButtonEvent& event);
+    virtual int onMouseMove(const MouseMoveEvent& event);
+    virtual int onMouseWheel(const MouseMoveEvent& event);
+    virtual int onKeyDown(const KeyEvent& event);
+    virtual int onKeyUp(const KeyEvent& event);
+    virtual int onCharDown(const CharEvent& event);
+    virtual int onCharUp(const CharEvent& event);
+    virtual int onQuit();
     virtual void onResize(int oldWidth, int oldHeight); // the new size stands in the display's mWindowMode
     virtual void onMove();                              // never called: the window system does not tell
     virtual void onDraw();                              // once a frame, with the GL states reset

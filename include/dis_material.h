@@ -49,7 +49,7 @@ public:
     Material(const Material&) = delete;
     Material& operator=(const Material&) = delete;
 
-    void           setProgram(ShaderProgram* program) { mProgram = program; }
+    void setProgram(ShaderProgram* program) { mProgram = program; }
     ShaderProgram* getProgram() const { return mProgram; }
 
     // A value for bind to set, in place of an older one of this name. Asserts "false" while the program is
@@ -75,9 +75,9 @@ public:
 
 private:
     MaterialAttrib* findAttrib(const std::string& name); // null if there is none
-    void            replaceAttrib(const std::string& name, MaterialAttrib* attrib);
+    void replaceAttrib(const std::string& name, MaterialAttrib* attrib);
 
-    ShaderProgram*                         mProgram; // not owned
+    ShaderProgram* mProgram;                         // not owned
     std::map<std::string, MaterialAttrib*> mAttribs; // owned
 };
 

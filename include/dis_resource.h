@@ -24,11 +24,11 @@ public:
     Resource(DisplayGL* display, Mode mode); // the display is not owned, and may be null: then it never loads
     virtual ~Resource();
 
-    DisplayGL*       getDisplay() { return mDisplay; }
+    DisplayGL* getDisplay() { return mDisplay; }
     const DisplayGL* getDisplay() const { return mDisplay; }
-    void             setDisplay(DisplayGL* display) { mDisplay = display; }
-    void             setResourceMode(Mode mode) { mResourceMode = mode; }
-    Mode             getResourceMode() const { return mResourceMode; }
+    void setDisplay(DisplayGL* display) { mDisplay = display; }
+    void setResourceMode(Mode mode) { mResourceMode = mode; }
+    Mode getResourceMode() const { return mResourceMode; }
 
     bool canLoad() const; // it has a display, and that an archive manager
 
@@ -48,7 +48,7 @@ public:
 
 protected:
     DisplayGL* mDisplay; // not owned
-    Mode       mResourceMode;
+    Mode mResourceMode;
 };
 
 } // namespace zentrak::display

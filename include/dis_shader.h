@@ -104,9 +104,9 @@ private:
     void setUniform(const std::string& name, Upload upload);
 
     GLuint mHandle; // 0 until something is attached or linked
-    bool   mLinked;
-    bool   mBound;
-    int    mContext; // the opening of the window that the handle belongs to
+    bool mLinked;
+    bool mBound;
+    int mContext; // the opening of the window that the handle belongs to
 };
 
 } // namespace zentrak::display

@@ -69,15 +69,15 @@ private:
     }
 
     std::vector<Reach> mReach; // of each cell; empty before readTexture
-    float              mTexels = 0;
-    int                mFilter = 0; // of the texture, where it is minified
+    float mTexels = 0;
+    int mFilter = 0; // of the texture, where it is minified
 
-    bool               mCuts = false;  // the state lets what is faint be left out
-    bool               mAdds = false;  // the blending adds light
-    bool               mAlpha = false; // the target keeps alpha
+    bool mCuts = false;  // the state lets what is faint be left out
+    bool mAdds = false;  // the blending adds light
+    bool mAlpha = false; // the target keeps alpha
     mathbase::Vector3f mRight, mUp;
-    mathbase::Vector4f mDepth;      // the clip coordinate w of a point
-    float              mLength = 0; // pixels of a sprite of size 1 at w = 1, a little less than true
+    mathbase::Vector4f mDepth; // the clip coordinate w of a point
+    float mLength = 0;         // pixels of a sprite of size 1 at w = 1, a little less than true
 };
 
 } // namespace zentrak::display

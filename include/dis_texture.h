@@ -67,9 +67,9 @@ public:
     // from '%s'; ..." and "Cube maps with horizontal cross is not supported at the moment!".
     void init();
 
-    bool isLoaded() const;                   // it has pixels to come from, or is made
-    int  getWidth() const { return mWidth; } // pixels; -1 while it is to be taken from the image
-    int  getHeight() const { return mHeight; }
+    bool isLoaded() const;                  // it has pixels to come from, or is made
+    int getWidth() const { return mWidth; } // pixels; -1 while it is to be taken from the image
+    int getHeight() const { return mHeight; }
     bool hasMipmaps() const { return mMipmaps; }
 
     // These work on the bound texture: the caller binds it. setRepeat asserts that it is no cube map;
@@ -81,26 +81,26 @@ public:
 private:
     friend class FBO;
 
-    void   upload(GLenum internal, bool turned);
-    void   takeSizeFromImage();
-    void   takeSizeFromCross();
+    void upload(GLenum internal, bool turned);
+    void takeSizeFromImage();
+    void takeSizeFromCross();
     GLenum internalFormat() const;
-    void   uploadCross(GLenum internal);
-    void   bindAndLoadImage(const am::Image& image, GLenum target, GLenum internal, int x0, int y0, int x1,
-                            int y1, bool transpose);
+    void uploadCross(GLenum internal);
+    void bindAndLoadImage(const am::Image& image, GLenum target, GLenum internal, int x0, int y0, int x1,
+                          int y1, bool transpose);
     std::string sourceName() const;
 
-    int           mContextCount; // the display's, when the texture was made
-    std::string   mLoadFilename; // empty if there is no file
-    am::Image     mLoadImage;    // possibly null
-    bool          mInited;
-    bool          mMipmaps;
-    Channels      mChannels;
+    int mContextCount;         // the display's, when the texture was made
+    std::string mLoadFilename; // empty if there is no file
+    am::Image mLoadImage;      // possibly null
+    bool mInited;
+    bool mMipmaps;
+    Channels mChannels;
     ChannelFormat mFormat;
-    Target        mTarget;
-    int           mWidth;
-    int           mHeight;
-    GLuint        mTexture;
+    Target mTarget;
+    int mWidth;
+    int mHeight;
+    GLuint mTexture;
 };
 
 } // namespace zentrak::display

@@ -39,7 +39,7 @@ public:
     explicit VBO_wrap(DisplayGL* display) : VBO(display) {}
 
     void setup(int numVertices, T* data) { VBO::setup(T::format, numVertices, data); }
-    T*   lock(bool write, bool read) { return static_cast<T*>(VBO::lock(write, read)); }
+    T* lock(bool write, bool read) { return static_cast<T*>(VBO::lock(write, read)); }
     void replace(int firstEntity, int numEntities, T* data) { VBO::replace(firstEntity, numEntities, data); }
 };
 

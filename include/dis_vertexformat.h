@@ -48,12 +48,12 @@ struct VertexDef {
           va{va0, va1, va2, va3} {}
 
     static constexpr bool present(CHANNEL c) { return c >= 0 && c < NONE; }
-    static constexpr int  channels(CHANNEL c) { return present(c) ? c % 4 + 1 : 0; }           // components
-    static constexpr int  channelSize(CHANNEL c) { return present(c) ? groupSize[c / 4] : 0; } // bytes of one
-    static constexpr int  channelsSize(CHANNEL c) { return channels(c) * channelSize(c); }     // bytes of all
+    static constexpr int channels(CHANNEL c) { return present(c) ? c % 4 + 1 : 0; }           // components
+    static constexpr int channelSize(CHANNEL c) { return present(c) ? groupSize[c / 4] : 0; } // bytes of one
+    static constexpr int channelsSize(CHANNEL c) { return channels(c) * channelSize(c); }     // bytes of all
     static constexpr GLenum channelGL(CHANNEL c) { return present(c) ? groups[c / 4] : GL_NONE; }
 
-    int     size; // bytes a vertex
+    int size; // bytes a vertex
     CHANNEL pos;
     CHANNEL nor;
     CHANNEL col;
@@ -90,7 +90,7 @@ struct VertexP3N3T2 {
 
 struct VertexP3C4b {
     mathbase::Vector3f p;
-    uint8_t            r, g, b, a;
+    uint8_t r, g, b, a;
 
     static const VertexDef format;
 };

@@ -7,11 +7,11 @@ namespace zentrak::display {
 
 struct WindowMode {
     std::string title;
-    int         width;    // pixels
-    int         height;   // pixels
-    int         bitdepth; // bits per pixel
-    bool        fullscreen;
-    bool        canResize; // by the viewer, with the mouse
+    int width;    // pixels
+    int height;   // pixels
+    int bitdepth; // bits per pixel
+    bool fullscreen;
+    bool canResize; // by the viewer, with the mouse
 
     WindowMode() { setDefaults(); }
     WindowMode(const std::string& windowTitle, int windowWidth, int windowHeight, bool windowFullscreen) {

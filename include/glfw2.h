@@ -100,7 +100,7 @@ typedef void (*GLFWcharfun)(int character, int action); // Unicode; released wit
 
 // The library. glfwInit gives 1, or 0 without a display to open windows on; a second one does nothing and
 // gives 1. It sets the time to 0. glfwTerminate closes the window; the library can be initialised again.
-int  glfwInit();
+int glfwInit();
 void glfwTerminate();
 
 // The version of the GLFW that does the work. A null pointer is skipped.
@@ -113,15 +113,15 @@ void glfwGetVersion(int* major, int* minor, int* rev);
 // callbacks, switches and input start afresh. Gives 1, or 0 when there is a window already, when the library
 // is not initialised, when an argument is out of range or when no window can be had; the hints are back at
 // their defaults either way.
-int  glfwOpenWindow(int width, int height, int redbits, int greenbits, int bluebits, int alphabits,
-                    int depthbits, int stencilbits, int mode);
+int glfwOpenWindow(int width, int height, int redbits, int greenbits, int bluebits, int alphabits,
+                   int depthbits, int stencilbits, int mode);
 void glfwOpenWindowHint(int target,
                         int hint);          // GLFW_WINDOW_NO_RESIZE: 0 (default) or 1, for the next opening
 void glfwCloseWindow();                     // and its context
 void glfwSetWindowTitle(const char* title); // UTF-8; null is ignored
 void glfwGetWindowSize(int* width, int* height); // as of the last poll; 0 without a window. Null is skipped
 void glfwSetWindowSize(int width, int height);   // 1 to 32767; the change arrives with the events
-int  glfwGetWindowParam(int param);              // 0 or 1, as of the last poll; 0 without a window
+int glfwGetWindowParam(int param);               // 0 or 1, as of the last poll; 0 without a window
 void glfwSwapBuffers();
 void glfwSwapInterval(int interval); // 0 swaps at once, n at every n-th refresh; below 0 is 0
 
@@ -142,7 +142,7 @@ void glfwPollEvents();
 void glfwWaitEvents();
 
 // The state of a key by its code: GLFW_PRESS or GLFW_RELEASE, the latter also for a code that is no key.
-int  glfwGetKey(int key);
+int glfwGetKey(int key);
 void glfwEnable(int token);
 void glfwDisable(int token);
 
@@ -153,7 +153,7 @@ int glfwGetVideoModes(GLFWvidmode* list, int maxcount);
 // Seconds, monotonic, since glfwInit or as set. 0 while the library is not initialised; a time that is not
 // finite is not set. glfwSleep returns at once for 0, less, or what is not finite.
 double glfwGetTime();
-void   glfwSetTime(double time);
-void   glfwSleep(double time);
+void glfwSetTime(double time);
+void glfwSleep(double time);
 
 } // namespace zentrak::glfw2

@@ -21,20 +21,20 @@ public:
     struct Submesh {
         mathbase::Vector3f mBoxMin; // loading leaves the box at zero
         mathbase::Vector3f mBoxMax;
-        int                mFirstIndex = 0;
-        int                mIndexCount = 0;
-        int                mFirstVertex = 0;
-        int                mVertexCount = 0;
-        int                mMode = 0; // GL_TRIANGLES, or 0 for one that takes nothing
+        int mFirstIndex = 0;
+        int mIndexCount = 0;
+        int mFirstVertex = 0;
+        int mVertexCount = 0;
+        int mMode = 0; // GL_TRIANGLES, or 0 for one that takes nothing
     };
 
     std::vector<Submesh> mSubmeshes; // one for each of the o3d::Mesh
-    display::VBO         mVBO;
-    display::IBO         mIBO;
-    std::string          mName;
-    mathbase::Vector3f   mBoxMin; // of the o3d::Mesh
-    mathbase::Vector3f   mBoxMax;
-    display::DisplayGL*  mDisplay; // not owned
+    display::VBO mVBO;
+    display::IBO mIBO;
+    std::string mName;
+    mathbase::Vector3f mBoxMin; // of the o3d::Mesh
+    mathbase::Vector3f mBoxMax;
+    display::DisplayGL* mDisplay; // not owned
 
     explicit Mesh(display::DisplayGL* display);
 

@@ -20,7 +20,7 @@ namespace zentrak::kindler {
 class Effect : public script::Callback {
 public:
     display::DisplayGL* mDisplay = nullptr; // not owned; set just before setup()
-    std::string         mName;              // the name that it is registered under
+    std::string mName;                      // the name that it is registered under
 
     // Once, with the window open, for every registered effect in ascending order of the names.
     virtual void setup() {}
@@ -30,7 +30,7 @@ public:
 struct Common {
     // Both are made without a display: setDisplay() comes before all else.
     struct FBOData {
-        display::FBO     mFbo{nullptr};
+        display::FBO mFbo{nullptr};
         display::Texture mTexture{nullptr}; // attached to mFbo
     };
 

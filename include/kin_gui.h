@@ -37,22 +37,22 @@ class Ruler;
 // clang-format on
 class Gui : public panorama::Callback, public display::Listener {
 public:
-    display::DisplayGL*   mDisplay; // not owned
-    panorama::Panorama    mPanorama;
-    script::ScriptEngine* mEngine;        // not owned
-    float                 mFpsTime = 0;   // when the frame rate was shown last, seconds
-    int                   mFpsFrames = 0; // frames since then
-    bool                  mSetup = false;
-    float                 mDemoLength = 0; // seconds; to be set before setup
-    float                 mScroll = 0;     // of the time axis: 0 to 1
+    display::DisplayGL* mDisplay; // not owned
+    panorama::Panorama mPanorama;
+    script::ScriptEngine* mEngine; // not owned
+    float mFpsTime = 0;            // when the frame rate was shown last, seconds
+    int mFpsFrames = 0;            // frames since then
+    bool mSetup = false;
+    float mDemoLength = 0; // seconds; to be set before setup
+    float mScroll = 0;     // of the time axis: 0 to 1
 
     // Joins the listeners of the display, and its Panorama behind it. The display must be open.
     Gui(display::DisplayGL* window, script::ScriptEngine* engine);
 
     void contextAction(panorama::Context* context, std::string text) override;
     void controlAction(panorama::Control* control, panorama::Action action) override; // of "timeslider" alone
-    int  onKeyDown(const display::KeyEvent& event) override; // Tab; never stops an event
-    void onDraw() override;                                  // asserts "mSetup"
+    int onKeyDown(const display::KeyEvent& event) override; // Tab; never stops an event
+    void onDraw() override;                                 // asserts "mSetup"
 
     // Reads the layout and builds the rows: once. Throws Exception without the layout file, and when it lacks
     // a control that has to be there, with the names of all that are missing.
@@ -64,12 +64,12 @@ public:
 private:
     panorama::Control* mMain = nullptr; // these are the layout's
     panorama::Control* mRows = nullptr;
-    panorama::Slider*  mSlider = nullptr;
-    panorama::Stat*    mStat = nullptr;
-    panorama::Label*   mFps = nullptr;   // or null
-    Ruler*             mRuler = nullptr; // or null
-    float              mSliderWidth = 0; // pixels; what the slider's range was made for
-    std::string        mText;
+    panorama::Slider* mSlider = nullptr;
+    panorama::Stat* mStat = nullptr;
+    panorama::Label* mFps = nullptr; // or null
+    Ruler* mRuler = nullptr;         // or null
+    float mSliderWidth = 0;          // pixels; what the slider's range was made for
+    std::string mText;
 
     void findControls();
     void addRows();

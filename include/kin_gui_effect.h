@@ -24,8 +24,8 @@ public:
     enum Part : int { PART_NONE = 0, PART_BAR = 1, PART_LEFT = 2, PART_RIGHT = 3 };
 
     script::Effect* mEffect = nullptr; // not owned; null moves nothing
-    int             mHoverPart = PART_NONE;
-    int             mDragPart = PART_NONE; // held by the mouse
+    int mHoverPart = PART_NONE;
+    int mDragPart = PART_NONE; // held by the mouse
 
     Effector();
 
@@ -41,17 +41,17 @@ public:
 
     void load(xml::IteratorConst& it) override;
     bool acceptEvents(panorama::Event& event) override; // also while the mouse is on a part, or holds one
-    int  handleEvent(panorama::Event& event) override;
+    int handleEvent(panorama::Event& event) override;
     void draw() override;
 
 private:
     std::vector<Control*> mFollowers;
-    panorama::Drag        mDrag; // of mDragPart
+    panorama::Drag mDrag; // of mDragPart
 
-    int            findPart(const mathbase::Vector2f& place) const;
+    int findPart(const mathbase::Vector2f& place) const;
     mathbase::Box2 getHandle(int part) const;
-    void           drag(float delta);
-    void           follow();
+    void drag(float delta);
+    void follow();
 };
 
 } // namespace zentrak::kindler

@@ -40,7 +40,7 @@ public:
     void setScrollPos(float position); // pixels that the strip is moved to the left
 
     void buildChildArea() override;
-    int  handleEvent(panorama::Event& event) override;
+    int handleEvent(panorama::Event& event) override;
     void draw() override;
 
 private:

@@ -16,8 +16,8 @@ namespace zentrak::kindler {
 class Ruler : public panorama::Control {
 public:
     script::ScriptEngine* mEngine = nullptr; // not owned; null has no time
-    panorama::Control*    mRows = nullptr;   // not owned; what the line goes through, or null
-    float                 mScrollPos = 0;    // pixels that the axis is moved to the left
+    panorama::Control* mRows = nullptr;      // not owned; what the line goes through, or null
+    float mScrollPos = 0;                    // pixels that the axis is moved to the left
 
     Ruler();
 

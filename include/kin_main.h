@@ -24,40 +24,40 @@ class Gui;
 
 class Kindler : public display::Listener {
 public:
-    display::DisplayGL*  mDisplay = nullptr; // owned; openDisplay makes it
-    Gui*                 mGui = nullptr;     // owned for the length of run; not cleared at its end
-    display::Clock       mClock;             // the time of the script
-    bool                 mNoSound = false;   // no audio at all
-    bool                 mMuted = false;
-    Music                mMusic;
-    float                mDemoLength = 500.0f; // seconds; with sound that of the music
-    std::string          mMusicFile;
-    bool                 mSetupDone = false;      // setup is complete, and the end saves
-    bool                 mDisplayEnabled = false; // the setup file has a display element
-    bool                 mLoop = false;           // the end of the music is not the end of the show
-    bool                 mPaused = false;         // time stands still at mPausedTime
-    float                mStartTime = 0;          // seconds; where the show starts and where the key T goes
-    float                mTime = 0;               // seconds of the music if there is sound, else mRawTime
-    float                mRawTime = 0;            // seconds of the script
-    float                mPausedTime = 0;
-    bool                 mFullscreen = false;
-    std::string          mTitle;             // of the window
-    int                  mHeight = 0;        // pixels
-    int                  mWidth = 0;         // pixels
-    bool                 mOsdShow = true;    // the on-screen display may show at all
-    int                  mOsdLocation = 0;   // 0 top, 1 middle, 2 bottom
-    float                mOsdDelay = 2.0f;   // seconds that it stays up
-    float                mOsdTime = -100.0f; // when it was raised last
-    bool                 mNoListener = true; // openDisplay does not add the driver to the listeners
-    int                  mSetupWidth = 0;    // these four are kept from the setup file and read by nothing
-    int                  mSetupHeight = 0;
-    std::string          mSetupFilename;
-    std::string          mSetupTitle;
-    std::string          mScriptFile; // the last one loaded
-    am::ArchiveManager   mArchives;
-    am::VideoFile*       mVideo = nullptr; // owned; set, every frame is written to a file
-    am::Image            mFrame;           // what mVideo writes
-    float                mDumpRate = 0;    // frames a second
+    display::DisplayGL* mDisplay = nullptr; // owned; openDisplay makes it
+    Gui* mGui = nullptr;                    // owned for the length of run; not cleared at its end
+    display::Clock mClock;                  // the time of the script
+    bool mNoSound = false;                  // no audio at all
+    bool mMuted = false;
+    Music mMusic;
+    float mDemoLength = 500.0f; // seconds; with sound that of the music
+    std::string mMusicFile;
+    bool mSetupDone = false;      // setup is complete, and the end saves
+    bool mDisplayEnabled = false; // the setup file has a display element
+    bool mLoop = false;           // the end of the music is not the end of the show
+    bool mPaused = false;         // time stands still at mPausedTime
+    float mStartTime = 0;         // seconds; where the show starts and where the key T goes
+    float mTime = 0;              // seconds of the music if there is sound, else mRawTime
+    float mRawTime = 0;           // seconds of the script
+    float mPausedTime = 0;
+    bool mFullscreen = false;
+    std::string mTitle;       // of the window
+    int mHeight = 0;          // pixels
+    int mWidth = 0;           // pixels
+    bool mOsdShow = true;     // the on-screen display may show at all
+    int mOsdLocation = 0;     // 0 top, 1 middle, 2 bottom
+    float mOsdDelay = 2.0f;   // seconds that it stays up
+    float mOsdTime = -100.0f; // when it was raised last
+    bool mNoListener = true;  // openDisplay does not add the driver to the listeners
+    int mSetupWidth = 0;      // these four are kept from the setup file and read by nothing
+    int mSetupHeight = 0;
+    std::string mSetupFilename;
+    std::string mSetupTitle;
+    std::string mScriptFile; // the last one loaded
+    am::ArchiveManager mArchives;
+    am::VideoFile* mVideo = nullptr; // owned; set, every frame is written to a file
+    am::Image mFrame;                // what mVideo writes
+    float mDumpRate = 0;             // frames a second
     script::ScriptEngine mScript;
 
     Kindler() = default;
@@ -90,7 +90,7 @@ public:
 
     void drawOsd();
 
-    int  onKeyDown(const display::KeyEvent& event) override;
+    int onKeyDown(const display::KeyEvent& event) override;
     void onDraw() override;
 
     // What the buttons of a launcher do when they are released: "button_run" closes the window, "button_exit"
@@ -101,7 +101,7 @@ private:
     struct Editor; // makes mGui, and deletes it
 
     display::Batch mOsd;
-    bool           mEditing = false; // mGui is there
+    bool mEditing = false; // mGui is there
 
     bool hasSound() const;
     bool editorVisible() const;

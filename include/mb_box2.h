@@ -14,7 +14,7 @@ struct Box2 {
         : x1(left), y1(top), x2(right), y2(bottom) {}
 
     // A box without extent, such as the default one, is not empty: only one turned inside out is.
-    constexpr bool  isEmpty() const { return x2 < x1 || y2 < y1; }
+    constexpr bool isEmpty() const { return x2 < x1 || y2 < y1; }
     constexpr float getWidth() const { return x2 - x1; }
     constexpr float getHeight() const { return y2 - y1; }
 

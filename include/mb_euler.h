@@ -7,7 +7,7 @@
 namespace zentrak::mathbase {
 
 struct Euler {
-    Vector3f      angles; // radians about x, y and z
+    Vector3f angles; // radians about x, y and z
     RotationOrder order;
 
     constexpr Euler() = default;

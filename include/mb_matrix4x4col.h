@@ -115,9 +115,9 @@ struct Matrix4x4Col {
     // straight up or down, x stands in for up. Asserts that the two points differ.
     void setCamera(const Vector3f& eye, const Vector3f& target, float roll) {
         const CameraFrame frame(eye, target);
-        const Vector3f&   s = frame.side;
-        const Vector3f&   u = frame.up;
-        const Vector3f&   f = frame.forward;
+        const Vector3f& s = frame.side;
+        const Vector3f& u = frame.up;
+        const Vector3f& f = frame.forward;
         setColumn(0, s.x, u.x, -f.x, 0);
         setColumn(1, s.y, u.y, -f.y, 0);
         setColumn(2, s.z, u.z, -f.z, 0);
@@ -253,7 +253,7 @@ private:
 
         CameraFrame(const Vector3f& eye, const Vector3f& target) : forward(target - eye) {
             forward.normalize();
-            const bool     vertical = forward.x == 0 && forward.z == 0;
+            const bool vertical = forward.x == 0 && forward.z == 0;
             const Vector3f upwards = vertical ? Vector3f(-forward.y, 0, 0) : Vector3f(0, 1, 0);
             side = forward.cross(upwards);
             side.normalize();

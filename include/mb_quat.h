@@ -118,7 +118,7 @@ struct Quatf {
     Vector3f operator*(const Vector3f& v) const;
     Vector4f operator*(const Vector4f& v) const;
 
-    float           length() const { return sqrtf(length2()); }
+    float length() const { return sqrtf(length2()); }
     constexpr float length2() const { return w * w + x * x + y * y + z * z; }
 
     // Makes it one long. Asserts that it has a length.

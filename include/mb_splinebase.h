@@ -10,7 +10,7 @@ namespace zentrak::mathbase {
 
 template <typename VALUETYPE>
 struct SplineBaseKey {
-    float     time = 0;
+    float time = 0;
     VALUETYPE value = 0;
     VALUETYPE tangentIn = 0;  // stored negated: the value in the direction of the previous key
     VALUETYPE tangentOut = 0; // both tangents are scaled to the segment they belong to
@@ -25,12 +25,12 @@ enum SplineBaseMode { SPLINE_SQUARE = 0, SPLINE_LINEAR = 1, SPLINE_SMOOTH = 2 };
 template <typename VALUETYPE, typename KEYTYPE>
 class SplineBase {
 public:
-    mutable int          mCurrent = -1; // segment of the last look-up, or a SplineBaseOutcome
-    VALUETYPE            mMin = 0;      // bounds of the keys' values; only smooth splines with automatic
-    VALUETYPE            mMax = 0;      // tangents widen them beyond the first key
-    int                  mMode = SPLINE_SMOOTH;
-    std::vector<KEYTYPE> mKeys;                // ascending by time
-    bool                 mAutoTangents = true; // recomputed at each change, in smooth mode
+    mutable int mCurrent = -1; // segment of the last look-up, or a SplineBaseOutcome
+    VALUETYPE mMin = 0;        // bounds of the keys' values; only smooth splines with automatic
+    VALUETYPE mMax = 0;        // tangents widen them beyond the first key
+    int mMode = SPLINE_SMOOTH;
+    std::vector<KEYTYPE> mKeys; // ascending by time
+    bool mAutoTangents = true;  // recomputed at each change, in smooth mode
 
     // Inserts behind all keys of the same or an earlier time and returns the new key's index.
     int addKey(const KEYTYPE& key) {
@@ -97,10 +97,10 @@ public:
                 key.tangentOut = 0;
                 key.tangentIn = -(key.value - previous.value) * (key.time - previous.time);
             } else {
-                const KEYTYPE&  previous = mKeys[i - 1];
-                const KEYTYPE&  next = mKeys[i + 1];
-                const float     spanBefore = key.time - previous.time;
-                const float     spanAfter = next.time - key.time;
+                const KEYTYPE& previous = mKeys[i - 1];
+                const KEYTYPE& next = mKeys[i + 1];
+                const float spanBefore = key.time - previous.time;
+                const float spanAfter = next.time - key.time;
                 const VALUETYPE slope = (next.value - key.value) * (0.5f / spanBefore) +
                                         (key.value - previous.value) * (0.5f / spanAfter);
                 key.tangentOut = slope * spanAfter;
@@ -126,14 +126,14 @@ public:
             return a.value;
         }
         const KEYTYPE& b = mKeys[found + 1];
-        const float    u = (time - a.time) / (b.time - a.time);
+        const float u = (time - a.time) / (b.time - a.time);
         if (mMode == SPLINE_LINEAR) {
             return (1.0f - u) * a.value + u * b.value;
         }
         const VALUETYPE d = b.value - a.value;
         const VALUETYPE m = a.tangentOut;
         const VALUETYPE w = b.tangentIn;
-        const float     u2 = u * u;
+        const float u2 = u * u;
         return a.value + m * u + (3.0f * d - 2.0f * m + w) * u2 + (m - 2.0f * d - w) * (u2 * u);
     }
 

@@ -30,7 +30,7 @@ struct Vector2f {
 
     constexpr bool operator==(const Vector2f& v) const = default;
 
-    float           length() const { return sqrtf(length2()); }
+    float length() const { return sqrtf(length2()); }
     constexpr float length2() const { return x * x + y * y; }
     constexpr float product() const { return x * y; }
 

@@ -62,7 +62,7 @@ struct Vector3T {
 
     // The product component by component.
     constexpr Vector3T multiply(const Vector3T& v) const { return Vector3T(x * v.x, y * v.y, z * v.z); }
-    constexpr FLOAT    dot(const Vector3T& v) const { return x * v.x + y * v.y + z * v.z; }
+    constexpr FLOAT dot(const Vector3T& v) const { return x * v.x + y * v.y + z * v.z; }
 
     // The cross product, right-handed, and its left-handed mirror image.
     constexpr Vector3T cross(const Vector3T& v) const {
@@ -71,7 +71,7 @@ struct Vector3T {
     constexpr Vector3T crossRHS(const Vector3T& v) const { return cross(v); }
     constexpr Vector3T crossLHS(const Vector3T& v) const { return v.cross(*this); }
 
-    FLOAT           length() const { return std::sqrt(length2()); }
+    FLOAT length() const { return std::sqrt(length2()); }
     constexpr FLOAT length2() const { return x * x + y * y + z * z; }
     constexpr FLOAT product() const { return x * y * z; }
 
@@ -107,9 +107,9 @@ struct Vector3T {
 
     // Component `index`, 0 to 2. Any other index means the last one. (The index is as wide as a pointer
     // difference so that no index prefers the conversion below.)
-    constexpr FLOAT  operator[](std::ptrdiff_t index) const { return index == 0 ? x : index == 1 ? y : z; }
+    constexpr FLOAT operator[](std::ptrdiff_t index) const { return index == 0 ? x : index == 1 ? y : z; }
     constexpr FLOAT& operator[](std::ptrdiff_t index) { return index == 0 ? x : index == 1 ? y : z; }
-    constexpr FLOAT  operator()(std::ptrdiff_t index) const { return (*this)[index]; }
+    constexpr FLOAT operator()(std::ptrdiff_t index) const { return (*this)[index]; }
     constexpr FLOAT& operator()(std::ptrdiff_t index) { return (*this)[index]; }
 
     // In place and component by component, the greater or the lesser of the two.

@@ -109,7 +109,7 @@ struct Vector4f {
     // Of x, y and z alone.
     constexpr float dot(const Vector3f& v) const { return x * v.x + y * v.y + z * v.z; }
 
-    float           length() const { return sqrtf(length2()); }
+    float length() const { return sqrtf(length2()); }
     constexpr float length2() const { return x * x + y * y + z * z + w * w; }
     constexpr float product() const { return x * y * z * w; }
 
@@ -151,7 +151,7 @@ struct Vector4f {
     constexpr float& operator[](std::ptrdiff_t index) {
         return index == 0 ? x : index == 1 ? y : index == 2 ? z : w;
     }
-    constexpr float  operator()(std::ptrdiff_t index) const { return (*this)[index]; }
+    constexpr float operator()(std::ptrdiff_t index) const { return (*this)[index]; }
     constexpr float& operator()(std::ptrdiff_t index) { return (*this)[index]; }
 
     // In place and component by component, the greater or the lesser of the two.

@@ -24,19 +24,19 @@ public:
         // its tail.
         void updatePose(const Quatf& parentRotation, const Vector3f& parentPosition);
 
-        std::string        mName;
-        std::vector<Bone*> mChildren;                       // owned
-        Vector3f           mHead{0.0f, 0.0f, 0.0f};         // at rest, from the parent's tail
-        Vector3f           mPosePosition{0.0f, 0.0f, 0.0f}; // computed
-        Quatf              mRotation;                       // at rest, relative to the parent
-        Quatf              mPoseRotation;                   // computed
-        float              mLength = 0.0f;                  // along the local negative z axis
-        TrackQuatf         mRotationTrack;                  // the pose leaves it out
+        std::string mName;
+        std::vector<Bone*> mChildren;             // owned
+        Vector3f mHead{0.0f, 0.0f, 0.0f};         // at rest, from the parent's tail
+        Vector3f mPosePosition{0.0f, 0.0f, 0.0f}; // computed
+        Quatf mRotation;                          // at rest, relative to the parent
+        Quatf mPoseRotation;                      // computed
+        float mLength = 0.0f;                     // along the local negative z axis
+        TrackQuatf mRotationTrack;                // the pose leaves it out
     };
 
     Armature();
     ~Armature() override;
-    int  getType() const override;
+    int getType() const override;
     void clear() override;
     void loadChunk(chunklib::ReadBuffer& buffer) override;
     // Writes nothing: armatures are lost on writing.
@@ -55,7 +55,7 @@ public:
     void loadChunk(chunklib::ReadBuffer& buffer);
     void writeChunk(chunklib::WriteBuffer& buffer) const;
 
-    int                 mGroup = 0;
+    int mGroup = 0;
     BoneGroupWeightList mWeights;
 };
 

@@ -6,8 +6,8 @@
 namespace zentrak::o3d {
 
 constexpr const char* FORMAT = "O3DF";
-constexpr int         VERSION_FIRST = 1;
-constexpr int         VERSION_SECOND = 1;
+constexpr int VERSION_FIRST = 1;
+constexpr int VERSION_SECOND = 1;
 
 enum ChunkId : uint16_t {
     CHUNK_MAIN = 0x1000,

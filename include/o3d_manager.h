@@ -37,14 +37,14 @@ public:
     void addScene(Scene* scene);
 
     // The object of exactly that name, or null. Of scenes the first.
-    Scene*          getScene(const std::string& name);
-    const Scene*    getScene(const std::string& name) const;
-    Mesh*           getMesh(const std::string& name);
-    const Mesh*     getMesh(const std::string& name) const;
-    Material*       getMaterial(const std::string& name);
+    Scene* getScene(const std::string& name);
+    const Scene* getScene(const std::string& name) const;
+    Mesh* getMesh(const std::string& name);
+    const Mesh* getMesh(const std::string& name) const;
+    Material* getMaterial(const std::string& name);
     const Material* getMaterial(const std::string& name) const;
-    Image*          getImage(const std::string& name);
-    const Image*    getImage(const std::string& name) const;
+    Image* getImage(const std::string& name);
+    const Image* getImage(const std::string& name) const;
 
     // The place in the list, or -1.
     int getMeshIndex(const std::string& name) const;
@@ -52,10 +52,10 @@ public:
     int getImageIndex(const std::string& name) const;
 
     // All owned.
-    std::vector<Mesh*>         mMeshes;
-    std::vector<Material*>     mMaterials;
-    std::vector<Scene*>        mScenes;
-    std::vector<Image*>        mImages;
+    std::vector<Mesh*> mMeshes;
+    std::vector<Material*> mMaterials;
+    std::vector<Scene*> mScenes;
+    std::vector<Image*> mImages;
     std::map<std::string, int> mImageMap;
     std::map<std::string, int> mMeshMap;
     std::map<std::string, int> mMaterialMap;

@@ -18,7 +18,7 @@ public:
 
     std::string mName;
     std::string mImageName; // of an Image of the same Manager
-    int         mValue = 0; // 0 to 255; its meaning is the exporter's
+    int mValue = 0;         // 0 to 255; its meaning is the exporter's
 };
 
 class Image {
@@ -38,9 +38,9 @@ public:
         void loadChunk(chunklib::ReadBuffer& buffer);
         void writeChunk(chunklib::WriteBuffer& buffer) const;
 
-        std::string           mName;
-        Vector4f              mColor{0.0f, 0.0f, 0.0f, 0.0f}; // red, green, blue, alpha
-        std::vector<Texture*> mTextures;                      // those from a file live until the process ends
+        std::string mName;
+        Vector4f mColor{0.0f, 0.0f, 0.0f, 0.0f}; // red, green, blue, alpha
+        std::vector<Texture*> mTextures;         // those from a file live until the process ends
     };
 
     Material();
@@ -53,9 +53,9 @@ public:
     void writeChunk(chunklib::WriteBuffer& buffer) const;
 
     std::vector<Attribute*> mAttributes; // owned
-    std::string             mName;
-    bool                    mFlag1; // meanings are the exporter's
-    bool                    mFlag2;
+    std::string mName;
+    bool mFlag1; // meanings are the exporter's
+    bool mFlag2;
 };
 
 } // namespace zentrak::o3d

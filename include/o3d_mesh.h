@@ -29,14 +29,14 @@ public:
     // outside the parent's vertices does not count.
     void updateBox();
 
-    Vector3f                           mBoxMin;
-    Vector3f                           mBoxMax;
-    int                                mMaterial; // index in the Mesh's material names
-    std::vector<Triangle>              mTriangles;
-    std::vector<Index>                 mIndices;
-    std::vector<StructList<Vector3f>*> mTexCoords;     // owned; the first list counts, parallel to mIndices
-    std::vector<TangentSpace>          mTangentSpaces; // parallel to mIndices, or empty
-    Mesh*                              mParent;        // not owned
+    Vector3f mBoxMin;
+    Vector3f mBoxMax;
+    int mMaterial; // index in the Mesh's material names
+    std::vector<Triangle> mTriangles;
+    std::vector<Index> mIndices;
+    std::vector<StructList<Vector3f>*> mTexCoords; // owned; the first list counts, parallel to mIndices
+    std::vector<TangentSpace> mTangentSpaces;      // parallel to mIndices, or empty
+    Mesh* mParent;                                 // not owned
 };
 
 class Mesh {
@@ -73,18 +73,18 @@ public:
     const std::string& getMaterial(int i) const;
 
     // Weights of a group. Asserts that there is such a group, which no file brings.
-    BoneGroupWeightList&       getBoneGroup(int groupID);
+    BoneGroupWeightList& getBoneGroup(int groupID);
     const BoneGroupWeightList& getBoneGroup(int groupID) const;
     // Never true: the comparison stands the wrong way round on purpose.
     bool hasBoneGroup(int groupID) const;
 
-    std::string              mName;
+    std::string mName;
     std::vector<std::string> mMaterials; // names, by the Submeshes' material numbers
-    std::vector<Vector3f>    mVertices;  // positions
-    std::vector<Submesh*>    mSubmeshes; // owned
-    Vector3f                 mBoxMin;
-    Vector3f                 mBoxMax;
-    std::vector<BoneGroup*>  mBoneGroup; // owned; stays empty when loading
+    std::vector<Vector3f> mVertices;     // positions
+    std::vector<Submesh*> mSubmeshes;    // owned
+    Vector3f mBoxMin;
+    Vector3f mBoxMax;
+    std::vector<BoneGroup*> mBoneGroup; // owned; stays empty when loading
 };
 
 } // namespace zentrak::o3d

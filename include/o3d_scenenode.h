@@ -31,7 +31,7 @@ public:
     virtual float getAnimationLength() const;
 
     // The first direct child of exactly that name, or null.
-    SceneNode*       getChild(const std::string& name);
+    SceneNode* getChild(const std::string& name);
     const SceneNode* getChild(const std::string& name) const;
     // Appends the child, which this node owns from then on. Null is ignored.
     void addChild(SceneNode* child);
@@ -46,17 +46,17 @@ public:
     void calculateMatrix(float time, mathbase::Matrix4x4Col& result) const;
     void calculateMatrix(float time, mathbase::Matrix4x4Col& result, bool& flipped) const;
 
-    TrackVector3f           mPosition;
-    TrackEulerf             mRotation;
-    TrackVector3f           mScale{1.0f};
-    std::string             mName;
+    TrackVector3f mPosition;
+    TrackEulerf mRotation;
+    TrackVector3f mScale{1.0f};
+    std::string mName;
     std::vector<SceneNode*> mChildren; // owned
 };
 
 // The root of a tree. Its transform tracks play no part.
 class Scene : public SceneNode {
 public:
-    int  getType() const override;
+    int getType() const override;
     void loadChunk(chunklib::ReadBuffer& buffer) override;
     void writeChunk(chunklib::WriteBuffer& buffer) override;
 };
@@ -64,7 +64,7 @@ public:
 // Only its transform, for its children.
 class Dummy : public SceneNode {
 public:
-    int  getType() const override;
+    int getType() const override;
     void loadChunk(chunklib::ReadBuffer& buffer) override;
     void writeChunk(chunklib::WriteBuffer& buffer) override;
 };
@@ -74,7 +74,7 @@ public:
 class Camera : public SceneNode {
 public:
     Camera();
-    int  getType() const override;
+    int getType() const override;
     void clear() override;
     void loadChunk(chunklib::ReadBuffer& buffer) override;
     void writeChunk(chunklib::WriteBuffer& buffer) override;
@@ -85,26 +85,26 @@ public:
 class Light : public SceneNode {
 public:
     Light();
-    int   getType() const override;
-    void  clear() override;
-    void  loadChunk(chunklib::ReadBuffer& buffer) override;
-    void  writeChunk(chunklib::WriteBuffer& buffer) override;
-    bool  isStatic() const override;
+    int getType() const override;
+    void clear() override;
+    void loadChunk(chunklib::ReadBuffer& buffer) override;
+    void writeChunk(chunklib::WriteBuffer& buffer) override;
+    bool isStatic() const override;
     float getAnimationLength() const override;
 
     // Nothing fixes the meaning of those that are named after their chunk.
-    bool         mFlag5151;
+    bool mFlag5151;
     TrackColor4f mColor;
-    TrackFloat   mTrack5150;
-    TrackFloat   mTrack5160;
-    TrackFloat   mAngle; // radians
+    TrackFloat mTrack5150;
+    TrackFloat mTrack5160;
+    TrackFloat mAngle; // radians
 };
 
 // Puts a Mesh of the Manager into the scene, by name.
 class MeshInstance : public SceneNode {
 public:
     MeshInstance();
-    int  getType() const override;
+    int getType() const override;
     void clear() override;
     void loadChunk(chunklib::ReadBuffer& buffer) override;
     void writeChunk(chunklib::WriteBuffer& buffer) override;
@@ -112,7 +112,7 @@ public:
     // The name that replaces material number `i` of the Mesh in this instance; empty where nothing does.
     const std::string& getMaterial(int i) const;
 
-    std::string              mMeshName;
+    std::string mMeshName;
     std::vector<std::string> mMaterials; // by material number; empty: the Mesh's own
 };
 

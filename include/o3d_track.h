@@ -68,14 +68,14 @@ public:
     // room for three; the number of those found comes back.
     int solveForTime(const Key& a, const Key& b, float time, float* result) const;
 
-    float            mValue; // where there are no keys
-    int              mInterpolation = INTERPOLATION_CONSTANT;
-    int              mExtrapolation = EXTRAPOLATION_CONSTANT;
-    std::vector<Key> mKeys;       // ascending in time
-    mutable int      mIndex = -1; // of the segment found last
+    float mValue; // where there are no keys
+    int mInterpolation = INTERPOLATION_CONSTANT;
+    int mExtrapolation = EXTRAPOLATION_CONSTANT;
+    std::vector<Key> mKeys;  // ascending in time
+    mutable int mIndex = -1; // of the segment found last
 
 private:
-    void   correctHandles();
+    void correctHandles();
     size_t findSegment(float time) const;
 };
 
@@ -86,10 +86,10 @@ struct TrackFloat {
     TrackBlenderFloat mX;
 
     explicit TrackFloat(float value = 0.0f) : mX(value) {}
-    void  clear(float value) { mX.clear(value); }
-    void  loadChunk(chunklib::ReadBuffer& buffer);
-    void  writeChunk(chunklib::WriteBuffer& buffer, unsigned short id) const;
-    bool  isStatic() const { return mX.isStatic(); }
+    void clear(float value) { mX.clear(value); }
+    void loadChunk(chunklib::ReadBuffer& buffer);
+    void writeChunk(chunklib::WriteBuffer& buffer, unsigned short id) const;
+    bool isStatic() const { return mX.isStatic(); }
     float getLength() const { return mX.getLength(); }
     float getValue(float time) const { return mX.getValue(time); }
 };
@@ -100,27 +100,27 @@ struct TrackVector3f {
     TrackBlenderFloat mZ;
 
     explicit TrackVector3f(float value = 0.0f) : mX(value), mY(value), mZ(value) {}
-    void               clear(float value); // the same for all three
-    void               loadChunk(chunklib::ReadBuffer& buffer);
-    void               writeChunk(chunklib::WriteBuffer& buffer, unsigned short id) const;
-    bool               isStatic() const;
-    float              getLength() const;
+    void clear(float value); // the same for all three
+    void loadChunk(chunklib::ReadBuffer& buffer);
+    void writeChunk(chunklib::WriteBuffer& buffer, unsigned short id) const;
+    bool isStatic() const;
+    float getLength() const;
     mathbase::Vector3f getValue(float time) const;
 };
 
 // Angles in radians.
 struct TrackEulerf {
-    TrackBlenderFloat       mX;
-    TrackBlenderFloat       mY;
-    TrackBlenderFloat       mZ;
+    TrackBlenderFloat mX;
+    TrackBlenderFloat mY;
+    TrackBlenderFloat mZ;
     mathbase::RotationOrder mOrder; // no chunk sets it
 
     TrackEulerf();
-    void             clear(); // angles 0, order YZX
-    void             loadChunk(chunklib::ReadBuffer& buffer);
-    void             writeChunk(chunklib::WriteBuffer& buffer, unsigned short id) const;
-    bool             isStatic() const;
-    float            getLength() const;
+    void clear(); // angles 0, order YZX
+    void loadChunk(chunklib::ReadBuffer& buffer);
+    void writeChunk(chunklib::WriteBuffer& buffer, unsigned short id) const;
+    bool isStatic() const;
+    float getLength() const;
     mathbase::Eulerf getValue(float time) const;
 };
 
@@ -131,11 +131,11 @@ struct TrackColor4f {
     TrackBlenderFloat mA;
 
     explicit TrackColor4f(float value = 0.0f) : mR(value), mG(value), mB(value), mA(value) {}
-    void               clear(float value); // the same for all four
-    void               loadChunk(chunklib::ReadBuffer& buffer);
-    void               writeChunk(chunklib::WriteBuffer& buffer, unsigned short id) const;
-    bool               isStatic() const;
-    float              getLength() const;
+    void clear(float value); // the same for all four
+    void loadChunk(chunklib::ReadBuffer& buffer);
+    void writeChunk(chunklib::WriteBuffer& buffer, unsigned short id) const;
+    bool isStatic() const;
+    float getLength() const;
     mathbase::Vector4f getValue(float time) const; // red, green, blue, alpha
 };
 
@@ -145,11 +145,11 @@ struct TrackQuatf {
     TrackBlenderFloat mY;
     TrackBlenderFloat mZ;
 
-    void            clear(); // identity
-    void            loadChunk(chunklib::ReadBuffer& buffer);
-    void            writeChunk(chunklib::WriteBuffer& buffer, unsigned short id) const;
-    bool            isStatic() const;
-    float           getLength() const;
+    void clear(); // identity
+    void loadChunk(chunklib::ReadBuffer& buffer);
+    void writeChunk(chunklib::WriteBuffer& buffer, unsigned short id) const;
+    bool isStatic() const;
+    float getLength() const;
     mathbase::Quatf getValue(float time) const; // as sampled, not normalised
 };
 

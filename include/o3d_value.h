@@ -30,7 +30,7 @@ struct Index {
 // Three local vertex numbers: positions in the index list of the same Submesh, from 0. 13 bytes on file.
 struct Triangle {
     unsigned char mFlag = 0; // nothing reads it
-    int32_t       mIndex[3] = {0, 0, 0};
+    int32_t mIndex[3] = {0, 0, 0};
 };
 
 // Read and written in order; nothing interprets them.
@@ -52,9 +52,9 @@ template <typename T>
 struct StructList {
     std::vector<T> mList;
 
-    size_t   size() const { return mList.size(); }
-    bool     empty() const { return mList.empty(); }
-    T&       operator[](size_t i) { return mList[i]; }
+    size_t size() const { return mList.size(); }
+    bool empty() const { return mList.empty(); }
+    T& operator[](size_t i) { return mList[i]; }
     const T& operator[](size_t i) const { return mList[i]; }
 };
 

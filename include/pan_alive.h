@@ -25,7 +25,7 @@ private:
     friend class Control;
 
     Control* mControl; // null once it is deleted
-    Alive*   mNext;
+    Alive* mNext;
 };
 
 } // namespace zentrak::panorama

@@ -21,7 +21,7 @@ public:
     // "caption", and "toggled", which with "true" makes it a toggle button and with any other word a plain
     // one.
     void load(xml::IteratorConst& it) override;
-    int  handleEvent(Event& event) override; // 1 for a press and a release that it takes
+    int handleEvent(Event& event) override; // 1 for a press and a release that it takes
     void draw() override;
 
 private:

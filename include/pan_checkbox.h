@@ -12,7 +12,7 @@ public:
     Checkbox();
 
     Control* clone() override; // a plain new one without options, owned by the caller
-    void     setChecked(int index, bool checked) override;
+    void setChecked(int index, bool checked) override;
 
 protected:
     void choose(int index) override;

@@ -20,15 +20,15 @@ namespace zentrak::panorama {
 class Context : public Control {
 public:
     static constexpr float ROW_HEIGHT = 10.0f; // pixels
-    static constexpr int   MAX_DEPTH = 64;     // of menus in menus in a file
+    static constexpr int MAX_DEPTH = 64;       // of menus in menus in a file
 
-    float       mMargin = 5.0f;      // pixels inside the edge
-    float       mExtraWidth = 20.0f; // pixels added to the widest caption
-    float       mRowGap = 5.0f;      // pixels between rows, which belong to no row
-    float       mFixedWidth = -1.0f; // pixels; the width when above 0, else it is computed
-    int         mHighlight = -1;     // the row under the mouse, or -1
-    int         mOpenOption = -1;    // the row whose sub-menu is open, or -1
-    std::string mSelected;           // the caption of the row that is marked as current
+    float mMargin = 5.0f;      // pixels inside the edge
+    float mExtraWidth = 20.0f; // pixels added to the widest caption
+    float mRowGap = 5.0f;      // pixels between rows, which belong to no row
+    float mFixedWidth = -1.0f; // pixels; the width when above 0, else it is computed
+    int mHighlight = -1;       // the row under the mouse, or -1
+    int mOpenOption = -1;      // the row whose sub-menu is open, or -1
+    std::string mSelected;     // the caption of the row that is marked as current
 
     Context();
     ~Context() override;
@@ -37,12 +37,12 @@ public:
 
     // Each child `item` is a row with the caption `caption`, and is loaded in its turn; not deeper than
     // MAX_DEPTH.
-    void    load(xml::IteratorConst& it) override;
-    void    setParent(Control* parent) override; // the menu above, or who opens it
+    void load(xml::IteratorConst& it) override;
+    void setParent(Control* parent) override; // the menu above, or who opens it
     Render* getRender() override;
-    void    setArea(mathbase::Box2 area) override; // rows have no boxes of their own to lay out
-    int     handleEvent(Event& event) override;    // 0, whatever happens
-    void    draw() override;
+    void setArea(mathbase::Box2 area) override; // rows have no boxes of their own to lay out
+    int handleEvent(Event& event) override;     // 0, whatever happens
+    void draw() override;
 
     // A row is given at `index`, -1 for behind all, and is owned here from then on. It takes no focus, so the
     // rows stay in their order.
@@ -77,22 +77,22 @@ public:
 private:
     static Context* sFirst; // of those that hang on a control that does not delete them
 
-    void                close();
-    bool                isHidden();
-    void                link();
-    void                unlink();
-    int                 getDepth() const;
-    Control*            getRow(int index) const;
-    Context*            getSubMenu(int index) const;
-    float               getRowTop(int index) const;
+    void close();
+    bool isHidden();
+    void link();
+    void unlink();
+    int getDepth() const;
+    Control* getRow(int index) const;
+    Context* getSubMenu(int index) const;
+    float getRowTop(int index) const;
     std::pair<int, int> getRowsBetween(float y1, float y2) const;
-    void                hover(mathbase::Vector2f position);
-    void                openOption(int index, Context& menu);
-    void                drawRow(Render& render, int index);
-    const std::string&  fit(const Render& render, const std::string& caption);
+    void hover(mathbase::Vector2f position);
+    void openOption(int index, Context& menu);
+    void drawRow(Render& render, int index);
+    const std::string& fit(const Render& render, const std::string& caption);
 
-    Context*    mPrevious = nullptr; // in the list that begins at sFirst
-    Context*    mNext = nullptr;
+    Context* mPrevious = nullptr; // in the list that begins at sFirst
+    Context* mNext = nullptr;
     std::string mFitted; // the caption that was cut last
 };
 

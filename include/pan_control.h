@@ -65,27 +65,27 @@ class Control {
 public:
     static constexpr int MAX_DEPTH = 256; // of controls in each other; what would lie deeper is not taken
 
-    AreaSet                mArea;                    // the control's own box
-    AreaSet                mChildArea;               // the box in which children live
-    ColorSet               mBack;                    // of the background
-    ColorSet               mCaption;                 // of the caption
-    ColorSet               mText;                    // of text
-    std::string            mName = "control";        // what findControl finds
-    std::string            mCaptionText = "control"; // what is written on it
-    std::string            mType = "control";        // what it is called in a layout file
-    bool                   mRaiseOnFocus = true;     // a child that takes the focus goes on top of the others
-    Control*               mParent = nullptr;        // null for the root
-    Control*               mFocus = nullptr;         // the child that has the focus, or this control itself
-    mathbase::Vector2f     mOffset;           // scrolled so far, pixels: taken off the children's positions
-    std::vector<Control*>  mControls;         // children, drawn first to last; owned
-    std::vector<Callback*> mCallbacks;        // not owned
-    bool                   mHover = false;    // the mouse is over it
-    bool                   mInactive = false; // greyed out
-    bool                   mVisible = true;
-    bool                   mMaximized = false; // fills its parent's child area
-    mathbase::Box2         mSavedArea;         // where to go back to from there
-    bool                   mAreaSaved = false; // mSavedArea holds a box
-    Render*                mRender = nullptr;  // the root's, once asked for
+    AreaSet mArea;                        // the control's own box
+    AreaSet mChildArea;                   // the box in which children live
+    ColorSet mBack;                       // of the background
+    ColorSet mCaption;                    // of the caption
+    ColorSet mText;                       // of text
+    std::string mName = "control";        // what findControl finds
+    std::string mCaptionText = "control"; // what is written on it
+    std::string mType = "control";        // what it is called in a layout file
+    bool mRaiseOnFocus = true;            // a child that takes the focus goes on top of the others
+    Control* mParent = nullptr;           // null for the root
+    Control* mFocus = nullptr;            // the child that has the focus, or this control itself
+    mathbase::Vector2f mOffset;           // scrolled so far, pixels: taken off the children's positions
+    std::vector<Control*> mControls;      // children, drawn first to last; owned
+    std::vector<Callback*> mCallbacks;    // not owned
+    bool mHover = false;                  // the mouse is over it
+    bool mInactive = false;               // greyed out
+    bool mVisible = true;
+    bool mMaximized = false;   // fills its parent's child area
+    mathbase::Box2 mSavedArea; // where to go back to from there
+    bool mAreaSaved = false;   // mSavedArea holds a box
+    Render* mRender = nullptr; // the root's, once asked for
 
     Control();
     Control(const Control&) = delete;
@@ -96,16 +96,16 @@ public:
     // A new one of the same class, as its constructor leaves it. Owned by the caller.
     virtual Control* clone() = 0;
 
-    virtual std::string         getType();
+    virtual std::string getType();
     virtual display::DisplayGL* getDisplay(); // the root's; null without a root that has one
 
     // A parent that hangs below this control itself is not taken, and that is logged.
-    virtual void     setParent(Control* parent);
+    virtual void setParent(Control* parent);
     virtual Control* getParent();
     virtual Control* getRoot(); // the topmost: this one without a parent
 
     virtual unsigned int getChildCount();
-    virtual Control*     getChild(unsigned int index); // null past the end
+    virtual Control* getChild(unsigned int index); // null past the end
 
     // "rrggbbaa" in hexadecimal, 0 to 1 each. Missing channels are 0, a missing alpha is 1, and characters
     // that are no digits are 0.
@@ -119,31 +119,31 @@ public:
     virtual xml::IteratorConst getStyle(const std::string& name);
 
     virtual std::string getName();
-    virtual void        setName(std::string name);
+    virtual void setName(std::string name);
     virtual std::string getCaption();
-    virtual void        setCaption(std::string caption);
-    virtual void        setInactive(bool inactive);
-    virtual bool        getInactive();
-    virtual void        setVisible(bool visible); // showing it takes the focus off its children
-    virtual bool        getVisible();
+    virtual void setCaption(std::string caption);
+    virtual void setInactive(bool inactive);
+    virtual bool getInactive();
+    virtual void setVisible(bool visible); // showing it takes the focus off its children
+    virtual bool getVisible();
 
     virtual mathbase::Box2 getArea();
     virtual mathbase::Box2 getAreaWorld();
     virtual mathbase::Box2 getChildArea();
     virtual mathbase::Box2 getChildAreaWorld();
-    virtual void           setArea(mathbase::Box2 area);             // and lays out all below
-    virtual void           setPosition(mathbase::Vector2f position); // its upper left corner; the size stays
+    virtual void setArea(mathbase::Box2 area);             // and lays out all below
+    virtual void setPosition(mathbase::Vector2f position); // its upper left corner; the size stays
     virtual mathbase::Vector2f getOffset();
-    virtual void               setOffset(mathbase::Vector2f offset); // pixels; lays out all below
+    virtual void setOffset(mathbase::Vector2f offset); // pixels; lays out all below
 
     // Layout, called by setArea. buildChildArea sets mChildArea.area, relative to the area; buildArea works
     // out the world and clip boxes of one of the two.
-    virtual void               buildChildArea();
-    virtual void               buildArea(AreaSet& set, bool child);
+    virtual void buildChildArea();
+    virtual void buildArea(AreaSet& set, bool child);
     virtual mathbase::Vector2f getLocalOffset(bool child);
-    virtual mathbase::Box2     getLocalClipArea(bool child);
+    virtual mathbase::Box2 getLocalClipArea(bool child);
     virtual mathbase::Vector2f getWorldOffset();
-    virtual mathbase::Box2     getWorldClipArea(bool child);
+    virtual mathbase::Box2 getWorldClipArea(bool child);
 
     virtual bool getMaximized();
     virtual void setMaximized(bool on);
@@ -154,11 +154,11 @@ public:
     // Takes a child before `index`, -1 or past the end: behind all. It is owned here from then on, no longer
     // by another control, and has the focus. Ignores null. What would lie deeper than MAX_DEPTH, or below
     // itself, is not taken, and that is logged: it stays whose it was.
-    virtual void     addControl(Control* control, int index);
-    virtual void     deleteControl(unsigned int index); // nothing past the end
-    virtual void     deleteControls();
+    virtual void addControl(Control* control, int index);
+    virtual void deleteControl(unsigned int index); // nothing past the end
+    virtual void deleteControls();
     virtual Control* getControl(unsigned int index); // null past the end
-    virtual size_t   getControlSize();               // how many there are
+    virtual size_t getControlSize();                 // how many there are
 
     // This control, or the first below it, depth first; null if none has this name.
     virtual Control* findControl(const std::string& name);
@@ -174,10 +174,10 @@ public:
     // 1 when the event hit this control or one below it, or was a key for it; else 0.
     virtual int handleEvent(Event& event);
 
-    virtual Render*  getRender(); // the root's, null without one
+    virtual Render* getRender(); // the root's, null without one
     virtual Control* getFocus();
-    virtual void     setFocus(Control* control); // a child, this control, or null; up to the root
-    virtual void     clearFocus();               // here and below
+    virtual void setFocus(Control* control); // a child, this control, or null; up to the root
+    virtual void clearFocus();               // here and below
 
     virtual void setContext(Context* context); // opens a menu; not owned
     virtual void resetContext();               // closes it
@@ -204,7 +204,7 @@ private:
     void loadColor(xml::IteratorConst& it);
 
     Alive* mAlive = nullptr; // who waits to hear whether it still lives
-    bool   mIsChild = false; // one of its parent's children, and not a menu that it opened
+    bool mIsChild = false;   // one of its parent's children, and not a menu that it opened
 };
 
 } // namespace zentrak::panorama

@@ -22,8 +22,8 @@ public:
     bool movesOn(const Event& event);
 
 private:
-    unsigned           mReleases = 0; // of the left button in the window, at the start
-    bool               mTold = false; // mPlace came by "reset": its "mousemove" brings nothing new
+    unsigned mReleases = 0; // of the left button in the window, at the start
+    bool mTold = false;     // mPlace came by "reset": its "mousemove" brings nothing new
     mathbase::Vector2f mPlace{0, 0};
 };
 

@@ -31,31 +31,31 @@ public:
     // Each "option" with "id", "name" and "default" ("true"; the last one of several wins, the first option
     // where there is none). Options replace those that were loaded before, as from a style.
     void load(xml::IteratorConst& it) override;
-    int  handleEvent(Event& event) override; // 1 for what it takes
+    int handleEvent(Event& event) override; // 1 for what it takes
     void draw() override;
 
     void addOption(const std::string& id, const std::string& name);
     void deleteOptions();
-    int  getOptionCount() const { return int(mOptions.size()); }
+    int getOptionCount() const { return int(mOptions.size()); }
 
-    int         getSelected() const { return mSelected; } // -1 without options
-    void        setSelected(int index); // sends nothing; nothing for an index that there is not
+    int getSelected() const { return mSelected; } // -1 without options
+    void setSelected(int index);                  // sends nothing; nothing for an index that there is not
     std::string getSelectedId() const;
     std::string getSelectedName() const;
 
-    void     open();          // nothing without options
+    void open();              // nothing without options
     Context* getList() const; // owned here
 
 private:
     class List;
 
     void choose(int index);
-    int  handleKey(const Event& event);
+    int handleKey(const Event& event);
 
-    std::vector<Option>   mOptions;
-    int                   mSelected = -1;
+    std::vector<Option> mOptions;
+    int mSelected = -1;
     std::unique_ptr<List> mList;
-    TextLine              mLine; // the current option's name
+    TextLine mLine; // the current option's name
 };
 
 } // namespace zentrak::panorama

@@ -11,14 +11,14 @@ namespace zentrak::panorama {
 // "keyup", "keychardown", "keycharup"; "reset", which takes the hover state back ahead of every move; and
 // "context", which brings the path of the menu's row that was chosen.
 struct Event : display::Event {
-    int                button = 0;          // of "mousedown" and "mouseup": a display::MouseButton
-    int                key = 0;             // of "keydown" and "keyup": a display::Key
-    int                character = 0;       // of "keychardown" and "keycharup": its code
-    mathbase::Vector2f mouseDelta;          // old position minus new, pixels: a move to the right is negative
-    float              wheelDelta = 0;      // steps; upward is positive
-    std::string        type;                // see above
-    bool               doubleClick = false; // of "mousedown"
-    std::string        text; // of "context": captions with dots between, as in "spline.type.linear"
+    int button = 0;                // of "mousedown" and "mouseup": a display::MouseButton
+    int key = 0;                   // of "keydown" and "keyup": a display::Key
+    int character = 0;             // of "keychardown" and "keycharup": its code
+    mathbase::Vector2f mouseDelta; // old position minus new, pixels: a move to the right is negative
+    float wheelDelta = 0;          // steps; upward is positive
+    std::string type;              // see above
+    bool doubleClick = false;      // of "mousedown"
+    std::string text;              // of "context": captions with dots between, as in "spline.type.linear"
 
     virtual ~Event() = default;
 

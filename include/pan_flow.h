@@ -13,7 +13,7 @@ public:
 
     // Above 0: pixels; else a share, relative to those of the others.
     std::map<Control*, float> mSizes;
-    int                       mDirection = VERTICAL;
+    int mDirection = VERTICAL;
 
     Flow();
 
@@ -27,10 +27,10 @@ public:
     void addControl(Control* control); // at the end
 
     // From the next layout on.
-    void  setSize(Control* control, float size);       // pixels
-    void  setPercent(Control* control, float percent); // a share
-    float getSize(Control* control);                   // as in mSizes; 0 for a stranger
-    void  setDirection(Direction direction);
+    void setSize(Control* control, float size);       // pixels
+    void setPercent(Control* control, float percent); // a share
+    float getSize(Control* control);                  // as in mSizes; 0 for a stranger
+    void setDirection(Direction direction);
 
 protected:
     void forget(Control* child) override;

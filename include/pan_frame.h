@@ -10,7 +10,7 @@ public:
     Frame();
 
     Control* clone() override; // owned by the caller
-    void     draw() override;
+    void draw() override;
 };
 
 } // namespace zentrak::panorama

@@ -25,12 +25,12 @@ public:
     bool setFilename(const std::string& filename);
 
     const std::string& getFilename() const { return mFilename; }
-    bool               hasPicture() const { return mTexture != nullptr; }
+    bool hasPicture() const { return mTexture != nullptr; }
 
 private:
     mathbase::Box2 getPlace() const; // of the picture, in window coordinates
 
-    std::string                       mFilename;
+    std::string mFilename;
     std::unique_ptr<display::Texture> mTexture; // null without a picture
 };
 

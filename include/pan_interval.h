@@ -10,7 +10,7 @@ public:
     float mTarget = 0;         // and the one that it goes to
     float mLast = 0;           // the last value on the way that was asked for
     float mStartTime = -10.0f; // seconds; below 0 the glide starts when it is next asked for
-    bool  mStarted = false;    // a glide has started since the value was set
+    bool mStarted = false;     // a glide has started since the value was set
 
     void setSpeed(float speed); // glides a second; ignored unless above 0
 

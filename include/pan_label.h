@@ -16,7 +16,7 @@ public:
     Control* clone() override; // a plain new one, owned by the caller
 
     const std::string& getText() const { return mLine.get(); }
-    void               setText(const std::string& text) { mLine.set(text); }
+    void setText(const std::string& text) { mLine.set(text); }
 
     // "text"; "align" with "left", "center" or "right"; "valign" with "top", "middle" or "bottom".
     void load(xml::IteratorConst& it) override;

@@ -11,15 +11,15 @@ namespace zentrak::panorama {
 
 class Panorama : public display::Listener {
 public:
-    Workspace          mWorkspace;               // the root
-    xml::XmlParser*    mStyleDocument = nullptr; // the workspace's, which owns it
-    ControlFactory     mFactory;
-    bool               mDragging = false; // moves pan the view; nothing sets it
-    mathbase::Vector2f mViewOffset;       // pixels, added to the mouse and taken off the picture
+    Workspace mWorkspace;                     // the root
+    xml::XmlParser* mStyleDocument = nullptr; // the workspace's, which owns it
+    ControlFactory mFactory;
+    bool mDragging = false;         // moves pan the view; nothing sets it
+    mathbase::Vector2f mViewOffset; // pixels, added to the mouse and taken off the picture
 
     // What is drawn below all controls: boxes in pixels of the window, wherever the view is.
     struct Ground {
-        mathbase::Box2     box;
+        mathbase::Box2 box;
         mathbase::Vector4f color;
     };
     std::vector<Ground> mGround;
@@ -36,14 +36,14 @@ public:
     void addControl(Control* control); // to the workspace, which owns it from then on
 
     // They answer whether the event hit a control: BLOCK, or else WHATEVER. A move never blocks.
-    int  onMouseUp(const display::MouseButtonEvent& event) override;
-    int  onMouseDown(const display::MouseButtonEvent& event) override;
-    int  onMouseMove(const display::MouseMoveEvent& event) override;
-    int  onMouseWheel(const display::MouseMoveEvent& event) override;
-    int  onKeyDown(const display::KeyEvent& event) override;
-    int  onKeyUp(const display::KeyEvent& event) override;
-    int  onCharDown(const display::CharEvent& event) override;
-    int  onCharUp(const display::CharEvent& event) override;
+    int onMouseUp(const display::MouseButtonEvent& event) override;
+    int onMouseDown(const display::MouseButtonEvent& event) override;
+    int onMouseMove(const display::MouseMoveEvent& event) override;
+    int onMouseWheel(const display::MouseMoveEvent& event) override;
+    int onKeyDown(const display::KeyEvent& event) override;
+    int onKeyUp(const display::KeyEvent& event) override;
+    int onCharDown(const display::CharEvent& event) override;
+    int onCharUp(const display::CharEvent& event) override;
     void onResize(int oldWidth, int oldHeight) override;
     void onDraw() override;
 

@@ -18,13 +18,13 @@ public:
 
     struct BoxData {
         TextLine name;
-        bool     checked = false;
+        bool checked = false;
     };
 
     std::vector<BoxData> mBoxes;
-    int                  mHoverBox = -1;  // under the mouse, or -1
-    int                  mPushedBox = -1; // where the press began, or -1
-    int                  mCursor = 0;     // where the keys are
+    int mHoverBox = -1;  // under the mouse, or -1
+    int mPushedBox = -1; // where the press began, or -1
+    int mCursor = 0;     // where the keys are
 
     RadioButton();
 
@@ -33,17 +33,17 @@ public:
     // "name", a heading over the options; each "option" with "name" and "checked" ("true"; the last one of
     // several wins). Options replace those that were loaded before, as from a style.
     void load(xml::IteratorConst& it) override;
-    int  handleEvent(Event& event) override; // 1 for what it takes
+    int handleEvent(Event& event) override; // 1 for what it takes
     void draw() override;
 
     void addOption(const std::string& name, bool checked);
-    int  getOptionCount() const { return int(mBoxes.size()); }
+    int getOptionCount() const { return int(mBoxes.size()); }
 
     // Out of range: an empty text, false, and nothing set. These send nothing.
-    std::string  getOption(int index) const;
-    bool         getChecked(int index) const;
+    std::string getOption(int index) const;
+    bool getChecked(int index) const;
     virtual void setChecked(int index, bool checked); // checking one unchecks the others
-    int          getSelected() const;                 // the first that is checked, or -1
+    int getSelected() const;                          // the first that is checked, or -1
 
 protected:
     virtual void choose(int index);     // by the user: sets, and sends action 8 if that is a change
@@ -52,12 +52,12 @@ protected:
                           bool pushed);
 
     const std::string& heading() const { return mCaptionText; }
-    bool               has(int index) const { return index >= 0 && index < int(mBoxes.size()); }
+    bool has(int index) const { return index >= 0 && index < int(mBoxes.size()); }
 
 private:
     mathbase::Box2 getRow(int index) const; // in window coordinates
-    int            rowAt(const mathbase::Vector2f& place) const;
-    bool           takesKey(const Event& event);
+    int rowAt(const mathbase::Vector2f& place) const;
+    bool takesKey(const Event& event);
 
     TextLine mHeading;
 };

@@ -23,11 +23,11 @@ namespace zentrak::panorama {
 class Render {
 public:
     display::DisplayGL* mDisplay = nullptr; // not owned; null until setup
-    mathbase::Vector2f  mSize;              // of the window, in this frame
-    mathbase::Vector2f  mDrawOffset;        // of the view, in this frame
-    mathbase::Vector4f  mColorFirst;
-    mathbase::Vector4f  mColorSecond;
-    display::Font*      mFont = nullptr; // owned; null until setup
+    mathbase::Vector2f mSize;               // of the window, in this frame
+    mathbase::Vector2f mDrawOffset;         // of the view, in this frame
+    mathbase::Vector4f mColorFirst;
+    mathbase::Vector4f mColorSecond;
+    display::Font* mFont = nullptr; // owned; null until setup
 
     Render();
     Render(const Render&) = delete;
@@ -74,12 +74,12 @@ public:
 
     float getAdvance(unsigned char c) const; // pixels, of one character
     float getFontHeight() const;             // pixels, of a line
-    void  setFontMode(int mode);             // a display::Font alignment: 0 left, 1 right, 2 centred
+    void setFontMode(int mode);              // a display::Font alignment: 0 left, 1 right, 2 centred
 
     void flush(); // draws what is collected
 
     // Off: all is drawn in its order and nothing left out, for comparison. On at the start.
-    void                  setSorted(bool sorted) { mShapes.setSorted(sorted); }
+    void setSorted(bool sorted) { mShapes.setSorted(sorted); }
     const Shapes::Counts& getCounts() const { return mShapes.getCounts(); } // of this frame
 
 private:
@@ -87,13 +87,13 @@ private:
     void drawQuad(const mathbase::Box2& box, const mathbase::Vector4f& upperLeft,
                   const mathbase::Vector4f& upperRight, const mathbase::Vector4f& lowerRight,
                   const mathbase::Vector4f& lowerLeft);
-    int  clipPolygon(const mathbase::Vector2f* points, int count);
+    int clipPolygon(const mathbase::Vector2f* points, int count);
 
-    float                           mMargin = 0; // pixels, of this frame
-    mathbase::Vector2f              mPixel; // a pixel of the window in units of the view: 1 without a margin
-    mathbase::Box2                  mClip;  // in units of the view; its edges are those of pixels
-    Shapes                          mShapes;
-    display::Batch                  mBatch;   // of a texture
+    float mMargin = 0;         // pixels, of this frame
+    mathbase::Vector2f mPixel; // a pixel of the window in units of the view: 1 without a margin
+    mathbase::Box2 mClip;      // in units of the view; its edges are those of pixels
+    Shapes mShapes;
+    display::Batch mBatch;                    // of a texture
     std::vector<mathbase::Vector2f> mPolygon; // while it is cut
     std::vector<mathbase::Vector2f> mCut;
 };

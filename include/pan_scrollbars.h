@@ -10,15 +10,15 @@ namespace zentrak::panorama {
 // the two bars drags the window's size. Each change of position is sent as ACTION_SCROLL.
 class Scrollbars : public Control {
 public:
-    bool           mVertical = true;      // the vertical bar exists
-    bool           mHorisontal = true;    // the horizontal bar exists
-    float          mPosX = 0;             // pixels of the horizontal thumb from the start of its track
-    float          mPosY = 0;             // pixels of the vertical thumb from the start of its track
-    float          mBarSize = 12.0f;      // pixels across a bar
-    float          mThumbSize = 30.0f;    // pixels along a thumb
-    bool           mDragVertical = false; // what the left button holds
-    bool           mDragHorisontal = false;
-    bool           mDragResize = false;
+    bool mVertical = true;      // the vertical bar exists
+    bool mHorisontal = true;    // the horizontal bar exists
+    float mPosX = 0;            // pixels of the horizontal thumb from the start of its track
+    float mPosY = 0;            // pixels of the vertical thumb from the start of its track
+    float mBarSize = 12.0f;     // pixels across a bar
+    float mThumbSize = 30.0f;   // pixels along a thumb
+    bool mDragVertical = false; // what the left button holds
+    bool mDragHorisontal = false;
+    bool mDragResize = false;
     mathbase::Box2 mTrackVertical; // boxes in window coordinates
     mathbase::Box2 mTrackHorisontal;
     mathbase::Box2 mCorner;
@@ -34,7 +34,7 @@ public:
     void setArea(mathbase::Box2 box) override;
     void buildChildArea() override;
     bool acceptEvents(Event& event) override; // also while something is held, wherever the mouse is
-    int  handleEvent(Event& event) override;
+    int handleEvent(Event& event) override;
     void draw() override;
 
     virtual void buildScrollbars(); // keeps the thumbs on their tracks, and the children where the thumbs say
@@ -42,13 +42,13 @@ public:
 private:
     float getTravelX() const; // pixels that a thumb can go
     float getTravelY() const;
-    bool  isHeld() const { return mDragVertical || mDragHorisontal || mDragResize; }
-    void  press(const Event& event);
-    void  release();
-    int   turnWheel(const Event& event);
-    void  drag(mathbase::Vector2f delta);
-    void  resizeWindow(mathbase::Vector2f delta);
-    void  drawBar(Render& render, const mathbase::Box2& track, const mathbase::Box2& thumb, bool held);
+    bool isHeld() const { return mDragVertical || mDragHorisontal || mDragResize; }
+    void press(const Event& event);
+    void release();
+    int turnWheel(const Event& event);
+    void drag(mathbase::Vector2f delta);
+    void resizeWindow(mathbase::Vector2f delta);
+    void drawBar(Render& render, const mathbase::Box2& track, const mathbase::Box2& thumb, bool held);
 
     Drag mDrag;
 };

@@ -75,22 +75,22 @@ private:
     enum Shape : uint8_t { BOX, POLYGON, GLYPHS };
 
     struct Item {
-        mathbase::Box2     box;                  // bounds
-        uint32_t           first = 0, count = 0; // in mCorners, mPoints or mGlyphs
-        int32_t            cuts = -1;            // the last of its list in mLinks: the boxes that are cut out
-        int                cutCount = 0;
-        int32_t            next = -1; // of the same layer
-        int16_t            layer = 0;
-        Shape              shape = BOX;
-        bool               flat = true;    // of one colour, `color`
-        bool               opaque = false; // hides what is below
-        bool               covers = false; // the same, and all its edges are edges of pixels
-        bool               hidden = false;
+        mathbase::Box2 box;            // bounds
+        uint32_t first = 0, count = 0; // in mCorners, mPoints or mGlyphs
+        int32_t cuts = -1;             // the last of its list in mLinks: the boxes that are cut out
+        int cutCount = 0;
+        int32_t next = -1; // of the same layer
+        int16_t layer = 0;
+        Shape shape = BOX;
+        bool flat = true;    // of one colour, `color`
+        bool opaque = false; // hides what is below
+        bool covers = false; // the same, and all its edges are edges of pixels
+        bool hidden = false;
         mathbase::Vector4f color;
     };
     struct Glyph {
         mathbase::Box2 box;
-        float          s0, t0, s1, t1;
+        float s0, t0, s1, t1;
     };
     struct Link {
         int32_t item, next;
@@ -100,7 +100,7 @@ private:
     };
     // What an item lies on; -1 where there is none.
     struct Below {
-        int     layer = -1;  // the highest
+        int layer = -1;      // the highest
         int32_t last = -1;   // the latest item of all
         int32_t ground = -1; // the latest box of one opaque colour that is under all of it
     };
@@ -118,45 +118,45 @@ private:
 
     static constexpr int LAYERS = 60;
 
-    void  clear();
-    void  add(Item& item);
-    bool  isBoxOfPixels(const Item& item) const;
+    void clear();
+    void add(Item& item);
+    bool isBoxOfPixels(const Item& item) const;
     Below lookBelow(const Item& item, const Cells& cells) const;
-    bool  split(const Item& item, const Below& below);
-    void  hideBelow(const Item& cover, const Cells& cells);
-    void  addCut(Item& item, const Item& cover);
-    void  enter(const Item& item, const Cells& cells);
-    void  shorten(Cell& cell) const;
+    bool split(const Item& item, const Below& below);
+    void hideBelow(const Item& cover, const Cells& cells);
+    void addCut(Item& item, const Item& cover);
+    void enter(const Item& item, const Cells& cells);
+    void shorten(Cell& cell) const;
     Cells cellsOf(const mathbase::Box2& box) const;
-    void  cutPieces(const Item& item);
-    void  drawLayer(int layer, display::Font* font);
-    void  emit(const Item& item, display::Batch& batch);
-    void  emitBox(const Item& item, display::Batch& batch);
-    void  emitGradient(const Item& item, display::Batch& batch) const;
-    void  emitPolygon(const Item& item, display::Batch& batch) const;
+    void cutPieces(const Item& item);
+    void drawLayer(int layer, display::Font* font);
+    void emit(const Item& item, display::Batch& batch);
+    void emitBox(const Item& item, display::Batch& batch);
+    void emitGradient(const Item& item, display::Batch& batch) const;
+    void emitPolygon(const Item& item, display::Batch& batch) const;
 
-    bool           mSorted = true;
-    bool           mPixels = false; // whole numbers are edges of pixels
-    int            mSplits = 0;     // of the box that is being added
+    bool mSorted = true;
+    bool mPixels = false; // whole numbers are edges of pixels
+    int mSplits = 0;      // of the box that is being added
     mathbase::Box2 mView;
-    Counts         mCounts;
+    Counts mCounts;
 
-    std::vector<Item>               mItems;
-    std::vector<Corners>            mCorners;
+    std::vector<Item> mItems;
+    std::vector<Corners> mCorners;
     std::vector<mathbase::Vector2f> mPoints;
-    std::vector<Glyph>              mGlyphs;
-    std::vector<Link>               mLinks;
-    std::vector<Layer>              mLayers;
-    std::vector<mathbase::Box2>     mPieces; // while a box is cut
+    std::vector<Glyph> mGlyphs;
+    std::vector<Link> mLinks;
+    std::vector<Layer> mLayers;
+    std::vector<mathbase::Box2> mPieces; // while a box is cut
 
     std::vector<Cell> mCells; // what lies where in the view
-    int               mColumns = 1, mRows = 1;
-    float             mCellWidth = 1, mCellHeight = 1;
+    int mColumns = 1, mRows = 1;
+    float mCellWidth = 1, mCellHeight = 1;
 
-    Item               mText;  // that glyphs are added to
+    Item mText;                // that glyphs are added to
     mathbase::Vector2f mWhite; // where the font's texture is
-    display::Batch     mPlain; // without a texture
-    display::Batch     mTextured;
+    display::Batch mPlain;     // without a texture
+    display::Batch mTextured;
 };
 
 } // namespace zentrak::panorama

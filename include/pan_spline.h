@@ -23,20 +23,20 @@ public:
     using SplineBase = mathbase::SplineBase<float, mathbase::SplineBaseKey<float>>;
     using Key = mathbase::SplineBaseKey<float>;
 
-    bool                            mOwnsSpline = false; // the curve is deleted with the widget
-    SplineBase*                     mSpline = nullptr;   // null shows nothing
-    std::vector<mathbase::Vector2f> mPoints;             // of the curve: time and value
-    bool                            mDirty = true;       // mPoints is out of date
-    float                           mSize = 3.5f;        // pixels from a key's middle that hit it, less 1
-    float                           mMouseX = 0;         // pixels; of the last move
-    int                             mHoverKey = 0;       // under the mouse, or -1
-    int                             mSelected = -1;      // or -1
-    int                             mDragKey = -1;       // held by the left button, or -1
-    int                             mDeleteIndex = -1;   // what the menu's "delete key" removes
-    mathbase::Vector2f              mContextPos{0, 0};   // where the menu was asked for
-    Context                         mContextEmpty;       // the menu beside the keys
-    Context                         mContext;            // the menu of a key
-    Context                         mContextType;        // the sub-menu that both share
+    bool mOwnsSpline = false;                // the curve is deleted with the widget
+    SplineBase* mSpline = nullptr;           // null shows nothing
+    std::vector<mathbase::Vector2f> mPoints; // of the curve: time and value
+    bool mDirty = true;                      // mPoints is out of date
+    float mSize = 3.5f;                      // pixels from a key's middle that hit it, less 1
+    float mMouseX = 0;                       // pixels; of the last move
+    int mHoverKey = 0;                       // under the mouse, or -1
+    int mSelected = -1;                      // or -1
+    int mDragKey = -1;                       // held by the left button, or -1
+    int mDeleteIndex = -1;                   // what the menu's "delete key" removes
+    mathbase::Vector2f mContextPos{0, 0};    // where the menu was asked for
+    Context mContextEmpty;                   // the menu beside the keys
+    Context mContext;                        // the menu of a key
+    Context mContextType;                    // the sub-menu that both share
 
     Spline();
     ~Spline() override;
@@ -56,16 +56,16 @@ public:
 
     // What the menus report comes in as an event "context". Aborts on the assertion
     // "mDeleteIndex>=0 && mDeleteIndex<(int)m_spline->getNumKeys()" when there is no key to delete.
-    int  handleEvent(Event& event) override;
+    int handleEvent(Event& event) override;
     void draw() override;
 
 private:
-    Drag        mDrag; // of mDragKey
+    Drag mDrag;        // of mDragKey
     std::string mMode; // as drawn
 
     bool isFocused() const;
     bool hasKey(int index) const;
-    int  findKey(const mathbase::Vector2f& place) const;
+    int findKey(const mathbase::Vector2f& place) const;
 
     mathbase::Vector2f toWindow(int index) const; // of a key that is there
 

@@ -21,17 +21,17 @@ struct SplineNodeOrg {
 // Mouse, keys, menus and the action are those of Spline.
 class SplineOrg : public Control {
 public:
-    std::vector<SplineNodeOrg> mNodes;            // ascending by x
-    std::string                mMode = "smooth";  // "square", "linear" or "smooth"
-    float                      mSize = 3.5f;      // pixels from a node's middle that hit it, less 1
-    int                        mHoverNode = -1;   // under the mouse, or -1
-    int                        mSelected = -1;    // or -1
-    int                        mDragNode = -1;    // held by the left button, or -1
-    int                        mDeleteIndex = -1; // what the menu's "delete key" removes
-    mathbase::Vector2f         mContextPos{0, 0}; // where the menu was asked for
-    Context                    mContextEmpty;     // the menu beside the nodes
-    Context                    mContext;          // the menu of a node
-    Context                    mContextType;      // the sub-menu that both share
+    std::vector<SplineNodeOrg> mNodes;    // ascending by x
+    std::string mMode = "smooth";         // "square", "linear" or "smooth"
+    float mSize = 3.5f;                   // pixels from a node's middle that hit it, less 1
+    int mHoverNode = -1;                  // under the mouse, or -1
+    int mSelected = -1;                   // or -1
+    int mDragNode = -1;                   // held by the left button, or -1
+    int mDeleteIndex = -1;                // what the menu's "delete key" removes
+    mathbase::Vector2f mContextPos{0, 0}; // where the menu was asked for
+    Context mContextEmpty;                // the menu beside the nodes
+    Context mContext;                     // the menu of a node
+    Context mContextType;                 // the sub-menu that both share
 
     SplineOrg();
     ~SplineOrg() override;
@@ -49,15 +49,15 @@ public:
 
     void load(xml::IteratorConst& it) override; // `type`, and a node for each `item`, by `x` and `y`
     bool acceptEvents(Event& event) override;   // also while a node is held, wherever the mouse is
-    int  handleEvent(Event& event) override;    // "delete key" without a node there does nothing
+    int handleEvent(Event& event) override;     // "delete key" without a node there does nothing
     void draw() override;
 
 private:
     Drag mDrag; // of mDragNode
 
-    bool               hasNode(int index) const;
+    bool hasNode(int index) const;
     mathbase::Vector2f toWindow(const SplineNodeOrg& node) const;
-    int                findNode(const mathbase::Vector2f& place) const;
+    int findNode(const mathbase::Vector2f& place) const;
 
     void dragNode(const mathbase::Vector2f& place);
     void onMouseDown(const Event& event);

@@ -18,9 +18,9 @@ public:
 
     Control* clone() override; // a plain new one without samples, owned by the caller
 
-    void  addValue(float value); // one that is not finite leaves a gap
-    void  clearValues();
-    int   getValueCount() const { return mCount; }
+    void addValue(float value); // one that is not finite leaves a gap
+    void clearValues();
+    int getValueCount() const { return mCount; }
     float getValue(int index) const; // 0 is the oldest; 0 for an index that there is not
 
     // The ends of the scale for the newest `count` samples: 0 and 1 without any.
@@ -34,11 +34,11 @@ private:
                     TextLine::Align vertical);
 
     std::array<float, SAMPLES> mValues{};
-    int                        mNext = 0; // where the next sample goes
-    int                        mCount = 0;
-    TextLine                   mHigh; // the figures of the scale
-    TextLine                   mLow;
-    std::string                mFigure;
+    int mNext = 0; // where the next sample goes
+    int mCount = 0;
+    TextLine mHigh; // the figures of the scale
+    TextLine mLow;
+    std::string mFigure;
 };
 
 } // namespace zentrak::panorama

@@ -9,8 +9,8 @@ class TabFrame : public Frame {
 public:
     TabFrame();
 
-    Control* clone() override;                      // owned by the caller
-    void     load(xml::IteratorConst& it) override; // `caption`: what stands on its tab
+    Control* clone() override;                  // owned by the caller
+    void load(xml::IteratorConst& it) override; // `caption`: what stands on its tab
 };
 
 } // namespace zentrak::panorama

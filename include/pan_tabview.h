@@ -8,9 +8,9 @@ namespace zentrak::panorama {
 // Each child is a page, and its caption stands on its tab.
 class TabView : public Control {
 public:
-    AreaSet mTabArea;         // the strip of tabs
-    int     mTabPadding = 10; // pixels on each side of a tab's caption
-    int     mHoverTab = -1;   // index of the tab under the mouse, or -1
+    AreaSet mTabArea;     // the strip of tabs
+    int mTabPadding = 10; // pixels on each side of a tab's caption
+    int mHoverTab = -1;   // index of the tab under the mouse, or -1
 
     TabView();
 
@@ -19,14 +19,14 @@ public:
     void load(xml::IteratorConst& it) override; // shows the first page
     void setArea(mathbase::Box2 box) override;
     void buildChildArea() override;
-    int  handleEvent(Event& event) override;
+    int handleEvent(Event& event) override;
     void draw() override;
 
 private:
     float getTabWidth(const Control& page);
-    int   getTabAt(mathbase::Vector2f position);
-    void  showPage(int index);
-    void  drawTabs(Render& render);
+    int getTabAt(mathbase::Vector2f position);
+    void showPage(int index);
+    void drawTabs(Render& render);
 };
 
 } // namespace zentrak::panorama

@@ -17,12 +17,12 @@ public:
     enum Align : int { START = 0, MIDDLE = 1, END = 2 };
 
     // Bytes of Latin-1, each one glyph of the font, control bytes included.
-    void               set(const std::string& text);
+    void set(const std::string& text);
     const std::string& get() const { return mText; }
 
     // What is drawn into a box of this many pixels, and how wide that is. A width that is no number is 0.
     const std::string& fit(Render& render, float width);
-    float              getLength() const { return mLength; } // as of the last fit
+    float getLength() const { return mLength; } // as of the last fit
 
     // Draws into the box, in the first colour of `render`, on whole pixels. `vertical` MIDDLE centres the
     // capitals. Leaves the font aligned to the left.
@@ -31,8 +31,8 @@ public:
 private:
     std::string mText;
     std::string mShown; // what fits in mWidth
-    float       mWidth = -1.0f;
-    float       mLength = 0.0f; // of mShown, pixels
+    float mWidth = -1.0f;
+    float mLength = 0.0f; // of mShown, pixels
 };
 
 } // namespace zentrak::panorama

@@ -23,13 +23,13 @@ public:
     // An item. They stand in one list in the order in which they are seen when all are open.
     struct Node {
         std::string id;
-        TextLine    text;
-        float       size = 18.0f; // height of its row, pixels
-        int         depth = 0;
-        int         parent = -1; // index, or -1 at the top
-        int         next = 0;    // index behind all that is below it
-        bool        open = false;
-        float       length = -1.0f; // of the text, pixels; -1 until it was first shown
+        TextLine text;
+        float size = 18.0f; // height of its row, pixels
+        int depth = 0;
+        int parent = -1; // index, or -1 at the top
+        int next = 0;    // index behind all that is below it
+        bool open = false;
+        float length = -1.0f; // of the text, pixels; -1 until it was first shown
     };
 
     TreeView();
@@ -39,57 +39,57 @@ public:
     // "size", the height of the items that have none; "text", a heading. Each "item" with "id", "text",
     // "size" and items of its own. Items replace those that were loaded before, as from a style.
     void load(xml::IteratorConst& it) override;
-    int  handleEvent(Event& event) override; // 1 for what it takes
+    int handleEvent(Event& event) override; // 1 for what it takes
     void draw() override;
     void setArea(mathbase::Box2 box) override;
 
     // A new item behind those of `parent`, or of the top with -1. Its index; those behind it are one more
     // from now on. A size that is not from 1 to 1000 is that of the tree.
-    int         addItem(int parent, const std::string& id, const std::string& text, float size = 0);
-    void        deleteItems();
-    int         getItemCount() const { return int(mNodes.size()); }
+    int addItem(int parent, const std::string& id, const std::string& text, float size = 0);
+    void deleteItems();
+    int getItemCount() const { return int(mNodes.size()); }
     const Node* getItem(int index) const; // null for an index that there is not
 
-    int  getSelected() const { return mSelected; } // -1 for none
-    void setSelected(int index);                   // sends and logs nothing; -1 for none
+    int getSelected() const { return mSelected; } // -1 for none
+    void setSelected(int index);                  // sends and logs nothing; -1 for none
     void setOpen(int index, bool open);
 
-    int   getRowCount();     // items whose parents are all open
-    int   getRow(int index); // of an item; -1 where it is not among them
+    int getRowCount();     // items whose parents are all open
+    int getRow(int index); // of an item; -1 where it is not among them
     float getScroll(bool across) const { return across ? mScrollX : mScrollY; } // pixels
-    void  setScroll(bool across, float pixels);
+    void setScroll(bool across, float pixels);
 
 private:
     enum Drag { NOTHING, VERTICAL, ACROSS };
 
-    void           buildRows();
-    void           measureRows();
+    void buildRows();
+    void measureRows();
     mathbase::Box2 getView(); // where the rows are seen, window coordinates
     mathbase::Box2 getThumb(bool across);
-    float          getOverflow(bool across); // pixels
-    int            rowAt(const mathbase::Vector2f& place);
-    bool           overArrow(int row, float x);
-    void           selectRow(int row);
-    void           goToRow(int row);
-    void           showRow(int row);
-    bool           handlePress(const Event& event);
-    bool           handleKey(const Event& event);
+    float getOverflow(bool across); // pixels
+    int rowAt(const mathbase::Vector2f& place);
+    bool overArrow(int row, float x);
+    void selectRow(int row);
+    void goToRow(int row);
+    void showRow(int row);
+    bool handlePress(const Event& event);
+    bool handleKey(const Event& event);
     void drawNode(const Node& node, int depth, const mathbase::Box2& row, bool selected, bool hover);
     void drawBar(bool across);
 
-    std::vector<Node>  mNodes;
-    std::vector<int>   mRows;             // indices of what is seen when scrolled to
-    std::vector<float> mTops;             // of each row, and the end of the last, pixels
-    bool               mBuilt = false;    // the two stand
-    bool               mMeasured = false; // mWidth stands
-    float              mWidth = 0;        // of the widest row, pixels
-    float              mSize = 18.0f;     // of items without a size
-    int                mSelected = -1;
-    int                mHoverRow = -1;
-    float              mScrollX = 0, mScrollY = 0;
-    Drag               mDrag = NOTHING;
-    float              mGrip = 0; // where the bar is held, pixels from the thumb's start
-    TextLine           mHeading;
+    std::vector<Node> mNodes;
+    std::vector<int> mRows;   // indices of what is seen when scrolled to
+    std::vector<float> mTops; // of each row, and the end of the last, pixels
+    bool mBuilt = false;      // the two stand
+    bool mMeasured = false;   // mWidth stands
+    float mWidth = 0;         // of the widest row, pixels
+    float mSize = 18.0f;      // of items without a size
+    int mSelected = -1;
+    int mHoverRow = -1;
+    float mScrollX = 0, mScrollY = 0;
+    Drag mDrag = NOTHING;
+    float mGrip = 0; // where the bar is held, pixels from the thumb's start
+    TextLine mHeading;
 };
 
 } // namespace zentrak::panorama

@@ -10,10 +10,10 @@ namespace zentrak::panorama {
 // at no other edge.
 class Window : public Control {
 public:
-    AreaSet            mTitleArea;        // the title bar
-    bool               mDragging = false; // the window is being moved
-    mathbase::Vector2f mDragStart;        // where the mouse was at the press
-    mathbase::Box2     mDragArea;         // mArea.area at the press
+    AreaSet mTitleArea;            // the title bar
+    bool mDragging = false;        // the window is being moved
+    mathbase::Vector2f mDragStart; // where the mouse was at the press
+    mathbase::Box2 mDragArea;      // mArea.area at the press
 
     Window();
 
@@ -23,7 +23,7 @@ public:
     void setArea(mathbase::Box2 box) override;
     void buildChildArea() override;
     bool acceptEvents(Event& event) override; // also while it is dragged, wherever the mouse is
-    int  handleEvent(Event& event) override;
+    int handleEvent(Event& event) override;
     void draw() override;
 
 private:

@@ -9,25 +9,25 @@ namespace zentrak::panorama {
 
 class Workspace : public Control {
 public:
-    display::DisplayGL* mDisplay = nullptr;   // not owned
-    Render              mRender;              // the one of the whole tree
-    Context*            mContext = nullptr;   // the open menu, or null; not owned
-    bool                mContextFresh = true; // it was opened by the click that is going on
-    xml::XmlParser*     mStyle = nullptr;     // the style document, or null; owned
+    display::DisplayGL* mDisplay = nullptr; // not owned
+    Render mRender;                         // the one of the whole tree
+    Context* mContext = nullptr;            // the open menu, or null; not owned
+    bool mContextFresh = true;              // it was opened by the click that is going on
+    xml::XmlParser* mStyle = nullptr;       // the style document, or null; owned
 
     Workspace();
     ~Workspace() override;
 
-    Control*            clone() override; // without display and style; owned by the caller
+    Control* clone() override; // without display and style; owned by the caller
     display::DisplayGL* getDisplay() override;
-    Render*             getRender() override;
-    xml::IteratorConst  getStyle(const std::string& name) override;
-    void                setContext(Context* context) override;
-    void                resetContext() override;
-    mathbase::Box2      getWorldClipArea(bool child) override; // the limit of the tree's coordinates
-    void                load(xml::IteratorConst& it) override;
-    int                 handleEvent(Event& event) override;
-    void                draw() override; // an open menu over all else
+    Render* getRender() override;
+    xml::IteratorConst getStyle(const std::string& name) override;
+    void setContext(Context* context) override;
+    void resetContext() override;
+    mathbase::Box2 getWorldClipArea(bool child) override; // the limit of the tree's coordinates
+    void load(xml::IteratorConst& it) override;
+    int handleEvent(Event& event) override;
+    void draw() override; // an open menu over all else
 
     void setDisplay(display::DisplayGL* display); // and loads the font, the first time
     void loadStyle(xml::XmlParser* style);        // takes the document over; the old one goes

@@ -18,14 +18,14 @@ public:
     // that no repeat count can stop the show.
     static constexpr int MAX_FIRINGS = 1000000;
 
-    std::string           mName = "new";     // the callback to drive; a span of any other name only groups
-    bool                  mEnabled = false;  // off, neither the span nor what is nested in it runs
-    float                 mStart = 0;        // seconds: script time, or the parent's local time
-    float                 mEnd = 0;          // the same; the span runs up to but not including it
-    bool                  mNeedReset = true; // resetTriggers is due on the next active frame
-    std::vector<Effect*>  mChildren;         // owned
-    std::vector<Trigger*> mTriggers;         // owned
-    std::vector<Spline*>  mSplines;          // owned
+    std::string mName = "new";       // the callback to drive; a span of any other name only groups
+    bool mEnabled = false;           // off, neither the span nor what is nested in it runs
+    float mStart = 0;                // seconds: script time, or the parent's local time
+    float mEnd = 0;                  // the same; the span runs up to but not including it
+    bool mNeedReset = true;          // resetTriggers is due on the next active frame
+    std::vector<Effect*> mChildren;  // owned
+    std::vector<Trigger*> mTriggers; // owned
+    std::vector<Spline*> mSplines;   // owned
 
     Effect() = default;
     ~Effect();

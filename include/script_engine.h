@@ -12,10 +12,10 @@ namespace zentrak::script {
 
 class ScriptEngine {
 public:
-    float                            mPreviousTime = 0; // of the last update that was not refused
-    float                            mScriptLength = 0; // seconds, the largest end of a top-level span
-    std::map<std::string, Callback*> mCallbacks;        // not owned
-    std::vector<Effect*>             mEffects;          // owned; file order is drawing order
+    float mPreviousTime = 0;                     // of the last update that was not refused
+    float mScriptLength = 0;                     // seconds, the largest end of a top-level span
+    std::map<std::string, Callback*> mCallbacks; // not owned
+    std::vector<Effect*> mEffects;               // owned; file order is drawing order
 
     ScriptEngine() = default;
     ~ScriptEngine();

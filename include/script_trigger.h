@@ -6,12 +6,12 @@
 namespace zentrak::script {
 
 struct Trigger {
-    int         mFired = 0;    // firings done since the last rewind
+    int mFired = 0;            // firings done since the last rewind
     std::string mName = "new"; // handed to Callback::executeTrigger
     std::string mValue;        // handed to Callback::executeTrigger
-    float       mStart = 0;    // first firing, seconds of the span's local time
-    int         mRepeat = 1;   // firings in all
-    float       mDelay = 0;    // seconds between firings
+    float mStart = 0;          // first firing, seconds of the span's local time
+    int mRepeat = 1;           // firings in all
+    float mDelay = 0;          // seconds between firings
 };
 
 } // namespace zentrak::script

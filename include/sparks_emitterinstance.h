@@ -20,11 +20,11 @@ public:
     // What one update emits at most, over all emitters; the rest is left out.
     static constexpr int MAX_EMISSION = 200000;
 
-    mathbase::Matrix4x4Col matrix;           // place in the world of particles that are yet to be born
-    Engine*                engine = nullptr; // takes the particles; not owned
-    std::vector<Emitter*>  emitters; // those loaded are owned, jointly with all copies; others are not
-    std::string            name = "default";
-    mathbase::Random       random;
+    mathbase::Matrix4x4Col matrix;  // place in the world of particles that are yet to be born
+    Engine* engine = nullptr;       // takes the particles; not owned
+    std::vector<Emitter*> emitters; // those loaded are owned, jointly with all copies; others are not
+    std::string name = "default";
+    mathbase::Random random;
 
     EmitterInstance(); // the random numbers start from the processor time
 

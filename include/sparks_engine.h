@@ -24,17 +24,17 @@ public:
     static constexpr int MAX_ALLOCATED =
         1000000; // particles at a time; more are dropped, said once in the log
 
-    mathbase::Random              random;
-    display::DisplayGL*           display;   // not owned; with null nothing is loaded, and the time is 0
+    mathbase::Random random;
+    display::DisplayGL* display;             // not owned; with null nothing is loaded, and the time is 0
     std::vector<EmitterInstance*> instances; // all that were loaded; owned by the engine, as load made them
     std::vector<EmitterInstance*> active;    // those that run; not owned
-    float                         lastTime = -1.0f; // of the last update; below 0 there was none
-    float                         dt = 0;           // seconds, of the last update
-    bool                          isSetup = false;
-    display::Texture              texture;        // a strip of eight square cells
-    Spark*                        live = nullptr; // newest first
-    Spark*                        free = nullptr;
-    int                           allocated = 0; // particles ever made: the peak of those alive
+    float lastTime = -1.0f;                  // of the last update; below 0 there was none
+    float dt = 0;                            // seconds, of the last update
+    bool isSetup = false;
+    display::Texture texture; // a strip of eight square cells
+    Spark* live = nullptr;    // newest first
+    Spark* free = nullptr;
+    int allocated = 0; // particles ever made: the peak of those alive
 
     explicit Engine(display::DisplayGL* owner);
     // Prints how many particles were in use.
@@ -80,11 +80,11 @@ private:
     float now() const;
 
     std::vector<std::unique_ptr<EmitterInstance>> mLoaded;
-    std::vector<std::unique_ptr<Spark[]>>         mBlocks; // all particles, live and free
-    display::Batch                                mBatch;
-    display::SpriteCut                            mCut;
-    bool                                          mCutRead = false;
-    bool                                          mLimitReported = false;
+    std::vector<std::unique_ptr<Spark[]>> mBlocks; // all particles, live and free
+    display::Batch mBatch;
+    display::SpriteCut mCut;
+    bool mCutRead = false;
+    bool mLimitReported = false;
 };
 
 } // namespace zentrak::sparks

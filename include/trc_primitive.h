@@ -20,20 +20,20 @@ public:
 
 // The cheap result of a hit, enough to find out which of several is the nearest.
 struct PreIntersection {
-    float    t = 0;          // distance along the ray
-    Vector3f nor;            // the normal, not normalised
-    bool     inside = false; // the ray leaves the surface: nor dot direction >= 0
-    float    uvw[3] = {};    // texture coordinates; the first two are passed on
+    float t = 0;         // distance along the ray
+    Vector3f nor;        // the normal, not normalised
+    bool inside = false; // the ray leaves the surface: nor dot direction >= 0
+    float uvw[3] = {};   // texture coordinates; the first two are passed on
 };
 
 // The full result, made once for the hit that counts.
 struct Intersection {
-    bool      inside = false;
+    bool inside = false;
     Material* material = nullptr; // not owned
-    Vector3f  position;
-    Vector3f  nor; // of unit length
-    float     t = 0;
-    float     u = 0, v = 0;
+    Vector3f position;
+    Vector3f nor; // of unit length
+    float t = 0;
+    float u = 0, v = 0;
 };
 
 class Primitive {
@@ -53,8 +53,8 @@ public:
 
 class PrimSphere : public Primitive {
 public:
-    Vector3f  centre;
-    float     radius;
+    Vector3f centre;
+    float radius;
     Material* material; // not owned
 
     PrimSphere(const Vector3f& centre, float radius, Material* material);

@@ -10,13 +10,13 @@
 namespace zentrak::xml {
 
 struct BufferReader {
-    const char* data;         // not owned, need not be terminated
-    size_t      size;         // bytes
-    size_t      pos = 0;      // next byte
-    int32_t     line = 1;     // of the next byte
-    int32_t     tagLine = -1; // where the current tag read began: the end of the tag before it
-    int32_t     col = 1;      // of the next byte; a tab counts as four, a carriage return as none
-    int32_t     tagCol = -1;
+    const char* data;     // not owned, need not be terminated
+    size_t size;          // bytes
+    size_t pos = 0;       // next byte
+    int32_t line = 1;     // of the next byte
+    int32_t tagLine = -1; // where the current tag read began: the end of the tag before it
+    int32_t col = 1;      // of the next byte; a tab counts as four, a carriage return as none
+    int32_t tagCol = -1;
 
     // A null text counts as an empty one.
     BufferReader(const char* text, size_t length) : data(text), size(text ? length : 0) {}

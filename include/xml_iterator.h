@@ -13,11 +13,11 @@ namespace zentrak::xml {
 
 class IteratorConst {
 public:
-    const XmlNode* root;           // its children are walked
-    int32_t        index = -1;     // of the current child
-    bool           atEnd = false;  // past the last child
-    bool           atBegin = true; // before the first step
-    std::string    searchCriteria; // only children of this name, of any type; empty: all
+    const XmlNode* root;        // its children are walked
+    int32_t index = -1;         // of the current child
+    bool atEnd = false;         // past the last child
+    bool atBegin = true;        // before the first step
+    std::string searchCriteria; // only children of this name, of any type; empty: all
 
     IteratorConst(const XmlNode* aRoot, const std::string& criteria);
 
@@ -29,8 +29,8 @@ public:
     // The current child. Throws before the first step and after the last.
     const XmlTag* operator->() const;
 
-    bool           isAtBegin() const { return atBegin; }
-    bool           isAtEnd() const { return atEnd; }
+    bool isAtBegin() const { return atBegin; }
+    bool isAtEnd() const { return atEnd; }
     const XmlNode* getRoot() const { return root; }
 
     // Walks the children of the current child. Throws as operator->.

@@ -14,8 +14,8 @@ class IteratorConst;
 
 class XmlNode : public XmlTag {
 public:
-    std::vector<XmlNode*> children;         // owned, in document order
-    XmlNode*              parent = nullptr; // not owned
+    std::vector<XmlNode*> children; // owned, in document order
+    XmlNode* parent = nullptr;      // not owned
 
     explicit XmlNode(XmlNode* aParent);
     XmlNode(const XmlTag& tag, XmlNode* aParent);
@@ -25,12 +25,12 @@ public:
     XmlNode(const XmlNode&) = delete;
     XmlNode& operator=(const XmlNode&) = delete;
 
-    XmlTag&       getTag() { return *this; }
+    XmlTag& getTag() { return *this; }
     const XmlTag& getTag() const { return *this; }
 
     int getNumChildren() const { return static_cast<int>(children.size()); }
     // The child at `index`, still owned here. Throws where there is none.
-    XmlNode*       getChildren(int index);
+    XmlNode* getChildren(int index);
     const XmlNode* getChildren(int index) const;
 
     // Adds a copy of `tag` before the child now at `position`, or behind all for -1 and for any position that
@@ -43,7 +43,7 @@ public:
     int detachChild(XmlNode* child);
 
     // Walks the children, those of the name `searchCriteria` or, if that is empty, all.
-    Iterator      createIterator(const std::string& searchCriteria);
+    Iterator createIterator(const std::string& searchCriteria);
     IteratorConst createIterator(const std::string& searchCriteria) const;
 
     // Resets the tag, takes the node out of its parent and deletes what is below it. Throws as detachChild

@@ -35,13 +35,13 @@ public:
         Argument(std::string_view aName, std::string_view aValue) : name(aName), value(aValue) {}
     };
 
-    Type                  type = Normal;
-    bool                  closed = true; // without children and without an end tag of its own
-    std::string           name;
+    Type type = Normal;
+    bool closed = true; // without children and without an end tag of its own
+    std::string name;
     std::vector<Argument> arguments; // in order of first insertion
 
-    Type               getType() const { return type; }
-    bool               isClosed() const { return closed; }
+    Type getType() const { return type; }
+    bool isClosed() const { return closed; }
     const std::string& getName() const { return name; }
 
     // The value of the first argument of this name, or xml::emptyString. It lives as long as the tag stays as

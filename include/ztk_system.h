@@ -29,7 +29,7 @@ struct LogData {
     const char* file;     // as the call site gives it, directories included
     const char* function; // as the call site gives it
     const char* category; // such as "app", "display", "o3d", "system" or "Kindler"
-    int         line;
+    int line;
 };
 
 // Prints "[level][function], message (file:line)" and a line end on standard output; the file without its

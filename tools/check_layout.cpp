@@ -35,15 +35,15 @@ bool contains(const Words& words, const std::string& word) {
 // What an element below a control may be, with its own attributes.
 struct Part {
     const char* name;
-    Words       attributes;
-    bool        nests;   // it may hold parts of its kind
-    bool        control; // it is read as a control too: with the common attributes and children
+    Words attributes;
+    bool nests;   // it may hold parts of its kind
+    bool control; // it is read as a control too: with the common attributes and children
 };
 
 // A type of control: what it reads beyond the common attributes.
 struct Type {
-    const char*       name;
-    Words             attributes;
+    const char* name;
+    Words attributes;
     std::vector<Part> parts;
 };
 
@@ -91,7 +91,7 @@ const Type* typeOf(const std::string& name) {
 struct Choice {
     const char* type; // null: of any type
     const char* attribute;
-    Words       words;
+    Words words;
     const char* otherwise; // what any other word means
 };
 
@@ -233,7 +233,7 @@ private:
 
     void value(const xml::XmlNode& node, const std::string& type, const xml::XmlTag::Argument& argument) {
         const std::string& text = argument.value;
-        const std::string  name = "'" + argument.name + "' of '" + node.getName() + "'";
+        const std::string name = "'" + argument.name + "' of '" + node.getName() + "'";
         if (text.empty()) {
             if (argument.name != "text" && argument.name != "caption")
                 say(node, name + " is empty: it is ignored");
@@ -300,7 +300,7 @@ private:
             if (!contains({"name", "first", "second"}, argument.name))
                 say(node, "unknown attribute '" + argument.name + "' of 'color'");
         const std::string& name = node.getValue("name");
-        const size_t       dot = name.find('.');
+        const size_t dot = name.find('.');
         if (dot == std::string::npos || !contains({"back", "caption", "text"}, name.substr(0, dot)) ||
             !contains({"border", "color", "highlight", "pushed", "inactive"}, name.substr(dot + 1)))
             say(node, "'" + name + "' is no name of a 'color'");
@@ -353,7 +353,7 @@ public:
     // False where the style can't be read.
     bool document(bool editor) {
         const xml::XmlNode& root = mDocument.root();
-        bool                readable = true;
+        bool readable = true;
         eachElement(root, [&](const xml::XmlNode& child) {
             if (child.getName() != "workspace") {
                 say(child, "unknown element '" + child.getName() + "' in 'panorama'");
@@ -409,7 +409,7 @@ private:
 
     void names() {
         for (const Needed& each : needed) {
-            const auto        control = mControls.find(each.name);
+            const auto control = mControls.find(each.name);
             const std::string name = std::string("'") + each.name + "'";
             if (control == mControls.end())
                 say(mDocument.root(), "no control " + name + ", " + each.use);
@@ -419,9 +419,9 @@ private:
     }
 
     std::map<std::string, const xml::XmlNode*> mControls; // by name, the first of each
-    std::vector<const xml::XmlNode*>           mUses;     // of a class
-    std::set<std::string>                      mClasses;
-    int                                        mStyleFindings = 0;
+    std::vector<const xml::XmlNode*> mUses;               // of a class
+    std::set<std::string> mClasses;
+    int mStyleFindings = 0;
 };
 
 // 0 for a file without findings, 1 for one with some, 2 for one that can't be read.
@@ -430,7 +430,7 @@ int checkFile(const char* path, bool editor) {
     if (!document.read(path))
         return 2;
     const std::vector<xml::XmlNode*>& children = document.root().children;
-    const bool                        layout = document.root().getName() == "panorama" &&
+    const bool layout = document.root().getName() == "panorama" &&
                         std::any_of(children.begin(), children.end(), [](const xml::XmlNode* child) {
                             return isElement(*child) && child->getName() == "workspace" &&
                                    (!child->getValue("style").empty() || ++child->createIterator("child"));
@@ -454,7 +454,7 @@ int checkFile(const char* path, bool editor) {
 
 int main(int argc, char** argv) {
     const bool editor = argc > 1 && !strcmp(argv[1], "--editor");
-    const int  first = editor ? 2 : 1;
+    const int first = editor ? 2 : 1;
     if (argc <= first || command::hasOption(argc, argv, first)) {
         fprintf(stderr, "usage: check_layout [--editor] FILE...\n");
         return 2;

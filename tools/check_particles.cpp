@@ -31,7 +31,7 @@ public:
             return;
         }
         std::set<std::string> names;
-        bool                  any = false;
+        bool any = false;
         eachElement(root, [&](const xml::XmlNode& child) {
             if (child.getName() != "instance") {
                 say(child, "unknown tag '" + child.getName() + "' is ignored");
@@ -77,7 +77,7 @@ private:
             say(node, std::string("no '") + name + "': " + ifMissing);
             return 0;
         }
-        char*      end = nullptr;
+        char* end = nullptr;
         const long value = strtol(text.c_str(), &end, 0);
         if (*end)
             say(node, std::string("'") + name + "' of '" + text + "' is read as " + std::to_string(value));
@@ -114,7 +114,7 @@ private:
         arguments(node, {"v1", "v2"});
         for (const char* bound : {"v1", "v2"}) {
             const std::string& text = node.getValue(bound);
-            const std::string  name = std::string("'") + bound + "' of '" + node.getName() + "'";
+            const std::string name = std::string("'") + bound + "' of '" + node.getName() + "'";
             if (text.empty())
                 say(node, "no " + name + ": it is 0");
             else if (node.getName() == "color")

@@ -62,7 +62,7 @@ size_t distance(const std::string& one, const std::string& other) {
 // What is most like a word of unknown meaning, or null if nothing is.
 const char* likely(const Words& words, const std::string& word) {
     const char* best = nullptr;
-    size_t      least = std::min<size_t>(3, word.size());
+    size_t least = std::min<size_t>(3, word.size());
     if (word.size() > 100)
         return nullptr;
     for (const char* each : words) {
@@ -111,7 +111,7 @@ const Words& allEffects() {
 // When something runs: from `start` up to, and not including, `end`; not at all where that is not above.
 struct Window {
     double start, end;
-    bool   empty() const { return !(end > start); }
+    bool empty() const { return !(end > start); }
 };
 
 class ScriptChecker final : public Findings {
@@ -177,13 +177,13 @@ private:
         }
         attributes(node, {"name", "state", "start", "end"});
         const EffectNames* const names = name(node);
-        const Window             given = {get(node, "start"), need(node, "end")};
+        const Window given = {get(node, "start"), need(node, "end")};
         const Window runs = {std::max(given.start, inside.start), std::min(given.end, inside.end)};
         state(node);
         if (!inside.empty())
             place(node, given, inside, parent);
 
-        const Window          local = {runs.start - given.start, runs.end - given.start};
+        const Window local = {runs.start - given.start, runs.end - given.start};
         std::set<std::string> splines;
         elements(node, {"trigger", "spline", "effect"}, [&](const xml::XmlNode& child) {
             if (child.getName() == "trigger") {
@@ -200,7 +200,7 @@ private:
 
     // The effect that draws a span; null, with a finding unless it can be meant, for one that only groups.
     const EffectNames* name(const xml::XmlNode& node) {
-        const std::string&       name = node.getValue("name");
+        const std::string& name = node.getValue("name");
         const EffectNames* const names = namesOf(name);
         if (names)
             return names;
@@ -255,8 +255,8 @@ private:
         elements(node, {}, [](const xml::XmlNode&) {});
         const std::string& name = node.getValue("name");
         const std::string& repeat = node.getValue("repeat");
-        const double       start = get(node, "start");
-        double             count = 1, delay = 0;
+        const double start = get(node, "start");
+        double count = 1, delay = 0;
         if (repeat.empty()) {
             if (!node.getValue("delay").empty())
                 say(node,
@@ -285,7 +285,7 @@ private:
 
     // A number of firings, as atoi reads it.
     double integer(const xml::XmlNode& node, const char* name, const std::string& text) {
-        char*      end = nullptr;
+        char* end = nullptr;
         const long value = strtol(text.c_str(), &end, 10);
         if (*end || end == text.c_str())
             say(node, quoted(name) + " of " + quoted(node.getName()) + " of " + quoted(text) +
@@ -297,7 +297,7 @@ private:
     void value(const xml::XmlNode& node, const EffectNames& names) {
         const std::string& name = node.getValue("name");
         const std::string& value = node.getValue("value");
-        Words              known;
+        Words known;
         for (const TriggerNames& each : names.triggers) {
             known.push_back(each.name);
             if (name != each.name)
@@ -365,7 +365,7 @@ int usage() {
 
 int main(int argc, char** argv) {
     double length = std::numeric_limits<double>::infinity();
-    int    first = 1;
+    int first = 1;
     if (argc > 2 && !strcmp(argv[1], "--length")) {
         char* end = nullptr;
         length = strtod(argv[2], &end);

@@ -38,7 +38,7 @@ public:
 
 private:
     FT_Library mLibrary = nullptr;
-    FT_Face    mFace = nullptr;
+    FT_Face mFace = nullptr;
 };
 
 // What of Latin-1 is a character to be seen: no controls, no spaces, no soft hyphen.
@@ -116,14 +116,14 @@ int main(int count, char** arguments) {
     }
 
     const FT_Face face = outline.face();
-    const int     size = chooseSize(face, cell);
+    const int size = chooseSize(face, cell);
     if (!size) {
         std::fprintf(stderr, "make_font: %s does not fit into cells of %d\n", arguments[1], cell);
         return 1;
     }
     FT_Set_Pixel_Sizes(face, 0, FT_UInt(size));
     const Extent extent = measure(face);
-    const int    baseline = (cell - extent.above - extent.below) / 2 + extent.above;
+    const int baseline = (cell - extent.above - extent.below) / 2 + extent.above;
 
     Canvas canvas(cell * GRID, cell * GRID);
     canvas.paint([](float, float) { return Colour{0, 0, 0, 1}; });
@@ -131,7 +131,7 @@ int main(int count, char** arguments) {
         if (!isPrinted(c) || FT_Load_Char(face, FT_ULong(c), LOADING))
             continue;
         const FT_Bitmap& bitmap = face->glyph->bitmap;
-        const int        top = c / GRID * cell + baseline - face->glyph->bitmap_top, left = c % GRID * cell;
+        const int top = c / GRID * cell + baseline - face->glyph->bitmap_top, left = c % GRID * cell;
         for (int y = 0; y < int(bitmap.rows); ++y)
             for (int x = 0; x < int(bitmap.width); ++x) {
                 const float shape = float(bitmap.buffer[y * bitmap.pitch + x]) / 255.0f;

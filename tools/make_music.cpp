@@ -49,7 +49,7 @@ std::vector<int> playDrums(Tracks& tracks, int bars) {
         const char* clapStrokes = strokes(clapRhythms(), charts().clap[size_t(bar)]);
         const char* hatStrokes = strokes(hatRhythms(), charts().hat[size_t(bar)]);
         const char* openStrokes = strokes(openHatRhythms(), charts().hat[size_t(bar)]);
-        bool        heart = charts().kick[size_t(bar)] == 'h';
+        bool heart = charts().kick[size_t(bar)] == 'h';
         for (int step = 0; step < STEPS_PER_BAR; ++step) {
             int frame = frameOf(bar, step);
             if (float level = strength(kickStrokes[step])) {
@@ -76,8 +76,8 @@ std::vector<int> playDrums(Tracks& tracks, int bars) {
 // after it, and a deep stroke on its first beat.
 void playTransitions(Tracks& tracks) {
     const float TOMS[] = {50, 50, 47, 45, 45, 43, 40, 38};
-    const int   SLOWEST = 4; // bars that a riser takes
-    int         bar = 0;
+    const int SLOWEST = 4; // bars that a riser takes
+    int bar = 0;
     for (const Section& section : sections()) {
         if (bar > 0) {
             bool full = charts().kick[size_t(bar - 1)] == 's'; // the kick has made room
@@ -100,8 +100,8 @@ void playTransitions(Tracks& tracks) {
 }
 
 void playBass(Tracks& tracks, const Chord& chord) {
-    int         bar = chord.step / STEPS_PER_BAR;
-    char        name = charts().bass[size_t(bar)];
+    int bar = chord.step / STEPS_PER_BAR;
+    char name = charts().bass[size_t(bar)];
     const char* rhythm = strokes(bassRhythms(), name);
     for (int step = chord.step; step < chord.step + chord.steps; ++step) {
         float level = strength(rhythm[step % STEPS_PER_BAR]);
@@ -110,10 +110,10 @@ void playBass(Tracks& tracks, const Chord& chord) {
         }
         bool held = name == 'w' || name == '1';
         // the rolling bass leaps to the octave at the end of a beat
-        int   octave = name == 'r' && step % 4 == 3 ? 12 : 0;
-        int   length = held          ? chord.steps * STEP * (name == '1' ? 2 : 1)
-                       : name == 'p' ? STEP * 3 / 2
-                                     : STEP * 9 / 10;
+        int octave = name == 'r' && step % 4 == 3 ? 12 : 0;
+        int length = held          ? chord.steps * STEP * (name == '1' ? 2 : 1)
+                     : name == 'p' ? STEP * 3 / 2
+                                   : STEP * 9 / 10;
         float brightness = name == 'p' ? 0.08f * float(bar - 6) : held ? 0.25f : 0.75f;
         bass(tracks.low, step * STEP, length, chord.bass + octave, level, brightness);
     }
@@ -122,7 +122,7 @@ void playBass(Tracks& tracks, const Chord& chord) {
 // One long note for as many chords in a row as are the same.
 void playPad(Tracks& tracks, const std::vector<Chord>& chords, size_t first) {
     const Chord& chord = chords[first];
-    float        soft = chartLevel(charts().pad[size_t(chord.step / STEPS_PER_BAR)]);
+    float soft = chartLevel(charts().pad[size_t(chord.step / STEPS_PER_BAR)]);
     if (soft == 0 || (first > 0 && chords[first - 1].voices == chord.voices)) {
         return;
     }
@@ -147,12 +147,12 @@ void playSaws(Tracks& tracks, const Chord& chord) {
 
 // Up and down through the chord over two octaves, in a pattern of three against four.
 void playArpeggio(Tracks& tracks, const Chord& chord) {
-    const int   ORDER[] = {0, 2, 4, 1, 3, 5, 2, 4, 6, 3, 5, 7, 4, 2, 5, 3};
-    float       level = chartLevel(charts().arp[size_t(chord.step / STEPS_PER_BAR)]);
+    const int ORDER[] = {0, 2, 4, 1, 3, 5, 2, 4, 6, 3, 5, 7, 4, 2, 5, 3};
+    float level = chartLevel(charts().arp[size_t(chord.step / STEPS_PER_BAR)]);
     const auto& voices = chord.voices;
     for (int step = chord.step; level > 0 && step < chord.step + chord.steps; ++step) {
-        int   at = ORDER[step % STEPS_PER_BAR];
-        int   voice = voices[size_t(at % 4)] + 12 * (at / 4);
+        int at = ORDER[step % STEPS_PER_BAR];
+        int voice = voices[size_t(at % 4)] + 12 * (at / 4);
         float accent = step % 4 == 2 ? 1.0f : step % 2 == 0 ? 0.8f : 0.65f;
         float place = (step % 2 ? 0.55f : -0.55f);
         pluck(tracks.plucks, step * STEP, STEP * 4 / 5, voice + 12, accent * (0.15f + 0.45f * level),
@@ -193,7 +193,7 @@ void playLine(Tracks& tracks, const Line& line, int end) {
 // too.
 Track perform(int bars) {
     const int FRAMES = bars * BAR;
-    Tracks    tracks(FRAMES);
+    Tracks tracks(FRAMES);
 
     std::vector<int> kicks = playDrums(tracks, bars);
     playTransitions(tracks);

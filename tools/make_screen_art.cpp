@@ -24,7 +24,7 @@ const Colour ember = {0.98f, 0.52f, 0.22f, 1};
  * and register marks.
  */
 Canvas border() {
-    Canvas      canvas(1280, 800);
+    Canvas canvas(1280, 800);
     const float width = 1280, height = 800;
     canvas.paint([&](float x, float y) {
         const float edge = -distanceToBox(x, y, width / 2, height / 2, width / 2, height / 2, 0);
@@ -38,7 +38,7 @@ Canvas border() {
     canvas.fill({bone.r, bone.g, bone.b, 0.55f}, [&](float x, float y) {
         const float dx = fabsf(x - width / 2), dy = fabsf(y - height / 2);
         const float line = std::max(std::max(dx - 586, dy - 346), (dx + dy - 586 - 346 + 26) * 0.7071f);
-        const bool  open = dx < 200 || dy < 110;
+        const bool open = dx < 200 || dy < 110;
         return open ? 10.0f : fabsf(line) - 0.8f;
     });
     for (const int sx : {-1, 1}) {
@@ -67,7 +67,7 @@ Canvas rund() {
         const float dx = x - 128, dy = y - 128;
         const float r = hypotf(dx, dy) / 124;
         const float angle = atan2f(dy, dx);
-        float       a = 0.42f * (1 - smoothstep(0.1f, 1.0f, r));
+        float a = 0.42f * (1 - smoothstep(0.1f, 1.0f, r));
         a += 0.75f * expf(-powf((r - 0.86f) / 0.035f, 2));
         a += 0.35f * expf(-powf((r - 0.62f) / 0.012f, 2));
         a += 0.30f * expf(-powf((r - 0.40f) / 0.060f, 2)) * (0.5f + 0.5f * cosf(12 * angle));
@@ -82,7 +82,7 @@ Canvas rund() {
 void letter(Canvas& canvas, const std::string& text, float x, float y, float height, float weight,
             float tracking, const Colour& colour, float halo) {
     const Lettering line(text, height, tracking);
-    const float     left = x - line.width() / 2, top = y - height / 2;
+    const float left = x - line.width() / 2, top = y - height / 2;
     if (halo > 0)
         canvas.fill(
             {0, 0, 0, 0.55f}, [&](float px, float py) { return line.distance(px - left, py - top) - weight; },
@@ -94,7 +94,7 @@ void letter(Canvas& canvas, const std::string& text, float x, float y, float hei
 Canvas logo() {
     Canvas canvas(704, 192);
     for (int i = 0; i < 4; ++i) {
-        const float  cx = 62 + 40 * float(i % 2), cy = 76 + 40 * float(i / 2);
+        const float cx = 62 + 40 * float(i % 2), cy = 76 + 40 * float(i / 2);
         const Colour face = i == 1 ? ember : ink;
         canvas.fill({face.r, face.g, face.b, i == 2 ? 0.5f : 1.0f},
                     [&](float x, float y) { return distanceToBox(x, y, cx, cy, 17, 17, 3); });
@@ -130,7 +130,7 @@ int main(int argc, char** argv) {
         return 2;
     }
     const std::filesystem::path folder = argv[1];
-    const bool                  done = border().write(folder / "border/border2.png") &&
+    const bool done = border().write(folder / "border/border2.png") &&
                       rund().write(folder / "rund/rund.png") && logo().write(folder / "icons/icons.png") &&
                       last().write(folder / "overlay/finally.png");
     return done ? 0 : 1;

@@ -14,8 +14,8 @@ using namespace zentrak::art;
 
 namespace {
 
-constexpr int   CELLS = 8;
-constexpr int   CELL = 128; // pixels
+constexpr int CELLS = 8;
+constexpr int CELL = 128; // pixels
 constexpr float PI = 3.14159265f;
 
 // A point of a cell: -1 to 1 from edge to edge.
@@ -101,9 +101,9 @@ float smoke(Point p) {
 Canvas strip() {
     using Sprite = float (*)(Point);
     static const Sprite sprites[CELLS] = {glow, core, granule, flame, shell, ray, star, smoke};
-    Canvas              canvas(CELLS * CELL, CELL);
+    Canvas canvas(CELLS * CELL, CELL);
     canvas.paint([](float x, float y) {
-        const int   cell = static_cast<int>(x) / CELL;
+        const int cell = static_cast<int>(x) / CELL;
         const Point p = {2 * (x - static_cast<float>(cell * CELL)) / CELL - 1, 2 * y / CELL - 1};
         const float light = clamp01(sprites[cell](p));
         return Colour{1, 1, 1, light * (1 - smoothstep(0.8f, 0.98f, p.radius()))};
@@ -115,17 +115,17 @@ Canvas strip() {
 // a particle shines evenly until it is about as far out as the sun is to reach, and then goes out quickly.
 struct Stream {
     const char* name;
-    int         texture, rate;
-    float       speed[2]; // units per second
-    float       reach[2]; // units from the centre at which it has gone out
-    float       fade;     // units before that over which it goes out
+    int texture, rate;
+    float speed[2]; // units per second
+    float reach[2]; // units from the centre at which it has gone out
+    float fade;     // units before that over which it goes out
     const char* color[2];
-    float       size[2]; // units
-    float       sizedecay[2];
-    float       intensity[2];
-    float       noise[2];
-    float       angle[2]; // from the y axis, radians
-    float       timeoffset[2];
+    float size[2]; // units
+    float sizedecay[2];
+    float intensity[2];
+    float noise[2];
+    float angle[2]; // from the y axis, radians
+    float timeoffset[2];
 };
 
 // The far plane of the effect's camera lies 1000 units away: from 1500 units off nothing but what is more

@@ -15,7 +15,7 @@ using namespace zentrak::art;
 namespace {
 
 constexpr float PI = 3.14159265f;
-constexpr int   PLATES = 64;
+constexpr int PLATES = 64;
 constexpr float GAP = 0.02f; // half of it, in radii of the stone
 
 struct Point {
@@ -51,7 +51,7 @@ std::vector<Point> middles() {
     std::vector<Point> points;
     for (int i = 0; i < PLATES; ++i) {
         const float y = 1 - 2 * (float(i) + 0.5f) / PLATES, r = sqrtf(1 - y * y), a = 2.399963f * float(i);
-        Point       p = {r * cosf(a), y, r * sinf(a)};
+        Point p = {r * cosf(a), y, r * sinf(a)};
         const float at = float(i) * 1.37f;
         p = {p.x + 0.13f * noise(at, 0.5f, 1), p.y + 0.13f * noise(at, 0.5f, 2),
              p.z + 0.13f * noise(at, 0.5f, 3)};
@@ -63,24 +63,24 @@ std::vector<Point> middles() {
 
 // Where a point lies among the plates.
 struct Place {
-    int   plate;
+    int plate;
     float edge; // distance from the plate's edge, in radii
 };
 
 Place placeOf(const Point& n) {
     static const std::vector<Point> points = middles();
-    const Point                     warped = {n.x + 0.05f * rough(n, 3, 101), n.y + 0.05f * rough(n, 3, 111),
-                                              n.z + 0.05f * rough(n, 3, 121)};
-    int                             nearest = 0;
+    const Point warped = {n.x + 0.05f * rough(n, 3, 101), n.y + 0.05f * rough(n, 3, 111),
+                          n.z + 0.05f * rough(n, 3, 121)};
+    int nearest = 0;
     for (int i = 1; i < PLATES; ++i)
         if (points[size_t(i)].dot(warped) > points[size_t(nearest)].dot(warped))
             nearest = i;
     const Point& own = points[size_t(nearest)];
-    float        edge = 10;
+    float edge = 10;
     for (int i = 0; i < PLATES; ++i) {
         const Point& p = points[size_t(i)];
-        const Point  way = {own.x - p.x, own.y - p.y, own.z - p.z};
-        const float  length = sqrtf(way.dot(way));
+        const Point way = {own.x - p.x, own.y - p.y, own.z - p.z};
+        const float length = sqrtf(way.dot(way));
         if (i != nearest)
             edge = fminf(edge, way.dot(warped) / length);
     }
@@ -93,11 +93,11 @@ Colour stone(float s, float t) {
                                    {0.38f, 0.37f, 0.37f},
                                    {0.60f, 0.57f, 0.52f},
                                    {0.45f, 0.38f, 0.33f}};
-    const Point         n = direction(s, t);
-    const Place         place = placeOf(n);
-    const unsigned      kind = unsigned(place.plate) * 2654435761u >> 16;
-    Colour              colour = tones[kind % 5];
-    const float         grain = 1 + 0.28f * rough(n, 7, 11) + 0.14f * rough(n, 40, 21);
+    const Point n = direction(s, t);
+    const Place place = placeOf(n);
+    const unsigned kind = unsigned(place.plate) * 2654435761u >> 16;
+    Colour colour = tones[kind % 5];
+    const float grain = 1 + 0.28f * rough(n, 7, 11) + 0.14f * rough(n, 40, 21);
     colour = {colour.r * grain, colour.g * grain, colour.b * grain};
     const float lichen = smoothstep(0.12f, 0.34f, rough(n, 2.6f, 31) + 0.25f * rough(n, 17, 41));
     colour = mix(colour, {0.50f, 0.56f, 0.20f}, 0.75f * lichen);

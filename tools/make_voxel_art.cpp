@@ -29,7 +29,7 @@ Canvas eye() {
     Canvas canvas(64, 32);
     canvas.paint([](float x, float y) {
         const Colour none = {0, 0, 0, 1};
-        const float  dx = (x - 32) / 30, dy = y - 17;
+        const float dx = (x - 32) / 30, dy = y - 17;
         if (fabsf(dx) >= 1)
             return none;
         const float upper = -13.0f * powf(1 - dx * dx, 0.75f), lower = 9.0f * powf(1 - dx * dx, 0.9f);
@@ -50,8 +50,8 @@ Canvas eye() {
             return Colour{0.10f, 0.07f, 0.12f, 1};
         if (r < 9.2f) {
             const float ray = 0.5f + 0.5f * cosf(11 * angle + 3 * r);
-            Colour      iris = mix(Colour{0.98f, 0.66f, 0.16f, 1}, Colour{0.06f, 0.52f, 0.56f, 1},
-                                   smoothstep(3.6f, 7.2f, r + 1.2f * ray));
+            Colour iris = mix(Colour{0.98f, 0.66f, 0.16f, 1}, Colour{0.06f, 0.52f, 0.56f, 1},
+                              smoothstep(3.6f, 7.2f, r + 1.2f * ray));
             return mix(iris, Colour{0.03f, 0.16f, 0.26f, 1}, smoothstep(7.8f, 9.2f, r));
         }
         const float shade = clamp01(0.25f + 0.75f * smoothstep(0, 7, dy - upper)) * (1 - 0.3f * dx * dx);
@@ -68,7 +68,7 @@ Canvas tile(float dark, float bevel) {
     canvas.paint([=](float x, float y) {
         const float edge = -distanceToBox(x, y, 32, 32, 32, 32, 0);
         const float rim = smoothstep(0, 3, edge);
-        float       light = mix(dark, 1.0f, smoothstep(0, 26, edge)) * (0.35f + 0.65f * rim);
+        float light = mix(dark, 1.0f, smoothstep(0, 26, edge)) * (0.35f + 0.65f * rim);
         light += bevel * expf(-powf((edge - 5) / 1.8f, 2)) * (1 - y / 64);
         return Colour{clamp01(light), clamp01(light), clamp01(light * 0.985f), 1};
     });
@@ -77,13 +77,13 @@ Canvas tile(float dark, float bevel) {
 
 // A role in the upper half or a name in the lower one, 160 by 64, so that one of each can be seen at once.
 Canvas credit(const std::string& text, bool role) {
-    Canvas    canvas(160, 64);
+    Canvas canvas(160, 64);
     Lettering line(text, role ? 15.0f : 20.0f, 0.34f);
     if (line.width() > 148)
         line = Lettering(text, 17, 0.22f);
-    const float  left = 80 - line.width() / 2, top = role ? 6.0f : 36.0f;
+    const float left = 80 - line.width() / 2, top = role ? 6.0f : 36.0f;
     const Colour from = role ? teal : bone, to = role ? bone : ember;
-    const float  weight = role ? 3.0f : 4.2f;
+    const float weight = role ? 3.0f : 4.2f;
     for (int y = 0; y < 64; ++y) {
         for (int x = 0; x < 160; ++x) {
             const float d = line.distance(float(x) + 0.5f - left, float(y) + 0.5f - top) - weight / 2;
@@ -110,10 +110,10 @@ float island(float x, float y) {
 
 // One of the nineteen layers of the island's height: what stands above it, but for what the next layer hides.
 Canvas islandLayer(int layer) {
-    Canvas      canvas(128, 80);
+    Canvas canvas(128, 80);
     const float floor = 0.06f + 0.048f * float(layer), next = floor + 0.048f;
     struct Step {
-        float  height;
+        float height;
         Colour colour;
     };
     static const std::vector<Step> steps = {
@@ -154,15 +154,15 @@ Canvas greetings() {
     const char* const texts[] = {"GREETINGS TO", "NIGHT OWLS",    "PIXEL BAKERS",  "BIT WEAVERS",
                                  "SINE RIDERS",  "LOOP KEEPERS",  "CUBE HERDERS",  "WAX MOTHS",
                                  "CYCLE MISERS", "FLOAT SAILORS", "RING BUILDERS", "AND TO YOU"};
-    const int         bands = int(std::size(texts));
-    Canvas            canvas(192, 24 * bands);
-    const Colour      colours[] = {
-             bone, ember, {0.95f, 0.78f, 0.30f, 1}, teal, {0.86f, 0.36f, 0.52f, 1}, {0.58f, 0.78f, 0.36f, 1}};
+    const int bands = int(std::size(texts));
+    Canvas canvas(192, 24 * bands);
+    const Colour colours[] = {
+        bone, ember, {0.95f, 0.78f, 0.30f, 1}, teal, {0.86f, 0.36f, 0.52f, 1}, {0.58f, 0.78f, 0.36f, 1}};
     for (int band = 0; band < bands; ++band) {
         Lettering line(texts[band], 14, 0.30f);
         if (line.width() > 180)
             line = Lettering(texts[band], 14, 0.22f);
-        const float  left = 96 - line.width() / 2;
+        const float left = 96 - line.width() / 2;
         const Colour top = colours[band % 6], bottom = colours[(band + 1) % 6];
         for (int y = 0; y < 24; ++y) {
             for (int x = 0; x < 192; ++x) {
@@ -180,11 +180,11 @@ Canvas greetings() {
 
 // A sky for reflections, as a vertical cross of six faces of 64 by 64.
 Canvas sky() {
-    const int  s = 64;
-    Canvas     canvas(3 * s, 4 * s);
+    const int s = 64;
+    Canvas canvas(3 * s, 4 * s);
     const auto colourOf = [](float x, float y, float z) {
-        const float  length = sqrtf(x * x + y * y + z * z);
-        const float  up = y / length;
+        const float length = sqrtf(x * x + y * y + z * z);
+        const float up = y / length;
         const Colour ground = {0.12f, 0.09f, 0.10f, 1}, horizon = {0.98f, 0.64f, 0.38f, 1},
                      top = {0.10f, 0.22f, 0.46f, 1};
         Colour c =

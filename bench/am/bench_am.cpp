@@ -25,7 +25,7 @@ constexpr int cHeight = 1024;
 void paint(ImageObject& image) {
     image.resize(cWidth, cHeight);
     unsigned char* to = image.getWriteData();
-    unsigned       state = 5;
+    unsigned state = 5;
     for (int y = 0; y < cHeight; ++y)
         for (int x = 0; x < cWidth; ++x, to += 4) {
             state = state * 69069 + 5;
@@ -70,11 +70,11 @@ void readFromCursor(png_structp png, png_bytep to, size_t count) {
 // The library alone: rows in the order of the file, nothing done with them.
 void decodeRaw(benchmark::State& state) {
     const std::vector<unsigned char> file = makePng(state.range(0) != 0);
-    std::vector<unsigned char>       pixels(size_t(cWidth) * cHeight * 4);
+    std::vector<unsigned char> pixels(size_t(cWidth) * cHeight * 4);
     for (auto _ : state) {
         png_structp png = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
-        png_infop   info = png_create_info_struct(png);
-        Cursor      cursor{file.data()};
+        png_infop info = png_create_info_struct(png);
+        Cursor cursor{file.data()};
         png_set_read_fn(png, &cursor, readFromCursor);
         png_read_info(png, info);
         for (size_t y = 0; y < cHeight; ++y)
@@ -163,7 +163,7 @@ void encodeRaw(benchmark::State& state) {
     for (auto _ : state) {
         std::vector<unsigned char> file;
         png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
-        png_infop   info = png_create_info_struct(png);
+        png_infop info = png_create_info_struct(png);
         png_set_write_fn(
             png, &file,
             [](png_structp p, png_bytep data, size_t count) {
@@ -195,7 +195,7 @@ void dumpFrame(benchmark::State& state) {
         archives.addArchive(pattern);
         Image image(new ImageObject());
         paint(*image);
-        VideoFile::Format          format{cWidth, cHeight, 60, 1};
+        VideoFile::Format format{cWidth, cHeight, 60, 1};
         std::unique_ptr<VideoFile> video(VideoFile::createForWrite("frame.png", format, &archives));
         video->attach(image);
         for (auto _ : state)

@@ -40,11 +40,11 @@ double threadTime() {
 
 Taken milliseconds(const std::function<void()>& work) {
     using Clock = std::chrono::steady_clock;
-    const auto    start = Clock::now();
+    const auto start = Clock::now();
     const clock_t before = clock();
-    const double  thread = threadTime();
+    const double thread = threadTime();
     work();
-    const double  threadAfter = threadTime();
+    const double threadAfter = threadTime();
     const clock_t after = clock();
     return {std::chrono::duration<double, std::milli>(Clock::now() - start).count(),
             1000.0 * double(after - before) / CLOCKS_PER_SEC, threadAfter - thread};
@@ -121,19 +121,19 @@ public:
     }
 
 private:
-    display::DisplayGL&           mDisplay;
-    int                           mSpans;
-    script::ScriptEngine          mEngine;
+    display::DisplayGL& mDisplay;
+    int mSpans;
+    script::ScriptEngine mEngine;
     std::unique_ptr<kindler::Gui> mGui;
-    panorama::Control*            mMain = nullptr;
-    Taken                         mBuilt;
-    std::vector<Taken>            mOpen, mClosed, mMoves;
+    panorama::Control* mMain = nullptr;
+    Taken mBuilt;
+    std::vector<Taken> mOpen, mClosed, mMoves;
 };
 
 } // namespace
 
 int main(int argc, char** argv) {
-    const int          frames = argc > 1 ? atoi(argv[1]) : 200;
+    const int frames = argc > 1 ? atoi(argv[1]) : 200;
     display::DisplayGL display(display::WindowMode("bench", WIDTH, HEIGHT, false));
     am::ArchiveManager archives;
     archives.addArchive(ZENTRAK_DATA_DIR);

@@ -23,7 +23,7 @@ double setting(const char* name) {
 }
 
 void reportMemory() {
-    char  line[256];
+    char line[256];
     FILE* status = fopen("/proc/self/status", "r");
     while (status && fgets(line, sizeof line, status))
         if (strncmp(line, "VmHWM:", 6) == 0)
@@ -35,10 +35,10 @@ void reportMemory() {
 } // namespace
 
 extern "C" void glfwSwapBuffers(GLFWwindow* window) {
-    static const auto   real = reinterpret_cast<void (*)(GLFWwindow*)>(dlsym(RTLD_NEXT, "glfwSwapBuffers"));
+    static const auto real = reinterpret_cast<void (*)(GLFWwindow*)>(dlsym(RTLD_NEXT, "glfwSwapBuffers"));
     static const double start = setting("BENCH_START"), seconds = setting("BENCH_SECONDS");
-    static long         frames = 0;
-    static double       first = 0;
+    static long frames = 0;
+    static double first = 0;
 
     real(window);
     if (frames++ == 0) {

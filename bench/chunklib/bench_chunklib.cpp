@@ -17,7 +17,7 @@ constexpr size_t VALUES = 1 << 20;
 // One chunk of a million values.
 const WriteBuffer& list() {
     static const WriteBuffer buffer = [] {
-        WriteBuffer              result("O3DF", 1, 1, 1);
+        WriteBuffer result("O3DF", 1, 1, 1);
         const std::vector<float> values(VALUES, 1.0f);
         result.openChunk(0x1000);
         result.store(values.data(), VALUES * 4);
@@ -85,7 +85,7 @@ BENCHMARK(skipWhole)->Unit(benchmark::kMicrosecond);
 void readEveryChunk(benchmark::State& state) {
     for (auto _ : state) {
         ReadBuffer buffer(tree().mData.data(), static_cast<int>(tree().mData.size()));
-        float      sum = 0;
+        float sum = 0;
         while (buffer.openChunk() != 0) {
             while (buffer.openChunk() != 0) {
                 float value = 0;

@@ -41,8 +41,8 @@ float uniform(float low, float high) {
 
 struct Shape {
     Matrix4x4Col transform;
-    Vector4f     color;
-    Vector3f     place;
+    Vector4f color;
+    Vector3f place;
 };
 
 // Shapes in a slab across the view, turned every way; `spread` above 1 puts some outside of it.
@@ -173,10 +173,10 @@ double clockNow(clockid_t clock) {
 
 struct Cost {
     std::vector<double> wall, cpu;
-    static double       least(const std::vector<double>& v) { return *std::min_element(v.begin(), v.end()); }
-    static double       median(std::vector<double> v) {
-              std::nth_element(v.begin(), v.begin() + long(v.size() / 2), v.end());
-              return v[v.size() / 2];
+    static double least(const std::vector<double>& v) { return *std::min_element(v.begin(), v.end()); }
+    static double median(std::vector<double> v) {
+        std::nth_element(v.begin(), v.begin() + long(v.size() / 2), v.end());
+        return v[v.size() / 2];
     }
 };
 
@@ -194,7 +194,7 @@ void compare(const char* name, int rounds, const std::function<void()>& state,
              const std::function<void()>& plain, Batch& batch, const std::function<void()>& collect) {
     glPushAttrib(GL_ALL_ATTRIB_BITS);
     state();
-    Cost       plainCost, batchCost, plainSent, batchSent, collected;
+    Cost plainCost, batchCost, plainSent, batchSent, collected;
     const auto both = [&](Cost& a, Cost& b) {
         measure(a, plain);
         measure(b, [&] {
@@ -226,7 +226,7 @@ void compare(const char* name, int rounds, const std::function<void()>& state,
 
 int main(int count, char** arguments) {
     keepFreedMemory(); // as the program does
-    const int          rounds = count > 1 ? std::max(1, std::atoi(arguments[1])) : 15;
+    const int rounds = count > 1 ? std::max(1, std::atoi(arguments[1])) : 15;
     display::DisplayGL window(display::WindowMode("bench", WIDTH, HEIGHT, false));
     window.open();
     window.resetAllStates();
@@ -243,12 +243,12 @@ int main(int count, char** arguments) {
     texture.load(image, true);
     texture.bind();
 
-    Batch                    batch;
+    Batch batch;
     const std::vector<Shape> inside = makeShapes(1), wide = makeShapes(3);
-    const Vector3f           half(0.75f, 0.75f, 0.75f), tiny(0.25f, 0.25f, 0.25f);
-    const auto               textured = [] { glEnable(GL_TEXTURE_2D); };
-    const auto               solid = [] { glEnable(GL_DEPTH_TEST), glEnable(GL_CULL_FACE); };
-    const auto               blended = [] { glEnable(GL_BLEND); };
+    const Vector3f half(0.75f, 0.75f, 0.75f), tiny(0.25f, 0.25f, 0.25f);
+    const auto textured = [] { glEnable(GL_TEXTURE_2D); };
+    const auto solid = [] { glEnable(GL_DEPTH_TEST), glEnable(GL_CULL_FACE); };
+    const auto blended = [] { glEnable(GL_BLEND); };
 
     std::printf("%s, %d shapes at %d x %d, median of %d rounds, milliseconds\n", glGetString(GL_RENDERER),
                 COUNT, WIDTH, HEIGHT, rounds);

@@ -30,7 +30,7 @@ public:
     }
 
     DisplayGL display;
-    Still     listeners[3];
+    Still listeners[3];
 };
 
 void wholeFrameStep(benchmark::State& state) {
@@ -62,8 +62,8 @@ void resetAllStates(benchmark::State& state) {
 BENCHMARK(resetAllStates);
 
 void resetAllStatesUnchecked(benchmark::State& state) {
-    Window             window;
-    DisplayGL&         display = window.display;
+    Window window;
+    DisplayGL& display = window.display;
     mathbase::MatrixGL matrix, identity;
     identity.setIdentity();
     const auto loadModelView = [&] {
@@ -107,7 +107,7 @@ void oneCheck(benchmark::State& state) {
 BENCHMARK(oneCheck);
 
 void screenShot(benchmark::State& state) {
-    Window                           window;
+    Window window;
     std::unique_ptr<unsigned char[]> buffer(new unsigned char[640 * 400 * 3]);
     for (auto _ : state)
         window.display.getScreenShotRGB24(buffer.get());

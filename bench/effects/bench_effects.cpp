@@ -79,18 +79,18 @@ double now(clockid_t clock) {
 
 struct Cost {
     std::vector<double> wall, cpu, update;
-    static double       median(std::vector<double> v) {
-              if (v.empty())
+    static double median(std::vector<double> v) {
+        if (v.empty())
             return 0;
         std::nth_element(v.begin(), v.begin() + long(v.size() / 2), v.end());
-              return v[v.size() / 2];
+        return v[v.size() / 2];
     }
 };
 
 class Bench {
 public:
-    int                rounds = 15;
-    const char*        wanted = "";
+    int rounds = 15;
+    const char* wanted = "";
     display::DisplayGL window;
 
     explicit Bench(bool small)
@@ -117,8 +117,8 @@ public:
         if (!wants(name))
             return;
         const std::vector<uint8_t> drawn = picture(effect), same = picture(plainly);
-        double                     apart = 0;
-        size_t                     seen = 0;
+        double apart = 0;
+        size_t seen = 0;
         for (size_t i = 0; i < drawn.size(); ++i) {
             apart += std::abs(int(drawn[i]) - int(same[i]));
             seen += drawn[i] != drawn[i % 4];
@@ -194,7 +194,7 @@ private:
     std::vector<uint8_t> picture(const std::function<void()>& draw) {
         clear();
         draw();
-        const int            width = window.mWindowMode.width, height = window.mWindowMode.height;
+        const int width = window.mWindowMode.width, height = window.mWindowMode.height;
         std::vector<uint8_t> bytes(size_t(width) * size_t(height) * 4);
         glReadPixels(0, 0, width, height, GL_RGBA, GL_UNSIGNED_BYTE, bytes.data());
         return bytes;
@@ -217,7 +217,7 @@ int main(int count, char** arguments) {
     if (count > 2)
         bench.wanted = arguments[2];
     display::DisplayGL& window = bench.window;
-    kindler::Common     common;
+    kindler::Common common;
 
     std::printf("%s, %d x %d, median of %d rounds, milliseconds; the last column is how far apart the two "
                 "pictures are, of 255\n",
@@ -228,7 +228,7 @@ int main(int count, char** arguments) {
 
     {
         kindler::Greet greet(&common);
-        plain::Greet   plainGreet;
+        plain::Greet plainGreet;
         bench.prepare(greet, "greet");
         plainGreet.setup(window);
         const auto both = [&](const char* name, int bands) {
@@ -249,7 +249,7 @@ int main(int count, char** arguments) {
     }
     {
         kindler::Kub kub(&common);
-        plain::Kub   plainKub(1);
+        plain::Kub plainKub(1);
         srand(1);
         const double start = now(CLOCK_PROCESS_CPUTIME_ID);
         bench.prepare(kub, "kub");
@@ -277,7 +277,7 @@ int main(int count, char** arguments) {
     }
     {
         kindler::Tunnel tunnel(&common);
-        plain::Tunnel   plainTunnel(1);
+        plain::Tunnel plainTunnel(1);
         bench.prepare(tunnel, "tunnel");
         plainTunnel.setup(window);
         for (const auto& [name, time] : {std::pair("tunnel, 2", 2.0f), std::pair("tunnel, 14", 14.0f),
@@ -288,7 +288,7 @@ int main(int count, char** arguments) {
     }
     {
         kindler::Cubejox cubejox(&common);
-        plain::Cubejox   plainCubejox(1);
+        plain::Cubejox plainCubejox(1);
         bench.prepare(cubejox, "cubejox");
         plainCubejox.alpha = 1;
         cubejox.updateSpline(0, "alpha", 1);
@@ -303,7 +303,7 @@ int main(int count, char** arguments) {
     }
     {
         kindler::Face face(&common);
-        plain::Face   plainFace;
+        plain::Face plainFace;
         bench.prepare(face, "face");
         plainFace.setup(window);
         face.updateSpline(0, "alpha", 0.4f);
@@ -315,7 +315,7 @@ int main(int count, char** arguments) {
         kindler::Credits credits(&common, "moonpulse");
         bench.prepare(credits, "credits_moonpulse");
         const am::Image image = window.mArchiveManager->loadImage("credits/credits_moonpulse.png", -1, false);
-        plain::Credits  plainCredits(1, *image);
+        plain::Credits plainCredits(1, *image);
         for (const auto& [name, zoom] :
              {std::pair("credits, arriving", 0.3f), std::pair("credits, whole", 1.0f)}) {
             credits.updateSpline(0, "zoom", zoom);
@@ -326,7 +326,7 @@ int main(int count, char** arguments) {
     }
     {
         kindler::Grand grand(&common);
-        plain::Grand   plainGrand(1);
+        plain::Grand plainGrand(1);
         bench.prepare(grand, "grand");
         plainGrand.setup(window);
         plainGrand.alpha = 1;
@@ -339,7 +339,7 @@ int main(int count, char** arguments) {
     }
     {
         kindler::Vul vul(&common);
-        plain::Vul   plainVul;
+        plain::Vul plainVul;
         bench.prepare(vul, "vul");
         plainVul.setup(window);
         for (const auto& [name, intensity] : {std::pair("vul, small", 1.6f), std::pair("vul, large", 0.5f)}) {
@@ -351,14 +351,14 @@ int main(int count, char** arguments) {
     }
     {
         kindler::Xor comet(&common);
-        plain::Xor   plainComet(1);
+        plain::Xor plainComet(1);
         bench.prepare(comet, "xor");
         plainComet.alpha = 1;
         comet.updateSpline(0, "alpha", 1);
         bench.compare(
             "xor", [&] { comet.update(9, 0, 0); }, [&] { plainComet.update(window, 9, 0); });
         kindler::Rund rund(&common);
-        plain::Rund   plainRund(1);
+        plain::Rund plainRund(1);
         bench.prepare(rund, "rund");
         plainRund.setup(window);
         plainRund.alpha = 1;
@@ -371,7 +371,7 @@ int main(int count, char** arguments) {
         bench.prepare(grid, "grid");
         grid.updateSpline(0, "alpha", 1);
         bench.alone("grid", [&] { grid.update(9, 0, 0); });
-        kindler::WaxOn   waxon(&common);
+        kindler::WaxOn waxon(&common);
         kindler::Overlay overlay(&common);
         bench.prepare(waxon, "waxon");
         bench.prepare(overlay, "overlay");
@@ -385,9 +385,9 @@ int main(int count, char** arguments) {
         }
     }
     { // the scenes, which nothing draws in another way
-        kindler::Abc  abc(&common);
+        kindler::Abc abc(&common);
         kindler::SSAO ssao(&common);
-        Kasper        kasper;
+        Kasper kasper;
         bench.prepare(abc, "abc");
         bench.prepare(ssao, "ssao");
         kasper.loadScene(&window, "ssao/scene.o3d");

@@ -40,9 +40,9 @@ void drawPlainly(const o3d::Mesh& mesh) {
         glBegin(GL_TRIANGLES);
         for (const o3d::Triangle& triangle : submesh->mTriangles)
             for (const int corner : triangle.mIndex) {
-                const auto               local = size_t(corner);
+                const auto local = size_t(corner);
                 const o3d::TangentSpace& space = submesh->mTangentSpaces[local];
-                const Vector3f&          place = mesh.mVertices[size_t(submesh->mIndices[local].mValue)];
+                const Vector3f& place = mesh.mVertices[size_t(submesh->mIndices[local].mValue)];
                 glNormal3f(space.mNormal.x, space.mNormal.y, space.mNormal.z);
                 if (!submesh->mTexCoords.empty()) {
                     const Vector3f& uv = (*submesh->mTexCoords[0])[local];
@@ -70,7 +70,7 @@ struct Cost {
 } // namespace
 
 int main(int count, char** arguments) {
-    const int          rounds = count > 1 ? std::max(1, std::atoi(arguments[1])) : 31;
+    const int rounds = count > 1 ? std::max(1, std::atoi(arguments[1])) : 31;
     am::ArchiveManager archives;
     archives.addArchive("data");
     display::DisplayGL display(display::WindowMode("bench", 64, 40, false));
@@ -78,9 +78,9 @@ int main(int count, char** arguments) {
     display.open();
 
     const am::File file = archives.readFile("face/face.o3d");
-    o3d::Manager   manager;
+    o3d::Manager manager;
     manager.load(file->data, int(file->length));
-    o3d::Mesh&  head = *manager.mMeshes.front();
+    o3d::Mesh& head = *manager.mMeshes.front();
     gimli::Mesh mesh(&display);
     mesh.load(&head, 1);
 

@@ -94,8 +94,8 @@ void addGrid(o3d::Mesh& mesh, int side) {
     for (int y = 0; y < side; ++y)
         for (int x = 0; x < side; ++x) {
             o3d::Triangle a, b;
-            const int     corners[4] = {local(x, y, 1), local(x + 1, y, 1), local(x + 1, y + 1, 0),
-                                        local(x, y + 1, 0)};
+            const int corners[4] = {local(x, y, 1), local(x + 1, y, 1), local(x + 1, y + 1, 0),
+                                    local(x, y + 1, 0)};
             a.mIndex[0] = b.mIndex[0] = corners[0];
             a.mIndex[1] = corners[1];
             a.mIndex[2] = b.mIndex[1] = corners[2];
@@ -160,7 +160,7 @@ constexpr size_t HUNDRED_MEGABYTES = 100000000;
 // file.
 void load(benchmark::State& state) {
     const std::string& image = sceneOf(HUNDRED_MEGABYTES);
-    double             memory = 0;
+    double memory = 0;
     for (auto _ : state) {
         o3d::Manager manager;
         const size_t before = gHeld;
@@ -188,10 +188,10 @@ void loadList(chunklib::ReadBuffer& buffer, std::vector<T>& list, uint32_t size)
 
 void loadValueByValue(benchmark::State& state) {
     const std::string& image = sceneOf(HUNDRED_MEGABYTES);
-    double             memory = 0;
+    double memory = 0;
     for (auto _ : state) {
         std::vector<std::unique_ptr<o3d::Mesh>> meshes;
-        const size_t                            before = gHeld;
+        const size_t before = gHeld;
         gPeak = gHeld;
         chunklib::ReadBuffer buffer(image.data(), static_cast<int>(image.size()));
         buffer.openChunk();
@@ -250,8 +250,8 @@ BENCHMARK(addNormals)->Arg(32)->Arg(700)->Unit(benchmark::kMillisecond);
 void tangentsBySearch(benchmark::State& state) {
     o3d::Mesh mesh;
     addGrid(mesh, static_cast<int>(state.range(0)));
-    const o3d::Submesh&            submesh = *mesh.mSubmeshes[0];
-    const std::vector<Vector3f>&   uv = submesh.mTexCoords[0]->mList;
+    const o3d::Submesh& submesh = *mesh.mSubmeshes[0];
+    const std::vector<Vector3f>& uv = submesh.mTexCoords[0]->mList;
     std::vector<o3d::TangentSpace> spaces(submesh.mIndices.size());
     for (auto _ : state) {
         std::fill(spaces.begin(), spaces.end(), o3d::TangentSpace());
@@ -260,10 +260,10 @@ void tangentsBySearch(benchmark::State& state) {
                 return mesh.mVertices[static_cast<size_t>(
                     submesh.mIndices[static_cast<size_t>(triangle.mIndex[corner])].mValue)];
             };
-            const auto     at = [&](int corner) { return uv[static_cast<size_t>(triangle.mIndex[corner])]; };
+            const auto at = [&](int corner) { return uv[static_cast<size_t>(triangle.mIndex[corner])]; };
             const Vector3f e1 = place(1) - place(0), e2 = place(2) - place(0);
             const Vector3f d1 = at(1) - at(0), d2 = at(2) - at(0);
-            const float    r = 1.0f / (d1.x * d2.y - d2.x * d1.y);
+            const float r = 1.0f / (d1.x * d2.y - d2.x * d1.y);
             for (int corner = 0; corner < 3; ++corner) {
                 const int position = submesh.mIndices[static_cast<size_t>(triangle.mIndex[corner])].mValue;
                 for (size_t j = 0; j < spaces.size(); ++j)
@@ -283,7 +283,7 @@ BENCHMARK(tangentsBySearch)->Arg(32)->Unit(benchmark::kMillisecond);
 // A thousand nodes of nine tracks with twenty Bezier keys each.
 struct Nodes {
     std::vector<o3d::Dummy> nodes;
-    float                   length = 38.0f;
+    float length = 38.0f;
 
     Nodes() : nodes(1000) {
         unsigned state = 1;
@@ -310,8 +310,8 @@ struct Nodes {
 };
 
 void sampleNodes(benchmark::State& state) {
-    Nodes                  scene;
-    float                  time = 0;
+    Nodes scene;
+    float time = 0;
     mathbase::Matrix4x4Col matrix;
     for (auto _ : state) {
         time = fmodf(time + 0.0167f, scene.length);
@@ -330,7 +330,7 @@ float bisect(const o3d::TrackBlenderFloat& track, float time) {
         ++segment;
     const auto& a = track.mKeys[segment];
     const auto& b = track.mKeys[segment + 1];
-    const auto  curve = [](double u, double p0, double p1, double p2, double p3) {
+    const auto curve = [](double u, double p0, double p1, double p2, double p3) {
         const double v = 1 - u;
         return v * v * v * p0 + 3 * u * v * v * p1 + 3 * u * u * v * p2 + u * u * u * p3;
     };

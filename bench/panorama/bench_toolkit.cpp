@@ -60,7 +60,7 @@ public:
     void drawBox(const Box2& box, int direction) override {
         const Vector4f* const first = &mColorFirst;
         const Vector4f* const second = &mColorSecond;
-        const bool            across = direction == 1;
+        const bool across = direction == 1;
         glBegin(GL_QUADS);
         corner(box.x1, box.y1, *first);
         corner(box.x2, box.y1, across ? *second : *first);
@@ -125,7 +125,7 @@ private:
 class Root : public Workspace {
 public:
     PlainRender mPlain;
-    bool        mUsePlain = false;
+    bool mUsePlain = false;
 
     Render* getRender() override { return mUsePlain ? &mPlain : Workspace::getRender(); }
 
@@ -159,7 +159,7 @@ T& add(Control& parent, const Box2& area, const std::string& caption) {
 void fillWindow(Control& view, int window) {
     for (int i = 0; i < CELLS_ACROSS * CELLS_DOWN; ++i) {
         const float x = 2.0f + 39.0f * float(i % CELLS_ACROSS), y = 2.0f + 17.0f * float(i / CELLS_ACROSS);
-        const Box2  area(x, y, x + 37, y + 15);
+        const Box2 area(x, y, x + 37, y + 15);
         const std::string number = std::to_string(window * 100 + i);
         switch (i % 3) {
         case 0:
@@ -187,7 +187,7 @@ void buildTree(Root& root) {
     }
     for (int i = 0; i < COLUMNS * ROWS; ++i) {
         const float x = 4.0f + 255.0f * float(i % COLUMNS), y = 2.0f + 388.0f * float(i / COLUMNS);
-        Window&     window = add<Window>(bar, Box2(x, y, x + 250, y + 380), "window " + std::to_string(i));
+        Window& window = add<Window>(bar, Box2(x, y, x + 250, y + 380), "window " + std::to_string(i));
         fillWindow(add<Scrollbars>(window, Box2(), "view"), i);
     }
     bar.mActive = 2;
@@ -226,7 +226,7 @@ double measure(int rounds, const std::function<void(int)>& work) {
 }
 
 constexpr clockid_t CLOCKS[] = {CLOCK_MONOTONIC, CLOCK_PROCESS_CPUTIME_ID, CLOCK_THREAD_CPUTIME_ID};
-constexpr size_t    CLOCK_COUNT = std::size(CLOCKS);
+constexpr size_t CLOCK_COUNT = std::size(CLOCKS);
 
 struct Cost {
     std::vector<double> times[CLOCK_COUNT];
@@ -259,7 +259,7 @@ double difference(Root& root) {
     const std::vector<unsigned char> plain = grab();
     drawOnce(root, false, ignored);
     const std::vector<unsigned char> batched = grab();
-    size_t                           differing = 0;
+    size_t differing = 0;
     for (size_t i = 0; i < plain.size(); i += 4) {
         int most = 0;
         for (size_t channel = 0; channel < 3; ++channel)
@@ -286,7 +286,7 @@ void compareDrawing(Root& root, int rounds, const char* name) {
 } // namespace
 
 int main(int count, char** arguments) {
-    const int          rounds = count > 1 ? std::max(1, std::atoi(arguments[1])) : 31;
+    const int rounds = count > 1 ? std::max(1, std::atoi(arguments[1])) : 31;
     am::ArchiveManager archives;
     archives.addArchive("data");
     display::DisplayGL window(display::WindowMode("bench", WIDTH, HEIGHT, false));
@@ -308,7 +308,7 @@ int main(int count, char** arguments) {
         root.setArea(Box2(0, 0, WIDTH, HEIGHT));
 
         Context* const menu = root.mContext;
-        const auto     move = [&](float x, float y) {
+        const auto move = [&](float x, float y) {
             Event event;
             event.type = "mousemove";
             event.mousePos = Vector2f(x, y);

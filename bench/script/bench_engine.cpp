@@ -11,16 +11,16 @@ using namespace zentrak::script;
 
 namespace {
 
-constexpr int   SPANS = 10000;
-constexpr int   NAMES = 24;
-constexpr int   SPLINES = 5;
-constexpr int   KEYS = 10;
+constexpr int SPANS = 10000;
+constexpr int NAMES = 24;
+constexpr int SPLINES = 5;
+constexpr int KEYS = 10;
 constexpr float LENGTH = 200.0f;
 
 // Adds up what it is given, so that none of the work can be left out.
 struct Sum : Callback {
     float sum = 0;
-    long  updates = 0;
+    long updates = 0;
 
     void updateSpline(float, const std::string& name, float value) override {
         sum += name == "alpha" ? value : -value;
@@ -33,7 +33,7 @@ struct Sum : Callback {
 
 struct Show {
     ScriptEngine engine;
-    Sum          callbacks[NAMES];
+    Sum callbacks[NAMES];
 
     Show() {
         for (int i = 0; i < NAMES; ++i)
@@ -58,9 +58,9 @@ struct Show {
         engine.init();
     }
     static std::string nameOf(int i) { return "effect number " + std::to_string(i); }
-    long               updates() const {
-                      long sum = 0;
-                      for (const Sum& callback : callbacks)
+    long updates() const {
+        long sum = 0;
+        for (const Sum& callback : callbacks)
             sum += callback.updates;
         return sum;
     }
@@ -108,7 +108,7 @@ void updatePlainly(Show& show, float time, float delta) {
 // Goes through the show again and again, one frame of a sixtieth of a second each.
 template <typename Update>
 void play(benchmark::State& state, Update update) {
-    Show  show;
+    Show show;
     float time = 0;
     for (auto _ : state) {
         update(show, time);

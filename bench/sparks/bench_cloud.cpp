@@ -20,9 +20,9 @@ namespace {
 struct Setup {
     am::ArchiveManager archives;
     display::DisplayGL display;
-    display::Texture   texture{&display};
-    kindler::Cloud     cloud{nullptr};
-    Vector3f           path[10000];
+    display::Texture texture{&display};
+    kindler::Cloud cloud{nullptr};
+    Vector3f path[10000];
 
     Setup(int width, int height) : display(display::WindowMode("bench", width, height, false)) {
         archives.addArchive("data");
@@ -47,14 +47,14 @@ void plain(Setup& setup, float progress) {
     const Vector3f eye = getCloudPath(100 * (1 - progress)), target = eye + Vector3f(0, 0, 10);
     kindler::setCamera(display, eye, target, 10 * progress);
     const kindler::Billboard board(eye, target, 10 * progress);
-    const Vector3f           right = board.right, up = board.up;
+    const Vector3f right = board.right, up = board.up;
     glEnable(GL_TEXTURE_2D);
     glEnable(GL_BLEND);
     setup.texture.bind();
     glBegin(GL_QUADS);
     for (int i = 9999; i >= 0; --i) {
         const Vector3f& p = setup.path[i];
-        const float     a = 0.15f * (1 - 0.003f * (p - eye).length());
+        const float a = 0.15f * (1 - 0.003f * (p - eye).length());
         if (a <= 0)
             continue;
         glColor4f(1, 0.9f, 0.8f, a);

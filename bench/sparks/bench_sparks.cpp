@@ -25,9 +25,9 @@ constexpr int PARTICLES = 50000;
 struct Setup {
     am::ArchiveManager archives;
     display::DisplayGL display{display::WindowMode("bench", 640, 400, false)};
-    Engine             engine{&display};
-    Matrix4x4Col       cameraInverse;
-    float              time = 1;
+    Engine engine{&display};
+    Matrix4x4Col cameraInverse;
+    float time = 1;
 
     // The camera is so many units from the middle of the particles: far off it sees them all, in the middle
     // as many as the effect's does.
@@ -99,7 +99,7 @@ void plainUpdate(Engine& engine, float dt) {
 }
 
 void plainDraw(Setup& setup) {
-    Engine&        engine = setup.engine;
+    Engine& engine = setup.engine;
     const Vector3f right = setup.cameraInverse.multiplyVector(Vector3f(1, 0, 0)).getNormalized() * 0.5f;
     const Vector3f up = setup.cameraInverse.multiplyVector(Vector3f(0, -1, 0)).getNormalized() * 0.5f;
     GL_CALL(glEnable(GL_BLEND));
@@ -113,7 +113,7 @@ void plainDraw(Setup& setup) {
         if (age <= 0)
             continue;
         const float flicker = float(engine.random.draw() & 1);
-        float       alpha = (1 - flicker * s->noise) * std::min(s->energy, 1.0f) * s->intensity;
+        float alpha = (1 - flicker * s->noise) * std::min(s->energy, 1.0f) * s->intensity;
         if (age < 0.2f)
             alpha *= sinf(3.1415927f * age * 2.5f);
         glColor4f(s->colour.x, s->colour.y, s->colour.z, alpha);

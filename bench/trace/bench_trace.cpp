@@ -11,12 +11,12 @@ using mathbase::Vector3f;
 namespace {
 
 struct Setup {
-    trace::PrimSphere     spheres[3] = {{Vector3f(-3, 2.1f, 0), 2.3f, nullptr},
-                                        {Vector3f(3, 2.1f, 0), 2.3f, nullptr},
-                                        {Vector3f(0, -140, 5), 140, nullptr}};
-    trace::PrimScene      scene;
+    trace::PrimSphere spheres[3] = {{Vector3f(-3, 2.1f, 0), 2.3f, nullptr},
+                                    {Vector3f(3, 2.1f, 0), 2.3f, nullptr},
+                                    {Vector3f(0, -140, 5), 140, nullptr}};
+    trace::PrimScene scene;
     std::vector<Vector3f> directions;
-    const Vector3f        light{5, 8, 0};
+    const Vector3f light{5, 8, 0};
 
     Setup() {
         for (trace::PrimSphere& sphere : spheres) {
@@ -30,7 +30,7 @@ struct Setup {
 };
 
 void nearestHit(benchmark::State& state) {
-    Setup  setup;
+    Setup setup;
     size_t n = 0;
     for (auto _ : state) {
         trace::Intersection i;
@@ -43,15 +43,15 @@ void nearestHit(benchmark::State& state) {
 BENCHMARK(nearestHit);
 
 void everyHitConverted(benchmark::State& state) {
-    Setup  setup;
+    Setup setup;
     size_t n = 0;
     for (auto _ : state) {
-        const Vector3f      direction = setup.directions[n++ & 4095];
+        const Vector3f direction = setup.directions[n++ & 4095];
         trace::Intersection best;
         best.t = 1e20f;
         for (const trace::PrimScene::Instance& instance : setup.scene.instances) {
             trace::PreIntersection pi;
-            trace::Intersection    i;
+            trace::Intersection i;
             if (instance.primitive->trace(pi, setup.light, direction, 0.0001f, 1e20f)) {
                 instance.primitive->convertIntersection(pi, i, setup.light, direction);
                 if (i.t <= best.t) {

@@ -16,7 +16,7 @@ namespace {
 // A script as an author writes it: spans with triggers, splines with keys, spans within spans, comments.
 std::string makeScript(size_t size) {
     std::string text = "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n\n<script>\n";
-    char        line[256];
+    char line[256];
     for (int span = 0; text.size() < size; ++span) {
         snprintf(
             line, sizeof(line),

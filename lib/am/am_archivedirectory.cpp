@@ -22,7 +22,7 @@ public:
     Descriptor& operator=(const Descriptor&) = delete;
 
     bool isOpen() const { return mFd >= 0; }
-    int  get() const { return mFd; }
+    int get() const { return mFd; }
 
     // False if the system could not write all that was given to it.
     bool close() {
@@ -82,7 +82,7 @@ std::string folderOf(const std::string& path) {
 std::string followLinks(std::string path) {
     constexpr int maxLinks = 40; // as many as the kernel follows
     for (int links = 0; links < maxLinks; ++links) {
-        char    target[PATH_MAX];
+        char target[PATH_MAX];
         ssize_t length = ::readlink(path.c_str(), target, sizeof target);
         if (length < 0)
             return path;
@@ -111,7 +111,7 @@ bool fill(int fd, const FileStructure& file, const struct stat* old) {
         return false;
     if (!old)
         return true;
-    bool   owned = ::fchown(fd, old->st_uid, old->st_gid) == 0; // kept where the system lets us
+    bool owned = ::fchown(fd, old->st_uid, old->st_gid) == 0; // kept where the system lets us
     mode_t bits = old->st_mode & (owned ? 07777 : 0777);
     return ::fchmod(fd, bits) == 0 && ::fsync(fd) == 0;
 }
@@ -124,7 +124,7 @@ ArchiveDirectory::ArchiveDirectory(const std::string& directory) : path(director
 File ArchiveDirectory::read(const std::string& name) {
     if (!isWholeName(name))
         return File();
-    Descriptor  fd(::open((path + name).c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    Descriptor fd(::open((path + name).c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     struct stat status {};
     if (!fd.isOpen() || ::fstat(fd.get(), &status) != 0 || !S_ISREG(status.st_mode))
         return File();
@@ -149,13 +149,13 @@ bool ArchiveDirectory::write(File file) {
 
     // What is there must be a regular file that could be written in place. Opening does not wait for the
     // other end of a pipe.
-    Descriptor  old(::open(target.c_str(), O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    Descriptor old(::open(target.c_str(), O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     struct stat status {};
     if (old.isOpen() ? ::fstat(old.get(), &status) != 0 || !S_ISREG(status.st_mode) : errno != ENOENT)
         return false;
 
     std::string temporaryName;
-    int         fd = createTemporary(folderOf(target), temporaryName);
+    int fd = createTemporary(folderOf(target), temporaryName);
     if (fd < 0) {
         if (!createFullDirectory(name))
             return false;

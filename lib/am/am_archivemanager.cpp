@@ -9,7 +9,7 @@ namespace zentrak::am {
 
 namespace {
 
-const char   cProtocolMark[] = "://";
+const char cProtocolMark[] = "://";
 const size_t cProtocolMarkLength = sizeof cProtocolMark - 1;
 
 bool isSeparator(char c) {
@@ -46,7 +46,7 @@ int ArchiveManager::addArchive(const std::string& path) {
         return -1;
     std::string name = path;
     std::string type;
-    size_t      protocol = findProtocol(path);
+    size_t protocol = findProtocol(path);
     if (protocol != std::string::npos) {
         name = path.substr(protocol + cProtocolMarkLength);
         type = path.substr(0, protocol);

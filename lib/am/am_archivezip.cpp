@@ -42,10 +42,10 @@ public:
         return mData ? mCapacity - mLength : 0;
     }
 
-    bool           isGood() const { return mData != nullptr; }
+    bool isGood() const { return mData != nullptr; }
     unsigned char* end() { return mData.get() + mLength; }
-    void           add(unsigned long count) { mLength += count; }
-    unsigned long  length() const { return mLength; }
+    void add(unsigned long count) { mLength += count; }
+    unsigned long length() const { return mLength; }
     unsigned char* data() { return mData.get(); }
     unsigned char* release() { return mData.release(); }
 
@@ -58,9 +58,9 @@ private:
         mData = std::move(bigger);
     }
 
-    unsigned long                    mClaimed;
-    unsigned long                    mCapacity;
-    unsigned long                    mLength = 0;
+    unsigned long mClaimed;
+    unsigned long mCapacity;
+    unsigned long mLength = 0;
     std::unique_ptr<unsigned char[]> mData;
 };
 
@@ -105,7 +105,7 @@ File ArchiveZIP::read(const std::string& name) {
         return File();
 
     unz_file_info info{};
-    char          entryName[512];
+    char entryName[512];
     constexpr int encrypted = 1; // bit of the flags
     if (unzGetCurrentFileInfo(mZip, &info, entryName, sizeof entryName, nullptr, 0, nullptr, 0) != UNZ_OK ||
         (info.flag & encrypted) || unzOpenCurrentFilePassword(mZip, nullptr) != UNZ_OK)
@@ -114,7 +114,7 @@ File ArchiveZIP::read(const std::string& name) {
     // Most files pack to more than an eighth and are read into one array of their size.
     constexpr unsigned long least = 1UL << 16, ratio = 8;
     Buffer buffer(info.uncompressed_size, least + ratio * std::min(info.compressed_size, mSize));
-    bool   ok = buffer.isGood() && readEntry(mZip, buffer);
+    bool ok = buffer.isGood() && readEntry(mZip, buffer);
     ok = unzCloseCurrentFile(mZip) == UNZ_OK && ok;
     if (!ok || !isChecksumGood(buffer, info))
         return File();

@@ -97,7 +97,7 @@ void Image::assign(ImageObject* object) {
     if (object && mObjectRef && mObjectRef->getObject() == object)
         return;
     std::unique_ptr<ImageObject> guard(object);
-    ImageRefCounter*             counter = object ? new ImageRefCounter(object) : nullptr;
+    ImageRefCounter* counter = object ? new ImageRefCounter(object) : nullptr;
     guard.release();
     if (counter)
         counter->addRef();

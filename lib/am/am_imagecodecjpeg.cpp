@@ -61,7 +61,7 @@ boolean ImageCodec_JPEG_fill_input_buffer(j_decompress_ptr cinfo) {
 
 void ImageCodec_JPEG_skip_input_data(j_decompress_ptr cinfo, long count) {
     jpeg_source_mgr& source = *cinfo->src;
-    size_t           bytes = count < 0 ? 0 : size_t(count);
+    size_t bytes = count < 0 ? 0 : size_t(count);
     if (bytes > source.bytes_in_buffer)
         bytes = source.bytes_in_buffer;
     source.next_input_byte += bytes;
@@ -75,10 +75,10 @@ unsigned long pixelsOf(const jpeg_decompress_struct& cinfo) {
 // A few bytes can hold a scan over the whole picture, so that a small file could keep us busy for hours. The
 // largest picture may have 16 scans, which is more than encoders make, and smaller ones more.
 void limitScans(j_common_ptr common) {
-    constexpr unsigned long       maxScans = 500;
-    constexpr unsigned long       maxPixels = 16 * ImageCodec::MAX_PIXELS; // of all scans
+    constexpr unsigned long maxScans = 500;
+    constexpr unsigned long maxPixels = 16 * ImageCodec::MAX_PIXELS; // of all scans
     const jpeg_decompress_struct& cinfo = *reinterpret_cast<j_decompress_ptr>(common);
-    const unsigned long           scans = static_cast<unsigned long>(cinfo.input_scan_number);
+    const unsigned long scans = static_cast<unsigned long>(cinfo.input_scan_number);
     if (scans > maxScans || scans * pixelsOf(cinfo) > maxPixels)
         fail(common, "Too many scans");
 }
@@ -88,7 +88,7 @@ void limitScans(j_common_ptr common) {
 // packs closer.
 bool isSizeGood(const jpeg_decompress_struct& cinfo, unsigned long length) {
     constexpr unsigned long pixelsPerByte = 32 * 32 * 8;
-    const unsigned long     pixels = pixelsOf(cinfo);
+    const unsigned long pixels = pixelsOf(cinfo);
     return pixels <= ImageCodec::MAX_PIXELS && (cinfo.arith_code || pixels <= length * pixelsPerByte);
 }
 
@@ -110,12 +110,12 @@ void chooseOutput(jpeg_decompress_struct& cinfo) {
 }
 
 void readRows(jpeg_decompress_struct& cinfo, unsigned char* pixels) {
-    const size_t               width = cinfo.output_width;
-    const bool                 isCmyk = cinfo.out_color_space == JCS_CMYK;
+    const size_t width = cinfo.output_width;
+    const bool isCmyk = cinfo.out_color_space == JCS_CMYK;
     std::vector<unsigned char> inks(isCmyk ? width * 4 : 0);
     while (cinfo.output_scanline < cinfo.output_height) {
         unsigned char* to = pixels + cinfo.output_scanline * width * 4;
-        JSAMPROW       rows[] = {isCmyk ? inks.data() : to};
+        JSAMPROW rows[] = {isCmyk ? inks.data() : to};
         if (jpeg_read_scanlines(&cinfo, rows, 1) == 1 && isCmyk)
             convertCmyk(to, inks.data(), width, cinfo.saw_Adobe_marker);
     }
@@ -124,10 +124,10 @@ void readRows(jpeg_decompress_struct& cinfo, unsigned char* pixels) {
 } // namespace
 
 void ImageCodecJPEG::decodeImage(const unsigned char* data, unsigned long length, ImageObject& image) {
-    jpeg_error_mgr    errors;
+    jpeg_error_mgr errors;
     jpeg_progress_mgr progress{};
-    jpeg_source_mgr   source{};
-    Decompress        cinfo;
+    jpeg_source_mgr source{};
+    Decompress cinfo;
     cinfo.err = jpeg_std_error(&errors);
     errors.error_exit = ImageCodec_JPEG_error_exit;
     errors.output_message = ImageCodec_JPEG_output_message;
@@ -149,7 +149,7 @@ void ImageCodecJPEG::decodeImage(const unsigned char* data, unsigned long length
         ERREXIT1(&cinfo, JERR_IMAGE_TOO_BIG, JPEG_MAX_DIMENSION);
     chooseOutput(cinfo);
     jpeg_start_decompress(&cinfo);
-    const unsigned                   width = cinfo.output_width, height = cinfo.output_height;
+    const unsigned width = cinfo.output_width, height = cinfo.output_height;
     std::unique_ptr<unsigned char[]> pixels(new unsigned char[size_t(width) * height * 4]);
     readRows(cinfo, pixels.get());
     jpeg_finish_decompress(&cinfo);

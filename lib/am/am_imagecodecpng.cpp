@@ -23,22 +23,22 @@ constexpr size_t cSignatureLength = 8;
 // The bytes of a file and how far they were read.
 struct Source {
     const unsigned char* mData;
-    size_t               mLength;
-    size_t               mPosition;
+    size_t mLength;
+    size_t mPosition;
 };
 
 // The bytes of the file that is being written, and the pixels that go there.
 struct Target {
     std::vector<unsigned char> mBytes;
     std::vector<unsigned char> mRow; // one row, red first
-    const unsigned char*       mPixels = nullptr;
-    unsigned                   mWidth = 0;
-    unsigned                   mHeight = 0;
+    const unsigned char* mPixels = nullptr;
+    unsigned mWidth = 0;
+    unsigned mHeight = 0;
 };
 
 struct ReadStruct {
     png_structp mPng = nullptr;
-    png_infop   mInfo = nullptr;
+    png_infop mInfo = nullptr;
 
     ReadStruct() = default;
     ReadStruct(const ReadStruct&) = delete;
@@ -48,7 +48,7 @@ struct ReadStruct {
 
 struct WriteStruct {
     png_structp mPng = nullptr;
-    png_infop   mInfo = nullptr;
+    png_infop mInfo = nullptr;
 
     WriteStruct() = default;
     WriteStruct(const WriteStruct&) = delete;
@@ -72,7 +72,7 @@ void pngReadData(png_structp png, png_bytep to, png_size_t count) {
 
 void pngWriteData(png_structp png, png_bytep from, png_size_t count) {
     Target& target = *static_cast<Target*>(png_get_io_ptr(png));
-    bool    ok = true;
+    bool ok = true;
     try {
         target.mBytes.insert(target.mBytes.end(), from, from + count);
     } catch (const std::bad_alloc&) {
@@ -97,7 +97,7 @@ bool canHoldPicture(const unsigned char* data, unsigned long length) {
     if (length < headerEnd || std::memcmp(data + headerType, "IHDR", 4) != 0)
         return true;
     constexpr unsigned channels[] = {1, 1, 3, 1, 2, 1, 4, 1}; // by colour type
-    unsigned long      columns = bigEndian(data + width), rows = bigEndian(data + height);
+    unsigned long columns = bigEndian(data + width), rows = bigEndian(data + height);
     if (columns == 0 || rows == 0)
         return true;
     if (columns > ImageCodec::MAX_PIXELS / rows)
@@ -153,16 +153,16 @@ void ImageCodecPNG::decodeImage(const unsigned char* data, unsigned long length,
 
     unsigned width = png_get_image_width(read.mPng, read.mInfo);
     unsigned height = png_get_image_height(read.mPng, read.mInfo);
-    int      depth = png_get_bit_depth(read.mPng, read.mInfo);
-    int      type = png_get_color_type(read.mPng, read.mInfo);
+    int depth = png_get_bit_depth(read.mPng, read.mInfo);
+    int type = png_get_color_type(read.mPng, read.mInfo);
     if (depth == 8 && type == PNG_COLOR_TYPE_GRAY)
         throw Exception("[loadPNG] No support for grayscale images yet");
     if (depth != 8 || (type != PNG_COLOR_TYPE_RGB && type != PNG_COLOR_TYPE_RGBA))
         throw Exception("[loadPNG] Bad color format of image (type %d, %d bits per channel)", type, depth);
 
     std::unique_ptr<unsigned char[]> pixels(new unsigned char[size_t(width) * height * 4]);
-    png_bytepp                       rows = png_get_rows(read.mPng, read.mInfo);
-    auto* const                      convert = type == PNG_COLOR_TYPE_RGB ? expandRgb : swapRedBlue;
+    png_bytepp rows = png_get_rows(read.mPng, read.mInfo);
+    auto* const convert = type == PNG_COLOR_TYPE_RGB ? expandRgb : swapRedBlue;
     for (size_t y = 0; y < height; ++y)
         convert(pixels.get() + y * width * 4, rows[y], width);
     image.setData(pixels.release(), int(width), int(height));

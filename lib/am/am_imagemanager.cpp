@@ -56,7 +56,7 @@ File ImageManager::encodeImage(const std::string& name, Image& image) {
     ImageCodec* codec = codecFor(name);
     if (!codec || !codec->canWrite())
         return File();
-    auto          file = std::make_unique<FileStructure>();
+    auto file = std::make_unique<FileStructure>();
     unsigned long length = 0;
     if (!codec->encodeImage(&file->data, &length, *image))
         return File();

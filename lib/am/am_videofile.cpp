@@ -12,8 +12,8 @@ namespace {
 
 std::string frameName(const std::string& base, int frame, const std::string& extension) {
     constexpr char format[] = "%s.%06d.%s";
-    int            length = std::snprintf(nullptr, 0, format, base.c_str(), frame, extension.c_str());
-    std::string    name(size_t(length) + 1, '\0');
+    int length = std::snprintf(nullptr, 0, format, base.c_str(), frame, extension.c_str());
+    std::string name(size_t(length) + 1, '\0');
     std::snprintf(name.data(), name.size(), format, base.c_str(), frame, extension.c_str());
     name.resize(size_t(length));
     return name;
@@ -89,7 +89,7 @@ bool VideoFileImageDumper::openForWrite(const std::string& name, const Format& f
                                         ArchiveManager* archive) {
     if (!archive)
         return false;
-    size_t      dot = name.rfind('.');
+    size_t dot = name.rfind('.');
     std::string extension = dot == std::string::npos ? name : name.substr(dot + 1);
     if (extension != "png")
         return false;

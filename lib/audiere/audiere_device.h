@@ -26,7 +26,7 @@ protected:
     ~OpenALDevice() override;
 
 private:
-    ALCdevice*  mDevice;
+    ALCdevice* mDevice;
     ALCcontext* mContext;
 };
 

@@ -13,7 +13,7 @@ public:
     static RefPtr<SampleSource> open(const RefPtr<File>& file);
 
     void getFormat(int& channelCount, int& sampleRate, SampleFormat& sampleFormat) override;
-    int  read(int frameCount, void* buffer) override;
+    int read(int frameCount, void* buffer) override;
     void setPosition(int position) override;
 
 private:

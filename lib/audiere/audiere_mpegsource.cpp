@@ -30,7 +30,7 @@ MpegSource::MpegSource(const RefPtr<File>& file) : mFile(file) {
     mFile->seek(0, File::BEGIN);
     mDecoder = mpg123_new(nullptr, nullptr);
     long rate;
-    int  encoding;
+    int encoding;
     if (!mDecoder ||
         mpg123_param(mDecoder, MPG123_ADD_FLAGS, MPG123_FORCE_FLOAT | MPG123_QUIET, 0) != MPG123_OK ||
         mpg123_replace_reader_handle(mDecoder, fileRead, fileSeek, nullptr) != MPG123_OK ||

@@ -13,7 +13,7 @@ public:
     static RefPtr<SampleSource> open(const RefPtr<File>& file);
 
     void getFormat(int& channelCount, int& sampleRate, SampleFormat& sampleFormat) override;
-    int  read(int frameCount, void* buffer) override;
+    int read(int frameCount, void* buffer) override;
     void setPosition(int position) override;
 
 private:
@@ -22,10 +22,10 @@ private:
     explicit MpegSource(const RefPtr<File>& file);
     ~MpegSource() override;
 
-    RefPtr<File>   mFile;
+    RefPtr<File> mFile;
     mpg123_handle* mDecoder = nullptr;
-    int            mChannelCount = 0;
-    int            mSampleRate = 0;
+    int mChannelCount = 0;
+    int mSampleRate = 0;
 };
 
 } // namespace zentrak::audiere

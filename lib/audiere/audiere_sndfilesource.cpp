@@ -13,7 +13,7 @@ const int MIX_FRAMES = 1024; // mixed down at a time
 // What libsndfile calls to reach the file.
 sf_count_t fileLength(void* user) {
     File* file = static_cast<File*>(user);
-    int   position = file->tell();
+    int position = file->tell();
     file->seek(0, File::END);
     int length = file->tell();
     file->seek(position, File::BEGIN);
@@ -81,7 +81,7 @@ SndfileSource::~SndfileSource() {
 
 // As the file tells them, else as is usual.
 std::string SndfileSource::channelPlaces() {
-    std::string      places = Downmix::usualPlaces(mInfo.channels);
+    std::string places = Downmix::usualPlaces(mInfo.channels);
     std::vector<int> map(places.size());
     if (!sf_command(mDecoder, SFC_GET_CHANNEL_MAP_INFO, map.data(), int(map.size() * sizeof(int)))) {
         return places;

@@ -15,7 +15,7 @@ public:
     static RefPtr<SampleSource> open(const RefPtr<File>& file);
 
     void getFormat(int& channelCount, int& sampleRate, SampleFormat& sampleFormat) override;
-    int  read(int frameCount, void* buffer) override;
+    int read(int frameCount, void* buffer) override;
     void setPosition(int position) override;
 
 private:
@@ -25,12 +25,12 @@ private:
     ~SndfileSource() override;
 
     std::string channelPlaces();
-    int         decode(int frameCount, float* out);
+    int decode(int frameCount, float* out);
 
-    RefPtr<File>       mFile;
-    SNDFILE*           mDecoder = nullptr;
-    SF_INFO            mInfo = {};
-    Downmix            mDownmix;  // used for more than two channels
+    RefPtr<File> mFile;
+    SNDFILE* mDecoder = nullptr;
+    SF_INFO mInfo = {};
+    Downmix mDownmix;             // used for more than two channels
     std::vector<float> mSurround; // frames to be mixed down, as decoded
 };
 

@@ -6,11 +6,11 @@ namespace zentrak::audiere {
 
 namespace {
 
-const ALint  REMIX_UNMATCHED = 2; // AL_REMIX_UNMATCHED_SOFT, which older headers lack
-const int    LOWEST_RATE = 1000;  // frames a second
-const int    HIGHEST_RATE = 768000;
+const ALint REMIX_UNMATCHED = 2; // AL_REMIX_UNMATCHED_SOFT, which older headers lack
+const int LOWEST_RATE = 1000;    // frames a second
+const int HIGHEST_RATE = 768000;
 const double LONGEST_DELAY = 0.5; // seconds; what a device tells beyond it is not believed
-const float  LOUDEST = 8;         // samples beyond are the work of a damaged file
+const float LOUDEST = 8;          // samples beyond are the work of a damaged file
 
 } // namespace
 
@@ -94,7 +94,7 @@ void OpenALStream::stop() {
     mPlaying = false;
     alSourcePause(mName);
     double where = offset(false);
-    ALint  state;
+    ALint state;
     alGetSourcei(mName, AL_SOURCE_STATE, &state);
     if (state == AL_PAUSED) {
         advance(double(mQueuedAt) + where);
@@ -165,7 +165,7 @@ void OpenALStream::update() {
 
 // Without a device the show goes on in silence: time passes, and the sound ends when it would have.
 void OpenALStream::updateSilently() {
-    Clock::time_point             now = Clock::now();
+    Clock::time_point now = Clock::now();
     std::chrono::duration<double> passed = now - mUpdated;
     int frames = int(std::min(passed.count() * mSampleRate, double(mEnd - mPosition)));
     mUpdated += std::chrono::duration_cast<Clock::duration>(

@@ -15,14 +15,14 @@ public:
     // Null when the device takes no more sources, or the sample rate is beyond reason.
     static RefPtr<OutputStream> open(const RefPtr<OpenALDevice>& device, const RefPtr<SampleSource>& source);
 
-    void  play() override;
-    void  stop() override;
-    bool  isPlaying() override;
-    void  setVolume(float volume) override;
+    void play() override;
+    void stop() override;
+    bool isPlaying() override;
+    void setVolume(float volume) override;
     float getVolume() override { return mVolume; }
-    void  setPosition(int position) override;
-    int   getPosition() override;
-    int   getLength() override { return mLength; }
+    void setPosition(int position) override;
+    int getPosition() override;
+    int getLength() override { return mLength; }
 
 private:
     using Clock = std::chrono::steady_clock;
@@ -30,15 +30,15 @@ private:
     OpenALStream(const RefPtr<OpenALDevice>& device, const RefPtr<SampleSource>& source);
     ~OpenALStream() override;
 
-    bool   setup();
-    void   update();
-    void   updateSilently();
-    void   fill();
-    void   decode();
-    void   drop(int count);
-    void   flush(int position);
-    void   advance(double position);
-    bool   isRunning() const;
+    bool setup();
+    void update();
+    void updateSilently();
+    void fill();
+    void decode();
+    void drop(int count);
+    void flush(int position);
+    void advance(double position);
+    bool isRunning() const;
     double offset(bool heard) const;
 
     enum {
@@ -46,24 +46,24 @@ private:
         BUFFER_COUNT = 12, // a second and a half
     };
 
-    RefPtr<OpenALDevice>  mDevice;
-    RefPtr<SampleSource>  mSource;
-    int                   mChannelCount = 0; // of the source; two are played in any case
-    int                   mSampleRate = 0;
-    int                   mLength = 0;
-    int                   mBufferFrames = 0;
-    std::vector<float>    mSamples;  // of one buffer, in stereo
-    ALuint                mName = 0; // of the OpenAL source
-    ALuint                mBuffers[BUFFER_COUNT] = {};
-    int                   mFirst = 0;    // index of the oldest buffer queued
-    int                   mQueued = 0;   // how many are, from mFirst on, round the ring
-    long                  mQueuedAt = 0; // frame at the start of mFirst
-    int                   mEnd = 0;      // frame at which the sound ends, as far as known
-    int                   mPosition = 0; // frame last told, never past mEnd
-    bool                  mPlaying = false;
-    bool                  mRanOut = false; // played to the end and not moved since
-    float                 mVolume = 1;
-    Clock::time_point     mUpdated;               // time of the last update, while playing
+    RefPtr<OpenALDevice> mDevice;
+    RefPtr<SampleSource> mSource;
+    int mChannelCount = 0; // of the source; two are played in any case
+    int mSampleRate = 0;
+    int mLength = 0;
+    int mBufferFrames = 0;
+    std::vector<float> mSamples; // of one buffer, in stereo
+    ALuint mName = 0;            // of the OpenAL source
+    ALuint mBuffers[BUFFER_COUNT] = {};
+    int mFirst = 0;     // index of the oldest buffer queued
+    int mQueued = 0;    // how many are, from mFirst on, round the ring
+    long mQueuedAt = 0; // frame at the start of mFirst
+    int mEnd = 0;       // frame at which the sound ends, as far as known
+    int mPosition = 0;  // frame last told, never past mEnd
+    bool mPlaying = false;
+    bool mRanOut = false; // played to the end and not moved since
+    float mVolume = 1;
+    Clock::time_point mUpdated;                   // time of the last update, while playing
     LPALGETSOURCEI64VSOFT mGetSource64 = nullptr; // null without the extension for the device's delay
 };
 

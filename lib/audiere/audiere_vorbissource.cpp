@@ -71,8 +71,8 @@ int VorbisSource::read(int frameCount, void* buffer) {
     int done = 0;
     while (done < wanted) {
         float** channels;
-        int     link = 0;
-        long    count = ov_read_float(&mDecoder, &channels, wanted - done, &link);
+        int link = 0;
+        long count = ov_read_float(&mDecoder, &channels, wanted - done, &link);
         if (count == OV_HOLE) {
             continue;
         }

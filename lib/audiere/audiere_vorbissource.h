@@ -15,7 +15,7 @@ public:
     static RefPtr<SampleSource> open(const RefPtr<File>& file);
 
     void getFormat(int& channelCount, int& sampleRate, SampleFormat& sampleFormat) override;
-    int  read(int frameCount, void* buffer) override;
+    int read(int frameCount, void* buffer) override;
     void setPosition(int position) override;
 
 private:
@@ -26,13 +26,13 @@ private:
 
     void write(float** channels, int frames, float* out) const;
 
-    RefPtr<File>   mFile;
+    RefPtr<File> mFile;
     OggVorbis_File mDecoder = {};
-    bool           mIsOpen = false;
-    int            mLinks = 0; // streams from the first on that are of its format
-    int            mFileChannels = 0;
-    int            mSampleRate = 0;
-    Downmix        mDownmix; // used for more than two channels
+    bool mIsOpen = false;
+    int mLinks = 0; // streams from the first on that are of its format
+    int mFileChannels = 0;
+    int mSampleRate = 0;
+    Downmix mDownmix; // used for more than two channels
 };
 
 } // namespace zentrak::audiere

@@ -57,7 +57,7 @@ uint16_t ReadBuffer::openChunk() {
     loadType(&id, 2);
 
     const int implied = (mFlags & FLAG_TYPETAG) != 0 ? impliedSize(id) : -1;
-    uint32_t  size = static_cast<uint32_t>(implied);
+    uint32_t size = static_cast<uint32_t>(implied);
     if (implied < 0) {
         if (!checkBoundaries(4))
             return 0;

@@ -82,7 +82,7 @@ void WriteBuffer::save(const std::string& pFilename) const {
     if (file == nullptr)
         throw Exception("WriteBuffer::save, can't open '%s'", pFilename.c_str());
     const size_t written = fwrite(mData.data(), 1, mData.size(), file);
-    const bool   closed = fclose(file) == 0;
+    const bool closed = fclose(file) == 0;
     if (written != mData.size() || !closed)
         throw Exception("WriteBuffer::save, can't write '%s'", pFilename.c_str());
 }

@@ -123,7 +123,7 @@ void Mesh::fillVertices(const o3d::Mesh& mesh) {
         if (mSubmeshes[i].mIndexCount < 1)
             continue;
         const o3d::Submesh& part = *mesh.mSubmeshes[i];
-        const bool          hasSpaces = part.mTangentSpaces.size() >= part.mIndices.size();
+        const bool hasSpaces = part.mTangentSpaces.size() >= part.mIndices.size();
         if (!hasSpaces)
             ZTK_LOG("warning", "o3d", "Mesh '%s' has no normals", mName.c_str());
         const o3d::StructList<Vector3f>* uv = nullptr;

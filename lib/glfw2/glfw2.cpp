@@ -19,37 +19,37 @@ constexpr int MaxSize = 32767;  // the largest side of an X window, pixels
 constexpr int NoScancode = 512; // keys that GLFW 3 has no name for are numbered from here, by scancode
 
 struct Callbacks {
-    GLFWwindowsizefun    size = nullptr;
-    GLFWwindowclosefun   close = nullptr;
+    GLFWwindowsizefun size = nullptr;
+    GLFWwindowclosefun close = nullptr;
     GLFWwindowrefreshfun refresh = nullptr;
-    GLFWkeyfun           key = nullptr;
-    GLFWcharfun          character = nullptr;
-    GLFWmousebuttonfun   button = nullptr;
-    GLFWmouseposfun      mouse = nullptr;
-    GLFWmousewheelfun    wheel = nullptr;
+    GLFWkeyfun key = nullptr;
+    GLFWcharfun character = nullptr;
+    GLFWmousebuttonfun button = nullptr;
+    GLFWmouseposfun mouse = nullptr;
+    GLFWmousewheelfun wheel = nullptr;
 };
 
 // All that belongs to an open window; it starts afresh with each.
 struct Session {
     Callbacks callbacks;
-    Input     input;
-    int       width = 0; // pixels
-    int       height = 0;
-    int       mouseX = 0; // whole pixels
-    int       mouseY = 0;
-    double    wheelSum = 0.0; // steps
-    int       wheel = 0;      // whole steps, as told
-    bool      focused = false;
-    bool      iconified = false;
-    bool      noResize = false;
-    bool      autoPoll = true;
+    Input input;
+    int width = 0; // pixels
+    int height = 0;
+    int mouseX = 0; // whole pixels
+    int mouseY = 0;
+    double wheelSum = 0.0; // steps
+    int wheel = 0;         // whole steps, as told
+    bool focused = false;
+    bool iconified = false;
+    bool noResize = false;
+    bool autoPoll = true;
 };
 
-Session            session;
-unsigned           sessions = 0; // how many there have been
-bool               noResizeHint = false;
-double             timeOffset = 0.0; // seconds, added to the time of the library
-std::exception_ptr thrown;           // by a callback, on its way out of the poll
+Session session;
+unsigned sessions = 0; // how many there have been
+bool noResizeHint = false;
+double timeOffset = 0.0;   // seconds, added to the time of the library
+std::exception_ptr thrown; // by a callback, on its way out of the poll
 
 // Calls a callback, if there is one and none before it in this poll has thrown; 0 when it was not called.
 template <typename Callback, typename... Arguments>
@@ -372,7 +372,7 @@ int glfwGetVideoModes(GLFWvidmode* list, int maxcount) {
     if (!list || maxcount <= 0)
         return 0;
     const std::vector<VideoMode> modes = Window::videoModes();
-    const int                    count = std::min(maxcount, static_cast<int>(modes.size()));
+    const int count = std::min(maxcount, static_cast<int>(modes.size()));
     for (int i = 0; i < count; ++i) {
         const VideoMode& mode = modes[static_cast<std::size_t>(i)];
         list[i] = {mode.width, mode.height, mode.red, mode.blue, mode.green};

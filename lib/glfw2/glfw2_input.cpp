@@ -25,7 +25,7 @@ bool isText(unsigned character) {
 
 // Tells of a press by code. A code that is down already repeats, also when another key has it.
 void Input::pressCode(InputEvents& events, int code) {
-    State&     state = mCodes[static_cast<std::size_t>(code)];
+    State& state = mCodes[static_cast<std::size_t>(code)];
     const bool repeats = state == State::Down;
     state = State::Down;
     if (!repeats || mKeyRepeat)
@@ -122,7 +122,7 @@ InputEvents Input::releaseAny() {
 bool Input::down(int code) {
     if (!isIn(code, Codes))
         return false;
-    State&     state = mCodes[static_cast<std::size_t>(code)];
+    State& state = mCodes[static_cast<std::size_t>(code)];
     const bool down = state != State::Up;
     if (state == State::Sticking)
         state = State::Up;

@@ -11,8 +11,8 @@ struct InputEvent {
     enum Kind { Key, Char, Button };
 
     Kind kind;
-    int  code;   // of the key, the character or the button
-    int  action; // 1 press, 0 release
+    int code;   // of the key, the character or the button
+    int action; // 1 press, 0 release
 };
 
 // The events of one operation; it holds what the longest of them gives.
@@ -22,13 +22,13 @@ public:
 
     const InputEvent* begin() const { return mEvents.data(); }
     const InputEvent* end() const { return mEvents.data() + mCount; }
-    bool              empty() const { return mCount == 0; }
+    bool empty() const { return mCount == 0; }
 
     static constexpr std::size_t Capacity = 10;
 
 private:
     std::array<InputEvent, Capacity> mEvents{};
-    std::size_t                      mCount = 0;
+    std::size_t mCount = 0;
 };
 
 class Input {
@@ -57,20 +57,20 @@ public:
 
 private:
     struct Down {
-        bool                    down = false;
-        int                     code = -1; // as it was when it went down, whatever the layout is now
-        int                     typed = 0; // how many characters
+        bool down = false;
+        int code = -1; // as it was when it went down, whatever the layout is now
+        int typed = 0; // how many characters
         std::array<unsigned, 8> characters{};
     };
     enum class State : unsigned char { Up, Down, Sticking };
 
     void pressCode(InputEvents& events, int code);
 
-    std::array<Down, Keys>    mKeys{};
-    std::array<State, Codes>  mCodes{};
+    std::array<Down, Keys> mKeys{};
+    std::array<State, Codes> mCodes{};
     std::array<bool, Buttons> mButtons{};
-    int                       mLast = -1;         // the key that went down or repeated last
-    bool                      mRepeating = false; // it repeated
+    int mLast = -1;          // the key that went down or repeated last
+    bool mRepeating = false; // it repeated
 };
 
 } // namespace zentrak::glfw2

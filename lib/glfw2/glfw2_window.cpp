@@ -13,10 +13,10 @@ namespace zentrak::glfw2 {
 namespace {
 
 GLFWwindow* window = nullptr; // the open one
-bool        initialised = false;
-bool        polling = false;      // GLFW 3 is running events, in which it allows neither end of its own
-bool        terminateDue = false; // at the end of the poll
-char        lastError[256];       // of GLFW 3
+bool initialised = false;
+bool polling = false;      // GLFW 3 is running events, in which it allows neither end of its own
+bool terminateDue = false; // at the end of the poll
+char lastError[256];       // of GLFW 3
 
 // Windows that were closed while their events ran; destroyed at the end of the poll. GLFW 3 needs them until
 // then.
@@ -188,7 +188,7 @@ bool Window::open(const WindowRequest& request, WindowEvents& events) {
         return false;
     setHints(request);
     GLFWmonitor* const monitor = request.fullscreen ? glfwGetPrimaryMonitor() : nullptr;
-    GLFWwindow* const  opened =
+    GLFWwindow* const opened =
         glfwCreateWindow(request.width, request.height, "GLFW Window", monitor, nullptr);
     if (!opened) {
         report("no window");
@@ -276,9 +276,9 @@ const char* Window::keyName(int position, int scancode) {
 
 std::vector<VideoMode> Window::videoModes() {
     std::vector<VideoMode> modes;
-    GLFWmonitor* const     monitor = initialised ? glfwGetPrimaryMonitor() : nullptr;
-    int                    count = 0;
-    const GLFWvidmode*     found = monitor ? glfwGetVideoModes(monitor, &count) : nullptr;
+    GLFWmonitor* const monitor = initialised ? glfwGetPrimaryMonitor() : nullptr;
+    int count = 0;
+    const GLFWvidmode* found = monitor ? glfwGetVideoModes(monitor, &count) : nullptr;
     for (int i = 0; found && i < count; ++i)
         modes.push_back(
             {found[i].width, found[i].height, found[i].redBits, found[i].greenBits, found[i].blueBits});

@@ -19,11 +19,11 @@ std::vector<VideoMode> inOrder(std::vector<VideoMode> modes);
 
 // What a window is asked to be.
 struct WindowRequest {
-    int  width, height;         // pixels, 1 to 32767
-    int  red, green, blue;      // bits, a wish; 0 for the driver's own
-    int  alpha, depth, stencil; // bits, a wish
-    bool fullscreen;            // on the primary monitor; as a window where there is none
-    bool resizable;             // by the user
+    int width, height;         // pixels, 1 to 32767
+    int red, green, blue;      // bits, a wish; 0 for the driver's own
+    int alpha, depth, stencil; // bits, a wish
+    bool fullscreen;           // on the primary monitor; as a window where there is none
+    bool resizable;            // by the user
 };
 
 // What happens to the window. Called inside Window::poll and Window::wait only; may call everything in
@@ -74,7 +74,7 @@ public:
 
     static const char* keyName(int position, int scancode); // UTF-8, null for none; until the next call
     static std::vector<VideoMode> videoModes();             // of the primary monitor, inOrder
-    static double                 time();                   // seconds since initialise, 0 before
+    static double time();                                   // seconds since initialise, 0 before
 };
 
 } // namespace zentrak::glfw2

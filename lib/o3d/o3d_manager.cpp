@@ -18,8 +18,8 @@ Manager::~Manager() {
 
 void Manager::load(const unsigned char* data, int length) {
     chunklib::ReadBuffer buffer(data, length);
-    const int            first = buffer.getVersionFirst();
-    const int            second = buffer.getVersionSecond();
+    const int first = buffer.getVersionFirst();
+    const int second = buffer.getVersionSecond();
     if (buffer.getFormat() != FORMAT || first != VERSION_FIRST || second != VERSION_SECOND)
         throw Exception("Manager-file is of wrong version (%d:%d of format %s)", first, second,
                         buffer.getFormat().c_str());

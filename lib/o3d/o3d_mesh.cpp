@@ -43,8 +43,8 @@ void Mesh::clear() {
 // before it.
 static void loadMaterialNames(chunklib::ReadBuffer& buffer, Mesh& mesh) {
     const size_t limit = presentSize(buffer) * MAX_NAME_GROWTH;
-    size_t       total = 0;
-    std::string  name;
+    size_t total = 0;
+    std::string name;
     while (buffer.checkBoundaries(1)) {
         char character = 0;
         buffer.loadType(&character, 1);
@@ -174,9 +174,9 @@ void Mesh::checkIndices() const {
 
 void Mesh::checkIndices(size_t submeshNumber) const {
     const Submesh& submesh = *mSubmeshes[submeshNumber];
-    const int      number = static_cast<int>(submeshNumber);
-    const int      vertices = static_cast<int>(mVertices.size());
-    const int      locals = static_cast<int>(submesh.mIndices.size());
+    const int number = static_cast<int>(submeshNumber);
+    const int vertices = static_cast<int>(mVertices.size());
+    const int locals = static_cast<int>(submesh.mIndices.size());
     for (int i = 0; i < locals; ++i) {
         const int value = submesh.mIndices[static_cast<size_t>(i)].mValue;
         if (value < 0 || value >= vertices)
@@ -225,7 +225,7 @@ public:
         }
     }
 
-    int        count(int position) const { return mCount[position]; }
+    int count(int position) const { return mCount[position]; }
     const int* begin(int position) const { return mLocal.data() + mStart[position]; }
     const int* end(int position) const { return begin(position) + mCount[position]; }
 
@@ -247,18 +247,18 @@ void addTriangles(const Mesh& mesh, Submesh& submesh, const CopyMap& copies,
             position[corner] = submesh.mIndices[triangle.mIndex[corner]].mValue;
 
         const Vector3f& p0 = mesh.mVertices[position[0]];
-        const Vector3f  e1 = mesh.mVertices[position[1]] - p0;
-        const Vector3f  e2 = mesh.mVertices[position[2]] - p0;
-        Vector3f        n = e1.cross(e2);
+        const Vector3f e1 = mesh.mVertices[position[1]] - p0;
+        const Vector3f e2 = mesh.mVertices[position[2]] - p0;
+        Vector3f n = e1.cross(e2);
         n.normalize();
 
         if (uv != nullptr) {
             const Vector3f& t0 = (*uv)[triangle.mIndex[0]];
-            const Vector3f  d1 = (*uv)[triangle.mIndex[1]] - t0;
-            const Vector3f  d2 = (*uv)[triangle.mIndex[2]] - t0;
-            const float     r = 1.0f / (d1.x * d2.y - d2.x * d1.y);
-            const Vector3f  tangent = (e1 * d2.y - e2 * d1.y) * r;
-            const Vector3f  binormal = (e2 * d1.x - e1 * d2.x) * r;
+            const Vector3f d1 = (*uv)[triangle.mIndex[1]] - t0;
+            const Vector3f d2 = (*uv)[triangle.mIndex[2]] - t0;
+            const float r = 1.0f / (d1.x * d2.y - d2.x * d1.y);
+            const Vector3f tangent = (e1 * d2.y - e2 * d1.y) * r;
+            const Vector3f binormal = (e2 * d1.x - e1 * d2.x) * r;
             for (int corner = 0; corner < 3; ++corner) {
                 const Vector3f& place = (*uv)[triangle.mIndex[corner]];
                 for (const int* j = copies.begin(position[corner]); j != copies.end(position[corner]); ++j) {
@@ -283,7 +283,7 @@ void orthogonalise(Submesh& submesh, const std::vector<Vector3f>& normals) {
         if (!textured)
             continue;
         const Vector3f normal = space.mNormal;
-        Vector3f       tangent = space.mTangent;
+        Vector3f tangent = space.mTangent;
         tangent = tangent - normal * normal.dot(tangent);
         tangent.normalize();
         Vector3f binormal = space.mBinormal;

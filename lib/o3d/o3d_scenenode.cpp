@@ -115,7 +115,7 @@ void SceneNode::calculateMatrix(float time, mathbase::Matrix4x4Col& result) cons
 
 void SceneNode::calculateMatrix(float time, mathbase::Matrix4x4Col& result, bool& flipped) const {
     const mathbase::Vector3f scale = mScale.getValue(time);
-    mathbase::Quatf          rotation;
+    mathbase::Quatf rotation;
     rotation.setEuler(mRotation.getValue(time));
     const mathbase::Vector3f position = mPosition.getValue(time);
     result.buildPRS(position, rotation, scale);

@@ -32,8 +32,8 @@ void Submesh::clear() {
 // Triangles lie on file without the padding that they have in memory.
 static void loadTriangles(chunklib::ReadBuffer& buffer, std::vector<Triangle>& list) {
     static constexpr size_t BLOCK = 256;
-    unsigned char           bytes[BLOCK * TRIANGLE_SIZE];
-    const size_t            count = presentSize(buffer) / TRIANGLE_SIZE;
+    unsigned char bytes[BLOCK * TRIANGLE_SIZE];
+    const size_t count = presentSize(buffer) / TRIANGLE_SIZE;
     list.clear();
     list.resize(count);
     for (size_t first = 0; first < count; first += BLOCK) {
@@ -117,7 +117,7 @@ void Submesh::updateBox() {
     if (mParent == nullptr)
         return;
     const std::vector<Vector3f>& vertices = mParent->mVertices;
-    bool                         started = false;
+    bool started = false;
     for (const Index& index : mIndices) {
         if (index.mValue < 0 || static_cast<size_t>(index.mValue) >= vertices.size())
             continue;

@@ -40,8 +40,8 @@ void TrackBlenderFloat::loadKeys(chunklib::ReadBuffer& buffer) {
 // in proportion and keeping their direction, so that the curve stays a function of time.
 void TrackBlenderFloat::correctHandles() {
     for (size_t i = 1; i < mKeys.size(); ++i) {
-        Key&        left = mKeys[i - 1];
-        Key&        right = mKeys[i];
+        Key& left = mKeys[i - 1];
+        Key& right = mKeys[i];
         const float a = left.mTime - left.mHandleOutTime;
         const float b = right.mTime - right.mHandleInTime;
         const float span = right.mTime - left.mTime;
@@ -79,10 +79,10 @@ float TrackBlenderFloat::getValue(float time) const {
     if (count == 0)
         return mValue;
 
-    const Key&  first = mKeys.front();
-    const Key&  last = mKeys.back();
+    const Key& first = mKeys.front();
+    const Key& last = mKeys.back();
     const float span = last.mTime - first.mTime;
-    float       offset = 0.0f;
+    float offset = 0.0f;
 
     const bool before = time < first.mTime;
     if (before || time >= last.mTime) {
@@ -127,8 +127,8 @@ float TrackBlenderFloat::getValue(float time) const {
         return first.mValue; // there is no segment to go on from
 
     const size_t segment = findSegment(time);
-    const Key&   a = mKeys[segment];
-    const Key&   b = mKeys[segment + 1];
+    const Key& a = mKeys[segment];
+    const Key& b = mKeys[segment + 1];
     if (time < a.mTime || time >= b.mTime)
         printf("error (%f,%f),%f!\n", a.mTime, b.mTime, time);
 
@@ -208,7 +208,7 @@ int TrackBlenderFloat::solveForTime(const Key& a, const Key& b, float time, floa
     const double c2 = 3.0f * (q0 - 2.0f * q1 + q2);
     const double c3 = q3 - q0 + 3.0f * (q1 - q2);
 
-    int        count = 0;
+    int count = 0;
     const auto add = [&](double candidate) {
         result[count] = static_cast<float>(candidate);
         if (isRoot(result[count]))

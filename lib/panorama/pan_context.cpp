@@ -53,7 +53,7 @@ Control* Context::clone() {
 void Context::load(xml::IteratorConst& it) {
     Control::load(it);
     xml::IteratorConst item = it.createIterator("item");
-    const bool         tooDeep = getDepth() >= MAX_DEPTH;
+    const bool tooDeep = getDepth() >= MAX_DEPTH;
     while (++item) {
         if (tooDeep) {
             ZTK_LOG("warning", "app", "Menus nested deeper than %d are left out", MAX_DEPTH);
@@ -204,7 +204,7 @@ float Context::getRowTop(int index) const {
 // The rows that may reach into the span between two heights, as the first and one past the last: a few too
 // many, never too few.
 std::pair<int, int> Context::getRowsBetween(float y1, float y2) const {
-    const int   rows = int(mControls.size());
+    const int rows = int(mControls.size());
     const float pitch = mRowGap + ROW_HEIGHT;
     if (!(pitch > 0)) // all on top of each other, or upward
         return {0, rows};
@@ -267,7 +267,7 @@ void Context::sendContextEvent(Event& event) {
         return;
     }
     const std::string path = report.text;
-    Alive             alive(*this);
+    Alive alive(*this);
     owner->handleEvent(report);
     if (alive && mParent == owner)
         owner->sendContextAction(this, path);
@@ -301,9 +301,9 @@ void Context::draw() {
 
 void Context::drawRow(Render& render, int index) {
     const Control& row = *mControls[size_t(index)];
-    const Box2&    area = mArea.area;
-    const float    left = area.x1 + mMargin, right = area.x2 - mMargin;
-    const float    top = getRowTop(index), middle = top + 0.5f * ROW_HEIGHT;
+    const Box2& area = mArea.area;
+    const float left = area.x1 + mMargin, right = area.x2 - mMargin;
+    const float top = getRowTop(index), middle = top + 0.5f * ROW_HEIGHT;
     if (index == mHighlight)
         look::fill(render, Box2(left, top, right, top + ROW_HEIGHT), mBack.highlight);
     const Vector4f& color = index == mHighlight             ? mText.highlight.first
@@ -319,8 +319,8 @@ void Context::drawRow(Render& render, int index) {
 const std::string& Context::fit(const Render& render, const std::string& caption) {
     const float room = mArea.area.getWidth() - 2.0f * mMargin;
     const float shown = render.mDrawOffset.x + render.mSize.x - mArea.area.x1 - mMargin;
-    float       length = 0;
-    size_t      count = 0;
+    float length = 0;
+    size_t count = 0;
     while (count < caption.size() && !(length > shown)) {
         length += render.getAdvance(uint8_t(caption[count]));
         if (length > room)

@@ -27,8 +27,8 @@ constexpr size_t MAX_STYLED = 20000; // controls that styles bring into one layo
 // control of its own kind would never end, and one that holds two of the next kind, and so on, not soon
 // enough.
 std::vector<const xml::XmlTag*> loadingStyles;
-size_t                          styledControls = 0;
-int                             loadDepth = 0;
+size_t styledControls = 0;
+int loadDepth = 0;
 
 struct LoadScope {
     LoadScope() {
@@ -529,7 +529,7 @@ void Control::draw() {
         return;
     const bool all = mType == "workspace";
     for (size_t i = 0; i < mControls.size(); ++i) {
-        Control*   child = mControls[i];
+        Control* child = mControls[i];
         const Box2 box = cut(mChildArea.clip, child->mArea.clip);
         if (!(all || (box.getWidth() >= 1 && box.getHeight() >= 1)) || !child->getVisible())
             continue; // most of a long list is out of sight, and that is told by its area alone
@@ -631,10 +631,10 @@ void Control::loadArea(xml::IteratorConst& it) {
 
 void Control::loadColor(xml::IteratorConst& it) {
     const std::string& name = it->getValue("name");
-    const size_t       dot = name.find('.');
+    const size_t dot = name.find('.');
     if (dot == std::string::npos)
         return;
-    ColorSet*  palette = paletteOf(*this, name.substr(0, dot));
+    ColorSet* palette = paletteOf(*this, name.substr(0, dot));
     ColorPair* pair = palette ? pairOf(*palette, name.substr(dot + 1)) : nullptr;
     if (!pair)
         return;

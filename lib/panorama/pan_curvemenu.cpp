@@ -78,9 +78,9 @@ void drawPoint(Render& render, const Control& owner, const Vector2f& at, float r
           at.y - radius < clip.y2))
         return;
     const ColorSet& back = owner.mBack;
-    const auto&     color = index == marks.hover ? marks.held ? back.pushed.first : back.highlight.first
-                            : marks.focused && index == marks.selected ? back.pushed.second
-                                                                       : back.border.first;
+    const auto& color = index == marks.hover ? marks.held ? back.pushed.first : back.highlight.first
+                        : marks.focused && index == marks.selected ? back.pushed.second
+                                                                   : back.border.first;
     render.setColor(color, look::none);
     render.drawCircle(Box2(at.x - radius, at.y - radius, at.x + radius, at.y + radius), -1, 0);
 }

@@ -60,9 +60,9 @@ bool stepSelection(int key, int count, int& selected);
 // Draws the point `index` of `owner` as a disc, if it is in sight; the one under the mouse and the selected
 // one in colours of their own.
 struct Marks {
-    int  hover, selected; // or -1
-    bool held;            // the one under the mouse
-    bool focused;         // the selected one shows
+    int hover, selected; // or -1
+    bool held;           // the one under the mouse
+    bool focused;        // the selected one shows
 };
 void drawPoint(Render& render, const Control& owner, const mathbase::Vector2f& at, float radius, int index,
                const Marks& marks);

@@ -15,7 +15,7 @@ namespace {
 
 constexpr float MARGIN = 5.0f;      // pixels left of the text, as in the list
 constexpr float ARROW_ROOM = 20.0f; // pixels at the right
-constexpr int   PAGE = 10;          // rows
+constexpr int PAGE = 10;            // rows
 
 bool isHiddenAnywhere(Control& control) {
     for (Control* each = &control; each; each = each->getParent())
@@ -46,22 +46,22 @@ public:
         Context::deleteOptions();
     }
     void openAt(const Box2& box, const Box2& window);
-    int  handleEvent(Event& event) override;
+    int handleEvent(Event& event) override;
     void draw() override;
 
     bool mOpening = false; // the press that opened it has not been released
 
 private:
-    int   count() const { return int(mControls.size()); }
+    int count() const { return int(mControls.size()); }
     float getPitch() const { return mRowGap + ROW_HEIGHT; }
-    void  snap(Event& event) const;
-    void  drawRow(Render& render, int row);
-    void  highlight(int row);
-    void  showRow(int row);
-    void  scrollTo(float top);
+    void snap(Event& event) const;
+    void drawRow(Render& render, int row);
+    void highlight(int row);
+    void showRow(int row);
+    void scrollTo(float top);
 
-    Dropdown&             mOwner;
-    Box2                  mWindow;
+    Dropdown& mOwner;
+    Box2 mWindow;
     std::vector<TextLine> mLines;
 };
 
@@ -71,7 +71,7 @@ void Dropdown::List::openAt(const Box2& box, const Box2& window) {
     setPosition(Vector2f(box.x1, box.y2));
     mOwner.setContext(this); // which gives it its size
     const float height = mArea.area.getHeight();
-    const bool  upwards = box.y2 + height > window.y2 && box.y1 - window.y1 > window.y2 - box.y2;
+    const bool upwards = box.y2 + height > window.y2 && box.y1 - window.y1 > window.y2 - box.y2;
     setPosition(Vector2f(box.x1, upwards ? box.y1 - height : box.y2));
     if (mArea.area.y1 < window.y1 || mArea.area.y2 > window.y2)
         showRow(mOwner.getSelected());
@@ -167,8 +167,8 @@ void Dropdown::List::draw() {
     fill(*render, mArea.area, mBack.color);
     outline(*render, mArea.area, mBack.border);
     const float top = mArea.area.y1 + mMargin, rows = float(count());
-    const int   first = int(std::clamp(std::floor((mWindow.y1 - top) / getPitch()), 0.0f, rows));
-    const int   last = int(std::clamp(std::ceil((mWindow.y2 - top) / getPitch()), 0.0f, rows));
+    const int first = int(std::clamp(std::floor((mWindow.y1 - top) / getPitch()), 0.0f, rows));
+    const int last = int(std::clamp(std::ceil((mWindow.y2 - top) / getPitch()), 0.0f, rows));
     for (int row = first; row < last; ++row)
         drawRow(*render, row);
 }

@@ -45,7 +45,7 @@ void Flow::setArea(Box2 area) {
         const float size = getSize(child);
         (size > 0 ? fixed : shares) += size > 0 ? size : -size;
     }
-    const bool  vertical = mDirection == VERTICAL;
+    const bool vertical = mDirection == VERTICAL;
     const float length = vertical ? area.getHeight() : area.getWidth();
     const float breadth = vertical ? area.getWidth() : area.getHeight();
     const float rest = std::max(0.0f, length - fixed);

@@ -51,7 +51,7 @@ bool Image::setFilename(const std::string& filename) {
 }
 
 Box2 Image::getPlace() const {
-    const Box2  box = toPixels(mArea.world);
+    const Box2 box = toPixels(mArea.world);
     const float width = float(mTexture->getWidth()), height = float(mTexture->getHeight());
     const float scale = std::min(box.getWidth() / width, box.getHeight() / height);
     const float w = toPixel(width * scale), h = toPixel(height * scale);

@@ -50,7 +50,7 @@ void LayoutStack::deleteControl(unsigned int index) {
 void LayoutStack::recalculate() {
     float position = 0;
     for (Control* child : mControls) {
-        Box2        box = child->mArea.area;
+        Box2 box = child->mArea.area;
         const float extent = mDirection == 1 ? box.getHeight() : box.getWidth();
         if (mDirection == 1) {
             box.y1 = position;

@@ -79,7 +79,7 @@ float getTextLength(Control& control, const std::string& caption) {
 void drawDisc(Render& render, const Vector2f& centre, float radius, const Vector4f& color) {
     const float left = std::floor(centre.x - radius), top = std::floor(centre.y - radius);
     const float right = centre.x + radius, bottom = centre.y + radius;
-    const auto  span = [&](float x1, float x2, float y, float cover) {
+    const auto span = [&](float x1, float x2, float y, float cover) {
         render.setColor(Vector4f(color.x, color.y, color.z, color.w * cover), none);
         render.drawBox(Box2(x1, y, x2, y + 1), 0);
     };

@@ -117,7 +117,7 @@ void Menubar::hover(Vector2f position) {
     float x = mLeft;
     for (size_t i = 0; i < mMenus.size(); ++i) {
         ContextData& menu = *mMenus[i];
-        const float  end = x + look::getTextLength(*this, menu.mCaptionText);
+        const float end = x + look::getTextLength(*this, menu.mCaptionText);
         menu.highlight = isInside(Box2(x, mArea.world.y1, end, mArea.world.y1 + mHeight), position);
         if (menu.highlight) {
             mOverItem = true;
@@ -158,11 +158,11 @@ void Menubar::drawBar(Render& render) {
     render.drawLine(Vector2f(world.x1, mHeight - 0.5f), Vector2f(world.x2, mHeight - 0.5f));
 
     const float middle = world.y1 + 0.5f * mHeight;
-    float       x = mLeft;
+    float x = mLeft;
     for (size_t i = 0; i < mMenus.size() && x < mArea.clip.x2; ++i) {
         const std::string& caption = mMenus[i]->mCaptionText;
-        const float        end = x + render.getTextLength(caption);
-        const bool         active = int(i) == mActive;
+        const float end = x + render.getTextLength(caption);
+        const bool active = int(i) == mActive;
         if (active)
             look::fill(render, Box2(x - CAPTION_INSET, world.y1, end, world.y1 + mHeight),
                        mOpen ? mBack.pushed : mBack.highlight);

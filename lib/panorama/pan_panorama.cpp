@@ -94,7 +94,7 @@ Panorama::Panorama(display::DisplayGL* owner) : Listener(owner) {
 Panorama::~Panorama() = default;
 
 void Panorama::load(std::string filename) {
-    display::DisplayGL*                   owner = mWorkspace.getDisplay();
+    display::DisplayGL* owner = mWorkspace.getDisplay();
     const std::unique_ptr<xml::XmlParser> layout = readDocument(owner, filename);
     if (!layout)
         throw Exception("Could not find the file '%s'.", filename.c_str());
@@ -148,7 +148,7 @@ int Panorama::onMouseUp(const display::MouseButtonEvent& source) {
 
 int Panorama::onMouseMove(const display::MouseMoveEvent& source) {
     static int lastX = INT_MIN, lastY = INT_MIN;
-    const int  x = static_cast<int>(source.mousePos.x), y = static_cast<int>(source.mousePos.y);
+    const int x = static_cast<int>(source.mousePos.x), y = static_cast<int>(source.mousePos.y);
     if (x == lastX && y == lastY)
         return WHATEVER;
     lastX = x;
@@ -203,7 +203,7 @@ void Panorama::onDraw() {
     if (!mWorkspace.mDisplay)
         return;
     const display::WindowMode& mode = mWorkspace.mDisplay->mWindowMode;
-    Render&                    render = mWorkspace.mRender;
+    Render& render = mWorkspace.mRender;
     render.setupDraw(Vector2f(float(mode.width), float(mode.height)), mViewOffset, 0);
     GL_CALL(glEnable(GL_BLEND));
     for (const Ground& ground : mGround) {

@@ -155,15 +155,15 @@ void RadioButton::draw() {
     }
     // Only the rows that can be seen.
     const float top = getRow(0).y1, count = float(mBoxes.size());
-    const int   first = int(std::clamp(std::floor((mArea.clip.y1 - top) / ROW), 0.0f, count));
-    const int   last = int(std::clamp(std::ceil((mArea.clip.y2 - top) / ROW), 0.0f, count));
-    const bool  keys = hasKeys();
+    const int first = int(std::clamp(std::floor((mArea.clip.y1 - top) / ROW), 0.0f, count));
+    const int last = int(std::clamp(std::ceil((mArea.clip.y2 - top) / ROW), 0.0f, count));
+    const bool keys = hasKeys();
     for (int i = first; i < last; ++i) {
-        const bool  hover = i == mHoverBox && (mPushedBox == -1 || mPushedBox == i);
-        const bool  pushed = i == mPushedBox && i == mHoverBox;
-        const Box2  row = getRow(i);
+        const bool hover = i == mHoverBox && (mPushedBox == -1 || mPushedBox == i);
+        const bool pushed = i == mPushedBox && i == mHoverBox;
+        const Box2 row = getRow(i);
         const float y = row.y1 + std::floor((ROW - BOX) * 0.5f);
-        const Box2  mark(row.x1 + 2, y, row.x1 + 2 + BOX, y + BOX);
+        const Box2 mark(row.x1 + 2, y, row.x1 + 2 + BOX, y + BOX);
         drawMark(*render, mark, mBoxes[size_t(i)], hover, pushed);
         const Box2 text(mark.x2 + GAP, row.y1, row.x2, row.y2);
         render->setColor(pick(mText, mInactive, pushed, hover || (keys && i == mCursor)).first, none);
@@ -178,8 +178,8 @@ void RadioButton::draw() {
 
 // A disc with a rim.
 void RadioButton::drawMark(Render& render, const Box2& box, const BoxData& data, bool hover, bool pushed) {
-    const Vector2f  centre((box.x1 + box.x2) * 0.5f, (box.y1 + box.y2) * 0.5f);
-    const Vector4f  back = pick(mBack, mInactive, pushed, hover).first;
+    const Vector2f centre((box.x1 + box.x2) * 0.5f, (box.y1 + box.y2) * 0.5f);
+    const Vector4f back = pick(mBack, mInactive, pushed, hover).first;
     const ColorPair mark = mInactive ? mCaption.inactive : mCaption.color;
     drawDisc(render, centre, BOX * 0.5f, mInactive || hover ? mark.first : mBack.border.first);
     drawDisc(render, centre, BOX * 0.5f - 1.25f, Vector4f(back.x, back.y, back.z, 1.0f));

@@ -17,9 +17,9 @@ using mathbase::Vector4f;
 namespace {
 
 constexpr float PI = 3.1415927f;
-constexpr float FAR_AWAY = 1e6f;    // pixels; no window is as large
-constexpr int   MAX_SEGMENTS = 720; // of a circle: more than can be seen
-constexpr float SPACE = 3.0f;       // pixels, the advance of a blank
+constexpr float FAR_AWAY = 1e6f;  // pixels; no window is as large
+constexpr int MAX_SEGMENTS = 720; // of a circle: more than can be seen
+constexpr float SPACE = 3.0f;     // pixels, the advance of a blank
 
 const Box2 UNCLIPPED(-FAR_AWAY, -FAR_AWAY, FAR_AWAY, FAR_AWAY);
 
@@ -111,8 +111,8 @@ void Render::setClipArea(Box2 area) {
     const float left = toInt(area.x1 - mDrawOffset.x), right = left + toInt(area.x2 - area.x1);
     const float bottom = mSize.y - toInt(mSize.y - area.y2 + mDrawOffset.y);
     const float top = bottom - toInt(area.y2 - area.y1);
-    const auto  x = [this](float pixel) { return pixel * mPixel.x + mDrawOffset.x - mMargin; };
-    const auto  y = [this](float pixel) { return pixel * mPixel.y + mDrawOffset.y - mMargin; };
+    const auto x = [this](float pixel) { return pixel * mPixel.x + mDrawOffset.x - mMargin; };
+    const auto y = [this](float pixel) { return pixel * mPixel.y + mDrawOffset.y - mMargin; };
     mClip = Box2(x(left), y(top), x(right), y(bottom));
 }
 
@@ -135,7 +135,7 @@ void Render::drawQuad(const Box2& box, const Vector4f& upperLeft, const Vector4f
         const float right = share(seen.x2 - box.x1, box.getWidth());
         const float top = share(seen.y1 - box.y1, box.getHeight());
         const float bottom = share(seen.y2 - box.y1, box.getHeight());
-        const auto  at = [&](float s, float t) {
+        const auto at = [&](float s, float t) {
             return mix(mix(upperLeft, upperRight, s), mix(lowerLeft, lowerRight, s), t);
         };
         corners = {at(left, top), at(right, top), at(right, bottom), at(left, bottom)};
@@ -145,7 +145,7 @@ void Render::drawQuad(const Box2& box, const Vector4f& upperLeft, const Vector4f
 
 void Render::drawBox(const Box2& box, int direction) {
     Vector4f first = mColorFirst, second = mColorSecond;
-    Box2     upright = box;
+    Box2 upright = box;
     if (upright.x2 < upright.x1) {
         std::swap(upright.x1, upright.x2);
         if (direction == 1)
@@ -175,7 +175,7 @@ void Render::drawBorder(const Box2& box) {
     if (bottom == top)
         return;
     drawQuad(Box2(left, bottom, right + 1, bottom + 1), second, second, second, second);
-    const float    half = 0.5f / (bottom - top);
+    const float half = 0.5f / (bottom - top);
     const Vector4f upper = mix(first, second, half), lower = mix(first, second, 1 - half);
     drawQuad(Box2(left, top + 1, left + 1, bottom), upper, upper, lower, lower);
     if (right != left)
@@ -203,7 +203,7 @@ void Render::drawLine(const Vector2f& a, const Vector2f& b) {
     const Vector4f& color = mColorFirst;
     if (a.x == b.x || a.y == b.y) {
         const bool upright = a.x == b.x;
-        Box2       box(std::min(a.x, b.x), std::min(a.y, b.y), std::max(a.x, b.x), std::max(a.y, b.y));
+        Box2 box(std::min(a.x, b.x), std::min(a.y, b.y), std::max(a.x, b.x), std::max(a.y, b.y));
         if (upright)
             box.x1 = std::floor(a.x), box.x2 = box.x1 + 1;
         else
@@ -211,7 +211,7 @@ void Render::drawLine(const Vector2f& a, const Vector2f& b) {
         drawQuad(box, color, color, color, color);
         return;
     }
-    const bool     flat = std::fabs(b.x - a.x) >= std::fabs(b.y - a.y);
+    const bool flat = std::fabs(b.x - a.x) >= std::fabs(b.y - a.y);
     const Vector2f half = flat ? Vector2f(0, 0.5f) : Vector2f(0.5f, 0);
     const Vector2f points[] = {a - half, b - half, b + half, a + half};
     drawPolygon(points, 4);
@@ -248,19 +248,19 @@ int Render::clipPolygon(const Vector2f* points, int count) {
     const float edges[4] = {mClip.x1, mClip.y1, mClip.x2, mClip.y2};
     for (int edge = 0; edge < 4; ++edge) {
         const float Vector2f::*const axis = edge % 2 == 0 ? &Vector2f::x : &Vector2f::y;
-        const auto                   inside = [&](const Vector2f& p) { // its distance
+        const auto inside = [&](const Vector2f& p) { // its distance
             const double along = double(p.*axis) - double(edges[edge]);
             return edge < 2 ? along : -along;
         };
         const size_t before = mCut.size();
         for (size_t i = 0; i < before; ++i) {
             const Vector2f a = mCut[i], b = mCut[i + 1 < before ? i + 1 : 0];
-            const double   from = inside(a), to = inside(b);
+            const double from = inside(a), to = inside(b);
             if (from >= 0)
                 mCut.push_back(a);
             if ((from >= 0) != (to >= 0)) {
                 const double t = from / (from - to);
-                Vector2f     p(float(std::lerp(double(a.x), b.x, t)), float(std::lerp(double(a.y), b.y, t)));
+                Vector2f p(float(std::lerp(double(a.x), b.x, t)), float(std::lerp(double(a.y), b.y, t)));
                 (edge % 2 == 0 ? p.x : p.y) = edges[edge];
                 mCut.push_back(p);
             }
@@ -287,10 +287,10 @@ void Render::drawText(const std::string& text, Vector2f position) {
         if (x >= mClip.x2)
             break;
         const uint8_t c = uint8_t(character);
-        const Box2    glyph = cut(shifted(mFont->getInk(c), Vector2f(x, y)), mClip);
+        const Box2 glyph = cut(shifted(mFont->getInk(c), Vector2f(x, y)), mClip);
         if (hasExtent(glyph)) {
             const display::Font::Cell cell = mFont->getCell(c);
-            const float               s = (cell.s1 - cell.s0) / width, t = (cell.t1 - cell.t0) / height;
+            const float s = (cell.s1 - cell.s0) / width, t = (cell.t1 - cell.t0) / height;
             mShapes.addGlyph(glyph, cell.s0 + (glyph.x1 - x) * s, cell.t0 + (glyph.y1 - y) * t,
                              cell.s0 + (glyph.x2 - x) * s, cell.t0 + (glyph.y2 - y) * t);
         }

@@ -110,9 +110,9 @@ void Scrollbars::buildScrollbars() {
     mThumbHorisontal.x1 += mPosX;
     mThumbHorisontal.x2 = mThumbHorisontal.x1 + mThumbSize;
 
-    const Box2     occupied = getOccupiedArea();
-    const float    overflowX = std::max(occupied.getWidth() - mChildArea.world.getWidth(), 0.0f);
-    const float    overflowY = std::max(occupied.getHeight() - mChildArea.world.getHeight(), 0.0f);
+    const Box2 occupied = getOccupiedArea();
+    const float overflowX = std::max(occupied.getWidth() - mChildArea.world.getWidth(), 0.0f);
+    const float overflowY = std::max(occupied.getHeight() - mChildArea.world.getHeight(), 0.0f);
     const Vector2f offset(scrolled(mPosX, travelX, overflowX), scrolled(mPosY, travelY, overflowY));
     for (Control* child : mControls)
         child->setOffset(offset);
@@ -123,7 +123,7 @@ bool Scrollbars::acceptEvents(Event& event) {
 }
 
 int Scrollbars::handleEvent(Event& event) {
-    Alive     alive(*this);
+    Alive alive(*this);
     const int result = Control::handleEvent(event);
     if (!alive)
         return result;

@@ -15,16 +15,16 @@ using mathbase::Vector4f;
 
 namespace {
 
-constexpr float  CELL_WIDTH = 32; // pixels of the grid, at least
-constexpr float  CELL_HEIGHT = 16;
-constexpr float  MOST_CELLS = 128;             // along a side
-constexpr float  LEAST_COVER = 8;              // pixels of a side of what may hide others
-constexpr float  LEAST_CUT = 2048;             // pixels in all that are worth it
-constexpr int    MOST_LISTED = 128;            // items of a cell,
-constexpr int    MOST_BELOW_FILLED = 8;        // and below one that fills it
+constexpr float CELL_WIDTH = 32; // pixels of the grid, at least
+constexpr float CELL_HEIGHT = 16;
+constexpr float MOST_CELLS = 128;              // along a side
+constexpr float LEAST_COVER = 8;               // pixels of a side of what may hide others
+constexpr float LEAST_CUT = 2048;              // pixels in all that are worth it
+constexpr int MOST_LISTED = 128;               // items of a cell,
+constexpr int MOST_BELOW_FILLED = 8;           // and below one that fills it
 constexpr size_t MOST_LINKS = size_t(1) << 20; // in all; what comes then is drawn in its order
-constexpr int    MOST_SPLITS = 8;              // of one box
-constexpr int    MOST_CUTS = 64;               // of one box
+constexpr int MOST_SPLITS = 8;                 // of one box
+constexpr int MOST_CUTS = 64;                  // of one box
 
 bool touch(const Box2& a, const Box2& b) {
     return a.x1 < b.x2 && b.x1 < a.x2 && a.y1 < b.y2 && b.y1 < a.y2;
@@ -42,7 +42,7 @@ int toShade(float value) {
 // What blending makes of one colour on another there: each product is rounded for itself, as software OpenGL
 // does it. Elsewhere it may be a shade off.
 Vector4f blend(const Vector4f& above, const Vector4f& below) {
-    const int  alpha = toShade(above.w);
+    const int alpha = toShade(above.w);
     const auto times = [](int a, int b) {
         const int product = a * b;
         return (product + (product >> 8) + 128) >> 8;
@@ -218,7 +218,7 @@ bool Shapes::isBoxOfPixels(const Item& item) const {
 // The ground is told of what can be mixed with it.
 Shapes::Below Shapes::lookBelow(const Item& item, const Cells& cells) const {
     const bool mixes = mPixels && item.shape == BOX && item.flat && !item.opaque;
-    Below      below;
+    Below below;
     for (int y = cells.y1; y <= cells.y2; ++y)
         for (int x = cells.x1; x <= cells.x2; ++x) {
             const Cell& cell = mCells[size_t(y * mColumns + x)];
@@ -226,7 +226,7 @@ Shapes::Below Shapes::lookBelow(const Item& item, const Cells& cells) const {
             below.last = std::max(below.last, cell.last);
             for (int32_t i = cell.list; i >= 0; i = mLinks[size_t(i)].next) {
                 const int32_t index = mLinks[size_t(i)].item;
-                const Item&   other = mItems[size_t(index)];
+                const Item& other = mItems[size_t(index)];
                 if (other.hidden || !touch(item.box, other.box))
                     continue;
                 below.layer = std::max(below.layer, int(other.layer));
@@ -247,7 +247,7 @@ bool Shapes::split(const Item& item, const Below& below) {
         !touch(item.box, other.box))
         return false;
     ++mSplits;
-    Item       piece = item;
+    Item piece = item;
     const Box2 inner = cut(item.box, other.box);
     forEachPiece(item.box, other.box, [&](const Box2& box) {
         piece.box = box;
@@ -293,7 +293,7 @@ void Shapes::enter(const Item& item, const Cells& cells) {
     const int32_t index = int32_t(mItems.size());
     for (int y = cells.y1; y <= cells.y2; ++y)
         for (int x = cells.x1; x <= cells.x2; ++x) {
-            Cell&      cell = mCells[size_t(y * mColumns + x)];
+            Cell& cell = mCells[size_t(y * mColumns + x)];
             const Box2 box(mView.x1 + float(x) * mCellWidth, mView.y1 + float(y) * mCellHeight,
                            mView.x1 + float(x + 1) * mCellWidth, mView.y1 + float(y + 1) * mCellHeight);
             const bool fills = item.shape == BOX && holds(item.box, box);
@@ -333,10 +333,10 @@ void Shapes::draw(display::Font* font) {
 }
 
 void Shapes::drawLayer(int layer, display::Font* font) {
-    const bool      last = layer == LAYERS;
-    const bool      textured = (last || layer % KINDS == TEXT) && font;
-    const bool      opaque = !last && layer % KINDS <= SHADED;
-    const bool      flat = !last && (layer % KINDS == SOLID || layer % KINDS == TEXT);
+    const bool last = layer == LAYERS;
+    const bool textured = (last || layer % KINDS == TEXT) && font;
+    const bool opaque = !last && layer % KINDS <= SHADED;
+    const bool flat = !last && (layer % KINDS == SOLID || layer % KINDS == TEXT);
     display::Batch& batch = textured ? mTextured : mPlain;
     for (int32_t i = mLayers[size_t(layer)].first; i >= 0; i = mItems[size_t(i)].next)
         if (!mItems[size_t(i)].hidden)
@@ -393,7 +393,7 @@ void Shapes::emitBox(const Item& item, display::Batch& batch) {
 void Shapes::cutPieces(const Item& item) {
     mPieces.assign(1, item.box);
     for (int32_t i = item.cuts; i >= 0; i = mLinks[size_t(i)].next) {
-        const Box2&  hole = mItems[size_t(mLinks[size_t(i)].item)].box;
+        const Box2& hole = mItems[size_t(mLinks[size_t(i)].item)].box;
         const size_t count = mPieces.size();
         for (size_t piece = 0; piece < count; ++piece) {
             const Box2 box = mPieces[piece];
@@ -412,8 +412,8 @@ void Shapes::cutPieces(const Item& item) {
 // rounded corners are not convex any more the shape.
 void Shapes::emitGradient(const Item& item, display::Batch& batch) const {
     const Corners& corners = mCorners[item.first];
-    const Box2&    box = item.box;
-    const auto     corner = [&](const Vector4f& color, float x, float y) {
+    const Box2& box = item.box;
+    const auto corner = [&](const Vector4f& color, float x, float y) {
         batch.color(color);
         batch.vertex(x, y);
     };
@@ -433,7 +433,7 @@ void Shapes::emitGradient(const Item& item, display::Batch& batch) const {
 // The triangles of a fan. A line is one quad.
 void Shapes::emitPolygon(const Item& item, display::Batch& batch) const {
     const Vector2f* const points = &mPoints[item.first];
-    const bool            line = item.count == 4;
+    const bool line = item.count == 4;
     batch.texCoord(mWhite.x, mWhite.y);
     batch.begin(GL_QUADS);
     for (uint32_t i = 1; i + 1 < item.count; i += line ? 2 : 1) {

@@ -137,8 +137,8 @@ void Slider::draw() {
     Render* const render = getRender();
     if (!render)
         return;
-    const Box2  box = toPixels(mArea.world);
-    const bool  across = mDirection == 0;
+    const Box2 box = toPixels(mArea.world);
+    const bool across = mDirection == 0;
     const float at = getHandle();
     const float from = toPixel(at), to = toPixel(at + 2 * getHalf());
     const float middle = std::floor((from + to) * 0.5f);

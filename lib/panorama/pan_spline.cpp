@@ -20,8 +20,8 @@ using mathbase::Vector4f;
 
 namespace {
 
-constexpr int   LEAST_STEPS = 10;   // points of a curve: 1.2 times this, or half its pixels if more
-constexpr int   MOST_STEPS = 16384; // of a widget wider than any window
+constexpr int LEAST_STEPS = 10;   // points of a curve: 1.2 times this, or half its pixels if more
+constexpr int MOST_STEPS = 16384; // of a widget wider than any window
 constexpr float POINTS_PER_STEP = 1.2f;
 constexpr float SMALL_KEY = 2.0f; // radius in pixels, without the focus
 
@@ -104,7 +104,7 @@ bool Spline::acceptEvents(Event& event) {
  */
 int Spline::handleEvent(Event& event) {
     Alive alive(*this);
-    int   result = Control::handleEvent(event);
+    int result = Control::handleEvent(event);
     if (!alive)
         return result;
     if (!mVisible)
@@ -140,7 +140,7 @@ int Spline::handleEvent(Event& event) {
  */
 void Spline::dragKey(const Vector2f& place) {
     std::vector<Key>& keys = mSpline->mKeys;
-    Key&              key = keys[size_t(mDragKey)];
+    Key& key = keys[size_t(mDragKey)];
     if (!curve::fromWindow(mArea.world, place, key.time, key.value))
         return;
     mSpline->mCurrent = -1;
@@ -292,14 +292,14 @@ void Spline::buildPoints(int steps) {
 void Spline::drawCurve(Render& render) {
     const Box2& world = mArea.world;
     const float half = world.getWidth() * 0.5f;
-    const int   steps = half < float(MOST_STEPS) ? std::max(LEAST_STEPS, int(half)) : MOST_STEPS;
+    const int steps = half < float(MOST_STEPS) ? std::max(LEAST_STEPS, int(half)) : MOST_STEPS;
     if (mDirty || int(mPoints.size()) < steps)
         buildPoints(steps);
     render.setColor(mBack.border.first, mBack.border.second);
-    const int   last = int(mPoints.size()) - 1;
+    const int last = int(mPoints.size()) - 1;
     const float scale = float(last) / world.getWidth();
-    const int   first = int(std::clamp((mArea.clip.x1 - world.x1) * scale, 0.0f, float(last)));
-    const int   end = int(std::clamp(std::ceil((mArea.clip.x2 - world.x1) * scale), 0.0f, float(last)));
+    const int first = int(std::clamp((mArea.clip.x1 - world.x1) * scale, 0.0f, float(last)));
+    const int end = int(std::clamp(std::ceil((mArea.clip.x2 - world.x1) * scale), 0.0f, float(last)));
     for (int i = first; i < end; ++i) {
         const Vector2f &from = mPoints[size_t(i)], &to = mPoints[size_t(i + 1)];
         if (std::isfinite(from.y) && std::isfinite(to.y))

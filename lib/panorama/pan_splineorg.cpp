@@ -78,7 +78,7 @@ float SplineOrg::evaluate(float x) const {
     if (next == mNodes.end() || mMode == "square")
         return next[-1].y;
     const SplineNodeOrg &a = next[-1], &b = *next;
-    const float          u = (x - a.x) / (b.x - a.x);
+    const float u = (x - a.x) / (b.x - a.x);
     if (mMode == "linear")
         return a.y + (b.y - a.y) * u;
     // The slope at a node, over the length of this part of the curve.
@@ -107,7 +107,7 @@ bool SplineOrg::acceptEvents(Event& event) {
 
 int SplineOrg::handleEvent(Event& event) {
     Alive alive(*this);
-    int   result = Control::handleEvent(event);
+    int result = Control::handleEvent(event);
     if (!alive)
         return result;
     if (!mVisible)
@@ -263,7 +263,7 @@ void SplineOrg::drawSquare(Render& render) {
 // Only the part that can be seen.
 void SplineOrg::drawSmooth(Render& render) {
     const Box2 &world = mArea.world, &clip = mArea.clip;
-    const auto  pointAt = [&](float x) {
+    const auto pointAt = [&](float x) {
         const float place = (x - world.x1) / world.getWidth();
         return Vector2f(x, toWindow({place, evaluate(place)}).y);
     };
@@ -276,7 +276,7 @@ void SplineOrg::drawSmooth(Render& render) {
 }
 
 void SplineOrg::drawNodes(Render& render) {
-    const bool         focused = mParent && mParent->getFocus() == this;
+    const bool focused = mParent && mParent->getFocus() == this;
     const curve::Marks marks{mHoverNode, mSelected, mDragNode != -1, focused};
     for (int i = 0; hasNode(i); ++i)
         curve::drawPoint(render, *this, toWindow(mNodes[size_t(i)]), focused ? mSize : SMALL_NODE, i, marks);

@@ -79,7 +79,7 @@ void Stat::draw() {
     const Box2 box = toPixels(mArea.world);
     fill(*render, box, mBack.color);
     const Box2 inside = shrunk(box, 1);
-    const int  shown =
+    const int shown =
         std::min(mCount, int(std::max(0.0f, std::min(inside.getWidth(), float(SAMPLES) * COLUMN)) / COLUMN));
     float low, high;
     getScale(shown, low, high);
@@ -93,7 +93,7 @@ void Stat::draw() {
 // The lines of the scale at its quarters, and a column from zero for each sample.
 void Stat::drawGraph(Render& render, const Box2& box, int shown, float low, float high) {
     const double range = double(high) - double(low);
-    const auto   heightOf = [&](double value) {
+    const auto heightOf = [&](double value) {
         return toPixel(box.y2 - static_cast<float>((value - double(low)) / range) * box.getHeight());
     };
     for (int quarter = 1; quarter < 4; ++quarter) {
@@ -122,8 +122,8 @@ void Stat::drawFigure(Render& render, const Box2& box, TextLine& line, float val
         return;
     line.fit(render, box.getWidth() - 6);
     const float top = vertical == TextLine::START ? box.y1 : box.y2 - render.getFontHeight();
-    const Box2  plate(box.x1, top, std::min(box.x2, box.x1 + line.getLength() + 6),
-                      top + render.getFontHeight());
+    const Box2 plate(box.x1, top, std::min(box.x2, box.x1 + line.getLength() + 6),
+                     top + render.getFontHeight());
     fill(render, plate, mBack.pushed);
     render.setColor(mText.color.first, none);
     line.draw(render, Box2(box.x1 + 3, box.y1, box.x2 - 3, box.y2), TextLine::START, vertical);

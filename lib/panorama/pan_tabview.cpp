@@ -47,7 +47,7 @@ float TabView::getTabWidth(const Control& page) {
 }
 
 int TabView::handleEvent(Event& event) {
-    Alive     alive(*this);
+    Alive alive(*this);
     const int result = Control::handleEvent(event);
     if (!alive)
         return result;
@@ -63,8 +63,8 @@ int TabView::handleEvent(Event& event) {
 // The tab under a point, or -1.
 int TabView::getTabAt(Vector2f position) {
     const Box2& strip = mTabArea.world;
-    int         found = -1;
-    float       x = strip.x1;
+    int found = -1;
+    float x = strip.x1;
     for (size_t i = 0; i < mControls.size(); ++i) {
         const float end = x + getTabWidth(*mControls[i]);
         if (isInside(Box2(x, strip.y1, end, strip.y2), position))
@@ -89,11 +89,11 @@ void TabView::draw() {
 // What lies beyond the right edge is not drawn.
 void TabView::drawTabs(Render& render) {
     const Box2& strip = mTabArea.world;
-    float       x = strip.x1;
+    float x = strip.x1;
     for (size_t i = 0; i < mControls.size() && x < mTabArea.clip.x2; ++i) {
         const Control& page = *mControls[i];
-        const float    end = x + getTabWidth(page);
-        const Box2     tab(x, strip.y1, end, strip.y2);
+        const float end = x + getTabWidth(page);
+        const Box2 tab(x, strip.y1, end, strip.y2);
         look::fill(render, tab, page.mVisible ? mBack.pushed : mBack.color);
         const bool marked = page.mVisible || int(i) == mHoverTab;
         look::drawCentred(render, page.mCaptionText, (marked ? mText.highlight : mText.color).first, tab);

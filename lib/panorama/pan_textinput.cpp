@@ -17,7 +17,7 @@ namespace {
 
 constexpr float MARGIN = 4.0f; // pixels left and right of the text
 constexpr float BLINK = 0.53f; // seconds that the caret is seen, and then not
-constexpr char  STAR = '*';
+constexpr char STAR = '*';
 
 std::string clipboard;
 
@@ -46,7 +46,7 @@ int sortOf(char character) {
 
 // Whether it is the beginning of a number: "-", "1.", "1e-" and so on, and nothing at all.
 bool beginsNumber(const std::string& text) {
-    size_t     i = 0;
+    size_t i = 0;
     const auto sign = [&] { i += i < text.size() && (text[i] == '-' || text[i] == '+'); };
     const auto digits = [&] {
         const size_t from = i;
@@ -158,7 +158,7 @@ double TextInput::edge(size_t position) {
 size_t TextInput::positionAt(float x) {
     measure();
     const double at = double(x) - double(getInside().x1) + mScroll;
-    const auto   behind = std::upper_bound(mEdges.begin(), mEdges.end(), at);
+    const auto behind = std::upper_bound(mEdges.begin(), mEdges.end(), at);
     if (behind == mEdges.begin())
         return 0;
     if (behind == mEdges.end())
@@ -198,7 +198,7 @@ void TextInput::selectWord(size_t position) {
         select(0, end);
         return;
     }
-    size_t    from = std::min(position, end - 1), to = from;
+    size_t from = std::min(position, end - 1), to = from;
     const int sort = sortOf(mValue[from]);
     while (from > 0 && sortOf(mValue[from - 1]) == sort)
         --from;
@@ -215,7 +215,7 @@ void TextInput::moveCaret(size_t position, bool extend) {
 
 bool TextInput::replaceSelection(const std::string& text) {
     const size_t from = std::min(mAnchor, mCaret), to = std::max(mAnchor, mCaret);
-    std::string  added = printableOf(text);
+    std::string added = printableOf(text);
     if (mKind == NUMERIC)
         std::replace(added.begin(), added.end(), ',', '.');
     added.resize(std::min(added.size(), LONGEST - (mValue.size() - (to - from))));
@@ -290,7 +290,7 @@ int TextInput::handleKey(const Event& event) {
         return 1;
     }
     const size_t low = std::min(mAnchor, mCaret), high = std::max(mAnchor, mCaret);
-    const bool   extend = event.shift(), ctrl = event.ctrl(), selected = low != high;
+    const bool extend = event.shift(), ctrl = event.ctrl(), selected = low != high;
     switch (event.key) {
     case KEY_LEFT:
         moveCaret(ctrl ? wordBefore(mCaret) : selected && !extend ? low : mCaret - (mCaret > 0), extend);

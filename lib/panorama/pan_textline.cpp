@@ -19,9 +19,9 @@ const std::string& TextLine::fit(Render& render, float width) {
     mWidth = width;
 
     const float dots = 3 * render.getAdvance('.');
-    float       length = 0;
-    float       shortLength = 0; // of as much as leaves room for the dots
-    size_t      shortEnd = 0;
+    float length = 0;
+    float shortLength = 0; // of as much as leaves room for the dots
+    size_t shortEnd = 0;
     for (size_t i = 0; i < mText.size(); ++i) {
         length += render.getAdvance(static_cast<unsigned char>(mText[i]));
         if (length > width) {
@@ -47,7 +47,7 @@ void TextLine::draw(Render& render, const mathbase::Box2& box, Align horizontal,
     if (fit(render, box.getWidth()).empty())
         return;
     const float half = render.getFontHeight() * 0.5f;
-    float       x = box.x1, y = box.y1 + half;
+    float x = box.x1, y = box.y1 + half;
     if (horizontal == MIDDLE)
         x = (box.x1 + box.x2 - mLength) * 0.5f;
     else if (horizontal == END)

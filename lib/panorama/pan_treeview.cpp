@@ -54,7 +54,7 @@ void TreeView::load(xml::IteratorConst& it) {
     // Down and up without a depth of calls.
     struct Level {
         xml::IteratorConst it;
-        int                node;
+        int node;
     };
     std::vector<Level> levels;
     levels.push_back({it.createIterator("item"), -1});
@@ -70,7 +70,7 @@ void TreeView::load(xml::IteratorConst& it) {
             deleteItems();
         first = false;
         const xml::IteratorConst& item = levels.back().it;
-        Node                      node;
+        Node node;
         node.id = item->getValue("id");
         node.text.set(item->getValue("text"));
         float height = 0;
@@ -90,7 +90,7 @@ int TreeView::addItem(int parent, const std::string& id, const std::string& text
     if (!getItem(parent))
         parent = -1;
     const int at = parent == -1 ? getItemCount() : mNodes[size_t(parent)].next;
-    Node      node;
+    Node node;
     node.id = id;
     node.text.set(text);
     node.size = isSize(size) ? size : mSize;
@@ -217,7 +217,7 @@ Box2 TreeView::getThumb(bool across) {
     const float overflow = getOverflow(across);
     if (!(overflow > 0))
         return Box2();
-    const Box2  view = getView();
+    const Box2 view = getView();
     const float track = across ? view.getWidth() : view.getHeight();
     const float length = std::min(track, std::max(LEAST_THUMB, track * track / (track + overflow)));
     const float at =
@@ -231,12 +231,12 @@ int TreeView::rowAt(const Vector2f& place) {
     if (!isInside(cut(view, mArea.clip), place))
         return -1;
     const float y = place.y - view.y1 + mScrollY;
-    const auto  behind = std::upper_bound(mTops.begin(), mTops.end(), y);
+    const auto behind = std::upper_bound(mTops.begin(), mTops.end(), y);
     return behind == mTops.begin() || behind == mTops.end() ? -1 : int(behind - mTops.begin()) - 1;
 }
 
 bool TreeView::overArrow(int row, float x) {
-    const int   index = mRows[size_t(row)];
+    const int index = mRows[size_t(row)];
     const Node& node = mNodes[size_t(index)];
     const float left = getView().x1 - mScrollX + float(node.depth) * INDENT;
     return node.next > index + 1 && x >= left && x < left + ARROW;
@@ -259,7 +259,7 @@ void TreeView::goToRow(int row) {
 }
 
 void TreeView::showRow(int row) {
-    const Box2  view = getView();
+    const Box2 view = getView();
     const float top = mTops[size_t(row)], bottom = mTops[size_t(row) + 1];
     setScroll(false, std::min(std::max(mScrollY, std::ceil(bottom - view.getHeight())), top));
     const Node& node = mNodes[size_t(mRows[size_t(row)])];
@@ -288,7 +288,7 @@ bool TreeView::handlePress(const Event& event) {
     const int row = rowAt(event.mousePos);
     if (row == -1)
         return true;
-    const int  index = mRows[size_t(row)];
+    const int index = mRows[size_t(row)];
     const bool arrow = overArrow(row, event.mousePos.x);
     if (arrow || (event.doubleClick && mNodes[size_t(index)].next > index + 1))
         setOpen(index, !mNodes[size_t(index)].open);
@@ -304,10 +304,10 @@ bool TreeView::handleKey(const Event& event) {
     int index = mSelected;
     while (index != -1 && getRow(index) == -1)
         index = mNodes[size_t(index)].parent;
-    const int   row = index == -1 ? -1 : getRow(index), last = getRowCount() - 1;
-    const int   page = std::max(1, int(getView().getHeight() / mSize) - 1);
+    const int row = index == -1 ? -1 : getRow(index), last = getRowCount() - 1;
+    const int page = std::max(1, int(getView().getHeight() / mSize) - 1);
     const Node* node = getItem(index);
-    const bool  inner = node && node->next > index + 1;
+    const bool inner = node && node->next > index + 1;
     switch (event.key) {
     case KEY_UP:
         goToRow(std::max(0, row - 1));
@@ -365,8 +365,8 @@ int TreeView::handleEvent(Event& event) {
         return 1;
     }
     if (mDrag != NOTHING && movesOn(event)) {
-        const bool  across = mDrag == ACROSS;
-        const Box2  view = getView(), thumb = getThumb(across);
+        const bool across = mDrag == ACROSS;
+        const Box2 view = getView(), thumb = getThumb(across);
         const float track =
             across ? view.getWidth() - thumb.getWidth() : view.getHeight() - thumb.getHeight();
         const float at = (across ? event.mousePos.x - view.x1 : event.mousePos.y - view.y1) - mGrip;

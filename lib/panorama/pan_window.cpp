@@ -15,8 +15,8 @@ using mathbase::Vector2f;
 
 namespace {
 
-constexpr float TITLE = 18.0f;  // pixels, the height of the bar
-constexpr int   STEPS = 100000; // more than any screen is wide
+constexpr float TITLE = 18.0f; // pixels, the height of the bar
+constexpr int STEPS = 100000;  // more than any screen is wide
 
 // Moves a span by whole pixels until it does not begin before `limit`. Where that is too far away for pixels
 // to count it goes there at once.
@@ -68,7 +68,7 @@ bool Window::acceptEvents(Event& event) {
 }
 
 int Window::handleEvent(Event& event) {
-    Alive     alive(*this);
+    Alive alive(*this);
     const int result = Control::handleEvent(event);
     if (!alive)
         return result;
@@ -98,7 +98,7 @@ void Window::pressTitle(const Event& event) {
 void Window::drag(Vector2f position) {
     const Vector2f offset = getLocalOffset(false);
     const Vector2f move = position - mDragStart + offset;
-    Box2           box = shifted(mDragArea, move);
+    Box2 box = shifted(mDragArea, move);
     if (!isFinite(box))
         return;
     if (mParent && mParent->getType() != "workspace") {

@@ -21,8 +21,8 @@ void Effect::update(const float& time, float delta, std::map<std::string, Callba
         return;
     }
     Callback* const callback = found->second;
-    const float     local = time - mStart;
-    const float     progress = (time - mStart) / (mEnd - mStart);
+    const float local = time - mStart;
+    const float progress = (time - mStart) / (mEnd - mStart);
 
     if (mNeedReset) {
         callback->resetTriggers();

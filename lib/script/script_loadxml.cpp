@@ -24,7 +24,7 @@ bool LoadXML::load(const char* filename, ScriptEngine& engine) {
     if (!file)
         return false;
     std::string text;
-    char        block[65536];
+    char block[65536];
     while (size_t size = fread(block, 1, sizeof(block), file.get()))
         text.append(block, size);
     if (ferror(file.get()))
@@ -122,7 +122,7 @@ bool LoadXML::loadSpline(xml::IteratorConst& element, Spline* spline) {
     spline->mName = element->getValue("name");
     spline->mMode = type == "square" ? 0 : type == "smooth" ? 2 : 1;
 
-    bool               added = false;
+    bool added = false;
     xml::IteratorConst keys = element.createIterator("key");
     while (++keys) {
         spline->addKey({toFloat(keys->getValue("time")), toFloat(keys->getValue("value")), 0, 0});

@@ -164,9 +164,9 @@ Vector3f hex2vec(const std::string& text) {
 
 std::string f2hex(float value) {
     static const char digits[] = "0123456789abcdef";
-    const float       scaled = value * 255.0f;
-    const bool        fits = scaled > -2147483648.0f && scaled < 2147483648.0f; // also false for a NaN
-    const unsigned    byte = fits ? static_cast<unsigned>(static_cast<int>(scaled)) : 0;
+    const float scaled = value * 255.0f;
+    const bool fits = scaled > -2147483648.0f && scaled < 2147483648.0f; // also false for a NaN
+    const unsigned byte = fits ? static_cast<unsigned>(static_cast<int>(scaled)) : 0;
     return {digits[byte >> 4 & 15], digits[byte & 15]};
 }
 

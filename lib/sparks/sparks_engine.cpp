@@ -23,7 +23,7 @@ constexpr float FALLING_MASS = 0.01f;
 constexpr float LEAST_SIZE = 0.8f;
 constexpr float LEAST_ENERGY = 0.1f;
 constexpr float FADE_IN = 0.2f;      // seconds
-constexpr int   CELLS = 8;           // of the strip
+constexpr int CELLS = 8;             // of the strip
 constexpr float CELL_WIDTH = 0.125f; // in texture coordinates
 constexpr float PI = 3.1415927f;
 
@@ -125,7 +125,7 @@ void Engine::update(float time) {
         instance->update(time, dt);
     if (!isSetup)
         setup();
-    Spark*   behind[AHEAD] = {}; // the last ones of the walk
+    Spark* behind[AHEAD] = {}; // the last ones of the walk
     unsigned step = 0;
     for (Spark** link = &live; *link;) {
         Spark& spark = **link;
@@ -180,7 +180,7 @@ void Engine::draw(const Matrix4x4Col* cameraInverse) {
         if (age < FADE_IN)
             alpha *= sinf(PI * age * 2.5f);
         const Vector3f& colour = spark->colour;
-        const Vector4f  color(colour.x, colour.y, colour.z, alpha);
+        const Vector4f color(colour.x, colour.y, colour.z, alpha);
         mBatch.color(color);
         const float u0 = CELL_WIDTH * static_cast<float>(spark->texture);
         mCut.draw(mBatch, spark->position, spark->size, color, spark->texture, u0, 1, u0 + CELL_WIDTH, 0);

@@ -31,7 +31,7 @@ const char* withoutDirectories(const char* file) {
 }
 
 const char* withoutNamespace(const char* function) {
-    const char   prefix[] = "zentrak::";
+    const char prefix[] = "zentrak::";
     const size_t length = sizeof(prefix) - 1;
     return strncmp(function, prefix, length) == 0 ? function + length : function;
 }

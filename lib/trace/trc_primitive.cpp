@@ -34,8 +34,8 @@ void PrimSphere::convertIntersection(const PreIntersection& pi, Intersection& i,
 bool PrimSphere::trace(PreIntersection& pi, const Vector3f& origin, const Vector3f& direction, float tmin,
                        float tmax) const {
     const Vector3f oc = origin - centre;
-    const float    b = oc.dot(direction);
-    const float    c = oc.dot(oc) - radius * radius;
+    const float b = oc.dot(direction);
+    const float c = oc.dot(oc) - radius * radius;
     if (c > 0 && b > 0) {
         return false; // outside and pointing away
     }
@@ -45,7 +45,7 @@ bool PrimSphere::trace(PreIntersection& pi, const Vector3f& origin, const Vector
     }
 
     const double s = sqrt(double(discriminant));
-    float        t = float(-b - s);
+    float t = float(-b - s);
     if (!(t >= tmin && t <= tmax)) {
         t = float(s - b);
         if (!(t >= tmin && t <= tmax)) {
@@ -73,9 +73,9 @@ bool PrimScene::trace(PreIntersection& pi, const Vector3f& origin, const Vector3
 
 bool PrimScene::trace(Intersection& i, const Vector3f& origin, const Vector3f& direction, float tmin,
                       float tmax) const {
-    float            tm = tmax;
+    float tm = tmax;
     const Primitive* best = nullptr;
-    PreIntersection  pi;
+    PreIntersection pi;
     for (const Instance& instance : instances) {
         if (instance.primitive->trace(pi, origin, direction, tmin, tm)) {
             assert(pi.t>=tmin);

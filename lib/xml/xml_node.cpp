@@ -14,7 +14,7 @@ XmlNode::XmlNode(const XmlTag& tag, XmlNode* aParent) : XmlTag(tag), parent(aPar
 XmlNode::~XmlNode() {
     if (parent && !mDetached) {
         std::vector<XmlNode*>& siblings = parent->children;
-        const auto             found = std::find(siblings.begin(), siblings.end(), this);
+        const auto found = std::find(siblings.begin(), siblings.end(), this);
         if (found != siblings.end()) {
             siblings.erase(found);
         }

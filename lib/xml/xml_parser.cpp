@@ -78,8 +78,8 @@ void XmlParser::parse(BufferReader& reader) {
 // Goes down and up the tree by its own pointers, so that no depth of text needs a depth of calls.
 void XmlParser::parseRecurse(BufferReader& reader, Iterator& it, Iterator&) {
     XmlNode* const first = it.getRoot();
-    XmlNode*       node = first;
-    TagReader      tag;
+    XmlNode* node = first;
+    TagReader tag;
     for (;;) {
         tag.read(reader);
         if (endsNode(tag, *node)) {
@@ -121,7 +121,7 @@ void XmlParser::writeRecurse(std::ostream& os, IteratorConst& it, const std::str
                              int depth) const {
     struct Level {
         const XmlNode* node;
-        size_t         next;
+        size_t next;
     };
     std::vector<Level> levels; // the open nodes below the one that `it` walks
     for (;;) {

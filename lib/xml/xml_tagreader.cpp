@@ -6,7 +6,7 @@ namespace zentrak::xml {
 
 namespace {
 
-const char   contentName[] = "content";
+const char contentName[] = "content";
 const size_t indexFrom = 64; // so many attributes are sooner searched than indexed
 
 // Takes the longest run of bytes that are of the given kinds, or of none of them. The run must hold no line
@@ -14,7 +14,7 @@ const size_t indexFrom = 64; // so many attributes are sooner searched than inde
 template <bool WITHIN>
 std::string_view readRun(BufferReader& reader, int kinds) {
     const std::string_view rest = reader.rest();
-    size_t                 length = 0;
+    size_t length = 0;
     while (length != rest.size() && isKind(rest[length], kinds) == WITHIN) {
         ++length;
     }
@@ -130,7 +130,7 @@ void TagReader::readText(BufferReader& reader) {
     closed = true;
     name = "!!!text";
     const size_t start = reader.pos;
-    bool         plain = true;
+    bool plain = true;
     for (;;) {
         readRunUntil(reader, CHAR_TEXT_STOP);
         if (reader.atEnd() || reader.peek() == '<') {
@@ -201,9 +201,9 @@ void TagReader::readAttribute(BufferReader& reader, bool requireEquals) {
 
 // The value up to the closing quote, which is taken too.
 std::string_view TagReader::readQuoted(BufferReader& reader) {
-    const char   quote = reader.consume();
+    const char quote = reader.consume();
     const size_t start = reader.pos;
-    bool         plain = true;
+    bool plain = true;
     for (;;) {
         readRunUntil(reader, CHAR_VALUE_STOP);
         const char c = reader.peek();

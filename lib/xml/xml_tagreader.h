@@ -20,9 +20,9 @@ public:
         std::string_view value;
     };
 
-    XmlTag::Type           type = XmlTag::Normal;
-    bool                   closed = true;
-    std::string_view       name;
+    XmlTag::Type type = XmlTag::Normal;
+    bool closed = true;
+    std::string_view name;
     std::vector<Attribute> attributes; // no name twice
 
     // Reads the next tag of any type, from nothing.
@@ -45,9 +45,9 @@ private:
     std::deque<std::string> mRewritten;                  // values that don't stand in the text as they are
     std::unordered_map<std::string_view, size_t> mIndex; // attributes by name, of a tag with many
 
-    void             reset();
-    void             setValue(std::string_view attribute, std::string_view value);
-    Attribute*       find(std::string_view attribute);
+    void reset();
+    void setValue(std::string_view attribute, std::string_view value);
+    Attribute* find(std::string_view attribute);
     std::string_view readQuoted(BufferReader& reader);
     std::string_view rewritten(std::string_view text);
 };

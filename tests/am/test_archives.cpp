@@ -26,8 +26,8 @@ namespace {
 // An archive manager with an empty folder as the current one.
 class Archives : public ::testing::Test {
 protected:
-    TempDir        mFolder;
-    WorkingDir     mWorking{mFolder.path()};
+    TempDir mFolder;
+    WorkingDir mWorking{mFolder.path()};
     ArchiveManager mManager;
 };
 
@@ -607,7 +607,7 @@ TEST_F(Zip, EncryptedEntriesAreNotRead) {
 TEST_F(Zip, ABadChecksumIsNotRead) {
     for (const char* name : {"stored.zip", "deflated.zip"}) {
         std::string bytes = fixture(name);
-        size_t      at = bytes.find("deep\n");
+        size_t at = bytes.find("deep\n");
         ASSERT_NE(at, std::string::npos);
         bytes[at] = 'D';
         writeFile("x", bytes);
@@ -620,10 +620,10 @@ TEST_F(Zip, ABadChecksumIsNotRead) {
 TEST_F(Zip, TruncatedAtEveryByteItGivesNothingWrong) {
     for (const char* name : {"stored.zip", "deflated.zip"}) {
         const std::string bytes = fixture(name);
-        int               found = 0;
+        int found = 0;
         for (size_t length = 0; length <= bytes.size(); ++length) {
             MemoryFile truncated(bytes.substr(0, length));
-            File       file = ArchiveZIP(truncated.path()).read("sub/rgba.png");
+            File file = ArchiveZIP(truncated.path()).read("sub/rgba.png");
             if (file.isNull())
                 continue;
             ++found;
@@ -636,7 +636,7 @@ TEST_F(Zip, TruncatedAtEveryByteItGivesNothingWrong) {
 TEST_F(Zip, WithAnyByteChangedItGivesNothingWrong) {
     for (const char* name : {"stored.zip", "deflated.zip"}) {
         const std::string bytes = fixture(name);
-        ArchiveZIP        whole(fixturePath(name));
+        ArchiveZIP whole(fixturePath(name));
         for (size_t i = 0; i < bytes.size(); ++i) {
             std::string changed = bytes;
             changed[i] = char(changed[i] ^ 0xff);

@@ -84,7 +84,7 @@ unsigned fixtureColour(int x, int y) {
 
 unsigned fixtureGray(int x, int y) {
     unsigned p = fixturePixel(x, y, false);
-    double   light = 0.2126 * (p >> 16 & 255) + 0.7152 * (p >> 8 & 255) + 0.0722 * (p & 255);
+    double light = 0.2126 * (p >> 16 & 255) + 0.7152 * (p >> 8 & 255) + 0.0722 * (p & 255);
     unsigned v = unsigned(std::lround(light));
     return v << 16 | v << 8 | v;
 }
@@ -118,11 +118,11 @@ std::string makeJpeg(
     int width, int height, int components, J_COLOR_SPACE space, int value,
     const std::function<void(jpeg_compress_struct&)>& tune = [](jpeg_compress_struct&) {}) {
     jpeg_compress_struct cinfo;
-    jpeg_error_mgr       errors;
+    jpeg_error_mgr errors;
     cinfo.err = jpeg_std_error(&errors);
     jpeg_create_compress(&cinfo);
     unsigned char* bytes = nullptr;
-    unsigned long  length = 0;
+    unsigned long length = 0;
     jpeg_mem_dest(&cinfo, &bytes, &length);
     cinfo.image_width = JDIMENSION(width);
     cinfo.image_height = JDIMENSION(height);
@@ -146,7 +146,7 @@ std::string makeJpeg(
 // The most memory that this process has had at once since the peak was last reset, in KiB.
 long residentPeak() {
     std::string status = readFile("/proc/self/status");
-    size_t      at = status.find("VmHWM:");
+    size_t at = status.find("VmHWM:");
     return at == std::string::npos ? 0 : std::atol(status.c_str() + at + 6);
 }
 
@@ -239,7 +239,7 @@ TEST(Png, WithAnyByteChangedItLoadsOrIsRefusedAndTakesNoMemory) {
     const long before = residentPeak();
     for (const char* name : {"rgba.png", "rgb-interlaced.png"}) {
         const std::string bytes = fixture(name);
-        int               refused = 0;
+        int refused = 0;
         for (size_t i = 0; i < bytes.size(); ++i) {
             std::string damaged = bytes;
             damaged[i] = char(damaged[i] ^ 0x41);
@@ -274,7 +274,7 @@ TEST(Png, ThatPacksAsFarAsCanBeLoads) {
     ImageObject image;
     image.resize(4096, 512);
     unsigned char* data = nullptr;
-    unsigned long  length = 0;
+    unsigned long length = 0;
     ASSERT_TRUE(ImageCodecPNG().encodeImage(&data, &length, image));
     std::unique_ptr<unsigned char[]> file(data);
     EXPECT_GT(image.getWidth() * image.getHeight() * 4UL, 900 * length); // near the most that is possible
@@ -291,7 +291,7 @@ TEST(Png, EncodedAndDecodedThePixelsAreIdentical) {
     for (int i = 0; i < 61 * 37 * 4; ++i)
         image.getWriteData()[i] = static_cast<unsigned char>(i * 2654435761u >> 13);
     unsigned char* data = nullptr;
-    unsigned long  length = 0;
+    unsigned long length = 0;
     ASSERT_TRUE(ImageCodecPNG().encodeImage(&data, &length, image));
     std::unique_ptr<unsigned char[]> file(data);
     ImageCodecPNG().decodeImage(data, length, back);
@@ -301,11 +301,11 @@ TEST(Png, EncodedAndDecodedThePixelsAreIdentical) {
 }
 
 TEST(Png, AWrittenFileIsReadByTheStockTool) {
-    TempDir     folder;
+    TempDir folder;
     ImageObject image;
     decode(ImageCodecPNG(), fixture("rgba.png"), image);
     unsigned char* data = nullptr;
-    unsigned long  length = 0;
+    unsigned long length = 0;
     ASSERT_TRUE(ImageCodecPNG().encodeImage(&data, &length, image));
     std::unique_ptr<unsigned char[]> file(data);
     writeFile(folder.file("x.png"), std::string(reinterpret_cast<char*>(data), length));
@@ -316,7 +316,7 @@ TEST(Png, AWrittenFileIsReadByTheStockTool) {
     ASSERT_EQ(rgba.size(), size_t(cFixtureWidth * cFixtureHeight * 4));
     for (int i = 0; i < cFixtureWidth * cFixtureHeight; ++i) {
         const unsigned char* p = asBytes(rgba) + i * 4;
-        unsigned             is = unsigned(p[3]) << 24 | unsigned(p[0]) << 16 | unsigned(p[1]) << 8 | p[2];
+        unsigned is = unsigned(p[3]) << 24 | unsigned(p[0]) << 16 | unsigned(p[1]) << 8 | p[2];
         ASSERT_EQ(is, fixturePixel(i % cFixtureWidth, i / cFixtureWidth, true)) << i;
     }
     EXPECT_EQ(data[24], 8);            // bits a channel
@@ -326,8 +326,8 @@ TEST(Png, AWrittenFileIsReadByTheStockTool) {
 }
 
 TEST(Png, ACachedImageIsNotEncoded) {
-    ImageManager  manager;
-    ImageObject   image;
+    ImageManager manager;
+    ImageObject image;
     unsigned char dummy = 0, *data = &dummy;
     unsigned long length = 17;
     image.resize(2, 2);
@@ -339,7 +339,7 @@ TEST(Png, ACachedImageIsNotEncoded) {
 }
 
 TEST(Png, AnImageWithoutPixelsIsNotEncoded) {
-    ImageObject   image;
+    ImageObject image;
     unsigned char dummy = 0, *data = &dummy;
     unsigned long length = 17;
     EXPECT_FALSE(ImageCodecPNG().encodeImage(&data, &length, image));
@@ -430,7 +430,7 @@ TEST(Jpeg, WithAnyByteChangedItLoadsOrIsRefused) {
     CaptureStderr errors;
     for (const char* name : {"baseline.jpg", "progressive.jpg", "gray.jpg", "cmyk.jpg"}) {
         const std::string bytes = fixture(name);
-        int               refused = 0;
+        int refused = 0;
         for (size_t i = 0; i < bytes.size(); ++i) {
             std::string damaged = bytes;
             damaged[i] = char(damaged[i] ^ 0x41);
@@ -466,8 +466,8 @@ std::string makeManyScans(int size, int coefficients) {
     });
     // There is nothing in these coefficients, so that the scans of the first do for all with another number.
     const std::string tables("\xff\xc4"), scan("\xff\xda"), end("\xff\xd9");
-    const size_t      first = bytes.find(scan), pair = bytes.find(tables, first), last = bytes.rfind(end);
-    std::string       file = bytes.substr(0, pair), both = bytes.substr(pair, last - pair);
+    const size_t first = bytes.find(scan), pair = bytes.find(tables, first), last = bytes.rfind(end);
+    std::string file = bytes.substr(0, pair), both = bytes.substr(pair, last - pair);
     for (int coefficient = 1; coefficient <= coefficients; ++coefficient) {
         for (size_t at = both.find(scan); at != std::string::npos; at = both.find(scan, at + 1))
             both[at + 7] = both[at + 8] = char(coefficient);
@@ -477,7 +477,7 @@ std::string makeManyScans(int size, int coefficients) {
 }
 
 TEST(Jpeg, TooManyScansAreRefused) {
-    const char  tooMany[] = "Internal jpeglib error; Too many scans";
+    const char tooMany[] = "Internal jpeglib error; Too many scans";
     ImageObject image;
     decode(ImageCodecJPEG(), makeManyScans(2048, 63), image); // 127 scans
     EXPECT_EQ(pixel(image, 2047, 2047), 0xffc8c8c8u);
@@ -504,9 +504,9 @@ TEST(Jpeg, MoreThanFiveHundredScansAreRefused) {
 }
 
 TEST(Jpeg, DoesNotWrite) {
-    ImageObject    image;
+    ImageObject image;
     unsigned char* data = nullptr;
-    unsigned long  length = 0;
+    unsigned long length = 0;
     image.resize(2, 2);
     EXPECT_FALSE(ImageCodecJPEG().encodeImage(&data, &length, image));
     EXPECT_FALSE(ImageCodecJPEG().canWrite());
@@ -517,9 +517,9 @@ TEST(Jpeg, DoesNotWrite) {
 
 TEST(Tga, SaysThatItIsNotDone) {
     EXPECT_EQ(refusal<ImageCodecTGA>(fixture("picture.tga")), "[ImageCodec] TGA-reader is not done yet!");
-    ImageObject    image;
+    ImageObject image;
     unsigned char* data = nullptr;
-    unsigned long  length = 0;
+    unsigned long length = 0;
     image.resize(2, 2);
     EXPECT_FALSE(ImageCodecTGA().encodeImage(&data, &length, image));
     EXPECT_FALSE(ImageCodecTGA().canWrite());
@@ -551,8 +551,8 @@ TEST(Swizzle, EveryCountGivesWhatThePlainWayGives) {
 
 TEST(Swizzle, InkOnWhitePaper) {
     const unsigned char inks[] = {0, 0, 0, 0, 255, 0, 0, 0, 0, 255, 255, 0, 10, 20, 30, 255, 0, 0, 0, 128};
-    const unsigned      colours[] = {0xffffffff, 0xff00ffff, 0xffff0000, 0xff000000, 0xff7f7f7f};
-    unsigned char       inverted[sizeof inks], to[sizeof inks];
+    const unsigned colours[] = {0xffffffff, 0xff00ffff, 0xffff0000, 0xff000000, 0xff7f7f7f};
+    unsigned char inverted[sizeof inks], to[sizeof inks];
     for (size_t i = 0; i < sizeof inks; ++i)
         inverted[i] = static_cast<unsigned char>(255 - inks[i]);
     for (bool flip : {false, true}) {

@@ -28,10 +28,10 @@ protected:
 
     void fill(unsigned char value) { std::memset(mImage->getWriteData(), value, 4 * 2 * 4); }
 
-    TempDir           mFolder;
-    WorkingDir        mWorking{mFolder.path()};
-    ArchiveManager    mArchives;
-    Image             mImage{new ImageObject()};
+    TempDir mFolder;
+    WorkingDir mWorking{mFolder.path()};
+    ArchiveManager mArchives;
+    Image mImage{new ImageObject()};
     VideoFile::Format mFormat{4, 2, 25, 1};
 };
 

@@ -20,7 +20,7 @@ const char cAccess[] = "ImageObbject::getWriteData, Access not allowed!";
 class Images : public ::testing::Test {
 protected:
     ImageManager mManager;
-    File         mFile = makeFile("file", fixture("rgba.png"));
+    File mFile = makeFile("file", fixture("rgba.png"));
 };
 
 } // namespace
@@ -64,7 +64,7 @@ TEST(ImageObject, WithASideOfZeroThereAreNoPixels) {
 
 TEST(ImageObject, TakesOverTheArrayItIsGiven) {
     ImageObject object;
-    auto*       first = new unsigned char[8];
+    auto* first = new unsigned char[8];
     object.setData(first, 2, 1);
     EXPECT_EQ(object.getData(), first);
     EXPECT_EQ(object.getWidth(), 2);
@@ -77,7 +77,7 @@ TEST(ImageObject, TakesOverTheArrayItIsGiven) {
 
 TEST(ImageObject, PixelsOfAManagedImageAreReadOnly) {
     ImageManager manager;
-    ImageObject  object;
+    ImageObject object;
     object.resize(1, 1);
     object.setManager(&manager);
     EXPECT_NE(object.getData(), nullptr);
@@ -118,7 +118,7 @@ TEST(Image, CopiesShareOneObject) {
 }
 
 TEST(Image, AssignedToItselfKeepsItsObject) {
-    Image  image(new ImageObject());
+    Image image(new ImageObject());
     Image& same = image;
     image = same;
     image.assign(same);
@@ -301,7 +301,7 @@ TEST_F(Images, AForgedImageIsDroppedAllTheSame) {
 
 TEST_F(Images, EncodingNamesTheFile) {
     Image image = mManager.loadImage("a.png", mFile, true);
-    File  file = mManager.encodeImage("out/b.PNG", image);
+    File file = mManager.encodeImage("out/b.PNG", image);
     ASSERT_FALSE(file.isNull());
     EXPECT_EQ(file->filename, "out/b.PNG");
     EXPECT_EQ(file.getRefCount(), 1u);

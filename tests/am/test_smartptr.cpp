@@ -52,7 +52,7 @@ TEST(SmartPtr, TheLastPointerDeletesTheObject) {
 }
 
 TEST(SmartPtr, AssignedToItselfKeepsItsObject) {
-    TrackedPtr  pointer(new Tracked());
+    TrackedPtr pointer(new Tracked());
     TrackedPtr& same = pointer;
     pointer = same;
     EXPECT_EQ(pointer.getRefCount(), 1u);
@@ -93,9 +93,9 @@ TEST(SmartPtr, AddRefKeepsTheObjectBeyondTheLastPointer) {
     struct Static {
         static void operator delete(void*) { ADD_FAILURE() << "deleted"; }
     };
-    static Static      object;
+    static Static object;
     static const auto* keeper = new TSmartPtr<Static>(&object); // reachable to the end, as its block is
-    TSmartPtr<Static>  pointer(*keeper);
+    TSmartPtr<Static> pointer(*keeper);
     pointer.addRef();
     EXPECT_EQ(keeper->getRefCount(), 3u);
     pointer.release();
@@ -103,16 +103,16 @@ TEST(SmartPtr, AddRefKeepsTheObjectBeyondTheLastPointer) {
 }
 
 TEST(SmartPtr, DereferencingAnEmptyPointerThrows) {
-    File        empty;
+    File empty;
     const File& constant = empty;
-    const char  text[] = "TSmartPtr::operator->() - Attempt to dereference (NULL)object!";
+    const char text[] = "TSmartPtr::operator->() - Attempt to dereference (NULL)object!";
     EXPECT_EQ(thrownBy([&] { empty->length = 1; }), text);
     EXPECT_EQ(thrownBy([&] { (void)constant->length; }), text);
     EXPECT_EQ(thrownBy([&] { (void)*empty; }), text);
 }
 
 TEST(FileStructure, CopiesTheBytesItIsMadeOf) {
-    std::string   bytes("a\0b", 3);
+    std::string bytes("a\0b", 3);
     FileStructure file("name", bytes.data(), 3);
     EXPECT_EQ(file.filename, "name");
     EXPECT_EQ(file.length, 3);

@@ -69,11 +69,11 @@ private:
         mDone.wait(lock, [&] { return mFrames >= goal || mEnded; });
     }
 
-    std::mutex                   mMutex;
-    std::condition_variable      mDone;
+    std::mutex mMutex;
+    std::condition_variable mDone;
     const std::function<void()>* mTask = nullptr;
-    long                         mFrames = 0;
-    bool                         mEnded = false;
+    long mFrames = 0;
+    bool mEnded = false;
 };
 
 namespace {
@@ -110,7 +110,7 @@ EditedShow::~EditedShow() {
 
 void EditedShow::play(const std::function<void()>& use) {
     const WorkingDir working(mDir.path());
-    Opening          opening;
+    Opening opening;
     opening.hook = mHook.get();
     mKindler.addCallback("opening", opening);
     auto* const span = new script::Effect;
@@ -186,7 +186,7 @@ panorama::Control* EditedShow::control(const std::string& name) {
 
 // The focus moves rows to the end of the list, and not in the window.
 kindler::Row* EditedShow::row(int index) {
-    panorama::Control*         rows = control("effects");
+    panorama::Control* rows = control("effects");
     std::vector<kindler::Row*> list;
     for (unsigned int i = 0; i < rows->getControlSize(); ++i)
         list.push_back(dynamic_cast<kindler::Row*>(rows->getControl(i)));
@@ -213,8 +213,8 @@ Vector2f EditedShow::keyPlace(int index, int key) {
     Vector2f place(0, 0);
     mHook->run([&] {
         panorama::Spline* const widget = curve(index);
-        const auto&             at = widget->mSpline->mKeys[size_t(key)];
-        const Box2&             world = widget->mArea.world;
+        const auto& at = widget->mSpline->mKeys[size_t(key)];
+        const Box2& world = widget->mArea.world;
         place = Vector2f(world.x1 + world.getWidth() * at.time,
                          world.y1 + 0.5f * world.getHeight() * (1 + at.value));
     });

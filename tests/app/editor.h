@@ -50,29 +50,29 @@ public:
     EditedShow& operator=(const EditedShow&) = delete;
 
     kindler::Kindler& kindler() { return mKindler; }
-    const TempDir&    dir() const { return mDir; }
+    const TempDir& dir() const { return mDir; }
 
     // Runs the show until `use` has come to its end.
     void play(const std::function<void()>& use);
 
     // Does it on the show's thread, once all events that were sent so far are handled; then draws a frame.
-    void    frame(const std::function<void()>& what);
-    Picture picture();        // what the window shows
-    void    setTime(float t); // seconds, paused
+    void frame(const std::function<void()>& what);
+    Picture picture();     // what the window shows
+    void setTime(float t); // seconds, paused
     Viewer& viewer() { return *mViewer; }
-    bool    until(const std::string& what, const std::function<bool()>& done); // asked on the show's thread
-    void    settle(); // all that was sent has been handled and drawn
+    bool until(const std::string& what, const std::function<bool()>& done); // asked on the show's thread
+    void settle(); // all that was sent has been handled and drawn
 
     void open(); // the editor, by Tab
     void close();
 
     // What the editor shows; for use inside frame(). Rows in the order of the script, whatever has the focus.
-    kindler::Gui&      gui() { return *mKindler.mGui; }
-    kindler::Row*      row(int index);
-    kindler::Effector* bar(int row);   // null for a row with a curve
-    panorama::Spline*  curve(int row); // null for a row with a bar
+    kindler::Gui& gui() { return *mKindler.mGui; }
+    kindler::Row* row(int index);
+    kindler::Effector* bar(int row);  // null for a row with a curve
+    panorama::Spline* curve(int row); // null for a row with a bar
     panorama::Control* control(const std::string& name);
-    script::Effect&    effect(int index) { return *mKindler.mScript.mEffects[size_t(index)]; }
+    script::Effect& effect(int index) { return *mKindler.mScript.mEffects[size_t(index)]; }
     mathbase::Box2 box(panorama::Control* control); // in the window, as far as it is seen; from any thread
     mathbase::Vector2f keyPlace(int row, int key);  // from any thread
 
@@ -88,12 +88,12 @@ private:
 
     void waitForFrame();
 
-    TempDir                 mDir;
-    Grey                    mGrey;
-    kindler::Kindler        mKindler;
-    std::unique_ptr<Hook>   mHook;
+    TempDir mDir;
+    Grey mGrey;
+    kindler::Kindler mKindler;
+    std::unique_ptr<Hook> mHook;
     std::unique_ptr<Viewer> mViewer;
-    std::string             mTitle;
+    std::string mTitle;
 };
 
 } // namespace zentrak::test

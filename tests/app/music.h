@@ -10,7 +10,7 @@ namespace zentrak::test {
 // A WAV file of one channel at 8000 frames a second: `frames` frames of a quiet 440 Hz.
 inline std::string makeWav(int frames) {
     std::string wav;
-    auto        put = [&](uint32_t value, int bytes) {
+    auto put = [&](uint32_t value, int bytes) {
         for (int i = 0; i < bytes; ++i)
             wav += static_cast<char>(value >> (8 * i));
     };

@@ -28,20 +28,20 @@ public:
     Program& operator=(const Program&) = delete;
 
     const TempDir& dir() const { return mDir; }
-    void           write(const std::string& name, const std::string& bytes); // creates the folders it needs
-    std::string    read(const std::string& name) const { return readFile(mDir.file(name)); }
-    bool           has(const std::string& name) const { return fileExists(mDir.file(name)); }
+    void write(const std::string& name, const std::string& bytes); // creates the folders it needs
+    std::string read(const std::string& name) const { return readFile(mDir.file(name)); }
+    bool has(const std::string& name) const { return fileExists(mDir.file(name)); }
 
     // With music on a device that nobody hears. `environment` is what else env(1) takes.
     void start(const std::string& environment = "");
     bool running();
-    int  wait(); // its exit status; -1 if it does not end in time, or by a signal
-    int  run(const std::string& environment = "") { // start and wait
+    int wait(); // its exit status; -1 if it does not end in time, or by a signal
+    int run(const std::string& environment = "") { // start and wait
         start(environment);
         return wait();
     }
     std::string output() const; // everything that it has printed and flushed so far; all of it once ended
-    pid_t       pid() const { return mPid; }
+    pid_t pid() const { return mPid; }
 
     // For the setup file: each program has a title of its own.
     const std::string& title() const { return mTitle; }
@@ -52,10 +52,10 @@ public:
     bool grab(Picture& picture);                              // what its window shows
 
 private:
-    TempDir                 mDir;
-    std::string             mTitle;
-    pid_t                   mPid = -1;
-    int                     mStatus = 0;
+    TempDir mDir;
+    std::string mTitle;
+    pid_t mPid = -1;
+    int mStatus = 0;
     std::unique_ptr<Viewer> mViewer; // of the window, once there
 };
 

@@ -40,17 +40,17 @@ public:
     }
 
 private:
-    kindler::Common  common;
-    kindler::Clear   clear;
-    kindler::Border  border{&common};
-    kindler::Kub     kub{&common};
-    kindler::Xor     xor_{&common};
-    kindler::Rund    rund{&common};
+    kindler::Common common;
+    kindler::Clear clear;
+    kindler::Border border{&common};
+    kindler::Kub kub{&common};
+    kindler::Xor xor_{&common};
+    kindler::Rund rund{&common};
     kindler::Cubejox cubejox{&common};
-    kindler::WaxOn   waxon{&common};
+    kindler::WaxOn waxon{&common};
     kindler::Overlay overlay{&common};
     kindler::Credits credits{&common, "code"};
-    kindler::Grid    grid{&common};
+    kindler::Grid grid{&common};
 };
 
 } // namespace zentrak::test

@@ -79,15 +79,15 @@ TEST(TheEditor, HasARowForEachSpanAndEachSplineInTheOrderOfTheScript) {
         show.frame([&] {
             struct Expected {
                 const char* caption;
-                int         level;
-                float       height;
-                bool        curve;
+                int level;
+                float height;
+                bool curve;
             };
             const Expected expected[] = {
                 {"outer", 0, 30, false},  {"a", 0, 70, true},     {"b", 0, 70, true},
                 {"inner", 1, 30, false},  {"c", 1, 70, true},     {"innermost", 2, 30, false},
                 {"second", 1, 30, false}, {"last", 0, 30, false}, {"opening", 0, 30, false}};
-            int   index = 0;
+            int index = 0;
             float y = 0;
             for (const Expected& e : expected) {
                 kindler::Row* const row = show.row(index);
@@ -120,7 +120,7 @@ TEST(TheEditor, EachLevelOfTheNestIndentsItsLabelByTwentyPixels) {
     show.play([&] {
         show.open();
         const Picture picture = show.picture();
-        const auto    labelOf = [&](int row) { // where its text begins
+        const auto labelOf = [&](int row) { // where its text begins
             const Box2 box = show.box(show.row(row));
             for (int x = int(box.x1) + 1; x < 199; ++x)
                 for (int y = int(box.y1) + 1; y < int(box.y2) - 1; ++y)
@@ -327,8 +327,8 @@ TEST(TheEditor, TheMenuAddsAndDeletesKeysAndChangesTheType) {
             show.click(rowPlace(area, row));
         };
         panorama::Spline* const curve = show.curve(2);
-        const Box2              box = show.box(curve);
-        const int               before = greyOf(show.picture());
+        const Box2 box = show.box(curve);
+        const int before = greyOf(show.picture());
 
         show.click(Vector2f(box.x1 + 120, box.y1 + 56), 3); // time 0.6
         choose(curve->mContextEmpty, 0);
@@ -363,7 +363,7 @@ TEST(TheEditor, AMenuAtTheWindowsEdgeIsWholeInIt) {
     show.play([&] {
         show.open();
         panorama::Spline* const curve = show.curve(1);
-        const Box2              box = show.box(curve);
+        const Box2 box = show.box(curve);
         show.click(Vector2f(box.x2 - 2, box.y2 - 2), 3);
         show.frame([&] {
             const Box2& menu = curve->mContextEmpty.mArea.area;
@@ -600,7 +600,7 @@ namespace {
 
 // What the driver says to a layout.
 std::string failure(const std::string& layout) {
-    TempDir          dir;
+    TempDir dir;
     const WorkingDir working(dir.path());
     writeFile(dir.file("layout.xml"), layout);
     writeFile(dir.file("script.xml"), TWO_SPANS);
@@ -700,13 +700,13 @@ TEST(AScript, OfFiveThousandSpansWithSplinesOpensAndScrolls) {
 // The show in data/, as its author has it in front of him.
 
 TEST(TheRealShow, FollowsWhatIsDoneToItsBarsAndKeys) {
-    EditedShow  show(realScript());
+    EditedShow show(realScript());
     RealEffects effects(show.kindler());
     show.play([&] {
         show.setTime(8);
         show.open();
         const Picture before = show.picture();
-        float         start = 0, end = 0;
+        float start = 0, end = 0;
         show.frame([&] {
             ASSERT_EQ(show.row(0)->getCaption(), "clear");
             ASSERT_NE(show.curve(1), nullptr);

@@ -98,17 +98,17 @@ public:
 
 private:
     struct Seen {
-        Box2                  box;
+        Box2 box;
         std::vector<Vector2f> keys;
     };
 
-    EditedShow&  mShow;
+    EditedShow& mShow;
     std::mt19937 mRandom;
-    long         mCount = 0;
+    long mCount = 0;
 
     std::vector<Seen> mSeen;
-    int               mWidth = EditedShow::WIDTH; // of the window
-    int               mHeight = EditedShow::HEIGHT;
+    int mWidth = EditedShow::WIDTH; // of the window
+    int mHeight = EditedShow::HEIGHT;
 
     int number(int end) { return int(mRandom() % unsigned(end)); }
 
@@ -196,8 +196,8 @@ void check(script::Effect& effect) {
 } // namespace
 
 TEST(TheEditor, StandsAnythingThatAHandDoes) {
-    const int                    seconds = setting("ZENTRAK_SOAK_SECONDS", 5);
-    EditedShow                   show(realScript());
+    const int seconds = setting("ZENTRAK_SOAK_SECONDS", 5);
+    EditedShow show(realScript());
     std::unique_ptr<RealEffects> effects; // in the few seconds of a test run frames come faster without
     if (getenv("ZENTRAK_SOAK_SECONDS"))
         effects.reset(new RealEffects(show.kindler()));

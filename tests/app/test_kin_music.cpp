@@ -21,7 +21,7 @@ am::File fileOf(const std::string& bytes) {
 // Three quarters of a second at 8000 Hz.
 std::string wav() {
     static const std::string bytes = [] {
-        TempDir     folder;
+        TempDir folder;
         std::string path = folder.file("music.wav");
         EXPECT_EQ(runCommand("sox -R -n -r 8000 -c 1 -b 16 " + path + " synth 0.75 sine 440").first, 0);
         return readFile(path);
@@ -32,10 +32,10 @@ std::string wav() {
 // Runs in a process of its own, since OpenAL looks for its drivers once: 0 when all is as it should be.
 int setupWithoutADevice() {
     setenv("ALSOFT_DRIVERS", "none-of-this-name", 1);
-    Music         music;
+    Music music;
     CaptureStdout capture;
-    bool          opened = music.setup(fileOf(wav()));
-    bool          text = capture.text() == "[error][setup], No sound device!\n (kin_music:38)\n";
+    bool opened = music.setup(fileOf(wav()));
+    bool text = capture.text() == "[error][setup], No sound device!\n (kin_music:38)\n";
     return opened || !text || music.mDevice || music.mStream || music.mLength != 0 ? 1 : 0;
 }
 
@@ -47,14 +47,14 @@ TEST(MusicDeathTest, NoSoundDevice) {
 }
 
 TEST(Music, FieldsAreInOrder) {
-    Music       music;
+    Music music;
     const void* fields[] = {&music.mLength, &music.mDevice, &music.mStream, &music.mSource,
                             &music.mFile,   &music.mRate,   &music.mPaused};
     EXPECT_TRUE(std::is_sorted(std::begin(fields), std::end(fields), std::less<const void*>()));
 }
 
 TEST(Music, OpensStoppedAtTheBeginningWithLengthAndRate) {
-    Music         music;
+    Music music;
     CaptureStdout capture;
     ASSERT_TRUE(music.setup(fileOf(wav())));
     EXPECT_EQ(capture.text(), "");
@@ -74,7 +74,7 @@ TEST(Music, ASeekPastTheEndClampsAtTheLength) {
 
 TEST(Music, AFileThatCannotBeDecoded) {
     for (const std::string& bytes : {std::string("no music at all"), std::string(), wav().substr(0, 30)}) {
-        Music         music;
+        Music music;
         CaptureStdout capture;
         EXPECT_FALSE(music.setup(fileOf(bytes)));
         EXPECT_EQ(capture.text(), "Could not open file\n");
@@ -83,7 +83,7 @@ TEST(Music, AFileThatCannotBeDecoded) {
 }
 
 TEST(Music, AFileThatIsMissing) {
-    Music         music;
+    Music music;
     CaptureStdout capture;
     EXPECT_FALSE(music.setup(am::File()));
     EXPECT_EQ(capture.text(), "Could not open file\n");
@@ -94,7 +94,7 @@ TEST(Music, ASampleRateThatNoDevicePlays) {
     std::string bytes = wav();
     bytes[24] = 1; // one frame a second
     bytes[25] = 0;
-    Music         music;
+    Music music;
     CaptureStdout capture;
     EXPECT_FALSE(music.setup(fileOf(bytes)));
     EXPECT_EQ(capture.text(), "Could not open sound!, muting\n");

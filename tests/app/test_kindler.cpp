@@ -26,9 +26,9 @@ namespace {
 // An effect that does in each frame what the test wants done, and keeps what it was called with.
 struct Probe : kindler::Effect {
     std::function<void(float time)> onUpdate = [](float) {};
-    std::function<void()>           onSetup = [] {};
-    std::vector<float>              times;
-    int                             setups = 0;
+    std::function<void()> onSetup = [] {};
+    std::vector<float> times;
+    int setups = 0;
 
     void setup() override {
         ++setups;
@@ -43,9 +43,9 @@ struct Probe : kindler::Effect {
 // A show of `music` and one span of an effect "probe" from 0 to 1000, in a folder of its own.
 class Show : public ::testing::Test {
 protected:
-    test::TempDir    mDir;
+    test::TempDir mDir;
     test::WorkingDir mWorking{mDir.path()};
-    Probe            mProbe;
+    Probe mProbe;
 
     void write(const std::string& name, const std::string& bytes) { test::writeFile(mDir.file(name), bytes); }
 
@@ -87,10 +87,10 @@ constexpr const char* NOSOUND = "<music mute=\"nosound\"/>";
 TEST_F(Show, EffectsLoadInTheOrderOfTheirNamesUsedOrNot) {
     writeShow(NOSOUND);
     std::vector<std::string> order;
-    CaptureStdout            out;
-    Kindler                  kindler;
-    Probe                    zebra, ant, Big;
-    auto                     loads = [&](Probe& probe, const char* name) {
+    CaptureStdout out;
+    Kindler kindler;
+    Probe zebra, ant, Big;
+    auto loads = [&](Probe& probe, const char* name) {
         probe.onSetup = [&order, &probe, name, &kindler] {
             order.push_back(name);
             EXPECT_EQ(probe.mName, name);
@@ -117,7 +117,7 @@ TEST_F(Show, EffectsLoadInTheOrderOfTheirNamesUsedOrNot) {
 TEST_F(Show, ASecondRegistrationReplacesTheFirst) {
     writeShow(NOSOUND);
     Kindler kindler;
-    Probe   first;
+    Probe first;
     kindler.addCallback("probe", first);
     run(kindler, 1);
     EXPECT_EQ(first.setups, 0);
@@ -312,7 +312,7 @@ TEST_F(Seek, BeforeTheSoundIsOpenTheClockAloneMoves) {
 
 class Keys : public Seek {
 protected:
-    int  press(display::Key code, int control = 0) { return mKindler.onKeyDown(key(code, control)); }
+    int press(display::Key code, int control = 0) { return mKindler.onKeyDown(key(code, control)); }
     void at(float time) { mKindler.mRawTime = mKindler.mTime = time; }
 };
 
@@ -494,8 +494,8 @@ TEST_F(Show, AtTheEndOfTheMusicALoopGoesBackAndStaysSilent) {
     writeShow("<time loop=\"on\"/><music filename=\"tune.wav\"/>");
     write("tune.wav", makeWav(400)); // a twentieth of a second
     Kindler kindler;
-    bool    ended = false;
-    int     after = 0;
+    bool ended = false;
+    int after = 0;
     mProbe.onUpdate = [&](float) {
         if (!ended && !kindler.mMusic.mStream->isPlaying() && kindler.mMusic.mStream->getPosition() == 0)
             ended = true;
@@ -560,7 +560,7 @@ TEST_F(Show, TheBarIsDrawnInItsThreePlacesWithItsMarkers) {
         glEnable(GL_DEPTH_TEST);
         kindler.drawOsd();
         const Picture picture = test::grabPicture(*kindler.mDisplay);
-        const int     y = location == 0 ? 14 : location == 1 ? 200 : 386; // the middle of the bar
+        const int y = location == 0 ? 14 : location == 1 ? 200 : 386; // the middle of the bar
         // Behind the bar 0.4 of the ground is left.
         EXPECT_NEAR(picture.at(100, y)[0], 0.5 * 0.4 * 255, 2);
         EXPECT_NEAR(picture.at(100, y)[2], 0.7 * 0.4 * 255, 2);
@@ -663,7 +663,7 @@ TEST_F(Show, ADumpDrawsTheOnScreenDisplayWhateverItsSwitchSays) {
 
 TEST_F(Show, ADumpOfOddHeightIsRefused) {
     writeShow("<dump name=\"frame.png\"/>", "width=\"320\" height=\"201\"");
-    Kindler     kindler;
+    Kindler kindler;
     std::string told;
     try {
         run(kindler, 1);

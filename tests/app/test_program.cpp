@@ -128,7 +128,7 @@ TEST(TheProgram, PPrintsTheTime) {
     program.key("Escape");
     EXPECT_EQ(program.wait(), 0);
     std::vector<std::string> times;
-    std::istringstream       lines(program.output());
+    std::istringstream lines(program.output());
     for (std::string line; std::getline(lines, line);)
         if (line.find_first_not_of("0123456789.") == std::string::npos)
             times.push_back(line);
@@ -272,7 +272,7 @@ TEST(TheProgram, LoadsEveryEffectOfTheTableOfNamesAndNoOtherInItsOrder) {
     prepare(program);
     playAndQuit(program);
     std::vector<std::string> loaded, listed;
-    const std::string        output = program.output(), start = "[log][loadEffects], Loading effect: ";
+    const std::string output = program.output(), start = "[log][loadEffects], Loading effect: ";
     for (size_t at = output.find(start); at != std::string::npos; at = output.find(start, at)) {
         at += start.size();
         loaded.push_back(output.substr(at, output.find(". (kin_main.cpp:", at) - at));
@@ -429,7 +429,7 @@ TEST(TheProgram, APercentInAMessageIsHarmless) {
 
 TEST(TheProgram, AnOverlongNameIsHarmless) {
     const std::string name(20000, 'x');
-    Program           program;
+    Program program;
     program.write("setup.xml",
                   "<demo><archive path=\"" + name + "\"/><script filename=\"" + name + "\"/></demo>");
     EXPECT_EQ(program.run(), 0);

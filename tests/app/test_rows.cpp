@@ -31,9 +31,9 @@ template <class Type>
 struct Scorched : Type {
     // Not inlined, or the compiler takes the two for a pair that does not match.
     [[gnu::noinline]] static void* operator new(size_t size) { return ::operator new(size); }
-    [[gnu::noinline]] static void  operator delete(void* memory, size_t size) {
-         volatile char* const bytes = static_cast<char*>(memory);
-         for (size_t i = 0; i < size; ++i)
+    [[gnu::noinline]] static void operator delete(void* memory, size_t size) {
+        volatile char* const bytes = static_cast<char*>(memory);
+        for (size_t i = 0; i < size; ++i)
             bytes[i] = char(0xFF);
         kept.emplace_back(static_cast<char*>(memory), size);
     }
@@ -42,11 +42,11 @@ struct Scorched : Type {
 // Deletes another control when it hears its word.
 struct Deletes : Control {
     std::string word;
-    Control*    victim = nullptr;
-    bool        done = false;
+    Control* victim = nullptr;
+    bool done = false;
 
     Control* clone() override { return new Deletes; }
-    int      handleEvent(Event& event) override {
+    int handleEvent(Event& event) override {
         if (event.type != word)
             return Control::handleEvent(event);
         done = true;

@@ -19,7 +19,7 @@ namespace {
 // An empty folder as the current one.
 class SetupFile : public ::testing::Test {
 protected:
-    test::TempDir    mDir;
+    test::TempDir mDir;
     test::WorkingDir mWorking{mDir.path()};
 
     void write(const std::string& name, const std::string& text) { test::writeFile(mDir.file(name), text); }
@@ -28,7 +28,7 @@ protected:
     // What the setup throws, or "" if it does not. What it prints is in mPrinted.
     std::string problem(Kindler& kindler) {
         CaptureStdout out;
-        std::string   told;
+        std::string told;
         try {
             kindler.setup();
         } catch (const std::exception& e) {
@@ -256,7 +256,7 @@ TEST_F(SetupFile, ADumpThatNobodyWritesIsAProblem) {
 TEST_F(SetupFile, AnAbsurdRateHurtsNothing) {
     const struct {
         const char* text;
-        int         rate;
+        int rate;
     } rates[] = {
         {"nan", 0}, {"inf", 2147483647}, {"-inf", -2147483647 - 1}, {"-2.7", -2}, {"1e30", 2147483647}};
     for (const auto& [text, rate] : rates)
@@ -525,7 +525,7 @@ TEST_F(SetupFile, ADiskThatIsFullWhileSavingLeavesTheOldFileWhole) {
     rlimit before;
     getrlimit(RLIMIT_FSIZE, &before);
     const rlimit small = {100, before.rlim_max};
-    const auto   handler = signal(SIGXFSZ, SIG_IGN);
+    const auto handler = signal(SIGXFSZ, SIG_IGN);
     setrlimit(RLIMIT_FSIZE, &small);
     kindler.saveXml();
     setrlimit(RLIMIT_FSIZE, &before);

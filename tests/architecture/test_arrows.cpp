@@ -19,7 +19,7 @@ namespace {
 struct Room {
     const char* name;
     const char* prefix; // of its public headers in include/
-    int         floor;
+    int floor;
 };
 
 const Room rooms[] = {
@@ -52,15 +52,15 @@ const Room* roomOfHeader(const std::string& file) {
 
 struct Include {
     std::string name;
-    bool        angled;
-    int         line;
+    bool angled;
+    int line;
 };
 
 std::vector<Include> includesOf(const fs::path& path) {
     static const std::regex pattern("^\\s*#\\s*include\\s*([<\"])([^>\"]+)[>\"].*");
-    std::vector<Include>    result;
-    std::ifstream           in(path);
-    std::string             text;
+    std::vector<Include> result;
+    std::ifstream in(path);
+    std::string text;
     for (int line = 1; std::getline(in, text); ++line) {
         std::smatch match;
         if (std::regex_match(text, match, pattern)) {
@@ -71,14 +71,14 @@ std::vector<Include> includesOf(const fs::path& path) {
 }
 
 struct Source {
-    fs::path    path;
+    fs::path path;
     const Room* room;
 };
 
 // Every source and header of the program with the room it belongs to.
 std::vector<Source> allSources() {
     std::vector<Source> result;
-    fs::path            root = zentrak::test::sourcePath("");
+    fs::path root = zentrak::test::sourcePath("");
     for (const char* top : {"include", "lib", "effects", "app"}) {
         if (!fs::exists(root / top)) {
             continue;
@@ -89,7 +89,7 @@ std::vector<Source> allSources() {
                 continue;
             }
             const Room* room = nullptr;
-            fs::path    below = fs::relative(entry.path(), root);
+            fs::path below = fs::relative(entry.path(), root);
             if (below.begin()->string() == "include") {
                 room = roomOfHeader(entry.path().filename().string());
             } else if (below.begin()->string() == "lib") {

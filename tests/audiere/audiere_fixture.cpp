@@ -17,8 +17,8 @@ namespace {
 // slide, and a jump of tempo: 11 seconds.
 std::string makeModule() {
     const int periods[] = {428, 381, 340, 320, 285, 254, 226, 214};
-    auto      word = [](int value) { return std::string{char(value >> 8), char(value)}; };
-    auto      instrument = [&](int bytes, int loop) {
+    auto word = [](int value) { return std::string{char(value >> 8), char(value)}; };
+    auto instrument = [&](int bytes, int loop) {
         return std::string(22, '\0') + word(bytes / 2) + '\0' + char(50) + word(0) + word(loop / 2);
     };
     std::string module = std::string("a little tune") + std::string(7, '\0');
@@ -28,7 +28,7 @@ std::string makeModule() {
     }
     module += std::string{2, 127, 0, 1} + std::string(126, '\0') + "M.K.";
     unsigned state = 7;
-    auto     draw = [&](int below) {
+    auto draw = [&](int below) {
         state = state * 69069 + 5;
         return int((state >> 16) % unsigned(below));
     };
@@ -41,9 +41,9 @@ std::string makeModule() {
                     module += std::string(4, '\0');
                 } else {
                     const int effects[] = {0x000, 0x037, 0xa03, 0x104, 0x448};
-                    int       period = periods[draw(8)];
-                    int       effect = effects[draw(5)];
-                    int       number = 1 + channel % 2;
+                    int period = periods[draw(8)];
+                    int effect = effects[draw(5)];
+                    int number = 1 + channel % 2;
                     module += std::string{char(period >> 8), char(period), char(number << 4 | effect >> 8),
                                           char(effect)};
                 }
@@ -60,9 +60,9 @@ std::string makeModule() {
 }
 
 std::map<std::string, std::string> makeSounds() {
-    TempDir     folder;
+    TempDir folder;
     std::string in = folder.path() + "/";
-    auto        run = [](const std::string& command) {
+    auto run = [](const std::string& command) {
         auto [status, text] = runCommand(command);
         EXPECT_EQ(status, 0) << command << "\n" << text;
     };
@@ -125,7 +125,7 @@ RefPtr<SampleSource> openSource(const std::string& bytes) {
 }
 
 std::vector<float> readAll(SampleSource& source) {
-    int          channelCount, sampleRate;
+    int channelCount, sampleRate;
     SampleFormat sampleFormat;
     source.getFormat(channelCount, sampleRate, sampleFormat);
     std::vector<float> all;
@@ -153,7 +153,7 @@ void CountingSource::getFormat(int& channelCount, int& sampleRate, SampleFormat&
 
 int CountingSource::read(int frameCount, void* buffer) {
     float* out = static_cast<float*>(buffer);
-    int    count = std::max(std::min(frameCount, mReadable - mPosition), 0);
+    int count = std::max(std::min(frameCount, mReadable - mPosition), 0);
     for (int i = 0; i < count; ++i, ++mPosition) {
         *out++ = sample(mPosition);
         if (mChannelCount == 2) {
@@ -188,7 +188,7 @@ std::vector<float> Loopback::render(int frames) {
 std::vector<float> Loopback::play(OutputStream& stream, int frames) {
     std::vector<float> all;
     while (frames > 0) {
-        int                count = std::min(frames, 735);
+        int count = std::min(frames, 735);
         std::vector<float> part = render(count);
         all.insert(all.end(), part.begin(), part.end());
         stream.isPlaying();

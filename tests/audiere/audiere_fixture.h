@@ -22,7 +22,7 @@ const std::string& sound(const std::string& name);
 const std::vector<std::string>& soundNames();
 
 // A file of these bytes, and a source of it; null if it can't be decoded.
-audiere::RefPtr<audiere::File>         memoryFile(const std::string& bytes);
+audiere::RefPtr<audiere::File> memoryFile(const std::string& bytes);
 audiere::RefPtr<audiere::SampleSource> openSource(const std::string& bytes);
 
 // Everything that the source gives from where it stands, in reads of odd sizes.
@@ -34,10 +34,10 @@ public:
     explicit CountingSource(int length, int channelCount = 2, int rate = RATE, int readable = -1);
 
     void getFormat(int& channelCount, int& sampleRate, audiere::SampleFormat& sampleFormat) override;
-    int  getLength() override { return mLength; }
-    int  read(int frameCount, void* buffer) override;
+    int getLength() override { return mLength; }
+    int read(int frameCount, void* buffer) override;
     void setPosition(int position) override { mPosition = position; }
-    int  getPosition() override { return mPosition; }
+    int getPosition() override { return mPosition; }
 
     static float sample(int frame) { return float(frame) / 1048576.0f; }
 
@@ -62,7 +62,7 @@ public:
     bool mConnected = true; // false: the device was unplugged
 
 private:
-    ALCdevice*                            mOpenAL;
+    ALCdevice* mOpenAL;
     audiere::RefPtr<audiere::AudioDevice> mDevice;
 };
 

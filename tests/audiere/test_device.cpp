@@ -29,7 +29,7 @@ TEST(Device, NoneOfAnotherName) {
 }
 
 TEST(Device, LivesAsLongAsItsStream) {
-    RefPtr<AudioDevice>  device = AdrOpenDevice("autodetect", nullptr);
+    RefPtr<AudioDevice> device = AdrOpenDevice("autodetect", nullptr);
     RefPtr<SampleSource> source = openSource(sound("ogg"));
     RefPtr<OutputStream> stream = AdrOpenSound(device, source, true);
     ASSERT_TRUE(stream);

@@ -36,7 +36,7 @@ TEST(RefPtr, TheLastReferenceDeletes) {
 }
 
 TEST(MemoryFile, CopiesTheBytes) {
-    char         bytes[] = "0123456789";
+    char bytes[] = "0123456789";
     RefPtr<File> file = AdrCreateMemoryFile(bytes, 10);
     bytes[3] = 'x';
     char read[20] = {};
@@ -48,7 +48,7 @@ TEST(MemoryFile, CopiesTheBytes) {
 
 TEST(MemoryFile, SeeksFromBeginningCurrentAndEnd) {
     RefPtr<File> file = AdrCreateMemoryFile("0123456789", 10);
-    char         read = 0;
+    char read = 0;
     EXPECT_TRUE(file->seek(4, File::BEGIN));
     file->read(&read, 1);
     EXPECT_EQ(read, '4');

@@ -29,11 +29,11 @@ INSTANTIATE_TEST_SUITE_P(Formats, RealTime, testing::Values("ogg", "mp3", "mod")
 } // namespace
 
 TEST_P(RealTime, PlaysSeeksStopsAndEnds) {
-    RefPtr<AudioDevice>  device = AdrOpenDevice("autodetect", nullptr);
+    RefPtr<AudioDevice> device = AdrOpenDevice("autodetect", nullptr);
     RefPtr<SampleSource> source = openSource(sound(GetParam()));
     RefPtr<OutputStream> stream = AdrOpenSound(device, source, true);
     ASSERT_TRUE(stream);
-    int          channelCount, rate;
+    int channelCount, rate;
     SampleFormat sampleFormat;
     source->getFormat(channelCount, rate, sampleFormat);
 
@@ -44,8 +44,8 @@ TEST_P(RealTime, PlaysSeeksStopsAndEnds) {
     while (seconds(Clock::now() - before) < 0.8) {
         sleep(15);
         Clock::time_point asked = Clock::now();
-        int               position = stream->getPosition();
-        double            heard = double(position) / rate;
+        int position = stream->getPosition();
+        double heard = double(position) / rate;
         EXPECT_LE(heard, seconds(Clock::now() - before) + 0.001);
         EXPECT_GE(heard, seconds(asked - before) - 0.3);
         EXPECT_GE(position, last);

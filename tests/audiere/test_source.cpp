@@ -12,7 +12,7 @@ namespace {
 
 struct Format {
     explicit Format(SampleSource& source) { source.getFormat(mChannelCount, mSampleRate, mSampleFormat); }
-    int          mChannelCount, mSampleRate;
+    int mChannelCount, mSampleRate;
     SampleFormat mSampleFormat;
 };
 
@@ -46,7 +46,7 @@ void useUp(const std::string& bytes) {
     ASSERT_LE(format.mChannelCount, 2);
     ASSERT_GT(source->getLength(), 0);
     std::vector<float> part(size_t(5000 * format.mChannelCount));
-    int                total = 0, count;
+    int total = 0, count;
     // a damaged length can be hours, of a module too: the first minute will do
     while (total < 60 * format.mSampleRate && (count = source->read(5000, part.data())) > 0) {
         ASSERT_LE(count, 5000);
@@ -75,7 +75,7 @@ TEST_P(EverySound, HasItsFormatAndTheLengthThatItDecodesTo) {
     RefPtr<SampleSource> source = openSource(sound(GetParam()));
     ASSERT_TRUE(source);
     Format format(*source);
-    bool   mono = GetParam().ends_with("mono"), module = GetParam() == "mod";
+    bool mono = GetParam().ends_with("mono"), module = GetParam() == "mod";
     EXPECT_EQ(format.mChannelCount, mono ? 1 : 2);
     EXPECT_EQ(format.mSampleRate, module ? 48000 : 44100);
     EXPECT_EQ(format.mSampleFormat, SF_F32);
@@ -89,11 +89,11 @@ TEST_P(EverySound, ASeekLandsOnTheSample) {
     RefPtr<SampleSource> source = openSource(sound(GetParam()));
     ASSERT_TRUE(source);
     const std::vector<float> all = readAll(*source);
-    const int                channels = Format(*source).mChannelCount;
-    const int                length = source->getLength();
-    std::vector<int>         targets = {0,          length - 1,    length, 1, 1151, 1152, 2 * 1152 + 1,
-                                        length / 2, length / 2 + 1};
-    unsigned                 state = 1;
+    const int channels = Format(*source).mChannelCount;
+    const int length = source->getLength();
+    std::vector<int> targets = {0,          length - 1,    length, 1, 1151, 1152, 2 * 1152 + 1,
+                                length / 2, length / 2 + 1};
+    unsigned state = 1;
     for (int i = 0; i < 60; ++i) {
         state = state * 69069 + 5;
         targets.push_back(int((unsigned long)(state) * (unsigned long)(length) >> 32));
@@ -112,7 +112,7 @@ TEST_P(EverySound, ASeekLandsOnTheSample) {
 
 TEST_P(EverySound, ASeekIsClampedToTheSound) {
     RefPtr<SampleSource> source = openSource(sound(GetParam()));
-    float                frame[2];
+    float frame[2];
     source->setPosition(-7);
     EXPECT_EQ(source->getPosition(), 0);
     source->setPosition(2000000000);
@@ -208,7 +208,7 @@ TEST(Source, AStreamOfAnotherFormatIsNotReachedThroughAHole) {
     ASSERT_EQ(runCommand("cd " + folder.path() + " && oggenc -Q -s 2 mono.wav").first, 0);
     std::string bytes = sound("ogg");
     bytes[bytes.size() / 2] = char(bytes[bytes.size() / 2] ^ 0x55);
-    const std::vector<float>   damaged = readAll(*openSource(bytes));
+    const std::vector<float> damaged = readAll(*openSource(bytes));
     const RefPtr<SampleSource> chained = openSource(bytes + readFile(folder.file("mono.ogg")));
     ASSERT_TRUE(chained);
     EXPECT_EQ(chained->getLength(), 3 * RATE);
@@ -217,7 +217,7 @@ TEST(Source, AStreamOfAnotherFormatIsNotReachedThroughAHole) {
 }
 
 TEST(Source, SurroundIsMixedDownToTwoChannels) {
-    TempDir     folder;
+    TempDir folder;
     std::string name = folder.file("six.wav");
     // 440, 550, 660, 770, 880 and 990 Hz on left, right, centre, subwoofer, rear left and rear right
     ASSERT_EQ(runCommand("sox -R -n -r 44100 -c 6 -b 16 " + name +
@@ -265,7 +265,7 @@ TEST(Source, NoneOfOtherFiles) {
     EXPECT_FALSE(openSource(std::string(100000, '\xff')));
     EXPECT_FALSE(openSource(readFile(sourcePath("tests/audiere/test_source.cpp"))));
     EXPECT_FALSE(openSource(readFile(binaryPath("CMakeCache.txt"))));
-    unsigned    state = 1;
+    unsigned state = 1;
     std::string noise;
     for (int i = 0; i < 200000; ++i) {
         state = state * 69069 + 5;
@@ -279,7 +279,7 @@ TEST(Source, NoneOfASoundWithoutAFrame) {
 }
 
 TEST(Source, TheFileCanBeLetGo) {
-    RefPtr<File>         file = memoryFile(sound("flac"));
+    RefPtr<File> file = memoryFile(sound("flac"));
     RefPtr<SampleSource> source = AdrOpenSampleSourceFromFile(file, 0);
     file = nullptr;
     EXPECT_EQ(readAll(*source).size(), 2u * 3 * 44100);

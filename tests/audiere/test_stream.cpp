@@ -261,7 +261,7 @@ TEST_F(Stream, AFrameOfManySecondsIsASilenceAndNotTheEnd) {
     RefPtr<OutputStream> stream = open(9 * RATE);
     stream->play();
     std::vector<float> heard = mLoopback.render(7 * RATE);
-    int                queued = 12 * (RATE / 8);
+    int queued = 12 * (RATE / 8);
     expectFrames(heard, 0, 0, queued);
     expectSilence(heard, queued);
     EXPECT_TRUE(stream->isPlaying());
@@ -330,7 +330,7 @@ TEST_F(Stream, SamplesThatAreNoNumbersAreSilent) {
     public:
         Broken() : CountingSource(RATE) {}
         int read(int frameCount, void* buffer) override {
-            int    count = CountingSource::read(frameCount, buffer);
+            int count = CountingSource::read(frameCount, buffer);
             float* samples = static_cast<float*>(buffer);
             for (int i = 0; i < 2 * count; i += 3) {
                 samples[i] = i % 2 ? std::nanf("") : std::numeric_limits<float>::infinity();
@@ -373,7 +373,7 @@ TEST_F(Stream, AnUnpluggedDevicePlaysOnInSilenceToTheEnd) {
 }
 
 TEST_F(Stream, TwoStreamsOnTwoDevicesDoNotMeet) {
-    Loopback             other;
+    Loopback other;
     RefPtr<OutputStream> first = open(2 * RATE);
     RefPtr<OutputStream> second = AdrOpenSound(other.device(), new CountingSource(2 * RATE), true);
     second->setPosition(RATE);
@@ -388,7 +388,7 @@ TEST_F(Stream, TwoStreamsOnTwoDevicesDoNotMeet) {
 
 TEST_F(Stream, MoreStreamsThanTheDeviceTakesAreNone) {
     std::vector<RefPtr<OutputStream>> streams;
-    RefPtr<OutputStream>              stream;
+    RefPtr<OutputStream> stream;
     while (streams.size() < 5000 && (stream = open(100, 2, 8000))) {
         streams.push_back(stream);
     }
@@ -405,13 +405,13 @@ INSTANTIATE_TEST_SUITE_P(Formats, HeardFile, testing::Values("wav", "flac", "ogg
 
 TEST_P(HeardFile, IsWhatTheSourceDecodesAlsoAfterASeek) {
     RefPtr<SampleSource> source = openSource(sound(GetParam()));
-    int                  channelCount, rate;
-    SampleFormat         sampleFormat;
+    int channelCount, rate;
+    SampleFormat sampleFormat;
     source->getFormat(channelCount, rate, sampleFormat);
-    std::vector<float>   all = readAll(*source);
-    Loopback             loopback(rate);
+    std::vector<float> all = readAll(*source);
+    Loopback loopback(rate);
     RefPtr<OutputStream> stream = AdrOpenSound(loopback.device(), source, true);
-    auto                 expectHeard = [&](const std::vector<float>& heard, size_t frame) {
+    auto expectHeard = [&](const std::vector<float>& heard, size_t frame) {
         for (size_t i = 0; i < heard.size(); ++i) {
             ASSERT_NEAR(heard[i], all[2 * frame + i], 2e-6) << frame << " + " << i;
         }

@@ -53,7 +53,7 @@ TEST(ReadBuffer, noDataAtAllIsAnEmptyStream) {
 
 TEST(ReadBuffer, sixBytesAreAHeaderWithoutChunks) {
     const Bytes bytes;
-    Reader      buffer(bytes);
+    Reader buffer(bytes);
     EXPECT_EQ("O3DF", buffer.getFormat());
     EXPECT_EQ(1, buffer.getVersionFirst());
     EXPECT_EQ(1, buffer.getVersionSecond());
@@ -64,7 +64,7 @@ TEST(ReadBuffer, sixBytesAreAHeaderWithoutChunks) {
 
 TEST(ReadBuffer, versionBytesAreUnsignedAndInOrder) {
     const std::string data = "ABCD\xFE\x80";
-    ReadBuffer        buffer(data.data(), 6);
+    ReadBuffer buffer(data.data(), 6);
     EXPECT_EQ("ABCD", buffer.getFormat());
     EXPECT_EQ(254, buffer.getVersionFirst());
     EXPECT_EQ(128, buffer.getVersionSecond());
@@ -281,7 +281,7 @@ TEST(ReadBuffer, chunksThatEndBeforeTheirChildrenCantMakeTheWalkExponential) {
 
 TEST(ReadBuffer, aMillionNestedChunksOpenAndClose) {
     const size_t levels = 1000000;
-    Bytes        bytes;
+    Bytes bytes;
     for (size_t i = 0; i < levels; ++i)
         bytes.u16(0x5130).u32(static_cast<uint32_t>(6 * (levels - 1 - i)));
     Reader buffer(bytes);
@@ -303,7 +303,7 @@ TEST(ReadBuffer, randomBytesNeverReadOutsideTheStream) {
             bytes.u8(random() % 3 == 0 ? random() : random() % 8);
         // A heap block of the exact size: the sanitizer sees any byte too many.
         const std::vector<char> exact(bytes.mText.begin(), bytes.mText.end());
-        ReadBuffer              buffer(exact.data(), static_cast<int>(exact.size()));
+        ReadBuffer buffer(exact.data(), static_cast<int>(exact.size()));
         EXPECT_LT(walk(buffer), 10000u);
     }
 }

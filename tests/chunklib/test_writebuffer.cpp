@@ -132,7 +132,7 @@ TEST(WriteBufferDeathTest, storeTypePastTheEndAsserts) {
 
 TEST(WriteBuffer, saveWritesTheWholeStream) {
     zentrak::test::TempDir dir;
-    WriteBuffer            buffer("O3DF", 1, 1, 3);
+    WriteBuffer buffer("O3DF", 1, 1, 3);
     buffer.openChunk(0x1000);
     buffer.store("payload", 8);
     buffer.closeChunk();
@@ -142,8 +142,8 @@ TEST(WriteBuffer, saveWritesTheWholeStream) {
 
 TEST(WriteBuffer, saveThatCantBeDoneThrows) {
     zentrak::test::TempDir dir;
-    WriteBuffer            buffer("O3DF", 1, 1, 1);
-    const std::string      missing = dir.file("no/such/folder");
+    WriteBuffer buffer("O3DF", 1, 1, 1);
+    const std::string missing = dir.file("no/such/folder");
     try {
         buffer.save(missing);
         FAIL() << "nothing thrown";
@@ -162,12 +162,12 @@ TEST(WriteBuffer, saveThatCantBeDoneThrows) {
 // starts with a byte that counts the plain bytes before its children.
 std::string writeTree(WriteBuffer& buffer, std::mt19937& random, int depth) {
     static const size_t typedSizes[8] = {0, 1, 2, 4, 4, 8, 12, 16};
-    std::string         expected;
-    const int           count = static_cast<int>(random() % 4);
+    std::string expected;
+    const int count = static_cast<int>(random() % 4);
     for (int i = 0; i < count; ++i) {
         const unsigned short id = static_cast<unsigned short>(0x1000 + random() % 0xE000);
-        const bool           typed = (id & 15) >= 1 && (id & 15) <= 7;
-        std::string          plain(typed ? typedSizes[id & 15] : random() % 9, '\0');
+        const bool typed = (id & 15) >= 1 && (id & 15) <= 7;
+        std::string plain(typed ? typedSizes[id & 15] : random() % 9, '\0');
         for (char& character : plain)
             character = static_cast<char>(random());
         buffer.openChunk(id);
@@ -188,7 +188,7 @@ std::string readTree(ReadBuffer& buffer) {
     std::string found;
     while (const unsigned short id = buffer.openChunk()) {
         unsigned char length = static_cast<unsigned char>(buffer.currentChunkSize());
-        const bool    typed = (id & 15) >= 1 && (id & 15) <= 7;
+        const bool typed = (id & 15) >= 1 && (id & 15) <= 7;
         if (!typed)
             buffer.loadType(&length, 1);
         std::string plain(length, '\0');
@@ -201,11 +201,11 @@ std::string readTree(ReadBuffer& buffer) {
 
 TEST(WriteBuffer, whatItWritesAReaderReadsBack) {
     std::mt19937 random(11);
-    size_t       longest = 0;
+    size_t longest = 0;
     for (int round = 0; round < 300; ++round) {
-        WriteBuffer       buffer("O3DF", 1, 1, 1);
+        WriteBuffer buffer("O3DF", 1, 1, 1);
         const std::string expected = writeTree(buffer, random, 0);
-        ReadBuffer        reader(buffer.mData.data(), static_cast<int>(buffer.mData.size()));
+        ReadBuffer reader(buffer.mData.data(), static_cast<int>(buffer.mData.size()));
         EXPECT_EQ(expected, readTree(reader)) << round;
         EXPECT_EQ(buffer.mData.size(), reader.mPosition);
         longest = std::max(longest, expected.size());

@@ -86,7 +86,7 @@ protected:
     }
 
     void writeImage(const std::string& name, const am::Image& image) const {
-        Picture              picture(image->getWidth(), image->getHeight());
+        Picture picture(image->getWidth(), image->getHeight());
         const unsigned char* bgra = image->getData();
         for (size_t i = 0; i < picture.rgba.size(); i += 4) {
             picture.rgba[i] = bgra[i + 2];
@@ -126,7 +126,7 @@ protected:
 
 private:
     std::unique_ptr<TempDir> mFolder;
-    am::ArchiveManager       mArchives;
+    am::ArchiveManager mArchives;
 };
 
 } // namespace zentrak::test

@@ -73,17 +73,17 @@ public:
     void onIconify(bool iconified) override { note("iconify %d", iconified); }
     void onChangeFocus(bool focused) override { note("focus %d", focused); }
 
-    int                   answer = WHATEVER;     // to input
-    int                   quitAnswer = WHATEVER; // to onQuit
-    bool                  noteDraws = false;
-    int                   draws = 0;
+    int answer = WHATEVER;     // to input
+    int quitAnswer = WHATEVER; // to onQuit
+    bool noteDraws = false;
+    int draws = 0;
     std::function<void()> draw;  // what to do in onDraw
     std::function<void()> onKey; // what to do in onKeyDown
 
     std::vector<display::MouseButtonEvent> buttons;
-    std::vector<display::MouseMoveEvent>   moves;
-    std::vector<display::MouseMoveEvent>   wheels;
-    std::vector<display::KeyEvent>         keys;
+    std::vector<display::MouseMoveEvent> moves;
+    std::vector<display::MouseMoveEvent> wheels;
+    std::vector<display::KeyEvent> keys;
 
 private:
     // A copy: what it does may delete the recorder.
@@ -93,7 +93,7 @@ private:
     }
 
     __attribute__((format(printf, 2, 3))) void note(const char* format, ...) {
-        char    text[200];
+        char text[200];
         va_list arguments;
         va_start(arguments, format);
         std::vsnprintf(text, sizeof text, format, arguments);
@@ -101,7 +101,7 @@ private:
         mLog.push_back(mName + " " + text);
     }
 
-    std::string               mName;
+    std::string mName;
     std::vector<std::string>& mLog;
 };
 

@@ -59,7 +59,7 @@ public:
     void octagon(const Vector3f& p, const Vector3f& r, const Vector3f& u, float s0 = 0, float t0 = 0,
                  float s1 = 1, float t1 = 1) {
         constexpr float side = 0.41421356f;
-        const auto      corner = [&](float x, float y) {
+        const auto corner = [&](float x, float y) {
             texCoord(0.5f * (s0 + s1) + 0.5f * (s1 - s0) * x, 0.5f * (t0 + t1) + 0.5f * (t0 - t1) * y);
             vertex(p + (r * x + u * y));
         };
@@ -136,7 +136,7 @@ protected:
             scene(painter);
             painter.flush();
         });
-        const size_t  before = batch.getDraws();
+        const size_t before = batch.getDraws();
         const Picture batched = frame([&] {
             state();
             scene(batch);
@@ -193,7 +193,7 @@ void drawSprites(Painter& painter, int count) {
     Random random;
     for (int i = 0; i < count; ++i) {
         painter.color(random(0, 1), random(0, 1), random(0, 1), random(0.1f, 0.5f));
-        const float    s = random(0.1f, 1.5f);
+        const float s = random(0.1f, 1.5f);
         const Vector3f p(random(-12, 12), random(-8, 8), random(-30, 3));
         painter.sprite(p, Vector3f(s, 0.1f * s, 0), Vector3f(0, s, 0.2f * s), 0, 0, 0.5f, 1);
     }
@@ -203,7 +203,7 @@ void drawSprites(Painter& painter, int count) {
 template <class Painter>
 void drawModes(Painter& painter, const std::vector<GLenum>& modes, int vertices = 9) {
     Random random;
-    int    cell = 0;
+    int cell = 0;
     for (const GLenum mode : modes) {
         const float x0 = -0.95f + 0.48f * float(cell % 4), y0 = -0.9f + 0.62f * float(cell / 4);
         ++cell;
@@ -504,9 +504,9 @@ TEST_F(BatchTest, octagonsWithSpritesBetweenThem) {
             [](auto& p) {
                 Random random;
                 for (int i = 0; i < 200; ++i) {
-                    const float    z = i % 4 ? random(-30, -15) : random(-5, 20);
+                    const float z = i % 4 ? random(-30, -15) : random(-5, 20);
                     const Vector3f place(random(-9, 9), random(-9, 9), z);
-                    const float    size = i % 5 ? random(0.2f, 2) : 0.001f;
+                    const float size = i % 5 ? random(0.2f, 2) : 0.001f;
                     p.color(random(0.4f, 1), random(0.4f, 1), random(0.4f, 1), 0.7f);
                     if (i % 3)
                         p.octagon(place, Vector3f(size, 0, 0), Vector3f(0, size, 0));
@@ -683,7 +683,7 @@ const char* const FRAGMENT =
 class BatchProgramTest : public BatchTest {
 protected:
     void link(display::ShaderProgram& program) {
-        display::VertexShader   vertex(&display());
+        display::VertexShader vertex(&display());
         display::FragmentShader fragment(&display());
         vertex.compile(reinterpret_cast<const unsigned char*>(VERTEX), int(strlen(VERTEX)), "vertex");
         fragment.compile(reinterpret_cast<const unsigned char*>(FRAGMENT), int(strlen(FRAGMENT)), "fragment");
@@ -774,7 +774,7 @@ protected:
     // Draws the scene with and without what is left out; how many vertices each took, and the same picture.
     template <class State, class Scene>
     std::pair<size_t, size_t> same(State state, Scene scene) {
-        size_t     vertices[2] = {0, 0};
+        size_t vertices[2] = {0, 0};
         const auto draw = [&](bool cull) {
             return frame([&] {
                 state();
@@ -846,7 +846,7 @@ void drawPrism(Painter& painter, const Vector4f (&colors)[2]) {
 template <class Painter>
 void drawTinyShapes(Painter& painter, float spread, float nearest, float farthest, float size) {
     static Batch::Solid prism = makePrism();
-    Random              random;
+    Random random;
     for (int i = 0; i < 3000; ++i) {
         painter.setTransform(randomPlace(random, spread, nearest, farthest));
         const Vector4f colors[2] = {Vector4f(random(0.2f, 1), random(0.2f, 1), random(0.2f, 1), 0.5f),
@@ -1035,7 +1035,7 @@ TEST_F(BatchSampleTest, edgesAndCornersAtTheVeryMiddlesOfPixels) {
                                 p.color(0.5f, 0.25f, 0.75f, 0.5f);
                                 // Its right and top edge at the middle of a pixel, or else its left and lower
                                 // one.
-                                const float    side = n % 2 ? 1.0f : -1.0f;
+                                const float side = n % 2 ? 1.0f : -1.0f;
                                 const Vector3f centre(x - side * sizeX + dx, y - side * sizeY + dy, 0);
                                 p.sprite(centre, Vector3f(sizeX, 0, 0), Vector3f(0, sizeY, 0));
                                 p.box(centre + Vector3f(0, 200, 0), Vector3f(sizeX, sizeY, 1));
@@ -1119,8 +1119,8 @@ TEST_F(BatchSampleTest, withManySamplesAPixelNothingIsLeftOutForMissingItsMiddle
 // Behind the eye, in its plane, no numbers, endless and enormous: harmless, and what is among them is drawn.
 TEST_F(BatchSampleTest, placesOfAnyKind) {
     static Batch::Solid prism = makePrism();
-    const float         values[] = {0,     1e-30f, -1e-30f, 0.15f, -0.15f, 5,        -5,        1e6f,
-                                    -1e6f, 1e19f,  -1e19f,  3e38f, -3e38f, INFINITY, -INFINITY, NAN};
+    const float values[] = {0,     1e-30f, -1e-30f, 0.15f, -0.15f, 5,        -5,        1e6f,
+                            -1e6f, 1e19f,  -1e19f,  3e38f, -3e38f, INFINITY, -INFINITY, NAN};
     for (const bool cull : {false, true}) {
         frame([&] {
             perspective(display());
@@ -1328,11 +1328,11 @@ TEST_F(BatchTest, boundBuffersStayAsTheyWere) {
     for (const bool emulated : emulations) {
         if (emulated)
             display::DisplayGL::denyExtensions({"GL_ARB_vertex_buffer_object"});
-        display::VertexP3C4b                    corner[3] = {};
+        display::VertexP3C4b corner[3] = {};
         display::VBO_wrap<display::VertexP3C4b> vbo(&display());
-        display::IBO                            ibo(&display());
-        uint16_t                                indices[3] = {0, 1, 2};
-        const float                             at[3][2] = {{-1, -1}, {0, -1}, {-1, 1}};
+        display::IBO ibo(&display());
+        uint16_t indices[3] = {0, 1, 2};
+        const float at[3][2] = {{-1, -1}, {0, -1}, {-1, 1}};
         for (int i = 0; i < 3; ++i) {
             corner[i].p = Vector3f(at[i][0], at[i][1], 0);
             corner[i].r = corner[i].a = 255;

@@ -20,25 +20,25 @@ constexpr int WIDTH = 320, HEIGHT = 240;
 enum Kind { BOX, SOLID, SPRITE, OCTAGON, QUADS, STRIP, KINDS };
 
 struct Shape {
-    Kind         kind;
+    Kind kind;
     Matrix4x4Col place;
-    Vector3f     centre, a, b; // half sizes, or axes
-    Vector4f     color;
+    Vector3f centre, a, b; // half sizes, or axes
+    Vector4f color;
 };
 
 struct Scene {
-    Matrix4x4Col       project, view;
-    GLenum             culled = 0; // by GL_CULL_FACE; 0 for none
-    GLenum             front = GL_CCW;
-    GLint              viewport[4] = {0, 0, WIDTH, HEIGHT};
-    bool               flat = false, depth = false, blend = false;
+    Matrix4x4Col project, view;
+    GLenum culled = 0; // by GL_CULL_FACE; 0 for none
+    GLenum front = GL_CCW;
+    GLint viewport[4] = {0, 0, WIDTH, HEIGHT};
+    bool flat = false, depth = false, blend = false;
     std::vector<Shape> shapes;
 };
 
 Batch::Solid makeCube() {
     static constexpr int faces[6][4] = {{1, 0, 2, 3}, {0, 4, 6, 2}, {5, 1, 3, 7},
                                         {0, 1, 5, 4}, {6, 7, 3, 2}, {4, 5, 7, 6}};
-    Batch::Solid         cube;
+    Batch::Solid cube;
     for (int i = 0; i < 8; ++i)
         cube.addCorner(Vector3f(i & 1 ? 1.0f : -1.0f, i & 2 ? 1.0f : -1.0f, i & 4 ? 1.0f : -1.0f), i % 2);
     for (const auto& face : faces)
@@ -76,8 +76,8 @@ public:
 
 private:
     float any(float a, float b) { return std::uniform_real_distribution<float>(a, b)(mRandom); }
-    bool  often(float share) { return any(0, 1) < share; }
-    int   pick(int count) { return int(any(0, float(count) - 0.001f)); }
+    bool often(float share) { return any(0, 1) < share; }
+    int pick(int count) { return int(any(0, float(count) - 0.001f)); }
 
     Vector3f anyVector(float size) { return Vector3f(any(-size, size), any(-size, size), any(-size, size)); }
 
@@ -141,14 +141,14 @@ private:
     }
 
     std::mt19937 mRandom;
-    float        mUnit = 1, mDepth = 1, mSize = 1;
-    bool         mTransforms = false;
+    float mUnit = 1, mDepth = 1, mSize = 1;
+    bool mTransforms = false;
 };
 
 void add(Batch& batch, const Shape& shape) {
     static Batch::Solid cube = makeCube();
-    const Vector3f &    c = shape.centre, &a = shape.a, &b = shape.b;
-    const Vector4f      colors[2] = {shape.color, Vector4f(shape.color.z, shape.color.x, shape.color.y, 1)};
+    const Vector3f &c = shape.centre, &a = shape.a, &b = shape.b;
+    const Vector4f colors[2] = {shape.color, Vector4f(shape.color.z, shape.color.x, shape.color.y, 1)};
     batch.setTransform(shape.place);
     batch.color(shape.color);
     switch (shape.kind) {
@@ -181,7 +181,7 @@ void add(Batch& batch, const Shape& shape) {
 
 class BatchRandomTest : public GlTest {
 protected:
-    Batch  batch;
+    Batch batch;
     size_t vertices = 0; // of the last picture
 
     void SetUp() override { window(WIDTH, HEIGHT); }
@@ -236,7 +236,7 @@ TEST_F(BatchRandomTest, whatIsLeftOutDoesNotShow) {
     size_t all = 0, few = 0, seen = 0;
     for (unsigned seed = 0; seed < 400 && !HasFailure(); ++seed) {
         SCOPED_TRACE(seed);
-        const Scene   scene = SceneMaker(seed).make();
+        const Scene scene = SceneMaker(seed).make();
         const Picture whole = draw(scene, Batch::CULLING_OFF, true);
         all += vertices;
         const Picture culled = draw(scene, Batch::CULLING_ON, true);
@@ -254,7 +254,7 @@ TEST_F(BatchRandomTest, whatIsLeftOutDoesNotShow) {
 TEST_F(BatchRandomTest, inOneDrawScenesAreThoseOfOneForEachShape) {
     for (unsigned seed = 0; seed < 100 && !HasFailure(); ++seed) {
         SCOPED_TRACE(seed);
-        const Scene             scene = SceneMaker(seed).make();
+        const Scene scene = SceneMaker(seed).make();
         const PictureDifference difference =
             comparePictures(draw(scene, Batch::CULLING_ON, false), draw(scene, Batch::CULLING_OFF, true));
         EXPECT_LE(difference.changed, 8.0 / (WIDTH * HEIGHT));
@@ -268,7 +268,7 @@ TEST_F(BatchRandomTest, farFromTheMiddleOfThingsShapesLookAsDrawnOneByOne) {
     for (const float far : {3e5f, 1e6f})
         for (unsigned seed = 1; seed <= 3; ++seed) {
             std::mt19937 random(seed);
-            const auto   any = [&](float a, float b) {
+            const auto any = [&](float a, float b) {
                 return std::uniform_real_distribution<float>(a, b)(random);
             };
             Scene scene;
@@ -276,12 +276,12 @@ TEST_F(BatchRandomTest, farFromTheMiddleOfThingsShapesLookAsDrawnOneByOne) {
             scene.view.setCamera(Vector3f(far, 10, far), Vector3f(far - 60, 0, far - 80), 0.3f);
             for (int i = 0; i < 1500; ++i) {
                 const float size = any(0.01f, 0.2f);
-                Shape       shape = {BOX,
-                                     {},
-                                     Vector3f(far - any(20, 120), any(-30, 30), far - any(20, 120)),
-                                     Vector3f(size, size, size),
-                                     {},
-                                     Vector4f(any(0.2f, 1), any(0.2f, 1), any(0.2f, 1), 1)};
+                Shape shape = {BOX,
+                               {},
+                               Vector3f(far - any(20, 120), any(-30, 30), far - any(20, 120)),
+                               Vector3f(size, size, size),
+                               {},
+                               Vector4f(any(0.2f, 1), any(0.2f, 1), any(0.2f, 1), 1)};
                 shape.place.setIdentity();
                 scene.shapes.push_back(shape);
             }

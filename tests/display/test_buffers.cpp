@@ -30,7 +30,7 @@ TEST(VertexDef, ChannelsAreGroupTimesFourPlusCountLessOne) {
                                         VertexDef::T_4W_U, VertexDef::T_4I_U};
     const GLenum types[8] = {GL_BYTE,          GL_SHORT,          GL_INT,         GL_FLOAT, GL_DOUBLE,
                              GL_UNSIGNED_BYTE, GL_UNSIGNED_SHORT, GL_UNSIGNED_INT};
-    const int    sizes[8] = {1, 2, 4, 4, 8, 1, 2, 4};
+    const int sizes[8] = {1, 2, 4, 4, 8, 1, 2, 4};
     for (int group = 0; group < 8; ++group) {
         EXPECT_EQ(first[group], group * 4);
         EXPECT_EQ(last[group], group * 4 + 3);
@@ -89,7 +89,7 @@ void fillTriangle(VertexP3C4b* v, int r, int g, int b) {
 
 TEST_P(BufferTest, verticesAreDrawnFromData) {
     EXPECT_EQ(BufferObject::isSupported(), !emulated());
-    VertexP3C4b           corners[3];
+    VertexP3C4b corners[3];
     VBO_wrap<VertexP3C4b> vbo(&display());
     fillTriangle(corners, 255, 128, 0);
     const std::string printed = printedBy([&] { vbo.setup(3, corners); });
@@ -189,13 +189,13 @@ TEST_P(BufferTest, aRangeOutsideTheBufferIsRefused) {
 }
 
 TEST_P(BufferTest, indicesOfEachSizeDraw) {
-    VertexP3C4b           corners[4];
+    VertexP3C4b corners[4];
     VBO_wrap<VertexP3C4b> vbo(&display());
     corners[0] = {};
     fillTriangle(corners + 1, 255, 255, 0);
     vbo.setup(4, corners);
     const auto draws = [&](auto indices, IBO::Format format) {
-        IBO               ibo(&display());
+        IBO ibo(&display());
         const std::string printed = printedBy([&] { ibo.setup(format, 4, indices); });
         EXPECT_EQ(hasLine(printed, "warning", "setup", EMULATING, "dis_ibo.cpp"), emulated());
         EXPECT_EQ(ibo.getFormatGL(), GLenum(format));
@@ -210,7 +210,7 @@ TEST_P(BufferTest, indicesOfEachSizeDraw) {
         });
         EXPECT_EQ(colorAt(shown, 20, 180), 0xffff00ffu) << format;
     };
-    uint8_t  bytes[4] = {0, 1, 2, 3};
+    uint8_t bytes[4] = {0, 1, 2, 3};
     uint16_t words[4] = {0, 1, 2, 3};
     uint32_t longs[4] = {0, 1, 2, 3};
     draws(bytes, IBO::FORMAT_UINT8);
@@ -220,9 +220,9 @@ TEST_P(BufferTest, indicesOfEachSizeDraw) {
 
 template <class Target, class Source>
 void convertPair(DisplayGL& display, IBO::Format target, IBO::Format source, bool replacing) {
-    Source    from[3] = {Source(1), Source(7), Source(250)};
+    Source from[3] = {Source(1), Source(7), Source(250)};
     const int offset = 10;
-    IBO       ibo(&display);
+    IBO ibo(&display);
     if (replacing) {
         ibo.setup(target, 5, nullptr);
         ibo.bind();
@@ -232,7 +232,7 @@ void convertPair(DisplayGL& display, IBO::Format target, IBO::Format source, boo
         ibo.bind();
     }
     const Target* stored = static_cast<const Target*>(ibo.lock(false, true)) + (replacing ? 2 : 0);
-    const bool    ignored = !replacing && target == source;
+    const bool ignored = !replacing && target == source;
     for (int i = 0; i < 3; ++i)
         EXPECT_EQ(stored[i], Target(from[i] + (ignored ? 0 : offset))) << target << " from " << source;
     ibo.unlock();
@@ -255,7 +255,7 @@ TEST_P(BufferTest, allNinePairsOfIndexTypesConvert) {
 
 TEST_P(BufferTest, sixteenBitsPlusTenAreStoredAsThirtyTwo) {
     uint16_t source[3] = {0, 5, 65535};
-    IBO      ibo(&display());
+    IBO ibo(&display());
     ibo.setup(IBO::FORMAT_UINT32, 3, source, 10, IBO::FORMAT_UINT16);
     ibo.bind();
     const auto* stored = static_cast<const uint32_t*>(ibo.lock(false, true));
@@ -268,7 +268,7 @@ TEST_P(BufferTest, sixteenBitsPlusTenAreStoredAsThirtyTwo) {
 
 TEST_P(BufferTest, narrowingTruncates) {
     uint32_t source[2] = {300, 70000};
-    IBO      ibo(&display());
+    IBO ibo(&display());
     ibo.setup(IBO::FORMAT_UINT8, 2, source, 0, IBO::FORMAT_UINT32);
     ibo.bind();
     const auto* stored = static_cast<const uint8_t*>(ibo.lock(false, true));
@@ -280,7 +280,7 @@ TEST_P(BufferTest, narrowingTruncates) {
 
 TEST_P(BufferTest, unknownIndexFormatsAreTold) {
     uint32_t source[3] = {};
-    IBO      ibo(&display());
+    IBO ibo(&display());
     EXPECT_EQ(thrownBy([&] { ibo.setup(IBO::FORMAT_NONE, 3, source); }), "Wrong format for IBO::setup!");
     EXPECT_EQ(thrownBy([&] { ibo.setup(IBO::Format(GL_SHORT), 3, source); }), "Wrong format for IBO::setup!");
     EXPECT_EQ(thrownBy([&] { ibo.setup(IBO::FORMAT_UINT8, 3, source, 0, IBO::Format(GL_SHORT)); }),
@@ -296,7 +296,7 @@ TEST_P(BufferTest, unknownIndexFormatsAreTold) {
 
 TEST_P(BufferTest, replacingIndicesIsLogged) {
     uint16_t source[2] = {1, 2};
-    IBO      ibo(&display());
+    IBO ibo(&display());
     ibo.setup(IBO::FORMAT_UINT16, 4, nullptr);
     EXPECT_DEATH(ibo.replace(0, 2, source, 0, IBO::FORMAT_UINT16), "`mBound'");
     ibo.bind();
@@ -309,7 +309,7 @@ TEST_P(BufferTest, replacingIndicesIsLogged) {
 
 TEST_P(BufferTest, pointersCountFromTheMemory) {
     uint32_t indices[4] = {1, 2, 3, 4};
-    IBO      ibo(&display());
+    IBO ibo(&display());
     ibo.setup(IBO::FORMAT_UINT32, 4, indices);
     const auto step =
         reinterpret_cast<intptr_t>(ibo.getPointerGL(3)) - reinterpret_cast<intptr_t>(ibo.getPointerGL(0));
@@ -327,7 +327,7 @@ TEST_P(BufferTest, pointersCountFromTheMemory) {
 }
 
 TEST_P(BufferTest, setupMayBeRepeatedAndClearEmpties) {
-    VertexP3C4b           corners[3];
+    VertexP3C4b corners[3];
     VBO_wrap<VertexP3C4b> vbo(&display());
     for (int i = 1; i <= 3; ++i) {
         fillTriangle(corners, 80 * i, 0, 0);
@@ -354,7 +354,7 @@ TEST_P(BufferTest, setupMayBeRepeatedAndClearEmpties) {
 TEST_P(BufferTest, aBufferThatGoesWhileItIsCurrentLeavesTheDisplay) {
     {
         VBO_wrap<VertexP3N3T2> vbo(&display());
-        IBO                    ibo(&display());
+        IBO ibo(&display());
         vbo.setup(3, nullptr);
         ibo.setup(IBO::FORMAT_UINT8, 3, nullptr);
         display().setVBO(&vbo);
@@ -369,7 +369,7 @@ TEST_P(BufferTest, aBufferThatGoesWhileItIsCurrentLeavesTheDisplay) {
 }
 
 TEST_P(BufferTest, afterANewContextTheOwnerSetsUpAgain) {
-    VertexP3C4b           corners[3];
+    VertexP3C4b corners[3];
     VBO_wrap<VertexP3C4b> vbo(&display()), other(&display());
     fillTriangle(corners, 255, 0, 255);
     vbo.setup(3, corners);
@@ -409,17 +409,17 @@ TEST_P(BufferTest, buffersMadeWithoutADisplayGetOneLater) {
 // Texture coordinates of two units, normals and four attributes reach a program.
 TEST_P(BufferTest, everyChannelReachesAProgram) {
     struct Vertex {
-        float   p[2];
+        float p[2];
         int16_t n[3], pad;
         uint8_t c[4];
-        float   t0[2], t1[2];
-        float   a[4][2];
+        float t0[2], t1[2];
+        float a[4][2];
     };
     const VertexDef format(VertexDef::T_2F, VertexDef::T_4W, VertexDef::T_4B_U, VertexDef::T_2F,
                            VertexDef::T_2F, VertexDef::T_2F, VertexDef::T_2F, VertexDef::T_2F,
                            VertexDef::T_2F);
     ASSERT_EQ(size_t(format.size), sizeof(Vertex));
-    Vertex      v[3];
+    Vertex v[3];
     const float at[3][2] = {{-1, -1}, {3, -1}, {-1, 3}};
     for (int i = 0; i < 3; ++i)
         v[i] = {{at[i][0], at[i][1]},
@@ -438,17 +438,17 @@ TEST_P(BufferTest, everyChannelReachesAProgram) {
         "    sum.xy += tangent0_vs + tangent1_vs;\n"
         "    sum.xy += gl_Color.xy * 0.1;\n"
         "}\n";
-    const char*    fragmentText = "varying vec4 sum;\nvoid main() { gl_FragColor = sum; }\n";
-    VertexShader   vertex(&display());
+    const char* fragmentText = "varying vec4 sum;\nvoid main() { gl_FragColor = sum; }\n";
+    VertexShader vertex(&display());
     FragmentShader fragment(&display());
-    ShaderProgram  program(&display());
+    ShaderProgram program(&display());
     vertex.compile(reinterpret_cast<const unsigned char*>(vertexText), int(strlen(vertexText)), "v");
     fragment.compile(reinterpret_cast<const unsigned char*>(fragmentText), int(strlen(fragmentText)), "f");
     program.attach(vertex, fragment);
     program.link();
     VBO vbo(&display());
     vbo.setup(format, 3, v);
-    const Picture  shown = frame([&] {
+    const Picture shown = frame([&] {
         display().setVBO(&vbo);
         for (GLuint slot = 6; slot < 10; ++slot) {
             GLint enabled = 0;
@@ -530,8 +530,8 @@ TEST_F(RealBufferTest, aBufferOfOpenGLIsDeletedWithItsOwner) {
 
 TEST_F(RealBufferTest, sizesBeyondWhatIsRecommendedAreWarnings) {
     FakeLimits limits{{GL_MAX_ELEMENTS_VERTICES, 10}, {GL_MAX_ELEMENTS_INDICES, 20}};
-    VBO        vbo(&display());
-    IBO        ibo(&display());
+    VBO vbo(&display());
+    IBO ibo(&display());
     EXPECT_EQ(printedBy([&] { vbo.setup(VertexP3::format, 10, nullptr); }), "");
     EXPECT_TRUE(hasLine(printedBy([&] { vbo.setup(VertexP3::format, 11, nullptr); }), "warning", "setup",
                         "Creating vertex buffer with too many vertices (11 when 10 recommended)",

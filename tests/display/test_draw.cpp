@@ -172,7 +172,7 @@ static int matrixMode() {
 
 TEST_F(Draw, TheModelViewIsCameraTimesTransform) {
     frame([&] {
-        DisplayGL&   d = display();
+        DisplayGL& d = display();
         Matrix4x4Col camera, transform, product;
         camera.setCamera(Vector3f(1, 2, 3), Vector3f(0, 0, 0), 0.5f);
         transform.setTranslation(Vector3f(4, 5, 6));
@@ -200,7 +200,7 @@ TEST_F(Draw, TheModelViewIsCameraTimesTransform) {
 
 TEST_F(Draw, ResetStatesDefinesTheStateOfAFrame) {
     frame([&] {
-        DisplayGL&   d = display();
+        DisplayGL& d = display();
         Matrix4x4Col other;
         other.setRotX(1);
         d.setCamera(other);
@@ -330,17 +330,17 @@ protected:
         }));
     }
 
-    static const float    corners[24];
+    static const float corners[24];
     static const uint16_t order[12];
 
-    VBO  left, whole;
-    IBO  indices;
+    VBO left, whole;
+    IBO indices;
     VBO* vbo = nullptr;
     IBO* ibo = nullptr;
 };
 
-const float    DrawBuffers::corners[24] = {-1, -1, 0, -1, 0, 1, 0, 1, -1, 1, -1, -1,
-                                           0,  -1, 1, -1, 1, 1, 1, 1, 0,  1, 0,  -1};
+const float DrawBuffers::corners[24] = {-1, -1, 0, -1, 0, 1, 0, 1, -1, 1, -1, -1,
+                                        0,  -1, 1, -1, 1, 1, 1, 1, 0,  1, 0,  -1};
 const uint16_t DrawBuffers::order[12] = {11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0};
 
 INSTANTIATE_TEST_SUITE_P(, DrawBuffers, ::testing::Bool(),
@@ -425,10 +425,10 @@ TEST_P(DrawBuffers, TheCurrentOneIsBoundAndTheOldOneUnbound) {
 }
 
 TEST_F(Draw, ANegativeCountIsReportedUnderTheCallsOwnText) {
-    VBO         vbo(&display());
-    IBO         ibo(&display());
+    VBO vbo(&display());
+    IBO ibo(&display());
     const float corners[6] = {0, 0, 1, 0, 1, 1};
-    uint32_t    order[3] = {0, 1, 2};
+    uint32_t order[3] = {0, 1, 2};
     vbo.setup(VertexP2::format, 3, const_cast<float*>(corners));
     ibo.setup(IBO::FORMAT_UINT32, 3, order);
     const auto report = [&](int firstIndex, int numIndices, int firstVertex, int numVertices) {

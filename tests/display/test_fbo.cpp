@@ -11,7 +11,7 @@ namespace {
 
 class FboTest : public GlObjects {
 protected:
-    FBO     fbo{&display()};
+    FBO fbo{&display()};
     Texture texture{&display()};
 
     static void clearTo(float r, float g, float b) {
@@ -91,7 +91,7 @@ TEST_F(FboTest, setupAfterTheFirstBindChangesNothing) {
 }
 
 TEST_F(FboTest, targetsNestAndGoBackToTheOneBefore) {
-    FBO     inner(&display());
+    FBO inner(&display());
     Texture innerTexture(&display());
     fbo.setup(64, 64, false);
     fbo.attach(FBO::COLOR0, &texture);
@@ -242,7 +242,7 @@ TEST_F(FboTest, everyStatusHasItsLine) {
         {0x1234, ""},
     };
     static GLenum status;
-    const auto    check = __glewCheckFramebufferStatusEXT;
+    const auto check = __glewCheckFramebufferStatusEXT;
     __glewCheckFramebufferStatusEXT = [](GLenum) { return status; };
     for (const auto& [value, text] : table) {
         status = value;
@@ -300,7 +300,7 @@ TEST_F(FboTest, aTargetBoundWhenItsContextGoesIsUnboundWithIt) {
 }
 
 TEST_F(FboTest, theDestructorDeletesTheNamesOfThisContextAlone) {
-    auto    gone = std::make_unique<FBO>(&display());
+    auto gone = std::make_unique<FBO>(&display());
     Texture target(&display());
     gone->setup(16, 16, true);
     gone->attach(FBO::COLOR0, &target);

@@ -17,7 +17,7 @@ constexpr int CELL = 10;
 // byte 200 has one bright pixel in its first column, and the rest are empty.
 uint32_t made(int x, int y) {
     const int c = y / CELL * 16 + x / CELL, column = x % CELL, row = y % CELL;
-    int       red = 0;
+    int red = 0;
     if (c == 'A')
         red = column < 4 ? 255 : column == 4 ? 200 : 0; // 200 is not above 200
     if (c == 'B' || c == ' ')
@@ -242,7 +242,7 @@ TEST_F(ShowsFont, allOfLatin1) {
                                  "iIl1| .,:;!? \"quoted\" 'so' ~^_`$",
                                  "AVATAR WAVE Typography f\xfcr Gl\xfc"
                                  "ck \xa9 \xbd \xbf"};
-    const Picture     shown = frame([&] {
+    const Picture shown = frame([&] {
         mathbase::Matrix4x4Col project, place;
         project.setProjectOrtho(0, 480, 0, 240, -1, 1);
         display().setProject(project);

@@ -21,7 +21,7 @@ class Frame : public GlTest {
 protected:
     Frame() : recorder("r", log) { recorder.attachToDisplay(&display()); }
 
-    Log      log;
+    Log log;
     Recorder recorder;
 };
 

@@ -14,7 +14,7 @@ using namespace zentrak::display;
 using zentrak::test::GlWindow;
 using zentrak::test::Recorder;
 
-static int    checksUntilError = 0; // 0: none is made
+static int checksUntilError = 0; // 0: none is made
 static GLenum errorMade = GL_NO_ERROR;
 
 extern "C" GLenum glGetError() {
@@ -41,7 +41,7 @@ static std::string thrownAt(int check, GLenum error, Call call) {
 
 // Only the call of a report of dis_display.cpp, or all of what is not one.
 static std::string callOf(const std::string& report) {
-    std::smatch      match;
+    std::smatch match;
     const std::regex form(
         "GL-error at \\[[0-9]+\\] dis_display\\.cpp\nLine: (.*)\nError: 'GL_INVALID_VALUE'\n");
     return std::regex_match(report, match, form) ? match[1].str() : report;
@@ -67,8 +67,8 @@ TEST(GlReportError, ValuesOutsideTheSevenCodesPassSilently) {
 }
 
 TEST(GlCall, TellsItsOwnPlaceAndTheCallLetterForLetter) {
-    int               calls = 0;
-    const int         line = __LINE__ + 1;
+    int calls = 0;
+    const int line = __LINE__ + 1;
     const std::string text = thrownAt(1, GL_INVALID_VALUE, [&] { GL_CALL(calls+=  1); });
     EXPECT_EQ("GL-error at [" + std::to_string(line) +
                   "] test_glcheck.cpp\nLine: calls+= 1\nError: 'GL_INVALID_VALUE'\n",
@@ -77,7 +77,7 @@ TEST(GlCall, TellsItsOwnPlaceAndTheCallLetterForLetter) {
 }
 
 TEST(GlChecks, EveryCallOfResetStatesIsCheckedUnderItsOwnText) {
-    GlWindow                 window;
+    GlWindow window;
     std::vector<std::string> texts;
     for (int check = 1; check < 100; ++check) {
         const std::string text = thrownAt(check, GL_INVALID_VALUE, [&] { window.display().resetStates(); });
@@ -109,7 +109,7 @@ TEST(GlChecks, EveryCallOfResetStatesIsCheckedUnderItsOwnText) {
 }
 
 TEST(GlChecks, ResetAllStatesChecksThePopThePushAndTheViewport) {
-    GlWindow                 window;
+    GlWindow window;
     std::vector<std::string> texts;
     for (int check = 1; check < 100; ++check) {
         window.display().resetAllStates(); // so that there is something to pop
@@ -128,9 +128,9 @@ TEST(GlChecks, ResetAllStatesChecksThePopThePushAndTheViewport) {
 }
 
 TEST(GlChecks, TheFrameHasOneBeforeAndOneAfterEachListener) {
-    GlWindow                 window;
+    GlWindow window;
     std::vector<std::string> log;
-    Recorder                 first("first", log), second("second", log);
+    Recorder first("first", log), second("second", log);
     first.attachToDisplay(&window.display());
     second.attachToDisplay(&window.display());
     first.noteDraws = second.noteDraws = true;
@@ -176,9 +176,9 @@ TEST(GlChecks, APendingErrorSurfacesAtTheNextCheckUnderThatChecksOwnText) {
 }
 
 TEST(GlChecks, AnErrorOfAListenerEndsTheFrame) {
-    GlWindow                 window;
+    GlWindow window;
     std::vector<std::string> log;
-    Recorder                 guilty("guilty", log), next("next", log);
+    Recorder guilty("guilty", log), next("next", log);
     guilty.attachToDisplay(&window.display());
     next.attachToDisplay(&window.display());
     guilty.draw = [] { glBegin(12345); };

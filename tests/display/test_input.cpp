@@ -27,7 +27,7 @@ struct DisplayCallbacks {
     static void button(int code, int action) { DisplayGL::mouseButtonFun(code, action); }
     static void wheel(int position) { DisplayGL::mouseWheelFun(position); }
     static void resize(int width, int height) { DisplayGL::reshape(width, height); }
-    static int  close() { return DisplayGL::closeFun(); }
+    static int close() { return DisplayGL::closeFun(); }
 };
 
 } // namespace zentrak::display
@@ -74,11 +74,11 @@ protected:
         return log;
     }
 
-    Log      log;
+    Log log;
     GlWindow window;
     Recorder first, second;
-    bool     going = true;
-    Viewer   viewer;
+    bool going = true;
+    Viewer viewer;
 };
 
 TEST_F(Input, ReachesTheLastListenerFirst) {
@@ -507,7 +507,7 @@ TEST_F(Input, AnIconifiedWindowRunsPacingAndCountButDoesNotDraw) {
     EXPECT_FALSE(display().mFocused);
 
     display().setFps(DisplayGL::FPS_DELTA, 25);
-    const int   draws = first.draws;
+    const int draws = first.draws;
     const float frames = display().mFpsCountFrames;
     for (int frame = 1; frame <= 10; ++frame) {
         EXPECT_TRUE(display().update());
@@ -537,7 +537,7 @@ TEST_F(Input, WhileTheListenersHearOfAChangeTheDisplayHasTheStateBefore) {
         void onIconify(bool iconified) override { agree |= display->mIconified == iconified; }
         void onChangeFocus(bool focused) override { agree |= display->mFocused == focused, ++told; }
         bool agree = false;
-        int  told = 0;
+        int told = 0;
     } watcher(&display());
     viewer.iconify();
     viewer.until("both", [&] { return watcher.told > 0; });
@@ -567,8 +567,8 @@ TEST(Resizable, TellsTheListenersTheOldSizeAndDrawsInTheNew) {
     WindowMode mode("resizable", 320, 240, false);
     mode.canResize = true;
     DisplayGL display(mode);
-    Log       log;
-    Recorder  first("first", log), second("second", log);
+    Log log;
+    Recorder first("first", log), second("second", log);
     first.attachToDisplay(&display);
     second.attachToDisplay(&display);
     display.open();
@@ -666,7 +666,7 @@ TEST_F(Input, WhatACallbackThrowsComesOutOfUpdate) {
     second.onKey = [] { throw 12; };
     viewer.keyDown("a");
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-    bool       thrown = false;
+    bool thrown = false;
     while (!thrown && std::chrono::steady_clock::now() < deadline) {
         try {
             display().update();

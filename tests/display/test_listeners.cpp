@@ -46,7 +46,7 @@ protected:
         return recorder;
     }
 
-    Log                                    log;
+    Log log;
     std::vector<std::unique_ptr<Recorder>> recorders;
 };
 

@@ -36,7 +36,7 @@ TEST(Resource, KeepsWhatItWasMadeWith) {
     EXPECT_EQ(2, Resource::DYNAMIC);
 
     DisplayGL display{WindowMode()};
-    Resource  resource(&display, Resource::STREAM);
+    Resource resource(&display, Resource::STREAM);
     EXPECT_EQ(&display, resource.getDisplay());
     EXPECT_EQ(&display, const_cast<const Resource&>(resource).getDisplay());
     EXPECT_EQ(Resource::STREAM, resource.getResourceMode());
@@ -59,20 +59,20 @@ TEST(Resource, WithANullDisplayCanNotLoad) {
 
 TEST(Resource, WithoutAnArchiveCanNotLoad) {
     DisplayGL display{WindowMode()};
-    Resource  resource(&display, Resource::STATIC);
+    Resource resource(&display, Resource::STATIC);
     EXPECT_FALSE(resource.canLoad());
     EXPECT_EQ("Display::Resource; This resource can not load files (when loading 'a.txt')",
               thrownBy([&] { resource.loadFile("a.txt"); }));
 }
 
 TEST(Resource, FindsAnArchiveThatIsSetAfterItsCreation) {
-    TempDir            folder;
+    TempDir folder;
     am::ArchiveManager archives;
     archives.addArchive(folder.path());
     writeFile(folder.file("a.txt"), "hello");
 
     DisplayGL display{WindowMode()};
-    Resource  resource(&display, Resource::STATIC);
+    Resource resource(&display, Resource::STATIC);
     EXPECT_FALSE(resource.canLoad());
     display.setArchive(&archives);
     EXPECT_TRUE(resource.canLoad());
@@ -85,7 +85,7 @@ TEST(Resource, FindsAnArchiveThatIsSetAfterItsCreation) {
 }
 
 TEST(Resource, ThrowsForAFileThatIsNotThere) {
-    TempDir            folder;
+    TempDir folder;
     am::ArchiveManager archives;
     archives.addArchive(folder.path());
     DisplayGL display{WindowMode()};
@@ -100,7 +100,7 @@ TEST(Resource, ThrowsForAFileThatIsNotThere) {
 class ResourceImages : public ::testing::Test {
 protected:
     ResourceImages() : display(WindowMode()), resource(&display, Resource::STATIC) {
-        Picture       picture(2, 1);
+        Picture picture(2, 1);
         const uint8_t pixels[8] = {10, 20, 30, 255, 40, 50, 60, 255};
         std::copy(pixels, pixels + 8, picture.rgba.begin());
         writePng(folder.file("a.png"), picture);
@@ -116,10 +116,10 @@ protected:
         EXPECT_TRUE(std::equal(bgra, bgra + 8, image->getData()));
     }
 
-    TempDir            folder;
+    TempDir folder;
     am::ArchiveManager archives;
-    DisplayGL          display;
-    Resource           resource;
+    DisplayGL display;
+    Resource resource;
 };
 
 TEST_F(ResourceImages, AreSharedOrPrivate) {
@@ -135,7 +135,7 @@ TEST_F(ResourceImages, AreSharedOrPrivate) {
 }
 
 TEST_F(ResourceImages, FromMemoryLeaveTheBytesToTheCaller) {
-    const std::string                bytes = readFile(folder.file("a.png"));
+    const std::string bytes = readFile(folder.file("a.png"));
     std::unique_ptr<unsigned char[]> copy(new unsigned char[bytes.size()]);
     std::copy(bytes.begin(), bytes.end(), copy.get());
     am::Image image = resource.loadImage("other.PNG", copy.get(), int(bytes.size()));
@@ -147,10 +147,10 @@ TEST_F(ResourceImages, FromMemoryLeaveTheBytesToTheCaller) {
 
 TEST_F(ResourceImages, FromMemoryAreTheGivenBytesWhateverTheNameHoldsAlready) {
     am::Image shared = resource.loadImage("a.png", false);
-    Picture   other(1, 1);
+    Picture other(1, 1);
     writePng(folder.file("other.png"), other);
     const std::string bytes = readFile(folder.file("other.png"));
-    am::Image         image =
+    am::Image image =
         resource.loadImage("a.png", reinterpret_cast<const unsigned char*>(bytes.data()), int(bytes.size()));
     EXPECT_EQ(1, image->getWidth());
 }
@@ -180,7 +180,7 @@ TEST(ClosedDisplay, IsTheOnlyOne) {
 
 TEST(ClosedDisplay, StartsInAKnownState) {
     const WindowMode mode("title", 320, 200, true);
-    DisplayGL        display(mode);
+    DisplayGL display(mode);
     EXPECT_EQ(0, display.mContextCount);
     EXPECT_EQ(nullptr, display.mCurrentVBO);
     EXPECT_EQ(nullptr, display.mCurrentIBO);
@@ -216,7 +216,7 @@ TEST(ClosedDisplay, UpdateIsFalse) {
 }
 
 TEST(ClosedDisplay, WithoutADisplayServerOpenThrows) {
-    const char*       server = std::getenv("DISPLAY");
+    const char* server = std::getenv("DISPLAY");
     const std::string saved = server ? server : "";
     unsetenv("DISPLAY");
     {
@@ -233,9 +233,9 @@ TEST(ClosedDisplay, WithoutADisplayServerOpenThrows) {
 }
 
 TEST(ClosedDisplay, SetArchiveSaysWhichToWhich) {
-    DisplayGL          display{WindowMode()};
+    DisplayGL display{WindowMode()};
     am::ArchiveManager archives;
-    char               expected[200];
+    char expected[200];
     std::snprintf(expected, sizeof expected, "[info][setArchive], Assigning archive %p to display %p (",
                   static_cast<void*>(&archives), static_cast<void*>(&display));
     CaptureStdout captured;
@@ -267,7 +267,7 @@ TEST(ClosedDisplay, ListenersMustNotBeNull) {
 
 TEST(ClosedDisplay, ListenersJoinOnceAndLeave) {
     DisplayGL display{WindowMode()};
-    Listener  first, second(&display);
+    Listener first, second(&display);
     display.addListener(&first);
     display.addListener(&first);
     ASSERT_EQ(2u, display.mListeners.size());

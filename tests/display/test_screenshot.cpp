@@ -41,7 +41,7 @@ TEST_F(ScreenShot, IsTheWindowFromTheTopInBlueGreenRedAndFullAlpha) {
         am::Image image = makeImage(202, 100);
         display().getScreenShot(image);
         const unsigned char* data = image->getData();
-        const auto           expectPixel = [&](int x, int y, int b, int g, int r) {
+        const auto expectPixel = [&](int x, int y, int b, int g, int r) {
             const unsigned char* pixel = data + (y * 202 + x) * 4;
             EXPECT_EQ(b, pixel[0]) << x << " " << y;
             EXPECT_EQ(g, pixel[1]) << x << " " << y;
@@ -152,7 +152,7 @@ TEST_F(ScreenShot, IntoACachedImageFailsWithTheAccessText) {
     writePng(folder.file("a.png"), Picture(64, 64));
     am::ArchiveManager archives;
     archives.addArchive(folder.path());
-    am::Image                        image = archives.loadImage("a.png", -1, false);
+    am::Image image = archives.loadImage("a.png", -1, false);
     const std::vector<unsigned char> before(image->getData(), image->getData() + 64 * 64 * 4);
     try {
         display().getScreenShot(image);
@@ -180,7 +180,7 @@ protected:
 
 TEST_F(ScreenShotDeathTest, WithAnOddWindowHeightAborts) {
     window(64, 63);
-    am::Image                  image = makeImage(64, 63);
+    am::Image image = makeImage(64, 63);
     std::vector<unsigned char> buffer(64 * 63 * 3);
     EXPECT_DEATH(display().getScreenShot(image), "`\\(mWindowMode\\.height & 1\\) == 0'");
     EXPECT_DEATH(display().getScreenShotRGB24(buffer.data()), "`\\(mWindowMode\\.height & 1\\) == 0'");

@@ -27,7 +27,7 @@ protected:
     }
 
     void link(ShaderProgram& target, const std::string& vertexText, const std::string& fragmentText) {
-        VertexShader   vertex(&display());
+        VertexShader vertex(&display());
         FragmentShader fragment(&display());
         compile(vertex, vertexText);
         compile(fragment, fragmentText);
@@ -38,7 +38,7 @@ protected:
     // The driver's own log of a text that does not compile.
     static std::string driverLog(GLenum type, const std::string& text) {
         const GLuint handle = glCreateShader(type);
-        const char*  data = text.c_str();
+        const char* data = text.c_str();
         glShaderSource(handle, 1, &data, nullptr);
         glCompileShader(handle);
         char log[4000] = {};
@@ -72,7 +72,7 @@ TEST_F(ShaderTest, filesAreCompiledLinkedAndDrawnWith) {
 TEST_F(ShaderTest, aShaderThatDoesNotCompileThrowsTheDriversLog) {
     const std::string bad = "void main() {\n    gl_FragColor = nonsense;\n}\n";
     writeFile(path("bad.frag"), bad);
-    FragmentShader    fragment(&display());
+    FragmentShader fragment(&display());
     const std::string log = driverLog(GL_FRAGMENT_SHADER, bad);
     EXPECT_NE(log.find("nonsense"), std::string::npos);
     EXPECT_EQ(thrownBy([&] { fragment.compile("bad.frag", ""); }),
@@ -88,7 +88,7 @@ TEST_F(ShaderTest, lineNumbersReferToPrefixPlusFile) {
     const std::string prefix = "#define A 1\n#define B 2\n",
                       bad = "void main() {\n    gl_FragColor = nonsense;\n}\n";
     writeFile(path("bad.frag"), bad);
-    FragmentShader    fragment(&display());
+    FragmentShader fragment(&display());
     const std::string thrown = thrownBy([&] { fragment.compile("bad.frag", prefix); });
     EXPECT_EQ(thrown, "Could not compile 'bad.frag'.\nCompile message:\n" +
                           driverLog(GL_FRAGMENT_SHADER, prefix + bad));
@@ -98,7 +98,7 @@ TEST_F(ShaderTest, lineNumbersReferToPrefixPlusFile) {
 TEST_F(ShaderTest, aPrefixDefinesWhatTheFileUses) {
     writeFile(path("a.vert"), VERTEX);
     writeFile(path("a.frag"), "void main() { gl_FragColor = TINT; }\n");
-    VertexShader   vertex(&display());
+    VertexShader vertex(&display());
     FragmentShader fragment(&display());
     vertex.compile("a.vert", "");
     fragment.compile("a.frag", "#define TINT vec4(0.0, 1.0, 0.0, 1.0)\n");
@@ -151,7 +151,7 @@ TEST_F(ShaderTest, eachOfTheFourExtensionsIsNeeded) {
 
 TEST_F(ShaderTest, anEmptyFileIsNoCrash) {
     writeFile(path("empty.frag"), "");
-    FragmentShader    fragment(&display());
+    FragmentShader fragment(&display());
     const std::string thrown = thrownBy([&] { fragment.compile("empty.frag", ""); });
     EXPECT_TRUE(thrown == "nothing" ||
                 thrown.find("Could not compile 'empty.frag'.\nCompile message:\n") == 0)
@@ -257,8 +257,8 @@ protected:
         spoken = text;
         static const auto programiv = __glewGetProgramiv;
         static const auto shaderiv = __glewGetShaderiv;
-        const auto        programLog = __glewGetProgramInfoLog;
-        const auto        shaderLog = __glewGetShaderInfoLog;
+        const auto programLog = __glewGetProgramInfoLog;
+        const auto shaderLog = __glewGetShaderInfoLog;
         __glewGetProgramiv = [](GLuint handle, GLenum name, GLint* value) {
             programiv(handle, name, value);
             if (name == GL_INFO_LOG_LENGTH)
@@ -296,7 +296,7 @@ TEST_F(TalkingTest, aPleasantMessageGivesNoLogLine) {
 }
 
 TEST_F(TalkingTest, aShadersMessageIsLogged) {
-    VertexShader      vertex(&display());
+    VertexShader vertex(&display());
     const std::string printed =
         printedBy([&] { talk("Deprecated.", [&] { compile(vertex, VERTEX, "old.vert"); }); });
     EXPECT_TRUE(hasLine(printed, "info", "compile",

@@ -23,8 +23,8 @@ using mathbase::Vector4f;
 
 namespace {
 
-constexpr int   CELLS = 8;
-constexpr int   CELL = 32; // texels
+constexpr int CELLS = 8;
+constexpr int CELL = 32; // texels
 constexpr float NONE = std::numeric_limits<float>::quiet_NaN();
 constexpr float ENDLESS = std::numeric_limits<float>::infinity();
 
@@ -64,18 +64,18 @@ am::Image picture() {
 
 struct Sprite {
     Vector3f place;
-    float    size;
+    float size;
     Vector4f color;
-    int      cell;
+    int cell;
 };
 
 class SpriteCutTest : public GlTest {
 protected:
     std::unique_ptr<display::Texture> mTexture;
-    SpriteCut                         mCut;
-    Batch                             mBatch;
-    Vector3f                          mRight, mUp;
-    bool                              mMagnified = false;
+    SpriteCut mCut;
+    Batch mBatch;
+    Vector3f mRight, mUp;
+    bool mMagnified = false;
 
     void SetUp() override {
         window(320, 200);
@@ -89,8 +89,8 @@ protected:
 
     // In all places that a view has and some that it has not, and in all strengths.
     std::vector<Sprite> sprites(int count) {
-        mathbase::Random    random(11);
-        const auto          between = [&](float a, float b) { return a + (b - a) * random.uniform(); };
+        mathbase::Random random(11);
+        const auto between = [&](float a, float b) { return a + (b - a) * random.uniform(); };
         std::vector<Sprite> made;
         for (int i = 0; i < count; ++i) {
             const float depth = i % 5 == 0 ? between(-2, 0.5f) : between(0.5f, 30);
@@ -108,7 +108,7 @@ protected:
         display().resetStates();
         glClearColor(0.2f, 0.1f, 0.3f, 0.5f);
         glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-        Matrix4x4Col   matrix;
+        Matrix4x4Col matrix;
         const Vector3f eye(0, 0, 4), target(0.3f, 0.2f, 0);
         matrix.setProject(0.7853982f, 1.6f, 0.05f, 100);
         display().setProject(matrix);
@@ -174,7 +174,7 @@ protected:
     void expectSame(const std::vector<Sprite>& all, const std::function<void()>& state) {
         const Picture a = cut(all, state), b = whole(all, state);
         ASSERT_EQ(a.rgba.size(), b.rgba.size());
-        int    most = 0;
+        int most = 0;
         size_t apart = 0, lit = 0;
         for (size_t i = 0; i < a.rgba.size(); ++i) {
             const int difference = std::abs(int(a.rgba[i]) - int(b.rgba[i]));
@@ -217,8 +217,8 @@ TEST_F(SpriteCutTest, LayersOfFaintSpritesAddUpAsWholeOnesDo) {
     for (const auto& state : {adding, covering})
         for (const Vector4f& color : {Vector4f(1, 1, 1, 0.03f), Vector4f(0.9f, 0.1f, 0.4f, 0.008f)}) {
             const std::vector<Sprite> layers(40, Sprite{Vector3f(0, 0, 0), 3, color, 0});
-            const Picture             a = cut(layers, state), b = whole(layers, state);
-            int                       apart = 0, lit = 0;
+            const Picture a = cut(layers, state), b = whole(layers, state);
+            int apart = 0, lit = 0;
             for (size_t i = 0; i < a.rgba.size(); i += 4) {
                 apart += std::abs(int(a.rgba[i]) - int(b.rgba[i])) > 4;
                 lit += b.rgba[i] != b.rgba[0];
@@ -262,7 +262,7 @@ TEST_F(SpriteCutTest, WhatIsMinifiedIsDrawnWhole) {
 }
 
 TEST_F(SpriteCutTest, WhereFaintPixelsMatterSpritesAreWhole) {
-    const Vector4f                           dim(0.1f, 0.1f, 0.1f, 0.3f);
+    const Vector4f dim(0.1f, 0.1f, 0.1f, 0.3f);
     const std::vector<std::function<void()>> states = {
         [] { glDisable(GL_BLEND); },
         [] { glBlendFunc(GL_ONE, GL_ONE); },
@@ -355,7 +355,7 @@ TEST_F(SpriteCutTest, WhatIsNoNumberOrEndlessIsDrawnWithoutHarm) {
 
 TEST_F(SpriteCutTest, NothingIsAllocatedOnceWarm) {
     const std::vector<Sprite> all = sprites(300);
-    size_t                    allocated = 1;
+    size_t allocated = 1;
     for (int i = 0; i < 2; ++i)
         frame([&] {
             begin(adding);

@@ -51,8 +51,8 @@ protected:
     using Pixels = std::vector<float>; // four for each
 
     std::unique_ptr<Texture> mTexture;
-    SpriteCut                mCut;
-    float                    mReach = -1; // of the last sprites drawn
+    SpriteCut mCut;
+    float mReach = -1; // of the last sprites drawn
 
     void SetUp() override {
         window(320, 240);
@@ -77,8 +77,8 @@ protected:
         glBlendFunc(GL_SRC_ALPHA, GL_ONE);
         mTexture->bind();
         state();
-        SpriteCut      way = cut;
-        Batch          batch;
+        SpriteCut way = cut;
+        Batch batch;
         const Vector3f middle(SIDE / 2, SIDE / 2, 0);
         way.look(Vector3f(1, 0, 0), Vector3f(0, 1, 0));
         mReach = way.reachOf(middle, SIDE / 2, FAINT);
@@ -190,8 +190,8 @@ TEST_F(SpriteCutTargetTest, UnderAProgramSpritesAreWhole) {
                                  "gl_MultiTexCoord0; gl_FrontColor = gl_Color; }\n";
     static const char FRAGMENT[] = "uniform sampler2D picture;\nvoid main() { gl_FragColor = vec4(0.5, 0.5, "
                                    "0.5, 1.0 - texture2D(picture, gl_TexCoord[0].xy).a); }\n";
-    display::ShaderProgram  program(&display());
-    display::VertexShader   vertex(&display());
+    display::ShaderProgram program(&display());
+    display::VertexShader vertex(&display());
     display::FragmentShader fragment(&display());
     vertex.compile(reinterpret_cast<const unsigned char*>(VERTEX), int(strlen(VERTEX)), "vertex");
     fragment.compile(reinterpret_cast<const unsigned char*>(FRAGMENT), int(strlen(FRAGMENT)), "fragment");
@@ -205,7 +205,7 @@ TEST_F(SpriteCutTargetTest, UnderAProgramSpritesAreWhole) {
 TEST_F(SpriteCutTargetTest, ATextureOfFloatsIsNotCut) {
     std::vector<float> texels;
     for (int i = 0; i < TEXELS * TEXELS; ++i) {
-        const auto  place = [](int j) { return (2 * float(j) + 1) / TEXELS - 1; };
+        const auto place = [](int j) { return (2 * float(j) + 1) / TEXELS - 1; };
         const float r = std::hypot(place(i % TEXELS), place(i / TEXELS));
         texels.insert(texels.end(), {8, 8, 8, std::max(0.0f, 1 - r)});
     }

@@ -11,7 +11,7 @@ using display::Texture;
 namespace {
 
 constexpr uint32_t RED = 0xff0000ff, GREEN = 0x00ff00ff, BLUE = 0x0000ffff, WHITE = 0xffffffff;
-constexpr char     NPOT[] = "GL_ARB_texture_non_power_of_two";
+constexpr char NPOT[] = "GL_ARB_texture_non_power_of_two";
 
 class TextureTest : public GlObjects {
 protected:
@@ -85,7 +85,7 @@ TEST_F(TextureTest, anImageIsKeptAndNamedAsSuch) {
 TEST_F(TextureTest, bytesInMemoryAreDecodedAtOnce) {
     writeImage("a.png", halves(8, 8));
     const std::string bytes = readFile(path("a.png"));
-    const auto*       data = reinterpret_cast<const unsigned char*>(bytes.data());
+    const auto* data = reinterpret_cast<const unsigned char*>(bytes.data());
     EXPECT_NE(thrownBy([&] { texture.load("a.png", data, 20, false); }), "nothing");
     EXPECT_FALSE(texture.isLoaded());
     texture.load("a.png", data, int(bytes.size()), false);
@@ -221,7 +221,7 @@ TEST_F(TextureTest, everyFormatOfTheTableAndNoOther) {
     const GLenum NO = GL_NONE;
     const struct {
         Texture::Channels channels;
-        GLenum            formats[8]; // by ChannelFormat; the default is that of 8 bits
+        GLenum formats[8]; // by ChannelFormat; the default is that of 8 bits
     } table[] = {
         {Texture::CHAN_ALPHA, {NO, NO, NO, NO, NO, NO, NO, NO}},
         {Texture::CHAN_RGB, {GL_RGB8, GL_RGB8, GL_RGB16, NO, NO, GL_RGB16F_ARB, GL_RGB32F_ARB, GL_RGB16}},
@@ -406,8 +406,8 @@ TEST_F(CubeTest, theFacesAreCutFromTheVerticalCross) {
     EXPECT_EQ(parameter(GL_TEXTURE_CUBE_MAP, GL_TEXTURE_WRAP_R), GL_CLAMP_TO_EDGE);
     const struct {
         GLenum face;
-        int    column, row;
-        bool   backwards;
+        int column, row;
+        bool backwards;
     } faces[] = {{GL_TEXTURE_CUBE_MAP_POSITIVE_Y, 1, 0, false}, {GL_TEXTURE_CUBE_MAP_NEGATIVE_Y, 1, 2, false},
                  {GL_TEXTURE_CUBE_MAP_NEGATIVE_X, 0, 1, false}, {GL_TEXTURE_CUBE_MAP_POSITIVE_X, 2, 1, false},
                  {GL_TEXTURE_CUBE_MAP_POSITIVE_Z, 1, 1, false}, {GL_TEXTURE_CUBE_MAP_NEGATIVE_Z, 1, 3, true}};

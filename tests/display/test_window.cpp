@@ -30,7 +30,7 @@ static std::string shownTitle(Viewer& viewer) {
 
 static std::string shownSize(Viewer& viewer) {
     const std::string text = runCommand("xdotool getwindowgeometry --shell " + viewer.window()).second;
-    std::smatch       match;
+    std::smatch match;
     return std::regex_search(text, match, std::regex("WIDTH=([0-9]+)\nHEIGHT=([0-9]+)"))
                ? match[1].str() + "x" + match[2].str()
                : text;
@@ -78,7 +78,7 @@ TEST(Window, OpenedTwiceTakesTheNewSizeAndTitleInTheSameContext) {
 }
 
 TEST(Window, SaysWhatItOpens) {
-    DisplayGL     display(WINDOW);
+    DisplayGL display(WINDOW);
     CaptureStdout captured;
     display.open();
     const std::string text = captured.text();
@@ -178,7 +178,7 @@ TEST(Window, DeniesTheExtensionsThatATestWantsAway) {
 }
 
 TEST(Window, KnowsTheModesOfTheMonitor) {
-    DisplayGL               display(WINDOW);
+    DisplayGL display(WINDOW);
     std::vector<WindowMode> modes(3);
     display.getModes(modes);
     ASSERT_FALSE(modes.empty());
@@ -197,8 +197,8 @@ TEST(Window, KnowsTheModesOfTheMonitor) {
 
 TEST(Window, GoesFullScreenAndBackWithNewContextsAndTheTimeKept) {
     DisplayGL display(WINDOW);
-    Log       log;
-    Recorder  recorder("r", log);
+    Log log;
+    Recorder recorder("r", log);
     recorder.attachToDisplay(&display);
     display.open();
     display.setTime(100);
@@ -294,8 +294,8 @@ TEST(Window, AClockRunsWithTheDisplay) {
 
 TEST(Window, ThatWasClosedBehindTheDisplaysBackEndsTheLoop) {
     DisplayGL display(WINDOW);
-    Log       log;
-    Recorder  recorder("r", log);
+    Log log;
+    Recorder recorder("r", log);
     recorder.attachToDisplay(&display);
     display.open();
     display.setFps(DisplayGL::FPS_VARIABLE, 0);

@@ -33,7 +33,7 @@ class EffectTest : public GlTest {
 protected:
     static constexpr uint32_t START = 1;
 
-    FixedRandom     mFixed{START};
+    FixedRandom mFixed{START};
     kindler::Common mCommon;
 
     void SetUp() override { window(400, 250); }

@@ -159,7 +159,7 @@ Xor::Xor(uint32_t start) {
 
 void Xor::update(DisplayGL& display, float time, float delta) {
     perspective(PI / 4, 0.15f, 1000);
-    const int          n = std::min(49999, int(time * 50000 * 0.01f));
+    const int n = std::min(49999, int(time * 50000 * 0.01f));
     const Matrix4x4Col camera =
         cameraOf(Vector3f(15 * sinf(0.1f * time), 15 * sinf(time), 15 * cosf(0.1f * time)),
                  mRecords[size_t(n)].pos, 0);
@@ -190,7 +190,7 @@ Vector3f Tunnel::path(float t) {
 Tunnel::Tunnel(uint32_t start) : mProgram(nullptr) {
     static const char* const colours[8] = {"e39e89", "8688b0", "a4c28c", "d0bf7c",
                                            "9bc3b2", "c9a1af", "d6dc96", "c0ebc0"};
-    Numbers                  numbers(start);
+    Numbers numbers(start);
     for (int i = 0; i < 1000; ++i)
         numbers.sphere(); // a table that nothing reads
     for (int i = 0; i < 153; ++i) {
@@ -198,11 +198,11 @@ Tunnel::Tunnel(uint32_t start) : mProgram(nullptr) {
         ring.pos = path((0.4f - 0.2f * float(i) / 153) * float(i));
         ring.rot = Vector3f(0, 0, float(numbers.next() % 4));
         ring.spin = Vector3f(0, 0, numbers.next() % 3 == 0 ? -5.0f : 5.0f);
-        const float    m = sinf(float(i) * (PI / 2) / 153);
+        const float m = sinf(float(i) * (PI / 2) / 153);
         const uint32_t s3 = numbers.next(), s4 = numbers.next();
         numbers.next();
         const unsigned long hex = strtoul(colours[i % 8], nullptr, 16);
-        const Vector3f      base(float(hex >> 16) / 255, float(hex >> 8 & 255) / 255, float(hex & 255) / 255);
+        const Vector3f base(float(hex >> 16) / 255, float(hex >> 8 & 255) / 255, float(hex & 255) / 255);
         ring.col = base * m + Vector3f(0.51f, 0.56f, 0.56f) * (1 - m);
         if (i % 2)
             ring.col = ring.col * 0.73f;
@@ -256,7 +256,7 @@ static void block(int n, float inner, float outer, float depth) {
 
 void Tunnel::update(DisplayGL&, float time, float delta) {
     perspective(PI / 4, 0.015f, 1000);
-    const Vector3f     eye = path(time - 1);
+    const Vector3f eye = path(time - 1);
     const Matrix4x4Col camera = cameraOf(eye, path(time + 1), 2 * sinf(0.5f * time));
     glEnable(GL_BLEND);
     glEnable(GL_CULL_FACE);
@@ -264,9 +264,9 @@ void Tunnel::update(DisplayGL&, float time, float delta) {
     mProgram.bind();
     for (int i = 0; i < 153; ++i) {
         for (int b = 0; b < 64; ++b) {
-            Ring&          ring = rings[size_t(i)];
+            Ring& ring = rings[size_t(i)];
             const Vector3f d = ring.pos - eye;
-            float          dist = d.length() - 15, a = 1;
+            float dist = d.length() - 15, a = 1;
             if (dist < 0)
                 dist = 0;
             else if (dist >= 25)
@@ -281,7 +281,7 @@ void Tunnel::update(DisplayGL&, float time, float delta) {
                 ring.spin.z -= 0.05f * delta;
             if (ring.spin.z < 0.1f)
                 ring.spin.z += 0.05f * delta;
-            const float    theta = 2 * PI * float(b) / 68, s = sinf(-theta), c = cosf(-theta);
+            const float theta = 2 * PI * float(b) / 68, s = sinf(-theta), c = cosf(-theta);
             const Vector3f e = ring.rot + ring.spin +
                                Vector3f(20 * sinf(0.005f * dist), 20 * sinf(0.0051f * dist), 0.7f * dist);
             Matrix4x4Col transform = transformOf(ring.pos, Quatf(Eulerf(e)));
@@ -314,7 +314,7 @@ void Kub::scatter(const am::ImageObject& image) {
     for (int row = 0; row < image.getHeight(); ++row) {
         for (int column = 0; column < image.getWidth(); ++column) {
             const unsigned char* p = bytesAt(image, column, row);
-            const float          r = float(p[2]) / 256, g = float(p[1]) / 256, b = float(p[0]) / 256;
+            const float r = float(p[2]) / 256, g = float(p[1]) / 256, b = float(p[0]) / 256;
             if (r < 0.05f && g < 0.05f && b < 0.05f)
                 continue;
             Cube cube;
@@ -328,11 +328,11 @@ void Kub::scatter(const am::ImageObject& image) {
     for (int step = 0; step < 120; ++step) {
         const int budget = step == 0 ? 12 : 20 + 8 * (step - 1);
         for (int attempt = 0; attempt < budget; ++attempt) {
-            Cube&       cube = cubes[size_t(rand()) % cubes.size()];
+            Cube& cube = cubes[size_t(rand()) % cubes.size()];
             const float tx[4] = {cube.x + 1, cube.x - 1, cube.x, cube.x};
             const float ty[4] = {cube.y, cube.y, cube.y + 1, cube.y - 1};
-            int         best = 0;
-            float       px = 0, py = 0;
+            int best = 0;
+            float px = 0, py = 0;
             if (rand() % 4 == 0) {
                 best = rand() % 4;
             } else {
@@ -412,7 +412,7 @@ void Kub::draw(DisplayGL& display, float time, float progress) {
     perspective(PI / 4, 0.15f, 1000);
     const float q = rexpandOn ? 0.1f * (time - rexpand) : 0;
     const float swing = sinf(pd * PI * 0.5f);
-    Vector3f    eye(0, 1000 * swing * swing, std::max(50 - time, 0.001f)), target(0, 0, 0);
+    Vector3f eye(0, 1000 * swing * swing, std::max(50 - time, 0.001f)), target(0, 0, 0);
     if (turnOn) {
         eye = Vector3f(0, 400, 0);
         target = Vector3f(400, 400, 0);
@@ -442,7 +442,7 @@ void Kub::draw(DisplayGL& display, float time, float progress) {
     for (const Cube& cube : cubes) {
         place(camera, transformOf(Vector3f(cube.draw.x, cube.draw.z, cube.draw.y), Quatf(Eulerf(cube.rot))));
         Vector3f c = cube.col;
-        float    h = 0.5f, b = -0.00075f;
+        float h = 0.5f, b = -0.00075f;
         if (rexpandOn) {
             const float e = time - rexpand;
             h = 0.5f + 5 * e * cube.expand;
@@ -474,12 +474,12 @@ void Kub::draw(DisplayGL& display, float time, float progress) {
 // Credits
 
 Credits::Credits(uint32_t start, const am::ImageObject& image) {
-    Numbers     numbers(start);
+    Numbers numbers(start);
     const float w = float(image.getWidth()), h = float(image.getHeight());
     for (int row = 0; row < image.getHeight(); ++row) {
         for (int column = 0; column < image.getWidth(); ++column) {
             const unsigned char* p = bytesAt(image, column, row);
-            const float          a = float(p[3]) / 255;
+            const float a = float(p[3]) / 255;
             if (!(a > 0.1f))
                 continue;
             Record r;
@@ -525,7 +525,7 @@ void Grand::setup(DisplayGL& display) {
         char name[32];
         snprintf(name, sizeof name, "grand/grand%02d.png", n);
         const am::Image image = display.mArchiveManager->loadImage(name, -1, false);
-        const float     w = float(image->getWidth()), h = float(image->getHeight());
+        const float w = float(image->getWidth()), h = float(image->getHeight());
         for (int row = 0; row < image->getHeight(); ++row) {
             for (int column = 0; column < image->getWidth(); ++column) {
                 const unsigned char* p = bytesAt(*image, column, row);
@@ -575,7 +575,7 @@ void Greet::trigger() {
         for (int y = 0; y < 24; ++y)
             for (int x = 0; x < 192; ++x) {
                 const unsigned char* p = bytesAt(*mImage, x, 24 * mBand + y);
-                const float          a = float(p[3]) / 255;
+                const float a = float(p[3]) / 255;
                 if (!(a > 0.05f))
                     continue;
                 const float b = std::min(1.0f, 1.5f * a);
@@ -605,7 +605,7 @@ void Greet::update(DisplayGL&, float delta) {
                 float& vol = mSlab->vol[l][y][x];
                 if (delta > 0)
                     vol = std::max(0.0f, vol - 0.5f * delta);
-                const float     s = 0.75f * vol;
+                const float s = 0.75f * vol;
                 const Vector3f& c = mSlab->col[l][y][x];
                 place(camera, transformOf(Vector3f(float(x - 96), float(y - 12), float(l) - 1.5f),
                                           Quatf(Eulerf(s * float(x), s * float(y), s * float(l)))));
@@ -660,7 +660,7 @@ void Vul::update(DisplayGL&, float time) {
 Cubejox::Cubejox(uint32_t start) {
     Numbers numbers(start);
     for (int i = 0; i < 1000; ++i) {
-        Rod         rod;
+        Rod rod;
         const float d = 200 + 50 * float(i % 4) + float(numbers.next() % 500) + 1;
         rod.pos = numbers.sphere() * d;
         rod.axis = (-rod.pos).getNormalized();
@@ -683,13 +683,13 @@ void Cubejox::update(DisplayGL& display, float time, float delta) {
         Rod& rod = rods[size_t(i)];
         rod.angle += 5.1f * delta * rod.spin;
         const Vector3f y(0, 1, 0);
-        Vector3f       across = y.cross(rod.axis);
+        Vector3f across = y.cross(rod.axis);
         across.normalize();
         const Quatf q1(rod.angle, y), q2(acosf(y.dot(rod.axis)), across);
         place(camera, transformOf(rod.pos, q2 * q1));
-        Vector4f       top = display.hex2vec("669955") * float(i % 3 + 1) * (1 - 0.5f * float(i % 4) / 3);
-        Vector4f       bottom = display.hex2vec("0c0c0c");
-        const float    l = 0.3f * top.r + 0.59f * top.g + 0.11f * top.b;
+        Vector4f top = display.hex2vec("669955") * float(i % 3 + 1) * (1 - 0.5f * float(i % 4) / 3);
+        Vector4f bottom = display.hex2vec("0c0c0c");
+        const float l = 0.3f * top.r + 0.59f * top.g + 0.11f * top.b;
         const Vector4f grey = Vector4f(l, l, l, 1) * bw;
         for (Vector4f* c : {&top, &bottom}) {
             *c = *c * (1 - bw) + grey;

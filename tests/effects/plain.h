@@ -34,7 +34,7 @@ struct Numbers {
         next();
     }
     uint32_t next() { return seed = seed * 69069u + 5u; }
-    float    u() { return static_cast<float>(next()) * (1.0f / 4294967296.0f); }
+    float u() { return static_cast<float>(next()) * (1.0f / 4294967296.0f); }
     Vector3f sphere();
 };
 
@@ -56,7 +56,7 @@ public:
     } records[20];
 
 private:
-    Numbers          mNumbers;
+    Numbers mNumbers;
     display::Texture mTexture;
 };
 
@@ -78,7 +78,7 @@ class Tunnel {
 public:
     struct Ring {
         Vector3f pos, rot, spin, col;
-        float    inner, outer;
+        float inner, outer;
     };
     std::vector<Ring> rings;
 
@@ -97,19 +97,19 @@ class Kub {
 public:
     struct Mod {
         float dx, dy;
-        int   step;
+        int step;
     };
     struct Cube {
         std::vector<Mod> mods;
-        int              count = 0;
-        float            x, y;
-        Vector3f         col, rot, draw;
-        float            amp = 0.15f, expand = 0;
+        int count = 0;
+        float x, y;
+        Vector3f col, rot, draw;
+        float amp = 0.15f, expand = 0;
     };
     std::vector<Cube> cubes;
-    int               frame = 0;
-    float             fultimer = 0, pd = 0, alphaa = 1, modAngle = 0, rexpand = 0;
-    bool              rexpandOn = false, turnOn = false, turnOn2 = false;
+    int frame = 0;
+    float fultimer = 0, pd = 0, alphaa = 1, modAngle = 0, rexpand = 0;
+    bool rexpandOn = false, turnOn = false, turnOn2 = false;
 
     explicit Kub(uint32_t start) : mNumbers(start), mShade(nullptr), mProgram(nullptr) {}
     void setup(DisplayGL& display);
@@ -118,8 +118,8 @@ public:
     void draw(DisplayGL& display, float time, float progress);
 
 private:
-    Numbers                mNumbers;
-    display::Texture       mShade;
+    Numbers mNumbers;
+    display::Texture mShade;
     display::ShaderProgram mProgram;
 };
 
@@ -128,11 +128,11 @@ public:
     struct Record {
         Vector3f target, start, side;
         Vector4f col;
-        float    delay;
+        float delay;
     };
     std::vector<Record> pixels;
-    bool                explode = false;
-    float               boom = 0, zoom = 0;
+    bool explode = false;
+    float boom = 0, zoom = 0;
 
     Credits(uint32_t start, const am::ImageObject& image);
     void update(DisplayGL& display, float delta);
@@ -149,9 +149,9 @@ public:
 private:
     struct Record {
         Vector3f pos, col;
-        float    weight;
+        float weight;
     };
-    Numbers             mNumbers;
+    Numbers mNumbers;
     std::vector<Record> mColumns[128];
 };
 
@@ -163,17 +163,17 @@ public:
     void update(DisplayGL& display, float delta);
 
     Vector3f from{0, 0, 305}, to{0, 0, 0};
-    float    roll = 0;
+    float roll = 0;
 
 private:
     struct Slab {
-        float    vol[3][24][192];
+        float vol[3][24][192];
         Vector3f col[3][24][192];
     };
     std::unique_ptr<Slab> mSlab;
-    int                   mBand = 0;
-    am::Image             mImage;
-    display::Texture      mTexture;
+    int mBand = 0;
+    am::Image mImage;
+    display::Texture mTexture;
 };
 
 class Vul {
@@ -192,12 +192,12 @@ class Cubejox {
 public:
     struct Rod {
         Vector3f pos, axis;
-        float    angle;
-        int      sides;
-        float    radius, spin;
+        float angle;
+        int sides;
+        float radius, spin;
     };
     std::vector<Rod> rods;
-    float            alpha = 0, bw = 0, zoom = 0;
+    float alpha = 0, bw = 0, zoom = 0;
 
     explicit Cubejox(uint32_t start);
     void update(DisplayGL& display, float time, float delta);
@@ -205,7 +205,7 @@ public:
 
 class Face {
 public:
-    float        alpha = 0;
+    float alpha = 0;
     o3d::Manager scene;
 
     void setup(DisplayGL& display);

@@ -30,14 +30,14 @@ protected:
 
     // A scene with a cube "box" of half size 1 among its meshes; `fill` brings the nodes. Material i of the
     // mesh is "stone".
-    void writeScene(const std::string&                                              name,
+    void writeScene(const std::string& name,
                     const std::function<void(o3d::Scene& scene, const o3d::Mesh&)>& fill) {
         o3d::Manager manager;
         scene::Shape shape;
         shape.box(0, mathbase::Vector3f(-1, -1, -1), mathbase::Vector3f(1, 1, 1));
         scene::addMaterial(manager, "stone", mathbase::Vector4f(1, 1, 1, 1));
         const o3d::Mesh* box = scene::addMesh(manager, shape.build("box", {"stone"}));
-        auto             root = std::make_unique<o3d::Scene>();
+        auto root = std::make_unique<o3d::Scene>();
         root->mName = "yard";
         fill(*root, *box);
         manager.addScene(root.release());

@@ -74,7 +74,7 @@ TEST_F(AbcTest, LooksAsItShouldAtItsTimes) {
 TEST_F(AbcTest, AMeshIsPaintedWithABlackOutlineAroundIt) {
     prepareCube(mAbc, Vector3f(4, 4, 4));
     const Picture picture = at(0);
-    const Counts  counts = countsOf(picture);
+    const Counts counts = countsOf(picture);
     EXPECT_GT(counts.paint, 2000);
     EXPECT_GT(counts.black, 100);
     EXPECT_LT(counts.black, counts.paint / 2);
@@ -82,7 +82,7 @@ TEST_F(AbcTest, AMeshIsPaintedWithABlackOutlineAroundIt) {
     std::string row;
     for (int x = 0; x < picture.width; ++x) {
         const uint8_t* p = picture.at(x, picture.height / 2);
-        const char     c = p[0] || p[1] ? 'p' : p[2] == 255 ? 'g' : 'b';
+        const char c = p[0] || p[1] ? 'p' : p[2] == 255 ? 'g' : 'b';
         if (row.empty() || row.back() != c)
             row += c;
     }
@@ -92,7 +92,7 @@ TEST_F(AbcTest, AMeshIsPaintedWithABlackOutlineAroundIt) {
 TEST_F(AbcTest, TheOutlineIsTheMeshInflated) {
     prepareCube(mAbc, Vector3f(4, 4, 4));
     const Picture picture = at(0);
-    int           inner = 0, outer = 0;
+    int inner = 0, outer = 0;
     for (int x = 0; x < picture.width; ++x) {
         const uint8_t* p = picture.at(x, picture.height / 2);
         inner += p[0] || p[1];
@@ -107,10 +107,10 @@ TEST_F(AbcTest, TheOutlineIsTheMeshInflated) {
 TEST_F(AbcTest, ThePaintGoesWithTheTime) {
     prepareCube(mAbc, Vector3f(4, 4, 4));
     for (const float time : {3.6f, 4.4f, 8.4f}) {
-        const Picture  picture = at(time);
+        const Picture picture = at(time);
         const uint8_t* p = picture.at(picture.width / 2, picture.height / 2);
-        const float    expected[] = {0.7f * sinf(time) + 1.3f, 0.91f * cosf(1.5f * time) + 1.4f,
-                                     sinf(2 * time) + 1.35f};
+        const float expected[] = {0.7f * sinf(time) + 1.3f, 0.91f * cosf(1.5f * time) + 1.4f,
+                                  sinf(2 * time) + 1.35f};
         for (int c = 0; c < 3; ++c)
             EXPECT_NEAR(p[c], 255 * std::min(1.0f, expected[c]), 1.5) << time << " " << c;
     }
@@ -139,13 +139,13 @@ TEST_F(AbcTest, ThreeNumbersAreDrawnForEveryNodeButACamera) {
 
 TEST_F(AbcTest, AMirroredMeshIsDrawnWithClockwiseFaces) {
     prepareCube(mAbc, Vector3f(4, 4, 4));
-    const Picture                       plain = at(0);
-    const Vector3f                      one(1, 1, 1), big(4, 4, 4);
+    const Picture plain = at(0);
+    const Vector3f one(1, 1, 1), big(4, 4, 4);
     const std::pair<Vector3f, Vector3f> mirrors[] = {{Vector3f(-4, 4, 4), one}, {big, Vector3f(1, 1, -1)}};
     for (const auto& [own, parent] : mirrors) {
         Abc mirrored(&mCommon);
         prepareCube(mirrored, own, parent);
-        GLint         winding = 0;
+        GLint winding = 0;
         const Picture picture = frame([&] {
             srand(1);
             glClearColor(0, 0, 1, 1);

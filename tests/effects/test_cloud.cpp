@@ -18,7 +18,7 @@ namespace {
 class CloudTest : public test::GlTest {
 protected:
     test::FixedRandom mFixed{1};
-    Cloud             mCloud{nullptr};
+    Cloud mCloud{nullptr};
 
     void SetUp() override { test::prepare(mCloud, window(240, 150).display(), "cloud"); }
 
@@ -36,7 +36,7 @@ void drawPlainly(display::DisplayGL& display, float progress, float alpha) {
     texture.load("hurry/particle.png", true);
     texture.init();
     mathbase::Random random(475904815u); // a start of 1 and two draws
-    Vector3f         path[10000];
+    Vector3f path[10000];
     for (int i = 0; i < 10000; ++i) {
         const float phi = 2 * 3.14159265f * random.uniform();
         const float z = 2 * random.uniform() - 1;
@@ -60,7 +60,7 @@ void drawPlainly(display::DisplayGL& display, float progress, float alpha) {
     const int s = progress >= 0.2f ? int((1 - alpha) * 10000) : 0;
     for (int k = s; k <= 9999; ++k) {
         const Vector3f& p = path[9999 - k];
-        float           a = 0.15f * (1 - 0.003f * (p - eye).length());
+        float a = 0.15f * (1 - 0.003f * (p - eye).length());
         if (progress < 0.5f)
             a *= alpha;
         if (a <= 0)
@@ -114,9 +114,9 @@ TEST_F(CloudTest, LooksAsItShouldAtItsTimes) {
 
 TEST_F(CloudTest, IsThePictureOfOneCallPerVertex) {
     for (const auto& state : {std::pair(0.3f, 0.8f), std::pair(0.8f, 1.0f)}) {
-        const float   progress = state.first, alpha = state.second;
+        const float progress = state.first, alpha = state.second;
         const Picture plain = frame([&] { drawPlainly(display(), progress, alpha); });
-        const auto    difference = test::comparePictures(at(progress, alpha), plain);
+        const auto difference = test::comparePictures(at(progress, alpha), plain);
         EXPECT_LT(difference.mean, 0.2);
         EXPECT_LT(difference.changed, 0.001);
         EXPECT_FALSE(isBlack(plain));

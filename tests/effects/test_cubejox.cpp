@@ -17,7 +17,7 @@ namespace {
 
 class CubejoxTest : public test::EffectTest {
 protected:
-    Cubejox              mCubejox{&mCommon};
+    Cubejox mCubejox{&mCommon};
     test::plain::Cubejox mPlain{START};
 
     void SetUp() override {
@@ -65,11 +65,11 @@ TEST_F(CubejoxTest, IsThePictureOfOneCallPerVertex) {
 // Worked out apart from the program: a start of 1, two draws, then five a rod.
 TEST_F(CubejoxTest, TheRodsAreThoseOfTheSeed) {
     struct Wanted {
-        int      i;
+        int i;
         Vector3f pos, axis;
-        float    angle;
-        int      sides;
-        float    spin;
+        float angle;
+        int sides;
+        float spin;
     };
     const Wanted wanted[] = {
         {0, {70.259f, 629.091f, 160.364f}, {-0.107594f, -0.963387f, -0.245581f}, 3.15009f, 4, 0},
@@ -93,7 +93,7 @@ TEST_F(CubejoxTest, TheRodsAreThoseOfTheSeed) {
 TEST_F(CubejoxTest, AllRodsAreThoseOfThePlainWay) {
     ASSERT_EQ(mPlain.rods.size(), size_t(Cubejox::NUM_RODS));
     for (int i = 0; i < Cubejox::NUM_RODS; ++i) {
-        const Cubejox::Rod&              rod = Cubejox::rods()[i];
+        const Cubejox::Rod& rod = Cubejox::rods()[i];
         const test::plain::Cubejox::Rod& plain = mPlain.rods[size_t(i)];
         EXPECT_LT((rod.pos - plain.pos).length(), 1e-3f) << i;
         EXPECT_LT((rod.axis - plain.axis).length(), 1e-6f) << i;
@@ -105,7 +105,7 @@ TEST_F(CubejoxTest, AllRodsAreThoseOfThePlainWay) {
 }
 
 TEST_F(CubejoxTest, HalfOfTheRodsTurnAndANegativeDeltaTurnsThemBack) {
-    const auto  angle = [](int i) { return Cubejox::rods()[i].angle; };
+    const auto angle = [](int i) { return Cubejox::rods()[i].angle; };
     const float still = angle(0), turning = angle(1);
     at(1, 0, 0, 1, 0.5f);
     EXPECT_EQ(angle(0), still);
@@ -128,7 +128,7 @@ TEST_F(CubejoxTest, FromAZoomOfAQuarterOnTheFieldHasFaded) {
 TEST_F(CubejoxTest, ABwOfOneGivesGreyRods) {
     const Picture grey = at(1, 1, 0);
     const Picture ground = over(1, 0.85f, 0.45f, [] {});
-    int           seen = 0;
+    int seen = 0;
     for (int y = 0; y < 250; y += 3)
         for (int x = 0; x < 400; x += 3) {
             const uint8_t* p = grey.at(x, y);
@@ -144,7 +144,7 @@ TEST_F(CubejoxTest, ABwOfOneGivesGreyRods) {
 // The ends of a rod have one colour then, so that there are no more shades than kinds of rods.
 TEST_F(CubejoxTest, ABwOfOneGivesABottomAsBrightAsTheTop) {
     const auto shades = [this](float bw) {
-        const Picture     picture = at(1, bw, 0);
+        const Picture picture = at(1, bw, 0);
         std::set<uint8_t> found;
         for (int y = 0; y < 250; ++y)
             for (int x = 0; x < 400; ++x)
@@ -159,7 +159,7 @@ TEST_F(CubejoxTest, ABwOfOneGivesABottomAsBrightAsTheTop) {
 
 TEST_F(CubejoxTest, AnAlphaOfZeroGivesBlackRods) {
     const Picture black = at(1, 0, 0, 0);
-    int           dark = 0;
+    int dark = 0;
     for (int y = 0; y < black.height; ++y)
         for (int x = 0; x < black.width; ++x)
             dark += black.at(x, y)[0] == 0 && black.at(x, y)[1] == 0;

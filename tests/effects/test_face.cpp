@@ -16,7 +16,7 @@ namespace {
 
 class FaceTest : public test::EffectTest {
 protected:
-    Face              mFace{&mCommon};
+    Face mFace{&mCommon};
     test::plain::Face mPlain;
 
     void SetUp() override {
@@ -142,19 +142,19 @@ TEST_F(FaceTest, TimesAndBrightnessThatAreNoNumbersDoNoHarm) {
 
 TEST_F(FaceTest, SaysHowManyMeshesThereAre) {
     test::CaptureStdout capture;
-    Face                face(&mCommon);
+    Face face(&mCommon);
     test::prepare(face, display(), "face");
     EXPECT_NE(capture.text().find("Meshes: 1\n"), std::string::npos);
 }
 
 TEST(FaceFiles, AMissingSceneIsReported) {
-    test::TempDir      empty;
-    test::GlWindow     window(64, 64);
+    test::TempDir empty;
+    test::GlWindow window(64, 64);
     am::ArchiveManager archives;
     archives.addArchive(empty.path());
     window.display().setArchive(&archives);
     kindler::Common common;
-    Face            face(&common);
+    Face face(&common);
     EXPECT_THROW(test::prepare(face, window.display(), "face"), Exception);
     window.display().setArchive(&window.archives());
 }

@@ -17,7 +17,7 @@ namespace {
 class GridTest : public test::GlTest {
 protected:
     test::FixedRandom mFixed{1};
-    Grid              mGrid{nullptr};
+    Grid mGrid{nullptr};
 
     void SetUp() override { test::prepare(mGrid, display(), "grid"); }
 
@@ -34,7 +34,7 @@ protected:
 // The same picture, one call per vertex.
 void drawPlainly(display::DisplayGL& display, float time, float alpha) {
     mathbase::Random random(475904815u); // a start of 1 and two draws
-    float            offset[50], col[50];
+    float offset[50], col[50];
     for (int i = 0; i < 50; ++i) {
         offset[i] = 2 * 3.14159265f * random.uniform() - 3.14159265f;
         col[i] = 0.05f * random.uniform() + 0.05f;
@@ -80,7 +80,7 @@ TEST_F(GridTest, IsThePictureOfOneCallPerVertex) {
             glClear(GL_COLOR_BUFFER_BIT);
             drawPlainly(display(), time, 1);
         });
-        const auto    difference = test::comparePictures(at(time), plain);
+        const auto difference = test::comparePictures(at(time), plain);
         EXPECT_LT(difference.mean, 0.2);
         EXPECT_LT(difference.changed, 0.001);
     }
@@ -94,7 +94,7 @@ TEST_F(GridTest, WithAnAlphaOfZeroNothingIsSeen) {
 
 TEST_F(GridTest, DarkensOnlyAndMoreWithMoreAlpha) {
     const Picture half = at(2, 0.5f), whole = at(2, 1);
-    double        sumHalf = 0, sumWhole = 0;
+    double sumHalf = 0, sumWhole = 0;
     for (int y = 0; y < 400; y += 3)
         for (int x = 0; x < 640; x += 3) {
             EXPECT_LE(whole.at(x, y)[0], half.at(x, y)[0]);

@@ -17,7 +17,7 @@ namespace {
 class HurryTest : public test::GlTest {
 protected:
     test::FixedRandom mFixed{1};
-    Hurry             mHurry{nullptr};
+    Hurry mHurry{nullptr};
 
     void SetUp() override {
         window(320, 200).archives().addArchive(test::sourcePath("tests/effects/data"));
@@ -37,7 +37,7 @@ double brightness(const Picture& picture) {
 
 // Where the sprites are, by the order of the random numbers.
 std::vector<Vector3f> positions() {
-    mathbase::Random      random(475904815u); // a start of 1 and two draws
+    mathbase::Random random(475904815u); // a start of 1 and two draws
     std::vector<Vector3f> result;
     for (int i = 0; i < 2500; ++i) {
         const float r = 1.5f + 10.8f * random.uniform();
@@ -135,7 +135,7 @@ TEST_F(HurryTest, LeavesTheStatesReset) {
         for (GLenum state : {GL_TEXTURE_2D, GL_DEPTH_TEST, GL_BLEND})
             EXPECT_FALSE(glIsEnabled(state));
         GLboolean mask = 0;
-        GLint     program = -1, bound = -1;
+        GLint program = -1, bound = -1;
         glGetBooleanv(GL_DEPTH_WRITEMASK, &mask);
         glGetIntegerv(GL_CURRENT_PROGRAM, &program);
         glGetIntegerv(GL_TEXTURE_BINDING_2D, &bound);

@@ -83,7 +83,7 @@ TEST_F(KasperTest, SaysHowLoadingGoes) {
     test::CaptureStdout out;
     load([](o3d::Scene&, const o3d::Mesh&) {});
     const std::string text = out.text();
-    size_t            place = 0;
+    size_t place = 0;
     for (const char* line :
          {"[log][loadScene], Opening 'own/scene.o3d' (kasper.cpp:", "Loading o3d (kasper.cpp:",
           "Find active camera (kasper.cpp:", "Load meshes (kasper.cpp:", "Loading done (kasper.cpp:"}) {
@@ -180,7 +180,7 @@ TEST_F(KasperTest, AnObjectNamedExIsSeenByTheCameraButThrowsNoShadow) {
 TEST_F(KasperTest, AnOddNumberOfMirroredNodesDrawsWithClockwiseFaces) {
     struct Case {
         Vector3f outer, inner;
-        GLint    winding;
+        GLint winding;
     };
     const Vector3f one(1, 1, 1), x(-1, 1, 1), y(1, -1, 1), all(-1, -1, -1), two(-1, -1, 1);
     for (const Case& c : {Case{one, one, GL_CCW}, Case{x, one, GL_CW}, Case{one, y, GL_CW},

@@ -18,7 +18,7 @@ namespace {
 
 class KubTest : public test::EffectTest {
 protected:
-    Kub              mKub{&mCommon};
+    Kub mKub{&mCommon};
     test::plain::Kub mPlain{START};
 
     void SetUp() override {
@@ -61,7 +61,7 @@ TEST_F(KubTest, ScattersAsASearchOverAllCubesDoes) {
     EXPECT_EQ(Kub::currentFrame(), 120);
     size_t moves = 0;
     for (size_t i = 0; i < cubes.size(); ++i) {
-        const Kub::Poxel&             a = cubes[i];
+        const Kub::Poxel& a = cubes[i];
         const test::plain::Kub::Cube& b = mPlain.cubes[i];
         ASSERT_EQ(a.mods.size(), b.mods.size()) << i;
         ASSERT_EQ(a.count, b.count) << i;
@@ -118,12 +118,12 @@ TEST_F(KubTest, ItsTriggersLookAsTheyShould) {
 TEST_F(KubTest, TheFirstCubesAndMovesAreThoseOfTheSeed) {
     struct Wanted {
         size_t cube;
-        float  x, y; // where it is after all steps
+        float x, y; // where it is after all steps
         size_t moves;
-        int    dx, dy, step; // the first move
-        int    last;         // the step of the last one
-        float  expand;
-        float  red;
+        int dx, dy, step; // the first move
+        int last;         // the step of the last one
+        float expand;
+        float red;
     };
     const Wanted wanted[] = {
         {0, -11, -52, 52, 0, -1, 17, 118, 13.0955194f, 0.6171875f},
@@ -162,7 +162,7 @@ TEST_F(KubTest, TheFirstCubesAndMovesAreThoseOfTheSeed) {
 
 // Step 119 is the first to be undone once 9.8 is past, at 4.5 steps a second: 120 steps take 27 seconds.
 TEST_F(KubTest, ACubeRollsOverItsEdgeAndLiftsInTheMiddleOfItsStep) {
-    const size_t      cube = 2; // its last move is (0, -1) in step 119
+    const size_t cube = 2; // its last move is (0, -1) in step 119
     const Kub::Poxel& rolling = Kub::poxels()[cube];
     at(9.8f, 1.1f / 4.5f, 0.3f);
     ASSERT_EQ(Kub::currentFrame(), 119); // none was made in step 120

@@ -50,11 +50,11 @@ __attribute__((no_sanitize("address"))) void copyBytes(const volatile char* from
 
 struct Made {
     std::unique_ptr<Effect> effect;
-    size_t                  size;
+    size_t size;
 
     // All that the effect can keep: its members, and the variables of its file.
     std::vector<char> state() const {
-        const size_t      variables = size_t(&_end - &__data_start);
+        const size_t variables = size_t(&_end - &__data_start);
         std::vector<char> bytes(size + variables);
         copyBytes(reinterpret_cast<const char*>(effect.get()), size, bytes.data());
         copyBytes(&__data_start, variables, bytes.data() + size);
@@ -76,7 +76,7 @@ Made makeClear() {
 // What a pattern with one group finds in a file of the source tree.
 void find(const std::string& file, const char* pattern, Names& found) {
     const std::string text = test::readFile(file);
-    const std::regex  wanted(pattern);
+    const std::regex wanted(pattern);
     for (std::sregex_iterator it(text.begin(), text.end(), wanted), end; it != end; ++it)
         found.insert((*it)[1]);
 }
@@ -91,7 +91,7 @@ constexpr bool DATA_IS_OURS = true;
 class NamesTest : public test::EffectTest {
 protected:
     std::map<std::string, Made> mEffects;
-    Names                       mWords; // every text in the sources of the effects
+    Names mWords; // every text in the sources of the effects
 
     void SetUp() override {
         EffectTest::SetUp();
@@ -155,7 +155,7 @@ protected:
                 _exit(0);
             }
             close(pipes[1]);
-            uint32_t   place = 0;
+            uint32_t place = 0;
             const bool changed = read(pipes[0], &place, sizeof place) == sizeof place;
             close(pipes[0]);
             int status = 0;
@@ -209,8 +209,8 @@ TEST_F(NamesTest, EveryEffectAnswersToItsTriggersAndNoOthers) {
         GTEST_SKIP() << "the sanitizer's own data changes too";
     for (const auto& [name, made] : mEffects) {
         const EffectNames& names = namesOf(name);
-        const Names        some = {"", "alpha", "anything", "next"};
-        Names              expected;
+        const Names some = {"", "alpha", "anything", "next"};
+        Names expected;
         for (const TriggerNames& trigger : names.triggers)
             expected.insert(trigger.name);
         EXPECT_EQ(answered(made, names.anyTrigger ? some : mWords,
@@ -243,7 +243,7 @@ TEST_F(NamesTest, TheTypesOfClearAndOverlayAreThoseThatAreSeen) {
             return over(0.9f, 0.6f, 0.3f, [&] { effect.update(1, 0, 0.25f); });
         };
         const test::Picture none = draw("");
-        Names               seen;
+        Names seen;
         for (const std::string& word : mWords)
             if (test::comparePictures(draw(word), none).changed > 0)
                 seen.insert(word);

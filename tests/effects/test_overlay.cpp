@@ -18,7 +18,7 @@ namespace {
 
 class OverlayTest : public test::EffectTest {
 protected:
-    kindler::WaxOn   mWaxOn{&mCommon};
+    kindler::WaxOn mWaxOn{&mCommon};
     kindler::Overlay mOverlay{&mCommon};
 
     void SetUp() override {
@@ -88,7 +88,7 @@ TEST_F(OverlayTest, TheShaderShowsTheTargetAsOneCallPerVertexDoes) {
     display::ShaderProgram program(&display());
     program.link("overlay/overlay.vert", "overlay/satin.frag");
     for (float time : {0.0f, 3.5f, 9.75f, 10.0f, 60.0f, -2.0f}) {
-        const float   m = std::max(0.0f, 10 - time);
+        const float m = std::max(0.0f, 10 - time);
         const Picture plain = plainQuad(
             1, 1, 0,
             [&] {
@@ -120,12 +120,12 @@ TEST_F(OverlayTest, TheShaderShowsAnOldPictureWhereNoneWasDrawnInThisFrame) {
 }
 
 TEST_F(OverlayTest, TheShaderWithoutATargetThrows) {
-    kindler::Common  empty;
+    kindler::Common empty;
     kindler::Overlay overlay(&empty);
     test::prepare(overlay, display(), "overlay");
     overlay.executeTrigger(0, "type", "shader");
     test::CaptureStdout out;
-    std::string         thrown;
+    std::string thrown;
     try {
         frame([&] { overlay.update(0, 0, 0); });
     } catch (const Exception& e) {
@@ -157,7 +157,7 @@ TEST_F(OverlayTest, ThePicturesAreThoseOfOneCallPerVertex) {
     struct Case {
         const char* type;
         const char* file;
-        float       width, height;
+        float width, height;
     };
     mOverlay.updateSpline(0, "alpha", 0.6f);
     for (const Case& c : {Case{"logo", "icons/icons.png", 400, 250}, // pixel for pixel

@@ -18,7 +18,7 @@ using test::Picture;
 namespace {
 
 constexpr float PI = 3.14159265f;
-constexpr int   SIZE = 256;
+constexpr int SIZE = 256;
 
 // A Photon whose scene a test can choose.
 class Open : public Photon {
@@ -46,7 +46,7 @@ class PhotonTest : public test::GlTest {
 protected:
     test::FixedRandom mFixed{1};
 
-    void    prepare(Photon& photon) { test::prepare(photon, window(SIZE, SIZE).display(), "photon"); }
+    void prepare(Photon& photon) { test::prepare(photon, window(SIZE, SIZE).display(), "photon"); }
     Picture at(Photon& photon, float time) {
         return frame([&] { photon.update(time, 0.02f, 0); });
     }
@@ -62,7 +62,7 @@ double brightness(const Picture& picture) {
 // The scene again, traced plainly.
 struct Sphere {
     Vector3f centre;
-    float    radius;
+    float radius;
     Vector3f color; // what a point on it comes out as: many times its material's, and so 0 or 1
 };
 const Sphere spheres[] = {{Vector3f(-3, 2.1f, 0), 2.3f, Vector3f(1, 1, 1)},
@@ -74,7 +74,7 @@ std::optional<std::pair<double, const Sphere*>> nearest(const Vector3f& from, co
     std::optional<std::pair<double, const Sphere*>> best;
     for (const Sphere& s : spheres) {
         const Vector3f oc = from - s.centre;
-        const double   b = oc.dot(direction), c = double(oc.dot(oc)) - double(s.radius) * s.radius;
+        const double b = oc.dot(direction), c = double(oc.dot(oc)) - double(s.radius) * s.radius;
         if (b * b < c)
             continue;
         const double t = -b - std::sqrt(b * b - c);
@@ -90,7 +90,7 @@ bool seen(const Vector3f& p, const Vector3f& eye) {
     const Vector3f way = eye - p;
     for (const Sphere& s : spheres) {
         const Vector3f oc = p - s.centre;
-        const double   b = oc.dot(way), c = double(oc.dot(oc)) - double(s.radius) * s.radius;
+        const double b = oc.dot(way), c = double(oc.dot(oc)) - double(s.radius) * s.radius;
         if ((c > 0 && b > 0) || b * b < c)
             continue;
         const double root = std::sqrt(b * b - c);
@@ -149,9 +149,9 @@ TEST_F(PhotonTest, TheSceneIsThreeSpheresAndOneLight) {
 // start from black. A point covers 6 by 6 pixels with an alpha of 0.3: where it takes on average n of them, a
 // pixel is 1 - e^(-0.3 n) of full.
 TEST_F(PhotonTest, TheMeanOfManyFramesIsTheLightComputedDirectly) {
-    constexpr int       FRAMES = 400, COUNT = 2500;
-    const Vector3f      eye(0, 4, 11), target(0, 1.5f, 0), lightPosition(2, 8, 6);
-    Open                photon;
+    constexpr int FRAMES = 400, COUNT = 2500;
+    const Vector3f eye(0, 4, 11), target(0, 1.5f, 0), lightPosition(2, 8, 6);
+    Open photon;
     std::vector<double> mean(SIZE * SIZE * 3);
     prepare(photon);
     dynamic_cast<Photon::PointLight&>(*photon.mLights[0]).pos = lightPosition;
@@ -168,18 +168,18 @@ TEST_F(PhotonTest, TheMeanOfManyFramesIsTheLightComputedDirectly) {
                 mean[3 * i + c] += picture.rgba[4 * i + c] / 255.0 / FRAMES;
     }
 
-    const Vector3f        forward = (target - eye).getNormalized();
-    const Vector3f        right = forward.cross(Vector3f(0, 1, 0)).getNormalized(), up = right.cross(forward);
-    std::vector<double>   photons(SIZE * SIZE); // of a frame, by the pixel that they hit
+    const Vector3f forward = (target - eye).getNormalized();
+    const Vector3f right = forward.cross(Vector3f(0, 1, 0)).getNormalized(), up = right.cross(forward);
+    std::vector<double> photons(SIZE * SIZE); // of a frame, by the pixel that they hit
     std::vector<Vector3f> colors(SIZE * SIZE);
     for (int y = 0; y < SIZE; ++y)
         for (int x = 0; x < SIZE; ++x)
             for (int sub = 0; sub < 9; ++sub) {
-                const float    sx = 2 * (float(x) + (float(sub % 3) + 0.5f) / 3) / SIZE - 1;
-                const float    sy = 1 - 2 * (float(y) + (float(sub / 3) + 0.5f) / 3) / SIZE;
+                const float sx = 2 * (float(x) + (float(sub % 3) + 0.5f) / 3) / SIZE - 1;
+                const float sy = 1 - 2 * (float(y) + (float(sub / 3) + 0.5f) / 3) / SIZE;
                 const Vector3f way = forward + right * (1.6f * sx) + up * sy; // one deep
                 const Vector3f direction = way.getNormalized();
-                const auto     hit = nearest(eye, direction);
+                const auto hit = nearest(eye, direction);
                 if (!hit)
                     continue;
                 const Vector3f p = eye + direction * float(hit->first);
@@ -223,10 +223,10 @@ TEST_F(PhotonTest, TheMeanOfManyFramesIsTheLightComputedDirectly) {
     for (const auto& [p, c] :
          {std::pair(Vector3f(-2.5f, 3.2f, 2), 2), std::pair(Vector3f(2.5f, 3.2f, 2), 2)}) {
         const Vector3f way = p - eye;
-        const float    depth = way.dot(forward);
-        const int      x = int((way.dot(right) / depth / 1.6f + 1) / 2 * SIZE);
-        const int      y = int((1 - way.dot(up) / depth) / 2 * SIZE);
-        const double*  pixel = &mean[size_t(3 * (y * SIZE + x))];
+        const float depth = way.dot(forward);
+        const int x = int((way.dot(right) / depth / 1.6f + 1) / 2 * SIZE);
+        const int y = int((1 - way.dot(up) / depth) / 2 * SIZE);
+        const double* pixel = &mean[size_t(3 * (y * SIZE + x))];
         const Vector3f color = colors[size_t(y * SIZE + x)];
         EXPECT_GT(pixel[0], 0.02);
         EXPECT_NEAR(pixel[c] / pixel[0], double(color.z), 0.15);
@@ -258,7 +258,7 @@ TEST_F(PhotonTest, WithoutLightsThePictureOnlyFades) {
         delete light;
     photon.mLights.clear();
     const uint32_t state = photon.mRandom.mState;
-    const double   one = brightness(at(photon, 1));
+    const double one = brightness(at(photon, 1));
     EXPECT_NEAR(one / lit, 0.88, 0.01);
     EXPECT_NEAR(brightness(at(photon, 1)) / one, 0.88, 0.01);
     EXPECT_EQ(photon.mRandom.mState, state);

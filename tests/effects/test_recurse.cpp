@@ -84,8 +84,8 @@ Rgb sampled(const Target& target, double s, double t) {
         return target[size_t((y + SIZE) % SIZE) * SIZE + size_t((x + SIZE) % SIZE)];
     };
     const double x = s * SIZE - 0.5, y = t * SIZE - 0.5, fx = x - std::floor(x), fy = y - std::floor(y);
-    const int    ix = int(std::floor(x)), iy = int(std::floor(y));
-    Rgb          result;
+    const int ix = int(std::floor(x)), iy = int(std::floor(y));
+    Rgb result;
     for (size_t i = 0; i < 3; ++i)
         result.c[i] = (texel(ix, iy).c[i] * (1 - fx) + texel(ix + 1, iy).c[i] * fx) * (1 - fy) +
                       (texel(ix, iy + 1).c[i] * (1 - fx) + texel(ix + 1, iy + 1).c[i] * fx) * fy;
@@ -99,10 +99,10 @@ Rgb wall(const Target& last, const Vec& p) {
     for (size_t i = 1; i < 3; ++i)
         if (std::fabs(p[i]) > std::fabs(p[axis]))
             axis = i;
-    const bool   plus = p[axis] > 0;
+    const bool plus = p[axis] > 0;
     const double sx = (p[0] + 1) / 2, sy = (p[1] + 1) / 2, sz = (p[2] + 1) / 2;
-    double       s = 0, t = 0;
-    Vec          color{};
+    double s = 0, t = 0;
+    Vec color{};
     switch (axis) {
     case 0:
         s = plus ? 1 - sz : sz, t = sy, color = plus ? Vec{1, 0.5, 0} : Vec{1, 0, 0.5};
@@ -125,13 +125,13 @@ Target byRays(const Target& last, double time) {
     const Vec forward = unit(eye * -1), right = unit(cross(forward, {0, 1, 0})), up = cross(right, forward);
     const Vec axis = unit({std::sin(0.7 * time), std::cos(0.4 * time), std::cos(0.63 * time)});
     const double angle = 0.3 * time;
-    const Vec    start = turned(eye, axis, -angle);
-    Target       result(SIZE * SIZE);
+    const Vec start = turned(eye, axis, -angle);
+    Target result(SIZE * SIZE);
     for (int y = 0; y < SIZE; ++y)
         for (int x = 0; x < SIZE; ++x) {
             const double nx = 2 * (x + 0.5) / SIZE - 1, ny = 2 * (y + 0.5) / SIZE - 1;
-            const Vec    way = turned(forward + right * (1.6 * nx) + up * ny, axis, -angle);
-            Rgb&         pixel = result[size_t(y) * SIZE + size_t(x)];
+            const Vec way = turned(forward + right * (1.6 * nx) + up * ny, axis, -angle);
+            Rgb& pixel = result[size_t(y) * SIZE + size_t(x)];
             if (meets(start, way, {0.02, 0.02, 150}) || meets(start, way, {0.02, 150, 0.02}) ||
                 meets(start, way, {150, 0.02, 0.02})) {
                 pixel.c = {1, 1, 1};
@@ -181,10 +181,10 @@ TEST_F(RecurseTest, IsThePictureOfRays) {
         test::prepare(recurse, display(), "recurse");
         Target last(SIZE * SIZE);
         for (int i = 0; i < 4; ++i) {
-            const float   time = start + 0.1f * float(i);
+            const float time = start + 0.1f * float(i);
             const Picture drawn = frame([&] { recurse.update(time, 0.1f, 0); });
             last = byRays(last, double(time));
-            const Picture                 wanted = shown(last, drawn.width, drawn.height);
+            const Picture wanted = shown(last, drawn.width, drawn.height);
             const test::PictureDifference difference = test::comparePictures(drawn, wanted);
             EXPECT_LT(difference.mean, 2.5) << start << " frame " << i;
             EXPECT_LT(difference.changed, 0.04) << start << " frame " << i;
@@ -196,7 +196,7 @@ TEST_F(RecurseTest, IsThePictureOfRays) {
 
 TEST_F(RecurseTest, TheFirstFrameShowsTheClearedTargetInsideTheCube) {
     const Picture first = at(1);
-    size_t        white = 0, grey = 0;
+    size_t white = 0, grey = 0;
     for (size_t i = 0; i < first.rgba.size(); i += 4) {
         const uint8_t* p = &first.rgba[i];
         EXPECT_TRUE(p[0] == p[1] && p[1] == p[2]); // bars and nothing, and what lies between
@@ -219,12 +219,12 @@ TEST_F(RecurseTest, TheTargetsTakeTurns) {
 TEST_F(RecurseTest, EachFaceOfTheCubeHasItsColour) {
     struct Side {
         Vector3f from;
-        int      r, g, b;
+        int r, g, b;
     };
     const Side sides[] = {{{5, 0, 0}, 255, 128, 0},  {{-5, 0, 0}, 255, 0, 128}, {{0, 5, 0}, 0, 255, 128},
                           {{0, -5, 0}, 128, 255, 0}, {{0, 0, 5}, 128, 0, 255},  {{0, 0, -5}, 0, 128, 255}};
     for (const Side& side : sides) {
-        const Picture  picture = frame([&] {
+        const Picture picture = frame([&] {
             display::Batch batch;
             kindler::setPerspective(display(), 1, 0.1f, 100);
             kindler::setCamera(display(), side.from, Vector3f(0, 0, 0), 0);

@@ -14,7 +14,7 @@ namespace {
 
 class RundTest : public test::EffectTest {
 protected:
-    kindler::Rund     mRund{&mCommon};
+    kindler::Rund mRund{&mCommon};
     test::plain::Rund mPlain{START};
 
     void SetUp() override {
@@ -57,7 +57,7 @@ TEST_F(RundTest, LooksAsItShould) {
 
 TEST_F(RundTest, IsThePictureOfOneCallPerVertex) {
     const float deltas[] = {0, 0.02f, 1.5f, -0.8f, 0.3f};
-    float       time = 0;
+    float time = 0;
     for (float delta : deltas) {
         time += delta;
         if (delta == 1.5f)
@@ -112,8 +112,8 @@ TEST_F(RundTest, OnlyTheUpperEdgeWraps) {
 
 TEST_F(RundTest, AnAlphaOfZeroLeavesATraceOfEachSprite) {
     const Picture ground = over(1, 0.97f, 0.9f, [] {});
-    const double  faint = test::comparePictures(step(0, 0, 0), ground).mean;
-    const double  full = test::comparePictures(step(0, 0, 1), ground).mean;
+    const double faint = test::comparePictures(step(0, 0, 0), ground).mean;
+    const double full = test::comparePictures(step(0, 0, 1), ground).mean;
     EXPECT_GT(faint, 0.01);
     EXPECT_GT(full, 1.3 * faint);
 }

@@ -23,9 +23,9 @@ namespace {
 // Notes what the walk tells.
 struct Notes final : SceneVisitor {
     struct Note {
-        std::string  name;
+        std::string name;
         Matrix4x4Col world;
-        bool         flip;
+        bool flip;
     };
     std::vector<Note> notes;
 
@@ -87,7 +87,7 @@ TEST(SceneWalk, ACameraEndsItAtThatNode) {
 }
 
 TEST(SceneWalk, AMatrixIsThatOfTheParentTimesItsOwn) {
-    o3d::Scene      scene;
+    o3d::Scene scene;
     o3d::SceneNode* a = add(scene, "a", Vector3f(10, 0, 0), Vector3f(2, 3, 4));
     add(*a, "b", Vector3f(1, 1, 1), Vector3f(5, 5, 5));
     const Notes notes = walked(scene);
@@ -111,7 +111,7 @@ TEST(SceneWalk, ASceneIsAPlainGroup) {
 }
 
 TEST(SceneWalk, TracksAreReadAtItsTime) {
-    o3d::Scene  scene;
+    o3d::Scene scene;
     o3d::Dummy* a = add(scene, "a", Vector3f(), ONE);
     a->mPosition.mX.mInterpolation = 1;
     for (const auto& [time, value] : {std::pair(0.0f, 0.0f), {2.0f, 8.0f}}) {
@@ -125,7 +125,7 @@ TEST(SceneWalk, TracksAreReadAtItsTime) {
 }
 
 TEST(SceneWalk, AnOddNumberOfMirroredNodesFlips) {
-    o3d::Scene      scene;
+    o3d::Scene scene;
     o3d::SceneNode* a = add(scene, "a", Vector3f(), Vector3f(-1, 1, 1));
     o3d::SceneNode* b = add(*a, "b", Vector3f(), Vector3f(1, 1, 1));
     add(*b, "c", Vector3f(), Vector3f(1, 1, -1));
@@ -142,10 +142,10 @@ TEST(SceneWalk, AnOddNumberOfMirroredNodesFlips) {
 
 TEST(SceneWalk, FindsTheMeshOfAnInstance) {
     o3d::Manager manager;
-    auto         mesh = std::make_unique<o3d::Mesh>();
+    auto mesh = std::make_unique<o3d::Mesh>();
     mesh->mName = "stone";
-    o3d::Mesh* const         stone = scene::addMesh(manager, std::move(mesh));
-    o3d::Scene               scene;
+    o3d::Mesh* const stone = scene::addMesh(manager, std::move(mesh));
+    o3d::Scene scene;
     const o3d::MeshInstance* instance = scene::addInstance(scene, "here", *stone, Vector3f());
     EXPECT_EQ(asInstance(*instance), instance);
     EXPECT_EQ(asInstance(scene), nullptr);
@@ -162,8 +162,8 @@ namespace {
 class SceneDrawTest : public test::EffectTest {
 protected:
     o3d::Manager mManager;
-    o3d::Mesh*   mBox = nullptr;
-    SceneMeshes  mMeshes;
+    o3d::Mesh* mBox = nullptr;
+    SceneMeshes mMeshes;
 
     void SetUp() override {
         EffectTest::SetUp();
@@ -189,7 +189,7 @@ protected:
             display().setVBO(nullptr);
             display().setIBO(nullptr);
         });
-        size_t        count = 0;
+        size_t count = 0;
         for (size_t i = 0; i < picture.rgba.size(); i += 4)
             count += picture.rgba[i] > 0;
         return count;
@@ -208,7 +208,7 @@ TEST_F(SceneDrawTest, MirroredMeshesDrawWithClockwiseFaces) {
 
 TEST_F(SceneDrawTest, SetsTheFacesThatAreSeen) {
     frame([&] {
-        GLint     front = 0;
+        GLint front = 0;
         GLboolean twoSided = GL_TRUE;
         glDisable(GL_CULL_FACE);
         glLightModelf(GL_LIGHT_MODEL_TWO_SIDE, 1);

@@ -144,7 +144,7 @@ TEST_F(SparkTest, WithoutASunNothingIsDrawnAndTheLogSaysSo) {
     archives.addArchive(folder.path());
     display().setArchive(&archives);
     kindler::Spark other(nullptr);
-    std::string    said;
+    std::string said;
     {
         test::CaptureStdout out;
         test::prepare(other, display(), "spark");

@@ -40,8 +40,8 @@ class SsaoTest : public test::SceneTest {
 protected:
     std::unique_ptr<SSAO> mSsao = std::make_unique<SSAO>(&mCommon);
 
-    void    prepare() { test::prepare(*mSsao, display(), "ssao"); }
-    void    anew() { mSsao = std::make_unique<SSAO>(&mCommon); }
+    void prepare() { test::prepare(*mSsao, display(), "ssao"); }
+    void anew() { mSsao = std::make_unique<SSAO>(&mCommon); }
     Picture at(float time) {
         return frame([&] { mSsao->update(time, 0.02f, 0.5f); });
     }
@@ -92,7 +92,7 @@ TEST_F(SsaoTest, OnePassFillsBothTargets) {
 TEST_F(SsaoTest, TheBlurReadsTheSecondTargetOnly) {
     writeCube(Vector3f(0, 0, 0), Vector3f(2, 2, 2));
     const Picture blurred = given("texture1_blur");
-    int           soft = 0;
+    int soft = 0;
     for (size_t i = 0; i < blurred.rgba.size(); i += 4) {
         ASSERT_EQ(blurred.rgba[i], 0); // nothing of the first
         soft += blurred.rgba[i + 1] > 20 && blurred.rgba[i + 1] < 235;
@@ -104,7 +104,7 @@ TEST_F(SsaoTest, TheBlurReadsTheSecondTargetOnly) {
 TEST_F(SsaoTest, TheBlurGoesBothWaysAndKeepsTheSum) {
     writeCube(Vector3f(0, 0, 0), Vector3f(0.3f, 0.3f, 0.3f));
     const Picture blurred = given("texture1_blur"), sharp = given("texture1");
-    double        before = 0, after = 0;
+    double before = 0, after = 0;
     for (size_t i = 0; i < sharp.rgba.size(); i += 4) {
         before += sharp.rgba[i + 1];
         after += blurred.rgba[i + 1];
@@ -134,7 +134,7 @@ TEST_F(SsaoTest, TheConstantsReachThePrograms) {
                                               "glowThresh, 1.0); gl_FragData[1] = vec4(0.0); }\n");
     writeOwn("ssao/combine.frag", showing("texture0"));
     prepare();
-    const Picture  base = at(0);
+    const Picture base = at(0);
     const uint8_t* p = base.at(200, 125);
     EXPECT_NEAR(p[0], 255 * 0.1, 1);
     EXPECT_NEAR(p[1], 255 * 0.5, 1);
@@ -192,7 +192,7 @@ TEST_F(SsaoTest, TheCornerBetweenWallAndGroundIsDarker) {
     prepare();
     const Picture picture = at(0);
     // Down the middle: the darkest row is the corner, not an end.
-    int    darkest = 0;
+    int darkest = 0;
     double least = 1e9;
     for (int y = 60; y < 240; ++y) {
         const double b = brightness(picture, 180, y, 220, y + 1);

@@ -108,7 +108,7 @@ TEST(StenFilter, NormalsOfAPictureWorkedOutByHand) {
 }
 
 TEST(StenFilter, InsideThePictureBothNeighboursAreTheOneToTheLeft) {
-    std::mt19937     random(7);
+    std::mt19937 random(7);
     std::vector<int> heights(20 * 9);
     for (int& height : heights)
         height = int(random() % 256);
@@ -116,9 +116,9 @@ TEST(StenFilter, InsideThePictureBothNeighboursAreTheOneToTheLeft) {
     Sten::filter(image);
     for (int y = 1; y < 8; ++y)
         for (int x = 1; x < 19; ++x) {
-            const int            i = y * 20 + x;
+            const int i = y * 20 + x;
             const unsigned char* pixel = image->getData() + size_t(4 * i);
-            const double         d = heights[size_t(i - 1)] - heights[size_t(i)];
+            const double d = heights[size_t(i - 1)] - heights[size_t(i)];
             EXPECT_EQ(pixel[2], pixel[1]);
             EXPECT_NEAR(pixel[1], 126.5 + 127 * d / std::sqrt(2 * d * d + 4096), 0.51);
             EXPECT_EQ(pixel[3], heights[size_t(i)]);
@@ -227,7 +227,7 @@ TEST_F(StenTest, AFileWithoutASceneRaises) {
 }
 
 TEST_F(StenTest, AFileOfHostileIndicesRaisesWithItsName) {
-    std::string  image = test::readFile(test::sourcePath("tests/data/" + SCENE));
+    std::string image = test::readFile(test::sourcePath("tests/data/" + SCENE));
     const size_t indices = image.find(std::string("\x60\xFF\x2C\x62\0\0", 6)); // 6283 of them
     ASSERT_NE(indices, std::string::npos);
     image.replace(indices + 6, 4, "\xFF\xFF\xFF\x7F");

@@ -16,7 +16,7 @@ namespace {
 
 class TunnelTest : public test::EffectTest {
 protected:
-    Tunnel              mTunnel{&mCommon};
+    Tunnel mTunnel{&mCommon};
     test::plain::Tunnel mPlain{START};
 
     void SetUp() override {
@@ -33,11 +33,11 @@ protected:
 };
 
 struct Wanted {
-    size_t   ring;
+    size_t ring;
     Vector3f pos;
-    float    rot, spin;
+    float rot, spin;
     Vector3f col;
-    float    inner, outer;
+    float inner, outer;
 };
 
 } // namespace
@@ -91,7 +91,7 @@ TEST_F(TunnelTest, TheFirstAndTheLastRingsAreThoseOfTheSeed) {
 TEST_F(TunnelTest, AllRingsAreThoseOfThePlainWay) {
     ASSERT_EQ(Tunnel::rings().size(), mPlain.rings.size());
     for (size_t i = 0; i < mPlain.rings.size(); ++i) {
-        const Tunnel::Ring&              ring = Tunnel::rings()[i];
+        const Tunnel::Ring& ring = Tunnel::rings()[i];
         const test::plain::Tunnel::Ring& plain = mPlain.rings[i];
         EXPECT_EQ(ring.pos, plain.pos) << i;
         EXPECT_EQ(ring.rot, plain.rot) << i;
@@ -137,13 +137,13 @@ TEST_F(TunnelTest, BehindTheLastRingNothingIsSeen) {
 // 64 steps of 0.05 * delta a frame for a ring without gaps, 60 for every fifth.
 TEST_F(TunnelTest, TheSpinTakesAStepForEachBlockThatIsDrawn) {
     at(2, 0.1f);
-    const auto  rings = Tunnel::rings();
+    const auto rings = Tunnel::rings();
     const float eyeZ = Tunnel::getPath(1).z;
-    bool        whole = false, gaps = false, far = false;
+    bool whole = false, gaps = false, far = false;
     for (size_t i = 0; i < rings.size(); ++i) {
         const Vector3f d = rings[i].pos - Tunnel::getPath(1);
-        const float    start = mPlain.rings[i].spin.z;
-        const float    sign = start > 0 ? -1.0f : 1.0f;
+        const float start = mPlain.rings[i].spin.z;
+        const float sign = start > 0 ? -1.0f : 1.0f;
         if (rings[i].pos.z <= eyeZ || d.length() >= 24.6f) {
             EXPECT_EQ(rings[i].spin.z, start) << i;
             far = true;

@@ -46,12 +46,12 @@ typedef VoxelTest VulTest;
 TEST_F(CreditsTest, ArriveStandAndExplodeAsOneCallPerVertexDraws) {
     Credits credits(&mCommon, "orvo");
     test::prepare(credits, display(), "credits_orvo");
-    const am::Image      image = loadPixels(display(), "credits/credits_orvo.png");
+    const am::Image image = loadPixels(display(), "credits/credits_orvo.png");
     test::plain::Credits plain(START, *image);
     ASSERT_EQ(credits.pixels.size(), plain.pixels.size());
     ASSERT_GT(credits.pixels.size(), 300u);
     for (size_t i = 0; i < credits.pixels.size(); ++i) {
-        const Credits::poxdata&             a = credits.pixels[i];
+        const Credits::poxdata& a = credits.pixels[i];
         const test::plain::Credits::Record& b = plain.pixels[i];
         ASSERT_EQ(a.target.x, b.target.x);
         ASSERT_EQ(a.target.y, b.target.y);
@@ -83,8 +83,8 @@ TEST_F(CreditsTest, TheRecordsAreThoseOfTheSeed) {
     test::prepare(credits, display(), "credits_code");
     struct Wanted {
         size_t i;
-        float  x, y, side, delay, z;
-        int    red, green, blue, alpha;
+        float x, y, side, delay, z;
+        int red, green, blue, alpha;
     };
     const Wanted wanted[] = {
         {0, -26, 28, -440, 0.298042f, 1589, 46, 158, 168, 140},
@@ -117,7 +117,7 @@ TEST_F(CreditsTest, TheRecordsAreThoseOfTheSeed) {
 }
 
 TEST_F(CreditsTest, WithAZoomOfZeroThePictureHasArrivedInPart) {
-    Credits              credits(&mCommon, "orvo");
+    Credits credits(&mCommon, "orvo");
     test::plain::Credits plain(
         START, *[&] {
             test::prepare(credits, display(), "credits_orvo");
@@ -175,7 +175,7 @@ TEST_F(CreditsTest, AnExplosionEndsAtFiveAndComesBackWithTime) {
     Credits credits(&mCommon, "code");
     test::prepare(credits, display(), "credits_code");
     credits.updateSpline(0, "zoom", 1);
-    const auto    draw = [&](float delta) { return ground([&] { credits.update(0, delta, 0); }); };
+    const auto draw = [&](float delta) { return ground([&] { credits.update(0, delta, 0); }); };
     const Picture whole = draw(0.02f), empty = ground([] {});
     EXPECT_EQ(test::comparePictures(draw(100), whole).mean, 0); // nothing has set it off
     credits.executeTrigger(0, "", "");
@@ -209,7 +209,7 @@ TEST_F(CreditsTest, APictureThatIsNotThereIsAnException) {
 }
 
 TEST_F(GrandTest, TipsColumnByColumnAsOneCallPerVertexDraws) {
-    Grand              grand(&mCommon);
+    Grand grand(&mCommon);
     test::plain::Grand plain(START);
     test::prepare(grand, display(), "grand");
     plain.setup(display());
@@ -233,7 +233,7 @@ TEST_F(GrandTest, TipsColumnByColumnAsOneCallPerVertexDraws) {
 
 // The columns from number 128 on are left out; the others stand where the whole width puts them.
 TEST_F(GrandTest, APictureWiderThan128LosesWhatIsPastIt) {
-    const int     width = 160, height = 8;
+    const int width = 160, height = 8;
     test::TempDir folder;
     test::Picture layer(width, height);
     layer.rgba.assign(layer.rgba.size(), 255);
@@ -262,7 +262,7 @@ TEST_F(GrandTest, TipsWithinTheTimesOfTheSweep) {
     Grand grand(&mCommon);
     test::prepare(grand, display(), "grand");
     grand.updateSpline(0, "alpha", 1);
-    const auto    draw = [&](float progress) { return ground([&] { grand.update(0, 0.02f, progress); }); };
+    const auto draw = [&](float progress) { return ground([&] { grand.update(0, 0.02f, progress); }); };
     const Picture before = draw(0), after = draw(1);
     EXPECT_EQ(test::comparePictures(before, draw(0.384f)).mean, 0);
     EXPECT_GT(test::comparePictures(before, draw(0.42f)).mean, 0);
@@ -284,7 +284,7 @@ TEST_F(GrandTest, AnyTimeIsHarmless) {
 }
 
 TEST_F(GreetTest, StampsAndFadesAsOneCallPerVertexDraws) {
-    Greet              greet(&mCommon);
+    Greet greet(&mCommon);
     test::plain::Greet plain;
     test::prepare(greet, display(), "greet");
     plain.setup(display());
@@ -349,7 +349,7 @@ TEST_F(GreetTest, APictureOfAnotherSizeIsStampedAsFarAsItGoes) {
     display().setArchive(before);
 
     const Picture empty = ground([] {});
-    const auto    draw = [&](float delta) { return ground([&] { greet.update(0, delta, 0); }); };
+    const auto draw = [&](float delta) { return ground([&] { greet.update(0, delta, 0); }); };
     greet.executeTrigger(0, "", "");
     const double whole = test::covered(draw(0), empty);
     draw(10);
@@ -396,7 +396,7 @@ TEST_F(VulTest, SeeksAndTriggersLeaveNoTrace) {
     Vul vul(&mCommon);
     test::prepare(vul, display(), "vul");
     vul.updateSpline(0, "intensity", 1.5f);
-    const auto    draw = [&](float time, float delta) { return ground([&] { vul.update(time, delta, 0); }); };
+    const auto draw = [&](float time, float delta) { return ground([&] { vul.update(time, delta, 0); }); };
     const Picture first = draw(3, 0.02f);
     draw(90, 87);
     vul.executeTrigger(90, "any", "thing");
@@ -405,7 +405,7 @@ TEST_F(VulTest, SeeksAndTriggersLeaveNoTrace) {
 }
 
 TEST_F(VulTest, WandersAsOneCallPerVertexDraws) {
-    Vul              vul(&mCommon);
+    Vul vul(&mCommon);
     test::plain::Vul plain;
     test::prepare(vul, display(), "vul");
     plain.setup(display());

@@ -50,19 +50,19 @@ protected:
 } // namespace
 
 TEST_F(WarmTest, NoEffectAsksForMemory) {
-    WaxOn   waxon(&mCommon);
+    WaxOn waxon(&mCommon);
     Overlay overlay(&mCommon);
-    Border  border(&mCommon);
-    Rund    rund(&mCommon);
-    Xor     comet(&mCommon);
-    Kub     kub(&mCommon);
-    Vul     vul(&mCommon);
+    Border border(&mCommon);
+    Rund rund(&mCommon);
+    Xor comet(&mCommon);
+    Kub kub(&mCommon);
+    Vul vul(&mCommon);
     Cubejox cubejox(&mCommon);
-    Face    face(&mCommon);
-    Greet   greet(&mCommon);
-    Grand   grand(&mCommon);
+    Face face(&mCommon);
+    Greet greet(&mCommon);
+    Grand grand(&mCommon);
     Credits credits(&mCommon, "qark");
-    Tunnel  tunnel(&mCommon);
+    Tunnel tunnel(&mCommon);
     expectNone(waxon, "waxon", "which", "vaddr"); // and makes the target that Overlay shows
     expectNone(overlay, "overlay", "type", "shader");
     expectNone(border, "border", "", "");

@@ -19,7 +19,7 @@ namespace {
 class WaxOnTest : public test::EffectTest {
 protected:
     kindler::Border mBorder{&mCommon}; // what is drawn into the target
-    kindler::WaxOn  mWaxOn{&mCommon};
+    kindler::WaxOn mWaxOn{&mCommon};
 
     void SetUp() override {
         EffectTest::SetUp();
@@ -181,7 +181,7 @@ TEST_F(WaxOnTest, AnotherTriggerIsDropped) {
 
 TEST_F(WaxOnTest, TheEntryGoesWithItsMaker) {
     {
-        kindler::WaxOn      other(&mCommon);
+        kindler::WaxOn other(&mCommon);
         test::CaptureStdout out;
         test::prepare(other, display(), "other");
         EXPECT_EQ(mCommon.mFbos.size(), 1u);
@@ -190,7 +190,7 @@ TEST_F(WaxOnTest, TheEntryGoesWithItsMaker) {
     kindler::Common::FBOData foreign;
     mCommon.mFbos["vaddr"] = &foreign;
     {
-        kindler::WaxOn      third(&mCommon);
+        kindler::WaxOn third(&mCommon);
         test::CaptureStdout out;
         test::prepare(third, display(), "third");
         mCommon.mFbos["vaddr"] = &foreign; // somebody else's in its place
@@ -271,7 +271,7 @@ TEST_F(FisheyeTest, WithoutALensItIsTheTarget) {
 
 TEST_F(FisheyeTest, IsThePictureOfOneCallPerVertex) {
     mFisheye.executeTrigger(0, "which", "vaddr");
-    const Picture          drawn = at(3, 0.5f, 0.2f);
+    const Picture drawn = at(3, 0.5f, 0.2f);
     display::ShaderProgram program(&display());
     program.link("fisheye/fisheye.vert", "fisheye/fisheye.frag");
     const Picture plain = over(0, 0, 0, [&] {

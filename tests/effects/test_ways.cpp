@@ -39,7 +39,7 @@ TEST(Random, AUniformNumberIsTheStateOverTwoToTheThirtyTwo) {
 
 TEST(Random, AUniformNumberStaysInItsRangeAndSpreadsEvenly) {
     Random random(7);
-    int    counts[10] = {};
+    int counts[10] = {};
     for (int i = 0; i < 100000; ++i) {
         const float u = random.uniform();
         ASSERT_GE(u, 0.0f);
@@ -51,11 +51,11 @@ TEST(Random, AUniformNumberStaysInItsRangeAndSpreadsEvenly) {
 }
 
 TEST(Random, APointOnTheSphereTakesTheAngleAndThenTheHeight) {
-    Random      random(123), same(123);
+    Random random(123), same(123);
     const float phi = 6.2831855f * same.uniform();
     const float z = 2 * same.uniform() - 1;
     const float r = std::sqrt(1 - z * z);
-    const auto  point = random.unitSphere();
+    const auto point = random.unitSphere();
     EXPECT_EQ(point.z, z);
     EXPECT_NEAR(point.x, r * std::cos(phi), 1e-6);
     EXPECT_NEAR(point.y, r * std::sin(phi), 1e-6);
@@ -63,7 +63,7 @@ TEST(Random, APointOnTheSphereTakesTheAngleAndThenTheHeight) {
 }
 
 TEST(Random, PointsOnTheSphereHaveItsRadiusAndNoDirection) {
-    Random   random(99);
+    Random random(99);
     Vector3f sum(0, 0, 0);
     for (int i = 0; i < 20000; ++i) {
         const Vector3f point = random.unitSphere();
@@ -74,10 +74,10 @@ TEST(Random, PointsOnTheSphereHaveItsRadiusAndNoDirection) {
 }
 
 TEST(EffectRandom, StartsFromTheClockAndTwoDraws) {
-    const auto         before = static_cast<uint32_t>(clock());
+    const auto before = static_cast<uint32_t>(clock());
     const EffectRandom random;
-    const auto         after = static_cast<uint32_t>(clock());
-    bool               found = false;
+    const auto after = static_cast<uint32_t>(clock());
+    bool found = false;
     for (uint32_t start = before; start <= after; ++start)
         found = found || (start * 69069u + 5u) * 69069u + 5u == random.mState;
     EXPECT_TRUE(found);
@@ -95,9 +95,9 @@ TEST(EffectRandom, AFixedStartGivesTheSameNumbersUntilItIsFreed) {
 }
 
 TEST(Billboard, FacesTheCameraWithHalfAxes) {
-    const Vector3f  eye(3, 4, 12), target(-1, 2, 0);
+    const Vector3f eye(3, 4, 12), target(-1, 2, 0);
     const Billboard board(eye, target, 0);
-    const Vector3f  view = target - eye;
+    const Vector3f view = target - eye;
     EXPECT_NEAR(board.right.length(), 0.5f, 1e-6);
     EXPECT_NEAR(board.up.length(), 0.5f, 1e-6);
     EXPECT_NEAR(board.right.dot(view), 0.0f, 1e-5);
@@ -108,7 +108,7 @@ TEST(Billboard, FacesTheCameraWithHalfAxes) {
 }
 
 TEST(Billboard, IsSeenUprightByTheCameraWhateverItsRoll) {
-    const Vector3f         eye(1, 2, 3), target(0, 0, -5);
+    const Vector3f eye(1, 2, 3), target(0, 0, -5);
     mathbase::Matrix4x4Col camera;
     for (float roll : {0.0f, 1.0f, -2.5f}) {
         const Billboard board(eye, target, roll);

@@ -14,7 +14,7 @@ namespace {
 
 class XorTest : public test::EffectTest {
 protected:
-    kindler::Xor     mXor{&mCommon};
+    kindler::Xor mXor{&mCommon};
     test::plain::Xor mPlain{START};
 
     void SetUp() override {
@@ -80,7 +80,7 @@ TEST_F(XorTest, AFlashFadesInASecondAndIsGone) {
     const Picture flash = at(8, 0.5f);
     const Picture half = at(8, 0.6f);
     const Picture gone = at(8, 0);
-    const auto    blue = [](const Picture& picture) {
+    const auto blue = [](const Picture& picture) {
         double sum = 0;
         for (size_t i = 0; i < picture.rgba.size(); i += 4)
             sum += picture.rgba[i + 2];

@@ -17,8 +17,8 @@
 #include <unistd.h>
 #include <vector>
 
-extern "C" int  LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
-extern "C" int  LLVMFuzzerInitialize(int* argc, char*** argv) __attribute__((weak));
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
+extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) __attribute__((weak));
 extern "C" void __sanitizer_set_death_callback(void (*callback)()) __attribute__((weak));
 
 namespace {
@@ -26,17 +26,17 @@ namespace {
 using Bytes = std::vector<uint8_t>;
 
 const unsigned int hangSeconds = 120; // one input that takes as long as this never ends
-const size_t       cutsPerFile = 2000;
+const size_t cutsPerFile = 2000;
 
 const uint8_t* currentData;
-size_t         currentSize;
+size_t currentSize;
 
 // Leaves the input that is being fed; only calls that a signal handler may make.
 void leaveCurrentInput() {
     const int file = open("fuzz-failure", O_WRONLY | O_CREAT | O_TRUNC, 0644);
     if (file >= 0) {
         const ssize_t written = write(file, currentData, currentSize);
-        const char    text[] = "fuzz: the input is in fuzz-failure\n";
+        const char text[] = "fuzz: the input is in fuzz-failure\n";
         if (written >= 0 && write(2, text, sizeof(text) - 1) < 0) {
             close(file);
             return;
@@ -101,8 +101,8 @@ size_t position(const Bytes& input, Random& random) {
 void splice(Bytes& input, const Bytes& from, Random& random) {
     const size_t start = random.below(from.size());
     const size_t length = std::min(from.size() - start, 1 + random.below(64));
-    const Bytes  piece(from.begin() + static_cast<ptrdiff_t>(start),
-                       from.begin() + static_cast<ptrdiff_t>(start + length));
+    const Bytes piece(from.begin() + static_cast<ptrdiff_t>(start),
+                      from.begin() + static_cast<ptrdiff_t>(start + length));
     input.insert(input.begin() + static_cast<ptrdiff_t>(position(input, random)), piece.begin(), piece.end());
 }
 
@@ -110,10 +110,10 @@ void splice(Bytes& input, const Bytes& from, Random& random) {
 void overwriteNumber(Bytes& input, Random& random) {
     static const uint32_t numbers[] = {0,      1,      0x7f,       0x80,       0xff,       0x7fff,
                                        0x8000, 0xffff, 0x7fffffff, 0x80000000, 0xffffffff, 0x10000};
-    const uint32_t        number = numbers[random.below(std::size(numbers))];
-    const bool            bigEndian = random.below(2) == 1;
-    const size_t          width = size_t(1) << random.below(3);
-    const size_t          at = position(input, random);
+    const uint32_t number = numbers[random.below(std::size(numbers))];
+    const bool bigEndian = random.below(2) == 1;
+    const size_t width = size_t(1) << random.below(3);
+    const size_t at = position(input, random);
     for (size_t i = 0; i < width && at + i < input.size(); ++i) {
         input[at + i] = static_cast<uint8_t>(number >> 8 * (bigEndian ? width - 1 - i : i));
     }
@@ -186,7 +186,7 @@ int main(int argc, char** argv) {
     if (LLVMFuzzerInitialize) {
         LLVMFuzzerInitialize(&argc, &argv);
     }
-    size_t                             changes = 1000;
+    size_t changes = 1000;
     std::vector<std::filesystem::path> paths;
     for (int i = 1; i < argc; ++i) {
         if (strcmp(argv[i], "--changes") == 0 && i + 1 < argc) {

@@ -5,7 +5,7 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     zentrak::am::ImageCodecJPEG codec;
-    zentrak::am::ImageObject    image;
+    zentrak::am::ImageObject image;
     decodesWhole(codec, data, size, image);
     return 0;
 }

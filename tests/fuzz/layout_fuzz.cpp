@@ -71,11 +71,11 @@ void examine(Control& control) {
 void play(Workspace& root, const uint8_t* data, size_t size) {
     static const char* const types[] = {"mousemove",  "mousedown", "mousemove",   "mouseup",
                                         "mousewheel", "keydown",   "keychardown", "keyup"};
-    static const int         keys[] = {
-                display::KEY_UP,    display::KEY_DOWN,  display::KEY_LEFT,      display::KEY_RIGHT,
-                display::KEY_HOME,  display::KEY_END,   display::KEY_BACKSPACE, display::KEY_DEL,
-                display::KEY_ENTER, display::KEY_SPACE, display::KEY_ESC,       display::KEY_INSERT,
-                display::KEY_a,     display::KEY_c,     display::KEY_v,         display::KEY_x};
+    static const int keys[] = {
+        display::KEY_UP,    display::KEY_DOWN,  display::KEY_LEFT,      display::KEY_RIGHT,
+        display::KEY_HOME,  display::KEY_END,   display::KEY_BACKSPACE, display::KEY_DEL,
+        display::KEY_ENTER, display::KEY_SPACE, display::KEY_ESC,       display::KEY_INSERT,
+        display::KEY_a,     display::KEY_c,     display::KEY_v,         display::KEY_x};
     uint32_t state = 2166136261u;
     for (size_t i = 0; i < size; ++i)
         state = (state ^ data[i]) * 16777619u;

@@ -24,7 +24,7 @@ void check(bool holds) {
 size_t walk(const o3d::Manager& manager, const o3d::SceneNode& node, size_t depth) {
     check(depth < 1100);
     mathbase::Matrix4x4Col matrix;
-    bool                   flipped = false;
+    bool flipped = false;
     for (const float time : {-7.0f, 0.0f, 3.3f})
         node.calculateMatrix(time, matrix, flipped);
     check(node.getAnimationLength() >= 0.0f || depth > 2);
@@ -63,7 +63,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         }
     }
     unsigned char* written = nullptr;
-    int            length = 0;
+    int length = 0;
     manager.write(&written, &length);
     check(length >= 6);
     delete[] written;

@@ -32,11 +32,11 @@ void repairChecksums(std::vector<uint8_t>& file) {
 
 void check(const uint8_t* data, size_t size) {
     ImageCodecPNG codec;
-    ImageObject   image, back;
+    ImageObject image, back;
     if (!decodesWhole(codec, data, size, image))
         return;
     unsigned char* bytes = nullptr;
-    unsigned long  length = 0;
+    unsigned long length = 0;
     if (!codec.encodeImage(&bytes, &length, image))
         abort();
     std::unique_ptr<unsigned char[]> file(bytes);

@@ -18,7 +18,7 @@ void check(bool holds) {
 
 void checkTree(const XmlNode& node) {
     IteratorConst it = node.createIterator("");
-    int           count = 0;
+    int count = 0;
     while (++it) {
         const XmlNode* child = node.getChildren(count++);
         check(child == it.operator->());
@@ -46,7 +46,7 @@ bool loads(XmlParser& parser, const char* text, size_t size) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    XmlParser  parser;
+    XmlParser parser;
     const bool loaded = loads(parser, reinterpret_cast<const char*>(data), size);
     checkTree(parser);
     if (loaded) {

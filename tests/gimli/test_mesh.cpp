@@ -49,7 +49,7 @@ void addTexCoords(o3d::Submesh& submesh, const std::vector<Vector3f>& list) {
 
 // A strip of triangles in the plane z = 0 over so many vertices.
 void makeStrip(o3d::Mesh& mesh, int vertices) {
-    std::vector<int>     positions;
+    std::vector<int> positions;
     std::vector<Corners> triangles;
     for (int i = 0; i < vertices; ++i) {
         mesh.mVertices.emplace_back(float(i / 2), float(i % 2), 0.0f);
@@ -84,7 +84,7 @@ protected:
 
     std::vector<unsigned> indices(gimli::Mesh& mesh) {
         std::vector<unsigned> result;
-        const int             size = mesh.mIBO.getEntitySize();
+        const int size = mesh.mIBO.getEntitySize();
         mesh.mIBO.bind();
         const auto* bytes = static_cast<const unsigned char*>(mesh.mIBO.lock(false, true));
         for (int i = 0; i < mesh.mIBO.getSize(); ++i) {
@@ -124,7 +124,7 @@ protected:
 
 TEST_F(GimliTest, TheIndexFormatIsTheSmallestForTheNumberOfVertices) {
     const struct {
-        int         vertices;
+        int vertices;
         IBO::Format format;
     } cases[] = {{255, IBO::FORMAT_UINT8},
                  {256, IBO::FORMAT_UINT16},
@@ -264,18 +264,18 @@ TEST_F(GimliTest, AnotherModeDrawsTheSameRange) {
 TEST_F(GimliTest, AMeshWithoutNormalsIsAWarningInTheConstForm) {
     o3d::Mesh source;
     makePair(source);
-    gimli::Mesh         mesh(&display());
+    gimli::Mesh mesh(&display());
     test::CaptureStdout capture;
     mesh.load(static_cast<const o3d::Mesh*>(&source), 1);
     const std::string log = capture.text();
-    const size_t      at = log.find("Mesh 'pair' has no normals");
+    const size_t at = log.find("Mesh 'pair' has no normals");
     ASSERT_NE(at, std::string::npos) << log;
     EXPECT_NE(log.find("[warning]"), std::string::npos);
     EXPECT_NE(log.find("Mesh 'pair' has no normals", at + 1), std::string::npos); // one for each Submesh
 }
 
 TEST_F(GimliTest, AnEmptyMeshDrawsNothing) {
-    o3d::Mesh   source;
+    o3d::Mesh source;
     gimli::Mesh mesh(&display());
     mesh.load(&source, 1);
     EXPECT_EQ(mesh.mVBO.getSize(), 0);
@@ -300,7 +300,7 @@ TEST_F(GimliTest, LoadingAgainTakesThePlaceOfWhatWas) {
 
 TEST_F(GimliTest, WithoutADisplayItAsserts) {
     testing::GTEST_FLAG(death_test_style) = "threadsafe";
-    o3d::Mesh   source;
+    o3d::Mesh source;
     gimli::Mesh mesh(nullptr);
     EXPECT_DEATH(mesh.load(static_cast<const o3d::Mesh*>(&source), 1), "mDisplay!=0");
 }
@@ -321,7 +321,7 @@ TEST_F(GimliTest, IndicesOutOfRangeNeverReachTheCard) {
 }
 
 TEST_F(GimliTest, TheHeadOfTheShowGoesOntoTheCard) {
-    am::File     file = window().archives().readFile("face/face.o3d");
+    am::File file = window().archives().readFile("face/face.o3d");
     o3d::Manager manager;
     ASSERT_FALSE(file.isNull());
     manager.load(file->data, int(file->length));

@@ -940,7 +940,7 @@ TEST_F(Glfw2, SleepTakesAtLeastItsTime) {
 
 TEST_F(Glfw2, VideoModesAscendToTheScreen) {
     GLFWvidmode modes[256];
-    const int   found = glfwGetVideoModes(modes, 256);
+    const int found = glfwGetVideoModes(modes, 256);
     ASSERT_GE(found, 1);
     for (int i = 0; i < found; ++i) {
         EXPECT_EQ(modes[i].RedBits + modes[i].GreenBits + modes[i].BlueBits, 24);

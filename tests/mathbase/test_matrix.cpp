@@ -14,7 +14,7 @@ Matrix4x4Col identity() {
 
 Matrix4x4Col rows(std::initializer_list<float> values) {
     Matrix4x4Col m;
-    int          i = 0;
+    int i = 0;
     for (const float value : values) {
         m.mData[i % 4 * 4 + i / 4] = value;
         ++i;
@@ -58,7 +58,7 @@ TEST(Matrix, IdentityAndZero) {
 }
 
 TEST(Matrix, RotationsAboutXAndZAreRightHandedAndAboutYIsNot) {
-    const float  c = cosf(0.7f), s = sinf(0.7f);
+    const float c = cosf(0.7f), s = sinf(0.7f);
     Matrix4x4Col m = dirty();
     m.setRotX(0.7f);
     EXPECT_EQ(rows({1, 0, 0, 0, 0, c, -s, 0, 0, s, c, 0, 0, 0, 0, 1}), m);
@@ -92,7 +92,7 @@ TEST(Matrix, TranslationScaleAndShear) {
 
 TEST(Matrix, ScaleAndShearIsTheirProductAboutAPoint) {
     const Vector3f scale(2, 3, 4), centre(1, -2, 5), shear(2, 3, 5);
-    Matrix4x4Col   expected, part;
+    Matrix4x4Col expected, part;
     expected.setTranslation(centre);
     part.setScale(scale);
     expected *= part;
@@ -107,8 +107,8 @@ TEST(Matrix, ScaleAndShearIsTheirProductAboutAPoint) {
 }
 
 TEST(Matrix, SetRotIsTheQuaternionsRotation) {
-    const float  c = cosf(0.7f), s = sinf(0.7f);
-    Quatf        q;
+    const float c = cosf(0.7f), s = sinf(0.7f);
+    Quatf q;
     Matrix4x4Col m = dirty();
     q.setRotX(0.7f);
     m.setRot(q);
@@ -123,8 +123,8 @@ TEST(Matrix, SetRotIsTheQuaternionsRotation) {
 
 TEST(Matrix, BuildPRSIsTranslationTimesRotationTimesScale) {
     const Vector3f position(1, 2, 3), scale(2, -3, 4);
-    const Quatf    rotation(0.9f, Vector3f(1, 2, -2) * (1 / 3.0f));
-    Matrix4x4Col   expected, part;
+    const Quatf rotation(0.9f, Vector3f(1, 2, -2) * (1 / 3.0f));
+    Matrix4x4Col expected, part;
     expected.setTranslation(position);
     part.setRot(rotation);
     expected.multiplyFromRight(part);
@@ -137,8 +137,8 @@ TEST(Matrix, BuildPRSIsTranslationTimesRotationTimesScale) {
 
 TEST(Matrix, BuildPRSFollowedByBuildPRSinverseGivesIdentity) {
     const Vector3f position(1, 2, 3), scale(2, -3, 4);
-    const Quatf    rotation(0.9f, Vector3f(1, 2, -2) * (1 / 3.0f));
-    Matrix4x4Col   m = dirty(), inverse = dirty();
+    const Quatf rotation(0.9f, Vector3f(1, 2, -2) * (1 / 3.0f));
+    Matrix4x4Col m = dirty(), inverse = dirty();
     m.buildPRS(position, rotation, scale);
     inverse.buildPRSinverse(position, rotation, scale);
     Matrix4x4Col product = m;
@@ -158,8 +158,8 @@ TEST(Matrix, BuildBlenderCameraOfNothingEqualsSetRotXOfMinusHalfPi) {
 
 TEST(Matrix, BuildBlenderCameraInverseIsItsInverse) {
     const Vector3f position(1, 2, 3), scale(2, 0.5f, 4);
-    const Quatf    rotation(0.9f, Vector3f(1, 2, -2) * (1 / 3.0f));
-    Matrix4x4Col   m, inverse;
+    const Quatf rotation(0.9f, Vector3f(1, 2, -2) * (1 / 3.0f));
+    Matrix4x4Col m, inverse;
     m.buildBlenderCamera(position, rotation, scale);
     inverse.buildBlenderCameraInverse(position, rotation, scale);
     m *= inverse;
@@ -266,7 +266,7 @@ TEST(Matrix, SetCameraInvIsTheInverseOfSetCamera) {
 
 TEST(Matrix, ProductsFromBothSidesAndWithItself) {
     const Matrix4x4Col a = numbered(1), b = numbered(-3);
-    Matrix4x4Col       expected;
+    Matrix4x4Col expected;
     for (int r = 0; r < 4; ++r) {
         for (int c = 0; c < 4; ++c) {
             expected.mData[c * 4 + r] = a.getRow(r).dot(b.getColumn(c));
@@ -293,7 +293,7 @@ TEST(Matrix, ProductsFromBothSidesAndWithItself) {
 
 TEST(Matrix, MultiplyAddsTheTranslationAndMultiplyVectorDoesNot) {
     const Matrix4x4Col m = rows({1, 2, 3, 10, 4, 5, 6, 20, 7, 8, 9, 30, 11, 12, 13, 14});
-    const Vector3f     v(1, 10, 100);
+    const Vector3f v(1, 10, 100);
     EXPECT_EQ(Vector3f(331, 674, 1017), m.multiply(v));
     EXPECT_EQ(Vector3f(331, 674, 1017), m * v);
     EXPECT_EQ(Vector3f(321, 654, 987), m.multiplyVector(v));

@@ -49,7 +49,7 @@ TEST(Quat, SetEulerMultipliesLeftToRightAsTheOrderSpells) {
     const char* spelled[] = {"XYZ", "XZY", "YXZ", "ZXY", "YZX", "ZYX"};
     for (int i = 0; i < 6; ++i) {
         const float angles[] = {0.3f, -1.1f, 2.0f};
-        Quatf       expected;
+        Quatf expected;
         for (const char* axis = spelled[i]; *axis; ++axis) {
             expected = expected * about(*axis, angles[*axis - 'X']);
         }
@@ -61,7 +61,7 @@ TEST(Quat, SetEulerMultipliesLeftToRightAsTheOrderSpells) {
 
 TEST(Quat, RotationOrderValueOf6FailsTheAssertion) {
     Eulerf euler(1, 2, 3, RotationOrder::XYZ);
-    Quatf  q;
+    Quatf q;
     for (const int value : {6, -1}) {
         euler.order.value = value;
         EXPECT_EXIT(q.setEuler(euler), testing::KilledBySignal(SIGABRT),
@@ -107,9 +107,9 @@ TEST(Quat, AxisRotationsAreRightHanded) {
 
 TEST(Quat, AngleAndAxisThereAndBack) {
     const Vector3f axis = Vector3f(1, -2, 3).getNormalized();
-    const Quatf    q(2.5f, axis);
-    float          angle = 0;
-    Vector3f       back;
+    const Quatf q(2.5f, axis);
+    float angle = 0;
+    Vector3f back;
     q.getAngleAxis(angle, back);
     EXPECT_NEAR(2.5f, angle, 1e-6f);
     EXPECT_TRUE(near(axis, back));

@@ -142,7 +142,7 @@ TEST(Spline, TangentsOfEndKeysMultiplyByTheSpan) {
 
 TEST(Spline, TangentsOfAMiddleKeyWeighEachDifferenceByTheOtherSidesSpan) {
     const Spline spline = splineOf(2, {{0, 1}, {2, 4}, {6, 5}});
-    const float  s = (5.0f - 4.0f) * (0.5f / 2.0f) + (4.0f - 1.0f) * (0.5f / 4.0f);
+    const float s = (5.0f - 4.0f) * (0.5f / 2.0f) + (4.0f - 1.0f) * (0.5f / 4.0f);
     EXPECT_EQ(s * 4.0f, spline.mKeys[1].tangentOut);
     EXPECT_EQ(-s * 2.0f, spline.mKeys[1].tangentIn);
     EXPECT_EQ(6.0f, spline.mKeys[0].tangentOut);

@@ -43,7 +43,7 @@ TEST(Vector2, NormalizeOfNoLengthAborts) {
 
 TEST(Vector3, ComponentsAndScalars) {
     const float three[] = {1, 2, 3};
-    Vector3f    v(three);
+    Vector3f v(three);
     EXPECT_EQ(Vector3f(0, 0, 0), Vector3f());
     EXPECT_EQ(3, v.size());
     EXPECT_EQ(Vector3f(2, 4, 6), v + v);
@@ -99,7 +99,7 @@ TEST(Vector3, NormalizeOfNoLengthAborts) {
 }
 
 TEST(Vector3, ComponentByIndexNeverLeavesTheVector) {
-    Vector3f       v(1, 2, 3);
+    Vector3f v(1, 2, 3);
     const Vector3f c(4, 5, 6);
     for (int i = 0; i < 3; ++i) {
         EXPECT_EQ(1.0f + static_cast<float>(i), v[i]);
@@ -149,13 +149,13 @@ TEST(Vector3, AxesReflectionAndReciprocal) {
 
 TEST(Vector3, ConvertsToThreeFloatsInARow) {
     const Vector3f v(1, 2, 3);
-    const float*   f = v;
+    const float* f = v;
     EXPECT_EQ(Vector3f(1, 2, 3), Vector3f(f));
 }
 
 TEST(Vector4, ComponentsAndScalars) {
     const float four[] = {1, 2, 3, 4};
-    Vector4f    v(four);
+    Vector4f v(four);
     EXPECT_EQ(Vector4f(0, 0, 0, 0), Vector4f());
     EXPECT_EQ(4, v.size());
     EXPECT_EQ(Vector4f(2, 4, 6, 8), v + v);

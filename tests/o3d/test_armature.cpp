@@ -36,7 +36,7 @@ TEST(Armature, aNewBoneHasNoTurnAndNoPlace) {
 }
 
 TEST(Armature, aBoneExtendsAlongNegativeZAndItsChildStartsAtTheTail) {
-    Armature              armature;
+    Armature armature;
     Armature::Bone* const root = addBone(armature.mBones, Vector3f(1, 0, 0), 2);
     Armature::Bone* const child = addBone(root->mChildren, Vector3f(0, 0, 0), 1);
     armature.updatePose();
@@ -51,7 +51,7 @@ TEST(Armature, withoutBonesTheresNothingToPose) {
 }
 
 TEST(Armature, rotationsAddUpAlongTheBones) {
-    Armature              armature;
+    Armature armature;
     Armature::Bone* const root = addBone(armature.mBones, Vector3f(0, 0, 0), 3);
     Armature::Bone* const child = addBone(root->mChildren, Vector3f(1, 0, 0), 2);
     Armature::Bone* const leaf = addBone(child->mChildren, Vector3f(0, 0, 0), 1);
@@ -66,7 +66,7 @@ TEST(Armature, rotationsAddUpAlongTheBones) {
 }
 
 TEST(Armature, theRotationTrackPlaysNoPartInThePose) {
-    Armature              armature;
+    Armature armature;
     Armature::Bone* const root = addBone(armature.mBones, Vector3f(0, 0, 0), 3);
     root->mRotationTrack.mW.mValue = 0;
     root->mRotationTrack.mX.mValue = 1;
@@ -97,7 +97,7 @@ TEST(Armature, writesNothing) {
 }
 
 TEST(BoneGroup, countsItsWeightsByTheSizeOfTheChunk) {
-    const std::string    stream = "O3DF\x01\x01" + chunk(0x2300, i32(-5) + u32(1) + u32(2) + u32(3) + u32(4));
+    const std::string stream = "O3DF\x01\x01" + chunk(0x2300, i32(-5) + u32(1) + u32(2) + u32(3) + u32(4));
     chunklib::ReadBuffer buffer(stream.data(), static_cast<int>(stream.size()));
     buffer.openChunk();
     o3d::BoneGroup group;

@@ -14,7 +14,7 @@ namespace {
 // What a program does with a scene: walks it, samples it, looks names up, poses bones, measures boxes.
 void use(const o3d::SceneNode& node) {
     mathbase::Matrix4x4Col matrix;
-    bool                   flipped = false;
+    bool flipped = false;
     for (const float time : {-3.0f, 0.0f, 1.5f, 100.0f})
         node.calculateMatrix(time, matrix, flipped);
     node.isStatic();
@@ -51,14 +51,14 @@ void survive(const std::string& image) {
     }
     use(manager);
     unsigned char* data = nullptr;
-    int            length = 0;
+    int length = 0;
     manager.write(&data, &length);
     delete[] data;
 }
 
 TEST(BadInput, aFileCutAtEveryByteGivesWhatIsThere) {
     const std::string image = everything();
-    CaptureStdout     capture;
+    CaptureStdout capture;
     for (size_t length = 0; length < image.size(); ++length) {
         o3d::Manager manager;
         if (length < 12)
@@ -75,7 +75,7 @@ TEST(BadInput, aFileCutAtEveryByteGivesWhatIsThere) {
 
 TEST(BadInput, everyByteChangedIsSurvived) {
     const std::string image = everything();
-    CaptureStdout     capture;
+    CaptureStdout capture;
     for (size_t at = 6; at < image.size(); ++at)
         for (const unsigned value :
              {0x00u, 0x01u, 0x7Fu, 0x80u, 0xFFu, static_cast<unsigned>(image[at] ^ 1)}) {
@@ -87,8 +87,8 @@ TEST(BadInput, everyByteChangedIsSurvived) {
 
 TEST(BadInput, randomChangesAreSurvived) {
     const std::string image = everything();
-    std::mt19937      random(21);
-    CaptureStdout     capture;
+    std::mt19937 random(21);
+    CaptureStdout capture;
     for (int round = 0; round < 4000; ++round) {
         std::string changed = image;
         for (unsigned i = 1 + random() % 12; i > 0; --i) {
@@ -143,15 +143,15 @@ TEST(BadInput, aMillionNestedNodesAreCutAtALimit) {
     for (const unsigned id : {0x5130u, 0x5190u}) {
         // Written from the outside in: each chunk claims the rest of the file.
         const std::string head = id == 0x5190 ? text("") + std::string(32, '\0') : text("");
-        const size_t      levels = 1000000;
-        std::string       image =
+        const size_t levels = 1000000;
+        std::string image =
             "O3DF\x01\x01" + u16(0x1000) + u32(0x7FFFFFFF) + u16(0x5000) + u32(0x7FFFFFFF) + text("s");
         if (id == 0x5190)
             image += u16(0x5180) + u32(0x7FFFFFFF) + text("armature");
         for (size_t i = 0; i < levels; ++i)
             image += u16(id) + u32(0x7FFFFFFF) + head;
         CaptureStdout capture;
-        o3d::Manager  manager;
+        o3d::Manager manager;
         load(manager, image);
         EXPECT_NE(std::string::npos,
                   capture.text().find("Chunks nested deeper than 1000, the rest is left out"));
@@ -180,7 +180,7 @@ TEST(BadInput, nodesThatEndBeforeTheirChildrenDoNotMultiply) {
     o3d::Manager manager;
     load(manager, image);
     use(manager);
-    size_t                             nodes = 0;
+    size_t nodes = 0;
     std::vector<const o3d::SceneNode*> open = {manager.mScenes.at(0)};
     while (!open.empty()) {
         const o3d::SceneNode* node = open.back();
@@ -205,8 +205,8 @@ TEST(BadInput, namesThatPointNowhereOrInACircleAreOnlyNames) {
 
 TEST(BadInput, aNameAsLongAsTheFileIsKept) {
     const std::string name(300000, '%');
-    o3d::Manager      manager;
-    CaptureStdout     capture;
+    o3d::Manager manager;
+    CaptureStdout capture;
     load(manager, file(chunk(0x2000, text(name) + chunk(0x2200, u8(0) + chunk(0xFF60, i32(7)))) +
                        chunk(0x4000, name)));
     EXPECT_EQ(name, manager.mMeshes.at(0)->mName);

@@ -24,7 +24,7 @@ std::string failureOf(const std::string& image) {
 // What loading prints.
 std::string outputOf(const std::string& image) {
     CaptureStdout capture;
-    o3d::Manager  manager;
+    o3d::Manager manager;
     load(manager, image);
     return capture.text();
 }
@@ -247,7 +247,7 @@ TEST(Manager, indexOfMinusOneInTheMapGivesNull) {
 }
 
 TEST(Manager, addSceneTakesTheScene) {
-    o3d::Manager      manager;
+    o3d::Manager manager;
     o3d::Scene* const scene = new o3d::Scene;
     scene->mName = "made";
     manager.addScene(scene);
@@ -258,7 +258,7 @@ TEST(Manager, addSceneTakesTheScene) {
 
 TEST(Manager, unknownChunksAreReportedInTheWayOfTheirLevel) {
     const std::string unknown = chunk(0xABC0, "payload");
-    const auto        material = [](const std::string& children) {
+    const auto material = [](const std::string& children) {
         return file(chunk(0x6000, text("m") + children));
     };
     EXPECT_TRUE(isLogLine(outputOf(file(unknown)), "warning", "Unknown chunk with ID=0xABC0\n"));
@@ -298,7 +298,7 @@ TEST(Manager, boneGroupInAMeshIsSkippedInSilence) {
 
 TEST(Manager, unknownChunksAreSkippedWhole) {
     const std::string unknown = chunk(0xABC0, chunk(0x2000, text("no"))); // would be a Mesh, were it read
-    o3d::Manager      manager;
+    o3d::Manager manager;
     load(manager, file(unknown + chunk(0x2000, text("m") + unknown + chunk(0xFF00, floats({1, 2, 3})))));
     EXPECT_EQ(nullptr, manager.getMesh("no"));
     ASSERT_NE(nullptr, manager.getMesh("m"));
@@ -320,9 +320,9 @@ TEST(Manager, nameWithoutItsZeroByteEndsWithTheChunk) {
 }
 
 TEST(Manager, anEmptyManagerWritesAHeaderThatLoadRefuses) {
-    o3d::Manager   manager;
+    o3d::Manager manager;
     unsigned char* data = nullptr;
-    int            length = 77;
+    int length = 77;
     manager.write(&data, &length);
     const std::string image = bytes(data, static_cast<size_t>(length));
     delete[] data;

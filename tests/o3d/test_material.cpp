@@ -31,14 +31,14 @@ TEST(Material, flagIsSetByAByteOfOneOnly) {
 
 TEST(Material, flagWhoseByteIsMissingKeepsItsDefault) {
     o3d::Manager manager;
-    std::string  image = file(chunk(0x6000, text("m") + chunk(0x6111, u8(0))));
+    std::string image = file(chunk(0x6000, text("m") + chunk(0x6111, u8(0))));
     image.pop_back();
     load(manager, image);
     EXPECT_TRUE(manager.mMaterials.at(0)->mFlag2);
 }
 
 TEST(Material, attributesKeepTheirOrder) {
-    const auto  manager = materialWith(chunk(0x6100, text("b")) + chunk(0x6100, text("a")));
+    const auto manager = materialWith(chunk(0x6100, text("b")) + chunk(0x6100, text("a")));
     const auto& attributes = manager->mMaterials.at(0)->mAttributes;
     ASSERT_EQ(2u, attributes.size());
     EXPECT_EQ("b", attributes[0]->mName);
@@ -46,8 +46,8 @@ TEST(Material, attributesKeepTheirOrder) {
 }
 
 TEST(Material, textureValueIsAnUnsignedByte) {
-    const auto  manager = materialWith(chunk(
-         0x6100, text("a") + chunk(0x7000, text("t") + chunk(0x7001, u8(200))) + chunk(0x7000, text("u"))));
+    const auto manager = materialWith(chunk(
+        0x6100, text("a") + chunk(0x7000, text("t") + chunk(0x7001, u8(200))) + chunk(0x7000, text("u"))));
     const auto& textures = manager->mMaterials.at(0)->mAttributes.at(0)->mTextures;
     ASSERT_EQ(2u, textures.size());
     EXPECT_EQ(200, textures[0]->mValue);
@@ -55,7 +55,7 @@ TEST(Material, textureValueIsAnUnsignedByte) {
 }
 
 TEST(Material, texturesOutliveTheirMaterial) {
-    auto                manager = materialWith(chunk(0x6100, text("a") + chunk(0x7000, text("kept"))));
+    auto manager = materialWith(chunk(0x6100, text("a") + chunk(0x7000, text("kept"))));
     o3d::Texture* const texture = manager->mMaterials.at(0)->mAttributes.at(0)->mTextures.at(0);
     manager.reset();
     EXPECT_EQ("kept", texture->mName);

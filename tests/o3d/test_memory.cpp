@@ -77,8 +77,8 @@ size_t countNodes(const o3d::SceneNode& node) {
 
 TEST(Memory, runningOutAtAnyAllocationLosesNothingThatWasMade) {
     const std::string image = everything();
-    CaptureStdout     capture;
-    long              calls = 0;
+    CaptureStdout capture;
+    long calls = 0;
     {
         o3d::Manager manager;
         gCalls = 0;
@@ -107,7 +107,7 @@ TEST(Memory, runningOutAtAnyAllocationLosesNothingThatWasMade) {
 TEST(Memory, aListThatThereIsNoMemoryForIsEmptyAndTheRestIsLoaded) {
     // Of the allocations one after the other, the one that fails is at some time that of the triangles.
     o3d::Manager manager;
-    std::string  triangles;
+    std::string triangles;
     for (int i = 0; i < 1000; ++i)
         triangles += triangle(0, 0, 0);
     const std::string image =

@@ -58,9 +58,9 @@ TEST(Mesh, aNameListThatWouldGrowWithoutBoundIsCut) {
     for (int i = 0; i < 100000; ++i)
         list += text("a"); // 5 GB of names from 200 KB
     CaptureStdout capture;
-    const auto    manager = meshWith(chunk(0x6200, list) + chunk(0xFF00, floats({1, 2, 3})));
-    const auto&   names = manager->mMeshes.at(0)->mMaterials;
-    size_t        total = 0;
+    const auto manager = meshWith(chunk(0x6200, list) + chunk(0xFF00, floats({1, 2, 3})));
+    const auto& names = manager->mMeshes.at(0)->mMaterials;
+    size_t total = 0;
     for (const std::string& name : names)
         total += name.size();
     EXPECT_GT(names.size(), 256u);
@@ -70,7 +70,7 @@ TEST(Mesh, aNameListThatWouldGrowWithoutBoundIsCut) {
 }
 
 TEST(Mesh, materialPastTheEndIsEmpty) {
-    const auto       manager = meshWith(chunk(0x6200, text("a")));
+    const auto manager = meshWith(chunk(0x6200, text("a")));
     const o3d::Mesh& mesh = *manager->mMeshes.at(0);
     EXPECT_EQ("a", mesh.getMaterial(0));
     EXPECT_EQ("", mesh.getMaterial(1));
@@ -79,10 +79,10 @@ TEST(Mesh, materialPastTheEndIsEmpty) {
 }
 
 TEST(Mesh, remainderOfAListIsDropped) {
-    const auto       manager = meshWith(chunk(0xFF00, floats({1, 2, 3, 4, 5})) +
-                                        chunk(0x2200, u8(0) + chunk(0xFF30, triangle(0, 0, 0) + "abcdefghijkl") +
-                                                          chunk(0xFF60, i32(0) + "abc") +
-                                                          chunk(0xFF10, floats({1, 2, 3}) + "abcdefghijk")));
+    const auto manager = meshWith(chunk(0xFF00, floats({1, 2, 3, 4, 5})) +
+                                  chunk(0x2200, u8(0) + chunk(0xFF30, triangle(0, 0, 0) + "abcdefghijkl") +
+                                                    chunk(0xFF60, i32(0) + "abc") +
+                                                    chunk(0xFF10, floats({1, 2, 3}) + "abcdefghijk")));
     const o3d::Mesh& mesh = *manager->mMeshes.at(0);
     EXPECT_EQ(1u, mesh.mVertices.size());
     EXPECT_EQ(1u, mesh.mSubmeshes.at(0)->mTriangles.size());
@@ -94,7 +94,7 @@ TEST(Mesh, largeListsOfTrianglesComeOverWhole) {
     std::string list;
     for (int i = 0; i < 1000; ++i)
         list += u8(static_cast<unsigned>(i)) + i32(i) + i32(i + 1) + i32(-i);
-    const auto  manager = meshWith(chunk(0x2200, u8(3) + chunk(0xFF30, list)));
+    const auto manager = meshWith(chunk(0x2200, u8(3) + chunk(0xFF30, list)));
     const auto& triangles = manager->mMeshes.at(0)->mSubmeshes.at(0)->mTriangles;
     ASSERT_EQ(1000u, triangles.size());
     for (int i = 0; i < 1000; ++i) {

@@ -19,7 +19,7 @@ namespace {
 // none.
 o3d::Submesh& addSubmesh(o3d::Mesh& mesh, const std::vector<int>& positions,
                          const std::vector<std::array<int, 3>>& triangles,
-                         const std::vector<Vector3f>&           uv = {}) {
+                         const std::vector<Vector3f>& uv = {}) {
     o3d::Submesh* const submesh = new o3d::Submesh;
     mesh.mSubmeshes.push_back(submesh);
     submesh->mParent = &mesh;
@@ -153,7 +153,7 @@ TEST(Normals, smoothAcrossSubmeshesThatShareThePositionsOfACube) {
     for (size_t face = 0; face < 6; ++face)
         for (size_t i = 0; i < 4; ++i) {
             const TangentSpace& space = mesh.mSubmeshes[face]->mTangentSpaces[i];
-            const Vector3f&     corner = mesh.mVertices[static_cast<size_t>(CUBE_FACES[face][i])];
+            const Vector3f& corner = mesh.mVertices[static_cast<size_t>(CUBE_FACES[face][i])];
             expectNear(corner.getNormalized(), space.mNormal);
             expectFrame(space);
             // The tangent stays with its face: it is the face's u direction, made square on the smooth
@@ -178,7 +178,7 @@ const o3d::Submesh& makeSeam(o3d::Mesh& mesh, const Vector3f& gap) {
 }
 
 TEST(Normals, copiesCloseInTheTextureShareTheirTangents) {
-    o3d::Mesh           mesh;
+    o3d::Mesh mesh;
     const o3d::Submesh& submesh = makeSeam(mesh, Vector3f(0.09f, 0, 0));
     expectNear(submesh.mTangentSpaces[0].mTangent, submesh.mTangentSpaces[3].mTangent);
     expectNear(Vector3f(1, 0, 0), submesh.mTangentSpaces[0].mTangent);
@@ -186,7 +186,7 @@ TEST(Normals, copiesCloseInTheTextureShareTheirTangents) {
 }
 
 TEST(Normals, copiesFurtherApartHaveTangentsOfTheirOwnAndOneNormal) {
-    o3d::Mesh           mesh;
+    o3d::Mesh mesh;
     const o3d::Submesh& submesh = makeSeam(mesh, Vector3f(0, 5, 0));
     EXPECT_EQ(submesh.mTangentSpaces[0].mNormal, submesh.mTangentSpaces[3].mNormal);
     // Both are made square on the one normal, which is +z: of the triangles' directions only x is left.
@@ -207,7 +207,7 @@ bool sharesTangents(const Vector3f& apart) {
                                               Vector3f(1, 0, 0) + apart, Vector3f(0, -1, 0) + apart});
     mesh.addNormals();
     const Vector3f left = submesh.mTangentSpaces[0].mTangent;
-    const bool     shared = left.y > 0.5f;
+    const bool shared = left.y > 0.5f;
     expectNear(shared ? Vector3f(0.70710678f, 0.70710678f, 0) : Vector3f(1, 0, 0), left);
     expectNear(shared ? left : Vector3f(0, 1, 0), submesh.mTangentSpaces[3].mTangent);
     return shared;
@@ -231,10 +231,10 @@ TEST(Normals, theThirdCoordinateTakesPartInTheComparison) {
 // A sphere of `rings` times `segments` quads with its poles; the texture runs around it and is cut along one
 // meridian.
 o3d::Submesh& makeSphere(o3d::Mesh& mesh, int rings, int segments) {
-    std::vector<int>                positions;
-    std::vector<Vector3f>           uv;
+    std::vector<int> positions;
+    std::vector<Vector3f> uv;
     std::vector<std::array<int, 3>> triangles;
-    const float                     pi = 3.14159265f;
+    const float pi = 3.14159265f;
     mesh.mVertices = {Vector3f(0, 0, 1), Vector3f(0, 0, -1)};
     for (int ring = 1; ring < rings; ++ring)
         for (int segment = 0; segment < segments; ++segment) {
@@ -265,13 +265,13 @@ o3d::Submesh& makeSphere(o3d::Mesh& mesh, int rings, int segments) {
 }
 
 TEST(Normals, ofASpherePointOutwardsAndTangentsRunAroundIt) {
-    o3d::Mesh     mesh;
-    const int     rings = 48, segments = 96;
+    o3d::Mesh mesh;
+    const int rings = 48, segments = 96;
     o3d::Submesh& sphere = makeSphere(mesh, rings, segments);
     mesh.addNormals();
     for (size_t i = 0; i < sphere.mIndices.size(); ++i) {
         const TangentSpace& space = sphere.mTangentSpaces[i];
-        const Vector3f&     position = mesh.mVertices[static_cast<size_t>(sphere.mIndices[i].mValue)];
+        const Vector3f& position = mesh.mVertices[static_cast<size_t>(sphere.mIndices[i].mValue)];
         EXPECT_GT(space.mNormal.dot(position), 0.9995f);
         const int ring = static_cast<int>(i) / (segments + 1);
         if (ring < 2 || ring > rings - 2)
@@ -285,8 +285,8 @@ TEST(Normals, ofASpherePointOutwardsAndTangentsRunAroundIt) {
 }
 
 TEST(Normals, seamOfASphereHasOneNormalAndNearlyOneTangent) {
-    o3d::Mesh           mesh;
-    const int           rings = 24, segments = 64;
+    o3d::Mesh mesh;
+    const int rings = 24, segments = 64;
     const o3d::Submesh& sphere = makeSphere(mesh, rings, segments);
     mesh.addNormals();
     for (int ring = 2; ring < rings - 1; ++ring) {
@@ -302,7 +302,7 @@ TEST(Normals, seamOfASphereHasOneNormalAndNearlyOneTangent) {
 // The same algorithm by plain search instead of the map, from its description.
 std::vector<std::vector<TangentSpace>> plainNormals(const o3d::Mesh& mesh) {
     std::vector<std::vector<TangentSpace>> result;
-    std::vector<Vector3f>                  sums(mesh.mVertices.size(), Vector3f(0, 0, 0));
+    std::vector<Vector3f> sums(mesh.mVertices.size(), Vector3f(0, 0, 0));
     for (const o3d::Submesh* submesh : mesh.mSubmeshes) {
         std::vector<TangentSpace> spaces(submesh->mIndices.size());
         for (const o3d::Triangle& triangle : submesh->mTriangles) {
@@ -315,10 +315,10 @@ std::vector<std::vector<TangentSpace>> plainNormals(const o3d::Mesh& mesh) {
             };
             const Vector3f e1 = place(t[1]) - place(t[0]), e2 = place(t[2]) - place(t[0]);
             if (!submesh->mTexCoords.empty()) {
-                const auto&    uv = submesh->mTexCoords[0]->mList;
-                const auto     at = [&](int local) { return uv[static_cast<size_t>(local)]; };
+                const auto& uv = submesh->mTexCoords[0]->mList;
+                const auto at = [&](int local) { return uv[static_cast<size_t>(local)]; };
                 const Vector3f d1 = at(t[1]) - at(t[0]), d2 = at(t[2]) - at(t[0]);
-                const float    r = 1.0f / (d1.x * d2.y - d2.x * d1.y);
+                const float r = 1.0f / (d1.x * d2.y - d2.x * d1.y);
                 for (int corner = 0; corner < 3; ++corner)
                     for (size_t j = 0; j < spaces.size(); ++j)
                         if (position(static_cast<int>(j)) == position(t[corner]) &&
@@ -348,7 +348,7 @@ std::vector<std::vector<TangentSpace>> plainNormals(const o3d::Mesh& mesh) {
 }
 
 TEST(Normals, randomMeshesAgreeWithAPlainSearch) {
-    std::mt19937                          random(4);
+    std::mt19937 random(4);
     std::uniform_real_distribution<float> any(-1, 1);
     for (int round = 0; round < 60; ++round) {
         o3d::Mesh mesh;
@@ -357,8 +357,8 @@ TEST(Normals, randomMeshesAgreeWithAPlainSearch) {
             mesh.mVertices.emplace_back(any(random), any(random), any(random));
         const int submeshes = 1 + static_cast<int>(random() % 3);
         for (int s = 0; s < submeshes; ++s) {
-            std::vector<int>                indices;
-            std::vector<Vector3f>           uv;
+            std::vector<int> indices;
+            std::vector<Vector3f> uv;
             std::vector<std::array<int, 3>> triangles;
             // Every position in every Submesh, some several times, at places of the texture that often agree.
             for (int i = 0; i < positions * 3; ++i) {
@@ -378,7 +378,7 @@ TEST(Normals, randomMeshesAgreeWithAPlainSearch) {
                        fabsf(d1.x * d2.y - d2.x * d1.y) > 1e-4f;
             };
             for (int i = 0; i < positions * 3;) {
-                const auto               n = static_cast<unsigned>(indices.size());
+                const auto n = static_cast<unsigned>(indices.size());
                 const std::array<int, 3> t = {i, static_cast<int>(random() % n),
                                               static_cast<int>(random() % n)};
                 if (good(t)) {
@@ -402,7 +402,7 @@ TEST(Normals, randomMeshesAgreeWithAPlainSearch) {
 }
 
 TEST(Normals, addingThemAgainGivesTheSame) {
-    o3d::Mesh     mesh;
+    o3d::Mesh mesh;
     o3d::Submesh& sphere = makeSphere(mesh, 12, 70);
     mesh.addNormals();
     const std::vector<TangentSpace> before = sphere.mTangentSpaces;
@@ -481,9 +481,9 @@ TEST(Normals, tooFewTextureCoordinatesAreRefused) {
 TEST(Normals, copiesThatWouldTakeHoursAreRefused) {
     o3d::Mesh mesh;
     makeTriangle(mesh);
-    const int                       copies = 60000;
-    std::vector<int>                positions;
-    std::vector<Vector3f>           uv;
+    const int copies = 60000;
+    std::vector<int> positions;
+    std::vector<Vector3f> uv;
     std::vector<std::array<int, 3>> triangles;
     for (int i = 0; i < copies * 3; ++i) {
         positions.push_back(i % 3);

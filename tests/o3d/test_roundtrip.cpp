@@ -13,7 +13,7 @@ namespace {
 
 std::string write(o3d::Manager& manager) {
     unsigned char* data = nullptr;
-    int            length = 0;
+    int length = 0;
     manager.write(&data, &length);
     const std::string image = bytes(data, static_cast<size_t>(length));
     delete[] data;
@@ -175,9 +175,9 @@ o3d::SceneNode* randomNode(std::mt19937& random, int depth) {
 
 TEST(RoundTrip, randomScenesComeBackAsTheyWere) {
     std::mt19937 random(12);
-    size_t       largest = 0;
+    size_t largest = 0;
     for (int round = 0; round < 100; ++round) {
-        o3d::Manager      first, second;
+        o3d::Manager first, second;
         o3d::Scene* const scene = new o3d::Scene;
         fillNode(*scene, random, 0);
         first.addScene(scene);
@@ -235,7 +235,7 @@ TEST(RoundTrip, firstDifferenceMaterialNumberIsWrittenAsAFloatAndReadAsAByte) {
     const std::string image = write(manager);
     EXPECT_NE(std::string::npos, image.find(chunk(0x2200, f32(200))));
     // The first byte of 200.0f is 0, and the three others are taken for the start of a chunk.
-    o3d::Manager  second;
+    o3d::Manager second;
     CaptureStdout capture;
     load(second, image);
     EXPECT_EQ(0, second.mMeshes.at(0)->mSubmeshes.at(0)->mMaterial);
@@ -252,7 +252,7 @@ TEST(RoundTrip, secondDifferenceMaterialNamesAreWrittenAsChunksAndReadAsBareText
     EXPECT_NE(std::string::npos, image.find(chunk(0x6200, payload)));
 
     std::vector<std::string> expected;
-    std::string              name;
+    std::string name;
     for (const char character : payload)
         if (character == '\0')
             expected.push_back(name);

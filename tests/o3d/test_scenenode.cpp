@@ -24,9 +24,9 @@ void animate(o3d::TrackBlenderFloat& track, float from, float to, float length) 
 }
 
 TEST(SceneNode, nodeWithoutKeysIsAnIdentityMatrix) {
-    o3d::Dummy   node;
+    o3d::Dummy node;
     Matrix4x4Col matrix;
-    bool         flipped = true;
+    bool flipped = true;
     node.calculateMatrix(3.0f, matrix, flipped);
     EXPECT_FALSE(flipped);
     expectMatrix({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}, matrix, 0.0f);
@@ -76,16 +76,16 @@ TEST(SceneNode, matrixIsTranslationTimesRotationTimesScale) {
 TEST(SceneNode, anglesTurnInTheOrderYZX) {
     // The product Ry x Rz x Rx, worked out here in double precision.
     const double a = 0.3, b = -0.7, c = 1.1;
-    o3d::Dummy   node;
+    o3d::Dummy node;
     node.mRotation.mX.mValue = static_cast<float>(a);
     node.mRotation.mY.mValue = static_cast<float>(b);
     node.mRotation.mZ.mValue = static_cast<float>(c);
     Matrix4x4Col matrix;
     node.calculateMatrix(0, matrix);
     for (const Vector3f& v : {Vector3f(1, 0, 0), Vector3f(0, 1, 0), Vector3f(0, 0, 1)}) {
-        const double   y1 = cos(a) * v.y - sin(a) * v.z, z1 = sin(a) * v.y + cos(a) * v.z;
-        const double   x2 = cos(c) * v.x - sin(c) * y1, y2 = sin(c) * v.x + cos(c) * y1;
-        const double   x3 = cos(b) * x2 + sin(b) * z1, z3 = -sin(b) * x2 + cos(b) * z1;
+        const double y1 = cos(a) * v.y - sin(a) * v.z, z1 = sin(a) * v.y + cos(a) * v.z;
+        const double x2 = cos(c) * v.x - sin(c) * y1, y2 = sin(c) * v.x + cos(c) * y1;
+        const double x3 = cos(b) * x2 + sin(b) * z1, z3 = -sin(b) * x2 + cos(b) * z1;
         const Vector3f found = matrix.multiply(v);
         EXPECT_NEAR(x3, found.x, 1e-6);
         EXPECT_NEAR(y2, found.y, 1e-6);
@@ -94,10 +94,10 @@ TEST(SceneNode, anglesTurnInTheOrderYZX) {
 }
 
 TEST(SceneNode, anOddNumberOfNegativeScalesIsFlipped) {
-    o3d::Dummy   node;
+    o3d::Dummy node;
     Matrix4x4Col matrix;
-    bool         flipped = false;
-    const auto   flips = [&](float x, float y, float z) {
+    bool flipped = false;
+    const auto flips = [&](float x, float y, float z) {
         node.mScale.mX.mValue = x;
         node.mScale.mY.mValue = y;
         node.mScale.mZ.mValue = z;
@@ -144,7 +144,7 @@ TEST(SceneNode, isStaticLooksAtItsNineTracks) {
 }
 
 TEST(SceneNode, isStaticDoesNotAskChildren) {
-    o3d::Dummy        node;
+    o3d::Dummy node;
     o3d::Dummy* const child = new o3d::Dummy;
     animate(child->mPosition.mX, 0, 1, 1);
     node.addChild(child);
@@ -172,7 +172,7 @@ TEST(SceneNode, cameraAngleCountsNeitherForStillnessNorForLength) {
 }
 
 TEST(SceneNode, animationLengthIsThatOfANodeThreeLevelsDown) {
-    o3d::Scene      scene;
+    o3d::Scene scene;
     o3d::SceneNode* node = &scene;
     for (int level = 0; level < 3; ++level) {
         o3d::SceneNode* const child = new o3d::Dummy;
@@ -196,7 +196,7 @@ TEST(SceneNode, animationLengthIsNeverBelowZeroAndTakesOnlyTheLastKey) {
 
 TEST(SceneNode, lightAddsItsTracksToTheLength) {
     o3d::Light light;
-    float      length = 1;
+    float length = 1;
     for (auto* track : {&light.mColor.mR, &light.mColor.mG, &light.mColor.mB, &light.mColor.mA,
                         &light.mTrack5150.mX, &light.mTrack5160.mX, &light.mAngle.mX}) {
         animate(*track, 0, 1, ++length);
@@ -205,7 +205,7 @@ TEST(SceneNode, lightAddsItsTracksToTheLength) {
 }
 
 TEST(SceneNode, getChildFindsDirectChildrenOnly) {
-    o3d::Scene        scene;
+    o3d::Scene scene;
     o3d::Dummy* const child = new o3d::Dummy;
     o3d::Dummy* const second = new o3d::Dummy;
     o3d::Dummy* const grandchild = new o3d::Dummy;
@@ -229,10 +229,10 @@ TEST(SceneNode, clearGoesBackToTheDefaults) {
     o3d::Manager manager;
     load(manager, everything());
     o3d::Scene& scene = *manager.mScenes[0];
-    auto&       camera = dynamic_cast<o3d::Camera&>(*scene.mChildren[0]);
-    auto&       light = dynamic_cast<o3d::Light&>(*scene.mChildren[1]);
-    auto&       armature = dynamic_cast<o3d::Armature&>(*scene.mChildren[2]);
-    auto&       instance = dynamic_cast<o3d::MeshInstance&>(*scene.mChildren[3]->getChild("wall"));
+    auto& camera = dynamic_cast<o3d::Camera&>(*scene.mChildren[0]);
+    auto& light = dynamic_cast<o3d::Light&>(*scene.mChildren[1]);
+    auto& armature = dynamic_cast<o3d::Armature&>(*scene.mChildren[2]);
+    auto& instance = dynamic_cast<o3d::MeshInstance&>(*scene.mChildren[3]->getChild("wall"));
     light.mRotation.mOrder.value = mathbase::RotationOrder::XYZ;
     light.mPosition.mX.getValue(1.0f);
 

@@ -190,8 +190,8 @@ TEST(Track, cyclicTimeThatLandsOnTheLastKeyIsReportedAndHasAValue) {
     for (const std::vector<Key>& keys : {std::vector<Key>{plain(0, 1), plain(10, 3)},
                                          std::vector<Key>{plain(-10, 1), plain(0, 1), plain(10, 3)}}) {
         CaptureStdout capture;
-        const float   start = keys.front().mTime;
-        const Track   track = makeTrack(1, 2, keys);
+        const float start = keys.front().mTime;
+        const Track track = makeTrack(1, 2, keys);
         EXPECT_EQ(3.0f, track.getValue(start - (10 - start)));
         EXPECT_EQ("error (0.000000,10.000000),10.000000!\n", capture.text());
     }
@@ -199,7 +199,7 @@ TEST(Track, cyclicTimeThatLandsOnTheLastKeyIsReportedAndHasAValue) {
 
 TEST(Track, unknownExtrapolationGoesOnWithTheNearestSegment) {
     CaptureStdout capture;
-    const Track   track = makeTrack(1, 4, {plain(0, 0), plain(1, 10), plain(2, 12)});
+    const Track track = makeTrack(1, 4, {plain(0, 0), plain(1, 10), plain(2, 12)});
     EXPECT_EQ(16.0f, track.getValue(4));
     EXPECT_EQ(-10.0f, track.getValue(-1));
     EXPECT_EQ("error (1.000000,2.000000),4.000000!\nerror (0.000000,1.000000),-1.000000!\n", capture.text());
@@ -207,15 +207,15 @@ TEST(Track, unknownExtrapolationGoesOnWithTheNearestSegment) {
 
 TEST(Track, timeWithoutARootIsReportedAndGivesTheLeftValue) {
     CaptureStdout capture;
-    const Track   track = makeTrack(2, 4, {{0, 0, 0, 5, 1, 6}, {2, 7, 3, 8, 3, 8}});
+    const Track track = makeTrack(2, 4, {{0, 0, 0, 5, 1, 6}, {2, 7, 3, 8, 3, 8}});
     EXPECT_EQ(5.0f, track.getValue(7));
     EXPECT_EQ("error (0.000000,3.000000),7.000000!\nerror, solveForTime returned zero\n", capture.text());
 }
 
 TEST(Track, withoutARootTheOffsetOfTheCycleIsKept) {
     CaptureStdout capture;
-    const float   none = std::numeric_limits<float>::quiet_NaN();
-    const Track   track = makeTrack(2, 3, {{0, 0, 0, 5, none, 6}, {2, 7, 4, 8, 5, 8}});
+    const float none = std::numeric_limits<float>::quiet_NaN();
+    const Track track = makeTrack(2, 3, {{0, 0, 0, 5, none, 6}, {2, 7, 4, 8, 5, 8}});
     EXPECT_EQ(5.0f + 3.0f, track.getValue(6));
     EXPECT_EQ("error, solveForTime returned zero\n", capture.text());
 }
@@ -267,7 +267,7 @@ TEST(Track, handlesWithoutLengthStay) {
 TEST(Track, keysAreCountedByTheSizeOfTheChunk) {
     const std::string keys = key(0, 1) + key(1, 2);
     for (const size_t extra : {0u, 1u, 23u}) {
-        const std::string    stream = "O3DF\x01\x01" + keyList(0xFB10, 1, 0, keys + std::string(extra, 'x'));
+        const std::string stream = "O3DF\x01\x01" + keyList(0xFB10, 1, 0, keys + std::string(extra, 'x'));
         chunklib::ReadBuffer buffer(stream.data(), static_cast<int>(stream.size()));
         buffer.openChunk();
         Track track;
@@ -275,7 +275,7 @@ TEST(Track, keysAreCountedByTheSizeOfTheChunk) {
         EXPECT_EQ(2u, track.mKeys.size());
     }
     for (const size_t size : {0u, 1u, 2u, 25u}) {
-        const std::string    stream = "O3DF\x01\x01" + chunk(0xFB10, std::string(size, '\1'));
+        const std::string stream = "O3DF\x01\x01" + chunk(0xFB10, std::string(size, '\1'));
         chunklib::ReadBuffer buffer(stream.data(), static_cast<int>(stream.size()));
         buffer.openChunk();
         Track track;
@@ -290,7 +290,7 @@ std::vector<float> roots(float q0, float q1, float q2, float q3, float time) {
     Key a = plain(q0, 0), b = plain(q3, 0);
     a.mHandleOutTime = q1;
     b.mHandleInTime = q2;
-    float     found[3] = {};
+    float found[3] = {};
     const int count = Track().solveForTime(a, b, time, found);
     return std::vector<float>(found, found + count);
 }
@@ -349,12 +349,12 @@ TEST(SolveForTime, rootsCountALittleOutsideTheirRange) {
 }
 
 TEST(SolveForTime, randomCurvesGiveRootsOfTheCurve) {
-    std::mt19937                          random(3);
+    std::mt19937 random(3);
     std::uniform_real_distribution<float> any(-3, 3);
-    int                                   several = 0;
+    int several = 0;
     for (int round = 0; round < 20000; ++round) {
-        const float              q0 = any(random), q1 = any(random), q2 = any(random), q3 = any(random);
-        const float              time = any(random);
+        const float q0 = any(random), q1 = any(random), q2 = any(random), q3 = any(random);
+        const float time = any(random);
         const std::vector<float> found = roots(q0, q1, q2, q3, time);
         several += found.size() > 1;
         for (const double u : found) {
@@ -401,8 +401,8 @@ struct Bezier {
 // Random keys whose handles point the right way, some too far; as loading leaves them.
 Track randomBezier(std::mt19937& random, int count, int extrapolation) {
     std::uniform_real_distribution<float> step(0.3f, 3), reach(0, 1.6f), value(-10, 10);
-    std::vector<Key>                      keys;
-    float                                 time = value(random);
+    std::vector<Key> keys;
+    float time = value(random);
     for (int i = 0; i < count; ++i) {
         const float length = reach(random);
         keys.push_back(
@@ -417,12 +417,12 @@ void expectOnCurve(const Track& track, double time, double slack, float found) {
     size_t segment = 0;
     while (segment + 2 < track.mKeys.size() && track.mKeys[segment + 1].mTime <= time)
         ++segment;
-    const Key&   a = track.mKeys[segment];
-    const Key&   b = track.mKeys[segment + 1];
+    const Key& a = track.mKeys[segment];
+    const Key& b = track.mKeys[segment + 1];
     const Bezier bezier = {{a.mTime, a.mHandleOutTime, b.mHandleInTime, b.mTime},
                            {a.mValue, a.mHandleOutValue, b.mHandleInValue, b.mValue}};
     const double from = bezier.find(time - slack), to = bezier.find(time + slack);
-    double       lowest = 1e9, highest = -1e9;
+    double lowest = 1e9, highest = -1e9;
     for (int i = 0; i <= 40; ++i) {
         const double value = Bezier::at(bezier.value, from + (to - from) * i / 40);
         lowest = std::min(lowest, value);
@@ -434,11 +434,11 @@ void expectOnCurve(const Track& track, double time, double slack, float found) {
 }
 
 TEST(Track, bezierSamplesLieOnTheCurveThatBisectionFinds) {
-    std::mt19937  random(5);
+    std::mt19937 random(5);
     CaptureStdout capture;
     for (int round = 0; round < 400; ++round) {
-        const int                             count = 2 + static_cast<int>(random() % 20);
-        const Track                           track = randomBezier(random, count, 0);
+        const int count = 2 + static_cast<int>(random() % 20);
+        const Track track = randomBezier(random, count, 0);
         std::uniform_real_distribution<float> inside(track.mKeys.front().mTime, track.mKeys.back().mTime);
         for (int i = 0; i < 50; ++i) {
             const float time = std::min(inside(random), std::nextafter(track.mKeys.back().mTime, -1e9f));
@@ -451,16 +451,16 @@ TEST(Track, bezierSamplesLieOnTheCurveThatBisectionFinds) {
 TEST(Track, cyclicBezierSamplesLieOnTheCurveThatBisectionFinds) {
     std::mt19937 random(6);
     for (int round = 0; round < 200; ++round) {
-        const int    extrapolation = 2 + round % 2;
-        const Track  track = randomBezier(random, 2 + static_cast<int>(random() % 6), extrapolation);
+        const int extrapolation = 2 + round % 2;
+        const Track track = randomBezier(random, 2 + static_cast<int>(random() % 6), extrapolation);
         const double first = track.mKeys.front().mTime;
         const double span = static_cast<double>(track.mKeys.back().mTime) - first;
         const double rise = extrapolation == 3 ? track.mKeys.back().mValue - track.mKeys.front().mValue : 0;
         for (int i = 0; i < 30; ++i) {
-            const int    cycle = static_cast<int>(random() % 9) - 4;
+            const int cycle = static_cast<int>(random() % 9) - 4;
             const double place = span * (0.01 + 0.98 * (random() % 1000) / 1000.0);
-            const float  time = static_cast<float>(first + span * cycle + place);
-            const float  value = track.getValue(time);
+            const float time = static_cast<float>(first + span * cycle + place);
+            const float value = track.getValue(time);
             expectOnCurve(track, first + place, 1e-4, static_cast<float>(value - rise * cycle));
         }
     }
@@ -468,11 +468,11 @@ TEST(Track, cyclicBezierSamplesLieOnTheCurveThatBisectionFinds) {
 
 TEST(Track, valueDoesNotDependOnWhatWasSampledBefore) {
     std::mt19937 random(8);
-    const Track  used = randomBezier(random, 21, 0);
-    const float  first = used.mKeys.front().mTime, last = used.mKeys.back().mTime;
+    const Track used = randomBezier(random, 21, 0);
+    const float first = used.mKeys.front().mTime, last = used.mKeys.back().mTime;
     for (int i = 0; i < 5000; ++i) {
         const float time = first + (last - first) * static_cast<float>(random() % 10000) / 10000.0f;
-        Track       fresh = used;
+        Track fresh = used;
         fresh.mIndex = -1;
         EXPECT_EQ(fresh.getValue(time), used.getValue(time));
         EXPECT_LE(used.mKeys[static_cast<size_t>(used.mIndex)].mTime, time);
@@ -496,7 +496,7 @@ TEST(Track, everyNumberOfKeysFindsItsSegment) {
 TEST(Track, keysOutOfOrderAndNumbersThatAreNoneAreSurvived) {
     const float none = std::numeric_limits<float>::quiet_NaN(), huge = std::numeric_limits<float>::infinity();
     const float odd[] = {none, huge, -huge, 0, -0.0f, 1, -1, 3e38f, -3e38f, 1e-40f, 2.5f, 7};
-    std::mt19937  random(9);
+    std::mt19937 random(9);
     CaptureStdout capture;
     for (int round = 0; round < 20000; ++round) {
         std::vector<Key> keys(random() % 6);
@@ -526,7 +526,7 @@ TEST(Track, allKeysAtOneTimeAreSurvived) {
 // Loads the payload of a track chunk into the group.
 template <typename GROUP>
 GROUP loadGroup(const std::string& payload) {
-    const std::string    stream = "O3DF\x01\x01" + chunk(0xFA00, payload);
+    const std::string stream = "O3DF\x01\x01" + chunk(0xFA00, payload);
     chunklib::ReadBuffer buffer(stream.data(), static_cast<int>(stream.size()));
     buffer.openChunk();
     GROUP group;
@@ -581,7 +581,7 @@ TEST(TrackGroup, defaultQuaternionWithoutADirectionIsTheIdentity) {
 
 TEST(TrackGroup, aDefaultThatIsCutShortFallsBackToZeroForWhatIsMissing) {
     // The parent ends within the chunk, whose own size is implied; and then so does the stream.
-    const std::string    stream = "O3DF\x01\x01" + u16(0xFA00) + u32(10) + u16(0xF006) + floats({4, 5});
+    const std::string stream = "O3DF\x01\x01" + u16(0xFA00) + u32(10) + u16(0xF006) + floats({4, 5});
     chunklib::ReadBuffer buffer(stream.data(), static_cast<int>(stream.size()));
     buffer.openChunk();
     o3d::TrackVector3f track(1.0f);
@@ -635,7 +635,7 @@ TEST(TrackGroup, writesItsKeyListsThenTheDefault) {
 
 TEST(TrackGroup, lengthsAndStillnessCoverEveryComponent) {
     o3d::TrackColor4f color;
-    o3d::TrackQuatf   rotation;
+    o3d::TrackQuatf rotation;
     EXPECT_TRUE(color.isStatic() && rotation.isStatic());
     float length = 0;
     for (auto* track : {&color.mR, &color.mG, &color.mB, &color.mA}) {

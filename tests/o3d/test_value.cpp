@@ -20,7 +20,7 @@ std::string written(const T& value) {
 // `value` after reading it from a chunk that holds these bytes.
 template <typename T>
 T read(const std::string& payload, T value) {
-    const std::string    stream = "O3DF\x01\x01" + chunk(0xABC0, payload) + "more bytes behind the chunk";
+    const std::string stream = "O3DF\x01\x01" + chunk(0xABC0, payload) + "more bytes behind the chunk";
     chunklib::ReadBuffer buffer(stream.data(), static_cast<int>(stream.size()));
     buffer.openChunk();
     o3d::loadValue(buffer, &value);

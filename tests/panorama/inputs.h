@@ -35,9 +35,9 @@ public:
     explicit operator bool() const { return mMade; }
 
 private:
-    TempDir     mFolder;
+    TempDir mFolder;
     std::string mBefore;
-    bool        mMade = false;
+    bool mMade = false;
 };
 
 // A workspace of 800 by 600 pixels that notes the actions it gets.
@@ -46,8 +46,8 @@ protected:
     typedef std::vector<int> Actions;
 
     panorama::Workspace mRoot;
-    Actions             mActions;
-    panorama::Control*  mSource = nullptr; // of the last action
+    Actions mActions;
+    panorama::Control* mSource = nullptr; // of the last action
 
     InputTest() {
         mRoot.setArea(mathbase::Box2(0, 0, 800, 600));
@@ -83,7 +83,7 @@ protected:
         xml::XmlParser document;
         document.parse("<panorama><control " + element + "</panorama>");
         const xml::XmlNode& root = document;
-        xml::IteratorConst  it = root.createIterator("control");
+        xml::IteratorConst it = root.createIterator("control");
         ASSERT_TRUE(++it);
         control->load(it);
     }

@@ -48,7 +48,7 @@ TEST_F(ButtonTest, APlainButtonWhoseReleaseFallsOutsideGetsNoAction1) {
 }
 
 TEST_F(ButtonTest, AReleaseOverASiblingIsOneOutside) {
-    Flow*   flow = add<Flow>(Box2(0, 0, 100, 100)); // whose children keep their order
+    Flow* flow = add<Flow>(Box2(0, 0, 100, 100)); // whose children keep their order
     Button* upper = new Button;
     Button* lower = new Button;
     flow->addControl(upper);
@@ -120,8 +120,8 @@ TEST_F(ButtonTest, ReadsItsCaption) {
 TEST_F(ButtonTest, MayBeDeletedByItsOwnActions) {
     struct Deleter : Callback {
         Workspace* root = nullptr;
-        Action     when = ACTION_PRESS;
-        void       controlAction(Control*, Action action) override {
+        Action when = ACTION_PRESS;
+        void controlAction(Control*, Action action) override {
             if (action == when)
                 root->deleteControls();
         }
@@ -138,7 +138,7 @@ TEST_F(ButtonTest, MayBeDeletedByItsOwnActions) {
 TEST_F(ButtonTest, MayBeDeletedByTheActionOfAControlInIt) {
     struct Deleter : Callback {
         Workspace* root = nullptr;
-        void       controlAction(Control*, Action) override { root->deleteControls(); }
+        void controlAction(Control*, Action) override { root->deleteControls(); }
     } deleter;
     deleter.root = &mRoot;
     Button* outer = add<Button>(Box2(10, 10, 60, 30));

@@ -73,7 +73,7 @@ TEST_F(FrameTest, aPageStartsHiddenAndFillsItsView) {
     EXPECT_EQ(page.mBack.color.second, Vector4f(0, 0, 0, 0));
     expectTabColors(page);
 
-    TabView&  view = add<TabView>(Box2(10, 20, 210, 120));
+    TabView& view = add<TabView>(Box2(10, 20, 210, 120));
     TabFrame& loaded = add<TabFrame>(Box2(0, 0, 5, 5), &view);
     EXPECT_TRUE(loaded.getVisible());
     loadText(loaded, "<tabframe id='p' caption='Page one'><area width='7' height='8'/></tabframe>");
@@ -102,7 +102,7 @@ TEST_F(TabViewTest, itsDefaults) {
 }
 
 TEST_F(TabViewTest, theStripIsEighteenHighAndThePagesLieBelow) {
-    Plain&   parent = add<Plain>(Box2(100, 50, 400, 350));
+    Plain& parent = add<Plain>(Box2(100, 50, 400, 350));
     TabView& view = add<TabView>(Box2(10, 20, 210, 120), &parent);
     EXPECT_EQ(view.mTabArea.area, Box2(10, 20, 210, 38));
     EXPECT_EQ(view.mTabArea.world, Box2(110, 70, 310, 88));
@@ -152,7 +152,7 @@ TEST_F(TabViewTest, aTabIsNoLongerHoveredWhenTheMouseHasLeftTheView) {
 }
 
 TEST_F(TabViewTest, focusingAPageKeepsTheOrderOfTheTabs) {
-    TabView&  view = add<TabView>(Box2(100, 100, 300, 200));
+    TabView& view = add<TabView>(Box2(100, 100, 300, 200));
     TabFrame& first = add<TabFrame>(Box2(), &view);
     TabFrame& second = add<TabFrame>(Box2(), &view);
     view.setFocus(&first);
@@ -160,7 +160,7 @@ TEST_F(TabViewTest, focusingAPageKeepsTheOrderOfTheTabs) {
 }
 
 TEST_F(TabViewTest, loadShowsTheFirstPage) {
-    TabView&  view = add<TabView>(Box2(0, 0, 300, 200));
+    TabView& view = add<TabView>(Box2(0, 0, 300, 200));
     TabFrame& first = add<TabFrame>(Box2(), &view);
     TabFrame& second = add<TabFrame>(Box2(), &view);
     first.setVisible(false);
@@ -197,7 +197,7 @@ TEST_F(WindowTest, itsDefaults) {
 }
 
 TEST_F(WindowTest, theTitleIsEighteenHighAndTheChildrenLieBelow) {
-    Plain&  parent = add<Plain>(Box2(0, 0, 800, 600));
+    Plain& parent = add<Plain>(Box2(0, 0, 800, 600));
     Window& window = add<Window>(Box2(30, 40, 230, 190), &parent);
     EXPECT_EQ(window.mTitleArea.area, Box2(30, 40, 230, 58));
     EXPECT_EQ(window.mTitleArea.world, Box2(30, 40, 230, 58));
@@ -257,7 +257,7 @@ TEST_F(WindowTest, theDragGoesOnOutsideTheWindow) {
 TEST_F(WindowTest, aDragGoesOnOverAnotherControlAndEndsWithAReleaseThere) {
     root.mRaiseOnFocus = false; // the other one stays on top
     Window& window = add<Window>(Box2(30, 40, 230, 190));
-    Plain&  other = add<Plain>(Box2(400, 0, 800, 600));
+    Plain& other = add<Plain>(Box2(400, 0, 800, 600));
     sendMove(root, Vector2f(), Vector2f(100, 50));
     send(root, "mousedown", Vector2f(100, 50));
     sendMove(root, Vector2f(100, 50), Vector2f(500, 60));
@@ -278,7 +278,7 @@ TEST_F(WindowTest, insideAWorkspaceItCanBeDraggedOffTheScreen) {
 }
 
 TEST_F(WindowTest, insideAnotherControlItStopsAtTheTopLeftAndNotAtTheBottomRight) {
-    Plain&  parent = add<Plain>(Box2(100, 100, 500, 400));
+    Plain& parent = add<Plain>(Box2(100, 100, 500, 400));
     Window& window = add<Window>(Box2(30, 40, 230, 190), &parent);
     sendMove(root, Vector2f(), Vector2f(200, 150));
     send(root, "mousedown", Vector2f(200, 150));
@@ -292,7 +292,7 @@ TEST_F(WindowTest, insideAnotherControlItStopsAtTheTopLeftAndNotAtTheBottomRight
 }
 
 TEST_F(WindowTest, itStopsOnWholePixelsOfItsOwn) {
-    Plain&  parent = add<Plain>(Box2(100, 100, 500, 400));
+    Plain& parent = add<Plain>(Box2(100, 100, 500, 400));
     Window& window = add<Window>(Box2(30, 40, 230, 190), &parent);
     sendMove(root, Vector2f(), Vector2f(200, 150));
     send(root, "mousedown", Vector2f(200, 150));
@@ -301,7 +301,7 @@ TEST_F(WindowTest, itStopsOnWholePixelsOfItsOwn) {
 }
 
 TEST_F(WindowTest, aScrolledParentMovesTheStop) {
-    Plain&  parent = add<Plain>(Box2(100, 100, 500, 400));
+    Plain& parent = add<Plain>(Box2(100, 100, 500, 400));
     Window& window = add<Window>(Box2(30, 40, 230, 190), &parent);
     window.setOffset(Vector2f(10, 20));
     window.setArea(window.mArea.area);
@@ -346,7 +346,7 @@ TEST_F(WindowTest, maximizedItIsNotDragged) {
 }
 
 TEST_F(WindowTest, inAParentOfNoSizeADragEnds) {
-    Plain&  parent = add<Plain>(Box2(100, 100, 100, 100));
+    Plain& parent = add<Plain>(Box2(100, 100, 100, 100));
     Window& window = add<Window>(Box2(0, 0, 50, 50), &parent);
     window.mDragging = true;
     window.mDragStart = Vector2f(0, 0);
@@ -356,7 +356,7 @@ TEST_F(WindowTest, inAParentOfNoSizeADragEnds) {
 }
 
 TEST_F(WindowTest, aDragByHugeOrUnknownDistancesEnds) {
-    Plain&  parent = add<Plain>(Box2(100, 100, 300, 300));
+    Plain& parent = add<Plain>(Box2(100, 100, 300, 300));
     Window& window = add<Window>(Box2(0, 0, 50, 50), &parent);
     window.mDragging = true;
     window.mDragStart = Vector2f(0, 0);
@@ -399,7 +399,7 @@ public:
 };
 
 TEST_F(WindowTest, itsOwnButtonMayDeleteIt) {
-    Plain&  parent = add<Plain>(Box2(0, 0, 800, 600));
+    Plain& parent = add<Plain>(Box2(0, 0, 800, 600));
     Window& window = add<Window>(Box2(30, 40, 230, 190), &parent);
     add<Closer>(Box2(0, 0, 50, 50), &window);
     sendMove(root, Vector2f(), Vector2f(40, 70));
@@ -419,9 +419,9 @@ TEST_F(LayoutStackTest, itsDefaults) {
 
 TEST_F(LayoutStackTest, childrenFollowEachOtherAndKeepTheirSizeAndTheirPlaceAcross) {
     LayoutStack& stack = add<LayoutStack>(Box2(100, 100, 400, 400));
-    Plain&       first = add<Plain>(Box2(5, 50, 45, 60), &stack);
-    Plain&       second = add<Plain>(Box2(7, 0, 17, 20), &stack);
-    Plain&       third = add<Plain>(Box2(0, 0, 30, 30), &stack);
+    Plain& first = add<Plain>(Box2(5, 50, 45, 60), &stack);
+    Plain& second = add<Plain>(Box2(7, 0, 17, 20), &stack);
+    Plain& third = add<Plain>(Box2(0, 0, 30, 30), &stack);
     EXPECT_EQ(first.mArea.area, Box2(5, 0, 45, 10));
     EXPECT_EQ(second.mArea.area, Box2(7, 10, 17, 30));
     EXPECT_EQ(third.mArea.area, Box2(0, 30, 30, 60));
@@ -454,8 +454,8 @@ TEST_F(LayoutStackTest, aChildThatGoesOrComesBetweenMovesTheOthers) {
 
 TEST_F(LayoutStackTest, aChildThatHasGrownMovesTheOthersWithRecalculate) {
     LayoutStack& stack = add<LayoutStack>(Box2(0, 0, 400, 400));
-    Plain&       first = add<Plain>(Box2(0, 0, 10, 10), &stack);
-    Plain&       second = add<Plain>(Box2(0, 0, 10, 30), &stack);
+    Plain& first = add<Plain>(Box2(0, 0, 10, 10), &stack);
+    Plain& second = add<Plain>(Box2(0, 0, 10, 30), &stack);
     first.setArea(Box2(0, 0, 10, 100));
     stack.recalculate();
     EXPECT_EQ(second.mArea.area, Box2(0, 100, 10, 130));

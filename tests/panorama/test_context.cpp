@@ -16,8 +16,8 @@ namespace {
 
 class ContextTest : public TreeTest {
 protected:
-    Plain*  owner = new Plain(Box2(0, 0, 400, 300));
-    Heard   heard;
+    Plain* owner = new Plain(Box2(0, 0, 400, 300));
+    Heard heard;
     Context menu;
 
     ContextTest() {
@@ -174,7 +174,7 @@ TEST_F(ContextTest, theRowUnderTheMouseIsHighlighted) {
     EXPECT_EQ(menu.mArea.area, Box2(100, 50, 130, 100));
     const struct {
         float x, y;
-        int   row;
+        int row;
     } places[] = {{115, 55, 0},         {115, 64.9f, 0},    {115, 65, -1},      {115, 69.9f, -1},
                   {115, 70, 1},         {115, 85, 2},       {115, 94, 2},       {115, 95, -1},
                   {115, 54.9f, -1},     {100, 60, 0},       {129, 60, 0},       {130, 60, -1},
@@ -299,7 +299,7 @@ TEST_F(ContextTest, itemsNestedThousandsDeepAreCutOffWithALine) {
         text += "</item>";
     CaptureStdout printed;
     loadText(menu, text + "</context>");
-    int            depth = 0;
+    int depth = 0;
     const Control* level = &menu;
     for (; !level->mControls.empty(); level = level->mControls[0])
         ++depth;

@@ -37,7 +37,7 @@ public:
 // Runs something when it hears an event of a type.
 class Doing : public Plain {
 public:
-    std::string           word;
+    std::string word;
     std::function<void()> work;
 
     using Plain::Plain;
@@ -154,7 +154,7 @@ TEST_F(ControlTest, aWorkspaceIsTheRoot) {
 
 TEST_F(ControlTest, worldAndClipOfNestedBoxes) {
     Framed& outer = add<Framed>(Box2(100, 50, 300, 250));
-    Plain&  inner = add(Box2(10, 10, 400, 60), &outer);
+    Plain& inner = add(Box2(10, 10, 400, 60), &outer);
     EXPECT_EQ(outer.mArea.world, Box2(100, 50, 300, 250));
     EXPECT_EQ(outer.mArea.clip, Box2(100, 50, 300, 250));
     EXPECT_EQ(outer.mChildArea.area, Box2(3, 20, 196, 196));
@@ -207,8 +207,8 @@ TEST_F(ControlTest, theTreeEndsAtTenThousandPixels) {
 
 TEST_F(ControlTest, maximizedFillsTheParentsChildAreaAndGoesBack) {
     Framed& outer = add<Framed>(Box2(0, 0, 207, 124));
-    Plain&  inner = add(Box2(5, 6, 50, 60), &outer);
-    Plain&  core = add(Box2(), &inner);
+    Plain& inner = add(Box2(5, 6, 50, 60), &outer);
+    Plain& core = add(Box2(), &inner);
     core.setMaximized(true);
     inner.setMaximized(true);
     EXPECT_TRUE(inner.mAreaSaved);
@@ -240,8 +240,8 @@ TEST_F(ControlTest, occupiedIsTheBoxAroundTheVisibleChildren) {
 
 TEST_F(ControlTest, zeroNegativeAndEnormousAreasAndNoNumbersAreTaken) {
     const float sides[] = {0, -5, 5, 1e9f, -1e9f, 3e38f, -3e38f, ENDLESS, -ENDLESS, NO_NUMBER};
-    Plain&      outer = add(Box2(0, 0, 100, 100));
-    Plain&      inner = add(Box2(0, 0, 10, 10), &outer);
+    Plain& outer = add(Box2(0, 0, 100, 100));
+    Plain& inner = add(Box2(0, 0, 10, 10), &outer);
     for (float a : sides)
         for (float b : sides)
             for (float c : sides) {
@@ -294,7 +294,7 @@ TEST_F(ControlTest, childrenAreTakenAtAnIndexAndDeleted) {
 
 TEST_F(ControlTest, aControlDeletedPastItsParentLeavesIt) {
     Plain* child = &add(Box2());
-    Flow&  flow = addFlow(Box2());
+    Flow& flow = addFlow(Box2());
     Plain* row = new Plain;
     flow.addControl(row);
     EXPECT_EQ(root.getControlSize(), 2u);
@@ -329,8 +329,8 @@ TEST_F(ControlTest, findControlGoesDepthFirst) {
 }
 
 TEST_F(ControlTest, aControlCannotHangBelowItself) {
-    Plain&        a = add(Box2(0, 0, 100, 100));
-    Plain&        b = add(Box2(0, 0, 50, 50), &a);
+    Plain& a = add(Box2(0, 0, 100, 100));
+    Plain& b = add(Box2(0, 0, 50, 50), &a);
     CaptureStdout out;
     a.setParent(&b);
     EXPECT_EQ(a.getParent(), &root);
@@ -350,7 +350,7 @@ TEST_F(ControlTest, tenThousandInEachOtherAreNotTaken) {
     std::string text;
     {
         CaptureStdout out;
-        Control*      inner = &root;
+        Control* inner = &root;
         for (int i = 0; i < 10000; ++i) { // from the outside in
             std::unique_ptr<Plain> next(new Plain(Box2(0, 0, 700, 500)));
             inner->addControl(next.get(), -1);
@@ -384,7 +384,7 @@ TEST_F(ControlTest, tenThousandInEachOtherAreNotTaken) {
 
 TEST_F(ControlTest, aChainOfTenThousandParentsIsAsked) {
     std::vector<std::unique_ptr<Plain>> chain(10000);
-    Control*                            parent = &root;
+    Control* parent = &root;
     for (std::unique_ptr<Plain>& link : chain) {
         link = std::make_unique<Plain>();
         link->mParent = parent;
@@ -395,7 +395,7 @@ TEST_F(ControlTest, aChainOfTenThousandParentsIsAsked) {
     EXPECT_EQ(parent->getDisplay(), nullptr);
     parent->sendAction(ACTION_PRESS, nullptr);
     parent->setFocus(nullptr);
-    Plain         stranger;
+    Plain stranger;
     CaptureStdout out;
     parent->addControl(&stranger, -1);
     EXPECT_EQ(stranger.getParent(), nullptr);
@@ -436,7 +436,7 @@ TEST_F(ControlTest, clickingAChildRaisesItAboveItsSiblings) {
 }
 
 TEST_F(ControlTest, clickingAChildOfAFlowDoesNotRaiseIt) {
-    Flow&  flow = addFlow(Box2(0, 0, 100, 100));
+    Flow& flow = addFlow(Box2(0, 0, 100, 100));
     Plain* a = new Plain;
     Plain* b = new Plain;
     flow.addControl(a);
@@ -536,8 +536,8 @@ TEST_F(ControlTest, hoverKeepsAcceptEventsTrueUntilTheNextReset) {
 
 TEST_F(ControlTest, aControlMayBeDeletedInItsOwnEvent) {
     for (const char* word : {"mousedown", "mousemove", "reset", "mouseup", "mousewheel", "keydown"}) {
-        Plain&   group = add(Box2(0, 0, 100, 100));
-        Doing&   doing = add<Doing>(Box2(0, 0, 100, 100), &group);
+        Plain& group = add(Box2(0, 0, 100, 100));
+        Doing& doing = add<Doing>(Box2(0, 0, 100, 100), &group);
         Control* self = &doing;
         doing.word = word;
         doing.work = [self] { delete self; };
@@ -577,7 +577,7 @@ TEST_F(ControlTest, allControlsMayBeDeletedInAnEvent) {
 TEST_F(ControlTest, anActionClimbsToTheNearestCallbacks) {
     Plain& a = add(Box2());
     Plain& b = add(Box2(), &a);
-    Heard  first, second, above;
+    Heard first, second, above;
     a.setCallback(&first);
     a.setCallback(&second);
     root.setCallback(&above);
@@ -604,7 +604,7 @@ TEST_F(ControlTest, whoHearsAnActionMayDeleteItsSource) {
     struct Deletes : Callback {
         void controlAction(Control* source, Action) override { delete source; }
     } deletes;
-    Heard  later;
+    Heard later;
     Plain& a = add(Box2());
     a.setCallback(&deletes);
     a.setCallback(&later);
@@ -616,8 +616,8 @@ TEST_F(ControlTest, whoHearsAnActionMayDeleteItsSource) {
 // Menus
 
 TEST_F(ControlTest, withAContextOpenClicksElsewhereCloseItAndReachNothing) {
-    Plain&  below = add(Box2(0, 0, 800, 600));
-    Plain&  button = add(Box2(0, 0, 50, 20));
+    Plain& below = add(Box2(0, 0, 800, 600));
+    Plain& button = add(Box2(0, 0, 50, 20));
     Context menu;
     menu.addOption("a", "");
     menu.setPosition(Vector2f(300, 300));
@@ -658,7 +658,7 @@ TEST_F(ControlTest, hex2vecReadsPairsOfDigits) {
 
 TEST_F(ControlTest, withoutAnAreaItFillsItsParent) {
     Framed& outer = add<Framed>(Box2(0, 0, 207, 124));
-    Plain&  inner = add(Box2(), &outer);
+    Plain& inner = add(Box2(), &outer);
     loadText(inner, "<plain id='a'/>");
     EXPECT_EQ(inner.getName(), "a");
     EXPECT_TRUE(inner.getMaximized());
@@ -720,7 +720,7 @@ TEST_F(ControlTest, coloursAreReadByPaletteAndPair) {
 }
 
 TEST_F(ControlTest, aChildElementWithSeveralControlsAddsThemInOrder) {
-    Plain&      control = add(Box2(0, 0, 100, 100));
+    Plain& control = add(Box2(0, 0, 100, 100));
     std::string text;
     {
         CaptureStdout out;
@@ -758,7 +758,7 @@ TEST_F(ControlTest, aClassTakesThePlaceOfTheTypesStyleFoundOrNot) {
 TEST_F(ControlTest, aStyleThatHoldsItselfEnds) {
     loadStyle("<panel><child><panel/></child></panel><frame><child><label class='loop'/></child></frame>"
               "<loop><child><frame/><frame/></child></loop>");
-    Plain&        control = add(Box2());
+    Plain& control = add(Box2());
     CaptureStdout out;
     loadText(control, "<p><child><panel/><frame/></child></p>");
     EXPECT_EQ(control.getControlSize(), 2u);
@@ -772,7 +772,7 @@ TEST_F(ControlTest, stylesThatDoubleAreBounded) {
         style += "<s" + std::to_string(i) + "><child><frame class='s" + std::to_string(i + 1) +
                  "'/><frame class='s" + std::to_string(i + 1) + "'/></child></s" + std::to_string(i) + ">";
     loadStyle(style);
-    Plain&        control = add(Box2());
+    Plain& control = add(Box2());
     CaptureStdout out;
     loadText(control, "<p><child><frame class='s0'/></child></p>");
     EXPECT_NE(out.text().find("The styles hold more than 20000 controls: 'frame' and more are left out"),
@@ -785,7 +785,7 @@ TEST_F(ControlTest, aLayoutNestedTenThousandDeepIsCut) {
         text += "<flow><child>";
     for (int i = 0; i < 10000; ++i)
         text += "</child></flow>";
-    Plain&        control = add(Box2());
+    Plain& control = add(Box2());
     CaptureStdout out;
     try {
         loadText(control, "<p><child>" + text + "</child></p>");
@@ -832,7 +832,7 @@ TEST_F(ControlTest, theFactoryClonesTheFirstOfAType) {
     public:
         explicit Other(int number) : mNumber(number) { mType = "other"; }
         Control* clone() override { return new Other(mNumber); }
-        int      mNumber;
+        int mNumber;
     };
     controlFactory.addControlType(new Other(1));
     controlFactory.addControlType(new Other(2));
@@ -975,7 +975,7 @@ TEST_F(ControlTest, aPanelsDefaultsAndItsChildArea) {
 }
 
 TEST_F(ControlTest, clonesAreNewOnesOfTheSameClass) {
-    Flow  flow;
+    Flow flow;
     Panel panel;
     flow.setDirection(Flow::HORIZONTAL);
     panel.setCaption("one");

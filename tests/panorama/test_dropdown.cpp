@@ -82,7 +82,7 @@ TEST_F(DropdownTest, AMoveWithinTheClickThatOpensTheListDoesNotCloseIt) {
 
 TEST_F(DropdownTest, AClickElsewhereClosesTheListAndDoesNothingElse) {
     Dropdown* dropdown = three();
-    Button*   button = add<Button>(Box2(300, 10, 400, 30));
+    Button* button = add<Button>(Box2(300, 10, 400, 30));
     click(20, 20);
     click(350, 20);
     EXPECT_EQ(mRoot.mContext, nullptr);
@@ -227,7 +227,7 @@ TEST_F(DropdownTest, MayBeDeletedWhileItsListIsOpenAndByItsOwnAction) {
 
     struct Deleter : Callback {
         Workspace* root = nullptr;
-        void       controlAction(Control*, Action) override { root->deleteControls(); }
+        void controlAction(Control*, Action) override { root->deleteControls(); }
     } deleter;
     deleter.root = &mRoot;
     three()->setCallback(&deleter);

@@ -34,7 +34,7 @@ class Sheet {
 public:
     void add(const Picture& from, const Box2& box) {
         const int x = std::max(0, int(box.x1)), y = std::max(0, int(box.y1));
-        Picture   piece(std::min(int(box.x2), from.width) - x, std::min(int(box.y2), from.height) - y);
+        Picture piece(std::min(int(box.x2), from.width) - x, std::min(int(box.y2), from.height) - y);
         for (int row = 0; row < piece.height; ++row)
             std::memcpy(piece.at(0, row), from.at(x, y + row), size_t(piece.width) * 4);
         mRows.back().push_back(std::move(piece));
@@ -77,10 +77,10 @@ private:
 
 class Gallery : public ::testing::Test, protected Callback {
 protected:
-    test::GlWindow            mWindow;
+    test::GlWindow mWindow;
     std::unique_ptr<Panorama> mPanorama;
-    test::Viewer              mViewer;
-    std::vector<std::string>  mActions; // name and number
+    test::Viewer mViewer;
+    std::vector<std::string> mActions; // name and number
 
     Gallery() : mWindow(WIDTH, HEIGHT), mViewer("test", [this] { mWindow.display().update(); }) {
         // Time stands still, as far as a caret can tell.
@@ -148,7 +148,7 @@ protected:
     void settle() {
         struct Last : display::Listener {
             bool through = false;
-            int  onKeyUp(const display::KeyEvent& event) override {
+            int onKeyUp(const display::KeyEvent& event) override {
                 through |= event.key == display::KEY_F12;
                 return 0;
             }
@@ -163,7 +163,7 @@ protected:
 
 TEST_F(Gallery, HoldsEveryTypeThatIsRegistered) {
     const std::string layout = test::readFile(test::sourcePath("tests/data/panorama/gallery.xml"));
-    std::string       types;
+    std::string types;
     for (Control* prototype : ControlFactory::mControl) {
         const std::string type = prototype->getType();
         if (types.find(type + " ") == std::string::npos)
@@ -183,7 +183,7 @@ TEST_F(Gallery, AtRest) {
 
 TEST_F(Gallery, ARealMousePushesDragsAndChooses) {
     typedef std::vector<std::string> Actions;
-    const auto                       take = [&] {
+    const auto take = [&] {
         settle();
         return std::exchange(mActions, Actions());
     };
@@ -296,7 +296,7 @@ TEST_F(Gallery, RealKeysEdit) {
 }
 
 TEST_F(Gallery, EachStateThatMouseAndKeysBring) {
-    Sheet      sheet;
+    Sheet sheet;
     const auto shoot = [&](const std::string& name) {
         settle();
         const Box2 world = find<Control>(name)->getAreaWorld();

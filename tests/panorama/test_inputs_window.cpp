@@ -33,7 +33,7 @@ constexpr int WIDTH = 400, HEIGHT = 300;
 class InputsWindow : public ::testing::Test {
 protected:
     test::GlWindow mWindow;
-    Panorama       mPanorama;
+    Panorama mPanorama;
 
     InputsWindow() : mWindow(WIDTH, HEIGHT), mPanorama(&mWindow.display()) {
         mWindow.archives().addArchive(test::sourcePath("tests/data/panorama"));
@@ -163,7 +163,7 @@ TEST_F(InputsWindow, ASliderIsHitWhereItsHandleIsSeen) {
 }
 
 TEST_F(InputsWindow, ATextThatIsTooLongEndsInDots) {
-    TextLine    line;
+    TextLine line;
     const float dots = 3 * render().getAdvance('.');
     line.set("Hello");
     const float whole = render().getTextLength("Hello");
@@ -190,7 +190,7 @@ TEST_F(InputsWindow, LabelsStandInTheirBoxesInBothDirections) {
             label->setText("HEH");
             label->mAlign = across;
             label->mVAlign = down;
-            const Box2  seen = brightBox(frame(), Box2(0, 0, 400, 300));
+            const Box2 seen = brightBox(frame(), Box2(0, 0, 400, 300));
             const float left = seen.x1 - 100, right = 200 - seen.x2, top = seen.y1 - 100,
                         bottom = 140 - seen.y2;
             EXPECT_EQ(seen.getHeight(), 9.0f);
@@ -218,9 +218,9 @@ TEST_F(InputsWindow, TheCaptionOfAButtonIsCentred) {
 }
 
 TEST_F(InputsWindow, TheMousePlacesTheCaretSelectsAndTakesWords) {
-    TextInput*  input = add<TextInput>(Box2(10, 10, 210, 30));
+    TextInput* input = add<TextInput>(Box2(10, 10, 210, 30));
     const float left = 14; // of the text
-    const auto  at = [&](const char* text) { return left + render().getTextLength(text); };
+    const auto at = [&](const char* text) { return left + render().getTextLength(text); };
     input->setText("one two three");
     press(at("one"), 20);
     EXPECT_EQ(input->getCaret(), 3u);
@@ -335,7 +335,7 @@ TEST_F(InputsWindow, ZeroSizedNegativeAndEnormousControlsAreDrawn) {
 
 TEST_F(InputsWindow, ATextOfAMegabyteIsDrawnAsFarAsItIsSeen) {
     const std::string text(1000000, 'W');
-    Label*            label = add<Label>(Box2(0, 0, 100, 20));
+    Label* label = add<Label>(Box2(0, 0, 100, 20));
     label->setText(text);
     label->mAlign = TextLine::END;
     add<Button>(Box2(0, 30, 100, 50))->setCaption(text);
@@ -391,8 +391,8 @@ TEST_F(InputsWindow, AGraphOfAnythingIsDrawn) {
 
 TEST_F(InputsWindow, TheExampleOfTheDocumentationLoads) {
     const std::string page = test::readFile(test::sourcePath("docs/formats.md"));
-    test::TempDir     folder;
-    size_t            at = page.find("## Layout and style files");
+    test::TempDir folder;
+    size_t at = page.find("## Layout and style files");
     ASSERT_NE(at, std::string::npos);
     for (const char* name : {"layout.xml", "style.xml"}) {
         at = page.find("```xml\n", at) + 7;
@@ -416,7 +416,7 @@ TEST_F(InputsWindow, TheExampleOfTheDocumentationLoads) {
 
 TEST_F(InputsWindow, AFrameAllocatesNothingOnceWarm) {
     mPanorama.load("gallery.xml");
-    Stat*  stat = static_cast<Stat*>(mPanorama.mWorkspace.findControl("rate"));
+    Stat* stat = static_cast<Stat*>(mPanorama.mWorkspace.findControl("rate"));
     Label* label = add<Label>(Box2(0, 0, 100, 20));
     ASSERT_NE(stat, nullptr);
     for (int i = 0; i < 4; ++i) {

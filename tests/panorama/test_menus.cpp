@@ -29,8 +29,8 @@ namespace {
 class MenusTest : public GlTest {
 protected:
     std::unique_ptr<Panorama> toolkit;
-    Workspace&                root;
-    Heard                     heard;
+    Workspace& root;
+    Heard heard;
 
     MenusTest() : toolkit(new Panorama(&window(400, 300).display())), root(toolkit->mWorkspace) {
         root.setDisplay(&display());
@@ -64,8 +64,8 @@ protected:
 class MenubarTest : public MenusTest {
 protected:
     Menubar& bar;
-    Plain&   below;
-    float    editLeft;
+    Plain& below;
+    float editLeft;
 
     MenubarTest() : bar(add<Menubar>(Box2(0, 0, 400, 300))), below(add<Plain>(Box2(0, 0, 400, 200), &bar)) {
         loadText(bar, "<menubar id='bar'><item caption='file'><item caption='open'/><item caption='recent'>"
@@ -299,7 +299,7 @@ TEST_F(MenubarTest, aBarThatIsHiddenTakesItsMenuAlong) {
 
 class MenuTextTest : public MenusTest {
 protected:
-    Plain&  owner;
+    Plain& owner;
     Context menu;
 
     MenuTextTest() : owner(add<Plain>(Box2(0, 0, 400, 300))) {}
@@ -369,7 +369,7 @@ TEST_F(MenuTextTest, tenThousandRowsAreDrawnForThoseThatShow) {
     menu.setPosition(Vector2f(100, -75000));
     shown();
     const size_t before = allocationCount();
-    size_t       after = before;
+    size_t after = before;
     frame([&] {
         const size_t start = allocationCount();
         toolkit->onDraw();
@@ -440,14 +440,14 @@ TEST_F(MenusTest, pictureOfWindows) {
 }
 
 TEST_F(MenusTest, pictureOfBars) {
-    Frame&      frame = add<Frame>(Box2(20, 20, 200, 280));
+    Frame& frame = add<Frame>(Box2(20, 20, 200, 280));
     Scrollbars& bars = add<Scrollbars>(Box2(), &frame);
     add<LayoutStack>(Box2(10, 10, 300, 500), &bars);
     bars.setArea(bars.mArea.area);
     bars.mPosX = 40;
     bars.mPosY = 60;
     bars.buildScrollbars();
-    Frame&      other = add<Frame>(Box2(220, 20, 380, 280));
+    Frame& other = add<Frame>(Box2(220, 20, 380, 280));
     Scrollbars& vertical = add<Scrollbars>(Box2(), &other);
     loadText(vertical, "<scrollbar direction='vertical'/>");
     vertical.mDragVertical = true;
@@ -536,9 +536,9 @@ TEST_F(MouseTest, dragsAndMaximizesAWindow) {
 }
 
 TEST_F(MouseTest, scrollsByTheWheelAndByTheThumb) {
-    Frame&      holder = add<Frame>(Box2(50, 50, 250, 200));
+    Frame& holder = add<Frame>(Box2(50, 50, 250, 200));
     Scrollbars& bars = add<Scrollbars>(Box2(), &holder);
-    Plain&      child = add<Plain>(Box2(0, 0, 600, 600), &bars);
+    Plain& child = add<Plain>(Box2(0, 0, 600, 600), &bars);
     bars.setArea(bars.mArea.area);
     viewer.moveTo(100, 100);
     viewer.until("the mouse", [&] { return bars.mHover; });
@@ -550,7 +550,7 @@ TEST_F(MouseTest, scrollsByTheWheelAndByTheThumb) {
     viewer.until("the wheel with Ctrl", [&] { return bars.mPosX > 0; });
     viewer.keyUp("Control_L");
     const float before = bars.mPosY;
-    const int   x = int(bars.mThumbVertical.x1) + 5, y = int(bars.mThumbVertical.y1) + 5;
+    const int x = int(bars.mThumbVertical.x1) + 5, y = int(bars.mThumbVertical.y1) + 5;
     viewer.moveTo(x, y);
     viewer.until("the mouse on the thumb", [&] { return display().mMouseY == float(y); });
     viewer.buttonDown(1);

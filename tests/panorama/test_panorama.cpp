@@ -88,8 +88,8 @@ public:
     }
     void drawText(const std::string& text, Vector2f position) override {
         const float length = getTextLength(text);
-        const int   mode = mFont->getAlignment();
-        float       x = position.x - (mode == 0 ? 0 : mode == 1 ? length : length * 0.5f);
+        const int mode = mFont->getAlignment();
+        float x = position.x - (mode == 0 ? 0 : mode == 1 ? length : length * 0.5f);
         x = std::floor(x + 0.5f);
         const float shift = x - position.x + (mode == 0 ? 0 : mode == 1 ? length : length * 0.5f);
         const float top = std::floor(position.y - mFont->getHeight() * 0.5f + 0.5f);
@@ -109,7 +109,7 @@ private:
 class RenderTest : public GlTest {
 protected:
     PlainRender plain;
-    Render      batched;
+    Render batched;
 
     RenderTest() {
         window(WIDTH, HEIGHT);
@@ -241,8 +241,8 @@ TEST_F(RenderTest, anyMixOfShapesAndTextIsThatOfThePlainWay) {
         expectSame(
             [&](Render& render) {
                 std::mt19937 random(seed);
-                const auto   upTo = [&](int most) { return float(random() % unsigned(most + 1)); };
-                const auto   color = [&](float alpha) {
+                const auto upTo = [&](int most) { return float(random() % unsigned(most + 1)); };
+                const auto color = [&](float alpha) {
                     return Vector4f(upTo(10) / 10, upTo(10) / 10, upTo(10) / 10, alpha);
                 };
                 for (int i = 0; i < 120; ++i) {
@@ -344,8 +344,8 @@ TEST_F(RenderTest, whatIsClippedAwayIsNotDrawnAtAll) {
 }
 
 TEST_F(RenderTest, shapesOfAnySizeAndNoNumbersAreTaken) {
-    const float   nan = std::numeric_limits<float>::quiet_NaN(), inf = std::numeric_limits<float>::infinity();
-    const float   sides[] = {0, -50, 50, 1e9f, -1e9f, 3e38f, -3e38f, inf, -inf, nan};
+    const float nan = std::numeric_limits<float>::quiet_NaN(), inf = std::numeric_limits<float>::infinity();
+    const float sides[] = {0, -50, 50, 1e9f, -1e9f, 3e38f, -3e38f, inf, -inf, nan};
     const Picture picture = draw(batched, [&](Render& render) {
         for (float a : sides)
             for (float b : sides)
@@ -402,7 +402,7 @@ public:
 
 class PanoramaTest : public GlTest {
 protected:
-    TempDir                   files;
+    TempDir files;
     std::unique_ptr<Panorama> toolkit;
 
     PanoramaTest() {
@@ -412,15 +412,15 @@ protected:
     }
 
     Workspace& root() { return toolkit->mWorkspace; }
-    Plain&     add(Box2 area, Control* parent = nullptr) {
-            Plain* control = new Colored(area);
-            if (parent)
+    Plain& add(Box2 area, Control* parent = nullptr) {
+        Plain* control = new Colored(area);
+        if (parent)
             parent->addControl(control, -1);
         else
             toolkit->addControl(control);
         return *control;
     }
-    void    file(const std::string& name, const std::string& text) { writeFile(files.file(name), text); }
+    void file(const std::string& name, const std::string& text) { writeFile(files.file(name), text); }
     Picture shown() {
         return frame([&] { toolkit->onDraw(); });
     }
@@ -566,7 +566,7 @@ TEST_F(PanoramaTest, theViewOffsetIsAddedToTheMouse) {
 }
 
 TEST_F(PanoramaTest, twoMovesWithinOnePixelAreOne) {
-    Plain&                  control = add(Box2(0, 0, WIDTH, HEIGHT));
+    Plain& control = add(Box2(0, 0, WIDTH, HEIGHT));
     display::MouseMoveEvent move;
     const auto moves = [&] { return std::count(control.heard.begin(), control.heard.end(), "mousemove"); };
     move.mousePos = Vector2f(210.25f, 33.5f);
@@ -687,8 +687,8 @@ TEST_F(PersonTest, aKeyGoesToTheFocusAndFromTheBackgroundOnToTheNext) {
 TEST_F(PersonTest, theWheelAndTheDoubleClickArrive) {
     struct Listening : Plain {
         float wheel = 0;
-        bool  doubled = false;
-        int   handleEvent(Event& event) override {
+        bool doubled = false;
+        int handleEvent(Event& event) override {
             if (event.type == "mousewheel")
                 wheel += event.wheelDelta;
             doubled |= event.doubleClick;
@@ -728,8 +728,8 @@ TEST(ResizeTest, afterAResizeAllMaximizedControlsFillTheirParentsAgain) {
     window.open();
     {
         Panorama toolkit(&window);
-        Plain&   a = *new Colored(Box2(20, 20, 120, 120));
-        Plain&   b = *new Colored;
+        Plain& a = *new Colored(Box2(20, 20, 120, 120));
+        Plain& b = *new Colored;
         toolkit.addControl(&a);
         a.addControl(&b, -1);
         b.setMaximized(true);

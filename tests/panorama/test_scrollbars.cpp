@@ -17,9 +17,9 @@ namespace {
 // thumbs travel 158 and 58 pixels.
 class ScrollbarsTest : public TreeTest {
 protected:
-    Heard       heard;
+    Heard heard;
     Scrollbars* bars = new Scrollbars;
-    Plain*      child = new Plain(Box2(0, 0, 400, 600));
+    Plain* child = new Plain(Box2(0, 0, 400, 600));
 
     ScrollbarsTest() {
         root.setCallback(&heard);
@@ -302,7 +302,7 @@ TEST_F(ScrollbarsTest, whatIsHeldGetsTheEventsWhereverTheMouseIs) {
 // The same in a window of 200 by 118 at (100, 182), whose child area is where the holder's was.
 class ResizeTest : public TreeTest {
 protected:
-    Window*     window = new Window;
+    Window* window = new Window;
     Scrollbars* bars = new Scrollbars;
 
     ResizeTest() {

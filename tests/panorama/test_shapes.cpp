@@ -43,7 +43,7 @@ void shaded(Render& render, const Box2& area, const Vector4f& first, const Vecto
 
 class ShapesTest : public GlTest {
 protected:
-    Render         render;
+    Render render;
     Shapes::Counts counts; // of the last picture
 
     ShapesTest() {
@@ -78,7 +78,7 @@ protected:
         EXPECT_LE(counts.draws, 1);
         EXPECT_EQ(counts.hidden + counts.mixed + counts.cut, 0);
         const Picture sorted = draw(shapes, true, offset, margin);
-        const int     difference = differenceOf(plain, sorted);
+        const int difference = differenceOf(plain, sorted);
         EXPECT_LE(difference, shades);
         if (difference > shades) {
             writePng(binaryPath("pictures-failed/shapes_plain.png"), plain);
@@ -221,11 +221,11 @@ TEST_F(ShapesTest, whatIsOutOfViewIsNotTaken) {
 
 TEST_F(ShapesTest, oneColourOnAnotherIsMixed) {
     expectSame([](Render& r) {
-        std::mt19937                          random(3);
+        std::mt19937 random(3);
         std::uniform_real_distribution<float> any(0, 1);
         for (int i = 0; i < 400; ++i) {
             const float x = 20 * float(i % 20), y = 15 * float(i / 20);
-            const auto  color = [&](float alpha) {
+            const auto color = [&](float alpha) {
                 return Vector4f(any(random), any(random), any(random), alpha);
             };
             box(r, Box2(x, y, x + 20, y + 15), color(1));
@@ -415,7 +415,7 @@ private:
     std::mt19937 mRandom;
 
     float any(float from, float to) { return std::uniform_real_distribution<float>(from, to)(mRandom); }
-    bool  often(float share) { return any(0, 1) < share; }
+    bool often(float share) { return any(0, 1) < share; }
 
     Vector4f color() {
         const float alpha = often(0.6f) ? 1.0f : any(0, 1);
@@ -423,7 +423,7 @@ private:
     }
     Box2 part(const Box2& of) {
         const float x1 = any(of.x1 - 10, of.x2), y1 = any(of.y1 - 10, of.y2);
-        Box2        box(x1, y1, any(x1, of.x2 + 10), any(y1, of.y2 + 10));
+        Box2 box(x1, y1, any(x1, of.x2 + 10), any(y1, of.y2 + 10));
         if (often(0.85f))
             box = Box2(std::floor(box.x1), std::floor(box.y1), std::floor(box.x2), std::floor(box.y2));
         return box;
@@ -497,8 +497,8 @@ public:
             if (often(mClips))
                 r.setClipArea(often(0.3f) ? NO_CLIP : Box2(at(200), at(150), at(420), at(320)));
             const Vector4f first = color(), second = often(0.5f) ? NO_COLOR : color();
-            const float    x = at(mSpan), y = at(mSpan), width = size(), height = size();
-            const Box2     area(x, y, x + width, y + height);
+            const float x = at(mSpan), y = at(mSpan), width = size(), height = size();
+            const Box2 area(x, y, x + width, y + height);
             r.setColor(first, second);
             switch (int(any(0, 12))) {
             case 0:
@@ -531,11 +531,11 @@ public:
 
 private:
     std::mt19937 mRandom;
-    float        mGrid, mLoose, mOpaque, mLarge, mSpan, mOdd, mClips;
-    int          mCount;
+    float mGrid, mLoose, mOpaque, mLarge, mSpan, mOdd, mClips;
+    int mCount;
 
     float any(float from, float to) { return std::uniform_real_distribution<float>(from, to)(mRandom); }
-    bool  often(float share) { return any(0, 1) < share; }
+    bool often(float share) { return any(0, 1) < share; }
     float odd() { // a place, a size or a channel
         const float values[] = {NAN, INFINITY, -INFINITY, -3e9f, 1e6f, 7, -3, 0};
         return values[int(any(0, 7.99f))];
@@ -544,8 +544,8 @@ private:
         const float place = any(-20, most);
         return often(mOdd) ? odd() : often(mLoose) ? place : std::floor(place / mGrid) * mGrid;
     }
-    float    size() { return at(often(mLarge) ? 300.0f : 40.0f); }
-    float    channel() { return often(mOdd) ? odd() : any(0, 1); }
+    float size() { return at(often(mLarge) ? 300.0f : 40.0f); }
+    float channel() { return often(mOdd) ? odd() : any(0, 1); }
     Vector4f color() {
         const float alpha = often(mOpaque) ? 1.0f : channel();
         return Vector4f(channel(), channel(), channel(), alpha);
@@ -558,8 +558,8 @@ TEST_F(ShapesTest, randomHeapsAreDrawnAsWithoutSorting) {
     for (unsigned seed = 0; seed < 120 && !HasFailure(); ++seed) {
         SCOPED_TRACE(seed);
         const Vector2f offset = seed % 3 ? Vector2f(float(seed % 7) * 5, -3) : Vector2f();
-        const Draw     heap = [&](Render& r) { RandomHeap(seed).draw(r); };
-        const Picture  plain = draw(heap, false, offset);
+        const Draw heap = [&](Render& r) { RandomHeap(seed).draw(r); };
+        const Picture plain = draw(heap, false, offset);
         EXPECT_LE(differenceOf(plain, draw(heap, true, offset)), 1);
         hidden += counts.hidden, mixed += counts.mixed, cut += counts.cut;
     }
@@ -581,13 +581,13 @@ TEST_F(ShapesTest, aFlatCircleIsTheSameWhateverElseIsDrawn) {
 
 // The far ends of a curve's lines, say, whose values a file gives.
 TEST_F(ShapesTest, whatReachesFarBeyondTheClipAreaIsCutToIt) {
-    const Box2   clip(100, 80, 300, 220);
+    const Box2 clip(100, 80, 300, 220);
     std::mt19937 random(5);
-    const auto   any = [&](float a, float b) { return std::uniform_real_distribution<float>(a, b)(random); };
+    const auto any = [&](float a, float b) { return std::uniform_real_distribution<float>(a, b)(random); };
     for (int exponent = 3; exponent <= 38; ++exponent) {
         SCOPED_TRACE(exponent);
         const float far = std::pow(10.0f, float(exponent));
-        const auto  place = [&] {
+        const auto place = [&] {
             const float scale = any(0, 1) < 0.5f ? 300.0f : far;
             return Vector2f(any(-1, 1) * scale, any(-1, 1) * (any(0, 1) < 0.5f ? 300.0f : far));
         };

@@ -127,7 +127,7 @@ TEST_F(SliderTest, ADragFollowsTheMouseAlsoOutside) {
 }
 
 TEST_F(SliderTest, ADragInAFlowGoesOnOverTheOthersAndEndsThere) {
-    Flow*   flow = add<Flow>(Box2(0, 0, 200, 100)); // whose children keep their order
+    Flow* flow = add<Flow>(Box2(0, 0, 200, 100)); // whose children keep their order
     Slider* slider = new Slider;
     Slider* other = new Slider;
     for (Slider* each : {slider, other}) {
@@ -150,7 +150,7 @@ TEST_F(SliderTest, ADragInAFlowGoesOnOverTheOthersAndEndsThere) {
 }
 
 TEST_F(SliderTest, TheHandleIsHitTwoPixelsBeforeItAndFourBehind) {
-    Slider*    slider = across("percent=\"0.5\""); // the handle spans 107 to 113
+    Slider* slider = across("percent=\"0.5\""); // the handle spans 107 to 113
     const auto hit = [&](float x) {
         move(x, 28);
         return slider->mHoverAmount;
@@ -177,7 +177,7 @@ TEST_F(SliderTest, TheWheelMovesByATenthAndTheOtherWayOnAVerticalOne) {
 }
 
 TEST_F(SliderTest, ThePositionNeverLeavesItsRangeWhateverTheWheelOrADragDoes) {
-    Slider*    slider = across("percent=\"0.5\"");
+    Slider* slider = across("percent=\"0.5\"");
     const auto inside = [&] { return position(slider) >= 0 && position(slider) <= 1; };
     move(50, 28);
     for (const float steps : {1000.0f, -1000.0f, ENDLESS, -ENDLESS, NO_NUMBER}) {

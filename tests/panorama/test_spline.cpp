@@ -24,14 +24,14 @@ struct Listening : Control, Callback {
         setCallback(this);
     }
     Control* clone() override { return nullptr; }
-    void     controlAction(Control*, Action action) override { actions.push_back(action); }
+    void controlAction(Control*, Action action) override { actions.push_back(action); }
 };
 
 // A widget of 200 by 100 at (100, 50): a tenth of a second is 20 pixels, a tenth of a value 5.
 class SplineTest : public ::testing::Test {
 protected:
     Listening mParent;
-    Spline&   mSpline = *new Spline;
+    Spline& mSpline = *new Spline;
 
     SplineTest() {
         mSpline.setArea(Box2(100, 50, 300, 150));
@@ -71,9 +71,9 @@ protected:
         mSpline.handleEvent(event);
     }
     static Vector2f place(float time, float value) { return Vector2f(100 + 200 * time, 100 + 50 * value); }
-    void            grab(float time, float value) {
-                   send("mousemove", place(time, value));
-                   send("mousedown", place(time, value));
+    void grab(float time, float value) {
+        send("mousemove", place(time, value));
+        send("mousedown", place(time, value));
     }
 };
 
@@ -417,7 +417,7 @@ TEST_F(SplineTest, DoesNotFreeWhatItDoesNotOwn) {
 TEST_F(SplineTest, MayBeDeletedByTheActionOfAControlInIt) {
     struct Deleting : Control {
         Control* clone() override { return nullptr; }
-        int      handleEvent(Event&) override {
+        int handleEvent(Event&) override {
             delete mParent; // and this with it
             return 1;
         }

@@ -27,7 +27,7 @@ protected:
 
     // The text with the caret as "|" and, with a selection, the anchor as "^".
     std::string shown() const {
-        std::string  text = mInput->getText();
+        std::string text = mInput->getText();
         const size_t caret = mInput->getCaret(), anchor = mInput->getAnchor();
         if (anchor > caret)
             text.insert(anchor, "^");
@@ -345,7 +345,7 @@ TEST_F(TextInputTest, PositionsBeyondTheEndAreTheEnd) {
 TEST_F(TextInputTest, MayBeDeletedByItsOwnAction) {
     struct Deleter : Callback {
         Workspace* root = nullptr;
-        void       controlAction(Control*, Action) override { root->deleteControls(); }
+        void controlAction(Control*, Action) override { root->deleteControls(); }
     } deleter;
     deleter.root = &mRoot;
     field("abc")->setCallback(&deleter);

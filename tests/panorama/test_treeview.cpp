@@ -38,7 +38,7 @@ TEST_F(TreeViewTest, ItemsAreReadWithTheirDepths) {
     ASSERT_EQ(mTree->getItemCount(), 5);
     const struct {
         const char *id, *text;
-        int         depth, parent, next;
+        int depth, parent, next;
     } expected[] = {{"1", "a", 0, -1, 4},
                     {"2", "b", 1, 0, 3},
                     {"3", "c", 2, 1, 3},
@@ -128,7 +128,7 @@ TEST_F(TreeViewTest, TheKeysWalkTheTree) {
     EXPECT_EQ(key(KEY_RIGHT), 1);
     EXPECT_EQ(mTree->getRowCount(), 4);
     const struct {
-        int         key;
+        int key;
         const char* selected;
     } steps[] = {{KEY_RIGHT, "b"}, {KEY_RIGHT, "b"},    {KEY_RIGHT, "c"},  {KEY_RIGHT, "c"}, {KEY_DOWN, "d"},
                  {KEY_DOWN, "e"},  {KEY_DOWN, "e"},     {KEY_UP, "d"},     {KEY_LEFT, "a"},  {KEY_END, "e"},
@@ -275,7 +275,7 @@ TEST_F(TreeViewTest, WithInactiveSetNothingIsSelected) {
 TEST_F(TreeViewTest, MayBeDeletedByItsOwnAction) {
     struct Deleter : Callback {
         Workspace* root = nullptr;
-        void       controlAction(Control*, Action) override { root->deleteControls(); }
+        void controlAction(Control*, Action) override { root->deleteControls(); }
     } deleter;
     deleter.root = &mRoot;
     tree()->setCallback(&deleter);

@@ -32,11 +32,11 @@ using mathbase::Vector2f;
 class Plain : public panorama::Control {
 public:
     std::vector<std::string> heard; // the types of the events, with the text of one that has any
-    int                      draws = 0;
+    int draws = 0;
 
     explicit Plain(Box2 area = Box2()) { mArea.area = area; }
     panorama::Control* clone() override { return new Plain; }
-    int                handleEvent(panorama::Event& event) override {
+    int handleEvent(panorama::Event& event) override {
         heard.push_back(event.text.empty() ? event.type : event.type + " " + event.text);
         return Control::handleEvent(event);
     }
@@ -49,9 +49,9 @@ public:
 // Keeps the actions that reach it.
 class Heard : public panorama::Callback {
 public:
-    std::vector<int>                actions;
+    std::vector<int> actions;
     std::vector<panorama::Control*> sources;
-    std::vector<std::string>        texts;
+    std::vector<std::string> texts;
     std::vector<panorama::Context*> contexts;
 
     void controlAction(panorama::Control* source, panorama::Action action) override {
@@ -98,7 +98,7 @@ inline void loadText(panorama::Control& control, const std::string& element) {
     xml::XmlParser document;
     document.parse("<panorama>" + element + "</panorama>");
     const xml::XmlParser& root = document;
-    xml::IteratorConst    it = root.createIterator("");
+    xml::IteratorConst it = root.createIterator("");
     ASSERT_TRUE(++it);
     control.load(it);
 }

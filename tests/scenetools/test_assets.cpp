@@ -45,7 +45,7 @@ TEST(Assets, loadWithoutARemarkAndHaveNormals) {
     for (const char* name : assets) {
         const std::string image = imageOf(name);
         EXPECT_EQ(0, scene::inspect(image).remarks) << name;
-        o3d::Manager  manager;
+        o3d::Manager manager;
         CaptureStdout capture;
         load(manager, image);
         ASSERT_EQ(1u, manager.mScenes.size());
@@ -110,8 +110,8 @@ TEST(Assets, courtyardHasACameraThatGoesRoundAndBack) {
     EXPECT_FALSE(camera->isStatic());
     EXPECT_EQ(24.0f, manager.mScenes[0]->getAnimationLength());
     for (float time = 0; time < 60; time += 0.37f) {
-        const Vector3f         eye = camera->mPosition.getValue(time);
-        mathbase::Quatf        rotation;
+        const Vector3f eye = camera->mPosition.getValue(time);
+        mathbase::Quatf rotation;
         mathbase::Matrix4x4Col view;
         rotation.setEuler(camera->mRotation.getValue(time));
         view.buildBlenderCameraInverse(eye, rotation, Vector3f(1, 1, 1));
@@ -132,7 +132,7 @@ TEST(Assets, scenesHaveMirroredNodesAndObjectsWithoutAShadow) {
     int flippedNodes = 0, withoutShadow = 0;
     for (const o3d::SceneNode* node : manager.mScenes[0]->mChildren) {
         mathbase::Matrix4x4Col matrix;
-        bool                   flipped = false;
+        bool flipped = false;
         node->calculateMatrix(0, matrix, flipped);
         flippedNodes += flipped;
         withoutShadow += node->mName.rfind("ex_", 0) == 0;

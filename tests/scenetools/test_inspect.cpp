@@ -13,10 +13,10 @@ namespace {
 // The remarks on a file, one a line, without indents.
 std::string remarksOf(const std::string& image) {
     const std::string text = scene::inspect(image).text;
-    std::string       result;
-    size_t            at = 0;
+    std::string result;
+    size_t at = 0;
     while (at < text.size()) {
-        const size_t      end = text.find('\n', at);
+        const size_t end = text.find('\n', at);
         const std::string line =
             text.substr(text.find_first_not_of(' ', at), end - text.find_first_not_of(' ', at));
         if (line.rfind("! ", 0) == 0)
@@ -179,7 +179,7 @@ TEST(Inspect, anyBytesWillDo) {
 } // namespace
 
 TEST(ShowScene, saysWhatIsWrong) {
-    test::TempDir     folder;
+    test::TempDir folder;
     const std::string show = "cd " + folder.path() + " && " SHOW_SCENE;
     test::writeFile(folder.file("empty"), "");
     const std::pair<int, std::string> usage(2, "usage: show_scene FILE...\n");
@@ -194,7 +194,7 @@ TEST(ShowScene, saysWhatIsWrong) {
 }
 
 TEST(MakeScenes, saysWhatIsWrong) {
-    test::TempDir     folder;
+    test::TempDir folder;
     const std::string make = "cd " + folder.path() + " && " MAKE_SCENES;
     for (const char* arguments : {"", " face", " faces x", " face --help", " face x y"})
         EXPECT_EQ(std::pair(2, std::string("usage: make_scenes face|cathedral|courtyard|stone FILE\n")),

@@ -54,7 +54,7 @@ TEST(SceneFile, anEmptyManagerGivesAFileThatLoads) {
 
 TEST(SceneFile, aWritableArmatureComesBack) {
     o3d::Manager first, second;
-    auto* const  scene = new o3d::Scene;
+    auto* const scene = new o3d::Scene;
     first.addScene(scene);
     auto* const armature = new scene::WritableArmature;
     armature->mName = "arm";
@@ -106,8 +106,8 @@ TEST(SceneFile, lookAtTurnsACameraLikeTheViewMatrix) {
     for (const Vector3f& eye :
          {Vector3f(3, 2, 5), Vector3f(-4, 0, 1), Vector3f(0, 9, -2), Vector3f(1, -3, 0.1f)}) {
         const Vector3f target(0.5f, 1, -0.25f);
-        Quatf          rotation;
-        o3d::Camera    camera;
+        Quatf rotation;
+        o3d::Camera camera;
         scene::setValue(camera.mRotation, scene::lookAt(eye, target));
         rotation.setEuler(camera.mRotation.getValue(0));
         Matrix4x4Col found, expected;
@@ -119,7 +119,7 @@ TEST(SceneFile, lookAtTurnsACameraLikeTheViewMatrix) {
 }
 
 TEST(SceneFile, aClosedCurveGoesThroughItsValuesAndOnWithoutAKink) {
-    o3d::TrackBlenderFloat   track;
+    o3d::TrackBlenderFloat track;
     const std::vector<float> values = {1, 4, -2, 0, 1};
     scene::setCurve(track, values, 2.0f, true);
     for (size_t i = 0; i < values.size(); ++i) {
@@ -146,7 +146,7 @@ TEST(Shape, aBoxHasSixFlatFacesThatLookOutwards) {
     EXPECT_EQ(Vector3f(2, 4, 6), mesh->mBoxMax);
     mesh->addNormals();
     const o3d::Submesh& submesh = *mesh->mSubmeshes.at(0);
-    const Vector3f      centre(1.5f, 3, 4.5f);
+    const Vector3f centre(1.5f, 3, 4.5f);
     for (size_t i = 0; i < submesh.mIndices.size(); ++i) {
         const Vector3f& n = submesh.mTangentSpaces[i].mNormal;
         EXPECT_FLOAT_EQ(1.0f, std::max({fabsf(n.x), fabsf(n.y), fabsf(n.z)}));
@@ -157,7 +157,7 @@ TEST(Shape, aBoxHasSixFlatFacesThatLookOutwards) {
 // The volume that a closed surface encloses, by the divergence of (x, y, z) / 3; and is every edge walked
 // once each way?
 float volumeOf(const o3d::Mesh& mesh, bool& closed) {
-    double                                                                               volume = 0;
+    double volume = 0;
     std::map<std::pair<std::tuple<long, long, long>, std::tuple<long, long, long>>, int> edges;
     const auto key = [](const Vector3f& p) {
         return std::make_tuple(lroundf(p.x * 1e4f), lroundf(p.y * 1e4f), lroundf(p.z * 1e4f));
@@ -181,7 +181,7 @@ float volumeOf(const o3d::Mesh& mesh, bool& closed) {
 }
 
 TEST(Shape, solidsAreClosedAndEncloseTheirVolume) {
-    bool         closed = false;
+    bool closed = false;
     scene::Shape box, lathe, band, open, bar;
     box.box(0, Vector3f(1, 2, 3), Vector3f(2, 4, 6));
     EXPECT_FLOAT_EQ(6.0f, volumeOf(*box.build("m", {"s"}), closed));

@@ -35,7 +35,7 @@ public:
     }
 
 private:
-    std::string               mName;
+    std::string mName;
     std::vector<std::string>& mCalls;
 };
 

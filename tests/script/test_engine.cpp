@@ -46,7 +46,7 @@ Spline* makeLine(const std::string& name, float t0, float v0, float t1, float v1
 
 // An engine with the callbacks "a" and "b".
 struct Timeline : ScriptEngine {
-    Calls    calls;
+    Calls calls;
     Recorder a{"a", calls}, b{"b", calls};
 
     Timeline() {
@@ -125,7 +125,7 @@ TEST(ScriptEngine, TimeAtTheScriptLengthReturnsTrueAndRunsNoSpanThatEndsThere) {
 }
 
 TEST(ScriptEngine, PastTheEndNothingIsCalledAndNoRewindHappens) {
-    Timeline      line;
+    Timeline line;
     Effect* const effect = line.add(makeEffect("a", 0, 5));
     effect->mTriggers.push_back(makeTrigger("t", "", 0));
     line.at(1);
@@ -185,7 +185,7 @@ TEST(ScriptEngine, BeforeInitEveryTimeAboveZeroIsPastTheEnd) {
 }
 
 TEST(ScriptEngine, ADisabledSpanSkipsItsChildrenAndIsStillRewound) {
-    Timeline      line;
+    Timeline line;
     Effect* const effect = line.add(makeEffect("a", 0, 10));
     effect->mChildren.push_back(makeEffect("b", 0, 10));
     effect->mTriggers.push_back(makeTrigger("t", "", 0));
@@ -210,7 +210,7 @@ TEST(ScriptEngine, ASpanThatEndsWhereItStartsOrBeforeIsNeverActive) {
 }
 
 TEST(ScriptEngine, ARewindWhileASpanIsInactiveLeavesItsResetDue) {
-    Timeline      line;
+    Timeline line;
     Effect* const effect = line.add(makeEffect("a", 0, 2));
     line.add(makeEffect("b", 0, 20));
     line.at(1);
@@ -223,14 +223,14 @@ TEST(ScriptEngine, ARewindWhileASpanIsInactiveLeavesItsResetDue) {
 }
 
 TEST(ScriptEngine, AStartAboveZeroCatchesUpWithoutARewind) {
-    Timeline      line;
+    Timeline line;
     Effect* const effect = line.add(makeEffect("a", 0, 60));
     effect->mTriggers.push_back(makeTrigger("t", "v", 10));
     EXPECT_EQ(line.at(30), (Calls{"a reset", "a trigger 30 t=v", "a update 30 30 0.5", "a post 30 30 0.5"}));
 }
 
 TEST(ScriptEffect, RunsTriggersThenSplinesThenItselfThenChildrenThenPost) {
-    Timeline      line;
+    Timeline line;
     Effect* const effect = line.add(makeEffect("a", 2, 12));
     Effect* const child = makeEffect("b", 1, 5);
     effect->mSplines.push_back(makeLine("s1", 0, 0, 10, 100));
@@ -245,7 +245,7 @@ TEST(ScriptEffect, RunsTriggersThenSplinesThenItselfThenChildrenThenPost) {
 }
 
 TEST(ScriptEffect, ANestedSpanIsActiveInTheLocalTimeOfItsParent) {
-    Timeline      line;
+    Timeline line;
     Effect* const effect = line.add(makeEffect("a", 10, 40));
     effect->mChildren.push_back(makeEffect("b", 5, 10)); // 15 to 20 of the script
     auto childRuns = [&](float time) {
@@ -263,7 +263,7 @@ TEST(ScriptEffect, ANestedSpanIsActiveInTheLocalTimeOfItsParent) {
 }
 
 TEST(ScriptEffect, ASpanOfUnknownNamePlaysItsChildrenAndNothingElse) {
-    Timeline      line;
+    Timeline line;
     Effect* const effect = line.add(makeEffect("nobody", 3, 10));
     effect->mTriggers.push_back(makeTrigger("t", "", 0));
     effect->mSplines.push_back(makeLine("s", 0, 0, 1, 1));
@@ -282,7 +282,7 @@ TEST(ScriptEffect, ANullCallbackMakesASpanThatOnlyGroups) {
 }
 
 TEST(ScriptEffect, AfterARewindNestedTriggersDoNotFireAgain) {
-    Timeline      line;
+    Timeline line;
     Effect* const effect = line.add(makeEffect("a", 0, 10));
     Effect* const child = makeEffect("b", 0, 10);
     effect->mChildren.push_back(child);
@@ -327,7 +327,7 @@ TEST(ScriptTrigger, FiresAtItsTimesAndGetsTheTimeNow) {
 }
 
 TEST(ScriptTrigger, ARepeatOfZeroNeverFiresAndThreeWithoutDelayFireAtOnce) {
-    Timeline      line;
+    Timeline line;
     Effect* const effect = line.add(makeEffect("a", 0, 10));
     effect->mTriggers.push_back(makeTrigger("never", "", 0, 0));
     effect->mTriggers.push_back(makeTrigger("below", "", 0, -5));
@@ -337,7 +337,7 @@ TEST(ScriptTrigger, ARepeatOfZeroNeverFiresAndThreeWithoutDelayFireAtOnce) {
 }
 
 TEST(ScriptTrigger, ADueTimeThatPassedWhileTheSpanWasInactiveIsCaughtUp) {
-    Timeline      line;
+    Timeline line;
     Effect* const parent = line.add(makeEffect("group", 0, 100));
     Effect* const child = makeEffect("a", 0, 50);
     parent->mChildren.push_back(child);
@@ -350,9 +350,9 @@ TEST(ScriptTrigger, ADueTimeThatPassedWhileTheSpanWasInactiveIsCaughtUp) {
 }
 
 TEST(ScriptTrigger, ExecuteTriggersIsTheTriggerStepAlone) {
-    Calls    calls;
+    Calls calls;
     Recorder callback("a", calls);
-    Effect   effect;
+    Effect effect;
     effect.mTriggers.push_back(makeTrigger("t", "v", 1));
     effect.mSplines.push_back(makeLine("s", 0, 0, 1, 1));
     effect.executeTriggers(0.5f, &callback);
@@ -380,8 +380,8 @@ TEST(ScriptTrigger, NoRepeatCountStopsTheShow) {
 }
 
 TEST(ScriptTrigger, ATimeThatIsNotANumberNeverComes) {
-    const float   nan = std::numeric_limits<float>::quiet_NaN();
-    Timeline      line;
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    Timeline line;
     Effect* const effect = line.add(makeEffect("a", 0, 10));
     effect->mTriggers.push_back(makeTrigger("start", "", nan));
     effect->mTriggers.push_back(makeTrigger("delay", "", 0, 5, nan));
@@ -391,9 +391,9 @@ TEST(ScriptTrigger, ATimeThatIsNotANumberNeverComes) {
 }
 
 TEST(ScriptSpline, HandsItsNameAndItsValueToTheCallback) {
-    Calls    calls;
+    Calls calls;
     Recorder callback("a", calls);
-    Spline   spline;
+    Spline spline;
     spline.mName = "alpha";
     spline.update(&callback, 3);
     EXPECT_EQ(calls, Calls{"a spline 3 alpha=0"}); // without keys
@@ -408,7 +408,7 @@ TEST(ScriptSpline, HandsItsNameAndItsValueToTheCallback) {
 TEST(ScriptEngine, WhatACallbackAddsToTheTimelineIsSeenInTheSameFrame) {
     struct Adder : Callback {
         Timeline* line = nullptr;
-        void      update(float, float, float) override {
+        void update(float, float, float) override {
             for (int i = 0; i < 100; ++i) // more than the vector had room for
                 line->mEffects.push_back(makeEffect("b", 0, 1));
         }

@@ -118,9 +118,9 @@ TEST(LoadXml, OnlyTheExactStateOffDisables) {
 
 TEST(LoadXml, OnlyTheExactTypesSquareAndSmoothAreNotLinear) {
     const std::string key = "<key/></spline>";
-    const Loaded      script(inEffect("<spline type=\"square\">" + key + "<spline type=\"smooth\">" + key +
-                                      "<spline type=\"Smooth\">" + key + "<spline type=\"linear\">" + key +
-                                      "<spline>" + key));
+    const Loaded script(inEffect("<spline type=\"square\">" + key + "<spline type=\"smooth\">" + key +
+                                 "<spline type=\"Smooth\">" + key + "<spline type=\"linear\">" + key +
+                                 "<spline>" + key));
     ASSERT_TRUE(script.ok);
     const int modes[] = {0, 2, 1, 1, 1};
     ASSERT_EQ(script.mEffects[0]->mSplines.size(), 5u);
@@ -131,7 +131,7 @@ TEST(LoadXml, OnlyTheExactTypesSquareAndSmoothAreNotLinear) {
 TEST(LoadXml, KeysInAnyOrderEndUpSorted) {
     const Loaded script(inEffect("<spline><key time=\"5\" value=\"50\"/><key time=\"-1\" value=\"2\"/>"
                                  "<key time=\"3\" value=\"30\"/></spline>"));
-    const auto&  keys = script.mEffects[0]->mSplines[0]->mKeys;
+    const auto& keys = script.mEffects[0]->mSplines[0]->mKeys;
     ASSERT_EQ(keys.size(), 3u);
     EXPECT_EQ(keys[0].time, -1);
     EXPECT_EQ(keys[1].time, 3);
@@ -146,9 +146,9 @@ TEST(LoadXml, AnEndBelowTheStartStillCountsForTheLength) {
 
 TEST(LoadXml, ASplineWithoutKeysFailsTheLoadAndNothingPlays) {
     CaptureStdout out;
-    const Loaded  script("<script><effect name=\"first\" end=\"5\"/><effect name=\"second\" end=\"6\">"
-                          "<effect name=\"inner\"><spline name=\"alpha\"></spline></effect></effect>"
-                          "<effect name=\"third\" end=\"7\"/></script>");
+    const Loaded script("<script><effect name=\"first\" end=\"5\"/><effect name=\"second\" end=\"6\">"
+                        "<effect name=\"inner\"><spline name=\"alpha\"></spline></effect></effect>"
+                        "<effect name=\"third\" end=\"7\"/></script>");
     EXPECT_FALSE(script.ok);
     ASSERT_EQ(script.mEffects.size(), 1u); // what was read before stays
     EXPECT_EQ(script.mEffects[0]->mName, "first");
@@ -188,7 +188,7 @@ TEST(LoadXml, AnEmptyScriptLoads) {
 }
 
 TEST(LoadXml, BrokenXmlThrowsWithItsPlace) {
-    ScriptEngine      engine;
+    ScriptEngine engine;
     const std::string text = "<script>\n<effect name=\"a\n\"/></script>";
     try {
         LoadXML().loadMem(text.data(), static_cast<long>(text.size()), engine);
@@ -218,7 +218,7 @@ TEST(LoadXml, ANestUpToTheLimitLoadsAndPlaysAndADeeperOneFails) {
         return text + "</script>";
     };
     struct Counter : Callback {
-        int  count = 0;
+        int count = 0;
         void update(float, float, float) override { ++count; }
     } counter;
     Loaded deepest(nest(LoadXML::MAX_DEPTH));
@@ -228,7 +228,7 @@ TEST(LoadXml, ANestUpToTheLimitLoadsAndPlaysAndADeeperOneFails) {
     EXPECT_EQ(counter.count, LoadXML::MAX_DEPTH);
 
     CaptureStdout out;
-    const Loaded  deeper(nest(LoadXML::MAX_DEPTH + 1));
+    const Loaded deeper(nest(LoadXML::MAX_DEPTH + 1));
     EXPECT_FALSE(deeper.ok);
     EXPECT_TRUE(deeper.mEffects.empty());
     EXPECT_NE(out.text().find("The script's effects are nested more than 256 deep"), std::string::npos);
@@ -268,16 +268,16 @@ TEST(LoadXml, LoadMemRefusesASizeBelowZero) {
 }
 
 TEST(LoadXml, EachElementIsReadIntoARecordOfTheCaller) {
-    xml::XmlParser    parser;
+    xml::XmlParser parser;
     const std::string text =
         "<root><effect name=\"e\" start=\"1\" end=\"2\"/><trigger name=\"t\" repeat=\"2\"/>"
         "<spline name=\"s\"><key time=\"1\" value=\"4\"/></spline><spline name=\"none\"/></root>";
     parser.parse(text);
     const xml::XmlParser& root = parser;
-    LoadXML               loader;
-    Effect                effect;
-    Trigger               trigger;
-    Spline                spline, none;
+    LoadXML loader;
+    Effect effect;
+    Trigger trigger;
+    Spline spline, none;
 
     xml::IteratorConst effects = root.createIterator("effect");
     ASSERT_TRUE(++effects);

@@ -14,7 +14,7 @@ namespace zentrak::test {
 // A display that is never opened, over a folder of its own: enough for all but drawing. Its clock stands
 // where it is set.
 struct Closed {
-    TempDir            folder;
+    TempDir folder;
     am::ArchiveManager archives;
     display::DisplayGL display{display::WindowMode()};
 

@@ -21,10 +21,10 @@ namespace {
 // is red, bit 1 green, bit 2 blue, and the cell's upper half is white.
 class DrawTest : public test::GlTest {
 protected:
-    test::TempDir                      mFolder;
-    am::ArchiveManager                 mArchives;
+    test::TempDir mFolder;
+    am::ArchiveManager mArchives;
     std::unique_ptr<test::QuietEngine> mEngine;
-    Matrix4x4Col                       mCameraInverse;
+    Matrix4x4Col mCameraInverse;
 
     void SetUp() override {
         Picture strip(512, 64);
@@ -120,7 +120,7 @@ TEST_F(DrawTest, FlickersByTheLowestBitOfTheEngine) {
     spark.noise = 0.6f;
     add(spark);
     uint32_t state = 1;
-    int      dark = 0;
+    int dark = 0;
     for (int i = 0; i < 8; ++i) {
         state = state * 69069u + 5u;
         dark += state & 1;
@@ -271,7 +271,7 @@ TEST_F(DrawTest, WhatIsNoNumberOrEndlessIsDrawnWithoutHarm) {
 }
 
 TEST_F(DrawTest, AMissingStripIsAnError) {
-    test::TempDir      empty;
+    test::TempDir empty;
     am::ArchiveManager none;
     none.addArchive(empty.path());
     display().setArchive(&none);

@@ -124,9 +124,9 @@ TEST(EmitterDefaults, AreThoseOfTheFormat) {
 
 TEST(EmitterDefaults, TheRandomNumbersStartFromTheProcessorTime) {
     const uint32_t before = uint32_t(clock());
-    const Emitter  e;
+    const Emitter e;
     const uint32_t after = uint32_t(clock());
-    bool           found = false;
+    bool found = false;
     for (uint32_t t = before; t <= after; ++t)
         found = found || t * 475559465u + 345350u == e.random.mState;
     EXPECT_TRUE(found);
@@ -283,8 +283,8 @@ TEST(FillSpark, AnglesFromPiToZeroCoverTheSphereEvenly) {
     e.angle = {3.14159265f, 0};
     e.speed = {1, 1};
     constexpr int N = 100000;
-    int           octants[8] = {}, high = 0;
-    float         lowest = 1, highest = -1;
+    int octants[8] = {}, high = 0;
+    float lowest = 1, highest = -1;
     for (int i = 0; i < N; ++i) {
         Spark spark;
         e.fillSpark(spark);
@@ -331,7 +331,7 @@ TEST(FillSpark, BoundsThatAreNoNumbersAreHarmless) {
 TEST(GetRandom, OneDrawForAllComponents) {
     Emitter e;
     e.random.mState = 1;
-    Vector3f    a(0, 1, -1), b(1, 3, -5);
+    Vector3f a(0, 1, -1), b(1, 3, -5);
     const float r = 1.608254387974739e-05f;
     EXPECT_EQ(e.getRandom(a, b), a + (b - a) * r);
     EXPECT_EQ(e.random.mState, 69074u);

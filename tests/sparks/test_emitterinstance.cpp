@@ -14,10 +14,10 @@ namespace {
 
 class InstanceTest : public ::testing::Test {
 protected:
-    test::Closed      mClosed;
+    test::Closed mClosed;
     test::QuietEngine mEngine{&mClosed.display};
-    Emitter           mEmitter;
-    EmitterInstance   mInstance;
+    Emitter mEmitter;
+    EmitterInstance mInstance;
 
     void SetUp() override {
         mInstance.engine = mEngine.get();

@@ -18,7 +18,7 @@ namespace {
 
 class EngineTest : public ::testing::Test {
 protected:
-    test::Closed      mClosed;
+    test::Closed mClosed;
     test::QuietEngine mEngine{&mClosed.display};
 
     void load(const std::string& text, const std::string& name = "p.xml") {
@@ -141,7 +141,7 @@ TEST_F(EngineTest, AFileWithoutASunOrEmittersHasNoneToGive) {
 
 TEST_F(EngineTest, WithoutADisplayNothingIsLoaded) {
     CaptureStdout out;
-    Engine        alone(nullptr);
+    Engine alone(nullptr);
     alone.load("p.xml");
     EXPECT_FALSE(alone.save("p.xml"));
     EXPECT_TRUE(alone.instances.empty());
@@ -256,7 +256,7 @@ TEST_F(EngineTest, DecaysAreThoseOfPowfOverManySteps) {
     mathbase::Random random(9);
     for (int round = 0; round < 50; ++round) {
         test::QuietEngine engine(&mClosed.display);
-        Spark             spark = longLived();
+        Spark spark = longLived();
         spark.size = 1000;
         spark.energy = 5000;
         spark.sizedecay = 3 * random.uniform();
@@ -410,7 +410,7 @@ TEST_F(EngineTest, PrintsThePeakAtItsEnd) {
 }
 
 TEST_F(EngineTest, AllocatesNothingOnceWarm) {
-    Emitter         emitter;
+    Emitter emitter;
     EmitterInstance instance;
     instance.engine = mEngine.get();
     instance.random.mState = emitter.random.mState = 3;
@@ -424,7 +424,7 @@ TEST_F(EngineTest, AllocatesNothingOnceWarm) {
     spare.size = 0;
     add(5000, spare);
     mEngine->update(time); // and these are free again
-    const int    peak = mEngine->allocated;
+    const int peak = mEngine->allocated;
     const size_t before = test::allocationCount();
     for (int i = 0; i < 100; ++i)
         mEngine->update(time += 0.05f);

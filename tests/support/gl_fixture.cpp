@@ -11,7 +11,7 @@ Picture grabPicture(const display::DisplayGL& display) {
     am::Image image(new am::ImageObject);
     image->resize(display.mWindowMode.width, display.mWindowMode.height);
     display.getScreenShot(image);
-    Picture              picture(display.mWindowMode.width, display.mWindowMode.height);
+    Picture picture(display.mWindowMode.width, display.mWindowMode.height);
     const unsigned char* bgra = image->getData();
     for (size_t i = 0; i < picture.rgba.size(); i += 4) {
         picture.rgba[i] = bgra[i + 2];
@@ -38,9 +38,9 @@ public:
     }
 
     const std::function<void()>* draw = nullptr;
-    bool                         clear = true;
-    bool                         drawn = false;
-    Picture                      picture;
+    bool clear = true;
+    bool drawn = false;
+    Picture picture;
 };
 
 GlWindow::GlWindow(int width, int height)

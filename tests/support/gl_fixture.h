@@ -37,18 +37,18 @@ public:
 private:
     class Painter;
 
-    am::ArchiveManager                  mArchives;
+    am::ArchiveManager mArchives;
     std::unique_ptr<display::DisplayGL> mDisplay;
-    std::unique_ptr<Painter>            mPainter;
+    std::unique_ptr<Painter> mPainter;
 };
 
 // The fixture of tests that need one window each: window() opens it at its first use.
 class GlTest : public ::testing::Test {
 protected:
-    GlWindow&           window(int width = 640, int height = 400);
+    GlWindow& window(int width = 640, int height = 400);
     display::DisplayGL& display() { return window().display(); }
-    Picture             frame(const std::function<void()>& draw, bool clear = true) {
-                    return window().frame(draw, clear);
+    Picture frame(const std::function<void()>& draw, bool clear = true) {
+        return window().frame(draw, clear);
     }
 
 private:

@@ -144,7 +144,7 @@ void Viewer::focus() {
 // What a panel or a pager sends: the window manager then asks the window, as its close button makes it do.
 void Viewer::requestClose() {
     const auto id = static_cast<Window>(std::strtoul(window().c_str(), nullptr, 10));
-    Display*   display = XOpenDisplay(nullptr);
+    Display* display = XOpenDisplay(nullptr);
     ASSERT_NE(display, nullptr);
     XEvent event = {};
     event.xclient.type = ClientMessage;
@@ -188,7 +188,7 @@ void Viewer::dragCorner(int dx, int dy) {
 
 struct OtherWindow::Connection {
     Display* display;
-    Window   window;
+    Window window;
 };
 
 OtherWindow::OtherWindow() : mConnection(new Connection{XOpenDisplay(nullptr), None}) {

@@ -57,12 +57,12 @@ public:
 private:
     void tool(const std::string& arguments); // xdotool
 
-    std::string              mTitle;
-    std::function<void()>    mPoll;
-    std::string              mWindow;
+    std::string mTitle;
+    std::function<void()> mPoll;
+    std::string mWindow;
     std::vector<std::string> mKeysDown;
-    std::vector<int>         mButtonsDown;
-    bool                     mOtherLayout = false;
+    std::vector<int> mButtonsDown;
+    bool mOtherLayout = false;
 };
 
 // A second window on the display, for the focus to go to; it closes at the end of its life.

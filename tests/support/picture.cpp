@@ -36,9 +36,9 @@ bool writePng(const std::string& path, const Picture& picture) {
 
 PictureDifference comparePictures(const Picture& a, const Picture& b) {
     PictureDifference result;
-    size_t            pixels = a.rgba.size() / 4;
-    double            sum = 0;
-    size_t            changed = 0;
+    size_t pixels = a.rgba.size() / 4;
+    double sum = 0;
+    size_t changed = 0;
     for (size_t i = 0; i < pixels; ++i) {
         int worst = 0;
         for (size_t c = 0; c < 3; ++c) {
@@ -67,7 +67,7 @@ PictureDifference comparePictures(const Picture& a, const Picture& b) {
     }
 
     std::string failed = binaryPath("pictures-failed/" + name);
-    Picture     wanted;
+    Picture wanted;
     if (!readPng(reference, wanted)) {
         writePng(failed + ".png", drawn);
         return ::testing::AssertionFailure()

@@ -10,14 +10,14 @@ namespace zentrak::test {
 
 // 8-bit RGBA, rows from the top, each directly behind the last.
 struct Picture {
-    int                  width = 0;
-    int                  height = 0;
+    int width = 0;
+    int height = 0;
     std::vector<uint8_t> rgba;
 
     Picture() = default;
     Picture(int w, int h) : width(w), height(h), rgba(size_t(w) * size_t(h) * 4) {}
 
-    uint8_t*       at(int x, int y) { return rgba.data() + (size_t(y) * size_t(width) + size_t(x)) * 4; }
+    uint8_t* at(int x, int y) { return rgba.data() + (size_t(y) * size_t(width) + size_t(x)) * 4; }
     const uint8_t* at(int x, int y) const {
         return rgba.data() + (size_t(y) * size_t(width) + size_t(x)) * 4;
     }

@@ -65,12 +65,12 @@ std::string binaryPath(const std::string& name) {
 
 std::pair<int, std::string> runCommand(const std::string& command) {
     std::string text;
-    FILE*       pipe = popen((command + " 2>&1").c_str(), "r");
+    FILE* pipe = popen((command + " 2>&1").c_str(), "r");
     if (pipe == nullptr) {
         ADD_FAILURE() << "cannot run " << command;
         return {-1, text};
     }
-    char   part[4096];
+    char part[4096];
     size_t got;
     while ((got = fread(part, 1, sizeof part, pipe)) > 0) {
         text.append(part, got);
@@ -84,7 +84,7 @@ CaptureStdout::CaptureStdout() {
     std::cout.flush();
     mSaved = dup(1);
     std::string pattern = (std::filesystem::temp_directory_path() / "zentrak-out-XXXXXX").string();
-    int         file = mkstemp(pattern.data());
+    int file = mkstemp(pattern.data());
     mPath = pattern;
     dup2(file, 1);
     close(file);

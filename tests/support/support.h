@@ -20,7 +20,7 @@ public:
     TempDir& operator=(const TempDir&) = delete;
 
     const std::string& path() const { return mPath; } // without a separator at its end
-    std::string        file(const std::string& name) const { return mPath + "/" + name; }
+    std::string file(const std::string& name) const { return mPath + "/" + name; }
 
 private:
     std::string mPath;
@@ -40,8 +40,8 @@ private:
 
 // Whole files; a failure to open or write fails the running test.
 std::string readFile(const std::string& path);
-void        writeFile(const std::string& path, const std::string& bytes);
-bool        fileExists(const std::string& path);
+void writeFile(const std::string& path, const std::string& bytes);
+bool fileExists(const std::string& path);
 
 // A path below the root of the source tree, or of the build tree.
 std::string sourcePath(const std::string& name);
@@ -61,7 +61,7 @@ public:
     std::string text(); // everything since the start
 
 private:
-    int         mSaved;
+    int mSaved;
     std::string mPath;
 };
 

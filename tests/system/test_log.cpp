@@ -18,7 +18,7 @@ std::string printed(const LogData& data) {
 
 // What building an exception of this finished text logs.
 std::string loggedFor(const std::string& text) {
-    CaptureStdout   capture;
+    CaptureStdout capture;
     const Exception exception("%s", text.c_str());
     EXPECT_EQ(text, exception.what());
     return capture.text();
@@ -47,7 +47,7 @@ TEST(Log, EveryLevelIsPrinted) {
 
 TEST(Log, MacroPassesTheCallSite) {
     CaptureStdout capture;
-    const int     line = __LINE__ + 1;
+    const int line = __LINE__ + 1;
     ZTK_LOG("log", "app", "demo %s", "on");
     EXPECT_EQ("[log][TestBody], demo on (test_log.cpp:" + std::to_string(line) + ")\n", capture.text());
 }
@@ -84,7 +84,7 @@ TEST(Log, MessageThatEndsInALineEndBreaksBeforeTheFile) {
 
 TEST(Log, TextOf2047BytesIsWholeAndALongerOneIsCut) {
     for (const size_t length : {2046u, 2047u, 2048u, 2049u, 100000u}) {
-        CaptureStdout     capture;
+        CaptureStdout capture;
         const std::string text(length, 'x');
         ztk_megasuperlogger("log", "app", "f", 1, "g", "%s", text.c_str());
         EXPECT_EQ("[log][g], " + text.substr(0, 2047) + " (f:1)\n", capture.text()) << length;
@@ -102,13 +102,13 @@ TEST(Log, NullTextsPrintAsEmptyOnes) {
 }
 
 TEST(Exception, WhatAfterConstructionReturnsTheFormattedText) {
-    CaptureStdout   capture;
+    CaptureStdout capture;
     const Exception exception("can't open '%s' (%d)", "a.png", 2);
     EXPECT_STREQ("can't open 'a.png' (2)", exception.what());
 }
 
 TEST(Exception, LogsItselfAsAnError) {
-    CaptureStdout   capture;
+    CaptureStdout capture;
     const Exception exception("can't open '%s' (%d)", "a.png", 2);
     EXPECT_EQ("[error][Exception], can't open 'a.png' (2) (ztk_system:171)\n", capture.text());
 }
@@ -125,19 +125,19 @@ TEST(Exception, IsCaughtAsAStandardException) {
 }
 
 TEST(Exception, CopyCarriesTheTextAndLogsNothing) {
-    CaptureStdout     capture;
-    const Exception   first("%s", "gone");
+    CaptureStdout capture;
+    const Exception first("%s", "gone");
     const std::string before = capture.text();
-    const Exception   second = first;
+    const Exception second = first;
     EXPECT_STREQ("gone", second.what());
     EXPECT_EQ(before, capture.text());
 }
 
 TEST(Exception, TextOf7999BytesIsWholeAndALongerOneIsCut) {
     for (const size_t length : {7998u, 7999u, 8000u, 8001u, 100000u}) {
-        CaptureStdout     capture;
+        CaptureStdout capture;
         const std::string text(length, 'y');
-        const Exception   exception("%s", text.c_str());
+        const Exception exception("%s", text.c_str());
         EXPECT_EQ(text.substr(0, 7999), exception.what()) << length;
         EXPECT_EQ(exceptionLine(text.substr(0, 2047)), capture.text()) << length;
     }

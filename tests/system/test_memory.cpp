@@ -11,7 +11,7 @@ TEST(KeepFreedMemory, megabytesThatAreFreedStayInTheHeap) {
     constexpr size_t SIZE = size_t(8) << 20;
     zentrak::keepFreedMemory();
     const size_t mapped = mallinfo2().hblks;
-    char*        block = static_cast<char*>(malloc(SIZE));
+    char* block = static_cast<char*>(malloc(SIZE));
     ASSERT_NE(block, nullptr);
     memset(block, 1, SIZE);
     EXPECT_EQ(mallinfo2().hblks, mapped); // no mapping of its own

@@ -13,7 +13,7 @@ namespace {
 struct Maker {
     const char* program;
     const char* folder; // of the tree, that it fills
-    int         pictures;
+    int pictures;
 };
 
 const Maker makers[] = {{MAKE_SCREEN_ART, "data", 4},
@@ -36,7 +36,7 @@ TEST(Art, TheMakersMakeWhatLiesInTheTree) {
                 continue;
             ++pictures;
             const std::string name = std::filesystem::relative(path, folder.path()).string();
-            Picture           made, there;
+            Picture made, there;
             ASSERT_TRUE(readPng(path.string(), made)) << name;
             ASSERT_TRUE(readPng(sourcePath(std::string(maker.folder) + "/" + name), there)) << name;
             ASSERT_EQ(made.width, there.width) << name;
@@ -53,7 +53,7 @@ TEST(Art, TheMakersMakeWhatLiesInTheTree) {
 TEST(Art, TheMakersSayWhatIsWrong) {
     for (const Maker& maker : makers) {
         const std::string name = std::filesystem::path(maker.program).filename().string();
-        TempDir           folder;
+        TempDir folder;
         for (const char* arguments : {"", " --help", " one two"})
             EXPECT_EQ(runCommand("cd " + folder.path() + " && " + maker.program + arguments),
                       (std::pair<int, std::string>(2, "usage: " + name + " FOLDER\n")));
@@ -77,7 +77,7 @@ TEST(Art, APictureThatCantBeWrittenIsToldAndWhatIsThereStays) {
 }
 
 TEST(Art, TheMakerOfFontsSaysWhatIsWrong) {
-    TempDir           folder;
+    TempDir folder;
     const std::string make = "cd " + folder.path() + " && " MAKE_FONT;
     writeFile(folder.file("text"), "no font");
     for (const char* arguments :

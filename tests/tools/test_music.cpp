@@ -21,7 +21,7 @@ namespace {
 // A whole Vorbis file, decoded: two channels by turns.
 std::vector<float> decode(const std::string& path) {
     using namespace zentrak::audiere;
-    std::string          bytes = readFile(path);
+    std::string bytes = readFile(path);
     RefPtr<SampleSource> source =
         AdrOpenSampleSourceFromFile(AdrCreateMemoryFile(bytes.data(), int(bytes.size())), 0);
     if (!source) {
@@ -61,7 +61,7 @@ double strength(const std::vector<float>& samples, int first, int count, double 
 
 // The half tone that is strongest between two pitches, inclusive.
 int strongestPitch(const std::vector<float>& samples, int low, int high) {
-    int    best = 0;
+    int best = 0;
     double most = -1;
     for (int pitch = low; pitch <= high; ++pitch) {
         double now = strength(samples, RATE / 10, RATE / 2, pitchToFrequency(float(pitch)));
@@ -178,7 +178,7 @@ TEST(Instruments, PlayThePitchThatTheyAreGiven) {
 
 TEST(Instruments, EndWithoutAStep) {
     const int AT = 4 * RATE;
-    auto      expectSmooth = [&](const char* name, auto play) {
+    auto expectSmooth = [&](const char* name, auto play) {
         Track track(6 * RATE);
         play(track);
         auto last =
@@ -296,8 +296,8 @@ TEST(ShowMusic, GrowsFromSectionToSectionAndRestsInTheBreak) {
 }
 
 TEST(ShowMusic, IsWhatTheProgramMakesAndTheSameEachTime) {
-    const int   BARS = 3;
-    TempDir     folder;
+    const int BARS = 3;
+    TempDir folder;
     std::string once = folder.file("once.ogg"), again = folder.file("again.ogg");
     std::string bars = " " + std::to_string(BARS);
     ASSERT_EQ(runCommand(std::string(MAKE_MUSIC) + " " + once + bars).first, 0);

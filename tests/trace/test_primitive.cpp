@@ -21,7 +21,7 @@ const Vector3f ahead(0, 0, -1);
 class Liar : public trace::Primitive {
 public:
     float at = 0;
-    bool  trace(PreIntersection& pi, const Vector3f&, const Vector3f&, float, float) const override {
+    bool trace(PreIntersection& pi, const Vector3f&, const Vector3f&, float, float) const override {
         pi.t = at;
         pi.nor = Vector3f(0, 0, 1);
         return true;
@@ -31,7 +31,7 @@ public:
 } // namespace
 
 TEST(PrimSphere, IsHitAtItsNearerSide) {
-    PrimSphere      sphere(Vector3f(0, 0, -10), 2, nullptr);
+    PrimSphere sphere(Vector3f(0, 0, -10), 2, nullptr);
     PreIntersection pi;
     ASSERT_TRUE(sphere.trace(pi, origin, ahead, 0, 100));
     EXPECT_FLOAT_EQ(pi.t, 8);
@@ -42,7 +42,7 @@ TEST(PrimSphere, IsHitAtItsNearerSide) {
 }
 
 TEST(PrimSphere, ARayFromInsideHitsTheFurtherRootWithInsideTrue) {
-    PrimSphere      sphere(origin, 3, nullptr);
+    PrimSphere sphere(origin, 3, nullptr);
     PreIntersection pi;
     ASSERT_TRUE(sphere.trace(pi, Vector3f(0, 0, 1), ahead, 0, 100));
     EXPECT_FLOAT_EQ(pi.t, 4);
@@ -50,7 +50,7 @@ TEST(PrimSphere, ARayFromInsideHitsTheFurtherRootWithInsideTrue) {
 }
 
 TEST(PrimSphere, ARayFromOutsidePointingAwayMisses) {
-    PrimSphere      sphere(Vector3f(0, 0, -10), 2, nullptr);
+    PrimSphere sphere(Vector3f(0, 0, -10), 2, nullptr);
     PreIntersection pi;
     pi.t = 77;
     EXPECT_FALSE(sphere.trace(pi, origin, Vector3f(0, 0, 1), -1000, 1000));
@@ -58,7 +58,7 @@ TEST(PrimSphere, ARayFromOutsidePointingAwayMisses) {
 }
 
 TEST(PrimSphere, ATangentRayHitsOnce) {
-    PrimSphere      sphere(Vector3f(2, 0, -10), 2, nullptr);
+    PrimSphere sphere(Vector3f(2, 0, -10), 2, nullptr);
     PreIntersection pi;
     ASSERT_TRUE(sphere.trace(pi, origin, ahead, 0, 100));
     EXPECT_FLOAT_EQ(pi.t, 10);
@@ -66,7 +66,7 @@ TEST(PrimSphere, ATangentRayHitsOnce) {
 }
 
 TEST(PrimSphere, WithTminBetweenTheRootsTheFurtherOneIsHit) {
-    PrimSphere      sphere(Vector3f(0, 0, -10), 2, nullptr);
+    PrimSphere sphere(Vector3f(0, 0, -10), 2, nullptr);
     PreIntersection pi;
     ASSERT_TRUE(sphere.trace(pi, origin, ahead, 9, 100));
     EXPECT_FLOAT_EQ(pi.t, 12);
@@ -74,7 +74,7 @@ TEST(PrimSphere, WithTminBetweenTheRootsTheFurtherOneIsHit) {
 }
 
 TEST(PrimSphere, BothBoundsAreIncluded) {
-    PrimSphere      sphere(Vector3f(0, 0, -10), 2, nullptr);
+    PrimSphere sphere(Vector3f(0, 0, -10), 2, nullptr);
     PreIntersection pi;
     EXPECT_TRUE(sphere.trace(pi, origin, ahead, 8, 8));
     EXPECT_TRUE(sphere.trace(pi, origin, ahead, 12, 12));
@@ -83,9 +83,9 @@ TEST(PrimSphere, BothBoundsAreIncluded) {
 
 TEST(PrimSphere, ConversionGivesAUnitNormalAndTheMaterial) {
     trace::Material material;
-    PrimSphere      sphere(Vector3f(0, 0, -10), 2, &material);
+    PrimSphere sphere(Vector3f(0, 0, -10), 2, &material);
     PreIntersection pi;
-    Intersection    i;
+    Intersection i;
     ASSERT_TRUE(sphere.trace(pi, Vector3f(1, 0, 0), ahead, 0, 100));
     sphere.convertIntersection(pi, i, Vector3f(1, 0, 0), ahead);
     EXPECT_EQ(i.material, &material);
@@ -96,15 +96,15 @@ TEST(PrimSphere, ConversionGivesAUnitNormalAndTheMaterial) {
 }
 
 TEST(PrimSphereDeathTest, RadiusZeroHasNoNormal) {
-    PrimSphere      sphere(Vector3f(0, 0, -10), 0, nullptr);
+    PrimSphere sphere(Vector3f(0, 0, -10), 0, nullptr);
     PreIntersection pi;
-    Intersection    i;
+    Intersection i;
     ASSERT_TRUE(sphere.trace(pi, origin, ahead, 0, 100));
     EXPECT_DEATH(sphere.convertIntersection(pi, i, origin, ahead), "length!=0");
 }
 
 TEST(PrimSphere, NumbersThatAreNoneMiss) {
-    PrimSphere      sphere(Vector3f(NAN, 0, -10), 2, nullptr);
+    PrimSphere sphere(Vector3f(NAN, 0, -10), 2, nullptr);
     PreIntersection pi;
     EXPECT_FALSE(sphere.trace(pi, origin, ahead, 0, 100));
     sphere.centre = Vector3f(0, 0, -10);
@@ -112,9 +112,9 @@ TEST(PrimSphere, NumbersThatAreNoneMiss) {
 }
 
 TEST(Primitive, TheBaseConversionLeavesTheMaterialAlone) {
-    Liar            liar;
+    Liar liar;
     PreIntersection pi;
-    Intersection    i;
+    Intersection i;
     trace::Material material;
     i.material = &material;
     pi.nor = Vector3f(0, 5, 0);
@@ -136,7 +136,7 @@ TEST(Primitive, TraceShadowStopsAtTmax) {
 }
 
 TEST(PrimScene, WithoutInstancesNothingIsHitOrTouched) {
-    PrimScene    scene;
+    PrimScene scene;
     Intersection i;
     i.t = 42;
     EXPECT_FALSE(scene.trace(i, origin, ahead, 0, 100));
@@ -148,8 +148,8 @@ TEST(PrimScene, WithoutInstancesNothingIsHitOrTouched) {
 
 TEST(PrimScene, TheNearerOfTwoIsReportedWhateverTheirOrder) {
     trace::Material near, far;
-    PrimSphere      first(Vector3f(0, 0, -10), 2, &near);
-    PrimSphere      second(Vector3f(0, 0, -20), 2, &far);
+    PrimSphere first(Vector3f(0, 0, -10), 2, &near);
+    PrimSphere second(Vector3f(0, 0, -20), 2, &far);
     for (bool swapped : {false, true}) {
         PrimScene scene;
         scene.instances = swapped ? std::vector<PrimScene::Instance>{{&second}, {&first}}
@@ -166,9 +166,9 @@ TEST(PrimScene, TheNearerOfTwoIsReportedWhateverTheirOrder) {
 
 TEST(PrimScene, AtTheSameDistanceTheLaterReplacesTheEarlier) {
     trace::Material earlier, later;
-    PrimSphere      a(Vector3f(0, 0, -10), 2, &earlier);
-    PrimSphere      b(Vector3f(0, 0, -10), 2, &later);
-    PrimScene       scene;
+    PrimSphere a(Vector3f(0, 0, -10), 2, &earlier);
+    PrimSphere b(Vector3f(0, 0, -10), 2, &later);
+    PrimScene scene;
     scene.instances = {{&a}, {&b}};
     Intersection i;
     ASSERT_TRUE(scene.trace(i, origin, ahead, 0, 100));
@@ -176,7 +176,7 @@ TEST(PrimScene, AtTheSameDistanceTheLaterReplacesTheEarlier) {
 }
 
 TEST(PrimSceneDeathTest, APrimitiveThatBreaksItsBoundsIsCaught) {
-    Liar      liar;
+    Liar liar;
     PrimScene scene;
     scene.instances = {{&liar}};
     Intersection i;
@@ -195,14 +195,14 @@ TEST(PrimSceneDeathTest, APrimitiveThatBreaksItsBoundsIsCaught) {
 TEST(PrimScene, AgreesWithAMarchAlongTheRay) {
     PrimSphere a(Vector3f(-3, 2.1f, 0), 2.3f, nullptr);
     PrimSphere b(Vector3f(3, 2.1f, 0), 2.3f, nullptr);
-    PrimScene  scene;
+    PrimScene scene;
     scene.instances = {{&a}, {&b}};
     mathbase::Random random(12345);
-    const Vector3f   from(5, 8, 0);
-    int              hits = 0;
+    const Vector3f from(5, 8, 0);
+    int hits = 0;
     for (int ray = 0; ray < 2000; ++ray) {
         const Vector3f direction = random.unitSphere();
-        float          marched = -1;
+        float marched = -1;
         for (int step = 0; step < 3000 && marched < 0; ++step) {
             const Vector3f p = from + direction * (float(step) * 0.01f);
             if ((p - a.centre).length() < a.radius || (p - b.centre).length() < b.radius) {
@@ -210,7 +210,7 @@ TEST(PrimScene, AgreesWithAMarchAlongTheRay) {
             }
         }
         Intersection i;
-        const bool   hit = scene.trace(i, from, direction, 0.0001f, 30);
+        const bool hit = scene.trace(i, from, direction, 0.0001f, 30);
         if (marched >= 0) {
             ASSERT_TRUE(hit);
             EXPECT_NEAR(i.t, marched, 0.011);

@@ -26,7 +26,7 @@ const char document[] = "<?xml version=\"1.0\" encoding='utf-8'?>\n"
 
 TEST(XmlBroken, DocumentCutAtEveryByteFailsAsEofWithAPosition) {
     const std::string text = document;
-    const std::regex  expected("\\(error at line \\d+, col \\d+\\); EOF \\(when reading tag at \\d+:\\d+\\)");
+    const std::regex expected("\\(error at line \\d+, col \\d+\\); EOF \\(when reading tag at \\d+:\\d+\\)");
     for (size_t length = 0; length < text.size(); ++length) {
         const std::string what = parseFailure(text.substr(0, length));
         EXPECT_TRUE(std::regex_match(what, expected)) << length << ": " << what;
@@ -42,8 +42,8 @@ TEST(XmlBroken, DocumentWithAnyByteReplacedLoadsOrFailsWithItsOwnWords) {
         "is "
         "closed!|Xml: Ill formed <!\\.\\.\\.> tag) \\(when reading tag at \\d+:\\d+\\)");
     const std::string bytes("\0\t\n\r \"'-/<=>?!:a0_\xff", 19);
-    int               failures = 0;
-    int               loads = 0;
+    int failures = 0;
+    int loads = 0;
     for (size_t i = 0; i < sizeof(document) - 1; ++i) {
         for (const char byte : bytes) {
             std::string text = document;

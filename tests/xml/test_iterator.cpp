@@ -85,7 +85,7 @@ TEST_F(XmlIterator, FilterSeesEveryTypeOfTag) {
     EXPECT_EQ(XmlTag::Comment, it->getType());
     EXPECT_TRUE(++it);
     EXPECT_EQ(XmlTag::Normal, it->getType());
-    Iterator    all = parser.createIterator("");
+    Iterator all = parser.createIterator("");
     std::string names;
     while (++all) {
         names += all->getName() + " ";
@@ -94,8 +94,8 @@ TEST_F(XmlIterator, FilterSeesEveryTypeOfTag) {
 }
 
 TEST_F(XmlIterator, NodeWithoutChildrenFailsTheFirstStepAndThenIsPastTheLastElement) {
-    XmlNode       node(nullptr);
-    Iterator      it = node.createIterator("");
+    XmlNode node(nullptr);
+    Iterator it = node.createIterator("");
     IteratorConst itConst = static_cast<const XmlNode&>(node).createIterator("x");
     EXPECT_FALSE(++it);
     EXPECT_FALSE(++itConst);
@@ -106,7 +106,7 @@ TEST_F(XmlIterator, NodeWithoutChildrenFailsTheFirstStepAndThenIsPastTheLastElem
 }
 
 TEST_F(XmlIterator, AccessBeforeTheFirstStepThrowsEvenOnANonEmptyNode) {
-    Iterator      it = mParser.createIterator("");
+    Iterator it = mParser.createIterator("");
     IteratorConst itConst = constParser().createIterator("");
     EXPECT_EQ(before, failure([&] { it.operator->(); }));
     EXPECT_EQ(constBefore, failure([&] { itConst.operator->(); }));
@@ -138,7 +138,7 @@ TEST_F(XmlIterator, ChildrenOfTheCurrentChildAreWalkedNext) {
 }
 
 TEST_F(XmlIterator, PrintsTheCurrentChildsTag) {
-    IteratorConst      it = constParser().createIterator("");
+    IteratorConst it = constParser().createIterator("");
     std::ostringstream os;
     EXPECT_EQ(constBefore, failure([&] { os << it; }));
     ++it;
@@ -147,7 +147,7 @@ TEST_F(XmlIterator, PrintsTheCurrentChildsTag) {
 }
 
 TEST_F(XmlIterator, AddChildOnAFreshIteratorBuildsTheListInCallOrder) {
-    XmlNode  node(named("r"), nullptr);
+    XmlNode node(named("r"), nullptr);
     Iterator it = node.createIterator("");
     it.addChild(named("a"));
     EXPECT_EQ(0, it.index);
@@ -187,7 +187,7 @@ TEST_F(XmlIterator, AddChildTakesAnIteratorOutOfTheEnd) {
 
 TEST_F(XmlIterator, SetRootCopiesTheTagOntoTheWalkedNode) {
     Iterator it = mParser.createIterator("");
-    XmlTag   tag = named("q");
+    XmlTag tag = named("q");
     tag.setValue("k", "v");
     it.setRoot(tag);
     EXPECT_EQ("q/[k=v](x/[n=0] y[n=1](z/) x/[n=2])", shape(mParser));

@@ -70,7 +70,7 @@ TEST(XmlNode, AddChildOnAClosedLeafMakesItOpenSoThatItIsWrittenWithAnEndTag) {
 }
 
 TEST(XmlNode, AddChildReturnsAnIteratorOverTheNewChildsChildren) {
-    XmlNode  node(nullptr);
+    XmlNode node(nullptr);
     Iterator it = node.addChild(named("a"), -1);
     EXPECT_EQ(node.getChildren(0), it.getRoot());
     EXPECT_EQ("", it.searchCriteria);

@@ -255,7 +255,7 @@ TEST(XmlParse, EmptyBufferIsEofAtTagPosition1) {
 
 TEST(XmlParse, BufferNeedsNoTerminatorAndItsLengthCounts) {
     const std::string text = "<a></a>garbage";
-    XmlParser         parser;
+    XmlParser parser;
     parser.parse(text.data(), 7);
     EXPECT_EQ("a/", shape(parser));
     XmlParser cut;
@@ -265,13 +265,13 @@ TEST(XmlParse, BufferNeedsNoTerminatorAndItsLengthCounts) {
 
 TEST(XmlParse, ZeroByteIsAByteLikeAnyOther) {
     const std::string text("<a>x\0y</a>", 10);
-    XmlParser         parser;
+    XmlParser parser;
     parser.parse(text);
     EXPECT_EQ(std::string("x\0y", 3), parser.getChildren(0)->getValue("content"));
 }
 
 TEST(XmlParse, ReaderOverloadAddsNoPosition) {
-    XmlParser    parser;
+    XmlParser parser;
     BufferReader reader("<a", 2);
     EXPECT_EQ("EOF", failure([&] { parser.parse(reader); }));
     EXPECT_EQ(1, reader.tagLine);
@@ -301,7 +301,7 @@ TEST(XmlParse, ParseRecurseInsertsBehindTheIteratorsCurrentChild) {
 
 TEST(XmlParse, FailureIsLoggedTwiceOnceWithItsPosition) {
     CaptureStdout capture;
-    XmlParser     parser;
+    XmlParser parser;
     EXPECT_THROW(parser.parse("<a b>"), zentrak::Exception);
     EXPECT_EQ("[error][Exception], '=' expected! (ztk_system:171)\n"
               "[error][Exception], (error at line 1, col 6); '=' expected! (when reading tag at 1:1) "

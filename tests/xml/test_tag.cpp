@@ -8,7 +8,7 @@ using namespace zentrak::test;
 namespace {
 
 XmlTag tagFrom(const std::string& text) {
-    XmlTag       tag;
+    XmlTag tag;
     BufferReader reader(text.data(), text.size());
     tag.parse(reader);
     return tag;
@@ -99,7 +99,7 @@ TEST(XmlTag, ParseResetsWhatTheTagHeld) {
 
 TEST(XmlTag, TagPositionIsWhereTheTagBeforeEnded) {
     const std::string text = "<a>\n\t<b/>";
-    BufferReader      reader(text.data(), text.size());
+    BufferReader reader(text.data(), text.size());
     EXPECT_EQ(-1, reader.tagLine);
     EXPECT_EQ(-1, reader.tagCol);
     XmlTag tag;
@@ -118,8 +118,8 @@ TEST(XmlTag, TagPositionIsWhereTheTagBeforeEnded) {
 TEST(XmlTag, ParseAttributeTakesTerminatorsWithoutEffect) {
     for (const char* terminators : {"/>", "?>", ">", "=\"v", ""}) {
         const std::string text = "n = \"v w\" rest";
-        BufferReader      reader(text.data(), text.size());
-        XmlTag            tag;
+        BufferReader reader(text.data(), text.size());
+        XmlTag tag;
         tag.parseAttribute(reader, terminators, true);
         EXPECT_EQ("v w", tag.getValue("n"));
         EXPECT_EQ(9u, reader.pos);
@@ -158,7 +158,7 @@ TEST(XmlTag, PartsCalledAtTheEndOfTheDataFailAsEof) {
 
 TEST(BufferReader, CountsLinesAndColumns) {
     BufferReader reader("ab\tc\r\nd", 7);
-    const int    columns[] = {2, 3, 7, 8, 8, 1, 2};
+    const int columns[] = {2, 3, 7, 8, 8, 1, 2};
     for (const int column : columns) {
         reader.consume();
         EXPECT_EQ(column, reader.col);

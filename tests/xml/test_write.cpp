@@ -79,8 +79,8 @@ TEST(XmlWrite, OperatorAllowsSelfClosing) {
 
 TEST(XmlWrite, EachTagEndsInAFlush) {
     CountingBuffer buffer;
-    std::ostream   os(&buffer);
-    XmlTag         tag;
+    std::ostream os(&buffer);
+    XmlTag tag;
     tag.write(os, true);
     EXPECT_EQ(1, buffer.mFlushes);
     tag.type = XmlTag::Text;
@@ -145,7 +145,7 @@ TEST(XmlWrite, WhatIsWrittenLoadsToTheSameTree) {
 TEST(XmlWrite, WriteRecurseKeepsToTheIteratorsCriteriaOnItsOwnLevel) {
     XmlParser parser;
     parser.parse("<r><a><b/></a><b><a/></b></r>");
-    IteratorConst      it = static_cast<const XmlParser&>(parser).createIterator("b");
+    IteratorConst it = static_cast<const XmlParser&>(parser).createIterator("b");
     std::ostringstream os;
     parser.writeRecurse(os, it, "-", 2);
     EXPECT_EQ("--<b>\n---<a/>\n--</b>\n-</r>\n", os.str());

@@ -33,7 +33,7 @@ float lattice(int x, int y, unsigned seed) {
 
 float noise(float x, float y, unsigned seed) {
     const float fx = floorf(x), fy = floorf(y);
-    const int   ix = int(fx), iy = int(fy);
+    const int ix = int(fx), iy = int(fy);
     const float u = smoothstep(0, 1, x - fx), v = smoothstep(0, 1, y - fy);
     return mix(mix(lattice(ix, iy, seed), lattice(ix + 1, iy, seed), u),
                mix(lattice(ix, iy + 1, seed), lattice(ix + 1, iy + 1, seed), u), v);
@@ -60,7 +60,7 @@ void Canvas::fill(const Colour& colour, const std::function<float(float x, float
 }
 
 void Canvas::blend(int x, int y, const Colour& colour) {
-    Colour&     under = at(x, y);
+    Colour& under = at(x, y);
     const float a = colour.a + under.a * (1 - colour.a);
     if (a <= 0)
         return;
@@ -85,7 +85,7 @@ bool Canvas::write(const std::filesystem::path& path) const {
     image.height = png_uint_32(mHeight);
     image.format = PNG_FORMAT_RGBA;
     // To memory first: libpng deletes the file that it can't write.
-    png_alloc_size_t     size = PNG_IMAGE_PNG_SIZE_MAX(image);
+    png_alloc_size_t size = PNG_IMAGE_PNG_SIZE_MAX(image);
     std::vector<uint8_t> file(size);
     if (!png_image_write_to_memory(&image, file.data(), &size, 0, bytes.data(), 0, nullptr)) {
         fprintf(stderr, "%s: %s\n", path.c_str(), image.message);

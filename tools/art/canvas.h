@@ -34,7 +34,7 @@ public:
     int height() const { return mHeight; }
 
     const Colour& at(int x, int y) const { return mPixels[size_t(y) * size_t(mWidth) + size_t(x)]; }
-    Colour&       at(int x, int y) { return mPixels[size_t(y) * size_t(mWidth) + size_t(x)]; }
+    Colour& at(int x, int y) { return mPixels[size_t(y) * size_t(mWidth) + size_t(x)]; }
 
     // Sets every pixel to what `paint` gives for its centre, in pixels from the upper left corner.
     void paint(const std::function<Colour(float x, float y)>& paint);
@@ -49,7 +49,7 @@ public:
     bool write(const std::filesystem::path& path) const;
 
 private:
-    int                 mWidth, mHeight;
+    int mWidth, mHeight;
     std::vector<Colour> mPixels;
 };
 

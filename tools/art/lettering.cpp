@@ -12,8 +12,8 @@ namespace {
 // Strokes on a grid 6 high, y up: points as two digits, x and y, strokes parted by blanks. A stroke of one
 // point is a dot.
 struct Glyph {
-    char        letter;
-    int         width;
+    char letter;
+    int width;
     const char* strokes;
 };
 
@@ -83,7 +83,7 @@ const Glyph* glyphOf(char c) {
 }
 
 float distanceToGlyph(const Glyph& glyph, float x, float y) {
-    float       nearest = 1e9f;
+    float nearest = 1e9f;
     const char* p = glyph.strokes;
     while (*p != 0) {
         float x0 = float(p[0] - '0'), y0 = float(p[1] - '0');
@@ -120,11 +120,11 @@ Lettering::Lettering(const std::string& text, float height, float tracking)
 float Lettering::distance(float x, float y) const {
     const float unit = mHeight / 6;
     const float gx = x / unit, gy = 6 - y / unit;
-    float       nearest = 1e9f;
-    float       start = 0;
+    float nearest = 1e9f;
+    float start = 0;
     for (const char c : mText) {
         const Glyph* glyph = glyphOf(c);
-        const float  width = float(glyph != nullptr ? glyph->width : GAP);
+        const float width = float(glyph != nullptr ? glyph->width : GAP);
         if (glyph != nullptr && gx > start - 6 && gx < start + width + 6) {
             const float d = distanceToGlyph(*glyph, gx - start, gy);
             nearest = d < nearest ? d : nearest;

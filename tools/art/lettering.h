@@ -21,7 +21,7 @@ public:
 
 private:
     std::string mText;
-    float       mHeight, mTracking, mWidth;
+    float mHeight, mTracking, mWidth;
 };
 
 } // namespace zentrak::art

@@ -43,12 +43,12 @@ std::string Document::folder() const {
  * Reads the tags once more, one at a time, and goes through the tree beside them.
  */
 void Document::findLines(const std::string& text) {
-    xml::BufferReader   reader(text.data(), text.size());
+    xml::BufferReader reader(text.data(), text.size());
     const xml::XmlNode* node = nullptr; // the open element
     std::vector<size_t> next;           // of each open element, the child to come
     while (true) {
         reader.skipSpaces(0);
-        const int   line = reader.line;
+        const int line = reader.line;
         xml::XmlTag tag;
         tag.parse(reader);
         if (!node) {
@@ -88,7 +88,7 @@ void Findings::eachElement(const xml::XmlNode& node, const std::function<void(co
 }
 
 double Findings::number(const xml::XmlNode& node, const std::string& name, const std::string& text) {
-    char*        end = nullptr;
+    char* end = nullptr;
     const double value = strtod(text.c_str(), &end);
     if (*end || end == text.c_str()) {
         char read[32];

@@ -16,16 +16,16 @@ public:
     // XML.
     bool read(const std::string& path);
 
-    const std::string&  path() const { return mPath; }
+    const std::string& path() const { return mPath; }
     const xml::XmlNode& root() const { return mRoot; }
-    int                 line(const xml::XmlNode& node) const; // from 1; 0 for a node of another document
-    std::string         folder() const; // of the file, with a slash at its end, or empty
+    int line(const xml::XmlNode& node) const; // from 1; 0 for a node of another document
+    std::string folder() const;               // of the file, with a slash at its end, or empty
 
 private:
     void findLines(const std::string& text);
 
-    std::string                                  mPath;
-    xml::XmlParser                               mRoot;
+    std::string mPath;
+    xml::XmlParser mRoot;
     std::unordered_map<const xml::XmlNode*, int> mLines;
 };
 
@@ -34,7 +34,7 @@ class Findings {
 public:
     explicit Findings(const Document& document) : mDocument(document) {}
 
-    int  count() const { return mCount; }
+    int count() const { return mCount; }
     void say(const xml::XmlNode& node, const std::string& what);
 
     // Each element in `node` with `visit`; text, which no loader reads, is a finding.

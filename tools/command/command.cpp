@@ -19,7 +19,7 @@ bool hasOption(int argc, char** argv, int first) {
 }
 
 bool readNumber(const char* argument, int least, int most, int& number) {
-    char*      end = nullptr;
+    char* end = nullptr;
     const long value = strtol(argument, &end, 10);
     if (*end || end == argument || value < least || value > most)
         return false;
@@ -31,7 +31,7 @@ bool readFile(const std::string& path, std::string& bytes) {
     bytes.clear();
     FILE* const file = fopen(path.c_str(), "rb");
     if (file) {
-        char   part[65536];
+        char part[65536];
         size_t count = 0;
         while ((count = fread(part, 1, sizeof part, file)) > 0)
             bytes.append(part, count);
@@ -46,8 +46,8 @@ bool readFile(const std::string& path, std::string& bytes) {
 
 bool writeFile(const std::string& path, const void* bytes, size_t count) {
     FILE* const file = fopen(path.c_str(), "wb");
-    const bool  accepted = file && fwrite(bytes, 1, count, file) == count;
-    const bool  written = file && fclose(file) == 0 && accepted;
+    const bool accepted = file && fwrite(bytes, 1, count, file) == count;
+    const bool written = file && fclose(file) == 0 && accepted;
     if (!written)
         fprintf(stderr, "%s: can't be written: %s\n", path.c_str(), strerror(errno));
     return written;

@@ -13,14 +13,14 @@ class Delay {
 public:
     explicit Delay(int length) : mSamples(size_t(length)) {}
     float read() const { return mSamples[mAt]; }
-    void  write(float sample) {
-         mSamples[mAt] = sample;
-         mAt = mAt + 1 == mSamples.size() ? 0 : mAt + 1;
+    void write(float sample) {
+        mSamples[mAt] = sample;
+        mAt = mAt + 1 == mSamples.size() ? 0 : mAt + 1;
     }
 
 private:
     std::vector<float> mSamples;
-    size_t             mAt = 0;
+    size_t mAt = 0;
 };
 
 // Smears a sound in time and leaves its colour as it is.
@@ -56,9 +56,9 @@ void mix(Track& into, const Track& track, float level) {
 }
 
 void echo(Track& into, const Track& send, int frames, float feedback, float level) {
-    Delay   left(frames), right(frames);
+    Delay left(frames), right(frames);
     OnePole darkerLeft(3500), darkerRight(3500);
-    Filter  thinner;
+    Filter thinner;
     thinner.set(300, 0);
     for (int i = 0; i < send.frames(); ++i) {
         float in = thinner.high(0.5f * (send.left[size_t(i)] + send.right[size_t(i)]));
@@ -71,10 +71,10 @@ void echo(Track& into, const Track& send, int frames, float feedback, float leve
 }
 
 void reverb(Track& into, const Track& send, float seconds, float level) {
-    const int            LENGTHS[8] = {1433, 1601, 1867, 2053, 2251, 2399, 2617, 2797};
-    std::vector<Delay>   lines;
+    const int LENGTHS[8] = {1433, 1601, 1867, 2053, 2251, 2399, 2617, 2797};
+    std::vector<Delay> lines;
     std::vector<OnePole> damping;
-    std::vector<float>   gains;
+    std::vector<float> gains;
     for (int length : LENGTHS) {
         lines.emplace_back(length);
         damping.emplace_back(4800.0f);
@@ -82,8 +82,8 @@ void reverb(Track& into, const Track& send, float seconds, float level) {
     }
     std::vector<AllPass> left = {AllPass(142), AllPass(379), AllPass(107), AllPass(277)};
     std::vector<AllPass> right = {AllPass(151), AllPass(367), AllPass(113), AllPass(283)};
-    Delay                beforeLeft(882), beforeRight(882); // 20 ms
-    Filter               thinLeft, thinRight;
+    Delay beforeLeft(882), beforeRight(882); // 20 ms
+    Filter thinLeft, thinRight;
     thinLeft.set(180, 0);
     thinRight.set(180, 0);
     for (int i = 0; i < send.frames(); ++i) {
@@ -108,8 +108,8 @@ void reverb(Track& into, const Track& send, float seconds, float level) {
 }
 
 void duck(Track& track, const std::vector<int>& strokes, float depth) {
-    const int    LENGTH = 4 * STEP;
-    const int    EDGE = 120; // frames to go down in, so that it does not click
+    const int LENGTH = 4 * STEP;
+    const int EDGE = 120; // frames to go down in, so that it does not click
     const size_t COUNT = strokes.size();
     for (size_t stroke = 0; stroke < COUNT; ++stroke) {
         int end = std::min(strokes[stroke] + LENGTH, track.frames());
@@ -117,7 +117,7 @@ void duck(Track& track, const std::vector<int>& strokes, float depth) {
             end = std::min(end, strokes[stroke + 1]);
         }
         for (int i = strokes[stroke]; i < end; ++i) {
-            int   since = i - strokes[stroke];
+            int since = i - strokes[stroke];
             float x = float(since) / LENGTH;
             float gain = 1 - depth * (1 - x) * (1 - x);
             if (since < EDGE) {
@@ -159,14 +159,14 @@ void saturate(Track& track, float drive) {
 // The gain at a frame is the least that any frame in the window around it asks for, smoothed over the
 // window's first half, so that it has come down by the time that the peak is there.
 void limit(Track& track, float ceiling) {
-    const int                         AHEAD = 200; // frames, 4.5 ms
-    const float                       BACK = std::exp(-1.0f / (0.09f * RATE));
+    const int AHEAD = 200; // frames, 4.5 ms
+    const float BACK = std::exp(-1.0f / (0.09f * RATE));
     std::deque<std::pair<int, float>> least; // of the frames ahead, rising
-    std::vector<float>                smooth(AHEAD, 1.0f);
-    double                            sum = AHEAD;
-    float                             held = 1;
-    size_t                            at = 0;
-    std::vector<float>                delayedLeft(track.left), delayedRight(track.right);
+    std::vector<float> smooth(AHEAD, 1.0f);
+    double sum = AHEAD;
+    float held = 1;
+    size_t at = 0;
+    std::vector<float> delayedLeft(track.left), delayedRight(track.right);
     for (int i = 0; i < track.frames() + AHEAD; ++i) {
         float wanted = 1;
         if (i < track.frames()) {

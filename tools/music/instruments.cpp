@@ -55,10 +55,10 @@ public:
 private:
     struct Voice {
         float frequency = 0;
-        Saw   saw = Saw(0);
-        Pan   pan = Pan(0);
+        Saw saw = Saw(0);
+        Pan pan = Pan(0);
     };
-    const float              LOUDNESS = 1 / std::sqrt(float(COUNT));
+    const float LOUDNESS = 1 / std::sqrt(float(COUNT));
     std::array<Voice, COUNT> mVoices;
 };
 
@@ -87,7 +87,7 @@ class Metal {
 public:
     float next() {
         const float FREQUENCIES[] = {2490, 3087, 4155, 5339, 6177, 8207};
-        float       sum = 0;
+        float sum = 0;
         for (int i = 0; i < 6; ++i) {
             mPhase[i] += FREQUENCIES[i] / RATE;
             mPhase[i] -= mPhase[i] >= 1 ? 1.0f : 0.0f;
@@ -104,7 +104,7 @@ private:
 
 // A sine that falls from a click to a thump at 47 Hz.
 void kick(Track& track, int frame, float level) {
-    Sine  body;
+    Sine body;
     Noise noise(1);
     for (int i = 0; i < frames(0.42f); ++i) {
         float t = seconds(i);
@@ -119,9 +119,9 @@ void kick(Track& track, int frame, float level) {
 // Hands and a snare drum at once: three short bursts of noise before the long one, and a body at 190 Hz.
 void clap(Track& track, int frame, float level) {
     const float BURSTS[] = {0, 0.011f, 0.021f, 0.031f};
-    Noise       left(11), right(23);
-    Filter      bandLeft, bandRight, top;
-    Sine        body;
+    Noise left(11), right(23);
+    Filter bandLeft, bandRight, top;
+    Sine body;
     bandLeft.set(1500, 0.45f);
     bandRight.set(1700, 0.45f);
     top.set(6000, 0);
@@ -140,12 +140,12 @@ void clap(Track& track, int frame, float level) {
 }
 
 void hat(Track& track, int frame, float level, bool open) {
-    float  length = open ? 0.30f : 0.09f;
-    float  decay = open ? 0.11f : 0.022f;
-    Noise  noise(unsigned(frame) | 1);
-    Metal  metal;
+    float length = open ? 0.30f : 0.09f;
+    float decay = open ? 0.11f : 0.022f;
+    Noise noise(unsigned(frame) | 1);
+    Metal metal;
     Filter top;
-    Pan    pan(open ? -0.25f : 0.3f);
+    Pan pan(open ? -0.25f : 0.3f);
     top.set(8200, 0.2f);
     for (int i = 0; i < frames(length); ++i) {
         float t = seconds(i);
@@ -156,9 +156,9 @@ void hat(Track& track, int frame, float level, bool open) {
 }
 
 void tom(Track& track, int frame, float level, float pitch, float place) {
-    Sine  body;
+    Sine body;
     Noise noise(5);
-    Pan   pan(place);
+    Pan pan(place);
     float base = pitchToFrequency(pitch);
     for (int i = 0; i < frames(0.4f); ++i) {
         float t = seconds(i);
@@ -171,8 +171,8 @@ void tom(Track& track, int frame, float level, float pitch, float place) {
 }
 
 void crash(Track& track, int frame, float level) {
-    Noise  left(unsigned(frame) + 3), right(unsigned(frame) + 4);
-    Metal  metal;
+    Noise left(unsigned(frame) + 3), right(unsigned(frame) + 4);
+    Metal metal;
     Filter topLeft, topRight;
     topLeft.set(4200, 0.1f);
     topRight.set(4600, 0.1f);
@@ -186,9 +186,9 @@ void crash(Track& track, int frame, float level) {
 }
 
 void riser(Track& track, int frame, int length, float level) {
-    Noise  left(91), right(92);
+    Noise left(91), right(92);
     Filter bandLeft, bandRight;
-    Saw    low, high(0.5f);
+    Saw low, high(0.5f);
     for (int i = 0; i < length; ++i) {
         float x = float(i) / float(length); // 0 to 1
         if (i % CONTROL == 0) {
@@ -204,7 +204,7 @@ void riser(Track& track, int frame, int length, float level) {
 }
 
 void fall(Track& track, int frame, int length, float level) {
-    Noise  left(71), right(72);
+    Noise left(71), right(72);
     Filter bandLeft, bandRight;
     for (int i = 0; i < length; ++i) {
         float x = float(i) / float(length);
@@ -231,11 +231,11 @@ void boom(Track& track, int frame, float level) {
 // A saw and its octave through a filter that snaps shut, over a sine that carries the ground.
 void bass(Track& track, int frame, int length, int pitch, float level, float brightness) {
     const Envelope loud = {0.004f, 0.25f, 0.75f, 0.05f};
-    float          frequency = pitchToFrequency(float(pitch));
-    float          held = seconds(length);
-    Saw            first(0.1f), second(0.6f);
-    Sine           ground;
-    Filter         filter1, filter2;
+    float frequency = pitchToFrequency(float(pitch));
+    float held = seconds(length);
+    Saw first(0.1f), second(0.6f);
+    Sine ground;
+    Filter filter1, filter2;
     for (int i = 0; i < length + frames(loud.release); ++i) {
         float t = seconds(i);
         if (i % CONTROL == 0) {
@@ -252,10 +252,10 @@ void bass(Track& track, int frame, int length, int pitch, float level, float bri
 
 void pad(Track& track, int frame, int length, int pitch, float level, float brightness) {
     const Envelope loud = {0.35f, 1.0f, 0.9f, 0.9f};
-    Swarm<5>       swarm(float(pitch), 0.14f, 0.95f, seedOf(frame, pitch));
-    StereoLowPass  filter;
-    Sine           slow;
-    float          held = seconds(length);
+    Swarm<5> swarm(float(pitch), 0.14f, 0.95f, seedOf(frame, pitch));
+    StereoLowPass filter;
+    Sine slow;
+    float held = seconds(length);
     for (int i = 0; i < length + frames(loud.release); ++i) {
         float t = seconds(i);
         float wave = slow.next(0.23f);
@@ -272,9 +272,9 @@ void pad(Track& track, int frame, int length, int pitch, float level, float brig
 
 void saws(Track& track, int frame, int length, int pitch, float level, float brightness) {
     const Envelope loud = {0.006f, 0.5f, 0.7f, 0.09f};
-    Swarm<7>       swarm(float(pitch), 0.21f, 1, seedOf(frame, pitch) + 7);
-    StereoLowPass  filter;
-    float          held = seconds(length);
+    Swarm<7> swarm(float(pitch), 0.21f, 1, seedOf(frame, pitch) + 7);
+    StereoLowPass filter;
+    float held = seconds(length);
     for (int i = 0; i < length + frames(loud.release); ++i) {
         float t = seconds(i);
         if (i % CONTROL == 0) {
@@ -290,10 +290,10 @@ void saws(Track& track, int frame, int length, int pitch, float level, float bri
 
 void pluck(Track& track, int frame, int length, int pitch, float level, float brightness, float place) {
     const Envelope loud = {0.002f, 0.16f, 0.0f, 0.06f};
-    Swarm<3>       swarm(float(pitch), 0.07f, 0.3f, seedOf(frame, pitch) + 3);
-    StereoLowPass  filter;
-    Pan            pan(place);
-    float          held = std::max(seconds(length), 0.22f);
+    Swarm<3> swarm(float(pitch), 0.07f, 0.3f, seedOf(frame, pitch) + 3);
+    StereoLowPass filter;
+    Pan pan(place);
+    float held = std::max(seconds(length), 0.22f);
     for (int i = 0; i < frames(held + loud.release); ++i) {
         float t = seconds(i);
         if (i % CONTROL == 0) {
@@ -310,8 +310,8 @@ void pluck(Track& track, int frame, int length, int pitch, float level, float br
 // Frequency modulation: a tine that is struck, over a soft fundamental.
 void bell(Track& track, int frame, int length, int pitch, float level) {
     const Envelope loud = {0.003f, 0.9f, 0.15f, 0.8f};
-    float          frequency = pitchToFrequency(float(pitch)), held = seconds(length);
-    Sine           carrier, partner, modulator, tine;
+    float frequency = pitchToFrequency(float(pitch)), held = seconds(length);
+    Sine carrier, partner, modulator, tine;
     for (int i = 0; i < length + frames(loud.release); ++i) {
         float t = seconds(i);
         float bend = 0.22f * modulator.next(2 * frequency) * fade(t, 0.35f) +
@@ -325,12 +325,12 @@ void bell(Track& track, int frame, int length, int pitch, float level) {
 
 void lead(Track& track, int frame, int length, int from, int pitch, float level) {
     const Envelope loud = {0.008f, 0.4f, 0.75f, 0.14f};
-    Swarm<5>       swarm(float(pitch), 0.10f, 0.5f, seedOf(frame, pitch) + 1);
-    Saw            octave(0.3f);
-    Sine           vibrato;
-    StereoLowPass  filter;
-    float          frequency = pitchToFrequency(float(pitch)), held = seconds(length);
-    float          bend = 1;
+    Swarm<5> swarm(float(pitch), 0.10f, 0.5f, seedOf(frame, pitch) + 1);
+    Saw octave(0.3f);
+    Sine vibrato;
+    StereoLowPass filter;
+    float frequency = pitchToFrequency(float(pitch)), held = seconds(length);
+    float bend = 1;
     for (int i = 0; i < length + frames(loud.release); ++i) {
         float t = seconds(i);
         float wave = vibrato.next(5.6f) * 0.18f * std::clamp((t - 0.22f) / 0.3f, 0.0f, 1.0f);
@@ -352,8 +352,8 @@ void lead(Track& track, int frame, int length, int from, int pitch, float level)
 // Warm and dark, as of strings, below the lead.
 void counter(Track& track, int frame, int length, int pitch, float level) {
     const Envelope loud = {0.06f, 0.8f, 0.85f, 0.25f};
-    Swarm<5>       swarm(float(pitch), 0.12f, 0.8f, seedOf(frame, pitch) + 2);
-    StereoLowPass  filter;
+    Swarm<5> swarm(float(pitch), 0.12f, 0.8f, seedOf(frame, pitch) + 2);
+    StereoLowPass filter;
     filter.set(2100, 0.15f);
     float held = seconds(length);
     for (int i = 0; i < length + frames(loud.release); ++i) {

@@ -202,7 +202,7 @@ Charts readCharts() {
 int readPitch(const std::string& name) {
     static const std::map<char, int> WHITE_KEYS = {{'C', 0}, {'D', 2}, {'E', 4}, {'F', 5},
                                                    {'G', 7}, {'A', 9}, {'B', 11}};
-    auto                             key = WHITE_KEYS.find(name.empty() ? ' ' : name[0]);
+    auto key = WHITE_KEYS.find(name.empty() ? ' ' : name[0]);
     if (key == WHITE_KEYS.end() || name.size() < 2) {
         throw std::runtime_error("not a note: " + name);
     }
@@ -228,12 +228,12 @@ int transposition(int bar) {
 std::vector<Chord> harmony() {
     std::vector<Chord> chords;
     std::istringstream bars(HARMONY);
-    std::string        bar;
-    int                step = 0;
+    std::string bar;
+    int step = 0;
     while (bars >> bar) {
-        int                steps = bar.find(',') == std::string::npos ? STEPS_PER_BAR : STEPS_PER_BAR / 2;
+        int steps = bar.find(',') == std::string::npos ? STEPS_PER_BAR : STEPS_PER_BAR / 2;
         std::istringstream names(bar);
-        std::string        name;
+        std::string name;
         while (std::getline(names, name, ',')) {
             Chord chord = CHORDS.at(name);
             // the chord before the lift is written in the key that it leads to
@@ -293,10 +293,10 @@ const std::vector<Rhythm>& bassRhythms() {
 }
 
 std::vector<Note> readLine(const std::string& text) {
-    std::vector<Note>  notes;
+    std::vector<Note> notes;
     std::istringstream words(text);
-    std::string        word;
-    int                step = 0;
+    std::string word;
+    int step = 0;
     while (words >> word) {
         if (word == "|") {
             if (step % STEPS_PER_BAR != 0) {
@@ -305,7 +305,7 @@ std::vector<Note> readLine(const std::string& text) {
             continue;
         }
         size_t colon = word.find(':');
-        int    steps = colon == std::string::npos ? 0 : std::atoi(word.c_str() + colon + 1);
+        int steps = colon == std::string::npos ? 0 : std::atoi(word.c_str() + colon + 1);
         if (steps <= 0) {
             throw std::runtime_error("no length: " + word);
         }

@@ -14,7 +14,7 @@ const int BAR = STEPS_PER_BAR * STEP;
 
 struct Section {
     const char* name;
-    int         bars;
+    int bars;
 };
 
 // A note of a melody. `step` counts sixteenths from the start of its line, `pitch` is a MIDI number (A4 is
@@ -27,17 +27,17 @@ struct Note {
 struct Line {
     enum Instrument { LEAD, COUNTER, BELL, PLUCK };
 
-    int         bar;
-    Instrument  instrument;
-    float       level;
+    int bar;
+    Instrument instrument;
+    float level;
     const char* text; // see readLine
 };
 
 // One chord of the harmony, held for some steps.
 struct Chord {
-    int              step, steps; // from the start of the piece
-    int              bass;        // MIDI, the second octave
-    std::vector<int> voices;      // MIDI, from low to high
+    int step, steps;         // from the start of the piece
+    int bass;                // MIDI, the second octave
+    std::vector<int> voices; // MIDI, from low to high
 };
 
 // What a layer of the arrangement plays in each bar; see the charts in score.cpp.
@@ -47,22 +47,22 @@ struct Charts {
 
 // A rhythm of one bar: a digit from 1 to 9 is a stroke and how hard it is, a point a rest.
 struct Rhythm {
-    char        name;
+    char name;
     const char* strokes;
 };
 
 const std::vector<Section>& sections();
-int                         barCount();
+int barCount();
 
 // Bars that the piece is transposed by from its key, D minor, in semitones.
 int transposition(int bar);
 
-std::vector<Chord>       harmony();
-const Charts&            charts();
+std::vector<Chord> harmony();
+const Charts& charts();
 const std::vector<Line>& lines();
 
 // The strokes of a rhythm by its letter: of the drum or bass that `table` belongs to.
-const char*                strokes(const std::vector<Rhythm>& table, char name);
+const char* strokes(const std::vector<Rhythm>& table, char name);
 const std::vector<Rhythm>& kickRhythms();
 const std::vector<Rhythm>& clapRhythms();
 const std::vector<Rhythm>& hatRhythms(); // closed; see openHatRhythms

@@ -12,7 +12,7 @@ namespace zentrak::music {
 struct Track {
     explicit Track(int frames) : left(size_t(frames)), right(size_t(frames)) {}
 
-    int  frames() const { return int(left.size()); }
+    int frames() const { return int(left.size()); }
     void add(int frame, float toLeft, float toRight); // beyond the end it is lost
 
     std::vector<float> left, right;
@@ -58,13 +58,13 @@ private:
 // A two-pole filter that may be swept at every sample. The resonance goes from 0 (none) to 1 (it rings).
 class Filter {
 public:
-    void  set(float frequency, float resonance);
+    void set(float frequency, float resonance);
     float low(float in);
     float band(float in);
     float high(float in);
 
 private:
-    void  run(float in);
+    void run(float in);
     float mG = 0, mK = 2, mA = 1; // coefficients
     float mS1 = 0, mS2 = 0;       // state
     float mLow = 0, mBand = 0, mHigh = 0;

@@ -20,7 +20,7 @@ void writePage(std::ofstream& out, const ogg_page& page) {
 // Takes over the packets that are ready, and writes the pages that are full.
 void drain(std::ofstream& out, ogg_stream_state& stream, vorbis_dsp_state& encoder, vorbis_block& block) {
     ogg_packet packet;
-    ogg_page   page;
+    ogg_page page;
     while (vorbis_analysis_blockout(&encoder, &block) == 1) {
         vorbis_analysis(&block, nullptr);
         vorbis_bitrate_addblock(&block);
@@ -37,7 +37,7 @@ void drain(std::ofstream& out, ogg_stream_state& stream, vorbis_dsp_state& encod
 
 void writeVorbis(const std::string& path, const Track& track, float quality, const std::string& title) {
     std::ofstream out(path, std::ios::binary);
-    vorbis_info   info;
+    vorbis_info info;
     vorbis_info_init(&info);
     if (vorbis_encode_init_vbr(&info, 2, RATE, quality) != 0) {
         throw std::runtime_error("no such quality");
@@ -63,7 +63,7 @@ void writeVorbis(const std::string& path, const Track& track, float quality, con
     }
 
     for (int frame = 0; frame < track.frames(); frame += BLOCK) {
-        int     count = std::min(BLOCK, track.frames() - frame);
+        int count = std::min(BLOCK, track.frames() - frame);
         float** samples = vorbis_analysis_buffer(&encoder, count);
         std::copy_n(track.left.begin() + frame, count, samples[0]);
         std::copy_n(track.right.begin() + frame, count, samples[1]);

@@ -11,7 +11,7 @@ namespace zentrak::scene {
 namespace {
 
 // The plan, in units of about a third of a metre; x across, y up, z along.
-constexpr int   BAYS = 10;
+constexpr int BAYS = 10;
 constexpr float BAY = 14.0f;     // from pillar to pillar
 constexpr float NAVE = 12.0f;    // half width, to the middle of the pillars
 constexpr float AISLE = 24.0f;   // to the outer walls
@@ -45,9 +45,9 @@ o3d::Mesh& addCentred(o3d::Manager& manager, const Shape& shape, const std::stri
 
 // Places one mesh along both sides of the church, turned so that its front looks inwards.
 struct Placer {
-    o3d::Manager&   manager;
+    o3d::Manager& manager;
     o3d::SceneNode& parent;
-    int             count = 0;
+    int count = 0;
 
     o3d::MeshInstance* put(const o3d::Mesh& mesh, const Vector3f& place,
                            const Vector3f& angles = Vector3f(0, 0, 0)) {
@@ -115,8 +115,8 @@ std::vector<Vector3f> windowOutline(float halfWidth, float sill, float spring, f
 void makeWindowWall(Shape& shape, float halfBay, float bottom, float top, float halfWidth, float sill,
                     float spring) {
     const float depth = 1.8f;
-    const auto  hole = windowOutline(halfWidth, sill, spring, halfWidth * 2, 10);
-    auto        wall = frameOf(std::vector<Vector3f>(hole.begin() + 1, hole.end() - 1), halfBay, spring, top);
+    const auto hole = windowOutline(halfWidth, sill, spring, halfWidth * 2, 10);
+    auto wall = frameOf(std::vector<Vector3f>(hole.begin() + 1, hole.end() - 1), halfBay, spring, top);
     wall.front() = Vector3f(-halfBay, spring, 0.0f);
     wall.back() = Vector3f(halfBay, spring, 0.0f);
     wall.insert(wall.begin(), Vector3f(-halfBay, bottom, 0.0f));
@@ -146,7 +146,7 @@ void makeWindowWall(Shape& shape, float halfBay, float bottom, float top, float 
     // outline that is drawn of it.
     shape.mTextureOffset = GLASS;
     const Vector3f outside(0.0f, 0.0f, 0.9f), inside(0.0f, 0.0f, -0.05f);
-    const int      front = shape.newGroup(), back = shape.newGroup();
+    const int front = shape.newGroup(), back = shape.newGroup();
     const Vector3f middle(0.0f, (sill + spring) / 2, 0.0f);
     for (size_t i = 0; i < hole.size(); ++i) {
         const Vector3f &a = hole[i], &b = hole[(i + 1) % hole.size()];
@@ -163,7 +163,7 @@ float barrel(float x) { // 0 at the sides, 1 at the ridge: a pointed arc
 }
 
 void makeVault(Shape& shape) {
-    const int  across = 24, along = 16;
+    const int across = 24, along = 16;
     const auto height = [](float x, float z) {
         return CORNICE + (CROWN - CORNICE) * std::max(barrel(x), barrel(z) * 0.96f);
     };
@@ -221,8 +221,8 @@ void makeShaft(Shape& shape) {
 // The end of the church: three tall windows and a rose.
 void makeRose(Shape& shape) {
     const float radius = 7.5f;
-    const int   spokes = 12;
-    const auto  circle = [](float r, int count, float turn) {
+    const int spokes = 12;
+    const auto circle = [](float r, int count, float turn) {
         std::vector<Vector3f> points;
         for (int i = 0; i < count; ++i) {
             const float angle = turn - 6.2831853f * static_cast<float>(i) / static_cast<float>(count);
@@ -233,11 +233,11 @@ void makeRose(Shape& shape) {
     shape.band(0, circle(radius, 48, 0), circle(radius + 1.2f, 48, 0), true, 2.6f);
     shape.band(0, circle(1.6f, 24, 0), circle(2.2f, 24, 0), true, 1.4f);
     for (int i = 0; i < spokes; ++i) {
-        const float    angle = 6.2831853f * static_cast<float>(i) / spokes;
+        const float angle = 6.2831853f * static_cast<float>(i) / spokes;
         const Vector3f out(cosf(angle), sinf(angle), 0.0f);
         shape.bar(0, {out * 2.0f, out * (radius * 0.62f)}, 0.4f, 0.5f, Vector3f(0, 0, 1));
         // A small ring between the ends of the spokes.
-        const float           between = angle + 3.14159265f / spokes;
+        const float between = angle + 3.14159265f / spokes;
         std::vector<Vector3f> ring;
         for (int k = 0; k <= 12; ++k) {
             const float a = 6.2831853f * static_cast<float>(k) / 12.0f;
@@ -247,9 +247,9 @@ void makeRose(Shape& shape) {
         shape.bar(0, ring, 0.35f, 0.4f, Vector3f(0, 0, 1));
     }
     shape.mTextureOffset = GLASS;
-    const auto     rim = circle(radius, 48, 0);
+    const auto rim = circle(radius, 48, 0);
     const Vector3f outside(0.0f, 0.0f, 0.9f), inside(0.0f, 0.0f, -0.05f);
-    const int      front = shape.newGroup(), back = shape.newGroup();
+    const int front = shape.newGroup(), back = shape.newGroup();
     for (size_t i = 0; i < rim.size(); ++i) {
         const Vector3f &a = rim[i], &b = rim[(i + 1) % rim.size()];
         shape.triangle(0, front, outside, b + outside, a + outside);
@@ -259,7 +259,7 @@ void makeRose(Shape& shape) {
 }
 
 void makeEndWall(Shape& shape) {
-    const float           rose = 33.0f, radius = 8.7f;
+    const float rose = 33.0f, radius = 8.7f;
     std::vector<Vector3f> hole, wall;
     for (int i = 0; i < 48; ++i) {
         const float angle = 3.14159265f * 1.25f - 6.2831853f * static_cast<float>(i) / 48.0f;
@@ -317,8 +317,8 @@ std::string makeCathedral() {
         fill(shape);
         return addCentred(manager, shape, name, centre);
     };
-    Vector3f    c;
-    const auto  at = [&](float x, float y, float z) { return c + Vector3f(x, y, z); };
+    Vector3f c;
+    const auto at = [&](float x, float y, float z) { return c + Vector3f(x, y, z); };
     const float quarter = 1.57079633f;
 
     // Both sides are one group of nodes; the second is its mirror image.
@@ -370,7 +370,7 @@ std::string makeCathedral() {
             Placer{manager, *group, i}.put(bench, at(6.2f, 0, -22.0f + 4.2f * static_cast<float>(i)));
 
     o3d::Mesh& vault = make("vault", makeVault, c);
-    Placer     middle{manager, *scene};
+    Placer middle{manager, *scene};
     for (int i = 0; i < BAYS; ++i)
         middle.put(vault, at(0, 0, pillarZ(i) + BAY / 2));
     o3d::Mesh& ribs = make("ribs", makeRibs, c);
@@ -401,7 +401,7 @@ std::string makeCathedral() {
     for (int i = 0; i < 5; ++i) {
         o3d::Dummy* const hook = addDummy(*scene, "hook" + std::to_string(i),
                                           Vector3f(0, 28.0f, -14.0f + 14.0f * static_cast<float>(i)));
-        const float       swing = 0.06f + 0.01f * static_cast<float>(i);
+        const float swing = 0.06f + 0.01f * static_cast<float>(i);
         setCurve(hook->mRotation.mZ, {-swing, swing, -swing}, 1.6f + 0.1f * static_cast<float>(i), true);
         addInstance(*hook, "lamp" + std::to_string(i), lamp, c + Vector3f(0, -10.0f, 0));
     }

@@ -24,7 +24,7 @@ o3d::Mesh& make(o3d::Manager& manager, const std::string& name, const Shape& sha
 
 // A ball of squares on a cube blown up, so that it has no poles.
 void makeBall(Shape& shape, float radius, int steps, float roughness) {
-    const int  group = shape.newGroup();
+    const int group = shape.newGroup();
     const auto blown = [&](const Vector3f& p) {
         const Vector3f n = p.getNormalized();
         const float r = radius * (1.0f + roughness * sinf(5 * n.x + 1) * sinf(6 * n.y + 2) * sinf(4 * n.z));
@@ -122,7 +122,7 @@ std::string makeCourtyard() {
             crate.box(0, Vector3f(-0.44f, b + 0.52f, a), Vector3f(0.44f, b + 0.62f, a + 0.12f));
             crate.box(0, Vector3f(a, b + 0.52f, -0.44f), Vector3f(a + 0.12f, b + 0.62f, 0.44f));
         }
-    o3d::Mesh&       crateMesh = make(manager, "crate", crate);
+    o3d::Mesh& crateMesh = make(manager, "crate", crate);
     mathbase::Random random(77);
     for (int i = 0; i < 26; ++i) {
         const float size = 0.7f + 0.8f * random.uniform();
@@ -140,8 +140,8 @@ std::string makeCourtyard() {
     makeBall(ball, 1.0f, 14, 0.0f);
     o3d::Mesh& ballMesh = make(manager, "ball", ball);
     for (int i = 0; i < 9; ++i) {
-        const float              angle = 0.69813170f * static_cast<float>(i);
-        const float              size = 0.5f + 0.35f * static_cast<float>(i % 3);
+        const float angle = 0.69813170f * static_cast<float>(i);
+        const float size = 0.5f + 0.35f * static_cast<float>(i % 3);
         o3d::MeshInstance* const instance =
             addInstance(*scene, "ball" + std::to_string(i), ballMesh,
                         Vector3f(6.4f * cosf(angle), size, 6.4f * sinf(angle)));
@@ -163,10 +163,10 @@ std::string makeCourtyard() {
             };
             ringShape.quad(0, group, place(i, k), place(i + 1, k), place(i + 1, k + 1), place(i, k + 1));
         }
-    o3d::Mesh&      ringMesh = make(manager, "ring", ringShape);
+    o3d::Mesh& ringMesh = make(manager, "ring", ringShape);
     o3d::SceneNode* holder = addDummy(*scene, "rings", Vector3f(0, 3.9f, 0));
     for (int i = 0; i < 4; ++i) {
-        const float        size = 1.9f - 0.35f * static_cast<float>(i);
+        const float size = 1.9f - 0.35f * static_cast<float>(i);
         o3d::MeshInstance* ring =
             addInstance(*scene, "ring" + std::to_string(i), ringMesh, Vector3f(0, 3.9f, 0));
         setValue(ring->mScale, Vector3f(size, size, size));
@@ -187,7 +187,7 @@ std::string makeCourtyard() {
             addInstance(*scene, "lantern" + std::to_string(i), lampMesh,
                         Vector3f(mirror * 9.5f, 5.0f, -8.0f + 4.0f * static_cast<float>(i)));
     for (int i = 0; i < 6; ++i) {
-        const float              angle = 1.04719755f * static_cast<float>(i) + 0.4f;
+        const float angle = 1.04719755f * static_cast<float>(i) + 0.4f;
         o3d::MeshInstance* const spark = addInstance(*scene, "ex_spark" + std::to_string(i), lampMesh,
                                                      Vector3f(4.4f * cosf(angle), 2.5f, 4.4f * sinf(angle)));
         setValue(spark->mScale, Vector3f(0.4f, 0.4f, 0.4f));
@@ -198,11 +198,11 @@ std::string makeCourtyard() {
     auto camera = std::make_unique<o3d::Camera>();
     camera->mName = "camera";
     std::vector<float> x, y, z, pitch, heading;
-    const int          keys = 16;
-    float              before = 0;
+    const int keys = 16;
+    float before = 0;
     for (int i = 0; i <= keys; ++i) {
-        const float    angle = 6.2831853f * static_cast<float>(i) / keys;
-        const float    distance = 11.5f + 4.1f * cosf(2 * angle); // between the columns, over the walls
+        const float angle = 6.2831853f * static_cast<float>(i) / keys;
+        const float distance = 11.5f + 4.1f * cosf(2 * angle); // between the columns, over the walls
         const Vector3f eye(distance * sinf(angle), 6.4f + 2.1f * cosf(angle), distance * cosf(angle));
         const Vector3f angles = lookAt(eye, Vector3f(0, 2.6f, 0));
         x.push_back(eye.x);
@@ -232,12 +232,12 @@ std::string makeCourtyard() {
 
 std::string makeStone() {
     // A boulder: a ball dented by a sum of waves, its texture wrapped round it.
-    const int  rings = 60, segments = 102;
+    const int rings = 60, segments = 102;
     const auto place = [&](int ring, int segment) {
-        const float    theta = 3.14159265f * static_cast<float>(ring) / rings;
-        const float    phi = 6.2831853f * static_cast<float>(segment % segments) / segments;
+        const float theta = 3.14159265f * static_cast<float>(ring) / rings;
+        const float phi = 6.2831853f * static_cast<float>(segment % segments) / segments;
         const Vector3f n(sinf(theta) * cosf(phi), cosf(theta), sinf(theta) * sinf(phi));
-        float          r = 1.45f;
+        float r = 1.45f;
         r += 0.16f * sinf(2.3f * n.x + 1.1f) * cosf(3.1f * n.y) + 0.09f * sinf(5.2f * n.z + 2.0f * n.x);
         r += 0.05f * sinf(9.0f * n.x + 4.0f * n.y) * sinf(8.0f * n.z + 1.0f) +
              0.02f * sinf(21.0f * n.y + 13.0f * n.x);
@@ -286,7 +286,7 @@ std::string makeStone() {
     o3d::Manager manager;
     addMaterial(manager, "stone", mathbase::Vector4f(0.6f, 0.58f, 0.55f, 1.0f));
     o3d::Mesh& stone = *addMesh(manager, std::move(mesh));
-    auto       scene = std::make_unique<o3d::Scene>();
+    auto scene = std::make_unique<o3d::Scene>();
     scene->mName = "sten";
     addInstance(*scene, "sten", stone, Vector3f(0, 0, 0));
     manager.addScene(scene.release());

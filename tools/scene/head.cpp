@@ -20,13 +20,13 @@ constexpr int STRIDE = 28;    // of the vertices that glow
 
 float ellipsoid(const Vector3f& p, const Vector3f& centre, const Vector3f& radii) {
     const Vector3f q = p - centre;
-    const float    k = Vector3f(q.x / radii.x, q.y / radii.y, q.z / radii.z).length();
+    const float k = Vector3f(q.x / radii.x, q.y / radii.y, q.z / radii.z).length();
     return (k - 1.0f) * std::min({radii.x, radii.y, radii.z});
 }
 
 float capsule(const Vector3f& p, const Vector3f& a, const Vector3f& b, float ra, float rb) {
     const Vector3f ab = b - a;
-    const float    t = std::clamp((p - a).dot(ab) / ab.dot(ab), 0.0f, 1.0f);
+    const float t = std::clamp((p - a).dot(ab) / ab.dot(ab), 0.0f, 1.0f);
     return (p - a - ab * t).length() - (ra + (rb - ra) * t);
 }
 
@@ -42,7 +42,7 @@ float carve(float a, float b, float k) {
 // The head, mirrored in x.
 float head(const Vector3f& point) {
     const Vector3f p(fabsf(point.x), point.y, point.z);
-    float          d = ellipsoid(p, Vector3f(0, 0.13f, -0.07f), Vector3f(0.315f, 0.33f, 0.39f));     // skull
+    float d = ellipsoid(p, Vector3f(0, 0.13f, -0.07f), Vector3f(0.315f, 0.33f, 0.39f));              // skull
     d = blend(d, ellipsoid(p, Vector3f(0, -0.1f, 0.08f), Vector3f(0.25f, 0.35f, 0.26f)), 0.10f);     // face
     d = blend(d, ellipsoid(p, Vector3f(0, -0.28f, 0.09f), Vector3f(0.205f, 0.155f, 0.2f)), 0.08f);   // jaw
     d = blend(d, ellipsoid(p, Vector3f(0, -0.405f, 0.235f), Vector3f(0.08f, 0.055f, 0.07f)), 0.06f); // chin
@@ -81,7 +81,7 @@ float head(const Vector3f& point) {
 // Where a ray from inside meets the skin, coming from outside.
 Vector3f skin(const Vector3f& direction) {
     const Vector3f centre(0, -0.03f, -0.02f);
-    float          r = 1.0f;
+    float r = 1.0f;
     for (int i = 0; i < 400; ++i) {
         const float d = head(centre + direction * r);
         if (d < 2e-5f)
@@ -93,8 +93,8 @@ Vector3f skin(const Vector3f& direction) {
 
 // The lines of a face, drawn in the plane of the picture (x, y) for one half; the other is its mirror.
 struct Line {
-    float                                weight; // of the vertices near it
-    float                                width;
+    float weight; // of the vertices near it
+    float width;
     std::vector<std::pair<float, float>> points;
 };
 
@@ -170,7 +170,7 @@ float distanceToLine(const Line& line, float x, float y) {
 float weight(const Vector3f& p) {
     const float x = fabsf(p.x);
     const float front = smoothstep(-0.05f, 0.12f, p.z);
-    float       result = 0.7f + 2.3f * front;
+    float result = 0.7f + 2.3f * front;
     if (p.y < -0.46f)
         result *= 0.5f;
     // The outline of the skull from in front, and the ears.
@@ -203,13 +203,13 @@ std::vector<int> choose(const std::vector<Vector3f>& places, size_t count) {
     });
 
     std::vector<int> best;
-    float            low = 0.0f, high = 1.0f;
+    float low = 0.0f, high = 1.0f;
     for (int step = 0; step < 24; ++step) {
-        const float      scale = (low + high) / 2;
+        const float scale = (low + high) / 2;
         std::vector<int> chosen;
         for (const int candidate : order) {
             const Vector3f& place = places[static_cast<size_t>(candidate)];
-            const bool      free = std::none_of(chosen.begin(), chosen.end(), [&](int other) {
+            const bool free = std::none_of(chosen.begin(), chosen.end(), [&](int other) {
                 const float reach =
                     scale * std::min(size[static_cast<size_t>(candidate)], size[static_cast<size_t>(other)]);
                 return (places[static_cast<size_t>(other)] - place).length2() < reach * reach;
@@ -232,14 +232,14 @@ std::vector<int> choose(const std::vector<Vector3f>& places, size_t count) {
 
 // Puts the chosen vertices at every STRIDE-th place, from the first.
 void reorder(o3d::Mesh& mesh) {
-    const size_t           count = mesh.mVertices.size();
+    const size_t count = mesh.mVertices.size();
     const std::vector<int> chosen = choose(mesh.mVertices, (count + STRIDE - 1) / STRIDE);
-    std::vector<char>      taken(count, 0);
+    std::vector<char> taken(count, 0);
     for (const int i : chosen)
         taken[static_cast<size_t>(i)] = 1;
     std::vector<Vector3f> vertices;
-    std::vector<int>      moved(count);
-    size_t                next = 0;
+    std::vector<int> moved(count);
+    size_t next = 0;
     for (size_t place = 0; place < count; ++place) {
         size_t from = 0;
         if (place % STRIDE == 0) {
@@ -271,7 +271,7 @@ std::string makeFace() {
             places.push_back(
                 skin(Vector3f(sinf(away) * cosf(around), sinf(away) * sinf(around), cosf(away))));
         }
-    Shape      shape;
+    Shape shape;
     const auto place = [&](int ring, int segment) {
         return places[static_cast<size_t>(ring * SEGMENTS + segment % SEGMENTS)];
     };

@@ -58,11 +58,11 @@ enum Payload {
 };
 
 struct Kind {
-    uint16_t    id;
+    uint16_t id;
     const char* name;
-    unsigned    parents; // places where the loader takes it
-    Payload     payload;
-    unsigned    inside; // what its own children stand in; 0: it has none
+    unsigned parents; // places where the loader takes it
+    Payload payload;
+    unsigned inside; // what its own children stand in; 0: it has none
 };
 
 const Kind kinds[] = {
@@ -117,7 +117,7 @@ const Kind kinds[] = {
 std::string format(const char* pattern, ...) __attribute__((format(printf, 1, 2)));
 
 std::string format(const char* pattern, ...) {
-    char    text[512];
+    char text[512];
     va_list arguments;
     va_start(arguments, pattern);
     vsnprintf(text, sizeof text, pattern, arguments);
@@ -243,7 +243,7 @@ private:
             return keys();
         case BONEVALUES: {
             const std::string text = quoted(name(depth));
-            float             values[8] = {0, 0, 0, 1, 0, 0, 0, 0};
+            float values[8] = {0, 0, 0, 1, 0, 0, 0, 0};
             if (!mBuffer.checkBoundaries(32))
                 mPending.push_back("values of the bone are missing");
             for (float& value : values)
@@ -269,9 +269,9 @@ private:
 
     std::string names() {
         std::string text = ":", accumulated;
-        int         shown = 0;
-        size_t      count = 0;
-        bool        open = false;
+        int shown = 0;
+        size_t count = 0;
+        bool open = false;
         while (mBuffer.checkBoundaries(1)) {
             char character = 0;
             mBuffer.loadType(&character, 1);
@@ -294,7 +294,7 @@ private:
     std::string keys() {
         static const char* const interpolations[] = {"constant", "linear", "Bezier"};
         static const char* const extrapolations[] = {"constant", "linear", "cyclic", "cyclic with offset"};
-        unsigned char            interpolation = 0, extrapolation = 0;
+        unsigned char interpolation = 0, extrapolation = 0;
         mBuffer.loadType(&interpolation, 1);
         mBuffer.loadType(&extrapolation, 1);
         const uint32_t claimed = mBuffer.currentChunkSize() < 2 ? 0 : (mBuffer.currentChunkSize() - 2) / 24;
@@ -306,7 +306,7 @@ private:
         if (present < claimed)
             mPending.push_back(format("%u keys were claimed", claimed));
         float first[6] = {}, key[6] = {}, lowest = 0, highest = 0;
-        bool  ascending = true;
+        bool ascending = true;
         for (uint32_t i = 0; i < present; ++i) {
             const float before = key[2];
             mBuffer.loadType(key, 24);
@@ -333,8 +333,8 @@ private:
     void chunk(uint16_t id, unsigned place, size_t depth) {
         const std::string indent(2 * std::min<size_t>(depth, 40), ' ');
         const Kind* const kind = find(id, place);
-        const uint32_t    claimed = mBuffer.currentChunkSize();
-        const uint32_t    start = mBuffer.mPosition;
+        const uint32_t claimed = mBuffer.currentChunkSize();
+        const uint32_t start = mBuffer.mPosition;
         if (kind == nullptr) {
             mText += indent + format("0x%04X, %u bytes\n", id, claimed);
             remark(depth, "the loader does not know it here and skips it");
@@ -432,7 +432,7 @@ private:
             return;
         }
         std::vector<char> used(mesh.mVertices.size(), 0);
-        size_t            flat = 0;
+        size_t flat = 0;
         for (const o3d::Submesh* submesh : mesh.mSubmeshes) {
             const std::string& material = mesh.getMaterial(submesh->mMaterial);
             if (material.empty())
@@ -473,13 +473,13 @@ private:
             checkNode(manager, *child);
     }
 
-    const std::string&       mImage;
-    ReadBuffer               mBuffer;
-    std::string              mText;
-    int                      mRemarks = 0;
-    std::vector<uint64_t>    mEnds;    // of the chunks around
+    const std::string& mImage;
+    ReadBuffer mBuffer;
+    std::string mText;
+    int mRemarks = 0;
+    std::vector<uint64_t> mEnds;       // of the chunks around
     std::vector<std::string> mPending; // remarks on the chunk being described
-    bool                     mSawVertices = false;
+    bool mSawVertices = false;
 };
 
 } // namespace

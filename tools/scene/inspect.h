@@ -6,8 +6,8 @@
 namespace zentrak::scene {
 
 struct Inspection {
-    std::string text;    // a line for each chunk, indented by its depth, and remarks behind "! "
-    int         remarks; // what a loader skips, misses or stumbles over
+    std::string text; // a line for each chunk, indented by its depth, and remarks behind "! "
+    int remarks;      // what a loader skips, misses or stumbles over
 };
 
 // The file image as a tree: every chunk with its ID and size, names, counts, key ranges, and what the loader

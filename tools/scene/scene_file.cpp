@@ -162,7 +162,7 @@ void setCurve(o3d::TrackBlenderFloat& track, const std::vector<float>& values, f
                                   : o3d::TrackBlenderFloat::EXTRAPOLATION_CONSTANT;
     track.mKeys.clear();
     const size_t last = values.size() - 1;
-    const float  rise = values[last] - values[0];
+    const float rise = values[last] - values[0];
     for (size_t i = 0; i < values.size(); ++i) {
         float before = values[i > 0 ? i - 1 : 0], after = values[i < last ? i + 1 : last];
         if (closed && i == 0)

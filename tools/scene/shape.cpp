@@ -44,10 +44,10 @@ void Shape::triangle(int part, int group, const Vector3f& a, const Vector3f& b, 
     mLastGroup = std::max(mLastGroup, group);
     if (static_cast<size_t>(part) >= mParts.size())
         mParts.resize(static_cast<size_t>(part) + 1);
-    Part&         target = mParts[static_cast<size_t>(part)];
+    Part& target = mParts[static_cast<size_t>(part)];
     o3d::Triangle result;
-    const float   x = fabsf(normal.x), y = fabsf(normal.y), z = fabsf(normal.z);
-    int           corner = 0;
+    const float x = fabsf(normal.x), y = fabsf(normal.y), z = fabsf(normal.z);
+    int corner = 0;
     for (const Vector3f* place : {&a, &b, &c}) {
         // The third coordinate, which no picture sees, tells the planes apart: tangents of one must not be
         // summed with those of another.
@@ -70,9 +70,9 @@ void Shape::quad(int part, int group, const Vector3f& a, const Vector3f& b, cons
 }
 
 void Shape::box(int part, const Vector3f& l, const Vector3f& h) {
-    const Vector3f   p[8] = {Vector3f(l.x, l.y, l.z), Vector3f(h.x, l.y, l.z), Vector3f(l.x, h.y, l.z),
-                             Vector3f(h.x, h.y, l.z), Vector3f(l.x, l.y, h.z), Vector3f(h.x, l.y, h.z),
-                             Vector3f(l.x, h.y, h.z), Vector3f(h.x, h.y, h.z)};
+    const Vector3f p[8] = {Vector3f(l.x, l.y, l.z), Vector3f(h.x, l.y, l.z), Vector3f(l.x, h.y, l.z),
+                           Vector3f(h.x, h.y, l.z), Vector3f(l.x, l.y, h.z), Vector3f(h.x, l.y, h.z),
+                           Vector3f(l.x, h.y, h.z), Vector3f(h.x, h.y, h.z)};
     static const int faces[6][4] = {{1, 3, 7, 5}, {0, 4, 6, 2}, {2, 6, 7, 3},
                                     {0, 1, 5, 4}, {4, 5, 7, 6}, {0, 2, 3, 1}};
     for (const auto& face : faces)
@@ -93,7 +93,7 @@ void Shape::lathe(int part, const std::vector<std::pair<float, float>>& profile,
             quad(part, group, place(profile[ring], i + 1), place(profile[ring], i),
                  place(profile[ring + 1], i), place(profile[ring + 1], i + 1));
     }
-    const int      bottom = newGroup(), top = newGroup();
+    const int bottom = newGroup(), top = newGroup();
     const Vector3f low(0.0f, profile.front().second, 0.0f), high(0.0f, profile.back().second, 0.0f);
     for (int i = 0; i < segments; ++i) {
         triangle(part, bottom, low, place(profile.front(), i), place(profile.front(), i + 1));
@@ -104,10 +104,10 @@ void Shape::lathe(int part, const std::vector<std::pair<float, float>>& profile,
 void Shape::band(int part, const std::vector<Vector3f>& inner, const std::vector<Vector3f>& outer,
                  bool closed, float depth) {
     const Vector3f half(0.0f, 0.0f, depth * 0.5f);
-    const size_t   count = inner.size();
-    const int      front = newGroup(), back = newGroup(), inside = newGroup();
+    const size_t count = inner.size();
+    const int front = newGroup(), back = newGroup(), inside = newGroup();
     for (size_t i = 0; i + (closed ? 0 : 1) < count; ++i) {
-        const size_t   j = (i + 1) % count;
+        const size_t j = (i + 1) % count;
         const Vector3f a = inner[i], b = inner[j], c = outer[j], d = outer[i];
         quad(part, front, a + half, b + half, c + half, d + half);
         quad(part, back, b - half, a - half, d - half, c - half);
@@ -143,7 +143,7 @@ void Shape::bar(int part, const std::vector<Vector3f>& curve, float width, float
     quad(part, newGroup(), corners[3].back(), corners[2].back(), corners[1].back(), corners[0].back());
 }
 
-std::unique_ptr<o3d::Mesh> Shape::build(const std::string&              name,
+std::unique_ptr<o3d::Mesh> Shape::build(const std::string& name,
                                         const std::vector<std::string>& materials) const {
     for (size_t i = 1; i < materials.size(); ++i)
         if (materials[i].rfind(materials[i - 1], 0) != 0)

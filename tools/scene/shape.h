@@ -44,7 +44,7 @@ public:
 
     // The mesh, which the caller owns. The names are those of the parts' materials; each has to start with
     // the one before it, which is how a scene file holds them. Throws Exception where one does not.
-    std::unique_ptr<o3d::Mesh> build(const std::string&              name,
+    std::unique_ptr<o3d::Mesh> build(const std::string& name,
                                      const std::vector<std::string>& materials) const;
 
     size_t triangleCount() const;
@@ -55,18 +55,18 @@ public:
 private:
     struct Part {
         std::map<std::tuple<int, long, long, long>, int> mLocals; // by position and texture coordinates
-        std::vector<o3d::Index>                          mIndices;
-        std::vector<Vector3f>                            mTexCoords;
-        std::vector<o3d::Triangle>                       mTriangles;
+        std::vector<o3d::Index> mIndices;
+        std::vector<Vector3f> mTexCoords;
+        std::vector<o3d::Triangle> mTriangles;
     };
 
     int addPosition(int group, const Vector3f& place);
     int addLocal(Part& part, int position, const Vector3f& texCoords);
 
     std::map<std::tuple<int, long, long, long>, int> mPlaces;
-    std::vector<Vector3f>                            mPositions;
-    std::vector<Part>                                mParts;
-    int                                              mLastGroup = 0;
+    std::vector<Vector3f> mPositions;
+    std::vector<Part> mParts;
+    int mLastGroup = 0;
 };
 
 // A pointed arch from (-halfWidth, spring) over its top to (halfWidth, spring), of 2 * steps + 1 points.

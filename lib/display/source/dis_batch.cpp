@@ -20,9 +20,9 @@ namespace {
 constexpr size_t MIN_VERTICES = 1024;
 constexpr size_t DRAW_VERTICES = size_t(1)
                                  << 20; // between two primitives beyond this, what is there is drawn
-constexpr size_t   MOST_VERTICES = size_t(1) << 29; // three indices each are as many as an int counts
-constexpr uint32_t SHORT_RUN = 24;                  // vertices
-constexpr size_t   LINE = 64;                       // bytes of a cache line
+constexpr size_t MOST_VERTICES = size_t(1) << 29; // three indices each are as many as an int counts
+constexpr uint32_t SHORT_RUN = 24;                // vertices
+constexpr size_t LINE = 64;                       // bytes of a cache line
 
 // Faces of less than this area, in pixels, are tried for whether they cover the middle of one, unless too
 // many pixels are around them.
@@ -39,9 +39,9 @@ constexpr unsigned char FACE_CORNERS[FACES][4] = {{1, 0, 2, 3}, {0, 4, 6, 2}, {5
 // The faces towards +x, +y and +z by a mask of the three, and those towards -x, -y and -z.
 constexpr unsigned char UPPER_FACES[8] = {0, 4, 16, 20, 32, 36, 48, 52};
 constexpr unsigned char LOWER_FACES[8] = {0, 2, 8, 10, 1, 3, 9, 11};
-constexpr int           FACE_AXIS[FACES] = {2, 0, 0, 1, 1, 2};
-constexpr float         FACE_SIGN[FACES] = {-1, -1, 1, -1, 1, 1};
-constexpr float         FACE_TEXTURE[8] = {0, 1, 1, 1, 1, 0, 0, 0};
+constexpr int FACE_AXIS[FACES] = {2, 0, 0, 1, 1, 2};
+constexpr float FACE_SIGN[FACES] = {-1, -1, 1, -1, 1, 1};
+constexpr float FACE_TEXTURE[8] = {0, 1, 1, 1, 1, 0, 0, 0};
 
 bool isSeparate(GLenum mode) {
     return mode == GL_POINTS || mode == GL_LINES || mode == GL_TRIANGLES || mode == GL_QUADS;
@@ -330,7 +330,7 @@ void Batch::lookVolume() {
         const float a[3] = {x[column[0]], x[column[1]], x[column[2]]};
         const float b[3] = {y[column[0]], y[column[1]], y[column[2]]};
         const float c[3] = {w[column[0]], w[column[1]], w[column[2]]};
-        float       bc[3];
+        float bc[3];
         cross(b, c, bc);
         mView.eye[skip] = (skip % 2 ? -1.0f : 1.0f) * dot(a, bc);
     }
@@ -403,8 +403,8 @@ Batch::Place Batch::placeOf(const float* clip, const float* shape, int axes) con
 float Batch::marginOf(const float* clip, const float* shape, int axes) const {
     const __m128 c = _mm_load_ps(clip), toPixels = _mm_div_ps(_mm_load_ps(mView.scale), spread<3>(c));
     const __m128 place = _mm_div_ps(c, spread<3>(c));
-    __m128       reach = _mm_setzero_ps();
-    __m128       axis[3] = {place, place, place};
+    __m128 reach = _mm_setzero_ps();
+    __m128 axis[3] = {place, place, place};
     for (int i = 0; i < axes; ++i) {
         const __m128 a = _mm_load_ps(clip + 4 * i + 4);
         reach = _mm_add_ps(reach, absolute(a));
@@ -479,12 +479,12 @@ bool Batch::mayCover(const float* window, const unsigned char* corners, float ma
 
 // The same as placeOf of the vertices from `first` on.
 Batch::Place Batch::placeOf(size_t first) const {
-    int          outside[2] = {mView.planes, mView.planes}, across = 0;
+    int outside[2] = {mView.planes, mView.planes}, across = 0;
     const __m128 zero = _mm_setzero_ps();
     for (const float *p = mPosition.data + 4 * first, *end = mPosition.data + 4 * mCount; p != end; p += 4) {
         const __m128 clip = productPoint(mView.clip[0], _mm_load_ps(p)), w = spread<3>(clip);
-        const int    under = _mm_movemask_ps(_mm_cmpnge_ps(_mm_add_ps(w, clip), zero));
-        const int    over = _mm_movemask_ps(_mm_cmpnge_ps(_mm_sub_ps(w, clip), zero));
+        const int under = _mm_movemask_ps(_mm_cmpnge_ps(_mm_add_ps(w, clip), zero));
+        const int over = _mm_movemask_ps(_mm_cmpnge_ps(_mm_sub_ps(w, clip), zero));
         outside[0] &= under;
         outside[1] &= over;
         across |= under | over;
@@ -519,7 +519,7 @@ void Batch::localEye(const float* shape, float* eye) const {
     const __m128 normalX = less(next(y), last(z), next(z), last(y));
     const __m128 normalY = less(next(z), last(x), next(x), last(z));
     const __m128 normalZ = less(next(x), last(y), next(y), last(x));
-    const auto   dots = [&](__m128 a, __m128 b, __m128 c) {
+    const auto dots = [&](__m128 a, __m128 b, __m128 c) {
         return _mm_add_ps(_mm_add_ps(_mm_mul_ps(a, normalX), _mm_mul_ps(b, normalY)), _mm_mul_ps(c, normalZ));
     };
     const __m128 to =
@@ -532,7 +532,7 @@ void Batch::localEye(const float* shape, float* eye) const {
 // through.
 int Batch::keptFaces(const View& view, __m128 area) {
     const __m128 zero = _mm_setzero_ps();
-    const int    culled = (view.keepCounter ? _mm_movemask_ps(_mm_cmple_ps(area, zero)) : 15) &
+    const int culled = (view.keepCounter ? _mm_movemask_ps(_mm_cmple_ps(area, zero)) : 15) &
                        (view.keepClockwise ? _mm_movemask_ps(_mm_cmpge_ps(area, zero)) : 15);
     return ~culled & 15;
 }
@@ -549,8 +549,8 @@ unsigned Batch::visibleFaces(const float* shape) const {
 // Whether the sprite of a centre and two axes may cover the middle of a pixel.
 bool Batch::coversSprite(const float* clip, float margin) const {
     static constexpr unsigned char corners[4] = {0, 1, 2, 3};
-    const __m128      c = _mm_load_ps(clip), r = _mm_load_ps(clip + 4), u = _mm_load_ps(clip + 8);
-    const __m128      rising = _mm_add_ps(u, r), falling = _mm_sub_ps(u, r);
+    const __m128 c = _mm_load_ps(clip), r = _mm_load_ps(clip + 4), u = _mm_load_ps(clip + 8);
+    const __m128 rising = _mm_add_ps(u, r), falling = _mm_sub_ps(u, r);
     alignas(16) float window[16];
     _mm_store_ps(window, toWindow(mView, _mm_add_ps(c, falling)));
     _mm_store_ps(window + 4, toWindow(mView, _mm_sub_ps(c, rising)));
@@ -572,7 +572,7 @@ unsigned Batch::seenFaces(const float* corners, int count, const unsigned char (
         }
     };
     if (rounding >= 0) {
-        int          beyond[Solid::MOST];
+        int beyond[Solid::MOST];
         const __m128 below = _mm_set1_ps(-rounding);
         for (int i = 0; i < count; ++i) {
             const __m128 c = _mm_load_ps(corners + 4 * i), w = spread<3>(c);
@@ -607,11 +607,11 @@ unsigned Batch::seenFaces(const float* clip, unsigned faces, float rounding, flo
 
 // Whether GL_CULL_FACE removes the triangle of three corners.
 bool Batch::isCulled(const float* a, const float* b, const float* c) const {
-    const float  ab[3] = {b[0] - a[0], b[1] - a[1], b[2] - a[2]};
-    const float  ac[3] = {c[0] - a[0], c[1] - a[1], c[2] - a[2]};
+    const float ab[3] = {b[0] - a[0], b[1] - a[1], b[2] - a[2]};
+    const float ac[3] = {c[0] - a[0], c[1] - a[1], c[2] - a[2]};
     const float* eye = mView.eye;
-    const float  toEye[3] = {eye[0] - eye[3] * a[0], eye[1] - eye[3] * a[1], eye[2] - eye[3] * a[2]};
-    float        normal[3];
+    const float toEye[3] = {eye[0] - eye[3] * a[0], eye[1] - eye[3] * a[1], eye[2] - eye[3] * a[2]};
+    float normal[3];
     cross(ab, ac, normal);
     const float area = dot(toEye, normal);
     return !((area > 0 && mView.keepCounter) || (area < 0 && mView.keepClockwise));
@@ -687,9 +687,9 @@ void Batch::addIndices(GLenum mode, size_t first, size_t count) {
     const size_t most = mIndices + 3 * count + 2;
     if (most > mIndex.capacity)
         mIndex.grow(mIndices, std::max({most, 2 * mIndex.capacity, MIN_VERTICES}));
-    uint32_t*      out = mIndex.data + mIndices;
+    uint32_t* out = mIndex.data + mIndices;
     const uint32_t v = uint32_t(first), n = uint32_t(count);
-    const auto     line = [&](uint32_t a, uint32_t b) {
+    const auto line = [&](uint32_t a, uint32_t b) {
         *out++ = v + a;
         *out++ = v + b;
     };
@@ -802,7 +802,7 @@ void Batch::box(const mathbase::Vector3f& centre, const mathbase::Vector3f& half
     alignas(16) float shape[16], clip[16];
     boxAxes(centre, half, shape);
     unsigned faces = (1u << FACES) - 1;
-    Place    place = ACROSS;
+    Place place = ACROSS;
     if (mView.cull) {
         place = toClip(shape, clip, 3);
         if (place == OUTSIDE)
@@ -832,7 +832,7 @@ void Batch::box(const mathbase::Vector3f& centre, const mathbase::Vector3f& half
     const __m128 corner[8] = {_mm_sub_ps(back, low),   _mm_add_ps(back, high), _mm_sub_ps(back, high),
                               _mm_add_ps(back, low),   _mm_sub_ps(front, low), _mm_add_ps(front, high),
                               _mm_sub_ps(front, high), _mm_add_ps(front, low)};
-    float*       position = mPosition.data + 4 * first;
+    float* position = mPosition.data + 4 * first;
     for (unsigned left = faces; left; left &= left - 1) {
         const unsigned char* corners = FACE_CORNERS[std::countr_zero(left)];
         for (int i = 0; i < 4; ++i)
@@ -853,7 +853,7 @@ void Batch::box(const mathbase::Vector3f& centre, const mathbase::Vector3f& half
             normalMatrix(columns);
         float* out = mNormal.data + 4 * first;
         for (unsigned left = faces; left; left &= left - 1) {
-            const int    f = std::countr_zero(left);
+            const int f = std::countr_zero(left);
             const __m128 n = _mm_mul_ps(_mm_load_ps(columns + 4 * FACE_AXIS[f]), _mm_set1_ps(FACE_SIGN[f]));
             for (int i = 0; i < 4; ++i, out += 4)
                 _mm_store_ps(out, n);
@@ -900,7 +900,7 @@ void Batch::Solid::prepare() {
                     *d = mCorner[mFace[f][3]];
         const float ac[3] = {c[0] - a[0], c[1] - a[1], c[2] - a[2]};
         const float bd[3] = {d[0] - b[0], d[1] - b[1], d[2] - b[2]};
-        float       normal[3];
+        float normal[3];
         cross(ac, bd, normal);
         for (int i = 0; i < 3; ++i)
             mPlane[f / 4][i][f % 4] = normal[i];
@@ -952,7 +952,7 @@ void Batch::solid(Solid& solid, const mathbase::Vector4f* colors) {
         return;
     openPrimitive(GL_QUADS);
     unsigned faces = unsigned((uint64_t(1) << solid.mFaces) - 1);
-    Place    place = ACROSS;
+    Place place = ACROSS;
     if (mView.cull) {
         alignas(16) float shape[16], clip[16];
         boxAxes(solid.mCentre, solid.mHalf, shape);
@@ -1040,7 +1040,7 @@ Batch::Place Batch::placeSprite(const mathbase::Vector3f& centre, const mathbase
     if (!mView.cull)
         return ACROSS;
     alignas(16) float clip[12];
-    const Place       place = toClip(shape, clip, 2);
+    const Place place = toClip(shape, clip, 2);
     if (place == OUTSIDE || !mView.sample)
         return place;
     const float margin = marginOf(clip, shape, 2);
@@ -1051,7 +1051,7 @@ void Batch::sprite(const mathbase::Vector3f& centre, const mathbase::Vector3f& r
                    const mathbase::Vector3f& up, float s0, float t0, float s1, float t1) {
     openPrimitive(GL_QUADS);
     alignas(16) float shape[12], corners[16];
-    const Place       place = placeSprite(centre, right, up, shape);
+    const Place place = placeSprite(centre, right, up, shape);
     if (place == OUTSIDE)
         return;
     markRun(place);
@@ -1068,20 +1068,20 @@ void Batch::sprite(const mathbase::Vector3f& centre, const mathbase::Vector3f& r
 void Batch::octagon(const mathbase::Vector3f& centre, const mathbase::Vector3f& right,
                     const mathbase::Vector3f& up, float s0, float t0, float s1, float t1) {
     // The corners by their place along the axes.
-    static constexpr int   CORNERS = 12;
+    static constexpr int CORNERS = 12;
     static constexpr float SIDE = 0.41421356f; // half of one
     static constexpr float PLACE[CORNERS][2] = {{-SIDE, 1}, {-1, SIDE},  {-1, -SIDE}, {-SIDE, -1},
                                                 {-SIDE, 1}, {-SIDE, -1}, {SIDE, -1},  {SIDE, 1},
                                                 {SIDE, 1},  {SIDE, -1},  {1, -SIDE},  {1, SIDE}};
     openPrimitive(GL_QUADS);
     alignas(16) float shape[12], corners[4 * CORNERS];
-    const Place       place = placeSprite(centre, right, up, shape);
+    const Place place = placeSprite(centre, right, up, shape);
     if (place == OUTSIDE)
         return;
     markRun(place);
     const __m128 c = _mm_load_ps(shape), r = _mm_load_ps(shape + 4), u = _mm_load_ps(shape + 8);
-    const float  s = 0.5f * (s0 + s1), t = 0.5f * (t0 + t1), ds = 0.5f * (s1 - s0), dt = 0.5f * (t0 - t1);
-    float        texture[2 * CORNERS];
+    const float s = 0.5f * (s0 + s1), t = 0.5f * (t0 + t1), ds = 0.5f * (s1 - s0), dt = 0.5f * (t0 - t1);
+    float texture[2 * CORNERS];
     for (int i = 0; i < CORNERS; ++i) {
         const float x = PLACE[i][0], y = PLACE[i][1];
         _mm_store_ps(corners + 4 * i,
@@ -1096,7 +1096,7 @@ void Batch::quad(const mathbase::Vector3f& a, const mathbase::Vector3f& b, const
                  const mathbase::Vector3f& d, float s0, float t0, float s1, float t1) {
     openPrimitive(GL_QUADS);
     const mathbase::Vector3f* const given[4] = {&a, &b, &c, &d};
-    alignas(16) float               corners[16];
+    alignas(16) float corners[16];
     for (int i = 0; i < 4; ++i)
         _mm_store_ps(corners + 4 * i,
                      mIdentity ? _mm_setr_ps(given[i]->x, given[i]->y, given[i]->z, 1)
@@ -1189,9 +1189,9 @@ void Batch::drawRuns(GLenum mode, size_t count) {
     mRuns.push_back(static_cast<uint32_t>(count));
     mFirsts.clear();
     mCounts.clear();
-    Place    place = mFirstPlace;
+    Place place = mFirstPlace;
     uint32_t start = 0;
-    bool     open = false; // the last range is one across, and may grow
+    bool open = false; // the last range is one across, and may grow
     for (const uint32_t end : mRuns) {
         const bool across = place == ACROSS || end - start < SHORT_RUN;
         if (across && open) {

@@ -74,7 +74,7 @@ void* BufferObject::lock(bool write, bool read) {
     if (!mID)
         return mCompPtr;
     const GLenum access = !write ? GL_READ_ONLY : read ? GL_READ_WRITE : GL_WRITE_ONLY;
-    void*        memory = nullptr;
+    void* memory = nullptr;
     GL_CALL(memory = glMapBuffer(mTarget, access));
     return memory;
 }

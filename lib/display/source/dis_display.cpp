@@ -15,13 +15,13 @@ namespace zentrak::display {
 
 using namespace glfw2;
 
-DisplayGL*               DisplayGL::currentDisplay = nullptr;
+DisplayGL* DisplayGL::currentDisplay = nullptr;
 std::vector<std::string> DisplayGL::sDeniedExtensions;
 
-static const int    MAX_WINDOW_SIZE = 32767;   // what the window system can count, pixels a side
-static const int    MAX_WINDOW_AREA = 1 << 28; // pixels; a picture of more does not get through to it
-static const double MAX_FRAME_WAIT = 10.0;     // seconds
-static const double SPIN_TIME = 0.005;         // seconds at the end of a wait that sleeping would not hit
+static const int MAX_WINDOW_SIZE = 32767;   // what the window system can count, pixels a side
+static const int MAX_WINDOW_AREA = 1 << 28; // pixels; a picture of more does not get through to it
+static const double MAX_FRAME_WAIT = 10.0;  // seconds
+static const double SPIN_TIME = 0.005;      // seconds at the end of a wait that sleeping would not hit
 static const double ICONIFIED_FRAME = 1.0 / 60;
 
 // Opening and closing
@@ -180,7 +180,7 @@ void DisplayGL::setFullscreen(bool on) {
 
 void DisplayGL::getModes(std::vector<WindowMode>& modes) const {
     GLFWvidmode list[2048];
-    const int   count = glfwGetVideoModes(list, 2048);
+    const int count = glfwGetVideoModes(list, 2048);
     modes.assign(size_t(std::max(0, count)), WindowMode());
     for (size_t i = 0; i < modes.size(); ++i) {
         modes[i].width = list[i].Width;
@@ -314,7 +314,7 @@ void DisplayGL::tellChange(bool& state, bool now, void (Listener::*operation)(bo
     if (now == state)
         return;
     const int context = mContextCount;
-    Walk      walk(*this, true);
+    Walk walk(*this, true);
     while (Listener* listener = walk.next())
         (listener->*operation)(now);
     if (mContextCount == context)
@@ -401,7 +401,7 @@ void DisplayGL::resetStates() {
     GL_CALL(glLoadIdentity());
     setCamera(matrix);
     setTransform(matrix);
-    const bool  flat = mWindowMode.width <= 0 || mWindowMode.height <= 0;
+    const bool flat = mWindowMode.width <= 0 || mWindowMode.height <= 0;
     const float aspect = flat ? 1.0f : float(mWindowMode.width) / float(mWindowMode.height);
     matrix.setProject(0.7853982f, aspect, 0.1f, 5000.0f);
     setProject(matrix);

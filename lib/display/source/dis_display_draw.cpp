@@ -103,10 +103,10 @@ static int hexDigit(char c) {
 
 Vector4f DisplayGL::hex2vec(const std::string& text) {
     const size_t start = !text.empty() && text[0] == '#' ? 1 : 0;
-    float        channels[4] = {0, 0, 0, 1};
+    float channels[4] = {0, 0, 0, 1};
     for (size_t i = 0; i < 4 && start + 2 * i < text.size(); ++i) {
         const size_t at = start + 2 * i;
-        const int    low = at + 1 < text.size() ? hexDigit(text[at + 1]) : 0;
+        const int low = at + 1 < text.size() ? hexDigit(text[at + 1]) : 0;
         channels[i] = float(hexDigit(text[at]) * 16 + low) / 255.0f;
     }
     return Vector4f(channels[0], channels[1], channels[2], channels[3]);

@@ -59,7 +59,7 @@ void DisplayGL::fillEvent(Event& event) const {
     event.mouseWheel = mMouseWheel;
 
     static const struct {
-        Key    key;
+        Key key;
         KeyMod mod;
     } modifiers[] = {{KEY_LSHIFT, KEYMOD_LSHIFT}, {KEY_RSHIFT, KEYMOD_RSHIFT}, {KEY_LCTRL, KEYMOD_LCTRL},
                      {KEY_RCTRL, KEYMOD_RCTRL},   {KEY_LALT, KEYMOD_LALT},     {KEY_RALT, KEYMOD_RALT}};

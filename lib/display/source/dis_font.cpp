@@ -10,10 +10,10 @@ namespace zentrak::display {
 
 namespace {
 
-constexpr int   GRID = 16;   // cells a side
-constexpr int   SHAPE = 200; // above this a pixel belongs to the glyph
-constexpr int   SPOT = 4;    // pixels a side of what is white
-constexpr float GAP = 2.0f;  // pixels between glyphs
+constexpr int GRID = 16;    // cells a side
+constexpr int SHAPE = 200;  // above this a pixel belongs to the glyph
+constexpr int SPOT = 4;     // pixels a side of what is white
+constexpr float GAP = 2.0f; // pixels between glyphs
 
 } // namespace
 
@@ -157,7 +157,7 @@ void Font::draw(const std::string& text, mathbase::Vector2f scale, mathbase::Vec
     mBatch.color(color);
     for (const char character : text) {
         const uint8_t c = uint8_t(character);
-        const Cell    cell = getCell(c);
+        const Cell cell = getCell(c);
         if (c || !mSpotted)
             mBatch.rect(x, -0.5f * h, x + width, 0.5f * h, cell.s0, cell.t1, cell.s1, cell.t0);
         x += scale.x * mKerning[c];

@@ -50,7 +50,7 @@ void convertTo(uint8_t* target, const uint8_t* source, int count, int offset, IB
 std::unique_ptr<uint8_t[]> converted(IBO::Format format, const void* data, int count, int offset,
                                      IBO::Format sourceFormat) {
     std::unique_ptr<uint8_t[]> target(new uint8_t[size_t(count) * size_t(sizeOf(format))]);
-    const uint8_t*             source = static_cast<const uint8_t*>(data);
+    const uint8_t* source = static_cast<const uint8_t*>(data);
     switch (format) {
     case IBO::FORMAT_UINT8:
         convertTo<uint8_t>(target.get(), source, count, offset, sourceFormat);

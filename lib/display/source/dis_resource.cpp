@@ -41,7 +41,7 @@ am::Image Resource::loadImage(const std::string& name, const unsigned char* data
     // A file that borrows the caller's bytes, and forgets them before it would free them.
     struct Borrowed {
         am::FileStructure* structure = new am::FileStructure;
-        am::File           file{structure};
+        am::File file{structure};
         ~Borrowed() { structure->data = nullptr; }
     } borrowed;
     borrowed.structure->filename = name;

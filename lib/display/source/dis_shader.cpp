@@ -36,7 +36,7 @@ void Shader::compile(const char* filename, const std::string& prefix) {
     requireShaders();
     if (!canLoad())
         throw Exception("The device can not load files! (when loading %s)", name);
-    const am::File       file = loadFile(name);
+    const am::File file = loadFile(name);
     const unsigned char* data = file->data ? file->data : reinterpret_cast<const unsigned char*>("");
     if (prefix.empty())
         return compile(data, int(file->length), name);
@@ -53,9 +53,9 @@ void Shader::compile(const unsigned char* data, int length, const char* name) {
         mContext = currentContext();
     }
     const GLchar* dataBajs = reinterpret_cast<const GLchar*>(data);
-    GLint         dataLength = std::max(length, 0);
-    GLint         compiled = 0, maxLength = 0;
-    GLsizei       messageLength = 0;
+    GLint dataLength = std::max(length, 0);
+    GLint compiled = 0, maxLength = 0;
+    GLsizei messageLength = 0;
     GL_CALL(glShaderSource(mHandle, 1, &dataBajs, (const GLint*) &dataLength));
     GL_CALL(glCompileShader(mHandle));
     GL_CALL(glGetShaderiv(mHandle, GL_COMPILE_STATUS, &compiled));
@@ -121,7 +121,7 @@ void ShaderProgram::link() {
     GL_CALL(glBindAttribLocation(mHandle, 6, "tangent0_vs"));
     GL_CALL(glBindAttribLocation(mHandle, 7, "tangent1_vs"));
     GL_CALL(glLinkProgram(mHandle));
-    GLint   linked = 0, maxLength = 0;
+    GLint linked = 0, maxLength = 0;
     GLsizei length = 0;
     GL_CALL(glGetProgramiv(mHandle, GL_LINK_STATUS, &linked));
     GL_CALL(glGetProgramiv(mHandle, GL_INFO_LOG_LENGTH, &maxLength));
@@ -136,7 +136,7 @@ void ShaderProgram::link() {
 
 void ShaderProgram::link(const std::string& vertexFile, const std::string& fragmentFile) {
     assert(getDisplay());
-    VertexShader   vertex(getDisplay());
+    VertexShader vertex(getDisplay());
     FragmentShader fragment(getDisplay());
     vertex.compile(vertexFile.c_str(), "");
     fragment.compile(fragmentFile.c_str(), "");

@@ -92,8 +92,8 @@ void SpriteCut::readTexture(int cells) {
         Reach farthest = {}; // by alpha: how far out there is a texel of it
         for (int y = -1; y <= height; ++y)
             for (int x = -1; x <= side; ++x) {
-                const size_t  column = size_t((cell * side + x + width) % width);
-                const size_t  row = size_t((y + height) % height);
+                const size_t column = size_t((cell * side + x + width) % width);
+                const size_t row = size_t((y + height) % height);
                 const uint8_t alpha = texels[(row * size_t(width) + column) * 4 + 3];
                 farthest[alpha] = std::max(farthest[alpha], distanceOf(extent(x, side), extent(y, height)));
             }
@@ -134,8 +134,8 @@ void SpriteCut::look(const Vector3f& right, const Vector3f& up) {
     const float bx = along(row[0], up) * halfWidth, by = along(row[1], up) * halfHeight;
     const float a = std::hypot(ax, ay), b = std::hypot(bx, by);
     const float w = std::max(std::fabs(along(row[3], right)), std::fabs(along(row[3], up)));
-    const bool  parallel = w < 1e-4f * (right.length() + up.length());
-    const bool  square = std::fabs(ax * bx + ay * by) < 0.01f * a * b;
+    const bool parallel = w < 1e-4f * (right.length() + up.length());
+    const bool square = std::fabs(ax * bx + ay * by) < 0.01f * a * b;
     if (!parallel || !square || !(std::min(a, b) > 0))
         return;
     mLength = 2 * std::min(a, b) / SLOP;
@@ -162,7 +162,7 @@ float SpriteCut::reachOf(const Vector3f& centre, float size, const Vector4f& col
         return 1;
     const float brightest = 255 * std::clamp(std::max({color.x, color.y, color.z}), 0.0f, 1.0f);
     const float alpha = std::clamp(color.w, 0.0f, 1.0f);
-    float       faint = 0.49f; // the most alpha, of 255, that is not seen
+    float faint = 0.49f; // the most alpha, of 255, that is not seen
     if (mAdds) {
         faint = std::max(faint, 127.0f / (brightest + 0.5f) - 0.51f);
         if (mAlpha)
@@ -194,8 +194,8 @@ void SpriteCut::drawReach(Batch& batch, const Vector3f& centre, float size, floa
         return;
     }
     const Vector3f right = mRight * (size * reach), up = mUp * (size * reach);
-    const float    s = 0.5f * (s0 + s1), t = 0.5f * (t0 + t1);
-    const float    ds = 0.5f * (s1 - s0) * reach, dt = 0.5f * (t0 - t1) * reach;
+    const float s = 0.5f * (s0 + s1), t = 0.5f * (t0 + t1);
+    const float ds = 0.5f * (s1 - s0) * reach, dt = 0.5f * (t0 - t1) * reach;
     if (size * reach * mLength < OCTAGON_PIXELS * depthOf(centre)) {
         batch.sprite(centre, right, up, s - ds, t + dt, s + ds, t - dt);
         return;

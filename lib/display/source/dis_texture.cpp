@@ -204,8 +204,8 @@ void Texture::takeSizeFromImage() {
 
 // The same for a cube map, from a face of the cross; the cross has to be one in any case.
 void Texture::takeSizeFromCross() {
-    const int         width = mLoadImage->getWidth(), height = mLoadImage->getHeight();
-    const int         longest = std::max(width, height), shortest = std::min(width, height);
+    const int width = mLoadImage->getWidth(), height = mLoadImage->getHeight();
+    const int longest = std::max(width, height), shortest = std::min(width, height);
     const std::string name = sourceName();
     if (longest % 4 != 0)
         throw Exception("Error when loading cube map from '%s'; longest side must be divisible by 4!",
@@ -258,7 +258,7 @@ void Texture::uploadCross(GLenum internal) {
     const int s = mLoadImage.isNull() ? mWidth : mLoadImage->getWidth() / 3;
     const struct {
         GLenum face;
-        int    x0, y0, x1, y1; // inclusive; the last face runs backwards on both axes
+        int x0, y0, x1, y1; // inclusive; the last face runs backwards on both axes
     } faces[6] = {
         {GL_TEXTURE_CUBE_MAP_POSITIVE_Y, s, 0, 2 * s - 1, s - 1},
         {GL_TEXTURE_CUBE_MAP_NEGATIVE_Y, s, 2 * s, 2 * s - 1, 3 * s - 1},
@@ -275,8 +275,8 @@ void Texture::uploadCross(GLenum internal) {
 // x0 or y1 below y0 walks the image backwards, `transpose` swaps rows and columns. A null image is all zero.
 void Texture::bindAndLoadImage(const am::Image& image, GLenum target, GLenum internal, int x0, int y0, int x1,
                                int y1, bool transpose) {
-    GLenum                dataFormat = GL_BGRA, dataType = GL_UNSIGNED_BYTE;
-    const void*           data = nullptr;
+    GLenum dataFormat = GL_BGRA, dataType = GL_UNSIGNED_BYTE;
+    const void* data = nullptr;
     std::vector<uint32_t> region, scaled;
     if (image.isNull()) {
         GLint most = 0;
@@ -290,8 +290,8 @@ void Texture::bindAndLoadImage(const am::Image& image, GLenum target, GLenum int
         }
     } else {
         const bool empty = image->getWidth() <= 0 || image->getHeight() <= 0;
-        const int  columns = empty ? 0 : std::abs(x1 - x0) + 1, rows = empty ? 0 : std::abs(y1 - y0) + 1;
-        const int  width = transpose ? rows : columns, height = transpose ? columns : rows;
+        const int columns = empty ? 0 : std::abs(x1 - x0) + 1, rows = empty ? 0 : std::abs(y1 - y0) + 1;
+        const int width = transpose ? rows : columns, height = transpose ? columns : rows;
         const bool whole = columns == image->getWidth() && rows == image->getHeight() && width == mWidth &&
                            height == mHeight && x0 <= x1 && y0 <= y1 && !transpose;
         data = image->getData();

@@ -66,7 +66,7 @@ void VBO::bind() {
     BufferObject::bind();
     if (!mFormat)
         return;
-    const GLsizei  stride = mFormat->size;
+    const GLsizei stride = mFormat->size;
     const uint8_t* offset = mCompPtr; // null, so a mere offset, with a buffer of OpenGL
     if (VertexDef::present(mFormat->pos)) {
         GL_CALL(glEnableClientState(GL_VERTEX_ARRAY));
