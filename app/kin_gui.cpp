@@ -44,7 +44,7 @@ void Gui::setup() {
     mPanorama.load(LAYOUT);
     findControls();
     addRows();
-    printf("demolength: %f\n", static_cast<double>(mDemoLength));
+    printf("demolength: %f\n", double(mDemoLength));
     mSetup = true;
     mSlider->setCallback(this);
     mMain->setFocus(nullptr); // the row that was added last has it
@@ -112,7 +112,7 @@ void Gui::fitSlider() {
 void Gui::controlAction(Control* control, panorama::Action) {
     if (control != mSlider)
         return;
-    const float position = static_cast<float>(static_cast<int>(mSlider->getValue()));
+    const float position = float(int(mSlider->getValue()));
     mScroll = position / std::max(1.0f, mSlider->getArea().getWidth() - SLIDER_ENDS);
     const float scroll = mScroll * mDemoLength * Effector::SCALE;
     for (unsigned int i = 0; i < mRows->getControlSize(); ++i)
@@ -132,13 +132,13 @@ int Gui::onKeyDown(const display::KeyEvent& event) {
 
 void Gui::onDraw() {
     assert(mSetup);
-    const float now = static_cast<float>(mDisplay->getTime());
+    const float now = float(mDisplay->getTime());
     ++mFpsFrames;
     fitSlider();
     placeGround();
     const float elapsed = now - mFpsTime;
     if (elapsed > FPS_PERIOD)
-        showFrameRate(std::max(0.0f, static_cast<float>(mFpsFrames) / elapsed));
+        showFrameRate(std::max(0.0f, float(mFpsFrames) / elapsed));
     if (elapsed > FPS_PERIOD || elapsed < 0) { // or the clock was set back
         mFpsFrames = 0;
         mFpsTime = now;
@@ -152,10 +152,10 @@ void Gui::placeGround() {
     mPanorama.mGround.clear();
     if (!mMain->getVisible())
         return;
-    const float width = static_cast<float>(mDisplay->mWindowMode.width);
-    const float height = static_cast<float>(mDisplay->mWindowMode.height);
-    const float left = width - static_cast<float>(mDisplay->mWindowMode.width >> 1); // of the picture
-    const float bottom = height - static_cast<float>(mDisplay->mWindowMode.height >> 1);
+    const float width = float(mDisplay->mWindowMode.width);
+    const float height = float(mDisplay->mWindowMode.height);
+    const float left = width - float(mDisplay->mWindowMode.width >> 1); // of the picture
+    const float bottom = height - float(mDisplay->mWindowMode.height >> 1);
     mPanorama.mGround.push_back({Box2(0, 0, left, bottom), BACKGROUND});
     mPanorama.mGround.push_back({Box2(0, bottom, width, height), BACKGROUND});
 }
@@ -165,7 +165,7 @@ void Gui::showFrameRate(float fps) {
     if (!mFps)
         return;
     char text[32];
-    snprintf(text, sizeof text, "%.2f", static_cast<double>(fps));
+    snprintf(text, sizeof text, "%.2f", double(fps));
     mText = text;
     mFps->setText(mText);
 }

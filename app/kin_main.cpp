@@ -67,7 +67,7 @@ void Kindler::run() {
     if (hasSound()) {
         mMusic.mStream->play();
         mMusic.mPaused = false;
-        mDemoLength = static_cast<float>(mMusic.mLength) / static_cast<float>(mMusic.mRate);
+        mDemoLength = float(mMusic.mLength) / float(mMusic.mRate);
     }
     const Editor editor(*this);
     setTime(std::max(0.0f, mStartTime));
@@ -89,7 +89,7 @@ void Kindler::loadEffects() {
         effect->setup();
         const clock_t end = clock();
         ZTK_LOG("log", "app", "Loading effect '%s' took %.3f seconds\n", name.c_str(),
-                static_cast<double>(end - start) / 1000000.0);
+                double(end - start) / 1000000.0);
     }
 }
 
@@ -147,11 +147,11 @@ bool Kindler::hasSound() const {
 void Kindler::setTime(float t) {
     t = std::max(0.0f, t);
     if (hasSound()) {
-        const float rate = static_cast<float>(mMusic.mRate);
+        const float rate = float(mMusic.mRate);
         const float position = t * rate;
-        const bool past = position >= static_cast<float>(mMusic.mLength);
-        mMusic.mStream->setPosition(past ? mMusic.mLength : static_cast<int>(position));
-        t = static_cast<float>(mMusic.mStream->getPosition()) / rate;
+        const bool past = position >= float(mMusic.mLength);
+        mMusic.mStream->setPosition(past ? mMusic.mLength : int(position));
+        t = float(mMusic.mStream->getPosition()) / rate;
     }
     mClock.setTime(t);
     if (mPaused)
@@ -161,8 +161,7 @@ void Kindler::setTime(float t) {
 
 void Kindler::getTime() {
     mRawTime = mPaused ? mPausedTime : mClock.getTime();
-    mTime = hasSound() ? static_cast<float>(mMusic.mStream->getPosition()) / static_cast<float>(mMusic.mRate)
-                       : mRawTime;
+    mTime = hasSound() ? float(mMusic.mStream->getPosition()) / float(mMusic.mRate) : mRawTime;
 }
 
 /*

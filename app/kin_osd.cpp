@@ -30,7 +30,7 @@ int Kindler::onKeyDown(const display::KeyEvent& event) {
         setTime(std::max(0.0f, mRawTime + 5.0f));
         break;
     case display::KEY_p:
-        printf("%f\n", static_cast<double>(mRawTime));
+        printf("%f\n", double(mRawTime));
         break;
     case display::KEY_SPACE:
         mPaused = !mPaused;
@@ -90,7 +90,7 @@ void Kindler::drawOsd() {
     GL_CALL(glEnable(GL_BLEND));
     GL_CALL(glLineWidth(1.0));
 
-    const float y = static_cast<float>(mOsdLocation - 1) * -0.93137258f;
+    const float y = float(mOsdLocation - 1) * -0.93137258f;
     const float start = 2 * mStartTime / mDemoLength * 0.98f - 0.98f;
     const float now = 2 * mTime / mDemoLength * 0.98f - 0.98f;
 

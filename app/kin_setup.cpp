@@ -20,23 +20,23 @@ constexpr const char* LOCAL_FILE = "setup.local.xml";
 constexpr const char* DEFAULT_FILE = "setup.xml";
 
 int toInt(const std::string& text) {
-    return static_cast<int>(std::clamp(strtol(text.c_str(), nullptr, 0), long(INT_MIN), long(INT_MAX)));
+    return int(std::clamp(strtol(text.c_str(), nullptr, 0), long(INT_MIN), long(INT_MAX)));
 }
 
 float toFloat(const std::string& text) {
-    return static_cast<float>(atof(text.c_str()));
+    return float(atof(text.c_str()));
 }
 
 // Towards 0; the nearest there is for a number that no int can hold, and 0 for what is no number.
 int truncate(float value) {
     if (!(value > -2147483648.0f))
         return value < 0 ? INT_MIN : 0;
-    return value < 2147483648.0f ? static_cast<int>(value) : INT_MAX;
+    return value < 2147483648.0f ? int(value) : INT_MAX;
 }
 
 std::string seconds(float value) {
     char text[64];
-    snprintf(text, sizeof(text), "%.2f", static_cast<double>(value));
+    snprintf(text, sizeof(text), "%.2f", double(value));
     return text;
 }
 
@@ -61,7 +61,7 @@ void Kindler::setup() {
         throw Exception("[Kindler] Could not load 'setup.[local.]xml'");
 
     xml::XmlParser parser;
-    parser.parse(reinterpret_cast<const char*>(file->data), static_cast<int>(file->length));
+    parser.parse(reinterpret_cast<const char*>(file->data), int(file->length));
     if (parser.getName() != "demo")
         return;
 
@@ -110,8 +110,7 @@ void Kindler::setup() {
         delete mVideo;
         mVideo = nullptr;
         mVideo = am::VideoFile::createForWrite(target, format, &mArchives);
-        ZTK_LOG("log", "app", "Dumping to '%s' (rate='%f'fps)", target.c_str(),
-                static_cast<double>(mDumpRate));
+        ZTK_LOG("log", "app", "Dumping to '%s' (rate='%f'fps)", target.c_str(), double(mDumpRate));
     }
     for (xml::Iterator it = parser.createIterator("music"); ++it;) {
         const std::string& mute = it->getValue("mute");
@@ -143,7 +142,7 @@ void Kindler::saveXml() {
     if (file.isNull())
         return;
     xml::XmlParser parser;
-    parser.parse(reinterpret_cast<const char*>(file->data), static_cast<int>(file->length));
+    parser.parse(reinterpret_cast<const char*>(file->data), int(file->length));
     if (parser.getName() != "demo")
         return;
 
@@ -172,8 +171,7 @@ void Kindler::saveXml() {
 
     std::string text;
     parser.write(text, "");
-    mArchives.writeFile(
-        am::File(new am::FileStructure(LOCAL_FILE, text.data(), static_cast<long>(text.size()))), -1);
+    mArchives.writeFile(am::File(new am::FileStructure(LOCAL_FILE, text.data(), long(text.size()))), -1);
 }
 
 } // namespace zentrak::kindler

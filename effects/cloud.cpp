@@ -29,7 +29,7 @@ int firstSprite(float progress) {
     if (!(progress >= 0.2f))
         return 0;
     const float skipped = (1.0f - alpha) * float(NUM_SPRITES);
-    return skipped > 0 ? static_cast<int>(std::min(skipped, float(NUM_SPRITES))) : 0;
+    return skipped > 0 ? int(std::min(skipped, float(NUM_SPRITES))) : 0;
 }
 
 } // namespace
@@ -77,7 +77,7 @@ void Cloud::update(float, float, float progress) {
     mCut.look(board.right, board.up);
     const auto farthest = std::find_if(std::begin(path), std::end(path),
                                        [&](const Vector3f& p) { return !mCut.isMagnified(p, SIZE); });
-    const int magnified = static_cast<int>(farthest - std::begin(path)); // so many at the near end
+    const int magnified = int(farthest - std::begin(path)); // so many at the near end
     for (int i = NUM_SPRITES - 1 - firstSprite(progress); i >= 0; --i) {
         if (i + 1 == magnified) {
             mBatch.flush();

@@ -11,7 +11,7 @@ std::optional<uint32_t> fixedStart;
 
 } // namespace
 
-EffectRandom::EffectRandom() : Random(fixedStart.value_or(static_cast<uint32_t>(clock()))) {
+EffectRandom::EffectRandom() : Random(fixedStart.value_or(uint32_t(clock()))) {
     draw();
     draw();
 }

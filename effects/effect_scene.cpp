@@ -23,7 +23,7 @@ void loadSceneFile(display::DisplayGL& display, o3d::Manager& manager, const std
     if (file->length > INT_MAX)
         throw Exception("File '%s' is too large", name.c_str());
     const size_t before = manager.mMeshes.size();
-    manager.load(file->data, static_cast<int>(file->length));
+    manager.load(file->data, int(file->length));
     try {
         for (size_t i = before; i < manager.mMeshes.size(); ++i)
             manager.mMeshes[i]->checkIndices();
@@ -102,7 +102,7 @@ void drawMesh(const o3d::Manager& manager, const SceneMeshes& meshes, const o3d:
             throw Exception("drawmesh::trianglelist without material");
         const o3d::Material* m = manager.getMaterial(*name);
         assert(m);
-        found->second->drawSubmesh(static_cast<int>(i));
+        found->second->drawSubmesh(int(i));
     }
     GL_CHECK_STATUS();
 }

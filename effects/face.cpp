@@ -55,8 +55,8 @@ void Face::setup() {
     mTexture.setDisplay(mDisplay);
     mProgram.setDisplay(mDisplay);
     const am::File file = mDisplay->mArchiveManager->readFile("face/face.o3d");
-    mScene.load(file->data, static_cast<int>(file->length));
-    printf("Meshes: %d\n", static_cast<int>(mScene.mMeshes.size()));
+    mScene.load(file->data, int(file->length));
+    printf("Meshes: %d\n", int(mScene.mMeshes.size()));
     for (const o3d::Mesh* mesh : mScene.mMeshes)
         mPoints.reserve(mesh->mVertices.size() / STEP + 1);
     mTexture.load("hurry/particle.png", true);

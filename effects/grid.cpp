@@ -57,8 +57,8 @@ void Grid::update(float time, float, float) {
         mBatch.begin(GL_TRIANGLES);
         for (int e = 0; e < 20; e += 2) {
             const float o = offset[NUM_WHEELS - 1 - i];
-            const float a = 2.0f * PI * static_cast<float>(e) / 20.0f + o;
-            const float b = 2.0f * PI * static_cast<float>(e + 1) / 20.0f + o;
+            const float a = 2.0f * PI * float(e) / 20.0f + o;
+            const float b = 2.0f * PI * float(e + 1) / 20.0f + o;
             const float m = (a + b) / 2.0f;
             mBatch.color(0, 0, 0, 0);
             mBatch.vertex(sinf(m), cosf(m), 0);

@@ -50,7 +50,7 @@ void Spark::update(float, float, float progress) {
     cameraInverse.setCameraInv(eye, target, 0.0f);
     mDisplay->setCamera(camera);
     mDisplay->setTransform(Matrix4x4Col());
-    mEngine->update(static_cast<float>(mDisplay->getTime()));
+    mEngine->update(float(mDisplay->getTime()));
     mEngine->draw(&cameraInverse);
 }
 

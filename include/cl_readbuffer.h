@@ -47,7 +47,7 @@ public:
         if (pLength <= remaining()) {
             if (pLength != 0)
                 memcpy(pTarget, mData + mPosition, pLength);
-            mPosition += static_cast<uint32_t>(pLength);
+            mPosition += uint32_t(pLength);
         }
     }
 

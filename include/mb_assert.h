@@ -5,4 +5,4 @@
 
 // As assert, but the failure is reported under `text`, `file` and `line` instead of this place.
 #define MB_ASSERT_AT(expression, text, file, line)                                                           \
-    (static_cast<bool>(expression) ? void() : __assert_fail(text, file, line, __func__))
+    (bool(expression) ? void() : __assert_fail(text, file, line, __func__))

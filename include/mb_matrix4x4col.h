@@ -91,7 +91,7 @@ struct Matrix4x4Col {
     }
     // The same with the far plane at infinity.
     void setProjectInf(float fov, float aspect, float near) {
-        const float h = static_cast<float>(near * tan(static_cast<double>(fov) / 2.0));
+        const float h = float(near * tan(double(fov) / 2.0));
         const float w = aspect * h;
         setDiagonal(near / w, near / h, -1.0f, 0);
         mData[8] = (w + -w) / (w - -w);

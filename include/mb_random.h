@@ -17,7 +17,7 @@ struct Random {
     // The next state.
     uint32_t draw() { return mState = mState * 69069u + 5u; }
     // One draw as a number from 0 to 1, 1 included: the largest states round up to it.
-    float uniform() { return static_cast<float>(draw()) * 0x1p-32f; }
+    float uniform() { return float(draw()) * 0x1p-32f; }
     // Two draws as a point of the unit sphere, evenly spread.
     Vector3f unitSphere() {
         const float phi = 6.2831855f * uniform();

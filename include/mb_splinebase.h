@@ -109,7 +109,7 @@ public:
         }
     }
 
-    int getNumKeys() const { return static_cast<int>(mKeys.size()); }
+    int getNumKeys() const { return int(mKeys.size()); }
 
     // The curve at `time`: 0 without keys, constant before the first and after the last key. Allocates
     // nothing.

@@ -107,10 +107,10 @@ struct Vector3T {
 
     // Component `index`, 0 to 2. Any other index means the last one. (The index is as wide as a pointer
     // difference so that no index prefers the conversion below.)
-    constexpr FLOAT operator[](std::ptrdiff_t index) const { return index == 0 ? x : index == 1 ? y : z; }
-    constexpr FLOAT& operator[](std::ptrdiff_t index) { return index == 0 ? x : index == 1 ? y : z; }
-    constexpr FLOAT operator()(std::ptrdiff_t index) const { return (*this)[index]; }
-    constexpr FLOAT& operator()(std::ptrdiff_t index) { return (*this)[index]; }
+    constexpr FLOAT operator[](ptrdiff_t index) const { return index == 0 ? x : index == 1 ? y : z; }
+    constexpr FLOAT& operator[](ptrdiff_t index) { return index == 0 ? x : index == 1 ? y : z; }
+    constexpr FLOAT operator()(ptrdiff_t index) const { return (*this)[index]; }
+    constexpr FLOAT& operator()(ptrdiff_t index) { return (*this)[index]; }
 
     // In place and component by component, the greater or the lesser of the two.
     constexpr void max(const Vector3T& v) {

@@ -145,14 +145,14 @@ struct Vector4f {
     constexpr Vector4f byOne() const { return Vector4f(1.0f / x, 1.0f / y, 1.0f / z, 1.0f / w); }
 
     // Component `index`, 0 to 3. Any other index means the last one.
-    constexpr float operator[](std::ptrdiff_t index) const {
+    constexpr float operator[](ptrdiff_t index) const {
         return index == 0 ? x : index == 1 ? y : index == 2 ? z : w;
     }
-    constexpr float& operator[](std::ptrdiff_t index) {
+    constexpr float& operator[](ptrdiff_t index) {
         return index == 0 ? x : index == 1 ? y : index == 2 ? z : w;
     }
-    constexpr float operator()(std::ptrdiff_t index) const { return (*this)[index]; }
-    constexpr float& operator()(std::ptrdiff_t index) { return (*this)[index]; }
+    constexpr float operator()(ptrdiff_t index) const { return (*this)[index]; }
+    constexpr float& operator()(ptrdiff_t index) { return (*this)[index]; }
 
     // In place and component by component, the greater or the lesser of the two.
     constexpr void max(const Vector4f& v) {

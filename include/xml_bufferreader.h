@@ -79,9 +79,7 @@ private:
     void skipSpacesHere(int minimum);
 
     // Wraps round on a line of more columns than fit.
-    void advanceColumn(size_t count) {
-        col = static_cast<int32_t>(static_cast<uint32_t>(col) + static_cast<uint32_t>(count));
-    }
+    void advanceColumn(size_t count) { col = int32_t(uint32_t(col) + uint32_t(count)); }
 };
 
 } // namespace zentrak::xml

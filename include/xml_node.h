@@ -28,7 +28,7 @@ public:
     XmlTag& getTag() { return *this; }
     const XmlTag& getTag() const { return *this; }
 
-    int getNumChildren() const { return static_cast<int>(children.size()); }
+    int getNumChildren() const { return int(children.size()); }
     // The child at `index`, still owned here. Throws where there is none.
     XmlNode* getChildren(int index);
     const XmlNode* getChildren(int index) const;

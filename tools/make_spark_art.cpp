@@ -103,8 +103,8 @@ Canvas strip() {
     static const Sprite sprites[CELLS] = {glow, core, granule, flame, shell, ray, star, smoke};
     Canvas canvas(CELLS * CELL, CELL);
     canvas.paint([](float x, float y) {
-        const int cell = static_cast<int>(x) / CELL;
-        const Point p = {2 * (x - static_cast<float>(cell * CELL)) / CELL - 1, 2 * y / CELL - 1};
+        const int cell = int(x) / CELL;
+        const Point p = {2 * (x - float(cell * CELL)) / CELL - 1, 2 * y / CELL - 1};
         const float light = clamp01(sprites[cell](p));
         return Colour{1, 1, 1, light * (1 - smoothstep(0.8f, 0.98f, p.radius()))};
     });
@@ -155,8 +155,7 @@ const Stream sun[] = {
 
 void writePair(std::ostream& out, const char* name, float v1, float v2) {
     char line[128];
-    snprintf(line, sizeof line, "\t\t\t<%s v1=\"%.4g\" v2=\"%.4g\"/>\n", name, static_cast<double>(v1),
-             static_cast<double>(v2));
+    snprintf(line, sizeof line, "\t\t\t<%s v1=\"%.4g\" v2=\"%.4g\"/>\n", name, double(v1), double(v2));
     out << line;
 }
 

@@ -45,10 +45,10 @@ extern "C" void glfwSwapBuffers(GLFWwindow* window) {
         glFinish();
         first = now();
         fprintf(stderr, "start to first frame: %.3f s, of it %.3f s of processor time\n", first - start,
-                static_cast<double>(clock()) / CLOCKS_PER_SEC);
+                double(clock()) / CLOCKS_PER_SEC);
     }
     if (now() - first > seconds) {
-        fprintf(stderr, "frames a second: %.1f\n", static_cast<double>(frames) / (now() - first));
+        fprintf(stderr, "frames a second: %.1f\n", double(frames) / (now() - first));
         reportMemory();
         _exit(0);
     }

@@ -30,25 +30,25 @@ const WriteBuffer& list() {
 void readAtOnce(benchmark::State& state) {
     std::vector<float> values(VALUES);
     for (auto _ : state) {
-        ReadBuffer buffer(list().mData.data(), static_cast<int>(list().mData.size()));
+        ReadBuffer buffer(list().mData.data(), int(list().mData.size()));
         buffer.openChunk();
         buffer.loadType(values.data(), VALUES * 4);
         benchmark::DoNotOptimize(values.data());
     }
-    state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * VALUES * 4));
+    state.SetBytesProcessed(int64_t(state.iterations() * VALUES * 4));
 }
 BENCHMARK(readAtOnce)->Unit(benchmark::kMicrosecond);
 
 void readOneByOne(benchmark::State& state) {
     std::vector<float> values(VALUES);
     for (auto _ : state) {
-        ReadBuffer buffer(list().mData.data(), static_cast<int>(list().mData.size()));
+        ReadBuffer buffer(list().mData.data(), int(list().mData.size()));
         buffer.openChunk();
         for (float& value : values)
             buffer.loadType(&value, 4);
         benchmark::DoNotOptimize(values.data());
     }
-    state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * VALUES * 4));
+    state.SetBytesProcessed(int64_t(state.iterations() * VALUES * 4));
 }
 BENCHMARK(readOneByOne)->Unit(benchmark::kMicrosecond);
 
@@ -73,7 +73,7 @@ const WriteBuffer& tree() {
 
 void skipWhole(benchmark::State& state) {
     for (auto _ : state) {
-        ReadBuffer buffer(tree().mData.data(), static_cast<int>(tree().mData.size()));
+        ReadBuffer buffer(tree().mData.data(), int(tree().mData.size()));
         while (buffer.openChunk() != 0)
             buffer.closeChunk();
         benchmark::DoNotOptimize(buffer.mPosition);
@@ -84,7 +84,7 @@ BENCHMARK(skipWhole)->Unit(benchmark::kMicrosecond);
 // Items are chunks.
 void readEveryChunk(benchmark::State& state) {
     for (auto _ : state) {
-        ReadBuffer buffer(tree().mData.data(), static_cast<int>(tree().mData.size()));
+        ReadBuffer buffer(tree().mData.data(), int(tree().mData.size()));
         float sum = 0;
         while (buffer.openChunk() != 0) {
             while (buffer.openChunk() != 0) {
@@ -97,7 +97,7 @@ void readEveryChunk(benchmark::State& state) {
         }
         benchmark::DoNotOptimize(sum);
     }
-    state.SetItemsProcessed(static_cast<int64_t>(state.iterations()) * 1001000);
+    state.SetItemsProcessed(int64_t(state.iterations()) * 1001000);
 }
 BENCHMARK(readEveryChunk)->Unit(benchmark::kMicrosecond);
 
@@ -116,7 +116,7 @@ void writeEveryChunk(benchmark::State& state) {
         }
         benchmark::DoNotOptimize(buffer.mData.data());
     }
-    state.SetItemsProcessed(static_cast<int64_t>(state.iterations()) * 1001000);
+    state.SetItemsProcessed(int64_t(state.iterations()) * 1001000);
 }
 BENCHMARK(writeEveryChunk)->Unit(benchmark::kMicrosecond);
 

@@ -72,24 +72,24 @@ void addGrid(o3d::Mesh& mesh, int side) {
     mesh.mSubmeshes.push_back(submesh);
     auto* const uv = new o3d::StructList<Vector3f>;
     submesh->mTexCoords.push_back(uv);
-    const int first = static_cast<int>(mesh.mVertices.size());
+    const int first = int(mesh.mVertices.size());
     for (int y = 0; y <= side; ++y)
         for (int x = 0; x <= side; ++x) {
-            const float u = static_cast<float>(x), v = static_cast<float>(y);
+            const float u = float(x), v = float(y);
             mesh.mVertices.emplace_back(u, v, sinf(u * 0.1f) * cosf(v * 0.1f));
             for (int copy = 0; copy < (y % 4 == 0 ? 2 : 1); ++copy) { // a seam at every fourth row
                 o3d::Index index;
                 index.mValue = first + y * (side + 1) + x;
                 submesh->mIndices.push_back(index);
-                uv->mList.emplace_back(u * 0.3f, v * 0.3f + 5.0f * static_cast<float>(copy), 0.0f);
+                uv->mList.emplace_back(u * 0.3f, v * 0.3f + 5.0f * float(copy), 0.0f);
             }
         }
     // Local numbers of a row: its own triangles use the first copy below, the second above a seam.
-    std::vector<int> row(static_cast<size_t>(side) + 2, 0);
+    std::vector<int> row(size_t(side) + 2, 0);
     for (int y = 0; y <= side; ++y)
-        row[static_cast<size_t>(y) + 1] = row[static_cast<size_t>(y)] + (side + 1) * (y % 4 == 0 ? 2 : 1);
+        row[size_t(y) + 1] = row[size_t(y)] + (side + 1) * (y % 4 == 0 ? 2 : 1);
     const auto local = [&](int x, int y, int copy) {
-        return row[static_cast<size_t>(y)] + (y % 4 == 0 ? 2 * x + copy : x);
+        return row[size_t(y)] + (y % 4 == 0 ? 2 * x + copy : x);
     };
     for (int y = 0; y < side; ++y)
         for (int x = 0; x < side; ++x) {
@@ -106,10 +106,9 @@ void addGrid(o3d::Mesh& mesh, int side) {
     // The first row's first copies and the last row's second ones have no triangle: let them lie where the
     // others do.
     for (int x = 0; x <= side; ++x) {
-        uv->mList[static_cast<size_t>(local(x, 0, 0))] = uv->mList[static_cast<size_t>(local(x, 0, 1))];
+        uv->mList[size_t(local(x, 0, 0))] = uv->mList[size_t(local(x, 0, 1))];
         if (side % 4 == 0)
-            uv->mList[static_cast<size_t>(local(x, side, 1))] =
-                uv->mList[static_cast<size_t>(local(x, side, 0))];
+            uv->mList[size_t(local(x, side, 1))] = uv->mList[size_t(local(x, side, 0))];
     }
 }
 
@@ -165,13 +164,13 @@ void load(benchmark::State& state) {
         o3d::Manager manager;
         const size_t before = gHeld;
         gPeak = gHeld;
-        manager.load(reinterpret_cast<const unsigned char*>(image.data()), static_cast<int>(image.size()));
-        memory = 1.0 + static_cast<double>(gPeak - before) / static_cast<double>(image.size());
+        manager.load(reinterpret_cast<const unsigned char*>(image.data()), int(image.size()));
+        memory = 1.0 + double(gPeak - before) / double(image.size());
         state.PauseTiming();
         manager.clear();
         state.ResumeTiming();
     }
-    state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) * static_cast<int64_t>(image.size()));
+    state.SetBytesProcessed(int64_t(state.iterations()) * int64_t(image.size()));
     state.counters["memory"] = memory;
 }
 BENCHMARK(load)->Unit(benchmark::kMillisecond);
@@ -193,7 +192,7 @@ void loadValueByValue(benchmark::State& state) {
         std::vector<std::unique_ptr<o3d::Mesh>> meshes;
         const size_t before = gHeld;
         gPeak = gHeld;
-        chunklib::ReadBuffer buffer(image.data(), static_cast<int>(image.size()));
+        chunklib::ReadBuffer buffer(image.data(), int(image.size()));
         buffer.openChunk();
         while (buffer.openChunk() != 0) {
             meshes.push_back(std::make_unique<o3d::Mesh>());
@@ -225,12 +224,12 @@ void loadValueByValue(benchmark::State& state) {
             meshes.back()->updateBox();
             buffer.closeChunk();
         }
-        memory = 1.0 + static_cast<double>(gPeak - before) / static_cast<double>(image.size());
+        memory = 1.0 + double(gPeak - before) / double(image.size());
         state.PauseTiming();
         meshes.clear();
         state.ResumeTiming();
     }
-    state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) * static_cast<int64_t>(image.size()));
+    state.SetBytesProcessed(int64_t(state.iterations()) * int64_t(image.size()));
     state.counters["memory"] = memory;
 }
 BENCHMARK(loadValueByValue)->Unit(benchmark::kMillisecond);
@@ -238,18 +237,17 @@ BENCHMARK(loadValueByValue)->Unit(benchmark::kMillisecond);
 // Items are triangles.
 void addNormals(benchmark::State& state) {
     o3d::Mesh mesh;
-    addGrid(mesh, static_cast<int>(state.range(0)));
+    addGrid(mesh, int(state.range(0)));
     for (auto _ : state)
         mesh.addNormals();
-    state.SetItemsProcessed(static_cast<int64_t>(state.iterations()) *
-                            static_cast<int64_t>(mesh.mSubmeshes[0]->mTriangles.size()));
+    state.SetItemsProcessed(int64_t(state.iterations()) * int64_t(mesh.mSubmeshes[0]->mTriangles.size()));
 }
 BENCHMARK(addNormals)->Arg(32)->Arg(700)->Unit(benchmark::kMillisecond);
 
 // The tangents alone, the copies of each corner found by going through all vertices.
 void tangentsBySearch(benchmark::State& state) {
     o3d::Mesh mesh;
-    addGrid(mesh, static_cast<int>(state.range(0)));
+    addGrid(mesh, int(state.range(0)));
     const o3d::Submesh& submesh = *mesh.mSubmeshes[0];
     const std::vector<Vector3f>& uv = submesh.mTexCoords[0]->mList;
     std::vector<o3d::TangentSpace> spaces(submesh.mIndices.size());
@@ -257,15 +255,14 @@ void tangentsBySearch(benchmark::State& state) {
         std::fill(spaces.begin(), spaces.end(), o3d::TangentSpace());
         for (const o3d::Triangle& triangle : submesh.mTriangles) {
             const auto place = [&](int corner) {
-                return mesh.mVertices[static_cast<size_t>(
-                    submesh.mIndices[static_cast<size_t>(triangle.mIndex[corner])].mValue)];
+                return mesh.mVertices[size_t(submesh.mIndices[size_t(triangle.mIndex[corner])].mValue)];
             };
-            const auto at = [&](int corner) { return uv[static_cast<size_t>(triangle.mIndex[corner])]; };
+            const auto at = [&](int corner) { return uv[size_t(triangle.mIndex[corner])]; };
             const Vector3f e1 = place(1) - place(0), e2 = place(2) - place(0);
             const Vector3f d1 = at(1) - at(0), d2 = at(2) - at(0);
             const float r = 1.0f / (d1.x * d2.y - d2.x * d1.y);
             for (int corner = 0; corner < 3; ++corner) {
-                const int position = submesh.mIndices[static_cast<size_t>(triangle.mIndex[corner])].mValue;
+                const int position = submesh.mIndices[size_t(triangle.mIndex[corner])].mValue;
                 for (size_t j = 0; j < spaces.size(); ++j)
                     if (submesh.mIndices[j].mValue == position && (uv[j] - at(corner)).length2() < 0.01f) {
                         spaces[j].mTangent += (e1 * d2.y - e2 * d1.y) * r;
@@ -275,8 +272,7 @@ void tangentsBySearch(benchmark::State& state) {
         }
         benchmark::DoNotOptimize(spaces.data());
     }
-    state.SetItemsProcessed(static_cast<int64_t>(state.iterations()) *
-                            static_cast<int64_t>(submesh.mTriangles.size()));
+    state.SetItemsProcessed(int64_t(state.iterations()) * int64_t(submesh.mTriangles.size()));
 }
 BENCHMARK(tangentsBySearch)->Arg(32)->Unit(benchmark::kMillisecond);
 
@@ -292,9 +288,9 @@ struct Nodes {
                 for (int i = 0; i < 20; ++i) {
                     const auto random = [&] {
                         state = state * 69069u + 5u;
-                        return static_cast<float>(state) * 0x1p-32f;
+                        return float(state) * 0x1p-32f;
                     };
-                    const float time = 2.0f * static_cast<float>(i), reach = 0.2f + 0.8f * random();
+                    const float time = 2.0f * float(i), reach = 0.2f + 0.8f * random();
                     const float value = 0.5f + random();
                     track->mInterpolation = 2;
                     track->mKeys.push_back(
@@ -339,8 +335,7 @@ float bisect(const o3d::TrackBlenderFloat& track, float time) {
         const double middle = (low + high) / 2;
         (curve(middle, a.mTime, a.mHandleOutTime, b.mHandleInTime, b.mTime) < time ? low : high) = middle;
     }
-    return static_cast<float>(
-        curve((low + high) / 2, a.mValue, a.mHandleOutValue, b.mHandleInValue, b.mValue));
+    return float(curve((low + high) / 2, a.mValue, a.mHandleOutValue, b.mHandleInValue, b.mValue));
 }
 
 void sampleNodesByBisection(benchmark::State& state) {

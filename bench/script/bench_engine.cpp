@@ -42,15 +42,15 @@ struct Show {
             auto* effect = new Effect;
             effect->mName = nameOf(i % NAMES);
             effect->mEnabled = true;
-            effect->mStart = static_cast<float>(i % 10) * LENGTH / 10; // a tenth of them at any time
+            effect->mStart = float(i % 10) * LENGTH / 10; // a tenth of them at any time
             effect->mEnd = effect->mStart + LENGTH / 10;
             for (int s = 0; s < SPLINES; ++s) {
                 auto* spline = new Spline;
                 spline->mName = s == 0 ? "alpha" : "spline " + std::to_string(s);
                 spline->mMode = s % 3;
                 for (int k = 0; k < KEYS; ++k)
-                    spline->addKey({static_cast<float>(k) * LENGTH / 10 / (KEYS - 1),
-                                    static_cast<float>((i + s * 7 + k * 13) % 11), 0, 0});
+                    spline->addKey(
+                        {float(k) * LENGTH / 10 / (KEYS - 1), float((i + s * 7 + k * 13) % 11), 0, 0});
                 effect->mSplines.push_back(spline);
             }
             engine.mEffects.push_back(effect);
@@ -114,8 +114,7 @@ void play(benchmark::State& state, Update update) {
         update(show, time);
         time = time < LENGTH - 1 ? time + 1.0f / 60.0f : 0;
     }
-    state.counters["spans a frame"] =
-        static_cast<double>(show.updates()) / static_cast<double>(state.iterations());
+    state.counters["spans a frame"] = double(show.updates()) / double(state.iterations());
 }
 
 void Engine(benchmark::State& state) {

@@ -49,7 +49,7 @@ const std::string& script() {
 }
 
 void count(benchmark::State& state) {
-    state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) * static_cast<int64_t>(script().size()));
+    state.SetBytesProcessed(int64_t(state.iterations()) * int64_t(script().size()));
 }
 
 void Zentrak(benchmark::State& state) {

@@ -39,7 +39,7 @@ ReadBuffer::ReadBuffer(const void* pData, int32_t pLength)
       mFlags(0),
       mData(static_cast<const unsigned char*>(pData)),
       mPosition(0),
-      mLength(pData != nullptr && pLength > 0 ? static_cast<uint32_t>(pLength) : 0),
+      mLength(pData != nullptr && pLength > 0 ? uint32_t(pLength) : 0),
       mReread(0) {
     if (mLength > 5) {
         for (char& character : mFormat)
@@ -57,7 +57,7 @@ uint16_t ReadBuffer::openChunk() {
     loadType(&id, 2);
 
     const int implied = (mFlags & FLAG_TYPETAG) != 0 ? impliedSize(id) : -1;
-    uint32_t size = static_cast<uint32_t>(implied);
+    uint32_t size = uint32_t(implied);
     if (implied < 0) {
         if (!checkBoundaries(4))
             return 0;
@@ -65,7 +65,7 @@ uint16_t ReadBuffer::openChunk() {
     }
     // A sum that 32 bits can't hold would send closeChunk() backwards, and the walk with it, for ever.
     const uint64_t end = std::min<uint64_t>(uint64_t(mPosition) + size, UINT32_MAX);
-    mChunks.push_back({id, size, static_cast<uint32_t>(end)});
+    mChunks.push_back({id, size, uint32_t(end)});
     return id;
 }
 

@@ -31,7 +31,7 @@ static bool isTyped(uint32_t flags, uint16_t id) {
 
 void WriteBuffer::openChunk(unsigned short pId) {
     storeType(&pId, 2);
-    mChunks.push_back({pId, static_cast<uint32_t>(mData.size())});
+    mChunks.push_back({pId, uint32_t(mData.size())});
     if (isTyped(mFlags, pId))
         return;
     const uint32_t sizeToCome = 0xFFFFFFFF;
@@ -47,7 +47,7 @@ void WriteBuffer::closeChunk() {
         if (payload > UINT32_MAX)
             throw Exception("WriteBuffer::closeChunk, chunk 0x%X is too long (%zu bytes)", chunk.mId,
                             payload);
-        const uint32_t size = static_cast<uint32_t>(payload);
+        const uint32_t size = uint32_t(payload);
         if (size == 0 && (mFlags & FLAG_KEEPEMPTY) == 0)
             mData.resize(chunk.mPosition - 2);
         else

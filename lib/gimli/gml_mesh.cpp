@@ -79,9 +79,9 @@ void Mesh::layOut(const o3d::Mesh& mesh) {
         mesh.checkIndices(i);
         Submesh& submesh = mSubmeshes[i];
         submesh.mFirstIndex = mIndices;
-        submesh.mIndexCount = static_cast<int>(3 * part.mTriangles.size());
+        submesh.mIndexCount = int(3 * part.mTriangles.size());
         submesh.mFirstVertex = mVertices;
-        submesh.mVertexCount = static_cast<int>(part.mIndices.size());
+        submesh.mVertexCount = int(part.mIndices.size());
         submesh.mMode = GL_TRIANGLES;
         mIndices += submesh.mIndexCount;
         mVertices += submesh.mVertexCount;
@@ -105,7 +105,7 @@ void Mesh::fillIndices(const o3d::Mesh& mesh) {
         numbers.clear();
         for (const o3d::Triangle& triangle : mesh.mSubmeshes[i]->mTriangles) {
             for (const int32_t local : triangle.mIndex)
-                numbers.push_back(static_cast<uint32_t>(local));
+                numbers.push_back(uint32_t(local));
         }
         mIBO.replace(submesh.mFirstIndex, submesh.mIndexCount, numbers.data(), submesh.mFirstVertex,
                      IBO::FORMAT_UINT32);
@@ -132,7 +132,7 @@ void Mesh::fillVertices(const o3d::Mesh& mesh) {
             assert(uv!=0);
         }
         for (size_t j = 0; j < part.mIndices.size(); ++j, ++vertex) {
-            vertex->p = mesh.mVertices[static_cast<size_t>(part.mIndices[j].mValue)];
+            vertex->p = mesh.mVertices[size_t(part.mIndices[j].mValue)];
             if (hasSpaces) {
                 const o3d::TangentSpace& space = part.mTangentSpaces[j];
                 vertex->n = space.mNormal;

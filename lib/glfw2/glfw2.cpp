@@ -88,7 +88,7 @@ void tell(const InputEvents& events) {
 }
 
 int whole(double value) {
-    return static_cast<int>(std::clamp(std::floor(value), -2147483648.0, 2147483647.0));
+    return int(std::clamp(std::floor(value), -2147483648.0, 2147483647.0));
 }
 
 // What GLFW 3 reports, as GLFW 2 tells it.
@@ -372,9 +372,9 @@ int glfwGetVideoModes(GLFWvidmode* list, int maxcount) {
     if (!list || maxcount <= 0)
         return 0;
     const std::vector<VideoMode> modes = Window::videoModes();
-    const int count = std::min(maxcount, static_cast<int>(modes.size()));
+    const int count = std::min(maxcount, int(modes.size()));
     for (int i = 0; i < count; ++i) {
-        const VideoMode& mode = modes[static_cast<std::size_t>(i)];
+        const VideoMode& mode = modes[size_t(i)];
         list[i] = {mode.width, mode.height, mode.red, mode.blue, mode.green};
     }
     return count;

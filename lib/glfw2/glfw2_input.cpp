@@ -25,7 +25,7 @@ bool isText(unsigned character) {
 
 // Tells of a press by code. A code that is down already repeats, also when another key has it.
 void Input::pressCode(InputEvents& events, int code) {
-    State& state = mCodes[static_cast<std::size_t>(code)];
+    State& state = mCodes[size_t(code)];
     const bool repeats = state == State::Down;
     state = State::Down;
     if (!repeats || mKeyRepeat)
@@ -36,7 +36,7 @@ InputEvents Input::press(int key, int code) {
     InputEvents events;
     if (!isIn(key, Keys))
         return events;
-    Down& down = mKeys[static_cast<std::size_t>(key)];
+    Down& down = mKeys[size_t(key)];
     mLast = key;
     mRepeating = down.down;
     if (!down.down)
@@ -48,22 +48,21 @@ InputEvents Input::press(int key, int code) {
 
 InputEvents Input::release(int key) {
     InputEvents events;
-    if (!isIn(key, Keys) || !mKeys[static_cast<std::size_t>(key)].down)
+    if (!isIn(key, Keys) || !mKeys[size_t(key)].down)
         return events;
-    Down& down = mKeys[static_cast<std::size_t>(key)];
+    Down& down = mKeys[size_t(key)];
     down.down = false;
     if (mLast == key)
         mLast = -1;
     if (down.code != GLFW_KEY_UNKNOWN) {
-        State& state = mCodes[static_cast<std::size_t>(down.code)];
+        State& state = mCodes[size_t(down.code)];
         if (state == State::Down) {
             state = mStickyKeys ? State::Sticking : State::Up;
             events.add(InputEvent::Key, down.code, GLFW_RELEASE);
         }
     }
     for (int i = 0; i < down.typed; ++i)
-        events.add(InputEvent::Char, static_cast<int>(down.characters[static_cast<std::size_t>(i)]),
-                   GLFW_RELEASE);
+        events.add(InputEvent::Char, int(down.characters[size_t(i)]), GLFW_RELEASE);
     return events;
 }
 
@@ -71,13 +70,13 @@ InputEvents Input::character(unsigned character) {
     InputEvents events;
     if (!isText(character))
         return events;
-    const int code = static_cast<int>(character);
+    const int code = int(character);
     if (mLast < 0) {
         events.add(InputEvent::Char, code, GLFW_PRESS);
         events.add(InputEvent::Char, code, GLFW_RELEASE);
         return events;
     }
-    Down& down = mKeys[static_cast<std::size_t>(mLast)];
+    Down& down = mKeys[size_t(mLast)];
     if (down.code == GLFW_KEY_UNKNOWN && characterCode(character) != GLFW_KEY_UNKNOWN) {
         down.code = characterCode(character);
         pressCode(events, down.code);
@@ -91,15 +90,15 @@ InputEvents Input::character(unsigned character) {
     if (end == down.characters.end())
         events.add(InputEvent::Char, code, GLFW_RELEASE); // no room to remember it
     else
-        down.characters[static_cast<std::size_t>(down.typed++)] = character;
+        down.characters[size_t(down.typed++)] = character;
     return events;
 }
 
 InputEvents Input::button(int button, bool down) {
     InputEvents events;
-    if (!isIn(button, Buttons) || mButtons[static_cast<std::size_t>(button)] == down)
+    if (!isIn(button, Buttons) || mButtons[size_t(button)] == down)
         return events;
-    mButtons[static_cast<std::size_t>(button)] = down;
+    mButtons[size_t(button)] = down;
     events.add(InputEvent::Button, button, down ? GLFW_PRESS : GLFW_RELEASE);
     return events;
 }
@@ -122,7 +121,7 @@ InputEvents Input::releaseAny() {
 bool Input::down(int code) {
     if (!isIn(code, Codes))
         return false;
-    State& state = mCodes[static_cast<std::size_t>(code)];
+    State& state = mCodes[size_t(code)];
     const bool down = state != State::Up;
     if (state == State::Sticking)
         state = State::Up;

@@ -24,11 +24,11 @@ public:
     const InputEvent* end() const { return mEvents.data() + mCount; }
     bool empty() const { return mCount == 0; }
 
-    static constexpr std::size_t Capacity = 10;
+    static constexpr size_t Capacity = 10;
 
 private:
     std::array<InputEvent, Capacity> mEvents{};
-    std::size_t mCount = 0;
+    size_t mCount = 0;
 };
 
 class Input {

@@ -59,7 +59,7 @@ unsigned firstOfLatin1(const char* text) {
 int keyCode(int position, const char* name) {
     const int* const special = std::find(std::begin(specialKeys), std::end(specialKeys), position);
     if (special != std::end(specialKeys))
-        return FirstSpecial + static_cast<int>(special - specialKeys);
+        return FirstSpecial + int(special - specialKeys);
     if (position == GLFW_KEY_SPACE)
         return GLFW_KEY_SPACE;
     // The keys that type something stand below 256, on a US board those with ASCII codes.
@@ -75,9 +75,9 @@ int characterCode(unsigned character) {
     const bool lower = (character >= 'a' && character <= 'z') ||
                        (character >= 0xE0 && character <= 0xFE && character != 0xF7); // but the division sign
     if (lower)
-        return static_cast<int>(character - 32);
+        return int(character - 32);
     const bool printable = (character >= 32 && character <= 126) || (character >= 160 && character <= 255);
-    return printable ? static_cast<int>(character) : Unknown;
+    return printable ? int(character) : Unknown;
 }
 
 } // namespace zentrak::glfw2

@@ -7,8 +7,7 @@ namespace zentrak::o3d {
 bool checkDepth(const chunklib::ReadBuffer& buffer) {
     if (buffer.depth() <= MAX_DEPTH)
         return true;
-    ZTK_LOG("warning", "o3d", "Chunks nested deeper than %d, the rest is left out\n",
-            static_cast<int>(MAX_DEPTH));
+    ZTK_LOG("warning", "o3d", "Chunks nested deeper than %d, the rest is left out\n", int(MAX_DEPTH));
     return false;
 }
 

@@ -52,7 +52,7 @@ static void loadNamed(chunklib::ReadBuffer& buffer, std::vector<T*>& list,
     auto object = std::make_unique<T>();
     object->loadChunk(buffer);
     makeRoom(list);
-    names[object->mName] = static_cast<int>(list.size());
+    names[object->mName] = int(list.size());
     list.push_back(object.release());
 }
 
@@ -103,7 +103,7 @@ void Manager::write(unsigned char** data, int* length) {
         throw Exception("Manager::write, too much for one file (%zu bytes)", buffer.mData.size());
     *data = new unsigned char[buffer.mData.size()];
     memcpy(*data, buffer.mData.data(), buffer.mData.size());
-    *length = static_cast<int>(buffer.mData.size());
+    *length = int(buffer.mData.size());
 }
 
 template <typename T>
@@ -144,7 +144,7 @@ template <typename T>
 static int indexOf(const std::map<std::string, int>& names, const std::vector<T*>& list,
                    const std::string& name) {
     const auto found = names.find(name);
-    if (found == names.end() || found->second < 0 || static_cast<size_t>(found->second) >= list.size())
+    if (found == names.end() || found->second < 0 || size_t(found->second) >= list.size())
         return -1;
     return found->second;
 }

@@ -55,7 +55,7 @@ static void loadMaterialNames(chunklib::ReadBuffer& buffer, Mesh& mesh) {
         total += name.size();
         if (total > limit) {
             ZTK_LOG("warning", "o3d", "Mesh '%s' has too many material names, %d kept\n", mesh.mName.c_str(),
-                    static_cast<int>(mesh.mMaterials.size()));
+                    int(mesh.mMaterials.size()));
             return;
         }
         mesh.mMaterials.push_back(name);
@@ -105,7 +105,7 @@ void Mesh::writeChunk(chunklib::WriteBuffer& buffer) const {
 
     // A count, and a numbered chunk for each name; the loader reads bare names.
     buffer.openChunk(CHUNK_MATERIALNAMES);
-    const uint32_t count = static_cast<uint32_t>(mMaterials.size());
+    const uint32_t count = uint32_t(mMaterials.size());
     buffer.storeType(&count, 4);
     for (uint32_t i = 0; i < count; ++i) {
         if (mMaterials[i].empty())
@@ -135,7 +135,7 @@ void Mesh::updateBox() {
 
 const std::string& Mesh::getMaterial(int i) const {
     static const std::string empty;
-    return i >= 0 && static_cast<size_t>(i) < mMaterials.size() ? mMaterials[i] : empty;
+    return i >= 0 && size_t(i) < mMaterials.size() ? mMaterials[i] : empty;
 }
 
 BoneGroupWeightList& Mesh::getBoneGroup(int groupID) {
@@ -150,7 +150,7 @@ const BoneGroupWeightList& Mesh::getBoneGroup(int groupID) const {
 }
 
 bool Mesh::hasBoneGroup(int groupID) const {
-    if (groupID < static_cast<int>(mBoneGroup.size()))
+    if (groupID < int(mBoneGroup.size()))
         return false;
     return false; // the entry that the comparison asks for lies past the end of the list: there is none
 }
@@ -174,11 +174,11 @@ void Mesh::checkIndices() const {
 
 void Mesh::checkIndices(size_t submeshNumber) const {
     const Submesh& submesh = *mSubmeshes[submeshNumber];
-    const int number = static_cast<int>(submeshNumber);
-    const int vertices = static_cast<int>(mVertices.size());
-    const int locals = static_cast<int>(submesh.mIndices.size());
+    const int number = int(submeshNumber);
+    const int vertices = int(mVertices.size());
+    const int locals = int(submesh.mIndices.size());
     for (int i = 0; i < locals; ++i) {
-        const int value = submesh.mIndices[static_cast<size_t>(i)].mValue;
+        const int value = submesh.mIndices[size_t(i)].mValue;
         if (value < 0 || value >= vertices)
             throw Exception("Mesh '%s', submesh %d: index %d is %d, but there are %d vertices", mName.c_str(),
                             number, i, value, vertices);
@@ -187,12 +187,12 @@ void Mesh::checkIndices(size_t submeshNumber) const {
         for (const int corner : submesh.mTriangles[t].mIndex)
             if (corner < 0 || corner >= locals)
                 throw Exception("Mesh '%s', submesh %d: triangle %d uses vertex %d, but there are %d indices",
-                                mName.c_str(), number, static_cast<int>(t), corner, locals);
+                                mName.c_str(), number, int(t), corner, locals);
     if (submesh.mTexCoords.empty() || !submesh.mTexCoords[0])
         return;
     if (submesh.mTexCoords[0]->size() < submesh.mIndices.size())
         throw Exception("Mesh '%s', submesh %d: %d texture coordinates for %d indices", mName.c_str(), number,
-                        static_cast<int>(submesh.mTexCoords[0]->size()), locals);
+                        int(submesh.mTexCoords[0]->size()), locals);
 }
 
 namespace {
@@ -221,7 +221,7 @@ public:
         mLocal.resize(indices.size());
         for (size_t i = 0; i < indices.size(); ++i) {
             const int position = indices[i].mValue;
-            mLocal[mStart[position] + mCount[position]++] = static_cast<int>(i);
+            mLocal[mStart[position] + mCount[position]++] = int(i);
         }
     }
 
@@ -304,7 +304,7 @@ void checkCopies(const Mesh& mesh, CopyMap& copies) {
         copies.build(submesh->mIndices);
         for (const Triangle& triangle : submesh->mTriangles)
             for (const int corner : triangle.mIndex)
-                sums += static_cast<uint64_t>(copies.count(submesh->mIndices[corner].mValue));
+                sums += uint64_t(copies.count(submesh->mIndices[corner].mValue));
     }
     if (sums > MAX_TANGENT_SUMS)
         throw Exception("Mesh '%s': too many vertices share a position", mesh.mName.c_str());

@@ -213,7 +213,7 @@ void MeshInstance::writeChunk(chunklib::WriteBuffer& buffer) {
 
 const std::string& MeshInstance::getMaterial(int i) const {
     static const std::string empty;
-    return i >= 0 && static_cast<size_t>(i) < mMaterials.size() ? mMaterials[i] : empty;
+    return i >= 0 && size_t(i) < mMaterials.size() ? mMaterials[i] : empty;
 }
 
 } // namespace zentrak::o3d

@@ -91,7 +91,7 @@ void Submesh::loadChunk(chunklib::ReadBuffer& buffer) {
 
 void Submesh::writeChunk(chunklib::WriteBuffer& buffer) const {
     buffer.openChunk(CHUNK_SUBMESH);
-    writeValue(buffer, static_cast<float>(mMaterial)); // the loader reads a byte
+    writeValue(buffer, float(mMaterial)); // the loader reads a byte
 
     // A list without elements leaves no chunk.
     buffer.openChunk(CHUNK_TRIANGLES);
@@ -119,7 +119,7 @@ void Submesh::updateBox() {
     const std::vector<Vector3f>& vertices = mParent->mVertices;
     bool started = false;
     for (const Index& index : mIndices) {
-        if (index.mValue < 0 || static_cast<size_t>(index.mValue) >= vertices.size())
+        if (index.mValue < 0 || size_t(index.mValue) >= vertices.size())
             continue;
         const Vector3f& vertex = vertices[index.mValue];
         if (!started) {

@@ -71,7 +71,7 @@ void TrackBlenderFloat::writeChunk(chunklib::WriteBuffer& buffer, unsigned short
 // How many whole spans `time` lies from the first key. What no int can hold becomes 0.
 static int countSpans(float time, float first, float span) {
     const float spans = floorf((time - first) / span);
-    return spans >= -2147483648.0f && spans < 2147483648.0f ? static_cast<int>(spans) : 0;
+    return spans >= -2147483648.0f && spans < 2147483648.0f ? int(spans) : 0;
 }
 
 float TrackBlenderFloat::getValue(float time) const {
@@ -107,16 +107,16 @@ float TrackBlenderFloat::getValue(float time) const {
             if (count == 1)
                 return first.mValue;
             const double start = first.mTime;
-            const double cycle = start + fmod(static_cast<double>(time) - start, static_cast<double>(span));
-            time = static_cast<float>(before ? static_cast<double>(span) + cycle : cycle);
+            const double cycle = start + fmod(double(time) - start, double(span));
+            time = float(before ? double(span) + cycle : cycle);
             break;
         }
         case EXTRAPOLATION_CYCLIC_OFFSET: {
             if (count == 1)
                 return first.mValue;
             const int k = countSpans(time, first.mTime, span);
-            offset = (last.mValue - first.mValue) * static_cast<float>(k);
-            time = time - span * static_cast<float>(k);
+            offset = (last.mValue - first.mValue) * float(k);
+            time = time - span * float(k);
             break;
         }
         default:
@@ -155,7 +155,7 @@ float TrackBlenderFloat::getValue(float time) const {
 
 // The left key of the segment that holds `time`, of at least two keys; the nearest to it where none does.
 size_t TrackBlenderFloat::findSegment(float time) const {
-    const int count = static_cast<int>(mKeys.size());
+    const int count = int(mKeys.size());
     if (count == 2) {
         mIndex = 0;
         return 0;
@@ -166,10 +166,10 @@ size_t TrackBlenderFloat::findSegment(float time) const {
     if (mIndex >= 0) {
         const int c = mIndex;
         if (c + 1 < count && mKeys[c].mTime >= time && time > mKeys[c + 1].mTime)
-            return static_cast<size_t>(c);
+            return size_t(c);
         if (c + 2 < count && mKeys[c + 1].mTime >= time && time > mKeys[c + 2].mTime) {
             mIndex = c + 1;
-            return static_cast<size_t>(mIndex);
+            return size_t(mIndex);
         }
         mIndex = -1;
     }
@@ -187,7 +187,7 @@ size_t TrackBlenderFloat::findSegment(float time) const {
         else
             lo = mid + 1;
     }
-    return static_cast<size_t>(std::min(mid, count - 2));
+    return size_t(std::min(mid, count - 2));
 }
 
 // Does the candidate count as a root? The bounds are not the floats next to them.
@@ -210,7 +210,7 @@ int TrackBlenderFloat::solveForTime(const Key& a, const Key& b, float time, floa
 
     int count = 0;
     const auto add = [&](double candidate) {
-        result[count] = static_cast<float>(candidate);
+        result[count] = float(candidate);
         if (isRoot(result[count]))
             ++count;
     };

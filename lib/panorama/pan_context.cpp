@@ -136,7 +136,7 @@ void Context::addControl(Control* control, int index) {
     control->setParent(this);
     control->setArea(control->mArea.area);
     control->setMaximized(control->mMaximized);
-    mControls.insert(mControls.begin() + std::ptrdiff_t(place), control);
+    mControls.insert(mControls.begin() + ptrdiff_t(place), control);
 }
 
 void Context::deleteOptions() {

@@ -604,9 +604,9 @@ void Control::loadChild(xml::IteratorConst& it) {
         xml::IteratorConst area = it.createIterator("area");
         while (++area) {
             if (!area->getValue("size").empty())
-                flow->setSize(control, static_cast<float>(toNumber(area->getValue("size"))));
+                flow->setSize(control, float(toNumber(area->getValue("size"))));
             if (!area->getValue("percent").empty())
-                flow->setPercent(control, static_cast<float>(toNumber(area->getValue("percent"))));
+                flow->setPercent(control, float(toNumber(area->getValue("percent"))));
         }
     }
 }

@@ -13,7 +13,7 @@ constexpr float DEFAULT_SIZE = 10.0f; // pixels
 
 // To the nearest pixel, as a cast to int does it; nothing where there is no such number.
 float toPixels(float size) {
-    return size < 1e9f && size > -1e9f ? static_cast<float>(static_cast<int>(size + 0.5f)) : 0.0f;
+    return size < 1e9f && size > -1e9f ? float(int(size + 0.5f)) : 0.0f;
 }
 
 } // namespace

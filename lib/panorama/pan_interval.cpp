@@ -23,7 +23,7 @@ void Interval::set(float value, bool immediately) {
 }
 
 float Interval::get(bool target) {
-    const float now = static_cast<float>(glfw2::glfwGetTime());
+    const float now = float(glfw2::glfwGetTime());
     if (mStartTime < 0) {
         mStartTime = now;
         mStarted = true;

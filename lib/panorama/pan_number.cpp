@@ -13,7 +13,7 @@ double toNumber(const std::string& text) {
 void readNumber(const std::string& text, float& value) {
     if (text.empty())
         return;
-    const float number = static_cast<float>(toNumber(text));
+    const float number = float(toNumber(text));
     if (std::isfinite(number))
         value = number;
 }

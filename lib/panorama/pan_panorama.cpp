@@ -56,14 +56,14 @@ std::unique_ptr<xml::XmlParser> readDocument(display::DisplayGL* display, const 
     if (file.isNull())
         return nullptr;
     auto document = std::make_unique<xml::XmlParser>();
-    document->parse(reinterpret_cast<const char*>(file->data), static_cast<int>(file->length));
+    document->parse(reinterpret_cast<const char*>(file->data), int(file->length));
     return document;
 }
 
 } // namespace
 
 Panorama::Panorama(display::DisplayGL* owner) : Listener(owner) {
-    srand(static_cast<unsigned>(time(nullptr)));
+    srand(unsigned(time(nullptr)));
     mWorkspace.setDisplay(owner);
     onResize(0, 0);
 
@@ -148,7 +148,7 @@ int Panorama::onMouseUp(const display::MouseButtonEvent& source) {
 
 int Panorama::onMouseMove(const display::MouseMoveEvent& source) {
     static int lastX = INT_MIN, lastY = INT_MIN;
-    const int x = static_cast<int>(source.mousePos.x), y = static_cast<int>(source.mousePos.y);
+    const int x = int(source.mousePos.x), y = int(source.mousePos.y);
     if (x == lastX && y == lastY)
         return WHATEVER;
     lastX = x;

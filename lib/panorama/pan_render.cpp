@@ -185,7 +185,7 @@ void Render::drawBorder(const Box2& box) {
 void Render::drawCircle(const Box2& box, int segments, float start) {
     const float width = box.getWidth(), height = box.getHeight();
     if (segments == -1)
-        segments = static_cast<int>(toInt((height + width) * PI * 0.5f));
+        segments = int(toInt((height + width) * PI * 0.5f));
     segments = std::clamp(segments, 3, MAX_SEGMENTS);
     const Vector2f centre(box.x1 + width * 0.5f, box.y1 + height * 0.5f);
     mPolygon.clear();
@@ -265,9 +265,9 @@ int Render::clipPolygon(const Vector2f* points, int count) {
                 mCut.push_back(p);
             }
         }
-        mCut.erase(mCut.begin(), mCut.begin() + std::ptrdiff_t(before));
+        mCut.erase(mCut.begin(), mCut.begin() + ptrdiff_t(before));
     }
-    return static_cast<int>(mCut.size());
+    return int(mCut.size());
 }
 
 void Render::drawText(const std::string& text, Vector2f position) {
@@ -333,7 +333,7 @@ void Render::setFontMode(int mode) {
 }
 
 float Render::getTime() {
-    return mDisplay ? static_cast<float>(mDisplay->getTime()) : 0.0f;
+    return mDisplay ? float(mDisplay->getTime()) : 0.0f;
 }
 
 } // namespace zentrak::panorama

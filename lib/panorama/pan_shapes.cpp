@@ -403,7 +403,7 @@ void Shapes::cutPieces(const Item& item) {
             }
             forEachPiece(box, hole, [&](const Box2& rest) { mPieces.push_back(rest); });
         }
-        mPieces.erase(mPieces.begin(), mPieces.begin() + std::ptrdiff_t(count));
+        mPieces.erase(mPieces.begin(), mPieces.begin() + ptrdiff_t(count));
     }
 }
 

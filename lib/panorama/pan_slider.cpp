@@ -40,12 +40,12 @@ Control* Slider::clone() {
 }
 
 float Slider::getValue() {
-    return static_cast<float>(double(mMin) + (double(mMax) - double(mMin)) * double(mPosition.get(true)));
+    return float(double(mMin) + (double(mMax) - double(mMin)) * double(mPosition.get(true)));
 }
 
 void Slider::setValue(float value, bool immediately) {
     const double range = double(mMax) - double(mMin);
-    mPosition.set(limit(static_cast<float>((double(value) - double(mMin)) / range)), immediately);
+    mPosition.set(limit(float((double(value) - double(mMin)) / range)), immediately);
 }
 
 void Slider::load(xml::IteratorConst& it) {
@@ -57,7 +57,7 @@ void Slider::load(xml::IteratorConst& it) {
     readNumber(it->getValue("min"), mMin);
     readNumber(it->getValue("max"), mMax);
     if (!it->getValue("percent").empty())
-        mPosition.set(limit(static_cast<float>(toNumber(it->getValue("percent")))), true);
+        mPosition.set(limit(float(toNumber(it->getValue("percent")))), true);
     if (!it->getValue("direction").empty())
         mDirection = it->getValue("direction") == "horisontal" ? 0 : 1;
 }

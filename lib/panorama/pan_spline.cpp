@@ -70,8 +70,8 @@ void Spline::load(xml::IteratorConst& it) {
     xml::IteratorConst item = it.createIterator("item");
     while (++item) {
         Key key;
-        key.time = static_cast<float>(toNumber(item->getValue("x")));
-        key.value = static_cast<float>(toNumber(item->getValue("y")));
+        key.time = float(toNumber(item->getValue("x")));
+        key.value = float(toNumber(item->getValue("y")));
         mSpline->addKey(key);
     }
 }
@@ -277,7 +277,7 @@ void Spline::draw() {
 
 // Steps of equal time from 0 to 1.
 void Spline::buildPoints(int steps) {
-    const int count = static_cast<int>(POINTS_PER_STEP * static_cast<float>(steps));
+    const int count = int(POINTS_PER_STEP * float(steps));
     mPoints.resize(size_t(count));
     for (int i = 0; i < count; ++i) {
         const float time = float(i) / float(count - 1);

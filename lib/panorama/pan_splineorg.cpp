@@ -48,7 +48,7 @@ Control* SplineOrg::clone() {
 
 int SplineOrg::addNode(const SplineNodeOrg& node) {
     const auto place = std::upper_bound(mNodes.begin(), mNodes.end(), node, isBefore);
-    return static_cast<int>(mNodes.insert(place, node) - mNodes.begin());
+    return int(mNodes.insert(place, node) - mNodes.begin());
 }
 
 void SplineOrg::setSplineType(std::string type) {
@@ -61,8 +61,7 @@ void SplineOrg::load(xml::IteratorConst& it) {
     setSplineType(it->getValue("type"));
     xml::IteratorConst item = it.createIterator("item");
     while (++item)
-        addNode({static_cast<float>(toNumber(item->getValue("x"))),
-                 static_cast<float>(toNumber(item->getValue("y")))});
+        addNode({float(toNumber(item->getValue("x"))), float(toNumber(item->getValue("y")))});
 }
 
 bool SplineOrg::hasNode(int index) const {
@@ -97,7 +96,7 @@ Vector2f SplineOrg::toWindow(const SplineNodeOrg& node) const {
 
 // The first node of the list whose box is hit, or -1.
 int SplineOrg::findNode(const Vector2f& place) const {
-    return curve::findPoint(static_cast<int>(mNodes.size()), mSize + 1.0f, place,
+    return curve::findPoint(int(mNodes.size()), mSize + 1.0f, place,
                             [this](int i) { return toWindow(mNodes[size_t(i)]); });
 }
 
@@ -166,7 +165,7 @@ void SplineOrg::onMouseDown(const Event& event) {
 
 // Whether the key is one of the four that it knows.
 bool SplineOrg::onKeyDown(const Event& event) {
-    if (curve::stepSelection(event.key, static_cast<int>(mNodes.size()), mSelected))
+    if (curve::stepSelection(event.key, int(mNodes.size()), mSelected))
         return true;
     switch (event.key) {
     case display::KEY_DEL:
@@ -201,7 +200,7 @@ void SplineOrg::removeNode(int index) {
     mNodes.erase(mNodes.begin() + index);
     if (index < mSelected)
         --mSelected;
-    mSelected = std::min(mSelected, static_cast<int>(mNodes.size()) - 1);
+    mSelected = std::min(mSelected, int(mNodes.size()) - 1);
     mHoverNode = mDragNode = -1;
 }
 

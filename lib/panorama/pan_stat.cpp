@@ -68,8 +68,8 @@ void Stat::getScale(int count, float& low, float& high) const {
         greatest = std::max<double>(greatest, value);
     }
     constexpr double most = std::numeric_limits<float>::max();
-    low = least < 0 ? static_cast<float>(-std::min(roundUp(-least), most)) : 0.0f;
-    high = greatest > 0 ? static_cast<float>(std::min(roundUp(greatest), most)) : least < 0 ? 0.0f : 1.0f;
+    low = least < 0 ? float(-std::min(roundUp(-least), most)) : 0.0f;
+    high = greatest > 0 ? float(std::min(roundUp(greatest), most)) : least < 0 ? 0.0f : 1.0f;
 }
 
 void Stat::draw() {
@@ -94,7 +94,7 @@ void Stat::draw() {
 void Stat::drawGraph(Render& render, const Box2& box, int shown, float low, float high) {
     const double range = double(high) - double(low);
     const auto heightOf = [&](double value) {
-        return toPixel(box.y2 - static_cast<float>((value - double(low)) / range) * box.getHeight());
+        return toPixel(box.y2 - float((value - double(low)) / range) * box.getHeight());
     };
     for (int quarter = 1; quarter < 4; ++quarter) {
         const float y = heightOf(double(low) + range * quarter / 4);

@@ -103,7 +103,7 @@ void TextInput::setText(const std::string& text) {
 }
 
 float TextInput::getValue() const {
-    return static_cast<float>(toNumber(mValue));
+    return float(toNumber(mValue));
 }
 
 void TextInput::setKind(Kind kind) {
@@ -279,7 +279,7 @@ int TextInput::handleKey(const Event& event) {
     if (event.type == "keychardown") {
         if (!isPrintable(event.character) || (event.ctrl() && !event.alt()))
             return 0;
-        if (replaceSelection(std::string(1, static_cast<char>(event.character))))
+        if (replaceSelection(std::string(1, char(event.character))))
             changed();
         return 1;
     }
@@ -372,7 +372,7 @@ void TextInput::draw() {
     const Box2 inside = getInside();
     showCaret();
     const auto place = [&](size_t position) {
-        return toPixel(static_cast<float>(double(inside.x1) + edge(position) - mScroll));
+        return toPixel(float(double(inside.x1) + edge(position) - mScroll));
     };
     const float middle = toPixel((inside.y1 + inside.y2) * 0.5f),
                 half = std::min(8.0f, inside.getHeight() * 0.5f - 1);
@@ -385,8 +385,8 @@ void TextInput::draw() {
 
     // The characters that reach into the field.
     const double width = std::max(0.0, double(inside.getWidth()));
-    const size_t first = size_t(std::max<std::ptrdiff_t>(
-        0, std::upper_bound(mEdges.begin(), mEdges.end(), mScroll) - mEdges.begin() - 1));
+    const size_t first = size_t(
+        std::max<ptrdiff_t>(0, std::upper_bound(mEdges.begin(), mEdges.end(), mScroll) - mEdges.begin() - 1));
     const size_t last =
         std::min(size_t(std::lower_bound(mEdges.begin(), mEdges.end(), mScroll + width) - mEdges.begin()),
                  mValue.size());

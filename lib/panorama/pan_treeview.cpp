@@ -162,11 +162,11 @@ void TreeView::buildRows() {
     for (int i = 0; i < getItemCount();) {
         const Node& node = mNodes[size_t(i)];
         mRows.push_back(i);
-        mTops.push_back(static_cast<float>(top));
+        mTops.push_back(float(top));
         top += double(node.size);
         i = node.open ? i + 1 : node.next;
     }
-    mTops.push_back(static_cast<float>(top));
+    mTops.push_back(float(top));
 }
 
 // Each text is measured once, when it is first seen or could be.
@@ -430,8 +430,7 @@ void TreeView::draw() {
 
     clipTo(*render, view, mArea.clip);
     const auto top = std::upper_bound(mTops.begin(), mTops.end(), mScrollY);
-    for (size_t row = size_t(std::max<std::ptrdiff_t>(0, top - mTops.begin() - 1)); row < mRows.size();
-         ++row) {
+    for (size_t row = size_t(std::max<ptrdiff_t>(0, top - mTops.begin() - 1)); row < mRows.size(); ++row) {
         const float y1 = view.y1 + mTops[row] - mScrollY, y2 = view.y1 + mTops[row + 1] - mScrollY;
         if (y1 >= view.y2)
             break;

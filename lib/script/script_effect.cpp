@@ -57,9 +57,8 @@ void Effect::reverse(float) {
 void Effect::executeTriggers(float time, Callback* callback) {
     for (size_t i = 0; i < mTriggers.size(); ++i) {
         Trigger& trigger = *mTriggers[i];
-        for (int left = MAX_FIRINGS;
-             left > 0 && trigger.mFired < trigger.mRepeat &&
-             time >= trigger.mStart + static_cast<float>(trigger.mFired) * trigger.mDelay;
+        for (int left = MAX_FIRINGS; left > 0 && trigger.mFired < trigger.mRepeat &&
+                                     time >= trigger.mStart + float(trigger.mFired) * trigger.mDelay;
              --left) {
             callback->executeTrigger(time, trigger.mName, trigger.mValue);
             ++trigger.mFired;

@@ -14,7 +14,7 @@ namespace zentrak::script {
 namespace {
 
 float toFloat(const std::string& text) {
-    return static_cast<float>(atof(text.c_str()));
+    return float(atof(text.c_str()));
 }
 
 } // namespace
@@ -29,14 +29,14 @@ bool LoadXML::load(const char* filename, ScriptEngine& engine) {
         text.append(block, size);
     if (ferror(file.get()))
         return false;
-    return loadMem(text.data(), static_cast<long>(text.size()), engine);
+    return loadMem(text.data(), long(text.size()), engine);
 }
 
 bool LoadXML::loadMem(const char* data, long size, ScriptEngine& engine) {
     if (size < 0 || size > INT_MAX)
         return false;
     xml::XmlParser parser;
-    parser.parse(data, static_cast<int>(size));
+    parser.parse(data, int(size));
     if (parser.getName() != "script") {
         ZTK_LOG("error", "app", "The script's root is '%.100s' and not 'script'", parser.getName().c_str());
         return false;

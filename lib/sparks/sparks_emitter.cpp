@@ -21,11 +21,11 @@ long toInteger(const std::string& text) {
 }
 
 int toInt(const std::string& text) {
-    return static_cast<int>(std::clamp<long>(toInteger(text), INT_MIN, INT_MAX));
+    return int(std::clamp<long>(toInteger(text), INT_MIN, INT_MAX));
 }
 
 float toFloat(const std::string& text) {
-    return static_cast<float>(atof(text.c_str()));
+    return float(atof(text.c_str()));
 }
 
 int digitOf(const std::string& text, size_t index) {
@@ -93,7 +93,7 @@ void forEachRange(Emitter& e, const Visit& visit) {
 } // namespace
 
 mathbase::Random clockRandom() {
-    return mathbase::Random(static_cast<uint32_t>(clock()) * 475559465u + 345350u);
+    return mathbase::Random(uint32_t(clock()) * 475559465u + 345350u);
 }
 
 Emitter::Emitter() : random(clockRandom()) {}
@@ -101,7 +101,7 @@ Emitter::Emitter() : random(clockRandom()) {}
 void Emitter::load(IteratorConst& it) {
     name = it->getValue("name");
     texture = toInt(it->getValue("texture"));
-    rate = static_cast<float>(toInteger(it->getValue("rate")));
+    rate = float(toInteger(it->getValue("rate")));
     num = toInt(it->getValue("num"));
     forEachRange(*this, [&](const char* child, auto& range) { loadRange(it, child, range); });
 }
@@ -111,7 +111,7 @@ void Emitter::save(xml::Iterator& it) const {
     tag.setName("emitter");
     tag.setValue("name", name);
     tag.setValue("texture", texture);
-    tag.setValue("rate", static_cast<double>(rate));
+    tag.setValue("rate", double(rate));
     tag.setValue("num", num);
     xml::Iterator children = it.addChild(tag);
     forEachRange(*this, [&](const char* child, const auto& range) { saveRange(children, child, range); });
@@ -157,7 +157,7 @@ void Emitter::fillSpark(Spark& spark) {
 
 Vector3f hex2vec(const std::string& text) {
     const auto component = [&](size_t index) {
-        return static_cast<float>(16 * digitOf(text, index) + digitOf(text, index + 1)) / 255.0f;
+        return float(16 * digitOf(text, index) + digitOf(text, index + 1)) / 255.0f;
     };
     return Vector3f(component(0), component(2), component(4));
 }
@@ -166,7 +166,7 @@ std::string f2hex(float value) {
     static const char digits[] = "0123456789abcdef";
     const float scaled = value * 255.0f;
     const bool fits = scaled > -2147483648.0f && scaled < 2147483648.0f; // also false for a NaN
-    const unsigned byte = fits ? static_cast<unsigned>(static_cast<int>(scaled)) : 0;
+    const unsigned byte = fits ? unsigned(int(scaled)) : 0;
     return {digits[byte >> 4 & 15], digits[byte & 15]};
 }
 

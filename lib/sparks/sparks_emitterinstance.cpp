@@ -50,9 +50,9 @@ void EmitterInstance::update(float, float dt) {
         if (!emitter->active || emitter->num == 0)
             continue;
         const float due = dt * emitter->rate; // perhaps below 0, or no number
-        const bool tooMany = due > static_cast<float>(left);
-        int count = tooMany ? left : due > 0 ? static_cast<int>(due) : 0;
-        if (random.uniform() < due - static_cast<float>(count) && count < left)
+        const bool tooMany = due > float(left);
+        int count = tooMany ? left : due > 0 ? int(due) : 0;
+        if (random.uniform() < due - float(count) && count < left)
             ++count;
         for (; count > 0; --count) {
             if (emitter->num == 0)

@@ -31,7 +31,7 @@ constexpr float PI = 3.1415927f;
 // the exponent. Double precision rounds to the same float as powf, one unit in the last place aside.
 float decay(float exponent) {
     constexpr double LOG2_BASE = 1.4426949970774024;
-    return static_cast<float>(exp2(LOG2_BASE * static_cast<double>(exponent)));
+    return float(exp2(LOG2_BASE * double(exponent)));
 }
 
 // The list is in no order of memory: what is some way ahead is fetched while the particles before it are
@@ -58,7 +58,7 @@ Engine::~Engine() {
 }
 
 float Engine::now() const {
-    return display ? static_cast<float>(display->getTime()) : 0.0f;
+    return display ? float(display->getTime()) : 0.0f;
 }
 
 void Engine::load(std::string name) {
@@ -71,7 +71,7 @@ void Engine::load(std::string name) {
     if (!file)
         return;
     xml::XmlParser document;
-    document.parse(reinterpret_cast<const char*>(file->data), static_cast<int>(file->length));
+    document.parse(reinterpret_cast<const char*>(file->data), int(file->length));
     if (document.getName() != "spark")
         return;
     xml::IteratorConst it(&document, "instance");
@@ -95,7 +95,7 @@ bool Engine::save(std::string name) const {
         instance->save(it);
     std::string text;
     document.write(text, "\t");
-    const am::File file(new am::FileStructure(name, text.data(), static_cast<long>(text.size())));
+    const am::File file(new am::FileStructure(name, text.data(), long(text.size())));
     return display->mArchiveManager->writeFile(file);
 }
 
@@ -175,14 +175,14 @@ void Engine::draw(const Matrix4x4Col* cameraInverse) {
         const float age = time - (spark->time + spark->timeoffset);
         if (!(age > 0))
             continue;
-        const float flicker = static_cast<float>(random.draw() & 1);
+        const float flicker = float(random.draw() & 1);
         float alpha = (1.0f - flicker * spark->noise) * std::min(spark->energy, 1.0f) * spark->intensity;
         if (age < FADE_IN)
             alpha *= sinf(PI * age * 2.5f);
         const Vector3f& colour = spark->colour;
         const Vector4f color(colour.x, colour.y, colour.z, alpha);
         mBatch.color(color);
-        const float u0 = CELL_WIDTH * static_cast<float>(spark->texture);
+        const float u0 = CELL_WIDTH * float(spark->texture);
         mCut.draw(mBatch, spark->position, spark->size, color, spark->texture, u0, 1, u0 + CELL_WIDTH, 0);
     }
     mBatch.flush();
@@ -212,7 +212,7 @@ Spark* Engine::getFreeElement() {
     }
     if (allocated % BLOCK == 0)
         mBlocks.push_back(std::make_unique<Spark[]>(BLOCK));
-    return &mBlocks.back()[static_cast<size_t>(allocated++ % BLOCK)];
+    return &mBlocks.back()[size_t(allocated++ % BLOCK)];
 }
 
 void Engine::reportLimit(const std::string& who, int limit) {

@@ -10,7 +10,7 @@ void BufferReader::skipSpacesHere(int minimum) {
         account(data[pos]);
         ++pos;
     }
-    if (minimum > 0 && pos - start < static_cast<size_t>(minimum)) {
+    if (minimum > 0 && pos - start < size_t(minimum)) {
         throw atEnd() ? Exception("Eof before enough spaces were found") : Exception("Not enough spaces!");
     }
 }

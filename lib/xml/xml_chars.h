@@ -20,10 +20,10 @@ inline constexpr std::array<uint8_t, 256> charKinds = [] {
     for (int c = 0; c < 256; ++c) {
         const bool word = (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
         const bool control = c == '\n' || c == '\r' || c == '\t';
-        kinds[c] = static_cast<uint8_t>((word ? CHAR_WORD : 0) | (control || c == ' ' ? CHAR_SPACE : 0) |
-                                        (c == ':' ? CHAR_COLON : 0) | (c == '>' ? CHAR_GREATER : 0) |
-                                        (control || c == '"' || c == '\'' ? CHAR_VALUE_STOP : 0) |
-                                        (control || c == '<' ? CHAR_TEXT_STOP : 0));
+        kinds[c] = uint8_t((word ? CHAR_WORD : 0) | (control || c == ' ' ? CHAR_SPACE : 0) |
+                           (c == ':' ? CHAR_COLON : 0) | (c == '>' ? CHAR_GREATER : 0) |
+                           (control || c == '"' || c == '\'' ? CHAR_VALUE_STOP : 0) |
+                           (control || c == '<' ? CHAR_TEXT_STOP : 0));
     }
     return kinds;
 }();

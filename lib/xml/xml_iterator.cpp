@@ -23,7 +23,7 @@ bool IteratorConst::operator++() {
     atBegin = false;
     const int count = childCount(root);
     for (int i = index + 1; i < count; ++i) {
-        if (searchCriteria.empty() || root->children[static_cast<size_t>(i)]->name == searchCriteria) {
+        if (searchCriteria.empty() || root->children[size_t(i)]->name == searchCriteria) {
             index = i;
             return true;
         }
@@ -42,7 +42,7 @@ const XmlNode* IteratorConst::current(const char* beforeFirst, const char* after
     if (atEnd || index < 0 || index >= childCount(root)) { // the last: children were taken away meanwhile
         throw Exception("%s", afterLast);
     }
-    return root->children[static_cast<size_t>(index)];
+    return root->children[size_t(index)];
 }
 
 const XmlTag* IteratorConst::operator->() const {

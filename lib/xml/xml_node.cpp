@@ -30,7 +30,7 @@ const XmlNode* XmlNode::getChildren(int index) const {
     if (index < 0 || index >= getNumChildren()) {
         throw Exception("getChildren(%d); No such child in '%s'", index, name.c_str());
     }
-    return children[static_cast<size_t>(index)];
+    return children[size_t(index)];
 }
 
 XmlNode* XmlNode::adoptChild(std::unique_ptr<XmlNode> child, int position) {
@@ -55,7 +55,7 @@ int XmlNode::detachChild(XmlNode* child) {
     if (found == children.end()) {
         throw Exception("detachChild(%p); No such child in '%s'", static_cast<void*>(child), name.c_str());
     }
-    const int index = static_cast<int>(found - children.begin());
+    const int index = int(found - children.begin());
     children.erase(found);
     child->mDetached = true;
     return index;

@@ -39,7 +39,7 @@ void writeEndTag(std::ostream& os, const XmlNode& node, const std::string& inden
 XmlParser::XmlParser() : XmlNode(nullptr) {}
 
 void XmlParser::parse(const char* text, int length) {
-    parseWithPlace(*this, BufferReader(text, length > 0 ? static_cast<size_t>(length) : 0));
+    parseWithPlace(*this, BufferReader(text, length > 0 ? size_t(length) : 0));
 }
 
 void XmlParser::parse(const std::string& text) {
@@ -134,11 +134,11 @@ void XmlParser::writeRecurse(std::ostream& os, IteratorConst& it, const std::str
         } else if (levels.back().next < levels.back().node->children.size()) {
             child = levels.back().node->children[levels.back().next++];
         } else {
-            writeEndTag(os, *levels.back().node, indent, depth - 1 + static_cast<int>(levels.size()));
+            writeEndTag(os, *levels.back().node, indent, depth - 1 + int(levels.size()));
             levels.pop_back();
             continue;
         }
-        writeIndent(os, indent, depth + static_cast<int>(levels.size()));
+        writeIndent(os, indent, depth + int(levels.size()));
         os << child->getTag();
         if (!child->closed) {
             levels.push_back({child, 0});

@@ -12,9 +12,9 @@ inline std::string makeWav(int frames) {
     std::string wav;
     auto put = [&](uint32_t value, int bytes) {
         for (int i = 0; i < bytes; ++i)
-            wav += static_cast<char>(value >> (8 * i));
+            wav += char(value >> (8 * i));
     };
-    const uint32_t size = static_cast<uint32_t>(frames) * 2;
+    const uint32_t size = uint32_t(frames) * 2;
     wav += "RIFF";
     put(36 + size, 4);
     wav += "WAVEfmt ";
@@ -28,7 +28,7 @@ inline std::string makeWav(int frames) {
     wav += "data";
     put(size, 4);
     for (int i = 0; i < frames; ++i)
-        put(static_cast<uint32_t>(static_cast<int>(3000 * std::sin(i * 2 * 3.14159265 * 440 / 8000))), 2);
+        put(uint32_t(int(3000 * std::sin(i * 2 * 3.14159265 * 440 / 8000))), 2);
     return wav;
 }
 

@@ -61,7 +61,7 @@ protected:
         const auto inner = mProbe.onUpdate;
         mProbe.onUpdate = [&kindler, inner, frames, this](float time) {
             inner(time);
-            if (static_cast<int>(mProbe.times.size()) >= frames)
+            if (int(mProbe.times.size()) >= frames)
                 kindler.mDisplay->mQuittingBlocking = true;
         };
         kindler.setup();
@@ -608,7 +608,7 @@ TEST_F(Show, OnceWarmAFrameAllocatesNothing) {
     for (int i = 0; i < 8; ++i) {
         kindler.mDisplay->resetAllStates();
         const size_t before = test::allocationCount();
-        kindler.setTime(static_cast<float>(i)); // raises the on-screen display
+        kindler.setTime(float(i)); // raises the on-screen display
         kindler.onDraw();
         asked = i < 3 ? 0 : asked + test::allocationCount() - before;
     }
@@ -624,7 +624,7 @@ TEST_F(Show, ADumpWritesEveryFrameAsItWasShownWithoutTheOnScreenDisplay) {
     mProbe.onUpdate = [&](float) {
         EXPECT_TRUE(kindler.mNoSound);
         EXPECT_EQ(kindler.mDisplay->mFpsType, display::DisplayGL::FPS_DELTA);
-        const float n = static_cast<float>(mProbe.times.size());
+        const float n = float(mProbe.times.size());
         EXPECT_NEAR(kindler.mDisplay->getTime(), (n - 1) / 25, 1e-6);
         glClearColor(n / 5, 0.2f, 1 - n / 5, 1);
         glClear(GL_COLOR_BUFFER_BIT);

@@ -90,7 +90,7 @@ protected:
 
 } // namespace
 
-TEST_F(RowTest, aRowMayBeDeletedInItsOwnEvent) {
+TEST_F(RowTest, ARowMayBeDeletedInItsOwnEvent) {
     for (const char* word : WORDS) {
         Row* const row = new Scorched<Row>;
         row->setArea(Box2(0, 0, 640, 30));
@@ -101,7 +101,7 @@ TEST_F(RowTest, aRowMayBeDeletedInItsOwnEvent) {
     }
 }
 
-TEST_F(RowTest, aBarMayBeDeletedInItsOwnEvent) {
+TEST_F(RowTest, ABarMayBeDeletedInItsOwnEvent) {
     for (const char* word : WORDS)
         for (const int part : {Effector::PART_NONE, Effector::PART_BAR}) { // that the mouse is on, and holds
             Effector* const bar = new Scorched<Effector>;
@@ -114,7 +114,7 @@ TEST_F(RowTest, aBarMayBeDeletedInItsOwnEvent) {
         }
 }
 
-TEST_F(RowTest, theTimeSliderMayBeDeletedByWhoHearsThatARowTurnedIt) {
+TEST_F(RowTest, TheTimeSliderMayBeDeletedByWhoHearsThatARowTurnedIt) {
     struct Deletes : panorama::Callback {
         void controlAction(Control* source, panorama::Action) override { delete source; }
     } deletes;

@@ -16,7 +16,7 @@ struct Bytes {
     std::string mText = "O3DF\x01\x01";
 
     Bytes& u8(unsigned value) {
-        mText += static_cast<char>(value);
+        mText += char(value);
         return *this;
     }
     Bytes& u16(unsigned value) { return u8(value & 255).u8(value >> 8); }
@@ -29,11 +29,10 @@ struct Bytes {
 
 // The reader holds no copy: the stream is kept beside it.
 struct Reader : ReadBuffer {
-    explicit Reader(const Bytes& bytes)
-        : ReadBuffer(bytes.mText.data(), static_cast<int>(bytes.mText.size())) {}
+    explicit Reader(const Bytes& bytes) : ReadBuffer(bytes.mText.data(), int(bytes.mText.size())) {}
 };
 
-TEST(ReadBuffer, fiveBytesOrFewerReportFormatVoidAndVersionZero) {
+TEST(ReadBuffer, FiveBytesOrFewerReportFormatVoidAndVersionZero) {
     const char data[] = "O3DF\x01";
     for (int length = -3; length <= 5; ++length) {
         ReadBuffer buffer(data, length);
@@ -45,13 +44,13 @@ TEST(ReadBuffer, fiveBytesOrFewerReportFormatVoidAndVersionZero) {
     }
 }
 
-TEST(ReadBuffer, noDataAtAllIsAnEmptyStream) {
+TEST(ReadBuffer, NoDataAtAllIsAnEmptyStream) {
     ReadBuffer buffer(nullptr, 100);
     EXPECT_EQ("void", buffer.getFormat());
     EXPECT_EQ(0, buffer.openChunk());
 }
 
-TEST(ReadBuffer, sixBytesAreAHeaderWithoutChunks) {
+TEST(ReadBuffer, SixBytesAreAHeaderWithoutChunks) {
     const Bytes bytes;
     Reader buffer(bytes);
     EXPECT_EQ("O3DF", buffer.getFormat());
@@ -62,7 +61,7 @@ TEST(ReadBuffer, sixBytesAreAHeaderWithoutChunks) {
     EXPECT_EQ(6u, buffer.mPosition);
 }
 
-TEST(ReadBuffer, versionBytesAreUnsignedAndInOrder) {
+TEST(ReadBuffer, VersionBytesAreUnsignedAndInOrder) {
     const std::string data = "ABCD\xFE\x80";
     ReadBuffer buffer(data.data(), 6);
     EXPECT_EQ("ABCD", buffer.getFormat());
@@ -70,15 +69,15 @@ TEST(ReadBuffer, versionBytesAreUnsignedAndInOrder) {
     EXPECT_EQ(128, buffer.getVersionSecond());
 }
 
-TEST(ReadBuffer, lowFourBitsOfTheIdImplyTheSize) {
+TEST(ReadBuffer, LowFourBitsOfTheIdImplyTheSize) {
     const int sizes[16] = {-1, 1, 2, 4, 4, 8, 12, 16, -1, -1, -1, -1, -1, -1, -1, -1};
     for (int tag = 0; tag < 16; ++tag) {
-        EXPECT_EQ(sizes[tag], impliedSize(static_cast<uint16_t>(tag)));
-        EXPECT_EQ(sizes[tag], impliedSize(static_cast<uint16_t>(0xABC0 | tag)));
+        EXPECT_EQ(sizes[tag], impliedSize(uint16_t(tag)));
+        EXPECT_EQ(sizes[tag], impliedSize(uint16_t(0xABC0 | tag)));
     }
 }
 
-TEST(ReadBuffer, typedChunkHasNoSizeField) {
+TEST(ReadBuffer, TypedChunkHasNoSizeField) {
     Bytes bytes;
     bytes.u16(0xF007).text("0123456789abcdef").u16(0x1000).u32(0);
     Reader buffer(bytes);
@@ -91,7 +90,7 @@ TEST(ReadBuffer, typedChunkHasNoSizeField) {
     EXPECT_EQ(0x1000, buffer.openChunk());
 }
 
-TEST(ReadBuffer, everyTagTakesItsSizeFromTheTable) {
+TEST(ReadBuffer, EveryTagTakesItsSizeFromTheTable) {
     const unsigned sizes[16] = {9, 1, 2, 4, 4, 8, 12, 16, 9, 9, 9, 9, 9, 9, 9, 9};
     for (unsigned tag = 0; tag < 16; ++tag) {
         Bytes bytes;
@@ -108,7 +107,7 @@ TEST(ReadBuffer, everyTagTakesItsSizeFromTheTable) {
     }
 }
 
-TEST(ReadBuffer, withoutTheTagRuleTheSameIdIsFollowedByASize) {
+TEST(ReadBuffer, WithoutTheTagRuleTheSameIdIsFollowedByASize) {
     Bytes bytes;
     bytes.u16(0xF007).u32(3).text("abc").u16(0x1000).u32(0);
     Reader buffer(bytes);
@@ -119,7 +118,7 @@ TEST(ReadBuffer, withoutTheTagRuleTheSameIdIsFollowedByASize) {
     EXPECT_EQ(0x1000, buffer.openChunk());
 }
 
-TEST(ReadBuffer, closingAChunkReadInPartLandsOnTheNextSibling) {
+TEST(ReadBuffer, ClosingAChunkReadInPartLandsOnTheNextSibling) {
     Bytes bytes;
     bytes.u16(0x1000).u32(100);
     bytes.u16(0x2000).u32(10).text("abcdefghij");
@@ -135,7 +134,7 @@ TEST(ReadBuffer, closingAChunkReadInPartLandsOnTheNextSibling) {
     }
 }
 
-TEST(ReadBuffer, closingSkipsChildrenThatWereLeftUnread) {
+TEST(ReadBuffer, ClosingSkipsChildrenThatWereLeftUnread) {
     Bytes bytes;
     bytes.u16(0x1000).u32(14).u16(0x2000).u32(8).u16(0x2200).u32(2).u16(7).u16(0x4000).u32(0);
     Reader buffer(bytes);
@@ -146,7 +145,7 @@ TEST(ReadBuffer, closingSkipsChildrenThatWereLeftUnread) {
     EXPECT_EQ(0x4000, buffer.openChunk());
 }
 
-TEST(ReadBuffer, aReadThatTheInnermostChunkHasNoRoomForDoesNothing) {
+TEST(ReadBuffer, AReadThatTheInnermostChunkHasNoRoomForDoesNothing) {
     Bytes bytes;
     bytes.u16(0x1000).u32(100).u16(0x2000).u32(3).text("abcdefghijk");
     Reader buffer(bytes);
@@ -165,7 +164,7 @@ TEST(ReadBuffer, aReadThatTheInnermostChunkHasNoRoomForDoesNothing) {
     EXPECT_EQ(0x67666564u, value); // "defg"
 }
 
-TEST(ReadBuffer, endOfThePayloadGivesIdZeroAndOpensNothing) {
+TEST(ReadBuffer, EndOfThePayloadGivesIdZeroAndOpensNothing) {
     Bytes bytes;
     bytes.u16(0x1000).u32(1).text("abcdefgh");
     Reader buffer(bytes);
@@ -175,7 +174,7 @@ TEST(ReadBuffer, endOfThePayloadGivesIdZeroAndOpensNothing) {
     EXPECT_EQ(12u, buffer.mPosition);
 }
 
-TEST(ReadBuffer, anIdWithoutRoomForItsSizeIsLeftBehind) {
+TEST(ReadBuffer, AnIdWithoutRoomForItsSizeIsLeftBehind) {
     Bytes bytes;
     bytes.u16(0x1000).u32(5).u16(0x2000).text("abc").u16(0x3000).u32(0);
     Reader buffer(bytes);
@@ -187,7 +186,7 @@ TEST(ReadBuffer, anIdWithoutRoomForItsSizeIsLeftBehind) {
     EXPECT_EQ(0x3000, buffer.openChunk());
 }
 
-TEST(ReadBuffer, aTypedChunkCutShortByItsParentStillOpens) {
+TEST(ReadBuffer, ATypedChunkCutShortByItsParentStillOpens) {
     Bytes bytes;
     bytes.u16(0x1000).u32(6).u16(0xF007).text("abcd").u16(0x3000).u32(0).text("0123456789");
     Reader buffer(bytes);
@@ -199,7 +198,7 @@ TEST(ReadBuffer, aTypedChunkCutShortByItsParentStillOpens) {
     EXPECT_EQ(0x3000, buffer.openChunk());
 }
 
-TEST(ReadBuffer, aChildThatReachesPastItsParentIsNotDetectedWhenItOpens) {
+TEST(ReadBuffer, AChildThatReachesPastItsParentIsNotDetectedWhenItOpens) {
     Bytes bytes;
     bytes.u16(0x1000).u32(8).u16(0x2000).u32(10).text("abcdefghij").text("klm");
     Reader buffer(bytes);
@@ -215,7 +214,7 @@ TEST(ReadBuffer, aChildThatReachesPastItsParentIsNotDetectedWhenItOpens) {
     EXPECT_EQ(20u, buffer.mPosition);
 }
 
-TEST(ReadBuffer, chunkWithIdZeroStaysOpen) {
+TEST(ReadBuffer, ChunkWithIdZeroStaysOpen) {
     Bytes bytes;
     bytes.u16(0x1000).u32(8).u16(0).u32(2).text("ab");
     Reader buffer(bytes);
@@ -224,7 +223,7 @@ TEST(ReadBuffer, chunkWithIdZeroStaysOpen) {
     EXPECT_EQ(2u, buffer.depth());
 }
 
-TEST(ReadBuffer, closingWhenNothingIsOpenDoesNothing) {
+TEST(ReadBuffer, ClosingWhenNothingIsOpenDoesNothing) {
     Bytes bytes;
     bytes.u16(0x1000).u32(0);
     Reader buffer(bytes);
@@ -233,7 +232,7 @@ TEST(ReadBuffer, closingWhenNothingIsOpenDoesNothing) {
     EXPECT_EQ(0u, buffer.currentChunkSize());
 }
 
-TEST(ReadBuffer, aSizePastTheEndIsReadOnlyAsFarAsThereAreBytes) {
+TEST(ReadBuffer, ASizePastTheEndIsReadOnlyAsFarAsThereAreBytes) {
     Bytes bytes;
     bytes.u16(0x1000).u32(0x7FFFFFFF).text("abcd");
     Reader buffer(bytes);
@@ -247,7 +246,7 @@ TEST(ReadBuffer, aSizePastTheEndIsReadOnlyAsFarAsThereAreBytes) {
     EXPECT_EQ(0, buffer.openChunk());
 }
 
-TEST(ReadBuffer, aSizeThatWrapsRoundDoesNotSendTheWalkBackwards) {
+TEST(ReadBuffer, ASizeThatWrapsRoundDoesNotSendTheWalkBackwards) {
     for (uint32_t size = 0xFFFFFFFF; size > 0xFFFFFFE0; --size) {
         Bytes bytes;
         bytes.u16(0x1000).u32(size).text("abcd");
@@ -269,7 +268,7 @@ size_t walk(ReadBuffer& buffer, size_t depth = 0) {
     return count;
 }
 
-TEST(ReadBuffer, chunksThatEndBeforeTheirChildrenCantMakeTheWalkExponential) {
+TEST(ReadBuffer, ChunksThatEndBeforeTheirChildrenCantMakeTheWalkExponential) {
     // Each chunk has room for its child's header only, and each child claims the rest of the stream:
     // unbounded, the walk would take 2^100 steps.
     Bytes bytes;
@@ -279,11 +278,11 @@ TEST(ReadBuffer, chunksThatEndBeforeTheirChildrenCantMakeTheWalkExponential) {
     EXPECT_LT(walk(buffer), 100u * 2 * 8);
 }
 
-TEST(ReadBuffer, aMillionNestedChunksOpenAndClose) {
+TEST(ReadBuffer, AMillionNestedChunksOpenAndClose) {
     const size_t levels = 1000000;
     Bytes bytes;
     for (size_t i = 0; i < levels; ++i)
-        bytes.u16(0x5130).u32(static_cast<uint32_t>(6 * (levels - 1 - i)));
+        bytes.u16(0x5130).u32(uint32_t(6 * (levels - 1 - i)));
     Reader buffer(bytes);
     size_t opened = 0;
     while (buffer.openChunk() != 0)
@@ -295,7 +294,7 @@ TEST(ReadBuffer, aMillionNestedChunksOpenAndClose) {
     EXPECT_EQ(bytes.mText.size(), buffer.mPosition);
 }
 
-TEST(ReadBuffer, randomBytesNeverReadOutsideTheStream) {
+TEST(ReadBuffer, RandomBytesNeverReadOutsideTheStream) {
     std::mt19937 random(7);
     for (int round = 0; round < 2000; ++round) {
         Bytes bytes;
@@ -303,7 +302,7 @@ TEST(ReadBuffer, randomBytesNeverReadOutsideTheStream) {
             bytes.u8(random() % 3 == 0 ? random() : random() % 8);
         // A heap block of the exact size: the sanitizer sees any byte too many.
         const std::vector<char> exact(bytes.mText.begin(), bytes.mText.end());
-        ReadBuffer buffer(exact.data(), static_cast<int>(exact.size()));
+        ReadBuffer buffer(exact.data(), int(exact.size()));
         EXPECT_LT(walk(buffer), 10000u);
     }
 }

@@ -22,13 +22,13 @@ std::string text(const char* bytes, size_t length) {
     return std::string(bytes, length);
 }
 
-TEST(WriteBuffer, headerIsFourCharactersAndTwoVersionBytes) {
+TEST(WriteBuffer, HeaderIsFourCharactersAndTwoVersionBytes) {
     EXPECT_EQ("O3DF\x01\x02", bytesOf(WriteBuffer("O3DF", 1, 2, 1)));
     EXPECT_EQ("LONG\xFF\x80", bytesOf(WriteBuffer("LONGER", 255, 128, 0)));
     EXPECT_EQ(text("AB\0\0\x01\x01", 6), bytesOf(WriteBuffer("AB", 1, 1, 1)));
 }
 
-TEST(WriteBuffer, chunkHasIdSizeAndPayload) {
+TEST(WriteBuffer, ChunkHasIdSizeAndPayload) {
     WriteBuffer buffer("O3DF", 1, 1, 1);
     buffer.openChunk(0x2000);
     buffer.store("abc", 4);
@@ -36,7 +36,7 @@ TEST(WriteBuffer, chunkHasIdSizeAndPayload) {
     EXPECT_EQ(text("O3DF\1\1\x00\x20\4\0\0\0abc\0", 16), bytesOf(buffer));
 }
 
-TEST(WriteBuffer, sizeIsAPlaceholderOfOnesUntilTheChunkCloses) {
+TEST(WriteBuffer, SizeIsAPlaceholderOfOnesUntilTheChunkCloses) {
     WriteBuffer buffer("O3DF", 1, 1, 1);
     buffer.openChunk(0x2000);
     EXPECT_EQ(text("O3DF\1\1\x00\x20\xFF\xFF\xFF\xFF", 12), bytesOf(buffer));
@@ -45,7 +45,7 @@ TEST(WriteBuffer, sizeIsAPlaceholderOfOnesUntilTheChunkCloses) {
     EXPECT_EQ(8u, buffer.mChunks.back().mPosition);
 }
 
-TEST(WriteBuffer, typedChunkHasNoSizeField) {
+TEST(WriteBuffer, TypedChunkHasNoSizeField) {
     WriteBuffer buffer("O3DF", 1, 1, 1);
     buffer.openChunk(0xF004);
     buffer.store("abcd", 4);
@@ -56,7 +56,7 @@ TEST(WriteBuffer, typedChunkHasNoSizeField) {
               bytesOf(buffer));
 }
 
-TEST(WriteBuffer, withoutTheTagRuleATypedChunkHasASize) {
+TEST(WriteBuffer, WithoutTheTagRuleATypedChunkHasASize) {
     WriteBuffer buffer("O3DF", 1, 1, 0);
     buffer.openChunk(0xF004);
     buffer.store("abcd", 4);
@@ -67,7 +67,7 @@ TEST(WriteBuffer, withoutTheTagRuleATypedChunkHasASize) {
               bytesOf(buffer));
 }
 
-TEST(WriteBuffer, emptyChunkLeavesNoTraceUnlessEmptyChunksAreKept) {
+TEST(WriteBuffer, EmptyChunkLeavesNoTraceUnlessEmptyChunksAreKept) {
     WriteBuffer dropping("O3DF", 1, 1, 1);
     dropping.openChunk(0x2000);
     dropping.closeChunk();
@@ -79,7 +79,7 @@ TEST(WriteBuffer, emptyChunkLeavesNoTraceUnlessEmptyChunksAreKept) {
     EXPECT_EQ(text("O3DF\1\1\x00\x20\0\0\0\0", 12), bytesOf(keeping));
 }
 
-TEST(WriteBuffer, aChunkThatHeldOnlyEmptyOnesIsEmptyItself) {
+TEST(WriteBuffer, AChunkThatHeldOnlyEmptyOnesIsEmptyItself) {
     WriteBuffer buffer("O3DF", 1, 1, 1);
     buffer.openChunk(0x1000);
     buffer.openChunk(0x2000);
@@ -88,27 +88,27 @@ TEST(WriteBuffer, aChunkThatHeldOnlyEmptyOnesIsEmptyItself) {
     EXPECT_EQ("O3DF\1\1", bytesOf(buffer));
 }
 
-TEST(WriteBuffer, typedChunkWithoutPayloadLeavesItsIdBehind) {
+TEST(WriteBuffer, TypedChunkWithoutPayloadLeavesItsIdBehind) {
     WriteBuffer buffer("O3DF", 1, 1, 1);
     buffer.openChunk(0xF006);
     buffer.closeChunk();
     EXPECT_EQ(text("O3DF\1\1\x06\xF0", 8), bytesOf(buffer));
 }
 
-TEST(WriteBuffer, closingWhenNothingIsOpenDoesNothing) {
+TEST(WriteBuffer, ClosingWhenNothingIsOpenDoesNothing) {
     WriteBuffer buffer("O3DF", 1, 1, 1);
     buffer.closeChunk();
     EXPECT_EQ("O3DF\1\1", bytesOf(buffer));
 }
 
-TEST(WriteBuffer, bothStoresOverwriteInPlace) {
+TEST(WriteBuffer, BothStoresOverwriteInPlace) {
     WriteBuffer buffer("O3DF", 1, 1, 1);
     buffer.store("X", 1, 0);
     buffer.storeType("YZ", 2, 4);
     EXPECT_EQ("X3DFYZ", bytesOf(buffer));
 }
 
-TEST(WriteBuffer, storePastTheEndDoesNothing) {
+TEST(WriteBuffer, StorePastTheEndDoesNothing) {
     WriteBuffer buffer("O3DF", 1, 1, 1);
     buffer.store("ab", 2, 5);
     buffer.store("ab", 2, 6);
@@ -118,19 +118,19 @@ TEST(WriteBuffer, storePastTheEndDoesNothing) {
     EXPECT_EQ("O3DF\1\1", bytesOf(buffer));
 }
 
-TEST(WriteBuffer, storingNothingAppendsNothing) {
+TEST(WriteBuffer, StoringNothingAppendsNothing) {
     WriteBuffer buffer("O3DF", 1, 1, 1);
     buffer.store(nullptr, 0);
     buffer.storeType(nullptr, 0);
     EXPECT_EQ("O3DF\1\1", bytesOf(buffer));
 }
 
-TEST(WriteBufferDeathTest, storeTypePastTheEndAsserts) {
+TEST(WriteBufferDeathTest, StoreTypePastTheEndAsserts) {
     WriteBuffer buffer("O3DF", 1, 1, 1);
     EXPECT_DEATH(buffer.storeType("ab", 2, 5), "pPosition\\+pLength <= mData\\.size\\(\\)");
 }
 
-TEST(WriteBuffer, saveWritesTheWholeStream) {
+TEST(WriteBuffer, SaveWritesTheWholeStream) {
     zentrak::test::TempDir dir;
     WriteBuffer buffer("O3DF", 1, 1, 3);
     buffer.openChunk(0x1000);
@@ -140,7 +140,7 @@ TEST(WriteBuffer, saveWritesTheWholeStream) {
     EXPECT_EQ(bytesOf(buffer), zentrak::test::readFile(dir.file("stream")));
 }
 
-TEST(WriteBuffer, saveThatCantBeDoneThrows) {
+TEST(WriteBuffer, SaveThatCantBeDoneThrows) {
     zentrak::test::TempDir dir;
     WriteBuffer buffer("O3DF", 1, 1, 1);
     const std::string missing = dir.file("no/such/folder");
@@ -163,13 +163,13 @@ TEST(WriteBuffer, saveThatCantBeDoneThrows) {
 std::string writeTree(WriteBuffer& buffer, std::mt19937& random, int depth) {
     static const size_t typedSizes[8] = {0, 1, 2, 4, 4, 8, 12, 16};
     std::string expected;
-    const int count = static_cast<int>(random() % 4);
+    const int count = int(random() % 4);
     for (int i = 0; i < count; ++i) {
         const unsigned short id = static_cast<unsigned short>(0x1000 + random() % 0xE000);
         const bool typed = (id & 15) >= 1 && (id & 15) <= 7;
         std::string plain(typed ? typedSizes[id & 15] : random() % 9, '\0');
         for (char& character : plain)
-            character = static_cast<char>(random());
+            character = char(random());
         buffer.openChunk(id);
         const unsigned char length = static_cast<unsigned char>(plain.size());
         if (!typed)
@@ -199,13 +199,13 @@ std::string readTree(ReadBuffer& buffer) {
     return found;
 }
 
-TEST(WriteBuffer, whatItWritesAReaderReadsBack) {
+TEST(WriteBuffer, WhatItWritesAReaderReadsBack) {
     std::mt19937 random(11);
     size_t longest = 0;
     for (int round = 0; round < 300; ++round) {
         WriteBuffer buffer("O3DF", 1, 1, 1);
         const std::string expected = writeTree(buffer, random, 0);
-        ReadBuffer reader(buffer.mData.data(), static_cast<int>(buffer.mData.size()));
+        ReadBuffer reader(buffer.mData.data(), int(buffer.mData.size()));
         EXPECT_EQ(expected, readTree(reader)) << round;
         EXPECT_EQ(buffer.mData.size(), reader.mPosition);
         longest = std::max(longest, expected.size());

@@ -254,12 +254,12 @@ void flat(display::DisplayGL& display) {
     display.setModelView();
 }
 
-TEST_F(BatchTest, boxesWithATransformAndAColourEach) {
+TEST_F(BatchTest, BoxesWithATransformAndAColourEach) {
     compare([&] { perspective(display()), glEnable(GL_DEPTH_TEST); },
             [](auto& p) { drawBoxes(p, 300, 12, 20, 60, 1.2f); });
 }
 
-TEST_F(BatchTest, boxesBlendInTheOrderGiven) {
+TEST_F(BatchTest, BoxesBlendInTheOrderGiven) {
     compare(
         [&] {
             perspective(display());
@@ -268,7 +268,7 @@ TEST_F(BatchTest, boxesBlendInTheOrderGiven) {
         [](auto& p) { drawBoxes(p, 200, 8, 20, 40, 2.5f); });
 }
 
-TEST_F(BatchTest, culledFacesBothWays) {
+TEST_F(BatchTest, CulledFacesBothWays) {
     for (const GLenum culled : {GL_BACK, GL_FRONT})
         for (const GLenum front : {GL_CCW, GL_CW})
             compare(
@@ -286,7 +286,7 @@ TEST_F(BatchTest, culledFacesBothWays) {
 // Blended, so that a shape out of order shows: with the runs in reverse the mean is 17. Pixels on the edges
 // of faces may differ, since software OpenGL cuts quads the other way in a draw that it clips; how many, the
 // scene decides, which is another with each compiler.
-TEST_F(BatchTest, boxesInsideTheViewAndAcrossItsEdgeStayInOrder) {
+TEST_F(BatchTest, BoxesInsideTheViewAndAcrossItsEdgeStayInOrder) {
     const auto draw = [&](Batch::Culling culling) {
         return frame([&] {
             perspective(display());
@@ -309,7 +309,7 @@ TEST_F(BatchTest, boxesInsideTheViewAndAcrossItsEdgeStayInOrder) {
 }
 
 // Turned every way, some of them around the eye.
-TEST_F(BatchTest, separateQuadsLoseTheFacesThatAreCulled) {
+TEST_F(BatchTest, SeparateQuadsLoseTheFacesThatAreCulled) {
     for (const GLenum culled : {GL_BACK, GL_FRONT}) {
         const auto draw = [&](Batch::Culling culling) {
             return frame([&] {
@@ -341,7 +341,7 @@ TEST_F(BatchTest, separateQuadsLoseTheFacesThatAreCulled) {
     batch.setCulling(Batch::CULLING_AUTO);
 }
 
-TEST_F(BatchTest, quadsThatAreTurnedAwayCostNoVertex) {
+TEST_F(BatchTest, QuadsThatAreTurnedAwayCostNoVertex) {
     frame([&] {
         perspective(display());
         glEnable(GL_CULL_FACE);
@@ -363,7 +363,7 @@ TEST_F(BatchTest, quadsThatAreTurnedAwayCostNoVertex) {
     });
 }
 
-TEST_F(BatchTest, everythingCulledDrawsNothing) {
+TEST_F(BatchTest, EverythingCulledDrawsNothing) {
     frame([&] {
         perspective(display());
         glEnable(GL_CULL_FACE);
@@ -374,7 +374,7 @@ TEST_F(BatchTest, everythingCulledDrawsNothing) {
     });
 }
 
-TEST_F(BatchTest, mirroredTransformsTurnTheFacesAround) {
+TEST_F(BatchTest, MirroredTransformsTurnTheFacesAround) {
     compare(
         [&] {
             perspective(display());
@@ -395,7 +395,7 @@ TEST_F(BatchTest, mirroredTransformsTurnTheFacesAround) {
         });
 }
 
-TEST_F(BatchTest, boxesAroundTheEyeAreCutByTheNearPlane) {
+TEST_F(BatchTest, BoxesAroundTheEyeAreCutByTheNearPlane) {
     compare(
         [&] {
             perspective(display());
@@ -413,7 +413,7 @@ TEST_F(BatchTest, boxesAroundTheEyeAreCutByTheNearPlane) {
         [](auto& p) { drawBoxes(p, 60, 4, -6, 9, 1); });
 }
 
-TEST_F(BatchTest, boxesUnderAnOrthographicProjectionWithTheDepthTurnedAround) {
+TEST_F(BatchTest, BoxesUnderAnOrthographicProjectionWithTheDepthTurnedAround) {
     compare(
         [&] {
             Matrix4x4Col project;
@@ -426,7 +426,7 @@ TEST_F(BatchTest, boxesUnderAnOrthographicProjectionWithTheDepthTurnedAround) {
         [](auto& p) { drawBoxes(p, 100, 9, -20, 20, 1); });
 }
 
-TEST_F(BatchTest, texturedAndLitBoxes) {
+TEST_F(BatchTest, TexturedAndLitBoxes) {
     display::Texture texture(&window().display());
     loadTexture(texture);
     for (const bool normalize : {false, true})
@@ -455,7 +455,7 @@ TEST_F(BatchTest, texturedAndLitBoxes) {
             });
 }
 
-TEST_F(BatchTest, flatBoxesKeepTheirTwoFacesAndEmptyOnesNone) {
+TEST_F(BatchTest, FlatBoxesKeepTheirTwoFacesAndEmptyOnesNone) {
     compare([&] { perspective(display()), glEnable(GL_CULL_FACE); },
             [](auto& p) {
                 Random random;
@@ -468,7 +468,7 @@ TEST_F(BatchTest, flatBoxesKeepTheirTwoFacesAndEmptyOnesNone) {
             });
 }
 
-TEST_F(BatchTest, spritesAddedUp) {
+TEST_F(BatchTest, SpritesAddedUp) {
     display::Texture texture(&window().display());
     loadTexture(texture);
     compare(
@@ -479,7 +479,7 @@ TEST_F(BatchTest, spritesAddedUp) {
         [](auto& p) { drawSprites(p, 800); });
 }
 
-TEST_F(BatchTest, spritesQuadsAndRectsUnderATransform) {
+TEST_F(BatchTest, SpritesQuadsAndRectsUnderATransform) {
     display::Texture texture(&window().display());
     loadTexture(texture);
     compare([&] { blendTextured(display(), texture); },
@@ -497,7 +497,7 @@ TEST_F(BatchTest, spritesQuadsAndRectsUnderATransform) {
 }
 
 // As many again lie outside the view, or are smaller than a pixel.
-TEST_F(BatchTest, octagonsWithSpritesBetweenThem) {
+TEST_F(BatchTest, OctagonsWithSpritesBetweenThem) {
     display::Texture texture(&window().display());
     loadTexture(texture);
     compare([&] { blendTextured(display(), texture); },
@@ -516,7 +516,7 @@ TEST_F(BatchTest, octagonsWithSpritesBetweenThem) {
             });
 }
 
-TEST_F(BatchTest, anOctagonOutsideTheViewCostsNoVertex) {
+TEST_F(BatchTest, AnOctagonOutsideTheViewCostsNoVertex) {
     frame([&] {
         perspective(display());
         batch.octagon({0, 0, 10}, {1, 0, 0}, {0, 1, 0}); // behind the eye
@@ -528,7 +528,7 @@ TEST_F(BatchTest, anOctagonOutsideTheViewCostsNoVertex) {
     });
 }
 
-TEST_F(BatchTest, aSpriteIsCounterClockwiseAsSeen) {
+TEST_F(BatchTest, ASpriteIsCounterClockwiseAsSeen) {
     const Picture shown = frame([&] {
         flat(display());
         glEnable(GL_CULL_FACE);
@@ -545,7 +545,7 @@ TEST_F(BatchTest, aSpriteIsCounterClockwiseAsSeen) {
     EXPECT_EQ(shown.at(160, 340)[2], 255);
 }
 
-TEST_F(BatchTest, allModesOfSurfacesInOneDraw) {
+TEST_F(BatchTest, AllModesOfSurfacesInOneDraw) {
     display::Texture texture(&window().display());
     loadTexture(texture);
     compare(
@@ -564,7 +564,7 @@ TEST_F(BatchTest, allModesOfSurfacesInOneDraw) {
         [](auto& p) { drawModes(p, SURFACES, 8); });
 }
 
-TEST_F(BatchTest, allModesWithFlatShading) {
+TEST_F(BatchTest, AllModesWithFlatShading) {
     compare(
         [&] {
             flat(display());
@@ -581,7 +581,7 @@ TEST_F(BatchTest, allModesWithFlatShading) {
         [](auto& p) { drawModes(p, ALL); }, 3);
 }
 
-TEST_F(BatchTest, eachModeAlone) {
+TEST_F(BatchTest, EachModeAlone) {
     for (const GLenum mode : ALL)
         for (const int vertices : {8, 9, 10, 11})
             compare(
@@ -599,7 +599,7 @@ TEST_F(BatchTest, eachModeAlone) {
                 [&](auto& p) { drawModes(p, {mode}, vertices); });
 }
 
-TEST_F(BatchTest, pointsLinesAndSurfacesInTheOrderGiven) {
+TEST_F(BatchTest, PointsLinesAndSurfacesInTheOrderGiven) {
     compare(
         [&] {
             flat(display());
@@ -615,7 +615,7 @@ TEST_F(BatchTest, pointsLinesAndSurfacesInTheOrderGiven) {
         16);
 }
 
-TEST_F(BatchTest, edgesOfPolygonsAloneAndStippledLines) {
+TEST_F(BatchTest, EdgesOfPolygonsAloneAndStippledLines) {
     compare(
         [&] {
             flat(display());
@@ -644,7 +644,7 @@ TEST_F(BatchTest, edgesOfPolygonsAloneAndStippledLines) {
         4);
 }
 
-TEST_F(BatchTest, manyStripsUnderTransforms) {
+TEST_F(BatchTest, ManyStripsUnderTransforms) {
     compare(
         [&] {
             perspective(display());
@@ -692,7 +692,7 @@ protected:
     }
 };
 
-TEST_F(BatchProgramTest, aProgramGetsPositionsColoursTexturesNormalsAndAttributes) {
+TEST_F(BatchProgramTest, AProgramGetsPositionsColoursTexturesNormalsAndAttributes) {
     window();
     display::ShaderProgram program(&display());
     link(program);
@@ -715,7 +715,7 @@ TEST_F(BatchProgramTest, aProgramGetsPositionsColoursTexturesNormalsAndAttribute
     compare(state, scene);
 }
 
-TEST_F(BatchProgramTest, underAProgramNothingIsLeftOutUnlessAskedFor) {
+TEST_F(BatchProgramTest, UnderAProgramNothingIsLeftOutUnlessAskedFor) {
     window();
     display::ShaderProgram program(&display());
     link(program);
@@ -742,7 +742,7 @@ TEST_F(BatchProgramTest, underAProgramNothingIsLeftOutUnlessAskedFor) {
     });
 }
 
-TEST_F(BatchTest, boxesOutsideTheViewCostNoVertex) {
+TEST_F(BatchTest, BoxesOutsideTheViewCostNoVertex) {
     frame([&] {
         perspective(display());
         const Vector3f half(1, 1, 1);
@@ -754,7 +754,7 @@ TEST_F(BatchTest, boxesOutsideTheViewCostNoVertex) {
     });
 }
 
-TEST_F(BatchTest, facesBeyondTheEdgeOfTheViewCostNoVertex) {
+TEST_F(BatchTest, FacesBeyondTheEdgeOfTheViewCostNoVertex) {
     frame([&] {
         perspective(display());
         batch.box(Vector3f(0, 0, -970), Vector3f(100, 100, 50)); // its back is behind the far plane
@@ -867,7 +867,7 @@ void drawTinyShapes(Painter& painter, float spread, float nearest, float farthes
     }
 }
 
-TEST_F(BatchTest, solidsAreTheirFacesInTheColoursGiven) {
+TEST_F(BatchTest, SolidsAreTheirFacesInTheColoursGiven) {
     static Batch::Solid prism = makePrism();
     for (const bool cull : {false, true})
         for (const GLenum front : {GL_CCW, GL_CW})
@@ -897,7 +897,7 @@ TEST_F(BatchTest, solidsAreTheirFacesInTheColoursGiven) {
                 });
 }
 
-TEST_F(BatchTest, aSolidWithoutColoursHasTheCurrentOneAndLeavesTheLast) {
+TEST_F(BatchTest, ASolidWithoutColoursHasTheCurrentOneAndLeavesTheLast) {
     Batch::Solid prism = makePrism();
     frame([&] {
         perspective(display());
@@ -925,7 +925,7 @@ TEST_F(BatchTest, aSolidWithoutColoursHasTheCurrentOneAndLeavesTheLast) {
     });
 }
 
-TEST_F(BatchTest, aCornerOfASolidCanBeMoved) {
+TEST_F(BatchTest, ACornerOfASolidCanBeMoved) {
     Batch::Solid solid;
     for (int i = 0; i < 4; ++i)
         solid.addCorner(Vector3f(0, 0, 0));
@@ -948,7 +948,7 @@ TEST_F(BatchTest, aCornerOfASolidCanBeMoved) {
     });
 }
 
-TEST_F(BatchTest, moreThanASolidHoldsIsAsserted) {
+TEST_F(BatchTest, MoreThanASolidHoldsIsAsserted) {
     testing::GTEST_FLAG(death_test_style) = "threadsafe";
     Batch::Solid solid;
     for (int i = 0; i < 32; ++i)
@@ -962,7 +962,7 @@ TEST_F(BatchTest, moreThanASolidHoldsIsAsserted) {
     EXPECT_DEATH(empty.addFace(0, 1, 2, 3), "corners\\[i\\] < mCorners");
 }
 
-TEST_F(BatchTest, whatLiesInABoxOutsideTheViewIsNotVisible) {
+TEST_F(BatchTest, WhatLiesInABoxOutsideTheViewIsNotVisible) {
     frame([&] {
         perspective(display());
         const Vector3f half(1, 1, 1);
@@ -984,7 +984,7 @@ TEST_F(BatchTest, whatLiesInABoxOutsideTheViewIsNotVisible) {
     });
 }
 
-TEST_F(BatchSampleTest, tinyShapesCoverThePixelsThatTheyCover) {
+TEST_F(BatchSampleTest, TinyShapesCoverThePixelsThatTheyCover) {
     for (const bool cull : {false, true}) {
         const auto [few, all] = same(
             [&] {
@@ -998,7 +998,7 @@ TEST_F(BatchSampleTest, tinyShapesCoverThePixelsThatTheyCover) {
     }
 }
 
-TEST_F(BatchSampleTest, aViewportOfItsOwnAndAScissor) {
+TEST_F(BatchSampleTest, AViewportOfItsOwnAndAScissor) {
     for (const int left : {37, -20})
         same(
             [&] {
@@ -1013,7 +1013,7 @@ TEST_F(BatchSampleTest, aViewportOfItsOwnAndAScissor) {
     glDisable(GL_SCISSOR_TEST);
 }
 
-TEST_F(BatchSampleTest, edgesAndCornersAtTheVeryMiddlesOfPixels) {
+TEST_F(BatchSampleTest, EdgesAndCornersAtTheVeryMiddlesOfPixels) {
     // A little to either side, too: less than OpenGL tells apart, as much as it does, and more.
     static const float off[] = {0,         1 / 1024.0f, -1 / 1024.0f, 1 / 256.0f, -1 / 256.0f,
                                 1 / 64.0f, -1 / 64.0f,  1 / 16.0f,    -1 / 16.0f};
@@ -1047,7 +1047,7 @@ TEST_F(BatchSampleTest, edgesAndCornersAtTheVeryMiddlesOfPixels) {
             });
 }
 
-TEST_F(BatchSampleTest, whatLiesBetweenTheMiddlesOfPixelsCostsNoVertex) {
+TEST_F(BatchSampleTest, WhatLiesBetweenTheMiddlesOfPixelsCostsNoVertex) {
     frame([&] {
         pixels();
         batch.box(Vector3f(100, 100, 0), Vector3f(0.4f, 0.4f, 0.4f));
@@ -1062,7 +1062,7 @@ TEST_F(BatchSampleTest, whatLiesBetweenTheMiddlesOfPixelsCostsNoVertex) {
     });
 }
 
-TEST_F(BatchSampleTest, linesAndPointsOfPolygonsAreSeenWhereTheFaceIsNot) {
+TEST_F(BatchSampleTest, LinesAndPointsOfPolygonsAreSeenWhereTheFaceIsNot) {
     for (const GLenum mode : {GL_LINE, GL_POINT}) {
         const auto [few, all] = same(
             [&] {
@@ -1084,7 +1084,7 @@ TEST_F(BatchSampleTest, linesAndPointsOfPolygonsAreSeenWhereTheFaceIsNot) {
     glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
 }
 
-TEST_F(BatchSampleTest, withManySamplesAPixelNothingIsLeftOutForMissingItsMiddle) {
+TEST_F(BatchSampleTest, WithManySamplesAPixelNothingIsLeftOutForMissingItsMiddle) {
     window();
     ASSERT_TRUE(GLEW_VERSION_3_0);
     GLuint target = 0, color = 0;
@@ -1117,7 +1117,7 @@ TEST_F(BatchSampleTest, withManySamplesAPixelNothingIsLeftOutForMissingItsMiddle
 }
 
 // Behind the eye, in its plane, no numbers, endless and enormous: harmless, and what is among them is drawn.
-TEST_F(BatchSampleTest, placesOfAnyKind) {
+TEST_F(BatchSampleTest, PlacesOfAnyKind) {
     static Batch::Solid prism = makePrism();
     const float values[] = {0,     1e-30f, -1e-30f, 0.15f, -0.15f, 5,        -5,        1e6f,
                             -1e6f, 1e19f,  -1e19f,  3e38f, -3e38f, INFINITY, -INFINITY, NAN};
@@ -1154,7 +1154,7 @@ TEST_F(BatchSampleTest, placesOfAnyKind) {
 }
 
 // Far from the middle, rounding moves what OpenGL makes of a corner by more than it tells apart.
-TEST_F(BatchSampleTest, farFromTheMiddleOfThings) {
+TEST_F(BatchSampleTest, FarFromTheMiddleOfThings) {
     for (const float far : {1e3f, 1e4f, 1e5f}) {
         SCOPED_TRACE(far);
         same(
@@ -1179,7 +1179,7 @@ TEST_F(BatchSampleTest, farFromTheMiddleOfThings) {
     display().mCameraMatrix = Plain::identity();
 }
 
-TEST_F(BatchTest, depthClampKeepsWhatIsBehindTheFarPlane) {
+TEST_F(BatchTest, DepthClampKeepsWhatIsBehindTheFarPlane) {
     if (!display::DisplayGL::hasExtension("GL_ARB_depth_clamp")) {
         window();
         if (!display::DisplayGL::hasExtension("GL_ARB_depth_clamp"))
@@ -1197,7 +1197,7 @@ TEST_F(BatchTest, depthClampKeepsWhatIsBehindTheFarPlane) {
     glDisable(GL_DEPTH_CLAMP);
 }
 
-TEST_F(BatchTest, whatWasNotGivenIsTheCurrentValue) {
+TEST_F(BatchTest, WhatWasNotGivenIsTheCurrentValue) {
     const Picture shown = frame([&] {
         flat(display());
         glColor4f(0, 1, 0, 1);
@@ -1212,7 +1212,7 @@ TEST_F(BatchTest, whatWasNotGivenIsTheCurrentValue) {
     EXPECT_EQ(shown.at(500, 200)[1], 0);
 }
 
-TEST_F(BatchTest, lateTextureCoordinatesAndNormalsStartFromTheCurrentOnes) {
+TEST_F(BatchTest, LateTextureCoordinatesAndNormalsStartFromTheCurrentOnes) {
     display::Texture texture(&window().display());
     loadTexture(texture);
     compare(
@@ -1236,7 +1236,7 @@ TEST_F(BatchTest, lateTextureCoordinatesAndNormalsStartFromTheCurrentOnes) {
         });
 }
 
-TEST_F(BatchTest, theLastValuesAreCurrentAfterTheFlush) {
+TEST_F(BatchTest, TheLastValuesAreCurrentAfterTheFlush) {
     frame([&] {
         flat(display());
         glTexCoord2f(0.3f, 0.4f);
@@ -1258,7 +1258,7 @@ TEST_F(BatchTest, theLastValuesAreCurrentAfterTheFlush) {
     });
 }
 
-TEST_F(BatchTest, vertexOutsideBeginAndEndIsIgnored) {
+TEST_F(BatchTest, VertexOutsideBeginAndEndIsIgnored) {
     frame([&] {
         batch.vertex(0, 0);
         EXPECT_EQ(batch.getVertices(), 0u);
@@ -1277,7 +1277,7 @@ TEST_F(BatchTest, vertexOutsideBeginAndEndIsIgnored) {
     });
 }
 
-TEST_F(BatchTest, pairsOfBeginAndEndAreAsserted) {
+TEST_F(BatchTest, PairsOfBeginAndEndAreAsserted) {
     window();
     EXPECT_DEATH(batch.end(), "mMode != NOTHING");
     EXPECT_DEATH((batch.begin(GL_LINES), batch.begin(GL_LINES)), "mMode == NOTHING");
@@ -1286,7 +1286,7 @@ TEST_F(BatchTest, pairsOfBeginAndEndAreAsserted) {
     EXPECT_DEATH(batch.attrib(5, Vector4f(0, 0, 0, 0)), "i >= 0 && i < ATTRIBS");
 }
 
-TEST_F(BatchTest, afterAFlushThatThrowsEverythingIsAsAfterOneThatDoesNot) {
+TEST_F(BatchTest, AfterAFlushThatThrowsEverythingIsAsAfterOneThatDoesNot) {
     frame([&] {
         perspective(display());
         glEnable(GL_CULL_FACE);
@@ -1306,7 +1306,7 @@ TEST_F(BatchTest, afterAFlushThatThrowsEverythingIsAsAfterOneThatDoesNot) {
     });
 }
 
-TEST_F(BatchTest, theTransformIsIdentityAfterTheFlush) {
+TEST_F(BatchTest, TheTransformIsIdentityAfterTheFlush) {
     const Picture shown = frame([&] {
         flat(display());
         Matrix4x4Col away;
@@ -1322,7 +1322,7 @@ TEST_F(BatchTest, theTransformIsIdentityAfterTheFlush) {
     EXPECT_EQ(shown.at(500, 200)[0], 0);
 }
 
-TEST_F(BatchTest, boundBuffersStayAsTheyWere) {
+TEST_F(BatchTest, BoundBuffersStayAsTheyWere) {
     window();
     const bool emulations[] = {false, true};
     for (const bool emulated : emulations) {
@@ -1366,7 +1366,7 @@ TEST_F(BatchTest, boundBuffersStayAsTheyWere) {
     }
 }
 
-TEST_F(BatchTest, nothingIsAllocatedOnceWarm) {
+TEST_F(BatchTest, NothingIsAllocatedOnceWarm) {
     display::Texture texture(&window().display());
     loadTexture(texture);
     const auto scene = [&] {
@@ -1394,7 +1394,7 @@ TEST_F(BatchTest, nothingIsAllocatedOnceWarm) {
     EXPECT_GT(memory, 0u);
 }
 
-TEST_F(BatchTest, livesThroughANewContext) {
+TEST_F(BatchTest, LivesThroughANewContext) {
     const auto show = [&] {
         return frame([&] {
             flat(display());
@@ -1409,7 +1409,7 @@ TEST_F(BatchTest, livesThroughANewContext) {
     EXPECT_EQ(show().at(100, 100)[2], 255);
 }
 
-TEST_F(BatchTest, aMillionVerticesAndMore) {
+TEST_F(BatchTest, AMillionVerticesAndMore) {
     frame([&] {
         flat(display());
         batch.color(1, 0, 0);
@@ -1425,7 +1425,7 @@ TEST_F(BatchTest, aMillionVerticesAndMore) {
     });
 }
 
-TEST_F(BatchTest, channelsThatAreAskedFor) {
+TEST_F(BatchTest, ChannelsThatAreAskedFor) {
     window();
     frame([&] {
         perspective(display());

@@ -232,7 +232,7 @@ protected:
 
 } // namespace
 
-TEST_F(BatchRandomTest, whatIsLeftOutDoesNotShow) {
+TEST_F(BatchRandomTest, WhatIsLeftOutDoesNotShow) {
     size_t all = 0, few = 0, seen = 0;
     for (unsigned seed = 0; seed < 400 && !HasFailure(); ++seed) {
         SCOPED_TRACE(seed);
@@ -251,7 +251,7 @@ TEST_F(BatchRandomTest, whatIsLeftOutDoesNotShow) {
 // OpenGL may cut a quad along either diagonal, and Mesa does it by whether a vertex of the draw is outside
 // the view. That shows in the rounding of colours, and, where a face is nearly seen from its side or its
 // corners are rounded out of their plane, in a pixel here and there.
-TEST_F(BatchRandomTest, inOneDrawScenesAreThoseOfOneForEachShape) {
+TEST_F(BatchRandomTest, InOneDrawScenesAreThoseOfOneForEachShape) {
     for (unsigned seed = 0; seed < 100 && !HasFailure(); ++seed) {
         SCOPED_TRACE(seed);
         const Scene scene = SceneMaker(seed).make();
@@ -264,7 +264,7 @@ TEST_F(BatchRandomTest, inOneDrawScenesAreThoseOfOneForEachShape) {
 
 // Where a float counts in sixteenths the corners of a face are out of its plane, and the two diagonals give
 // two pictures: that of shapes drawn one by one is the one to keep to.
-TEST_F(BatchRandomTest, farFromTheMiddleOfThingsShapesLookAsDrawnOneByOne) {
+TEST_F(BatchRandomTest, FarFromTheMiddleOfThingsShapesLookAsDrawnOneByOne) {
     for (const float far : {3e5f, 1e6f})
         for (unsigned seed = 1; seed <= 3; ++seed) {
             std::mt19937 random(seed);

@@ -87,7 +87,7 @@ void fillTriangle(VertexP3C4b* v, int r, int g, int b) {
         v[i] = {Vector3f(at[i][0], at[i][1], 0), uint8_t(r), uint8_t(g), uint8_t(b), 255};
 }
 
-TEST_P(BufferTest, verticesAreDrawnFromData) {
+TEST_P(BufferTest, VerticesAreDrawnFromData) {
     EXPECT_EQ(BufferObject::isSupported(), !emulated());
     VertexP3C4b corners[3];
     VBO_wrap<VertexP3C4b> vbo(&display());
@@ -114,7 +114,7 @@ TEST_P(BufferTest, verticesAreDrawnFromData) {
     EXPECT_EQ(colorAt(shown, 180, 20), 0x000000ffu);
 }
 
-TEST_P(BufferTest, verticesAreWrittenUnderALockAndReplaced) {
+TEST_P(BufferTest, VerticesAreWrittenUnderALockAndReplaced) {
     VBO_wrap<VertexP3C4b> vbo(&display());
     vbo.setResourceMode(Resource::DYNAMIC);
     vbo.setup(6, nullptr);
@@ -140,7 +140,7 @@ TEST_P(BufferTest, verticesAreWrittenUnderALockAndReplaced) {
     EXPECT_EQ(colorAt(shown, 20, 180), 0x0000ffffu);
 }
 
-TEST_P(BufferTest, lockReturnsTheSamePointerUnderEmulation) {
+TEST_P(BufferTest, LockReturnsTheSamePointerUnderEmulation) {
     VBO_wrap<VertexP3> vbo(&display());
     vbo.setup(4, nullptr);
     vbo.bind();
@@ -156,7 +156,7 @@ TEST_P(BufferTest, lockReturnsTheSamePointerUnderEmulation) {
     vbo.unbind();
 }
 
-TEST_P(BufferTest, lockOnAnUnboundBufferAsserts) {
+TEST_P(BufferTest, LockOnAnUnboundBufferAsserts) {
     VBO_wrap<VertexP3> vbo(&display());
     vbo.setup(4, nullptr);
     EXPECT_DEATH(vbo.lock(true, false), "`mBound'");
@@ -168,7 +168,7 @@ TEST_P(BufferTest, lockOnAnUnboundBufferAsserts) {
     vbo.unbind();
 }
 
-TEST_P(BufferTest, aRangeOutsideTheBufferIsRefused) {
+TEST_P(BufferTest, ARangeOutsideTheBufferIsRefused) {
     VBO_wrap<VertexP3> vbo(&display());
     vbo.setup(4, nullptr);
     vbo.bind();
@@ -188,7 +188,7 @@ TEST_P(BufferTest, aRangeOutsideTheBufferIsRefused) {
     ibo.unbind();
 }
 
-TEST_P(BufferTest, indicesOfEachSizeDraw) {
+TEST_P(BufferTest, IndicesOfEachSizeDraw) {
     VertexP3C4b corners[4];
     VBO_wrap<VertexP3C4b> vbo(&display());
     corners[0] = {};
@@ -239,7 +239,7 @@ void convertPair(DisplayGL& display, IBO::Format target, IBO::Format source, boo
     ibo.unbind();
 }
 
-TEST_P(BufferTest, allNinePairsOfIndexTypesConvert) {
+TEST_P(BufferTest, AllNinePairsOfIndexTypesConvert) {
     const auto sources = [&](auto target, IBO::Format format) {
         using Target = decltype(target);
         for (const bool replacing : {false, true}) {
@@ -253,7 +253,7 @@ TEST_P(BufferTest, allNinePairsOfIndexTypesConvert) {
     sources(uint32_t(), IBO::FORMAT_UINT32);
 }
 
-TEST_P(BufferTest, sixteenBitsPlusTenAreStoredAsThirtyTwo) {
+TEST_P(BufferTest, SixteenBitsPlusTenAreStoredAsThirtyTwo) {
     uint16_t source[3] = {0, 5, 65535};
     IBO ibo(&display());
     ibo.setup(IBO::FORMAT_UINT32, 3, source, 10, IBO::FORMAT_UINT16);
@@ -266,7 +266,7 @@ TEST_P(BufferTest, sixteenBitsPlusTenAreStoredAsThirtyTwo) {
     ibo.unbind();
 }
 
-TEST_P(BufferTest, narrowingTruncates) {
+TEST_P(BufferTest, NarrowingTruncates) {
     uint32_t source[2] = {300, 70000};
     IBO ibo(&display());
     ibo.setup(IBO::FORMAT_UINT8, 2, source, 0, IBO::FORMAT_UINT32);
@@ -278,7 +278,7 @@ TEST_P(BufferTest, narrowingTruncates) {
     ibo.unbind();
 }
 
-TEST_P(BufferTest, unknownIndexFormatsAreTold) {
+TEST_P(BufferTest, UnknownIndexFormatsAreTold) {
     uint32_t source[3] = {};
     IBO ibo(&display());
     EXPECT_EQ(thrownBy([&] { ibo.setup(IBO::FORMAT_NONE, 3, source); }), "Wrong format for IBO::setup!");
@@ -294,7 +294,7 @@ TEST_P(BufferTest, unknownIndexFormatsAreTold) {
     ibo.unbind();
 }
 
-TEST_P(BufferTest, replacingIndicesIsLogged) {
+TEST_P(BufferTest, ReplacingIndicesIsLogged) {
     uint16_t source[2] = {1, 2};
     IBO ibo(&display());
     ibo.setup(IBO::FORMAT_UINT16, 4, nullptr);
@@ -307,7 +307,7 @@ TEST_P(BufferTest, replacingIndicesIsLogged) {
     ibo.unbind();
 }
 
-TEST_P(BufferTest, pointersCountFromTheMemory) {
+TEST_P(BufferTest, PointersCountFromTheMemory) {
     uint32_t indices[4] = {1, 2, 3, 4};
     IBO ibo(&display());
     ibo.setup(IBO::FORMAT_UINT32, 4, indices);
@@ -326,7 +326,7 @@ TEST_P(BufferTest, pointersCountFromTheMemory) {
     EXPECT_EQ(ibo.getLastIndex(), 4);
 }
 
-TEST_P(BufferTest, setupMayBeRepeatedAndClearEmpties) {
+TEST_P(BufferTest, SetupMayBeRepeatedAndClearEmpties) {
     VertexP3C4b corners[3];
     VBO_wrap<VertexP3C4b> vbo(&display());
     for (int i = 1; i <= 3; ++i) {
@@ -351,7 +351,7 @@ TEST_P(BufferTest, setupMayBeRepeatedAndClearEmpties) {
     EXPECT_EQ(vbo.getSize(), 3);
 }
 
-TEST_P(BufferTest, aBufferThatGoesWhileItIsCurrentLeavesTheDisplay) {
+TEST_P(BufferTest, ABufferThatGoesWhileItIsCurrentLeavesTheDisplay) {
     {
         VBO_wrap<VertexP3N3T2> vbo(&display());
         IBO ibo(&display());
@@ -368,7 +368,7 @@ TEST_P(BufferTest, aBufferThatGoesWhileItIsCurrentLeavesTheDisplay) {
     frame([&] { display().drawBox(0, 0, 1, 1); });
 }
 
-TEST_P(BufferTest, afterANewContextTheOwnerSetsUpAgain) {
+TEST_P(BufferTest, AfterANewContextTheOwnerSetsUpAgain) {
     VertexP3C4b corners[3];
     VBO_wrap<VertexP3C4b> vbo(&display()), other(&display());
     fillTriangle(corners, 255, 0, 255);
@@ -388,7 +388,7 @@ TEST_P(BufferTest, afterANewContextTheOwnerSetsUpAgain) {
     }
 }
 
-TEST_P(BufferTest, buffersMadeWithoutADisplayGetOneLater) {
+TEST_P(BufferTest, BuffersMadeWithoutADisplayGetOneLater) {
     VBO vbo(nullptr);
     IBO ibo(nullptr);
     vbo.setDisplay(&display());
@@ -407,7 +407,7 @@ TEST_P(BufferTest, buffersMadeWithoutADisplayGetOneLater) {
 }
 
 // Texture coordinates of two units, normals and four attributes reach a program.
-TEST_P(BufferTest, everyChannelReachesAProgram) {
+TEST_P(BufferTest, EveryChannelReachesAProgram) {
     struct Vertex {
         float p[2];
         int16_t n[3], pad;
@@ -477,7 +477,7 @@ TEST_P(BufferTest, everyChannelReachesAProgram) {
 
 class RealBufferTest : public GlObjects {};
 
-TEST_F(RealBufferTest, theModeChoosesTheUsage) {
+TEST_F(RealBufferTest, TheModeChoosesTheUsage) {
     const std::pair<Resource::Mode, GLint> table[] = {{Resource::STATIC, GL_STATIC_DRAW},
                                                       {Resource::STREAM, GL_STREAM_DRAW},
                                                       {Resource::DYNAMIC, GL_DYNAMIC_DRAW}};
@@ -496,7 +496,7 @@ TEST_F(RealBufferTest, theModeChoosesTheUsage) {
     }
 }
 
-TEST_F(RealBufferTest, nothingStaysBoundAfterTheSetUp) {
+TEST_F(RealBufferTest, NothingStaysBoundAfterTheSetUp) {
     VBO vbo(&display());
     IBO ibo(&display());
     vbo.setup(VertexP3::format, 4, nullptr);
@@ -516,7 +516,7 @@ TEST_F(RealBufferTest, nothingStaysBoundAfterTheSetUp) {
     EXPECT_EQ(bound[1], 0);
 }
 
-TEST_F(RealBufferTest, aBufferOfOpenGLIsDeletedWithItsOwner) {
+TEST_F(RealBufferTest, ABufferOfOpenGLIsDeletedWithItsOwner) {
     GLint name = 0;
     {
         VBO vbo(&display());
@@ -528,7 +528,7 @@ TEST_F(RealBufferTest, aBufferOfOpenGLIsDeletedWithItsOwner) {
     EXPECT_FALSE(glIsBuffer(GLuint(name)));
 }
 
-TEST_F(RealBufferTest, sizesBeyondWhatIsRecommendedAreWarnings) {
+TEST_F(RealBufferTest, SizesBeyondWhatIsRecommendedAreWarnings) {
     FakeLimits limits{{GL_MAX_ELEMENTS_VERTICES, 10}, {GL_MAX_ELEMENTS_INDICES, 20}};
     VBO vbo(&display());
     IBO ibo(&display());
@@ -544,7 +544,7 @@ TEST_F(RealBufferTest, sizesBeyondWhatIsRecommendedAreWarnings) {
     EXPECT_EQ(ibo.getSize(), 21);
 }
 
-TEST_F(RealBufferTest, oneUnitNeedsNoMultitexture) {
+TEST_F(RealBufferTest, OneUnitNeedsNoMultitexture) {
     DisplayGL::denyExtensions({"GL_ARB_multitexture"});
     VBO vbo(&display());
     vbo.setup(VertexP3N3T2::format, 4, nullptr);
@@ -554,7 +554,7 @@ TEST_F(RealBufferTest, oneUnitNeedsNoMultitexture) {
     EXPECT_EQ(thrownBy([&] { vbo.setup(two, 4, nullptr); }), "Your card does not support multi-texturing");
 }
 
-TEST_F(RealBufferTest, twoTangentsCountAsFourUnits) {
+TEST_F(RealBufferTest, TwoTangentsCountAsFourUnits) {
     VBO vbo(&display());
     {
         FakeLimits limits{{GL_MAX_TEXTURE_COORDS, 3}, {GL_MAX_TEXTURE_UNITS, 2}};
@@ -574,7 +574,7 @@ TEST_F(RealBufferTest, twoTangentsCountAsFourUnits) {
     EXPECT_EQ(vbo.getSize(), 4);
 }
 
-TEST_F(RealBufferTest, aDamagedBufferIsAWarning) {
+TEST_F(RealBufferTest, ADamagedBufferIsAWarning) {
     VBO vbo(&display());
     vbo.setup(VertexP3::format, 4, nullptr);
     vbo.bind();
@@ -593,7 +593,7 @@ TEST_F(RealBufferTest, aDamagedBufferIsAWarning) {
     vbo.unbind();
 }
 
-TEST_F(RealBufferTest, emulationMakesNoCallOnBuffers) {
+TEST_F(RealBufferTest, EmulationMakesNoCallOnBuffers) {
     DisplayGL::denyExtensions({BUFFERS});
     static int calls;
     calls = 0;

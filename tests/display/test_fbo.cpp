@@ -33,7 +33,7 @@ protected:
     }
 };
 
-TEST_F(FboTest, theAttachmentsAreThoseOfOpenGL) {
+TEST_F(FboTest, TheAttachmentsAreThoseOfOpenGL) {
     EXPECT_EQ(FBO::COLOR0, GL_COLOR_ATTACHMENT0_EXT);
     EXPECT_EQ(FBO::COLOR1, GL_COLOR_ATTACHMENT1_EXT);
     EXPECT_EQ(FBO::COLOR2, GL_COLOR_ATTACHMENT2_EXT);
@@ -45,7 +45,7 @@ TEST_F(FboTest, theAttachmentsAreThoseOfOpenGL) {
     EXPECT_EQ(fbo.getHeight(), -1);
 }
 
-TEST_F(FboTest, whatIsDrawnIntoItIsItsTexture) {
+TEST_F(FboTest, WhatIsDrawnIntoItIsItsTexture) {
     fbo.setup(320, 256, true);
     fbo.attach(FBO::COLOR0, &texture);
     EXPECT_EQ(texture.getWidth(), 320);
@@ -77,7 +77,7 @@ TEST_F(FboTest, whatIsDrawnIntoItIsItsTexture) {
     EXPECT_EQ(colorAt(shown, 190, 100), 0x0000ffffu);
 }
 
-TEST_F(FboTest, setupAfterTheFirstBindChangesNothing) {
+TEST_F(FboTest, SetupAfterTheFirstBindChangesNothing) {
     fbo.setup(64, 32, false);
     fbo.attach(FBO::COLOR0, &texture);
     fbo.bind();
@@ -90,7 +90,7 @@ TEST_F(FboTest, setupAfterTheFirstBindChangesNothing) {
     EXPECT_EQ(readTexture(GL_TEXTURE_2D).width, 64);
 }
 
-TEST_F(FboTest, targetsNestAndGoBackToTheOneBefore) {
+TEST_F(FboTest, TargetsNestAndGoBackToTheOneBefore) {
     FBO inner(&display());
     Texture innerTexture(&display());
     fbo.setup(64, 64, false);
@@ -117,7 +117,7 @@ TEST_F(FboTest, targetsNestAndGoBackToTheOneBefore) {
     EXPECT_EQ(colorAt(readTexture(GL_TEXTURE_2D), 5, 5), 0x00ff00ffu);
 }
 
-TEST_F(FboTest, bindingTwiceGoesBackAllTheSame) {
+TEST_F(FboTest, BindingTwiceGoesBackAllTheSame) {
     fbo.setup(64, 64, false);
     fbo.attach(FBO::COLOR0, &texture);
     frame([&] {
@@ -129,7 +129,7 @@ TEST_F(FboTest, bindingTwiceGoesBackAllTheSame) {
     });
 }
 
-TEST_F(FboTest, unbindWithoutBindDoesNothing) {
+TEST_F(FboTest, UnbindWithoutBindDoesNothing) {
     fbo.unbind();
     fbo.setup(64, 64, false);
     fbo.attach(FBO::COLOR0, &texture);
@@ -141,7 +141,7 @@ TEST_F(FboTest, unbindWithoutBindDoesNothing) {
     });
 }
 
-TEST_F(FboTest, attachedTexturesLoseTheirMipmaps) {
+TEST_F(FboTest, AttachedTexturesLoseTheirMipmaps) {
     texture.load(makeImage(64, 64, [](int, int) { return 0xff0000ffu; }), true);
     EXPECT_TRUE(texture.hasMipmaps());
     fbo.setup(64, 64, false);
@@ -155,7 +155,7 @@ TEST_F(FboTest, attachedTexturesLoseTheirMipmaps) {
     EXPECT_EQ(filter, GL_LINEAR);
 }
 
-TEST_F(FboTest, aTargetMakesTexturesOfItsOwn) {
+TEST_F(FboTest, ATargetMakesTexturesOfItsOwn) {
     GLint name = 0;
     {
         FBO own(&display());
@@ -182,7 +182,7 @@ TEST_F(FboTest, aTargetMakesTexturesOfItsOwn) {
     EXPECT_DEATH(fbo.attach(FBO::COLOR0, static_cast<Texture*>(nullptr)), "`texture!=0'");
 }
 
-TEST_F(FboTest, severalColoursAtOnce) {
+TEST_F(FboTest, SeveralColoursAtOnce) {
     Texture second(&display());
     fbo.setup(16, 16, false);
     fbo.attach(FBO::COLOR0, &texture);
@@ -198,7 +198,7 @@ TEST_F(FboTest, severalColoursAtOnce) {
     }
 }
 
-TEST_F(FboTest, withoutASizeOfItsOwnItTakesTheTextures) {
+TEST_F(FboTest, WithoutASizeOfItsOwnItTakesTheTextures) {
     texture.setup(48, 24, Texture::CHAN_RGBA, Texture::FORMAT_UINT8, Texture::TARGET_2D);
     fbo.attach(FBO::COLOR0, &texture);
     frame([&] {
@@ -209,7 +209,7 @@ TEST_F(FboTest, withoutASizeOfItsOwnItTakesTheTextures) {
     EXPECT_EQ(fbo.getWidth(), -1);
 }
 
-TEST_F(FboTest, missingRenderTargetsAreTold) {
+TEST_F(FboTest, MissingRenderTargetsAreTold) {
     DisplayGL::denyExtensions({"GL_EXT_framebuffer_object"});
     EXPECT_FALSE(FBO::isSupported());
     fbo.setup(64, 64, true);
@@ -219,7 +219,7 @@ TEST_F(FboTest, missingRenderTargetsAreTold) {
     fbo.unbind();
 }
 
-TEST_F(FboTest, anIncompleteTargetIsPrintedAndWorkGoesOn) {
+TEST_F(FboTest, AnIncompleteTargetIsPrintedAndWorkGoesOn) {
     fbo.setup(64, 64, false);
     EXPECT_EQ(printedBy([&] { fbo.bind(); }), "Framebuffer incomplete, missing attachment\n");
     fbo.unbind();
@@ -228,7 +228,7 @@ TEST_F(FboTest, anIncompleteTargetIsPrintedAndWorkGoesOn) {
     fbo.unbind();
 }
 
-TEST_F(FboTest, everyStatusHasItsLine) {
+TEST_F(FboTest, EveryStatusHasItsLine) {
     const std::pair<GLenum, const char*> table[] = {
         {GL_FRAMEBUFFER_INCOMPLETE_MISSING_ATTACHMENT_EXT, "Framebuffer incomplete, missing attachment\n"},
         {GL_FRAMEBUFFER_INCOMPLETE_DIMENSIONS_EXT,
@@ -251,7 +251,7 @@ TEST_F(FboTest, everyStatusHasItsLine) {
     __glewCheckFramebufferStatusEXT = check;
 }
 
-TEST_F(FboTest, aTargetThatOpenGLRefusesLeavesTheOldOneBound) {
+TEST_F(FboTest, ATargetThatOpenGLRefusesLeavesTheOldOneBound) {
     fbo.setup(1 << 20, 16, true);
     const std::string thrown = thrownBy([&] { fbo.bind(); });
     EXPECT_NE(thrown.find("Error: 'GL_INVALID_VALUE'\n"), std::string::npos) << thrown;
@@ -267,7 +267,7 @@ TEST_F(FboTest, aTargetThatOpenGLRefusesLeavesTheOldOneBound) {
     EXPECT_EQ(boundTarget(), 0);
 }
 
-TEST_F(FboTest, afterSetFullscreenItIsMadeAgainEmpty) {
+TEST_F(FboTest, AfterSetFullscreenItIsMadeAgainEmpty) {
     fbo.setup(64, 64, true);
     fbo.attach(FBO::COLOR0, &texture);
     fbo.bind();
@@ -287,7 +287,7 @@ TEST_F(FboTest, afterSetFullscreenItIsMadeAgainEmpty) {
     fbo.unbind();
 }
 
-TEST_F(FboTest, aTargetBoundWhenItsContextGoesIsUnboundWithIt) {
+TEST_F(FboTest, ATargetBoundWhenItsContextGoesIsUnboundWithIt) {
     fbo.setup(64, 64, false);
     fbo.attach(FBO::COLOR0, &texture);
     fbo.bind();
@@ -299,7 +299,7 @@ TEST_F(FboTest, aTargetBoundWhenItsContextGoesIsUnboundWithIt) {
     fbo.unbind();
 }
 
-TEST_F(FboTest, theDestructorDeletesTheNamesOfThisContextAlone) {
+TEST_F(FboTest, TheDestructorDeletesTheNamesOfThisContextAlone) {
     auto gone = std::make_unique<FBO>(&display());
     Texture target(&display());
     gone->setup(16, 16, true);

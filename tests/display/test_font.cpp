@@ -89,7 +89,7 @@ protected:
     }
 };
 
-TEST_F(FontTest, advancesAreMeasuredFromTheRedChannel) {
+TEST_F(FontTest, AdvancesAreMeasuredFromTheRedChannel) {
     load();
     EXPECT_FLOAT_EQ(font.getAdvance('A'), 4 + 2);
     EXPECT_FLOAT_EQ(font.getAdvance('B'), 10 + 2);
@@ -100,21 +100,21 @@ TEST_F(FontTest, advancesAreMeasuredFromTheRedChannel) {
     EXPECT_FLOAT_EQ(font.getLength("\xc8"), 3);
 }
 
-TEST_F(FontTest, aSpaceAdvancesByThreeTenthsWhateverItsCellHolds) {
+TEST_F(FontTest, ASpaceAdvancesByThreeTenthsWhateverItsCellHolds) {
     load();
     EXPECT_FLOAT_EQ(font.getAdvance(' '), 10 * 0.3f + 2);
     font.setSizeOfSpace(3);
     EXPECT_FLOAT_EQ(font.getAdvance(' '), 3);
 }
 
-TEST_F(FontTest, anEmptyCellAdvancesByTwoPixels) {
+TEST_F(FontTest, AnEmptyCellAdvancesByTwoPixels) {
     load();
     EXPECT_FLOAT_EQ(font.getAdvance('C'), 2);
     EXPECT_FLOAT_EQ(font.getAdvance(0), 2);
     EXPECT_FLOAT_EQ(font.getAdvance(255), 2);
 }
 
-TEST_F(FontTest, theInkOfACellIsWhatShows) {
+TEST_F(FontTest, TheInkOfACellIsWhatShows) {
     load();
     EXPECT_EQ(font.getInk('A'), mathbase::Box2(0, 0, 5, 10)); // the dim column too
     EXPECT_EQ(font.getInk('B'), mathbase::Box2(0, 0, 10, 10));
@@ -123,14 +123,14 @@ TEST_F(FontTest, theInkOfACellIsWhatShows) {
     EXPECT_EQ(font.getInk(0), mathbase::Box2());
 }
 
-TEST_F(FontTest, byteZeroIsNotDrawnWhereItsEmptyCellHoldsAWhiteSpot) {
+TEST_F(FontTest, ByteZeroIsNotDrawnWhereItsEmptyCellHoldsAWhiteSpot) {
     load();
     EXPECT_EQ(font.getSolid(), Vector2f(5.0f / 160, 5.0f / 160));
     EXPECT_EQ(drawn(std::string(1, '\0'), Font::ALIGN_LEFT), "nothing");
     expectSolid();
 }
 
-TEST_F(FontTest, byteZeroIsDrawnLikeAnyOtherWhereItHasAGlyph) {
+TEST_F(FontTest, ByteZeroIsDrawnLikeAnyOtherWhereItHasAGlyph) {
     writeImage("made.png", makeImage(16 * CELL, 16 * CELL, [](int x, int y) {
                    const bool dim = x < 3 && y < 8; // of byte 0
                    return dim ? 0xfe000000u : made(x, y);
@@ -142,7 +142,7 @@ TEST_F(FontTest, byteZeroIsDrawnLikeAnyOtherWhereItHasAGlyph) {
     expectSolid();
 }
 
-TEST_F(FontTest, aFontWithNothingSolidGivesUpItsByteZero) {
+TEST_F(FontTest, AFontWithNothingSolidGivesUpItsByteZero) {
     writeImage("made.png", makeImage(16 * CELL, 16 * CELL, [](int, int) { return 0xfe000000u; }));
     load();
     EXPECT_FLOAT_EQ(font.getAdvance(0), 10 + 2);
@@ -151,13 +151,13 @@ TEST_F(FontTest, aFontWithNothingSolidGivesUpItsByteZero) {
     expectSolid();
 }
 
-TEST_F(FontTest, theUnitIsTheSizeOverTheWindows) {
+TEST_F(FontTest, TheUnitIsTheSizeOverTheWindows) {
     load(Vector2f(100, 50));
     EXPECT_FLOAT_EQ(font.getAdvance('A'), 6 * 100.0f / 200);
     EXPECT_FLOAT_EQ(font.getHeight(), 10 * 50.0f / 200);
 }
 
-TEST_F(FontTest, textStandsRightOfLeftOfOrAroundTheOrigin) {
+TEST_F(FontTest, TextStandsRightOfLeftOfOrAroundTheOrigin) {
     load();
     EXPECT_EQ(drawn("B", Font::ALIGN_LEFT), "100 95 109 104");
     EXPECT_EQ(drawn("AB", Font::ALIGN_LEFT), "100 95 115 104");
@@ -170,13 +170,13 @@ TEST_F(FontTest, textStandsRightOfLeftOfOrAroundTheOrigin) {
     EXPECT_EQ(Font::ALIGN_CENTER, 2);
 }
 
-TEST_F(FontTest, anEmptyStringInTheCentreDrawsNothing) {
+TEST_F(FontTest, AnEmptyStringInTheCentreDrawsNothing) {
     load();
     EXPECT_EQ(drawn("", Font::ALIGN_CENTER), "nothing");
     EXPECT_EQ(drawn("", Font::ALIGN_RIGHT), "nothing");
 }
 
-TEST_F(FontTest, theColourIsTheOneGivenAndTheStateIsAsBefore) {
+TEST_F(FontTest, TheColourIsTheOneGivenAndTheStateIsAsBefore) {
     load();
     const Picture shown = frame([&] {
         pixels();
@@ -198,7 +198,7 @@ TEST_F(FontTest, theColourIsTheOneGivenAndTheStateIsAsBefore) {
     EXPECT_NEAR(shown.at(25, 100)[1], 128, 2); // blended by the state that every frame begins with
 }
 
-TEST_F(FontTest, failuresAreTold) {
+TEST_F(FontTest, FailuresAreTold) {
     EXPECT_EQ(thrownBy([&] { font.load("none.png", false, Vector2f(1, 1)); }),
               "loadImage, File not found (none.png)");
     display().setArchive(nullptr);
@@ -209,14 +209,14 @@ TEST_F(FontTest, failuresAreTold) {
               "Cannot load font motherfucker!");
 }
 
-TEST_F(FontTest, aPictureTooSmallForCellsIsNoCrash) {
+TEST_F(FontTest, APictureTooSmallForCellsIsNoCrash) {
     writeImage("tiny.png", makeImage(7, 5, [](int, int) { return 0xffffffffu; }));
     font.load("tiny.png", true, Vector2f(200, 200));
     EXPECT_FLOAT_EQ(font.getAdvance('A'), 2);
     EXPECT_EQ(drawn("ABC", Font::ALIGN_LEFT), "nothing");
 }
 
-TEST_F(FontTest, livesThroughANewContext) {
+TEST_F(FontTest, LivesThroughANewContext) {
     load();
     EXPECT_EQ(drawn("B", Font::ALIGN_LEFT), "100 95 109 104");
     display().close();
@@ -226,7 +226,7 @@ TEST_F(FontTest, livesThroughANewContext) {
 
 class ShowsFont : public GlTest {};
 
-TEST_F(ShowsFont, allOfLatin1) {
+TEST_F(ShowsFont, AllOfLatin1) {
     window(480, 240);
     Font font(&display());
     font.load("fonthelvete2.png", false, Vector2f(480, 240));

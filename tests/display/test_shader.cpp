@@ -59,7 +59,7 @@ protected:
     ShaderProgram program{&display()};
 };
 
-TEST_F(ShaderTest, filesAreCompiledLinkedAndDrawnWith) {
+TEST_F(ShaderTest, FilesAreCompiledLinkedAndDrawnWith) {
     writeFile(path("a.vert"), VERTEX);
     writeFile(path("a.frag"), FRAGMENT);
     program.link("a.vert", "a.frag");
@@ -69,7 +69,7 @@ TEST_F(ShaderTest, filesAreCompiledLinkedAndDrawnWith) {
     EXPECT_EQ(colorAt(paint(program), 100, 100) & 0xff00ffff, 0xff0000ffu);
 }
 
-TEST_F(ShaderTest, aShaderThatDoesNotCompileThrowsTheDriversLog) {
+TEST_F(ShaderTest, AShaderThatDoesNotCompileThrowsTheDriversLog) {
     const std::string bad = "void main() {\n    gl_FragColor = nonsense;\n}\n";
     writeFile(path("bad.frag"), bad);
     FragmentShader fragment(&display());
@@ -84,7 +84,7 @@ TEST_F(ShaderTest, aShaderThatDoesNotCompileThrowsTheDriversLog) {
     compile(fragment, FRAGMENT); // the shader can take another text
 }
 
-TEST_F(ShaderTest, lineNumbersReferToPrefixPlusFile) {
+TEST_F(ShaderTest, LineNumbersReferToPrefixPlusFile) {
     const std::string prefix = "#define A 1\n#define B 2\n",
                       bad = "void main() {\n    gl_FragColor = nonsense;\n}\n";
     writeFile(path("bad.frag"), bad);
@@ -95,7 +95,7 @@ TEST_F(ShaderTest, lineNumbersReferToPrefixPlusFile) {
     EXPECT_NE(thrown.find("0:4("), std::string::npos) << thrown; // line 2 of the file
 }
 
-TEST_F(ShaderTest, aPrefixDefinesWhatTheFileUses) {
+TEST_F(ShaderTest, APrefixDefinesWhatTheFileUses) {
     writeFile(path("a.vert"), VERTEX);
     writeFile(path("a.frag"), "void main() { gl_FragColor = TINT; }\n");
     VertexShader vertex(&display());
@@ -108,7 +108,7 @@ TEST_F(ShaderTest, aPrefixDefinesWhatTheFileUses) {
     EXPECT_EQ(colorAt(paint(program), 100, 100), 0x00ff00ffu);
 }
 
-TEST_F(ShaderTest, aProgramThatDoesNotLinkThrowsTheDriversLog) {
+TEST_F(ShaderTest, AProgramThatDoesNotLinkThrowsTheDriversLog) {
     const std::string open = "vec4 elsewhere();\nvoid main() { gl_FragColor = elsewhere(); }\n";
     const std::string thrown = thrownBy([&] { link(program, VERTEX, open); });
     const std::string begin = "Could not link.\n\nLink message:\n";
@@ -117,7 +117,7 @@ TEST_F(ShaderTest, aProgramThatDoesNotLinkThrowsTheDriversLog) {
     EXPECT_FALSE(program.isLinked());
 }
 
-TEST_F(ShaderTest, missingFilesAndDisplaysAreTold) {
+TEST_F(ShaderTest, MissingFilesAndDisplaysAreTold) {
     FragmentShader fragment(&display());
     EXPECT_EQ(thrownBy([&] { fragment.compile("none.frag", ""); }),
               "Display::Resource; File 'none.frag' could not be read");
@@ -134,7 +134,7 @@ TEST_F(ShaderTest, missingFilesAndDisplaysAreTold) {
     EXPECT_DEATH(fragment.compile(nullptr, 0, "x"), "`data'");
 }
 
-TEST_F(ShaderTest, eachOfTheFourExtensionsIsNeeded) {
+TEST_F(ShaderTest, EachOfTheFourExtensionsIsNeeded) {
     EXPECT_TRUE(Shader::hasShaders());
     for (const char* name : {"GL_ARB_shader_objects", "GL_ARB_shading_language_100", "GL_ARB_vertex_shader",
                              "GL_ARB_fragment_shader"}) {
@@ -149,7 +149,7 @@ TEST_F(ShaderTest, eachOfTheFourExtensionsIsNeeded) {
     }
 }
 
-TEST_F(ShaderTest, anEmptyFileIsNoCrash) {
+TEST_F(ShaderTest, AnEmptyFileIsNoCrash) {
     writeFile(path("empty.frag"), "");
     FragmentShader fragment(&display());
     const std::string thrown = thrownBy([&] { fragment.compile("empty.frag", ""); });
@@ -159,7 +159,7 @@ TEST_F(ShaderTest, anEmptyFileIsNoCrash) {
     EXPECT_NE(thrownBy([&] { compile(fragment, std::string(100000, '{')); }), "nothing");
 }
 
-TEST_F(ShaderTest, setOnAnUnlinkedProgramAsserts) {
+TEST_F(ShaderTest, SetOnAnUnlinkedProgramAsserts) {
     EXPECT_DEATH(program.set("a", 1), "`mLinked'");
     EXPECT_DEATH(program.set("a", 1.0f), "`mLinked'");
     EXPECT_DEATH(program.bind(), "`mHandle'");
@@ -170,7 +170,7 @@ TEST_F(ShaderTest, setOnAnUnlinkedProgramAsserts) {
     EXPECT_DEATH(program.getAttrib("a"), "`mLinked'");
 }
 
-TEST_F(ShaderTest, bindTwiceAsserts) {
+TEST_F(ShaderTest, BindTwiceAsserts) {
     link(program, VERTEX, FRAGMENT);
     program.bind();
     EXPECT_TRUE(program.isBound());
@@ -179,7 +179,7 @@ TEST_F(ShaderTest, bindTwiceAsserts) {
     EXPECT_DEATH(program.unbind(), "`mBound'");
 }
 
-TEST_F(ShaderTest, setOnAnUnboundProgramLeavesItUnbound) {
+TEST_F(ShaderTest, SetOnAnUnboundProgramLeavesItUnbound) {
     link(program, VERTEX, FRAGMENT);
     program.set("tint", Vector4f(0, 0, 1, 1));
     EXPECT_FALSE(program.isBound());
@@ -193,7 +193,7 @@ TEST_F(ShaderTest, setOnAnUnboundProgramLeavesItUnbound) {
     EXPECT_EQ(colorAt(paint(program), 100, 100), 0x00ffffffu);
 }
 
-TEST_F(ShaderTest, everyTypeOfUniform) {
+TEST_F(ShaderTest, EveryTypeOfUniform) {
     link(program, VERTEX,
          "uniform int i;\nuniform float f;\nuniform vec2 v2;\nuniform vec3 v3;\nuniform vec4 v4;\n"
          "uniform mat4 m;\nuniform vec2 list[3];\n"
@@ -235,7 +235,7 @@ TEST_F(ShaderTest, everyTypeOfUniform) {
     program.unbind();
 }
 
-TEST_F(ShaderTest, tangentsHaveTheirSlotsAndAMissingAttributeAsserts) {
+TEST_F(ShaderTest, TangentsHaveTheirSlotsAndAMissingAttributeAsserts) {
     link(program,
          "attribute vec4 other, tangent1_vs, tangent0_vs;\n"
          "void main() { gl_Position = gl_Vertex + tangent0_vs + tangent1_vs + other; }\n",
@@ -282,7 +282,7 @@ protected:
     }
 };
 
-TEST_F(TalkingTest, aPleasantMessageGivesNoLogLine) {
+TEST_F(TalkingTest, APleasantMessageGivesNoLogLine) {
     std::string printed = printedBy([&] { talk(" Link successful.", [&] { program.link(); }); });
     EXPECT_EQ(printed, "");
     EXPECT_TRUE(program.isLinked());
@@ -295,7 +295,7 @@ TEST_F(TalkingTest, aPleasantMessageGivesNoLogLine) {
     EXPECT_EQ(printedBy([&] { talk("", [&] { third.link(); }); }), "");
 }
 
-TEST_F(TalkingTest, aShadersMessageIsLogged) {
+TEST_F(TalkingTest, AShadersMessageIsLogged) {
     VertexShader vertex(&display());
     const std::string printed =
         printedBy([&] { talk("Deprecated.", [&] { compile(vertex, VERTEX, "old.vert"); }); });
@@ -304,7 +304,7 @@ TEST_F(TalkingTest, aShadersMessageIsLogged) {
         << printed;
 }
 
-TEST_F(ShaderTest, shadersAndProgramsDeleteTheirHandles) {
+TEST_F(ShaderTest, ShadersAndProgramsDeleteTheirHandles) {
     GLuint handle;
     {
         VertexShader vertex(&display());
@@ -325,7 +325,7 @@ TEST_F(ShaderTest, shadersAndProgramsDeleteTheirHandles) {
     EXPECT_FALSE(glIsProgram(GLuint(name)));
 }
 
-TEST_F(ShaderTest, afterANewContextTheOwnerLinksAgain) {
+TEST_F(ShaderTest, AfterANewContextTheOwnerLinksAgain) {
     auto lost = std::make_unique<ShaderProgram>(&display());
     link(*lost, VERTEX, FRAGMENT);
     link(program, VERTEX, FRAGMENT);
@@ -358,7 +358,7 @@ protected:
     Texture red{&display()}, green{&display()};
 };
 
-TEST_F(MaterialTest, texturesTakeUnitsByTheOrderOfTheirNames) {
+TEST_F(MaterialTest, TexturesTakeUnitsByTheOrderOfTheirNames) {
     linkTextured();
     red.load(makeImage(2, 2, [](int, int) { return 0xff0000ffu; }), false);
     green.load(makeImage(2, 2, [](int, int) { return 0x00ff00ffu; }), false);
@@ -389,7 +389,7 @@ TEST_F(MaterialTest, texturesTakeUnitsByTheOrderOfTheirNames) {
     EXPECT_EQ(colorAt(shown, 180, 100), 0x00ff00ffu);
 }
 
-TEST_F(MaterialTest, aValueSetAgainReplacesTheOldOne) {
+TEST_F(MaterialTest, AValueSetAgainReplacesTheOldOne) {
     link(program, VERTEX, "uniform vec3 tint;\nvoid main() { gl_FragColor = vec4(tint, 1.0); }\n");
     static int alive;
     struct Counted {
@@ -427,7 +427,7 @@ TEST_F(MaterialTest, aValueSetAgainReplacesTheOldOne) {
     EXPECT_EQ(colorAt(shown, 100, 100), 0x0000ffffu);
 }
 
-TEST_F(MaterialTest, aMaterialWithoutAProgramAsserts) {
+TEST_F(MaterialTest, AMaterialWithoutAProgramAsserts) {
     Material material(nullptr);
     EXPECT_FALSE(material.isBound());
     EXPECT_DEATH(material.bind(), "`mProgram'");
@@ -442,7 +442,7 @@ TEST_F(MaterialTest, aMaterialWithoutAProgramAsserts) {
     EXPECT_EQ(material.getProgram(), nullptr);
 }
 
-TEST_F(MaterialTest, aThirtyThirdTextureAsserts) {
+TEST_F(MaterialTest, AThirtyThirdTextureAsserts) {
     linkTextured();
     red.load(makeImage(2, 2, [](int, int) { return 0xff0000ffu; }), false);
     Material material(&program);

@@ -35,7 +35,7 @@ protected:
     }
 };
 
-TEST_F(TextureTest, theValuesAreThoseOfOpenGL) {
+TEST_F(TextureTest, TheValuesAreThoseOfOpenGL) {
     EXPECT_EQ(Texture::TARGET_1D, GL_TEXTURE_1D);
     EXPECT_EQ(Texture::TARGET_2D, GL_TEXTURE_2D);
     EXPECT_EQ(Texture::TARGET_3D, GL_TEXTURE_3D);
@@ -47,7 +47,7 @@ TEST_F(TextureTest, theValuesAreThoseOfOpenGL) {
     EXPECT_FALSE(texture.hasMipmaps());
 }
 
-TEST_F(TextureTest, aFileIsReadAtTheFirstBindAndItsPixelsAreLetGo) {
+TEST_F(TextureTest, AFileIsReadAtTheFirstBindAndItsPixelsAreLetGo) {
     const am::Image image = makeImage(4, 2, [](int x, int y) { return x == 3 && y == 1 ? GREEN : RED; });
     writeImage("a.png", image);
     texture.load("a.png", false);
@@ -72,7 +72,7 @@ TEST_F(TextureTest, aFileIsReadAtTheFirstBindAndItsPixelsAreLetGo) {
     EXPECT_EQ(bound, 0);
 }
 
-TEST_F(TextureTest, anImageIsKeptAndNamedAsSuch) {
+TEST_F(TextureTest, AnImageIsKeptAndNamedAsSuch) {
     am::Image image = halves(8, 8);
     texture.load(image, false);
     EXPECT_EQ(image.getRef(), 2);
@@ -82,7 +82,7 @@ TEST_F(TextureTest, anImageIsKeptAndNamedAsSuch) {
     EXPECT_EQ(colorAt(readTexture(GL_TEXTURE_2D), 7, 0), BLUE);
 }
 
-TEST_F(TextureTest, bytesInMemoryAreDecodedAtOnce) {
+TEST_F(TextureTest, BytesInMemoryAreDecodedAtOnce) {
     writeImage("a.png", halves(8, 8));
     const std::string bytes = readFile(path("a.png"));
     const auto* data = reinterpret_cast<const unsigned char*>(bytes.data());
@@ -95,7 +95,7 @@ TEST_F(TextureTest, bytesInMemoryAreDecodedAtOnce) {
               "Texture already loaded!");
 }
 
-TEST_F(TextureTest, aSecondLoadThrows) {
+TEST_F(TextureTest, ASecondLoadThrows) {
     texture.load("a.png", false);
     EXPECT_EQ(thrownBy([&] { texture.load("b.png", true); }),
               "Texture; File already loaded, when loading 'b.png'");
@@ -110,7 +110,7 @@ TEST_F(TextureTest, aSecondLoadThrows) {
     EXPECT_EQ(thrownBy([&] { empty.load(halves(8, 8), false); }), "Texture already loaded!");
 }
 
-TEST_F(TextureTest, aMissingFileThrowsAndCanComeLater) {
+TEST_F(TextureTest, AMissingFileThrowsAndCanComeLater) {
     texture.load("late.png", false);
     EXPECT_EQ(thrownBy([&] { texture.bind(); }), "loadImage, File not found (late.png)");
     writeImage("late.png", halves(8, 8));
@@ -118,7 +118,7 @@ TEST_F(TextureTest, aMissingFileThrowsAndCanComeLater) {
     EXPECT_EQ(colorAt(readTexture(GL_TEXTURE_2D), 0, 0), RED);
 }
 
-TEST_F(TextureTest, hundredByFiftyWithoutTheExtensionBecomes128By64) {
+TEST_F(TextureTest, HundredByFiftyWithoutTheExtensionBecomes128By64) {
     DisplayGL::denyExtensions({NPOT});
     writeImage("wide.png", halves(100, 50));
     texture.load("wide.png", false);
@@ -137,7 +137,7 @@ TEST_F(TextureTest, hundredByFiftyWithoutTheExtensionBecomes128By64) {
     EXPECT_EQ(colorAt(picture, 125, 2), BLUE);
 }
 
-TEST_F(TextureTest, oneOddSideRoundsAndTheOtherStays) {
+TEST_F(TextureTest, OneOddSideRoundsAndTheOtherStays) {
     DisplayGL::denyExtensions({NPOT});
     texture.load(halves(64, 50), false);
     texture.bind();
@@ -145,7 +145,7 @@ TEST_F(TextureTest, oneOddSideRoundsAndTheOtherStays) {
     EXPECT_EQ(texture.getHeight(), 64);
 }
 
-TEST_F(TextureTest, sixtyFourByThirtyTwoIsKeptWithoutTheExtension) {
+TEST_F(TextureTest, SixtyFourByThirtyTwoIsKeptWithoutTheExtension) {
     DisplayGL::denyExtensions({NPOT});
     texture.load(halves(64, 32), false);
     EXPECT_EQ(printedBy([&] { texture.bind(); }).find("rescaling"), std::string::npos);
@@ -153,14 +153,14 @@ TEST_F(TextureTest, sixtyFourByThirtyTwoIsKeptWithoutTheExtension) {
     EXPECT_EQ(texture.getHeight(), 32);
 }
 
-TEST_F(TextureTest, hundredByFiftyIsKeptWithTheExtension) {
+TEST_F(TextureTest, HundredByFiftyIsKeptWithTheExtension) {
     texture.load(halves(100, 50), false);
     texture.bind();
     EXPECT_EQ(levelParameter(GL_TEXTURE_2D, GL_TEXTURE_WIDTH), 100);
     EXPECT_EQ(levelParameter(GL_TEXTURE_2D, GL_TEXTURE_HEIGHT), 50);
 }
 
-TEST_F(TextureTest, aMipmappedTextureIsScaledByTheMipmapBuilder) {
+TEST_F(TextureTest, AMipmappedTextureIsScaledByTheMipmapBuilder) {
     DisplayGL::denyExtensions({NPOT});
     texture.load(halves(100, 50), true);
     EXPECT_EQ(printedBy([&] { texture.bind(); }).find("rescaling"), std::string::npos);
@@ -173,7 +173,7 @@ TEST_F(TextureTest, aMipmappedTextureIsScaledByTheMipmapBuilder) {
     EXPECT_EQ(colorAt(readTexture(GL_TEXTURE_2D, 3), 14, 1), BLUE);
 }
 
-TEST_F(TextureTest, aTextureWithoutAnImageKeepsItsSizeAndIsBlack) {
+TEST_F(TextureTest, ATextureWithoutAnImageKeepsItsSizeAndIsBlack) {
     DisplayGL::denyExtensions({NPOT});
     texture.setup(100, 50, Texture::CHAN_DEFAULT, Texture::FORMAT_DEFAULT, Texture::TARGET_DEFAULT);
     texture.bind();
@@ -184,7 +184,7 @@ TEST_F(TextureTest, aTextureWithoutAnImageKeepsItsSizeAndIsBlack) {
         ASSERT_EQ(picture.rgba[i], 0);
 }
 
-TEST_F(TextureTest, aGivenSizeScalesTheImage) {
+TEST_F(TextureTest, AGivenSizeScalesTheImage) {
     texture.setup(16, 8, Texture::CHAN_RGB, Texture::FORMAT_UINT8, Texture::TARGET_2D);
     texture.load(halves(64, 64, "big"), false);
     const std::string printed = printedBy([&] { texture.bind(); });
@@ -195,7 +195,7 @@ TEST_F(TextureTest, aGivenSizeScalesTheImage) {
     EXPECT_EQ(colorAt(readTexture(GL_TEXTURE_2D), 15, 7), BLUE);
 }
 
-TEST_F(TextureTest, setupWithZeroTakesTheSizeFromTheImage) {
+TEST_F(TextureTest, SetupWithZeroTakesTheSizeFromTheImage) {
     texture.setup(0, 0, Texture::CHAN_RGBA, Texture::FORMAT_UINT8, Texture::TARGET_2D);
     EXPECT_EQ(texture.getWidth(), -1);
     texture.load(halves(32, 16), false);
@@ -204,20 +204,20 @@ TEST_F(TextureTest, setupWithZeroTakesTheSizeFromTheImage) {
     EXPECT_EQ(texture.getHeight(), 16);
 }
 
-TEST_F(TextureTest, neitherSourceNorSizeAsserts) {
+TEST_F(TextureTest, NeitherSourceNorSizeAsserts) {
     EXPECT_DEATH(texture.bind(), "mWidth!=-1 && mHeight!=-1");
     Texture none(nullptr);
     EXPECT_DEATH(none.bind(), "getDisplay\\(\\)");
     EXPECT_DEATH(none.init(), "getDisplay\\(\\)");
 }
 
-TEST_F(TextureTest, initTwiceThrowsOrAsserts) {
+TEST_F(TextureTest, InitTwiceThrowsOrAsserts) {
     texture.load(halves(8, 8), false);
     texture.init();
     EXPECT_DEATH(texture.init(), "mTexture==0");
 }
 
-TEST_F(TextureTest, everyFormatOfTheTableAndNoOther) {
+TEST_F(TextureTest, EveryFormatOfTheTableAndNoOther) {
     const GLenum NO = GL_NONE;
     const struct {
         Texture::Channels channels;
@@ -250,7 +250,7 @@ TEST_F(TextureTest, everyFormatOfTheTableAndNoOther) {
         }
 }
 
-TEST_F(TextureTest, luminanceComesFromRed) {
+TEST_F(TextureTest, LuminanceComesFromRed) {
     texture.setup(-1, -1, Texture::CHAN_LA, Texture::FORMAT_UINT8, Texture::TARGET_2D);
     texture.load(makeImage(2, 2, [](int, int) { return 0x40506070u; }), false);
     texture.bind();
@@ -260,7 +260,7 @@ TEST_F(TextureTest, luminanceComesFromRed) {
     EXPECT_EQ(values[1], 0x70);
 }
 
-TEST_F(TextureTest, missingFloatAndCubeExtensionsAreTold) {
+TEST_F(TextureTest, MissingFloatAndCubeExtensionsAreTold) {
     DisplayGL::denyExtensions({"GL_ARB_texture_float", "GL_ARB_texture_cube_map"});
     for (const Texture::ChannelFormat format : {Texture::FORMAT_F16, Texture::FORMAT_F32}) {
         Texture floats(&display());
@@ -274,7 +274,7 @@ TEST_F(TextureTest, missingFloatAndCubeExtensionsAreTold) {
     texture.bind(); // nothing was lost
 }
 
-TEST_F(TextureTest, oneDimensionAlongOrDown) {
+TEST_F(TextureTest, OneDimensionAlongOrDown) {
     for (const bool down : {false, true}) {
         Texture line(&display());
         line.setup(-1, -1, Texture::CHAN_RGBA, Texture::FORMAT_UINT8, Texture::TARGET_1D);
@@ -306,7 +306,7 @@ TEST_F(TextureTest, oneDimensionAlongOrDown) {
     EXPECT_EQ(levelParameter(GL_TEXTURE_1D, GL_TEXTURE_WIDTH, 2), 4);
 }
 
-TEST_F(TextureTest, sidesThatCanNotBeAssert) {
+TEST_F(TextureTest, SidesThatCanNotBeAssert) {
     texture.setup(8, -3, Texture::CHAN_RGBA, Texture::FORMAT_UINT8, Texture::TARGET_1D);
     EXPECT_DEATH(texture.bind(), "!\\(mTarget==TARGET_1D && mHeight!=1\\)");
     Texture cube(&display());
@@ -314,7 +314,7 @@ TEST_F(TextureTest, sidesThatCanNotBeAssert) {
     EXPECT_DEATH(cube.bind(), "!\\(mTarget==TARGET_CUBE && mHeight!=mWidth\\)");
 }
 
-TEST_F(TextureTest, sizesThatOpenGLRefusesThrowItsError) {
+TEST_F(TextureTest, SizesThatOpenGLRefusesThrowItsError) {
     for (const int width : {-7, 1 << 20}) {
         Texture bad(&display());
         bad.setup(width, 8, Texture::CHAN_RGBA, Texture::FORMAT_UINT8, Texture::TARGET_2D);
@@ -328,7 +328,7 @@ TEST_F(TextureTest, sizesThatOpenGLRefusesThrowItsError) {
     EXPECT_NE(thrownBy([&] { deep.bind(); }).find("Error: 'GL_INVALID_ENUM'\n"), std::string::npos);
 }
 
-TEST_F(TextureTest, anImageWithoutPixelsIsAnEmptyTexture) {
+TEST_F(TextureTest, AnImageWithoutPixelsIsAnEmptyTexture) {
     texture.load(am::Image(new am::ImageObject), false);
     texture.bind();
     EXPECT_EQ(texture.getWidth(), 0);
@@ -339,7 +339,7 @@ TEST_F(TextureTest, anImageWithoutPixelsIsAnEmptyTexture) {
     EXPECT_EQ(readTexture(GL_TEXTURE_2D).width, 4);
 }
 
-TEST_F(TextureTest, generateMipmapsNeedsATextureAndMakesThem) {
+TEST_F(TextureTest, GenerateMipmapsNeedsATextureAndMakesThem) {
     EXPECT_DEATH(texture.generateMipmaps(), "mInited==true");
     texture.load(halves(16, 16), false);
     texture.bind();
@@ -353,7 +353,7 @@ TEST_F(TextureTest, generateMipmapsNeedsATextureAndMakesThem) {
                         "GL_EXT_framebuffer_object not supported, no mipmaps are made", "dis_texture.cpp"));
 }
 
-TEST_F(TextureTest, setRepeatSetsBothDirectionsOrEach) {
+TEST_F(TextureTest, SetRepeatSetsBothDirectionsOrEach) {
     texture.load(halves(16, 16), false);
     texture.bind();
     texture.setRepeat(false);
@@ -396,7 +396,7 @@ protected:
     }
 };
 
-TEST_F(CubeTest, theFacesAreCutFromTheVerticalCross) {
+TEST_F(CubeTest, TheFacesAreCutFromTheVerticalCross) {
     setupCube();
     texture.load(cross(), false);
     texture.bind();
@@ -423,7 +423,7 @@ TEST_F(CubeTest, theFacesAreCutFromTheVerticalCross) {
     }
 }
 
-TEST_F(CubeTest, theFaceReadBackwardsStandsOnItsHead) {
+TEST_F(CubeTest, TheFaceReadBackwardsStandsOnItsHead) {
     setupCube();
     texture.load(cross(), true);
     // The six directions in a row of three over another: -x, +z, +x, then +y, -y, -z, each as OpenGL lays a
@@ -462,7 +462,7 @@ TEST_F(CubeTest, theFaceReadBackwardsStandsOnItsHead) {
     EXPECT_EQ(colorAt(shown, 140, 115) | 0xff, 0x00ffffffu); // -z
 }
 
-TEST_F(CubeTest, crossesOfTheWrongShapeAreTold) {
+TEST_F(CubeTest, CrossesOfTheWrongShapeAreTold) {
     const auto outcome = [&](int width, int height, bool fromFile) {
         Texture cube(&display());
         cube.setup(-1, -1, Texture::CHAN_RGBA, Texture::FORMAT_UINT8, Texture::TARGET_CUBE);
@@ -486,7 +486,7 @@ TEST_F(CubeTest, crossesOfTheWrongShapeAreTold) {
     EXPECT_EQ(outcome(0, 0, false), "Cube maps with horizontal cross is not supported at the moment!");
 }
 
-TEST_F(CubeTest, aCrossOf192By256GivesFacesOf64) {
+TEST_F(CubeTest, ACrossOf192By256GivesFacesOf64) {
     setupCube();
     texture.load(makeImage(192, 256, [](int, int) { return GREEN; }), false);
     texture.bind();
@@ -494,7 +494,7 @@ TEST_F(CubeTest, aCrossOf192By256GivesFacesOf64) {
     EXPECT_EQ(levelParameter(GL_TEXTURE_CUBE_MAP_NEGATIVE_Z, GL_TEXTURE_WIDTH), 64);
 }
 
-TEST_F(CubeTest, facesThatAreNoPowerOfTwoAreRounded) {
+TEST_F(CubeTest, FacesThatAreNoPowerOfTwoAreRounded) {
     DisplayGL::denyExtensions({NPOT});
     setupCube();
     texture.load(makeImage(150, 200, [](int, int) { return GREEN; }), false);
@@ -503,7 +503,7 @@ TEST_F(CubeTest, facesThatAreNoPowerOfTwoAreRounded) {
     EXPECT_EQ(colorAt(readTexture(GL_TEXTURE_CUBE_MAP_NEGATIVE_Z), 63, 0), GREEN);
 }
 
-TEST_F(CubeTest, bindingOneFaceIsRefusedByOpenGL) {
+TEST_F(CubeTest, BindingOneFaceIsRefusedByOpenGL) {
     setupCube();
     texture.load(cross(), false);
     EXPECT_DEATH(texture.bind(6), "side>=0 && side<6");
@@ -519,7 +519,7 @@ TEST_F(CubeTest, bindingOneFaceIsRefusedByOpenGL) {
     EXPECT_DEATH(plain.bind(0), "mTarget==TARGET_CUBE");
 }
 
-TEST_F(TextureTest, afterSetFullscreenTheFileIsReadAgain) {
+TEST_F(TextureTest, AfterSetFullscreenTheFileIsReadAgain) {
     writeImage("a.png", makeImage(8, 8, [](int, int) { return RED; }));
     texture.load("a.png", false);
     texture.bind();
@@ -535,7 +535,7 @@ TEST_F(TextureTest, afterSetFullscreenTheFileIsReadAgain) {
     EXPECT_EQ(colorAt(readTexture(GL_TEXTURE_2D), 7, 7), GREEN);
 }
 
-TEST_F(TextureTest, afterANewContextAnImageComesBackAndATargetIsEmpty) {
+TEST_F(TextureTest, AfterANewContextAnImageComesBackAndATargetIsEmpty) {
     texture.load(halves(8, 8), false);
     Texture target(&display());
     target.setup(8, 8, Texture::CHAN_RGBA, Texture::FORMAT_UINT8, Texture::TARGET_2D);
@@ -549,7 +549,7 @@ TEST_F(TextureTest, afterANewContextAnImageComesBackAndATargetIsEmpty) {
     EXPECT_EQ(colorAt(readTexture(GL_TEXTURE_2D), 7, 0), 0u);
 }
 
-TEST_F(TextureTest, aNameOfAContextThatIsGoneIsNotDeleted) {
+TEST_F(TextureTest, ANameOfAContextThatIsGoneIsNotDeleted) {
     auto old = std::make_unique<Texture>(&display());
     old->load(halves(8, 8), false);
     old->bind();
@@ -563,7 +563,7 @@ TEST_F(TextureTest, aNameOfAContextThatIsGoneIsNotDeleted) {
     EXPECT_TRUE(glIsTexture(GLuint(name)));
 }
 
-TEST_F(TextureTest, theDestructorDeletesTheName) {
+TEST_F(TextureTest, TheDestructorDeletesTheName) {
     GLint name = 0;
     {
         Texture gone(&display());
@@ -575,7 +575,7 @@ TEST_F(TextureTest, theDestructorDeletesTheName) {
     EXPECT_FALSE(glIsTexture(GLuint(name)));
 }
 
-TEST_F(TextureTest, withoutADisplayThatLoadsAFileCanNotCome) {
+TEST_F(TextureTest, WithoutADisplayThatLoadsAFileCanNotCome) {
     display().setArchive(nullptr);
     texture.load("a.png", false);
     EXPECT_EQ(thrownBy([&] { texture.bind(); }),

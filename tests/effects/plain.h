@@ -34,7 +34,7 @@ struct Numbers {
         next();
     }
     uint32_t next() { return seed = seed * 69069u + 5u; }
-    float u() { return static_cast<float>(next()) * (1.0f / 4294967296.0f); }
+    float u() { return float(next()) * (1.0f / 4294967296.0f); }
     Vector3f sphere();
 };
 

@@ -51,8 +51,8 @@ void drawPlainly(display::DisplayGL& display, float time, float alpha) {
         glBegin(GL_TRIANGLES);
         for (int e = 0; e <= 18; e += 2) {
             const float o = offset[49 - i];
-            const float a = 2 * 3.14159265f * static_cast<float>(e) / 20 + o;
-            const float b = 2 * 3.14159265f * static_cast<float>(e + 1) / 20 + o;
+            const float a = 2 * 3.14159265f * float(e) / 20 + o;
+            const float b = 2 * 3.14159265f * float(e + 1) / 20 + o;
             const float m = (a + b) / 2;
             glColor4f(0, 0, 0, 0);
             glVertex3f(sinf(m), cosf(m), 0);
@@ -139,7 +139,7 @@ TEST_F(GridTest, OnceWarmAFrameAllocatesNothing) {
         frame([&] {
             const size_t before = test::allocationCount();
             mGrid.updateSpline(1, "alpha", 0.5f);
-            mGrid.update(static_cast<float>(i), 0.02f, 0.5f);
+            mGrid.update(float(i), 0.02f, 0.5f);
             asked = i < 1 ? 0 : asked + test::allocationCount() - before;
         });
     EXPECT_EQ(asked, 0u);

@@ -26,7 +26,7 @@ TEST(Random, DrawsTheSequenceThatIsTold) {
 TEST(Random, AUniformNumberIsTheStateOverTwoToTheThirtyTwo) {
     Random random(0);
     EXPECT_EQ(random.uniform(), 5 * 0x1p-32f);
-    EXPECT_EQ(random.uniform(), static_cast<float>(5u * 69069u + 5u) * 0x1p-32f);
+    EXPECT_EQ(random.uniform(), float(5u * 69069u + 5u) * 0x1p-32f);
     // A state that has all its upper bits rounds up to 1. 69069 is odd: its inverse makes any state come
     // next.
     uint32_t inverse = 1;
@@ -44,7 +44,7 @@ TEST(Random, AUniformNumberStaysInItsRangeAndSpreadsEvenly) {
         const float u = random.uniform();
         ASSERT_GE(u, 0.0f);
         ASSERT_LE(u, 1.0f);
-        ++counts[std::min(9, static_cast<int>(u * 10))];
+        ++counts[std::min(9, int(u * 10))];
     }
     for (int count : counts)
         EXPECT_NEAR(count, 10000, 500);
@@ -74,9 +74,9 @@ TEST(Random, PointsOnTheSphereHaveItsRadiusAndNoDirection) {
 }
 
 TEST(EffectRandom, StartsFromTheClockAndTwoDraws) {
-    const auto before = static_cast<uint32_t>(clock());
+    const auto before = uint32_t(clock());
     const EffectRandom random;
-    const auto after = static_cast<uint32_t>(clock());
+    const auto after = uint32_t(clock());
     bool found = false;
     for (uint32_t start = before; start <= after; ++start)
         found = found || (start * 69069u + 5u) * 69069u + 5u == random.mState;

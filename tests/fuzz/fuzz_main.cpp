@@ -86,7 +86,7 @@ public:
         mState ^= mState << 13;
         mState ^= mState >> 7;
         mState ^= mState << 17;
-        return limit ? static_cast<size_t>((mState >> 16) % limit) : 0;
+        return limit ? size_t((mState >> 16) % limit) : 0;
     }
 
 private:
@@ -115,7 +115,7 @@ void overwriteNumber(Bytes& input, Random& random) {
     const size_t width = size_t(1) << random.below(3);
     const size_t at = position(input, random);
     for (size_t i = 0; i < width && at + i < input.size(); ++i) {
-        input[at + i] = static_cast<uint8_t>(number >> 8 * (bigEndian ? width - 1 - i : i));
+        input[at + i] = uint8_t(number >> 8 * (bigEndian ? width - 1 - i : i));
     }
 }
 
@@ -123,10 +123,10 @@ void change(Bytes& input, const Bytes& other, Random& random) {
     const size_t at = random.below(input.size());
     switch (input.empty() ? 3 : random.below(7)) {
     case 0:
-        input[at] ^= static_cast<uint8_t>(1u << random.below(8));
+        input[at] ^= uint8_t(1u << random.below(8));
         break;
     case 1:
-        input[at] = static_cast<uint8_t>(random.below(256));
+        input[at] = uint8_t(random.below(256));
         break;
     case 2: {
         const size_t length = std::min(input.size() - at, 1 + random.below(16));
@@ -136,7 +136,7 @@ void change(Bytes& input, const Bytes& other, Random& random) {
     }
     case 3:
         input.insert(input.begin() + static_cast<ptrdiff_t>(position(input, random)),
-                     static_cast<uint8_t>(random.below(256)));
+                     uint8_t(random.below(256)));
         break;
     case 4:
         overwriteNumber(input, random);
@@ -190,7 +190,7 @@ int main(int argc, char** argv) {
     std::vector<std::filesystem::path> paths;
     for (int i = 1; i < argc; ++i) {
         if (strcmp(argv[i], "--changes") == 0 && i + 1 < argc) {
-            changes = static_cast<size_t>(atol(argv[++i]));
+            changes = size_t(atol(argv[++i]));
         } else if (std::filesystem::is_directory(argv[i])) {
             for (const auto& entry : std::filesystem::directory_iterator(argv[i])) {
                 paths.push_back(entry.path());

@@ -46,7 +46,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     check(quiet);
     o3d::Manager manager;
     try {
-        manager.load(data, static_cast<int>(size));
+        manager.load(data, int(size));
     } catch (const Exception&) {
     }
     size_t nodes = 0;

@@ -36,7 +36,7 @@ void checkTree(const XmlNode& node) {
 
 bool loads(XmlParser& parser, const char* text, size_t size) {
     try {
-        parser.parse(text, static_cast<int>(size));
+        parser.parse(text, int(size));
         return true;
     } catch (const zentrak::Exception&) {
         return false;

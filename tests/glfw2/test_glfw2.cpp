@@ -104,7 +104,7 @@ TEST(KeyCode, SpecialKeysRunFrom257To318) {
 
 TEST(KeyCode, TheKeypadIsItselfWhateverItTypes) {
     for (int i = 0; i < 10; ++i) {
-        const char digit[] = {static_cast<char>('0' + i), 0};
+        const char digit[] = {char('0' + i), 0};
         EXPECT_EQ(keyCode(320 + i, digit), 302 + i);
         EXPECT_EQ(keyCode(320 + i, nullptr), 302 + i);
     }

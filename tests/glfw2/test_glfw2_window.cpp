@@ -75,7 +75,7 @@ bool isOpen() {
 }
 
 int count(const std::string& event) {
-    return static_cast<int>(std::count(events.begin(), events.end(), event));
+    return int(std::count(events.begin(), events.end(), event));
 }
 
 // What one key tells that goes down and up and types nothing.
@@ -170,7 +170,7 @@ TEST_F(Glfw2, AWindowOpensWithACompatibilityContext) {
     glEnd();
     glPushAttrib(GL_ALL_ATTRIB_BITS);
     glPopAttrib();
-    EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
+    EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
 }
 
 TEST_F(Glfw2, ASecondWindowIsRefused) {
@@ -194,7 +194,7 @@ TEST_F(Glfw2, ClosingAndOpeningGivesANewContext) {
     glfwCloseWindow();
     ASSERT_EQ(openWindow(), 1);
     EXPECT_FALSE(glIsTexture(texture));
-    EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
+    EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
 }
 
 TEST_F(Glfw2, ArgumentsOutOfRangeOpenNothing) {
@@ -478,7 +478,7 @@ TEST_F(Glfw2, TypedTextArrivesWhole) {
     std::string read;
     for (const std::string& event : events)
         if (event.starts_with("char ") && event.ends_with(" 1"))
-            read += static_cast<char>(std::atoi(event.c_str() + 5));
+            read += char(std::atoi(event.c_str() + 5));
     EXPECT_EQ(read, text);
 }
 
@@ -850,7 +850,7 @@ TEST_F(Glfw2, WhatIsDrawnIsSwapped) {
         return runCommand("import -window " + viewer().window() + " -crop 1x1+200+150 -depth 8 txt:-")
                    .second.find("#FF8000") != std::string::npos;
     });
-    EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
+    EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
 }
 
 TEST_F(Glfw2, ADamagedWindowAsksForARefresh) {

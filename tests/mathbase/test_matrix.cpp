@@ -25,7 +25,7 @@ Matrix4x4Col rows(std::initializer_list<float> values) {
 Matrix4x4Col numbered(float first) {
     Matrix4x4Col m;
     for (int i = 0; i < 16; ++i) {
-        m.mData[i] = first + static_cast<float>(i * i % 7);
+        m.mData[i] = first + float(i * i % 7);
     }
     return m;
 }
@@ -185,7 +185,7 @@ TEST(Matrix, SetProject) {
 TEST(Matrix, SetProjectInfHasNoFarPlane) {
     Matrix4x4Col m = dirty();
     m.setProjectInf(1.0f, 1.5f, 0.5f);
-    const float h = static_cast<float>(0.5 * tan(0.5)), w = 1.5f * h;
+    const float h = float(0.5 * tan(0.5)), w = 1.5f * h;
     EXPECT_EQ(rows({0.5f / w, 0, 0, 0, 0, 0.5f / h, 0, 0, 0, 0, -1, -1, 0, 0, -1, 0}), m);
     const Vector4f distant = m * Vector4f(0, 0, -1e9f, 1);
     EXPECT_NEAR(1.0f, distant.z / distant.w, 1e-5f);
@@ -196,7 +196,7 @@ TEST(Matrix, SetProjectInfTakesTheTangentInDoublePrecision) {
     for (float fov = 0.3f; fov < 2.5f; fov += 0.1f) {
         Matrix4x4Col m;
         m.setProjectInf(fov, 1, 0.7f);
-        const float h = static_cast<float>(0.7f * tan(static_cast<double>(fov) / 2.0));
+        const float h = float(0.7f * tan(double(fov) / 2.0));
         EXPECT_EQ(0.7f / h, m.mData[5]) << fov;
         differing += 0.7f / h != 0.7f / (0.7f * tanf(fov / 2.0f));
     }

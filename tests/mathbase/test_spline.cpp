@@ -84,11 +84,10 @@ TEST(Spline, SquareAtExactlyAKeysTimeGivesThatKeysValue) {
         Spline spline;
         spline.mMode = 0;
         for (int i = 0; i < count; ++i) {
-            spline.addKey({static_cast<float>(i), static_cast<float>(10 + i)});
+            spline.addKey({float(i), float(10 + i)});
         }
         for (int i = 0; i < count; ++i) {
-            EXPECT_EQ(static_cast<float>(10 + i), spline.evaluate(static_cast<float>(i)))
-                << i << " of " << count;
+            EXPECT_EQ(float(10 + i), spline.evaluate(float(i))) << i << " of " << count;
         }
     }
 }
@@ -196,13 +195,13 @@ TEST(Spline, KeysOutOfTimeOrderYieldASortedList) {
 
 TEST(Spline, LaterAddedOfTwoKeysWithEqualTimesSitsBehindTheEarlierOne) {
     for (const float time : {1.0f, 2.0f, 3.0f, 4.0f}) {
-        for (int count = static_cast<int>(time); count <= 4; ++count) {
+        for (int count = int(time); count <= 4; ++count) {
             Spline spline;
             for (int i = 1; i <= count; ++i) {
-                spline.addKey({static_cast<float>(i), static_cast<float>(i)});
+                spline.addKey({float(i), float(i)});
             }
-            EXPECT_EQ(static_cast<int>(time), spline.addKey({time, 100})) << time << " of " << count;
-            EXPECT_EQ(static_cast<int>(time) + 1, spline.addKey({time, 200})) << time << " of " << count;
+            EXPECT_EQ(int(time), spline.addKey({time, 100})) << time << " of " << count;
+            EXPECT_EQ(int(time) + 1, spline.addKey({time, 200})) << time << " of " << count;
             EXPECT_EQ(count + 2, spline.getNumKeys());
         }
     }
@@ -273,7 +272,7 @@ TEST(Spline, NumbersThatAreNoneAndKeysOutOfOrderReadNothingOutside) {
             Spline spline;
             spline.mMode = mode;
             for (int i = 0; i < count; ++i) {
-                spline.addKey({i % 2 ? notANumber : static_cast<float>(i), static_cast<float>(i)});
+                spline.addKey({i % 2 ? notANumber : float(i), float(i)});
             }
             for (const float time : {notANumber, -infinity, infinity, 0.0f, 1.0f, 2.5f}) {
                 spline.evaluate(time);

@@ -102,8 +102,8 @@ TEST(Vector3, ComponentByIndexNeverLeavesTheVector) {
     Vector3f v(1, 2, 3);
     const Vector3f c(4, 5, 6);
     for (int i = 0; i < 3; ++i) {
-        EXPECT_EQ(1.0f + static_cast<float>(i), v[i]);
-        EXPECT_EQ(4.0f + static_cast<float>(i), c(i));
+        EXPECT_EQ(1.0f + float(i), v[i]);
+        EXPECT_EQ(4.0f + float(i), c(i));
     }
     v[1] = 7;
     v(2) = 8;

@@ -16,7 +16,7 @@ inline std::string bytes(const void* data, size_t length) {
 }
 
 inline std::string u8(unsigned value) {
-    return std::string(1, static_cast<char>(value));
+    return std::string(1, char(value));
 }
 inline std::string u16(unsigned value) {
     return u8(value & 255) + u8(value >> 8);
@@ -43,7 +43,7 @@ inline std::string text(const std::string& value) {
 // A chunk; the size field is left out where the ID implies it.
 inline std::string chunk(unsigned id, const std::string& payload) {
     const unsigned tag = id & 15;
-    return u16(id) + (tag >= 1 && tag <= 7 ? "" : u32(static_cast<uint32_t>(payload.size()))) + payload;
+    return u16(id) + (tag >= 1 && tag <= 7 ? "" : u32(uint32_t(payload.size()))) + payload;
 }
 
 inline std::string triangle(int a, int b, int c) {
@@ -67,7 +67,7 @@ inline std::string file(const std::string& children) {
 inline void load(o3d::Manager& manager, const std::string& image) {
     const std::unique_ptr<unsigned char[]> data(new unsigned char[image.size()]);
     memcpy(data.get(), image.data(), image.size());
-    manager.load(data.get(), static_cast<int>(image.size()));
+    manager.load(data.get(), int(image.size()));
 }
 
 // A file with every chunk there is, with values that tell them apart.

@@ -26,7 +26,7 @@ Armature::Bone* addBone(std::vector<Armature::Bone*>& bones, const Vector3f& hea
     return bone;
 }
 
-TEST(Armature, aNewBoneHasNoTurnAndNoPlace) {
+TEST(Armature, ANewBoneHasNoTurnAndNoPlace) {
     const Armature::Bone bone;
     EXPECT_EQ(Vector3f(0, 0, 0), bone.mHead);
     EXPECT_EQ(Vector3f(0, 0, 0), bone.mPosePosition);
@@ -35,7 +35,7 @@ TEST(Armature, aNewBoneHasNoTurnAndNoPlace) {
     EXPECT_EQ(Quatf(1, 0, 0, 0), bone.mRotationTrack.getValue(0));
 }
 
-TEST(Armature, aBoneExtendsAlongNegativeZAndItsChildStartsAtTheTail) {
+TEST(Armature, ABoneExtendsAlongNegativeZAndItsChildStartsAtTheTail) {
     Armature armature;
     Armature::Bone* const root = addBone(armature.mBones, Vector3f(1, 0, 0), 2);
     Armature::Bone* const child = addBone(root->mChildren, Vector3f(0, 0, 0), 1);
@@ -44,13 +44,13 @@ TEST(Armature, aBoneExtendsAlongNegativeZAndItsChildStartsAtTheTail) {
     expectNear(Vector3f(1, 0, -2), child->mPosePosition); // the root's tail
 }
 
-TEST(Armature, withoutBonesTheresNothingToPose) {
+TEST(Armature, WithoutBonesTheresNothingToPose) {
     Armature armature;
     armature.updatePose();
     EXPECT_TRUE(armature.mBones.empty());
 }
 
-TEST(Armature, rotationsAddUpAlongTheBones) {
+TEST(Armature, RotationsAddUpAlongTheBones) {
     Armature armature;
     Armature::Bone* const root = addBone(armature.mBones, Vector3f(0, 0, 0), 3);
     Armature::Bone* const child = addBone(root->mChildren, Vector3f(1, 0, 0), 2);
@@ -65,7 +65,7 @@ TEST(Armature, rotationsAddUpAlongTheBones) {
     expectNear(Vector3f(0, -1, 0), leaf->mPoseRotation * Vector3f(0, 1, 0));
 }
 
-TEST(Armature, theRotationTrackPlaysNoPartInThePose) {
+TEST(Armature, TheRotationTrackPlaysNoPartInThePose) {
     Armature armature;
     Armature::Bone* const root = addBone(armature.mBones, Vector3f(0, 0, 0), 3);
     root->mRotationTrack.mW.mValue = 0;
@@ -74,7 +74,7 @@ TEST(Armature, theRotationTrackPlaysNoPartInThePose) {
     EXPECT_EQ(Quatf(1, 0, 0, 0), root->mPoseRotation);
 }
 
-TEST(Armature, bonesAreLoadedWithTheirPlainValues) {
+TEST(Armature, BonesAreLoadedWithTheirPlainValues) {
     o3d::Manager manager;
     load(manager, everything());
     const auto& armature = dynamic_cast<const Armature&>(*manager.mScenes[0]->getChild("skeleton"));
@@ -88,7 +88,7 @@ TEST(Armature, bonesAreLoadedWithTheirPlainValues) {
     EXPECT_EQ(7.0f, armature.mPosition.mX.mValue);
 }
 
-TEST(Armature, writesNothing) {
+TEST(Armature, WritesNothing) {
     o3d::Manager manager;
     load(manager, everything());
     chunklib::WriteBuffer buffer("O3DF", 1, 1, 3);
@@ -96,9 +96,9 @@ TEST(Armature, writesNothing) {
     EXPECT_EQ(6u, buffer.mData.size());
 }
 
-TEST(BoneGroup, countsItsWeightsByTheSizeOfTheChunk) {
+TEST(BoneGroup, CountsItsWeightsByTheSizeOfTheChunk) {
     const std::string stream = "O3DF\x01\x01" + chunk(0x2300, i32(-5) + u32(1) + u32(2) + u32(3) + u32(4));
-    chunklib::ReadBuffer buffer(stream.data(), static_cast<int>(stream.size()));
+    chunklib::ReadBuffer buffer(stream.data(), int(stream.size()));
     buffer.openChunk();
     o3d::BoneGroup group;
     group.loadChunk(buffer);
@@ -115,7 +115,7 @@ TEST(BoneGroup, countsItsWeightsByTheSizeOfTheChunk) {
     EXPECT_TRUE(group.mWeights.empty());
 }
 
-TEST(BoneGroupDeathTest, aMeshFromAFileHasNoneToGive) {
+TEST(BoneGroupDeathTest, AMeshFromAFileHasNoneToGive) {
     o3d::Manager manager;
     load(manager, everything());
     o3d::Mesh& mesh = *manager.mMeshes[0];
@@ -123,13 +123,13 @@ TEST(BoneGroupDeathTest, aMeshFromAFileHasNoneToGive) {
     EXPECT_DEATH(mesh.getBoneGroup(-1), "groupID >= 0");
 }
 
-TEST(BoneGroupDeathTest, anEmptyPlaceHasNoneToGive) {
+TEST(BoneGroupDeathTest, AnEmptyPlaceHasNoneToGive) {
     o3d::Mesh mesh;
     mesh.mBoneGroup.push_back(nullptr);
     EXPECT_DEATH(mesh.getBoneGroup(0), "mBoneGroup\\[groupID\\]!=0");
 }
 
-TEST(BoneGroup, aMeshGivesTheWeightsOfItsGroups) {
+TEST(BoneGroup, AMeshGivesTheWeightsOfItsGroups) {
     o3d::Mesh mesh;
     mesh.mBoneGroup.push_back(new o3d::BoneGroup);
     mesh.mBoneGroup[0]->mWeights.resize(3);
@@ -138,7 +138,7 @@ TEST(BoneGroup, aMeshGivesTheWeightsOfItsGroups) {
     EXPECT_EQ(&mesh.getBoneGroup(0), &constant.getBoneGroup(0));
 }
 
-TEST(BoneGroup, hasBoneGroupIsFalseInsideTheListAndPastIt) {
+TEST(BoneGroup, HasBoneGroupIsFalseInsideTheListAndPastIt) {
     o3d::Mesh mesh;
     mesh.mBoneGroup.push_back(new o3d::BoneGroup);
     for (const int group : {-1, 0, 1, 2, 1000000})

@@ -56,7 +56,7 @@ void survive(const std::string& image) {
     delete[] data;
 }
 
-TEST(BadInput, aFileCutAtEveryByteGivesWhatIsThere) {
+TEST(BadInput, AFileCutAtEveryByteGivesWhatIsThere) {
     const std::string image = everything();
     CaptureStdout capture;
     for (size_t length = 0; length < image.size(); ++length) {
@@ -73,19 +73,18 @@ TEST(BadInput, aFileCutAtEveryByteGivesWhatIsThere) {
     EXPECT_EQ(4u, manager.mScenes.at(0)->mChildren.size());
 }
 
-TEST(BadInput, everyByteChangedIsSurvived) {
+TEST(BadInput, EveryByteChangedIsSurvived) {
     const std::string image = everything();
     CaptureStdout capture;
     for (size_t at = 6; at < image.size(); ++at)
-        for (const unsigned value :
-             {0x00u, 0x01u, 0x7Fu, 0x80u, 0xFFu, static_cast<unsigned>(image[at] ^ 1)}) {
+        for (const unsigned value : {0x00u, 0x01u, 0x7Fu, 0x80u, 0xFFu, unsigned(image[at] ^ 1)}) {
             std::string changed = image;
-            changed[at] = static_cast<char>(value);
+            changed[at] = char(value);
             survive(changed);
         }
 }
 
-TEST(BadInput, randomChangesAreSurvived) {
+TEST(BadInput, RandomChangesAreSurvived) {
     const std::string image = everything();
     std::mt19937 random(21);
     CaptureStdout capture;
@@ -95,10 +94,10 @@ TEST(BadInput, randomChangesAreSurvived) {
             const size_t at = 6 + random() % (changed.size() - 6);
             switch (random() % 4) {
             case 0:
-                changed[at] = static_cast<char>(random());
+                changed[at] = char(random());
                 break;
             case 1: // a size or a number at a border
-                changed.replace(at, 4, u32(static_cast<uint32_t>(-1) >> (random() % 33 & 31)));
+                changed.replace(at, 4, u32(uint32_t(-1) >> (random() % 33 & 31)));
                 break;
             case 2:
                 changed.erase(at, random() % 20);
@@ -113,7 +112,7 @@ TEST(BadInput, randomChangesAreSurvived) {
     }
 }
 
-TEST(BadInput, sizesPastTheEndAllocateOnlyWhatIsThere) {
+TEST(BadInput, SizesPastTheEndAllocateOnlyWhatIsThere) {
     // Each list claims four gigabytes and holds two elements.
     const auto claim = [](unsigned id, const std::string& payload) {
         return u16(id) + u32(0xFFFFFFF0) + payload;
@@ -139,7 +138,7 @@ TEST(BadInput, sizesPastTheEndAllocateOnlyWhatIsThere) {
     EXPECT_EQ(2u, scene->mScenes.at(0)->mPosition.mX.mKeys.size());
 }
 
-TEST(BadInput, aMillionNestedNodesAreCutAtALimit) {
+TEST(BadInput, AMillionNestedNodesAreCutAtALimit) {
     for (const unsigned id : {0x5130u, 0x5190u}) {
         // Written from the outside in: each chunk claims the rest of the file.
         const std::string head = id == 0x5190 ? text("") + std::string(32, '\0') : text("");
@@ -170,7 +169,7 @@ TEST(BadInput, aMillionNestedNodesAreCutAtALimit) {
     }
 }
 
-TEST(BadInput, nodesThatEndBeforeTheirChildrenDoNotMultiply) {
+TEST(BadInput, NodesThatEndBeforeTheirChildrenDoNotMultiply) {
     // Each node has room for its child's head only, and each child claims the rest of the file. Read again
     // after every level, this would make 2^60 nodes.
     std::string image =
@@ -191,7 +190,7 @@ TEST(BadInput, nodesThatEndBeforeTheirChildrenDoNotMultiply) {
     EXPECT_LT(nodes, 1000u);
 }
 
-TEST(BadInput, namesThatPointNowhereOrInACircleAreOnlyNames) {
+TEST(BadInput, NamesThatPointNowhereOrInACircleAreOnlyNames) {
     o3d::Manager manager;
     load(manager,
          file(chunk(0x5000, text("s") + chunk(0x5120, text("s") + text("missing"))) +
@@ -203,7 +202,7 @@ TEST(BadInput, namesThatPointNowhereOrInACircleAreOnlyNames) {
     EXPECT_EQ(nullptr, manager.getImage("m"));
 }
 
-TEST(BadInput, aNameAsLongAsTheFileIsKept) {
+TEST(BadInput, ANameAsLongAsTheFileIsKept) {
     const std::string name(300000, '%');
     o3d::Manager manager;
     CaptureStdout capture;

@@ -36,7 +36,7 @@ bool isLogLine(const std::string& output, const std::string& level, const std::s
            output.compare(start + 3, message.size() + 6, message + " (o3d_") == 0;
 }
 
-TEST(Manager, emptyFileIsOfVersionZeroAndFormatVoid) {
+TEST(Manager, EmptyFileIsOfVersionZeroAndFormatVoid) {
     EXPECT_EQ("Manager-file is of wrong version (0:0 of format void)", failureOf(""));
     EXPECT_EQ("Manager-file is of wrong version (0:0 of format void)", failureOf("O3DF\x01"));
     o3d::Manager manager;
@@ -45,7 +45,7 @@ TEST(Manager, emptyFileIsOfVersionZeroAndFormatVoid) {
     EXPECT_THROW(manager.load(reinterpret_cast<const unsigned char*>("x"), -1), Exception);
 }
 
-TEST(Manager, otherVersionIsRefused) {
+TEST(Manager, OtherVersionIsRefused) {
     EXPECT_EQ("Manager-file is of wrong version (1:2 of format O3DF)",
               failureOf("O3DF\x01\x02" + chunk(0x1000, "")));
     EXPECT_EQ("Manager-file is of wrong version (2:1 of format O3DF)",
@@ -54,14 +54,14 @@ TEST(Manager, otherVersionIsRefused) {
               failureOf(std::string("O3DF\xFF\0", 6) + chunk(0x1000, "")));
 }
 
-TEST(Manager, otherFormatIsRefused) {
+TEST(Manager, OtherFormatIsRefused) {
     EXPECT_EQ("Manager-file is of wrong version (1:1 of format O3DG)",
               failureOf("O3DG\x01\x01" + chunk(0x1000, "")));
     EXPECT_EQ("Manager-file is of wrong version (1:1 of format %s%n)",
               failureOf("%s%n\x01\x01" + chunk(0x1000, "")));
 }
 
-TEST(Manager, firstChunkHasToBeTheMainChunk) {
+TEST(Manager, FirstChunkHasToBeTheMainChunk) {
     const std::string message = "There can only be a main-chunk as the top of the hiarchy! Found ";
     EXPECT_EQ(message + "0x2000", failureOf("O3DF\x01\x01" + chunk(0x2000, text("m"))));
     EXPECT_EQ(message + "0xFFAB", failureOf("O3DF\x01\x01" + chunk(0xFFAB, "")));
@@ -69,7 +69,7 @@ TEST(Manager, firstChunkHasToBeTheMainChunk) {
     EXPECT_EQ(message + "0x0", failureOf("O3DF\x01\x01" + u16(0x1000))); // no room for its size
 }
 
-TEST(Manager, mainChunkWithoutChildrenGivesAManagerWithoutAScene) {
+TEST(Manager, MainChunkWithoutChildrenGivesAManagerWithoutAScene) {
     o3d::Manager manager;
     load(manager, file(""));
     EXPECT_TRUE(manager.mScenes.empty());
@@ -77,7 +77,7 @@ TEST(Manager, mainChunkWithoutChildrenGivesAManagerWithoutAScene) {
     EXPECT_EQ(nullptr, manager.getScene(""));
 }
 
-TEST(Manager, everyChunkOfAFileIsLoaded) {
+TEST(Manager, EveryChunkOfAFileIsLoaded) {
     o3d::Manager manager;
     {
         CaptureStdout capture;
@@ -150,7 +150,7 @@ TEST(Manager, everyChunkOfAFileIsLoaded) {
     EXPECT_EQ(1.0f, instance.mRotation.mY.mKeys.at(0).mValue);
 }
 
-TEST(Manager, childrenOfTheMainChunkComeInAnyOrder) {
+TEST(Manager, ChildrenOfTheMainChunkComeInAnyOrder) {
     o3d::Manager manager;
     load(manager, file(chunk(0x5000, text("s")) + chunk(0x4000, text("i")) + chunk(0x2000, text("m")) +
                        chunk(0x6000, text("a")) + chunk(0x4000, text("j"))));
@@ -161,13 +161,13 @@ TEST(Manager, childrenOfTheMainChunkComeInAnyOrder) {
     EXPECT_NE(nullptr, manager.getScene("s"));
 }
 
-TEST(Manager, whatFollowsTheMainChunkIsIgnored) {
+TEST(Manager, WhatFollowsTheMainChunkIsIgnored) {
     o3d::Manager manager;
     load(manager, file(chunk(0x5000, text("s"))) + chunk(0x1000, chunk(0x5000, text("t"))) + "rubbish");
     EXPECT_EQ(1u, manager.mScenes.size());
 }
 
-TEST(Manager, aSecondLoadAddsToTheFirst) {
+TEST(Manager, ASecondLoadAddsToTheFirst) {
     o3d::Manager manager;
     load(manager, file(chunk(0x5000, text("s")) + chunk(0x2000, text("m"))));
     load(manager, file(chunk(0x5000, text("t")) + chunk(0x2000, text("n"))));
@@ -176,14 +176,14 @@ TEST(Manager, aSecondLoadAddsToTheFirst) {
     EXPECT_EQ(1, manager.getMeshIndex("n"));
 }
 
-TEST(Manager, aRefusedFileLeavesWhatWasThere) {
+TEST(Manager, ARefusedFileLeavesWhatWasThere) {
     o3d::Manager manager;
     load(manager, file(chunk(0x5000, text("s"))));
     EXPECT_THROW(load(manager, "O3DF\x01\x02"), Exception);
     EXPECT_EQ(1u, manager.mScenes.size());
 }
 
-TEST(Manager, ofTwoMeshesWithOneNameTheLaterIsFoundAndBothAreDestroyed) {
+TEST(Manager, OfTwoMeshesWithOneNameTheLaterIsFoundAndBothAreDestroyed) {
     o3d::Manager manager;
     load(manager,
          file(chunk(0x2000, text("m") + chunk(0xFF00, floats({1, 2, 3}))) + chunk(0x2000, text("m"))));
@@ -196,7 +196,7 @@ TEST(Manager, ofTwoMeshesWithOneNameTheLaterIsFoundAndBothAreDestroyed) {
     EXPECT_EQ(nullptr, manager.getMesh("m"));
 }
 
-TEST(Manager, clearEmptiesListsAndMaps) {
+TEST(Manager, ClearEmptiesListsAndMaps) {
     o3d::Manager manager;
     load(manager, everything());
     manager.clear();
@@ -207,13 +207,13 @@ TEST(Manager, clearEmptiesListsAndMaps) {
     EXPECT_EQ(0, manager.getMeshIndex("mesh"));
 }
 
-TEST(Manager, sceneWithAnEmptyNameIsFoundByIt) {
+TEST(Manager, SceneWithAnEmptyNameIsFoundByIt) {
     o3d::Manager manager;
     load(manager, file(chunk(0x5000, text("s")) + chunk(0x5000, text(""))));
     EXPECT_EQ(manager.mScenes[1], manager.getScene(""));
 }
 
-TEST(Manager, ofTwoScenesWithOneNameTheFirstIsFound) {
+TEST(Manager, OfTwoScenesWithOneNameTheFirstIsFound) {
     o3d::Manager manager;
     load(manager, file(chunk(0x5000, text("s")) + chunk(0x5000, text("s"))));
     const o3d::Manager& constant = manager;
@@ -222,7 +222,7 @@ TEST(Manager, ofTwoScenesWithOneNameTheFirstIsFound) {
     EXPECT_EQ(nullptr, constant.getScene("S"));
 }
 
-TEST(Manager, namesThatAreNotThereGiveNullAndMinusOne) {
+TEST(Manager, NamesThatAreNotThereGiveNullAndMinusOne) {
     o3d::Manager manager;
     load(manager, everything());
     const o3d::Manager& constant = manager;
@@ -237,7 +237,7 @@ TEST(Manager, namesThatAreNotThereGiveNullAndMinusOne) {
     EXPECT_EQ(manager.mImages[0], constant.getImage("image"));
 }
 
-TEST(Manager, indexOfMinusOneInTheMapGivesNull) {
+TEST(Manager, IndexOfMinusOneInTheMapGivesNull) {
     o3d::Manager manager;
     manager.mMeshMap["gone"] = -1;
     manager.mMeshMap["past"] = 7;
@@ -246,7 +246,7 @@ TEST(Manager, indexOfMinusOneInTheMapGivesNull) {
     EXPECT_EQ(nullptr, manager.getMesh("past"));
 }
 
-TEST(Manager, addSceneTakesTheScene) {
+TEST(Manager, AddSceneTakesTheScene) {
     o3d::Manager manager;
     o3d::Scene* const scene = new o3d::Scene;
     scene->mName = "made";
@@ -256,7 +256,7 @@ TEST(Manager, addSceneTakesTheScene) {
     EXPECT_EQ(1u, manager.mScenes.size());
 }
 
-TEST(Manager, unknownChunksAreReportedInTheWayOfTheirLevel) {
+TEST(Manager, UnknownChunksAreReportedInTheWayOfTheirLevel) {
     const std::string unknown = chunk(0xABC0, "payload");
     const auto material = [](const std::string& children) {
         return file(chunk(0x6000, text("m") + children));
@@ -277,7 +277,7 @@ TEST(Manager, unknownChunksAreReportedInTheWayOfTheirLevel) {
               outputOf(file(chunk(0x5000, text("s") + chunk(0x5180, text("a") + bone)))));
 }
 
-TEST(Manager, unknownChunksInNodesAndTracksAreIgnoredInSilence) {
+TEST(Manager, UnknownChunksInNodesAndTracksAreIgnoredInSilence) {
     const std::string unknown = chunk(0xABC0, "payload");
     const auto scene = [](const std::string& children) { return file(chunk(0x5000, text("s") + children)); };
     EXPECT_EQ("", outputOf(scene(unknown)));
@@ -292,11 +292,11 @@ TEST(Manager, unknownChunksInNodesAndTracksAreIgnoredInSilence) {
     EXPECT_EQ("", outputOf(scene(chunk(0x5180, text("a") + chunk(0x5190, bone)))));
 }
 
-TEST(Manager, boneGroupInAMeshIsSkippedInSilence) {
+TEST(Manager, BoneGroupInAMeshIsSkippedInSilence) {
     EXPECT_EQ("", outputOf(file(chunk(0x2000, text("m") + chunk(0x2300, i32(1) + i32(2) + i32(3))))));
 }
 
-TEST(Manager, unknownChunksAreSkippedWhole) {
+TEST(Manager, UnknownChunksAreSkippedWhole) {
     const std::string unknown = chunk(0xABC0, chunk(0x2000, text("no"))); // would be a Mesh, were it read
     o3d::Manager manager;
     load(manager, file(unknown + chunk(0x2000, text("m") + unknown + chunk(0xFF00, floats({1, 2, 3})))));
@@ -305,13 +305,13 @@ TEST(Manager, unknownChunksAreSkippedWhole) {
     EXPECT_EQ(1u, manager.getMesh("m")->mVertices.size());
 }
 
-TEST(Manager, chunkWithIdZeroEndsThePayload) {
+TEST(Manager, ChunkWithIdZeroEndsThePayload) {
     o3d::Manager manager;
     load(manager, file(chunk(0x2000, text("a")) + chunk(0, "xx") + chunk(0x2000, text("b"))));
     EXPECT_EQ(1u, manager.mMeshes.size());
 }
 
-TEST(Manager, nameWithoutItsZeroByteEndsWithTheChunk) {
+TEST(Manager, NameWithoutItsZeroByteEndsWithTheChunk) {
     o3d::Manager manager;
     load(manager, file(chunk(0x4000, "cut") + chunk(0x4000, text("whole")) + chunk(0x4000, "")));
     EXPECT_NE(nullptr, manager.getImage("cut"));
@@ -319,12 +319,12 @@ TEST(Manager, nameWithoutItsZeroByteEndsWithTheChunk) {
     EXPECT_NE(nullptr, manager.getImage(""));
 }
 
-TEST(Manager, anEmptyManagerWritesAHeaderThatLoadRefuses) {
+TEST(Manager, AnEmptyManagerWritesAHeaderThatLoadRefuses) {
     o3d::Manager manager;
     unsigned char* data = nullptr;
     int length = 77;
     manager.write(&data, &length);
-    const std::string image = bytes(data, static_cast<size_t>(length));
+    const std::string image = bytes(data, size_t(length));
     delete[] data;
     EXPECT_EQ("O3DF\1\1", image); // an empty main chunk leaves no trace
     EXPECT_EQ("There can only be a main-chunk as the top of the hiarchy! Found 0x0", failureOf(image));

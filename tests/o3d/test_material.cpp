@@ -14,14 +14,14 @@ std::unique_ptr<o3d::Manager> materialWith(const std::string& children) {
     return manager;
 }
 
-TEST(Material, withOnlyItsNameHasTheFirstFlagClearAndTheSecondSet) {
+TEST(Material, WithOnlyItsNameHasTheFirstFlagClearAndTheSecondSet) {
     const auto manager = materialWith("");
     EXPECT_FALSE(manager->mMaterials.at(0)->mFlag1);
     EXPECT_TRUE(manager->mMaterials.at(0)->mFlag2);
     EXPECT_EQ("m", manager->mMaterials.at(0)->mName);
 }
 
-TEST(Material, flagIsSetByAByteOfOneOnly) {
+TEST(Material, FlagIsSetByAByteOfOneOnly) {
     for (const unsigned byte : {0u, 1u, 2u, 255u}) {
         const auto manager = materialWith(chunk(0x6101, u8(byte)) + chunk(0x6111, u8(byte)));
         EXPECT_EQ(byte == 1, manager->mMaterials.at(0)->mFlag1) << byte;
@@ -29,7 +29,7 @@ TEST(Material, flagIsSetByAByteOfOneOnly) {
     }
 }
 
-TEST(Material, flagWhoseByteIsMissingKeepsItsDefault) {
+TEST(Material, FlagWhoseByteIsMissingKeepsItsDefault) {
     o3d::Manager manager;
     std::string image = file(chunk(0x6000, text("m") + chunk(0x6111, u8(0))));
     image.pop_back();
@@ -37,7 +37,7 @@ TEST(Material, flagWhoseByteIsMissingKeepsItsDefault) {
     EXPECT_TRUE(manager.mMaterials.at(0)->mFlag2);
 }
 
-TEST(Material, attributesKeepTheirOrder) {
+TEST(Material, AttributesKeepTheirOrder) {
     const auto manager = materialWith(chunk(0x6100, text("b")) + chunk(0x6100, text("a")));
     const auto& attributes = manager->mMaterials.at(0)->mAttributes;
     ASSERT_EQ(2u, attributes.size());
@@ -45,7 +45,7 @@ TEST(Material, attributesKeepTheirOrder) {
     EXPECT_EQ("a", attributes[1]->mName);
 }
 
-TEST(Material, textureValueIsAnUnsignedByte) {
+TEST(Material, TextureValueIsAnUnsignedByte) {
     const auto manager = materialWith(chunk(
         0x6100, text("a") + chunk(0x7000, text("t") + chunk(0x7001, u8(200))) + chunk(0x7000, text("u"))));
     const auto& textures = manager->mMaterials.at(0)->mAttributes.at(0)->mTextures;
@@ -54,14 +54,14 @@ TEST(Material, textureValueIsAnUnsignedByte) {
     EXPECT_EQ(0, textures[1]->mValue);
 }
 
-TEST(Material, texturesOutliveTheirMaterial) {
+TEST(Material, TexturesOutliveTheirMaterial) {
     auto manager = materialWith(chunk(0x6100, text("a") + chunk(0x7000, text("kept"))));
     o3d::Texture* const texture = manager->mMaterials.at(0)->mAttributes.at(0)->mTextures.at(0);
     manager.reset();
     EXPECT_EQ("kept", texture->mName);
 }
 
-TEST(Material, clearGoesBackToTheDefaults) {
+TEST(Material, ClearGoesBackToTheDefaults) {
     const auto manager = materialWith(chunk(0x6101, u8(1)) + chunk(0x6111, u8(0)) + chunk(0x6100, text("a")));
     o3d::Material& material = *manager->mMaterials.at(0);
     material.clear();

@@ -17,7 +17,7 @@ long gCountdown = -1; // calls that still succeed; below 0 all do
 bool gOnce = false;   // only one call fails, and memory is there again behind it
 long gCalls = 0;
 
-void* allocate(std::size_t size) {
+void* allocate(size_t size) {
     ++gCalls;
     if (gCountdown == 0) {
         if (gOnce)
@@ -33,10 +33,10 @@ void* allocate(std::size_t size) {
 
 } // namespace
 
-void* operator new(std::size_t size) {
+void* operator new(size_t size) {
     return allocate(size);
 }
-void* operator new[](std::size_t size) {
+void* operator new[](size_t size) {
     return allocate(size);
 }
 void operator delete(void* memory) noexcept {
@@ -45,10 +45,10 @@ void operator delete(void* memory) noexcept {
 void operator delete[](void* memory) noexcept {
     free(memory);
 }
-void operator delete(void* memory, std::size_t) noexcept {
+void operator delete(void* memory, size_t) noexcept {
     free(memory);
 }
-void operator delete[](void* memory, std::size_t) noexcept {
+void operator delete[](void* memory, size_t) noexcept {
     free(memory);
 }
 
@@ -59,7 +59,7 @@ void loadFailing(o3d::Manager& manager, const std::string& image, long calls, bo
     gOnce = once;
     gCountdown = calls;
     try {
-        manager.load(reinterpret_cast<const unsigned char*>(image.data()), static_cast<int>(image.size()));
+        manager.load(reinterpret_cast<const unsigned char*>(image.data()), int(image.size()));
     } catch (const std::bad_alloc&) {
         EXPECT_LT(calls, 4); // before the first chunk there is nothing to go on with
     }
@@ -75,14 +75,14 @@ size_t countNodes(const o3d::SceneNode& node) {
     return count;
 }
 
-TEST(Memory, runningOutAtAnyAllocationLosesNothingThatWasMade) {
+TEST(Memory, RunningOutAtAnyAllocationLosesNothingThatWasMade) {
     const std::string image = everything();
     CaptureStdout capture;
     long calls = 0;
     {
         o3d::Manager manager;
         gCalls = 0;
-        manager.load(reinterpret_cast<const unsigned char*>(image.data()), static_cast<int>(image.size()));
+        manager.load(reinterpret_cast<const unsigned char*>(image.data()), int(image.size()));
         calls = gCalls;
     }
     EXPECT_GT(calls, 100);
@@ -98,13 +98,13 @@ TEST(Memory, runningOutAtAnyAllocationLosesNothingThatWasMade) {
             for (const o3d::Mesh* mesh : manager.mMeshes)
                 EXPECT_NE(nullptr, manager.getMesh(mesh->mName));
             for (const auto& [name, index] : manager.mMaterialMap)
-                EXPECT_LE(index, static_cast<int>(manager.mMaterials.size())) << name;
+                EXPECT_LE(index, int(manager.mMaterials.size())) << name;
         }
         EXPECT_EQ(7u, nodes);
     }
 }
 
-TEST(Memory, aListThatThereIsNoMemoryForIsEmptyAndTheRestIsLoaded) {
+TEST(Memory, AListThatThereIsNoMemoryForIsEmptyAndTheRestIsLoaded) {
     // Of the allocations one after the other, the one that fails is at some time that of the triangles.
     o3d::Manager manager;
     std::string triangles;

@@ -20,7 +20,7 @@ std::vector<std::string> namesOf(const std::string& children) {
     return meshWith(children)->mMeshes.at(0)->mMaterials;
 }
 
-TEST(Mesh, aNewOneIsEmpty) {
+TEST(Mesh, ANewOneIsEmpty) {
     const o3d::Mesh mesh;
     EXPECT_TRUE(mesh.mName.empty() && mesh.mMaterials.empty() && mesh.mVertices.empty() &&
                 mesh.mSubmeshes.empty() && mesh.mBoneGroup.empty());
@@ -28,23 +28,23 @@ TEST(Mesh, aNewOneIsEmpty) {
     EXPECT_EQ(Vector3f(0, 0, 0), mesh.mBoxMax);
 }
 
-TEST(Mesh, nameListIsNotEmptiedBetweenNames) {
+TEST(Mesh, NameListIsNotEmptiedBetweenNames) {
     EXPECT_EQ((std::vector<std::string>{"a", "ab"}), namesOf(chunk(0x6200, text("a") + text("b"))));
     EXPECT_EQ((std::vector<std::string>{"", "", "x", "x"}),
               namesOf(chunk(0x6200, text("") + text("") + text("x") + text(""))));
 }
 
-TEST(Mesh, unfinishedNameIsDropped) {
+TEST(Mesh, UnfinishedNameIsDropped) {
     EXPECT_EQ((std::vector<std::string>{"a"}), namesOf(chunk(0x6200, text("a") + "bc")));
     EXPECT_TRUE(namesOf(chunk(0x6200, "bc")).empty());
 }
 
-TEST(Mesh, aSecondNameListStartsAfresh) {
+TEST(Mesh, ASecondNameListStartsAfresh) {
     EXPECT_EQ((std::vector<std::string>{"a", "ab", "c", "cd"}),
               namesOf(chunk(0x6200, text("a") + text("b")) + chunk(0x6200, text("c") + text("d"))));
 }
 
-TEST(Mesh, theNamesThatAByteCanNumberAllFit) {
+TEST(Mesh, TheNamesThatAByteCanNumberAllFit) {
     std::string list;
     for (int i = 0; i < 256; ++i)
         list += text("a name of some length");
@@ -53,7 +53,7 @@ TEST(Mesh, theNamesThatAByteCanNumberAllFit) {
     EXPECT_EQ(256 * 21u, names[255].size());
 }
 
-TEST(Mesh, aNameListThatWouldGrowWithoutBoundIsCut) {
+TEST(Mesh, ANameListThatWouldGrowWithoutBoundIsCut) {
     std::string list;
     for (int i = 0; i < 100000; ++i)
         list += text("a"); // 5 GB of names from 200 KB
@@ -69,7 +69,7 @@ TEST(Mesh, aNameListThatWouldGrowWithoutBoundIsCut) {
     EXPECT_NE(std::string::npos, capture.text().find("Mesh 'm' has too many material names"));
 }
 
-TEST(Mesh, materialPastTheEndIsEmpty) {
+TEST(Mesh, MaterialPastTheEndIsEmpty) {
     const auto manager = meshWith(chunk(0x6200, text("a")));
     const o3d::Mesh& mesh = *manager->mMeshes.at(0);
     EXPECT_EQ("a", mesh.getMaterial(0));
@@ -78,7 +78,7 @@ TEST(Mesh, materialPastTheEndIsEmpty) {
     EXPECT_EQ(&mesh.getMaterial(1), &mesh.getMaterial(1000));
 }
 
-TEST(Mesh, remainderOfAListIsDropped) {
+TEST(Mesh, RemainderOfAListIsDropped) {
     const auto manager = meshWith(chunk(0xFF00, floats({1, 2, 3, 4, 5})) +
                                   chunk(0x2200, u8(0) + chunk(0xFF30, triangle(0, 0, 0) + "abcdefghijkl") +
                                                     chunk(0xFF60, i32(0) + "abc") +
@@ -90,10 +90,10 @@ TEST(Mesh, remainderOfAListIsDropped) {
     EXPECT_EQ(1u, mesh.mSubmeshes[0]->mTexCoords.at(0)->size());
 }
 
-TEST(Mesh, largeListsOfTrianglesComeOverWhole) {
+TEST(Mesh, LargeListsOfTrianglesComeOverWhole) {
     std::string list;
     for (int i = 0; i < 1000; ++i)
-        list += u8(static_cast<unsigned>(i)) + i32(i) + i32(i + 1) + i32(-i);
+        list += u8(unsigned(i)) + i32(i) + i32(i + 1) + i32(-i);
     const auto manager = meshWith(chunk(0x2200, u8(3) + chunk(0xFF30, list)));
     const auto& triangles = manager->mMeshes.at(0)->mSubmeshes.at(0)->mTriangles;
     ASSERT_EQ(1000u, triangles.size());
@@ -105,7 +105,7 @@ TEST(Mesh, largeListsOfTrianglesComeOverWhole) {
     }
 }
 
-TEST(Mesh, everyTextureCoordinateChunkAddsAList) {
+TEST(Mesh, EveryTextureCoordinateChunkAddsAList) {
     const auto manager = meshWith(
         chunk(0x2200, u8(0) + chunk(0xFF10, floats({1, 2, 3})) + chunk(0xFF10, floats({4, 5, 6, 7, 8, 9}))));
     const auto& lists = manager->mMeshes.at(0)->mSubmeshes.at(0)->mTexCoords;
@@ -114,7 +114,7 @@ TEST(Mesh, everyTextureCoordinateChunkAddsAList) {
     EXPECT_EQ(2u, lists[1]->size());
 }
 
-TEST(Mesh, boxOfASubmeshCoversVerticesThatNoTriangleUses) {
+TEST(Mesh, BoxOfASubmeshCoversVerticesThatNoTriangleUses) {
     const auto manager = meshWith(chunk(0xFF00, floats({1, 2, 3, -4, 8, 0, 100, 100, 100, 2, -9, 7})) +
                                   chunk(0x2200, u8(0) + chunk(0xFF60, i32(0) + i32(1) + i32(3))));
     const o3d::Submesh& submesh = *manager->mMeshes.at(0)->mSubmeshes.at(0);
@@ -122,7 +122,7 @@ TEST(Mesh, boxOfASubmeshCoversVerticesThatNoTriangleUses) {
     EXPECT_EQ(Vector3f(2, 8, 7), submesh.mBoxMax);
 }
 
-TEST(Mesh, boxOfASubmeshWithoutIndicesIsZero) {
+TEST(Mesh, BoxOfASubmeshWithoutIndicesIsZero) {
     const auto manager =
         meshWith(chunk(0xFF00, floats({1, 2, 3})) + chunk(0x2200, u8(0) + chunk(0xFF60, i32(0))));
     o3d::Submesh& submesh = *manager->mMeshes.at(0)->mSubmeshes.at(0);
@@ -133,7 +133,7 @@ TEST(Mesh, boxOfASubmeshWithoutIndicesIsZero) {
     EXPECT_EQ(Vector3f(0, 0, 0), submesh.mBoxMax);
 }
 
-TEST(Mesh, boxIsTheUnionOfItsSubmeshes) {
+TEST(Mesh, BoxIsTheUnionOfItsSubmeshes) {
     const auto manager = meshWith(chunk(0xFF00, floats({1, 2, 3, -4, 8, 5, 3, -9, 7})) +
                                   chunk(0x2200, u8(0) + chunk(0xFF60, i32(0))) +
                                   chunk(0x2200, u8(0) + chunk(0xFF60, i32(1) + i32(2))));
@@ -147,7 +147,7 @@ TEST(Mesh, boxIsTheUnionOfItsSubmeshes) {
     EXPECT_EQ(Vector3f(-4, -9, 3), mesh.mBoxMin); // without a Submesh it stays
 }
 
-TEST(Mesh, indicesOutsideTheVerticesDoNotCountInTheBox) {
+TEST(Mesh, IndicesOutsideTheVerticesDoNotCountInTheBox) {
     // A Submesh before the vertices, and numbers that are none.
     const auto early =
         meshWith(chunk(0x2200, u8(0) + chunk(0xFF60, i32(0))) + chunk(0xFF00, floats({1, 2, 3})));
@@ -162,7 +162,7 @@ TEST(Mesh, indicesOutsideTheVerticesDoNotCountInTheBox) {
     EXPECT_EQ(Vector3f(1, 2, 3), wrong->mMeshes.at(0)->mBoxMax);
 }
 
-TEST(Mesh, clearOfASubmeshKeepsItsParentAndMaterial) {
+TEST(Mesh, ClearOfASubmeshKeepsItsParentAndMaterial) {
     o3d::Manager manager;
     load(manager, everything());
     o3d::Submesh& submesh = *manager.mMeshes.at(0)->mSubmeshes.at(1);
@@ -175,7 +175,7 @@ TEST(Mesh, clearOfASubmeshKeepsItsParentAndMaterial) {
     EXPECT_EQ(Vector3f(0, 0, 0), submesh.mBoxMax);
 }
 
-TEST(Mesh, clearEmptiesEverything) {
+TEST(Mesh, ClearEmptiesEverything) {
     o3d::Manager manager;
     load(manager, everything());
     o3d::Mesh& mesh = *manager.mMeshes.at(0);

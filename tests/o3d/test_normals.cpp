@@ -30,7 +30,7 @@ o3d::Submesh& addSubmesh(o3d::Mesh& mesh, const std::vector<int>& positions,
     for (const auto& corners : triangles) {
         submesh->mTriangles.emplace_back();
         for (int i = 0; i < 3; ++i)
-            submesh->mTriangles.back().mIndex[i] = corners[static_cast<size_t>(i)];
+            submesh->mTriangles.back().mIndex[i] = corners[size_t(i)];
     }
     if (!uv.empty()) {
         submesh->mTexCoords.push_back(new o3d::StructList<Vector3f>);
@@ -59,14 +59,14 @@ void makeTriangle(o3d::Mesh& mesh) {
     mesh.mVertices = {Vector3f(0, 0, 0), Vector3f(1, 0, 0), Vector3f(0, 1, 0)};
 }
 
-TEST(Normals, aMeshWithoutASubmeshHasThem) {
+TEST(Normals, AMeshWithoutASubmeshHasThem) {
     o3d::Mesh mesh;
     EXPECT_TRUE(mesh.hasNormals());
     mesh.addNormals();
     EXPECT_TRUE(mesh.hasNormals());
 }
 
-TEST(Normals, everySubmeshNeedsThem) {
+TEST(Normals, EverySubmeshNeedsThem) {
     o3d::Mesh mesh;
     makeTriangle(mesh);
     addSubmesh(mesh, {0, 1, 2}, {{0, 1, 2}}).mTangentSpaces.resize(3);
@@ -77,7 +77,7 @@ TEST(Normals, everySubmeshNeedsThem) {
     EXPECT_TRUE(mesh.hasNormals());
 }
 
-TEST(Normals, removingThemLeavesNone) {
+TEST(Normals, RemovingThemLeavesNone) {
     o3d::Mesh mesh;
     makeTriangle(mesh);
     addSubmesh(mesh, {0, 1, 2}, {{0, 1, 2}});
@@ -87,7 +87,7 @@ TEST(Normals, removingThemLeavesNone) {
     EXPECT_TRUE(mesh.mSubmeshes[0]->mTangentSpaces.empty());
 }
 
-TEST(Normals, withoutTextureCoordinatesTangentsAreZero) {
+TEST(Normals, WithoutTextureCoordinatesTangentsAreZero) {
     o3d::Mesh mesh;
     makeTriangle(mesh);
     const o3d::Submesh& submesh = addSubmesh(mesh, {0, 1, 2}, {{0, 1, 2}});
@@ -100,7 +100,7 @@ TEST(Normals, withoutTextureCoordinatesTangentsAreZero) {
     }
 }
 
-TEST(Normals, tangentFollowsTheFirstCoordinateAndBinormalTheSecond) {
+TEST(Normals, TangentFollowsTheFirstCoordinateAndBinormalTheSecond) {
     o3d::Mesh mesh;
     makeTriangle(mesh);
     // The texture is turned by a quarter and mirrored: u runs along +y, v along +x.
@@ -114,7 +114,7 @@ TEST(Normals, tangentFollowsTheFirstCoordinateAndBinormalTheSecond) {
     }
 }
 
-TEST(Normals, sharedVerticesOfAFoldedQuadGetTheUnweightedSum) {
+TEST(Normals, SharedVerticesOfAFoldedQuadGetTheUnweightedSum) {
     // A large triangle that faces +z and a small one that faces +x share the edge along y.
     o3d::Mesh mesh;
     mesh.mVertices = {Vector3f(0, 0, 0), Vector3f(0, 1, 0), Vector3f(-50, 0, 0), Vector3f(0, 0, -0.25f)};
@@ -138,7 +138,7 @@ void makeCube(o3d::Mesh& mesh) {
 const std::array<int, 4> CUBE_FACES[6] = {{1, 3, 7, 5}, {0, 4, 6, 2}, {2, 6, 7, 3},
                                           {0, 1, 5, 4}, {4, 5, 7, 6}, {0, 2, 3, 1}};
 
-TEST(Normals, smoothAcrossSubmeshesThatShareThePositionsOfACube) {
+TEST(Normals, SmoothAcrossSubmeshesThatShareThePositionsOfACube) {
     o3d::Mesh mesh;
     makeCube(mesh);
     for (const auto& face : CUBE_FACES) {
@@ -153,13 +153,13 @@ TEST(Normals, smoothAcrossSubmeshesThatShareThePositionsOfACube) {
     for (size_t face = 0; face < 6; ++face)
         for (size_t i = 0; i < 4; ++i) {
             const TangentSpace& space = mesh.mSubmeshes[face]->mTangentSpaces[i];
-            const Vector3f& corner = mesh.mVertices[static_cast<size_t>(CUBE_FACES[face][i])];
+            const Vector3f& corner = mesh.mVertices[size_t(CUBE_FACES[face][i])];
             expectNear(corner.getNormalized(), space.mNormal);
             expectFrame(space);
             // The tangent stays with its face: it is the face's u direction, made square on the smooth
             // normal.
-            const Vector3f u = mesh.mVertices[static_cast<size_t>(CUBE_FACES[face][1])] -
-                               mesh.mVertices[static_cast<size_t>(CUBE_FACES[face][0])];
+            const Vector3f u =
+                mesh.mVertices[size_t(CUBE_FACES[face][1])] - mesh.mVertices[size_t(CUBE_FACES[face][0])];
             EXPECT_GT(space.mTangent.dot(u), 0.5f);
             EXPECT_GT(space.mNormal.dot(axes[face]), 0.5f);
         }
@@ -177,7 +177,7 @@ const o3d::Submesh& makeSeam(o3d::Mesh& mesh, const Vector3f& gap) {
     return submesh;
 }
 
-TEST(Normals, copiesCloseInTheTextureShareTheirTangents) {
+TEST(Normals, CopiesCloseInTheTextureShareTheirTangents) {
     o3d::Mesh mesh;
     const o3d::Submesh& submesh = makeSeam(mesh, Vector3f(0.09f, 0, 0));
     expectNear(submesh.mTangentSpaces[0].mTangent, submesh.mTangentSpaces[3].mTangent);
@@ -185,7 +185,7 @@ TEST(Normals, copiesCloseInTheTextureShareTheirTangents) {
     expectNear(Vector3f(0, 0, 1), submesh.mTangentSpaces[0].mNormal);
 }
 
-TEST(Normals, copiesFurtherApartHaveTangentsOfTheirOwnAndOneNormal) {
+TEST(Normals, CopiesFurtherApartHaveTangentsOfTheirOwnAndOneNormal) {
     o3d::Mesh mesh;
     const o3d::Submesh& submesh = makeSeam(mesh, Vector3f(0, 5, 0));
     EXPECT_EQ(submesh.mTangentSpaces[0].mNormal, submesh.mTangentSpaces[3].mNormal);
@@ -213,7 +213,7 @@ bool sharesTangents(const Vector3f& apart) {
     return shared;
 }
 
-TEST(Normals, coordinatesATenthApartAreNotTheSame) {
+TEST(Normals, CoordinatesATenthApartAreNotTheSame) {
     // As a float 0.1 is a little more, and so is its square than the float 0.01; one step below is the same
     // place.
     EXPECT_FALSE(sharesTangents(Vector3f(0.1f, 0, 0)));
@@ -222,7 +222,7 @@ TEST(Normals, coordinatesATenthApartAreNotTheSame) {
     EXPECT_TRUE(sharesTangents(Vector3f(0, 0, 0)));
 }
 
-TEST(Normals, theThirdCoordinateTakesPartInTheComparison) {
+TEST(Normals, TheThirdCoordinateTakesPartInTheComparison) {
     EXPECT_FALSE(sharesTangents(Vector3f(0, 0, 0.2f)));
     EXPECT_FALSE(sharesTangents(Vector3f(0, 0.08f, 0.08f)));
     EXPECT_TRUE(sharesTangents(Vector3f(0, 0.06f, 0.06f)));
@@ -238,8 +238,8 @@ o3d::Submesh& makeSphere(o3d::Mesh& mesh, int rings, int segments) {
     mesh.mVertices = {Vector3f(0, 0, 1), Vector3f(0, 0, -1)};
     for (int ring = 1; ring < rings; ++ring)
         for (int segment = 0; segment < segments; ++segment) {
-            const float theta = pi * static_cast<float>(ring) / static_cast<float>(rings);
-            const float phi = 2 * pi * static_cast<float>(segment) / static_cast<float>(segments);
+            const float theta = pi * float(ring) / float(rings);
+            const float phi = 2 * pi * float(segment) / float(segments);
             mesh.mVertices.emplace_back(sinf(theta) * cosf(phi), sinf(theta) * sinf(phi), cosf(theta));
         }
     // One more column of local vertices than of positions: the seam.
@@ -249,8 +249,8 @@ o3d::Submesh& makeSphere(o3d::Mesh& mesh, int rings, int segments) {
             positions.push_back(ring == 0       ? 0
                                 : ring == rings ? 1
                                                 : 2 + (ring - 1) * segments + segment % segments);
-            uv.emplace_back(static_cast<float>(segment) / static_cast<float>(segments) * 6.2831853f,
-                            static_cast<float>(ring) / static_cast<float>(rings) * 3.14159265f, 0.0f);
+            uv.emplace_back(float(segment) / float(segments) * 6.2831853f,
+                            float(ring) / float(rings) * 3.14159265f, 0.0f);
         }
     for (int ring = 0; ring < rings; ++ring)
         for (int segment = 0; segment < segments; ++segment) {
@@ -264,16 +264,16 @@ o3d::Submesh& makeSphere(o3d::Mesh& mesh, int rings, int segments) {
     return addSubmesh(mesh, positions, triangles, uv);
 }
 
-TEST(Normals, ofASpherePointOutwardsAndTangentsRunAroundIt) {
+TEST(Normals, OfASpherePointOutwardsAndTangentsRunAroundIt) {
     o3d::Mesh mesh;
     const int rings = 48, segments = 96;
     o3d::Submesh& sphere = makeSphere(mesh, rings, segments);
     mesh.addNormals();
     for (size_t i = 0; i < sphere.mIndices.size(); ++i) {
         const TangentSpace& space = sphere.mTangentSpaces[i];
-        const Vector3f& position = mesh.mVertices[static_cast<size_t>(sphere.mIndices[i].mValue)];
+        const Vector3f& position = mesh.mVertices[size_t(sphere.mIndices[i].mValue)];
         EXPECT_GT(space.mNormal.dot(position), 0.9995f);
-        const int ring = static_cast<int>(i) / (segments + 1);
+        const int ring = int(i) / (segments + 1);
         if (ring < 2 || ring > rings - 2)
             continue; // at the poles a direction has no name
         expectFrame(space);
@@ -284,13 +284,13 @@ TEST(Normals, ofASpherePointOutwardsAndTangentsRunAroundIt) {
     }
 }
 
-TEST(Normals, seamOfASphereHasOneNormalAndNearlyOneTangent) {
+TEST(Normals, SeamOfASphereHasOneNormalAndNearlyOneTangent) {
     o3d::Mesh mesh;
     const int rings = 24, segments = 64;
     const o3d::Submesh& sphere = makeSphere(mesh, rings, segments);
     mesh.addNormals();
     for (int ring = 2; ring < rings - 1; ++ring) {
-        const size_t first = static_cast<size_t>(ring * (segments + 1)), last = first + segments;
+        const size_t first = size_t(ring * (segments + 1)), last = first + segments;
         ASSERT_EQ(sphere.mIndices[first].mValue, sphere.mIndices[last].mValue);
         EXPECT_EQ(sphere.mTangentSpaces[first].mNormal, sphere.mTangentSpaces[last].mNormal);
         // Each side sums its own triangles only, so that they differ a little.
@@ -307,35 +307,31 @@ std::vector<std::vector<TangentSpace>> plainNormals(const o3d::Mesh& mesh) {
         std::vector<TangentSpace> spaces(submesh->mIndices.size());
         for (const o3d::Triangle& triangle : submesh->mTriangles) {
             const int* t = triangle.mIndex;
-            const auto position = [&](int local) {
-                return submesh->mIndices[static_cast<size_t>(local)].mValue;
-            };
-            const auto place = [&](int local) {
-                return mesh.mVertices[static_cast<size_t>(position(local))];
-            };
+            const auto position = [&](int local) { return submesh->mIndices[size_t(local)].mValue; };
+            const auto place = [&](int local) { return mesh.mVertices[size_t(position(local))]; };
             const Vector3f e1 = place(t[1]) - place(t[0]), e2 = place(t[2]) - place(t[0]);
             if (!submesh->mTexCoords.empty()) {
                 const auto& uv = submesh->mTexCoords[0]->mList;
-                const auto at = [&](int local) { return uv[static_cast<size_t>(local)]; };
+                const auto at = [&](int local) { return uv[size_t(local)]; };
                 const Vector3f d1 = at(t[1]) - at(t[0]), d2 = at(t[2]) - at(t[0]);
                 const float r = 1.0f / (d1.x * d2.y - d2.x * d1.y);
                 for (int corner = 0; corner < 3; ++corner)
                     for (size_t j = 0; j < spaces.size(); ++j)
-                        if (position(static_cast<int>(j)) == position(t[corner]) &&
+                        if (position(int(j)) == position(t[corner]) &&
                             (uv[j] - at(t[corner])).length2() < 0.01f) {
                             spaces[j].mTangent += (e1 * d2.y - e2 * d1.y) * r;
                             spaces[j].mBinormal += (e2 * d1.x - e1 * d2.x) * r;
                         }
             }
             for (int corner = 0; corner < 3; ++corner)
-                sums[static_cast<size_t>(position(t[corner]))] += e1.cross(e2).getNormalized();
+                sums[size_t(position(t[corner]))] += e1.cross(e2).getNormalized();
         }
         result.push_back(spaces);
     }
     for (size_t s = 0; s < result.size(); ++s)
         for (size_t i = 0; i < result[s].size(); ++i) {
             TangentSpace& space = result[s][i];
-            space.mNormal = sums[static_cast<size_t>(mesh.mSubmeshes[s]->mIndices[i].mValue)].getNormalized();
+            space.mNormal = sums[size_t(mesh.mSubmeshes[s]->mIndices[i].mValue)].getNormalized();
             if (mesh.mSubmeshes[s]->mTexCoords.empty())
                 continue;
             const Vector3f n = space.mNormal;
@@ -347,40 +343,35 @@ std::vector<std::vector<TangentSpace>> plainNormals(const o3d::Mesh& mesh) {
     return result;
 }
 
-TEST(Normals, randomMeshesAgreeWithAPlainSearch) {
+TEST(Normals, RandomMeshesAgreeWithAPlainSearch) {
     std::mt19937 random(4);
     std::uniform_real_distribution<float> any(-1, 1);
     for (int round = 0; round < 60; ++round) {
         o3d::Mesh mesh;
-        const int positions = 8 + static_cast<int>(random() % 20);
+        const int positions = 8 + int(random() % 20);
         for (int i = 0; i < positions; ++i)
             mesh.mVertices.emplace_back(any(random), any(random), any(random));
-        const int submeshes = 1 + static_cast<int>(random() % 3);
+        const int submeshes = 1 + int(random() % 3);
         for (int s = 0; s < submeshes; ++s) {
             std::vector<int> indices;
             std::vector<Vector3f> uv;
             std::vector<std::array<int, 3>> triangles;
             // Every position in every Submesh, some several times, at places of the texture that often agree.
             for (int i = 0; i < positions * 3; ++i) {
-                indices.push_back(
-                    i < positions ? i : static_cast<int>(random() % static_cast<unsigned>(positions)));
-                uv.emplace_back(static_cast<float>(random() % 8) * 0.07f,
-                                static_cast<float>(random() % 8) * 0.07f,
-                                static_cast<float>(random() % 2) * 0.05f);
+                indices.push_back(i < positions ? i : int(random() % unsigned(positions)));
+                uv.emplace_back(float(random() % 8) * 0.07f, float(random() % 8) * 0.07f,
+                                float(random() % 2) * 0.05f);
             }
             const auto good = [&](const std::array<int, 3>& t) {
-                const auto at = [&](int i) { return uv[static_cast<size_t>(t[static_cast<size_t>(i)])]; };
-                const auto of = [&](int i) {
-                    return indices[static_cast<size_t>(t[static_cast<size_t>(i)])];
-                };
+                const auto at = [&](int i) { return uv[size_t(t[size_t(i)])]; };
+                const auto of = [&](int i) { return indices[size_t(t[size_t(i)])]; };
                 const Vector3f d1 = at(1) - at(0), d2 = at(2) - at(0);
                 return of(0) != of(1) && of(1) != of(2) && of(2) != of(0) &&
                        fabsf(d1.x * d2.y - d2.x * d1.y) > 1e-4f;
             };
             for (int i = 0; i < positions * 3;) {
-                const auto n = static_cast<unsigned>(indices.size());
-                const std::array<int, 3> t = {i, static_cast<int>(random() % n),
-                                              static_cast<int>(random() % n)};
+                const auto n = unsigned(indices.size());
+                const std::array<int, 3> t = {i, int(random() % n), int(random() % n)};
                 if (good(t)) {
                     triangles.push_back(t);
                     ++i;
@@ -401,7 +392,7 @@ TEST(Normals, randomMeshesAgreeWithAPlainSearch) {
     }
 }
 
-TEST(Normals, addingThemAgainGivesTheSame) {
+TEST(Normals, AddingThemAgainGivesTheSame) {
     o3d::Mesh mesh;
     o3d::Submesh& sphere = makeSphere(mesh, 12, 70);
     mesh.addNormals();
@@ -413,14 +404,14 @@ TEST(Normals, addingThemAgainGivesTheSame) {
     }
 }
 
-TEST(NormalsDeathTest, aTriangleWithoutAreaAsserts) {
+TEST(NormalsDeathTest, ATriangleWithoutAreaAsserts) {
     o3d::Mesh mesh;
     mesh.mVertices = {Vector3f(0, 0, 0), Vector3f(1, 0, 0), Vector3f(2, 0, 0)};
     addSubmesh(mesh, {0, 1, 2}, {{0, 1, 2}});
     EXPECT_DEATH(mesh.addNormals(), "length!=0");
 }
 
-TEST(NormalsDeathTest, aPositionWithoutATriangleAsserts) {
+TEST(NormalsDeathTest, APositionWithoutATriangleAsserts) {
     o3d::Mesh mesh;
     makeTriangle(mesh);
     mesh.mVertices.emplace_back(5.0f, 5.0f, 5.0f);
@@ -428,7 +419,7 @@ TEST(NormalsDeathTest, aPositionWithoutATriangleAsserts) {
     EXPECT_DEATH(mesh.addNormals(), "length!=0");
 }
 
-TEST(NormalsDeathTest, aVertexWithoutATangentAsserts) {
+TEST(NormalsDeathTest, AVertexWithoutATangentAsserts) {
     o3d::Mesh mesh;
     makeTriangle(mesh);
     // A copy of the first vertex that no triangle uses, far off in the texture.
@@ -452,7 +443,7 @@ std::string failureOf(o3d::Mesh& mesh) {
     return "nothing thrown";
 }
 
-TEST(Normals, numbersOutsideTheirListsAreRefused) {
+TEST(Normals, NumbersOutsideTheirListsAreRefused) {
     for (const int wrong : {3, -1, 2147483647}) {
         o3d::Mesh mesh;
         makeTriangle(mesh);
@@ -471,14 +462,14 @@ TEST(Normals, numbersOutsideTheirListsAreRefused) {
     }
 }
 
-TEST(Normals, tooFewTextureCoordinatesAreRefused) {
+TEST(Normals, TooFewTextureCoordinatesAreRefused) {
     o3d::Mesh mesh;
     makeTriangle(mesh);
     addSubmesh(mesh, {0, 1, 2}, {{0, 1, 2}}, {Vector3f(0, 0, 0), Vector3f(1, 0, 0)});
     EXPECT_EQ("Mesh 'bad', submesh 0: 2 texture coordinates for 3 indices", failureOf(mesh));
 }
 
-TEST(Normals, copiesThatWouldTakeHoursAreRefused) {
+TEST(Normals, CopiesThatWouldTakeHoursAreRefused) {
     o3d::Mesh mesh;
     makeTriangle(mesh);
     const int copies = 60000;
@@ -487,7 +478,7 @@ TEST(Normals, copiesThatWouldTakeHoursAreRefused) {
     std::vector<std::array<int, 3>> triangles;
     for (int i = 0; i < copies * 3; ++i) {
         positions.push_back(i % 3);
-        uv.push_back(mesh.mVertices[static_cast<size_t>(i % 3)]);
+        uv.push_back(mesh.mVertices[size_t(i % 3)]);
     }
     for (int i = 0; i < copies; ++i)
         triangles.push_back({3 * i, 3 * i + 1, 3 * i + 2});

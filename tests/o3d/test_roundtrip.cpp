@@ -15,7 +15,7 @@ std::string write(o3d::Manager& manager) {
     unsigned char* data = nullptr;
     int length = 0;
     manager.write(&data, &length);
-    const std::string image = bytes(data, static_cast<size_t>(length));
+    const std::string image = bytes(data, size_t(length));
     delete[] data;
     return image;
 }
@@ -92,7 +92,7 @@ void dropMeshes(o3d::Manager& manager) {
     manager.mMeshMap.clear();
 }
 
-TEST(RoundTrip, materialsImagesAndScenesComeBackAsTheyWere) {
+TEST(RoundTrip, MaterialsImagesAndScenesComeBackAsTheyWere) {
     o3d::Manager first, second;
     load(first, everything());
     dropMeshes(first);
@@ -104,7 +104,7 @@ TEST(RoundTrip, materialsImagesAndScenesComeBackAsTheyWere) {
     EXPECT_EQ(0, second.getImageIndex("image"));
 }
 
-TEST(RoundTrip, whatIsWrittenTwiceIsTheSame) {
+TEST(RoundTrip, WhatIsWrittenTwiceIsTheSame) {
     o3d::Manager first, second;
     load(first, everything());
     dropMeshes(first);
@@ -123,8 +123,8 @@ void fillTrack(o3d::TrackBlenderFloat& track, std::mt19937& random) {
     for (unsigned i = random() % 4; i > 0; --i, time += 3)
         track.mKeys.push_back({time - 1, any(random), time, any(random), time + 1, any(random)});
     if (!track.mKeys.empty()) { // without keys no list is written, and no modes
-        track.mInterpolation = static_cast<int>(random() % 4);
-        track.mExtrapolation = static_cast<int>(random() % 5);
+        track.mInterpolation = int(random() % 4);
+        track.mExtrapolation = int(random() % 5);
     }
 }
 
@@ -173,7 +173,7 @@ o3d::SceneNode* randomNode(std::mt19937& random, int depth) {
     return node;
 }
 
-TEST(RoundTrip, randomScenesComeBackAsTheyWere) {
+TEST(RoundTrip, RandomScenesComeBackAsTheyWere) {
     std::mt19937 random(12);
     size_t largest = 0;
     for (int round = 0; round < 100; ++round) {
@@ -188,7 +188,7 @@ TEST(RoundTrip, randomScenesComeBackAsTheyWere) {
     EXPECT_GT(largest, 10000u);
 }
 
-TEST(RoundTrip, writerOrderIsMeshesMaterialsImagesScenes) {
+TEST(RoundTrip, WriterOrderIsMeshesMaterialsImagesScenes) {
     o3d::Manager manager;
     load(manager, file(chunk(0x5000, text("s")) + chunk(0x4000, text("i")) + chunk(0x6000, text("m")) +
                        chunk(0x2000, text("g"))));
@@ -198,7 +198,7 @@ TEST(RoundTrip, writerOrderIsMeshesMaterialsImagesScenes) {
               write(manager));
 }
 
-TEST(RoundTrip, aSceneWritesNoTransformTracksAndOtherNodesThemFirst) {
+TEST(RoundTrip, ASceneWritesNoTransformTracksAndOtherNodesThemFirst) {
     o3d::Manager manager;
     load(manager, file(chunk(0x5000, text("s") + chunk(0xFA00, chunk(0xF006, floats({1, 2, 3}))) +
                                          chunk(0x5130, text("d") + chunk(0x5130, text("e"))))));
@@ -210,7 +210,7 @@ TEST(RoundTrip, aSceneWritesNoTransformTracksAndOtherNodesThemFirst) {
               write(manager));
 }
 
-TEST(RoundTrip, meshIsWrittenAsTheWriterWouldHaveIt) {
+TEST(RoundTrip, MeshIsWrittenAsTheWriterWouldHaveIt) {
     o3d::Manager manager;
     load(manager, everything());
     const o3d::Mesh* mesh = manager.mMeshes[0];
@@ -228,7 +228,7 @@ TEST(RoundTrip, meshIsWrittenAsTheWriterWouldHaveIt) {
     EXPECT_EQ(0u, write(manager).find(expected) - 12) << mesh->mName; // right behind header and main chunk
 }
 
-TEST(RoundTrip, firstDifferenceMaterialNumberIsWrittenAsAFloatAndReadAsAByte) {
+TEST(RoundTrip, FirstDifferenceMaterialNumberIsWrittenAsAFloatAndReadAsAByte) {
     o3d::Manager manager;
     load(manager, file(chunk(0x2000, text("m") + chunk(0x2200, u8(200)))));
     EXPECT_EQ(200, manager.mMeshes.at(0)->mSubmeshes.at(0)->mMaterial);
@@ -241,7 +241,7 @@ TEST(RoundTrip, firstDifferenceMaterialNumberIsWrittenAsAFloatAndReadAsAByte) {
     EXPECT_EQ(0, second.mMeshes.at(0)->mSubmeshes.at(0)->mMaterial);
 }
 
-TEST(RoundTrip, secondDifferenceMaterialNamesAreWrittenAsChunksAndReadAsBareTexts) {
+TEST(RoundTrip, SecondDifferenceMaterialNamesAreWrittenAsChunksAndReadAsBareTexts) {
     o3d::Manager manager;
     load(manager, file(chunk(0x2000, text("m") + chunk(0x6200, text("ab") + text("c")))));
     manager.mMeshes.at(0)->mMaterials.insert(manager.mMeshes[0]->mMaterials.begin(),
@@ -264,7 +264,7 @@ TEST(RoundTrip, secondDifferenceMaterialNamesAreWrittenAsChunksAndReadAsBareText
     EXPECT_NE(manager.mMeshes[0]->mMaterials, second.mMeshes[0]->mMaterials);
 }
 
-TEST(RoundTrip, thirdDifferenceArmaturesAreLost) {
+TEST(RoundTrip, ThirdDifferenceArmaturesAreLost) {
     o3d::Manager first, second;
     load(first, everything());
     dropMeshes(first);
@@ -274,7 +274,7 @@ TEST(RoundTrip, thirdDifferenceArmaturesAreLost) {
     EXPECT_EQ(first.mScenes[0]->mChildren.size() - 1, second.mScenes[0]->mChildren.size());
 }
 
-TEST(RoundTrip, fourthDifferenceBoneGroupsAreNotWritten) {
+TEST(RoundTrip, FourthDifferenceBoneGroupsAreNotWritten) {
     o3d::Manager manager;
     load(manager, file(chunk(0x2000, text("m"))));
     manager.mMeshes.at(0)->mBoneGroup.push_back(new o3d::BoneGroup);
@@ -282,7 +282,7 @@ TEST(RoundTrip, fourthDifferenceBoneGroupsAreNotWritten) {
     EXPECT_EQ(file(chunk(0x2000, text("m") + chunk(0x6200, u32(0)))), write(manager));
 }
 
-TEST(RoundTrip, overridesPastAByteAreNotWritten) {
+TEST(RoundTrip, OverridesPastAByteAreNotWritten) {
     o3d::Manager first, second;
     load(first, file(chunk(0x5000, text("s") + chunk(0x5120, text("i") + text("m")))));
     auto& instance = dynamic_cast<o3d::MeshInstance&>(*first.mScenes[0]->mChildren[0]);

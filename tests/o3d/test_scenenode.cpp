@@ -23,7 +23,7 @@ void animate(o3d::TrackBlenderFloat& track, float from, float to, float length) 
     track.mKeys = {{0, from, 0, from, 0, from}, {length, to, length, to, length, to}};
 }
 
-TEST(SceneNode, nodeWithoutKeysIsAnIdentityMatrix) {
+TEST(SceneNode, NodeWithoutKeysIsAnIdentityMatrix) {
     o3d::Dummy node;
     Matrix4x4Col matrix;
     bool flipped = true;
@@ -32,7 +32,7 @@ TEST(SceneNode, nodeWithoutKeysIsAnIdentityMatrix) {
     expectMatrix({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}, matrix, 0.0f);
 }
 
-TEST(SceneNode, newNodesHaveTheirDefaults) {
+TEST(SceneNode, NewNodesHaveTheirDefaults) {
     o3d::Dummy node;
     EXPECT_EQ(mathbase::RotationOrder::YZX, node.mRotation.mOrder.value);
     EXPECT_EQ(Vector3f(0, 0, 0), node.mPosition.getValue(1));
@@ -50,7 +50,7 @@ TEST(SceneNode, newNodesHaveTheirDefaults) {
     EXPECT_FLOAT_EQ(0.785398163f, light.mAngle.getValue(0));
 }
 
-TEST(SceneNode, typeIsTheIdOfTheChunk) {
+TEST(SceneNode, TypeIsTheIdOfTheChunk) {
     EXPECT_EQ(0x5000, o3d::Scene().getType());
     EXPECT_EQ(0x5110, o3d::Camera().getType());
     EXPECT_EQ(0x5120, o3d::MeshInstance().getType());
@@ -59,7 +59,7 @@ TEST(SceneNode, typeIsTheIdOfTheChunk) {
     EXPECT_EQ(0x5180, o3d::Armature().getType());
 }
 
-TEST(SceneNode, matrixIsTranslationTimesRotationTimesScale) {
+TEST(SceneNode, MatrixIsTranslationTimesRotationTimesScale) {
     o3d::Dummy node;
     node.mPosition.mX.mValue = 10;
     node.mPosition.mY.mValue = 20;
@@ -73,13 +73,13 @@ TEST(SceneNode, matrixIsTranslationTimesRotationTimesScale) {
     expectMatrix({0, 2, 0, 0, -3, 0, 0, 0, 0, 0, 4, 0, 10, 20, 30, 1}, matrix, 1e-5f);
 }
 
-TEST(SceneNode, anglesTurnInTheOrderYZX) {
+TEST(SceneNode, AnglesTurnInTheOrderYZX) {
     // The product Ry x Rz x Rx, worked out here in double precision.
     const double a = 0.3, b = -0.7, c = 1.1;
     o3d::Dummy node;
-    node.mRotation.mX.mValue = static_cast<float>(a);
-    node.mRotation.mY.mValue = static_cast<float>(b);
-    node.mRotation.mZ.mValue = static_cast<float>(c);
+    node.mRotation.mX.mValue = float(a);
+    node.mRotation.mY.mValue = float(b);
+    node.mRotation.mZ.mValue = float(c);
     Matrix4x4Col matrix;
     node.calculateMatrix(0, matrix);
     for (const Vector3f& v : {Vector3f(1, 0, 0), Vector3f(0, 1, 0), Vector3f(0, 0, 1)}) {
@@ -93,7 +93,7 @@ TEST(SceneNode, anglesTurnInTheOrderYZX) {
     }
 }
 
-TEST(SceneNode, anOddNumberOfNegativeScalesIsFlipped) {
+TEST(SceneNode, AnOddNumberOfNegativeScalesIsFlipped) {
     o3d::Dummy node;
     Matrix4x4Col matrix;
     bool flipped = false;
@@ -110,7 +110,7 @@ TEST(SceneNode, anOddNumberOfNegativeScalesIsFlipped) {
     EXPECT_FALSE(flips(0, -1, 1));
 }
 
-TEST(SceneNode, matrixFollowsTheTime) {
+TEST(SceneNode, MatrixFollowsTheTime) {
     o3d::Dummy node;
     animate(node.mPosition.mX, 0, 10, 5);
     Matrix4x4Col matrix;
@@ -118,7 +118,7 @@ TEST(SceneNode, matrixFollowsTheTime) {
     EXPECT_FLOAT_EQ(5.0f, matrix.mData[12]);
 }
 
-TEST(SceneNode, trackWithOneKeyAndConstantExtrapolationIsStaticAndHoldsItsValue) {
+TEST(SceneNode, TrackWithOneKeyAndConstantExtrapolationIsStaticAndHoldsItsValue) {
     o3d::Dummy node;
     node.mPosition.mY.mKeys = {{1, 2, 1, 6, 1, 2}};
     EXPECT_TRUE(node.isStatic());
@@ -127,7 +127,7 @@ TEST(SceneNode, trackWithOneKeyAndConstantExtrapolationIsStaticAndHoldsItsValue)
     EXPECT_EQ(6.0f, node.mPosition.getValue(100).y);
 }
 
-TEST(SceneNode, isStaticLooksAtItsNineTracks) {
+TEST(SceneNode, IsStaticLooksAtItsNineTracks) {
     o3d::Dummy node;
     EXPECT_TRUE(node.isStatic());
     for (auto* track :
@@ -143,7 +143,7 @@ TEST(SceneNode, isStaticLooksAtItsNineTracks) {
     }
 }
 
-TEST(SceneNode, isStaticDoesNotAskChildren) {
+TEST(SceneNode, IsStaticDoesNotAskChildren) {
     o3d::Dummy node;
     o3d::Dummy* const child = new o3d::Dummy;
     animate(child->mPosition.mX, 0, 1, 1);
@@ -152,7 +152,7 @@ TEST(SceneNode, isStaticDoesNotAskChildren) {
     EXPECT_TRUE(node.isStatic());
 }
 
-TEST(SceneNode, lightIsStaticOnlyWithAllItsTracks) {
+TEST(SceneNode, LightIsStaticOnlyWithAllItsTracks) {
     o3d::Light light;
     EXPECT_TRUE(light.isStatic());
     for (auto* track : {&light.mColor.mR, &light.mColor.mG, &light.mColor.mB, &light.mColor.mA,
@@ -164,14 +164,14 @@ TEST(SceneNode, lightIsStaticOnlyWithAllItsTracks) {
     EXPECT_TRUE(light.isStatic());
 }
 
-TEST(SceneNode, cameraAngleCountsNeitherForStillnessNorForLength) {
+TEST(SceneNode, CameraAngleCountsNeitherForStillnessNorForLength) {
     o3d::Camera camera;
     animate(camera.mAngle.mX, 0, 1, 8);
     EXPECT_TRUE(camera.isStatic());
     EXPECT_EQ(0.0f, camera.getAnimationLength());
 }
 
-TEST(SceneNode, animationLengthIsThatOfANodeThreeLevelsDown) {
+TEST(SceneNode, AnimationLengthIsThatOfANodeThreeLevelsDown) {
     o3d::Scene scene;
     o3d::SceneNode* node = &scene;
     for (int level = 0; level < 3; ++level) {
@@ -184,7 +184,7 @@ TEST(SceneNode, animationLengthIsThatOfANodeThreeLevelsDown) {
     EXPECT_EQ(42.5f, scene.getAnimationLength());
 }
 
-TEST(SceneNode, animationLengthIsNeverBelowZeroAndTakesOnlyTheLastKey) {
+TEST(SceneNode, AnimationLengthIsNeverBelowZeroAndTakesOnlyTheLastKey) {
     o3d::Dummy node;
     node.mPosition.mX.mKeys = {{0, 0, -5, 0, 0, 0}};
     EXPECT_EQ(0.0f, node.getAnimationLength());
@@ -194,7 +194,7 @@ TEST(SceneNode, animationLengthIsNeverBelowZeroAndTakesOnlyTheLastKey) {
     EXPECT_EQ(4.0f, node.getAnimationLength());
 }
 
-TEST(SceneNode, lightAddsItsTracksToTheLength) {
+TEST(SceneNode, LightAddsItsTracksToTheLength) {
     o3d::Light light;
     float length = 1;
     for (auto* track : {&light.mColor.mR, &light.mColor.mG, &light.mColor.mB, &light.mColor.mA,
@@ -204,7 +204,7 @@ TEST(SceneNode, lightAddsItsTracksToTheLength) {
     }
 }
 
-TEST(SceneNode, getChildFindsDirectChildrenOnly) {
+TEST(SceneNode, GetChildFindsDirectChildrenOnly) {
     o3d::Scene scene;
     o3d::Dummy* const child = new o3d::Dummy;
     o3d::Dummy* const second = new o3d::Dummy;
@@ -225,7 +225,7 @@ TEST(SceneNode, getChildFindsDirectChildrenOnly) {
     EXPECT_EQ(2u, scene.mChildren.size());
 }
 
-TEST(SceneNode, clearGoesBackToTheDefaults) {
+TEST(SceneNode, ClearGoesBackToTheDefaults) {
     o3d::Manager manager;
     load(manager, everything());
     o3d::Scene& scene = *manager.mScenes[0];
@@ -264,14 +264,14 @@ TEST(SceneNode, clearGoesBackToTheDefaults) {
     EXPECT_TRUE(scene.mChildren.empty());
 }
 
-TEST(SceneNode, aSceneIsNoChildOfANode) {
+TEST(SceneNode, ASceneIsNoChildOfANode) {
     o3d::Manager manager;
     load(manager, file(chunk(0x5000, text("s") + chunk(0x5000, text("inner")))));
     EXPECT_TRUE(manager.mScenes.at(0)->mChildren.empty());
     EXPECT_EQ(1u, manager.mScenes.size());
 }
 
-TEST(MeshInstance, materialPastTheEndOfTheOverridesIsEmpty) {
+TEST(MeshInstance, MaterialPastTheEndOfTheOverridesIsEmpty) {
     o3d::MeshInstance instance;
     EXPECT_EQ("", instance.getMaterial(5));
     EXPECT_EQ("", instance.getMaterial(-1));
@@ -284,12 +284,12 @@ std::vector<std::string> overridesOf(const std::string& chunks) {
     return dynamic_cast<const o3d::MeshInstance&>(*manager.mScenes.at(0)->mChildren.at(0)).mMaterials;
 }
 
-TEST(MeshInstance, overrideNumberThreeMakesAListOfFour) {
+TEST(MeshInstance, OverrideNumberThreeMakesAListOfFour) {
     EXPECT_EQ((std::vector<std::string>{"", "", "", "gold"}),
               overridesOf(chunk(0x6210, u8(3) + text("gold"))));
 }
 
-TEST(MeshInstance, aLaterOverrideReplacesAnEarlierOne) {
+TEST(MeshInstance, ALaterOverrideReplacesAnEarlierOne) {
     const auto found = overridesOf(chunk(0x6210, u8(255) + text("last")) +
                                    chunk(0x6210, u8(1) + text("one")) + chunk(0x6210, u8(1) + text("uno")));
     ASSERT_EQ(256u, found.size());

@@ -36,21 +36,21 @@ Track makeTrack(int interpolation, int extrapolation, std::vector<Key> keys) {
 Track loadTrack(int interpolation, int extrapolation, const std::vector<Key>& keys) {
     const std::string payload = u8(interpolation) + u8(extrapolation) + bytes(keys.data(), keys.size() * 24);
     const std::string stream = "O3DF\x01\x01" + chunk(0xFB10, payload);
-    chunklib::ReadBuffer buffer(stream.data(), static_cast<int>(stream.size()));
+    chunklib::ReadBuffer buffer(stream.data(), int(stream.size()));
     buffer.openChunk();
     Track track(99.0f);
     track.loadKeys(buffer);
     return track;
 }
 
-TEST(Track, withoutKeysGivesItsDefaultAtAnyTime) {
+TEST(Track, WithoutKeysGivesItsDefaultAtAnyTime) {
     const Track track(3.5f);
     for (const float time : {-1e9f, 0.0f, 1e9f})
         EXPECT_EQ(3.5f, track.getValue(time));
     EXPECT_TRUE(track.isStatic());
 }
 
-TEST(Track, oneKeyWithConstantExtrapolationGivesItsValueBeforeAndAfter) {
+TEST(Track, OneKeyWithConstantExtrapolationGivesItsValueBeforeAndAfter) {
     for (int interpolation = 0; interpolation < 3; ++interpolation) {
         const Track track = makeTrack(interpolation, 0, {{0, 1, 2, 5, 3, 4}});
         EXPECT_EQ(5.0f, track.getValue(1));
@@ -59,14 +59,14 @@ TEST(Track, oneKeyWithConstantExtrapolationGivesItsValueBeforeAndAfter) {
     }
 }
 
-TEST(Track, oneKeyWithLinearExtrapolationAndConstantInterpolationGivesItsValue) {
+TEST(Track, OneKeyWithLinearExtrapolationAndConstantInterpolationGivesItsValue) {
     const Track track = makeTrack(0, 1, {{0, 1, 2, 5, 3, 4}});
     EXPECT_EQ(5.0f, track.getValue(-7));
     EXPECT_EQ(5.0f, track.getValue(2));
     EXPECT_EQ(5.0f, track.getValue(9));
 }
 
-TEST(Track, linearExtrapolationMixesTheTimeOfTheKeyWithTheValueOfTheHandle) {
+TEST(Track, LinearExtrapolationMixesTheTimeOfTheKeyWithTheValueOfTheHandle) {
     // Before: s = (t - 2) / (1 - 2), after: s = (t - 2) / (4 - 2).
     for (const int interpolation : {1, 2, 7}) {
         const Track track = makeTrack(interpolation, 1, {{1, 10, 2, 5, 4, 20}});
@@ -76,14 +76,14 @@ TEST(Track, linearExtrapolationMixesTheTimeOfTheKeyWithTheValueOfTheHandle) {
     }
 }
 
-TEST(Track, linearExtrapolationUsesTheOuterKeys) {
+TEST(Track, LinearExtrapolationUsesTheOuterKeys) {
     const Track track = makeTrack(1, 1, {{-1, 7, 0, 1, 1, 1}, {2, 2, 4, 2, 6, 9}});
     EXPECT_EQ((1 - 3.0f) * 0 + 3.0f * 7, track.getValue(-3));
     EXPECT_EQ((1 - 2.0f) * 4 + 2.0f * 9, track.getValue(8));
     EXPECT_EQ(1.5f, track.getValue(2));
 }
 
-TEST(Track, timeExactlyAtTheLastKeyGivesTheLastValue) {
+TEST(Track, TimeExactlyAtTheLastKeyGivesTheLastValue) {
     for (int interpolation = 0; interpolation < 3; ++interpolation) {
         const Track track = makeTrack(interpolation, 0, {plain(0, 1), plain(1, 2), plain(3, 7)});
         EXPECT_EQ(7.0f, track.getValue(3));
@@ -92,7 +92,7 @@ TEST(Track, timeExactlyAtTheLastKeyGivesTheLastValue) {
     }
 }
 
-TEST(Track, timeExactlyAtTheFirstKeyGivesTheFirstValue) {
+TEST(Track, TimeExactlyAtTheFirstKeyGivesTheFirstValue) {
     CaptureStdout capture;
     for (int interpolation = 0; interpolation < 3; ++interpolation)
         for (int extrapolation = 0; extrapolation < 4; ++extrapolation) {
@@ -106,7 +106,7 @@ TEST(Track, timeExactlyAtTheFirstKeyGivesTheFirstValue) {
     EXPECT_EQ("", capture.text());
 }
 
-TEST(Track, timeAtAKeyInTheMiddleGivesItsValue) {
+TEST(Track, TimeAtAKeyInTheMiddleGivesItsValue) {
     for (int interpolation = 0; interpolation < 3; ++interpolation) {
         const Track track = makeTrack(interpolation, 0, {plain(0, 1), plain(1, 2), plain(3, 7), plain(4, 8)});
         EXPECT_FLOAT_EQ(2.0f, track.getValue(1));
@@ -114,19 +114,19 @@ TEST(Track, timeAtAKeyInTheMiddleGivesItsValue) {
     }
 }
 
-TEST(Track, constantInterpolationHoldsTheLeftValue) {
+TEST(Track, ConstantInterpolationHoldsTheLeftValue) {
     const Track track = makeTrack(0, 0, {plain(0, 1), plain(1, 2), plain(3, 7)});
     EXPECT_EQ(1.0f, track.getValue(0.999f));
     EXPECT_EQ(2.0f, track.getValue(2.999f));
 }
 
-TEST(Track, linearInterpolationIsLinearInTime) {
+TEST(Track, LinearInterpolationIsLinearInTime) {
     const Track track = makeTrack(1, 0, {{0, 50, 0, 1, 0, -50}, {9, 9, 4, 3, 9, 9}});
     EXPECT_EQ(1.5f, track.getValue(1));
     EXPECT_EQ(2.5f, track.getValue(3));
 }
 
-TEST(Track, interpolationModeSevenActsAsConstantAndLeavesTheHandles) {
+TEST(Track, InterpolationModeSevenActsAsConstantAndLeavesTheHandles) {
     const Track track = loadTrack(7, 0, {{0, 0, 0, 1, 100, 5}, {-100, 5, 1, 3, 2, 3}});
     EXPECT_EQ(7, track.mInterpolation);
     EXPECT_EQ(100.0f, track.mKeys[0].mHandleOutTime);
@@ -134,7 +134,7 @@ TEST(Track, interpolationModeSevenActsAsConstantAndLeavesTheHandles) {
     EXPECT_EQ(1.0f, track.getValue(0.5f));
 }
 
-TEST(Track, cyclicExtrapolationRepeats) {
+TEST(Track, CyclicExtrapolationRepeats) {
     const Track track = makeTrack(1, 2, {plain(5, 0), plain(15, 10)});
     EXPECT_EQ(2.0f, track.getValue(5 + 2));
     EXPECT_EQ(2.0f, track.getValue(5 + 12));
@@ -144,7 +144,7 @@ TEST(Track, cyclicExtrapolationRepeats) {
     EXPECT_EQ(0.0f, track.getValue(15));
 }
 
-TEST(Track, cyclicExtrapolationOfManyKeysRepeats) {
+TEST(Track, CyclicExtrapolationOfManyKeysRepeats) {
     const Track track = makeTrack(1, 2, {plain(0, 0), plain(1, 4), plain(3, 6), plain(4, 0)});
     for (float time = 0; time < 4; time += 0.25f) {
         EXPECT_EQ(track.getValue(time), track.getValue(time + 8)) << time;
@@ -154,7 +154,7 @@ TEST(Track, cyclicExtrapolationOfManyKeysRepeats) {
     }
 }
 
-TEST(Track, cyclicWithOffsetRisesWithEachRepetition) {
+TEST(Track, CyclicWithOffsetRisesWithEachRepetition) {
     const Track track = makeTrack(1, 3, {plain(5, 0), plain(15, 5)});
     for (const float time : {5.0f, 6.0f, 9.5f, 14.0f}) {
         const float value = track.getValue(time);
@@ -166,7 +166,7 @@ TEST(Track, cyclicWithOffsetRisesWithEachRepetition) {
     EXPECT_EQ(5.0f, track.getValue(15));
 }
 
-TEST(Track, cyclicWithOffsetAppliesToEveryInterpolation) {
+TEST(Track, CyclicWithOffsetAppliesToEveryInterpolation) {
     for (const int interpolation : {0, 1, 2}) {
         const Track track =
             makeTrack(interpolation, 3, {{0, 1, 0, 1, 1, 1}, {2, 6, 3, 6, 3, 6}, {5, 9, 6, 9, 6, 9}});
@@ -175,18 +175,18 @@ TEST(Track, cyclicWithOffsetAppliesToEveryInterpolation) {
     }
 }
 
-TEST(Track, oneKeyThatIsCyclicGivesItsValue) {
+TEST(Track, OneKeyThatIsCyclicGivesItsValue) {
     for (const int extrapolation : {2, 3})
         for (const float time : {-5.0f, 2.0f, 9.0f})
             EXPECT_EQ(4.0f, makeTrack(2, extrapolation, {plain(2, 4)}).getValue(time));
 }
 
-TEST(Track, oneKeyWithAnExtrapolationThatIsNoneGivesItsValue) {
+TEST(Track, OneKeyWithAnExtrapolationThatIsNoneGivesItsValue) {
     for (const float time : {-5.0f, 2.0f, 9.0f})
         EXPECT_EQ(4.0f, makeTrack(2, 9, {plain(2, 4)}).getValue(time));
 }
 
-TEST(Track, cyclicTimeThatLandsOnTheLastKeyIsReportedAndHasAValue) {
+TEST(Track, CyclicTimeThatLandsOnTheLastKeyIsReportedAndHasAValue) {
     for (const std::vector<Key>& keys : {std::vector<Key>{plain(0, 1), plain(10, 3)},
                                          std::vector<Key>{plain(-10, 1), plain(0, 1), plain(10, 3)}}) {
         CaptureStdout capture;
@@ -197,7 +197,7 @@ TEST(Track, cyclicTimeThatLandsOnTheLastKeyIsReportedAndHasAValue) {
     }
 }
 
-TEST(Track, unknownExtrapolationGoesOnWithTheNearestSegment) {
+TEST(Track, UnknownExtrapolationGoesOnWithTheNearestSegment) {
     CaptureStdout capture;
     const Track track = makeTrack(1, 4, {plain(0, 0), plain(1, 10), plain(2, 12)});
     EXPECT_EQ(16.0f, track.getValue(4));
@@ -205,14 +205,14 @@ TEST(Track, unknownExtrapolationGoesOnWithTheNearestSegment) {
     EXPECT_EQ("error (1.000000,2.000000),4.000000!\nerror (0.000000,1.000000),-1.000000!\n", capture.text());
 }
 
-TEST(Track, timeWithoutARootIsReportedAndGivesTheLeftValue) {
+TEST(Track, TimeWithoutARootIsReportedAndGivesTheLeftValue) {
     CaptureStdout capture;
     const Track track = makeTrack(2, 4, {{0, 0, 0, 5, 1, 6}, {2, 7, 3, 8, 3, 8}});
     EXPECT_EQ(5.0f, track.getValue(7));
     EXPECT_EQ("error (0.000000,3.000000),7.000000!\nerror, solveForTime returned zero\n", capture.text());
 }
 
-TEST(Track, withoutARootTheOffsetOfTheCycleIsKept) {
+TEST(Track, WithoutARootTheOffsetOfTheCycleIsKept) {
     CaptureStdout capture;
     const float none = std::numeric_limits<float>::quiet_NaN();
     const Track track = makeTrack(2, 3, {{0, 0, 0, 5, none, 6}, {2, 7, 4, 8, 5, 8}});
@@ -220,7 +220,7 @@ TEST(Track, withoutARootTheOffsetOfTheCycleIsKept) {
     EXPECT_EQ("error, solveForTime returned zero\n", capture.text());
 }
 
-TEST(Track, handlesThatReachPastTheSpanAreShortenedInProportion) {
+TEST(Track, HandlesThatReachPastTheSpanAreShortenedInProportion) {
     // Out 3, in 6, span 6: each shrinks to two thirds.
     const Track track = loadTrack(2, 0, {{0, 0, 1, 10, 4, 13}, {1, 2, 7, 20, 8, 30}});
     EXPECT_FLOAT_EQ(3.0f, track.mKeys[0].mHandleOutTime);
@@ -232,7 +232,7 @@ TEST(Track, handlesThatReachPastTheSpanAreShortenedInProportion) {
     EXPECT_EQ(8.0f, track.mKeys[1].mHandleOutTime);
 }
 
-TEST(Track, handlesThatFitStay) {
+TEST(Track, HandlesThatFitStay) {
     for (const float reach : {2.0f, 3.0f}) { // together less than the span, and exactly the span
         const Track track = loadTrack(2, 0, {{0, 0, 1, 10, 1 + reach, 13}, {7 - reach, 2, 7, 20, 8, 30}});
         EXPECT_EQ(1 + reach, track.mKeys[0].mHandleOutTime);
@@ -242,14 +242,14 @@ TEST(Track, handlesThatFitStay) {
     }
 }
 
-TEST(Track, handlesThatReachExactlyToEachOtherKeepTheirValues) {
+TEST(Track, HandlesThatReachExactlyToEachOtherKeepTheirValues) {
     // Shortening by a factor of one would round the handle's value away.
     const Track track = loadTrack(2, 0, {{0, 0, 1, 1e8f, 4, 0.1f}, {4, 0.1f, 7, 1e8f, 8, 30}});
     EXPECT_EQ(0.1f, track.mKeys[0].mHandleOutValue);
     EXPECT_EQ(0.1f, track.mKeys[1].mHandleInValue);
 }
 
-TEST(Track, handlesThatPointBackwardsCountByTheirLength) {
+TEST(Track, HandlesThatPointBackwardsCountByTheirLength) {
     const Track track = loadTrack(2, 0, {{0, 0, 0, 0, -4, 4}, {5, 4, 4, 0, 5, 0}});
     // Lengths 4 and 1, span 4: times 0.8, in their own direction.
     EXPECT_FLOAT_EQ(-3.2f, track.mKeys[0].mHandleOutTime);
@@ -258,17 +258,17 @@ TEST(Track, handlesThatPointBackwardsCountByTheirLength) {
     EXPECT_FLOAT_EQ(3.2f, track.mKeys[1].mHandleInValue);
 }
 
-TEST(Track, handlesWithoutLengthStay) {
+TEST(Track, HandlesWithoutLengthStay) {
     const Track track = loadTrack(2, 0, {{0, 0, 3, 1, 3, 9}, {3, 8, 3, 2, 3, 2}});
     EXPECT_EQ(9.0f, track.mKeys[0].mHandleOutValue);
     EXPECT_EQ(8.0f, track.mKeys[1].mHandleInValue);
 }
 
-TEST(Track, keysAreCountedByTheSizeOfTheChunk) {
+TEST(Track, KeysAreCountedByTheSizeOfTheChunk) {
     const std::string keys = key(0, 1) + key(1, 2);
     for (const size_t extra : {0u, 1u, 23u}) {
         const std::string stream = "O3DF\x01\x01" + keyList(0xFB10, 1, 0, keys + std::string(extra, 'x'));
-        chunklib::ReadBuffer buffer(stream.data(), static_cast<int>(stream.size()));
+        chunklib::ReadBuffer buffer(stream.data(), int(stream.size()));
         buffer.openChunk();
         Track track;
         track.loadKeys(buffer);
@@ -276,7 +276,7 @@ TEST(Track, keysAreCountedByTheSizeOfTheChunk) {
     }
     for (const size_t size : {0u, 1u, 2u, 25u}) {
         const std::string stream = "O3DF\x01\x01" + chunk(0xFB10, std::string(size, '\1'));
-        chunklib::ReadBuffer buffer(stream.data(), static_cast<int>(stream.size()));
+        chunklib::ReadBuffer buffer(stream.data(), int(stream.size()));
         buffer.openChunk();
         Track track;
         track.loadKeys(buffer);
@@ -301,12 +301,12 @@ void expectRoots(const std::vector<float>& expected, const std::vector<float>& f
         EXPECT_NEAR(expected[i], found[i], 1e-6f) << i;
 }
 
-TEST(SolveForTime, aCurveThatStandsStillHasARootAtItsTimeOnly) {
+TEST(SolveForTime, ACurveThatStandsStillHasARootAtItsTimeOnly) {
     EXPECT_EQ((std::vector<float>{0.0f}), roots(5, 5, 5, 5, 5));
     EXPECT_TRUE(roots(5, 5, 5, 5, 6).empty());
 }
 
-TEST(SolveForTime, evenlySpacedHandlesAreLinear) {
+TEST(SolveForTime, EvenlySpacedHandlesAreLinear) {
     EXPECT_EQ((std::vector<float>{0.0f}), roots(0, 1, 2, 3, 0));
     EXPECT_EQ((std::vector<float>{0.5f}), roots(0, 1, 2, 3, 1.5f));
     EXPECT_EQ((std::vector<float>{1.0f}), roots(0, 1, 2, 3, 3));
@@ -314,41 +314,41 @@ TEST(SolveForTime, evenlySpacedHandlesAreLinear) {
     EXPECT_TRUE(roots(0, 1, 2, 3, -0.1f).empty());
 }
 
-TEST(SolveForTime, quadraticTimeWithTwoCandidatesKeepsThoseThatCount) {
+TEST(SolveForTime, QuadraticTimeWithTwoCandidatesKeepsThoseThatCount) {
     // 1.5 u^2 + 1.5 u: the first candidate is negative.
     expectRoots({(-1.5f + sqrtf(2.25f + 6)) / 3}, roots(0, 0.5f, 1.5f, 3, 1));
     // 9 u^2 - 6 u from a fold: two roots at -0.75, smaller first.
     expectRoots({1.0f / 6, 0.5f}, roots(0, -2, -1, 3, -0.75f));
 }
 
-TEST(SolveForTime, quadraticTimeThatTouchesHasOneRoot) {
+TEST(SolveForTime, QuadraticTimeThatTouchesHasOneRoot) {
     expectRoots({1.0f / 6}, roots(0, -1, 1, 6, -0.25f));
     EXPECT_TRUE(roots(0, -1, 1, 6, -1).empty());
 }
 
-TEST(SolveForTime, cubicTimeWithOneRealRoot) {
+TEST(SolveForTime, CubicTimeWithOneRealRoot) {
     expectRoots({0.5f}, roots(0, 0, 1, 1, 0.5f));
     expectRoots({0.5f}, roots(0, 0.9f, 0.1f, 1, 0.5f));
 }
 
-TEST(SolveForTime, cubicTimeWithADoubleRootGivesTheSimpleOneFirst) {
+TEST(SolveForTime, CubicTimeWithADoubleRootGivesTheSimpleOneFirst) {
     // 16 u^3 - 24 u^2 + 9 u is 1 at 1 and, touching, at a quarter.
     expectRoots({1.0f, 0.25f}, roots(0, 3, -2, 1, 1));
 }
 
-TEST(SolveForTime, cubicTimeThatFoldsHasThreeRootsInTheOrderOfTheFormula) {
+TEST(SolveForTime, CubicTimeThatFoldsHasThreeRootsInTheOrderOfTheFormula) {
     const float r = sqrtf(0.1875f);
     expectRoots({0.5f + r, 0.5f - r, 0.5f}, roots(0, 3, -2, 1, 0.5f));
 }
 
-TEST(SolveForTime, rootsCountALittleOutsideTheirRange) {
+TEST(SolveForTime, RootsCountALittleOutsideTheirRange) {
     EXPECT_EQ(1u, roots(0, 1, 2, 3, 3 * 1.0000009f).size());
     EXPECT_EQ(0u, roots(0, 1, 2, 3, 3 * 1.0000015f).size());
     EXPECT_EQ(1u, roots(0, 1, 2, 3, -2e-10f).size());
     EXPECT_EQ(0u, roots(0, 1, 2, 3, -4e-10f).size());
 }
 
-TEST(SolveForTime, randomCurvesGiveRootsOfTheCurve) {
+TEST(SolveForTime, RandomCurvesGiveRootsOfTheCurve) {
     std::mt19937 random(3);
     std::uniform_real_distribution<float> any(-3, 3);
     int several = 0;
@@ -370,7 +370,7 @@ TEST(SolveForTime, randomCurvesGiveRootsOfTheCurve) {
     EXPECT_GT(several, 100);
 }
 
-TEST(Sqrt3d, isTheRealCubeRoot) {
+TEST(Sqrt3d, IsTheRealCubeRoot) {
     EXPECT_EQ(0.0, o3d::Sqrt3d(0));
     EXPECT_NEAR(2.0, o3d::Sqrt3d(8), 1e-14);
     EXPECT_NEAR(-3.0, o3d::Sqrt3d(-27), 1e-14);
@@ -433,11 +433,11 @@ void expectOnCurve(const Track& track, double time, double slack, float found) {
     EXPECT_LT(highest - lowest, 3.0) << "the slack hides too much";
 }
 
-TEST(Track, bezierSamplesLieOnTheCurveThatBisectionFinds) {
+TEST(Track, BezierSamplesLieOnTheCurveThatBisectionFinds) {
     std::mt19937 random(5);
     CaptureStdout capture;
     for (int round = 0; round < 400; ++round) {
-        const int count = 2 + static_cast<int>(random() % 20);
+        const int count = 2 + int(random() % 20);
         const Track track = randomBezier(random, count, 0);
         std::uniform_real_distribution<float> inside(track.mKeys.front().mTime, track.mKeys.back().mTime);
         for (int i = 0; i < 50; ++i) {
@@ -448,52 +448,51 @@ TEST(Track, bezierSamplesLieOnTheCurveThatBisectionFinds) {
     EXPECT_EQ("", capture.text());
 }
 
-TEST(Track, cyclicBezierSamplesLieOnTheCurveThatBisectionFinds) {
+TEST(Track, CyclicBezierSamplesLieOnTheCurveThatBisectionFinds) {
     std::mt19937 random(6);
     for (int round = 0; round < 200; ++round) {
         const int extrapolation = 2 + round % 2;
-        const Track track = randomBezier(random, 2 + static_cast<int>(random() % 6), extrapolation);
+        const Track track = randomBezier(random, 2 + int(random() % 6), extrapolation);
         const double first = track.mKeys.front().mTime;
-        const double span = static_cast<double>(track.mKeys.back().mTime) - first;
+        const double span = double(track.mKeys.back().mTime) - first;
         const double rise = extrapolation == 3 ? track.mKeys.back().mValue - track.mKeys.front().mValue : 0;
         for (int i = 0; i < 30; ++i) {
-            const int cycle = static_cast<int>(random() % 9) - 4;
+            const int cycle = int(random() % 9) - 4;
             const double place = span * (0.01 + 0.98 * (random() % 1000) / 1000.0);
-            const float time = static_cast<float>(first + span * cycle + place);
+            const float time = float(first + span * cycle + place);
             const float value = track.getValue(time);
-            expectOnCurve(track, first + place, 1e-4, static_cast<float>(value - rise * cycle));
+            expectOnCurve(track, first + place, 1e-4, float(value - rise * cycle));
         }
     }
 }
 
-TEST(Track, valueDoesNotDependOnWhatWasSampledBefore) {
+TEST(Track, ValueDoesNotDependOnWhatWasSampledBefore) {
     std::mt19937 random(8);
     const Track used = randomBezier(random, 21, 0);
     const float first = used.mKeys.front().mTime, last = used.mKeys.back().mTime;
     for (int i = 0; i < 5000; ++i) {
-        const float time = first + (last - first) * static_cast<float>(random() % 10000) / 10000.0f;
+        const float time = first + (last - first) * float(random() % 10000) / 10000.0f;
         Track fresh = used;
         fresh.mIndex = -1;
         EXPECT_EQ(fresh.getValue(time), used.getValue(time));
-        EXPECT_LE(used.mKeys[static_cast<size_t>(used.mIndex)].mTime, time);
+        EXPECT_LE(used.mKeys[size_t(used.mIndex)].mTime, time);
     }
 }
 
-TEST(Track, everyNumberOfKeysFindsItsSegment) {
+TEST(Track, EveryNumberOfKeysFindsItsSegment) {
     for (int count = 2; count < 40; ++count) {
         std::vector<Key> keys;
         for (int i = 0; i < count; ++i)
-            keys.push_back(plain(static_cast<float>(i), static_cast<float>(10 * i)));
+            keys.push_back(plain(float(i), float(10 * i)));
         const Track track = makeTrack(0, 0, keys);
         for (int i = 0; i < count; ++i) {
-            EXPECT_EQ(10.0f * static_cast<float>(i), track.getValue(static_cast<float>(i)));
-            EXPECT_EQ(10.0f * static_cast<float>(i),
-                      track.getValue(static_cast<float>(i) + (i + 1 < count ? 0.9f : 0)));
+            EXPECT_EQ(10.0f * float(i), track.getValue(float(i)));
+            EXPECT_EQ(10.0f * float(i), track.getValue(float(i) + (i + 1 < count ? 0.9f : 0)));
         }
     }
 }
 
-TEST(Track, keysOutOfOrderAndNumbersThatAreNoneAreSurvived) {
+TEST(Track, KeysOutOfOrderAndNumbersThatAreNoneAreSurvived) {
     const float none = std::numeric_limits<float>::quiet_NaN(), huge = std::numeric_limits<float>::infinity();
     const float odd[] = {none, huge, -huge, 0, -0.0f, 1, -1, 3e38f, -3e38f, 1e-40f, 2.5f, 7};
     std::mt19937 random(9);
@@ -504,14 +503,14 @@ TEST(Track, keysOutOfOrderAndNumbersThatAreNoneAreSurvived) {
             for (float* field : {&key.mHandleInTime, &key.mHandleInValue, &key.mTime, &key.mValue,
                                  &key.mHandleOutTime, &key.mHandleOutValue})
                 *field = odd[random() % 12];
-        Track track = loadTrack(static_cast<int>(random() % 4), static_cast<int>(random() % 5), keys);
-        track.mIndex = static_cast<int>(random() % 9) - 2;
+        Track track = loadTrack(int(random() % 4), int(random() % 5), keys);
+        track.mIndex = int(random() % 9) - 2;
         for (int i = 0; i < 4; ++i)
             track.getValue(odd[random() % 12]);
     }
 }
 
-TEST(Track, allKeysAtOneTimeAreSurvived) {
+TEST(Track, AllKeysAtOneTimeAreSurvived) {
     CaptureStdout capture;
     for (int interpolation = 0; interpolation < 3; ++interpolation)
         for (int extrapolation = 0; extrapolation < 5; ++extrapolation)
@@ -527,14 +526,14 @@ TEST(Track, allKeysAtOneTimeAreSurvived) {
 template <typename GROUP>
 GROUP loadGroup(const std::string& payload) {
     const std::string stream = "O3DF\x01\x01" + chunk(0xFA00, payload);
-    chunklib::ReadBuffer buffer(stream.data(), static_cast<int>(stream.size()));
+    chunklib::ReadBuffer buffer(stream.data(), int(stream.size()));
     buffer.openChunk();
     GROUP group;
     group.loadChunk(buffer);
     return group;
 }
 
-TEST(TrackGroup, keyListsGoToTheirComponents) {
+TEST(TrackGroup, KeyListsGoToTheirComponents) {
     const std::string lists = keyList(0xFB00, 1, 0, key(0, 10)) + keyList(0xFB10, 1, 0, key(0, 11)) +
                               keyList(0xFB20, 1, 0, key(0, 12)) + keyList(0xFB30, 1, 0, key(0, 13));
     EXPECT_EQ(11.0f, loadGroup<o3d::TrackFloat>(lists).getValue(0));
@@ -552,7 +551,7 @@ TEST(TrackGroup, keyListsGoToTheirComponents) {
     EXPECT_EQ(13.0f, rotation.z);
 }
 
-TEST(TrackGroup, defaultChunksGiveEachComponentItsPart) {
+TEST(TrackGroup, DefaultChunksGiveEachComponentItsPart) {
     EXPECT_EQ(5.0f, loadGroup<o3d::TrackFloat>(chunk(0xF004, f32(5))).getValue(0));
     EXPECT_EQ(o3d::Vector3f(1, 2, 3),
               loadGroup<o3d::TrackVector3f>(chunk(0xF006, floats({1, 2, 3}))).getValue(0));
@@ -563,14 +562,14 @@ TEST(TrackGroup, defaultChunksGiveEachComponentItsPart) {
     EXPECT_EQ(4.0f, color.w);
 }
 
-TEST(TrackGroup, defaultQuaternionIsNormalised) {
+TEST(TrackGroup, DefaultQuaternionIsNormalised) {
     const o3d::Quatf rotation = loadGroup<o3d::TrackQuatf>(chunk(0xF007, floats({2, 0, 0, 2}))).getValue(0);
     EXPECT_FLOAT_EQ(0.70710678f, rotation.w);
     EXPECT_EQ(0.0f, rotation.x);
     EXPECT_FLOAT_EQ(0.70710678f, rotation.z);
 }
 
-TEST(TrackGroup, defaultQuaternionWithoutADirectionIsTheIdentity) {
+TEST(TrackGroup, DefaultQuaternionWithoutADirectionIsTheIdentity) {
     for (const float value : {0.0f, 1e-40f, 3e38f, std::numeric_limits<float>::infinity(),
                               std::numeric_limits<float>::quiet_NaN()}) {
         const o3d::Quatf rotation =
@@ -579,22 +578,22 @@ TEST(TrackGroup, defaultQuaternionWithoutADirectionIsTheIdentity) {
     }
 }
 
-TEST(TrackGroup, aDefaultThatIsCutShortFallsBackToZeroForWhatIsMissing) {
+TEST(TrackGroup, ADefaultThatIsCutShortFallsBackToZeroForWhatIsMissing) {
     // The parent ends within the chunk, whose own size is implied; and then so does the stream.
     const std::string stream = "O3DF\x01\x01" + u16(0xFA00) + u32(10) + u16(0xF006) + floats({4, 5});
-    chunklib::ReadBuffer buffer(stream.data(), static_cast<int>(stream.size()));
+    chunklib::ReadBuffer buffer(stream.data(), int(stream.size()));
     buffer.openChunk();
     o3d::TrackVector3f track(1.0f);
     track.loadChunk(buffer);
     EXPECT_EQ(o3d::Vector3f(4, 5, 0), track.getValue(0));
 }
 
-TEST(TrackGroup, withNeitherKeysNorDefaultStaysAsItWas) {
+TEST(TrackGroup, WithNeitherKeysNorDefaultStaysAsItWas) {
     EXPECT_EQ(o3d::Vector3f(0, 0, 0), loadGroup<o3d::TrackVector3f>("").getValue(0));
     EXPECT_EQ(o3d::Quatf(1, 0, 0, 0), loadGroup<o3d::TrackQuatf>("").getValue(0));
 }
 
-TEST(TrackGroup, chunksOfOtherGroupsAreIgnored) {
+TEST(TrackGroup, ChunksOfOtherGroupsAreIgnored) {
     EXPECT_EQ(0.0f, loadGroup<o3d::TrackFloat>(
                         keyList(0xFB20, 1, 0, key(0, 1)) + keyList(0xFB00, 1, 0, key(0, 1)) +
                         chunk(0xF006, floats({1, 2, 3})) + chunk(0xF007, floats({1, 2, 3, 4})))
@@ -610,7 +609,7 @@ std::string written(const std::function<void(chunklib::WriteBuffer&)>& write) {
     return std::string(buffer.mData.begin() + 6, buffer.mData.end());
 }
 
-TEST(TrackGroup, writesItsKeyListsThenTheDefault) {
+TEST(TrackGroup, WritesItsKeyListsThenTheDefault) {
     o3d::TrackVector3f track(2.0f);
     track.mY.mKeys = {{1, 2, 3, 4, 5, 6}};
     track.mY.mInterpolation = 2;
@@ -633,7 +632,7 @@ TEST(TrackGroup, writesItsKeyListsThenTheDefault) {
     EXPECT_EQ("", written([&](auto& buffer) { Track().writeChunk(buffer, 0xFB10); }));
 }
 
-TEST(TrackGroup, lengthsAndStillnessCoverEveryComponent) {
+TEST(TrackGroup, LengthsAndStillnessCoverEveryComponent) {
     o3d::TrackColor4f color;
     o3d::TrackQuatf rotation;
     EXPECT_TRUE(color.isStatic() && rotation.isStatic());

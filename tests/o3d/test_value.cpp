@@ -21,13 +21,13 @@ std::string written(const T& value) {
 template <typename T>
 T read(const std::string& payload, T value) {
     const std::string stream = "O3DF\x01\x01" + chunk(0xABC0, payload) + "more bytes behind the chunk";
-    chunklib::ReadBuffer buffer(stream.data(), static_cast<int>(stream.size()));
+    chunklib::ReadBuffer buffer(stream.data(), int(stream.size()));
     buffer.openChunk();
     o3d::loadValue(buffer, &value);
     return value;
 }
 
-TEST(Value, isWrittenAsItsEncoding) {
+TEST(Value, IsWrittenAsItsEncoding) {
     EXPECT_EQ(text("name"), written(std::string("name")));
     EXPECT_EQ(text(""), written(std::string()));
     o3d::Index index;
@@ -50,7 +50,7 @@ TEST(Value, isWrittenAsItsEncoding) {
     EXPECT_EQ(u32(7) + u32(0xFFFFFFFF), written(weight));
 }
 
-TEST(Value, isReadFromItsEncoding) {
+TEST(Value, IsReadFromItsEncoding) {
     EXPECT_EQ("name", read(text("name") + "rest", std::string("before")));
     EXPECT_EQ(-2, read(i32(-2), o3d::Index()).mValue);
     const o3d::Triangle triangle = read(u8(9) + i32(1) + i32(2) + i32(70000), o3d::Triangle());
@@ -68,13 +68,13 @@ TEST(Value, isReadFromItsEncoding) {
     EXPECT_EQ(8u, weight.mSecond);
 }
 
-TEST(Value, whatTheChunkHasNoMoreOfStaysAsItWas) {
+TEST(Value, WhatTheChunkHasNoMoreOfStaysAsItWas) {
     EXPECT_EQ(o3d::Vector3f(1, 8, 9), read(f32(1) + "abc", o3d::Vector3f(7, 8, 9)));
     EXPECT_EQ(o3d::Quatf(6, 7, 8, 9), read("abc", o3d::Quatf(6, 7, 8, 9)));
     EXPECT_EQ(5.0f, read("", 5.0f));
 }
 
-TEST(ValueDeathTest, aTextWithoutItsZeroByteAsserts) {
+TEST(ValueDeathTest, ATextWithoutItsZeroByteAsserts) {
     EXPECT_DEATH(read("name", std::string()), "Assertion.*false");
     EXPECT_DEATH(read("", std::string()), "Assertion.*false");
 }

@@ -52,7 +52,7 @@ void expectBorder(Control& control) {
     EXPECT_EQ(control.mBack.border.second, Vector4f(0, 0, 0, 1));
 }
 
-TEST_F(FrameTest, itsColoursAndItsClone) {
+TEST_F(FrameTest, ItsColoursAndItsClone) {
     Frame frame;
     EXPECT_EQ(frame.getType(), "frame");
     EXPECT_EQ(frame.getName(), "control");
@@ -65,7 +65,7 @@ TEST_F(FrameTest, itsColoursAndItsClone) {
     EXPECT_EQ(clone->getCaption(), "control"); // a new one, not a copy
 }
 
-TEST_F(FrameTest, aPageStartsHiddenAndFillsItsView) {
+TEST_F(FrameTest, APageStartsHiddenAndFillsItsView) {
     TabFrame page;
     EXPECT_EQ(page.getType(), "tabframe");
     EXPECT_EQ(page.getCaption(), "tabframe");
@@ -88,7 +88,7 @@ TEST_F(FrameTest, aPageStartsHiddenAndFillsItsView) {
     EXPECT_EQ(clone->getType(), "tabframe");
 }
 
-TEST_F(TabViewTest, itsDefaults) {
+TEST_F(TabViewTest, ItsDefaults) {
     TabView view;
     EXPECT_EQ(view.getType(), "tabview");
     EXPECT_FALSE(view.mRaiseOnFocus);
@@ -101,7 +101,7 @@ TEST_F(TabViewTest, itsDefaults) {
     EXPECT_NE(dynamic_cast<TabView*>(clone.get()), nullptr);
 }
 
-TEST_F(TabViewTest, theStripIsEighteenHighAndThePagesLieBelow) {
+TEST_F(TabViewTest, TheStripIsEighteenHighAndThePagesLieBelow) {
     Plain& parent = add<Plain>(Box2(100, 50, 400, 350));
     TabView& view = add<TabView>(Box2(10, 20, 210, 120), &parent);
     EXPECT_EQ(view.mTabArea.area, Box2(10, 20, 210, 38));
@@ -115,7 +115,7 @@ TEST_F(TabViewTest, theStripIsEighteenHighAndThePagesLieBelow) {
 }
 
 // With no font a tab is as wide as its padding: 20.
-TEST_F(TabViewTest, aPressOnATabShowsItsPageAlone) {
+TEST_F(TabViewTest, APressOnATabShowsItsPageAlone) {
     TabView& view = add<TabView>(Box2(100, 100, 300, 200));
     for (int i = 0; i < 3; ++i)
         add<TabFrame>(Box2(), &view).setVisible(i == 0);
@@ -142,7 +142,7 @@ TEST_F(TabViewTest, aPressOnATabShowsItsPageAlone) {
     EXPECT_TRUE(order[2]->getVisible());
 }
 
-TEST_F(TabViewTest, aTabIsNoLongerHoveredWhenTheMouseHasLeftTheView) {
+TEST_F(TabViewTest, ATabIsNoLongerHoveredWhenTheMouseHasLeftTheView) {
     TabView& view = add<TabView>(Box2(100, 100, 300, 200));
     add<TabFrame>(Box2(), &view);
     sendMove(root, Vector2f(), Vector2f(110, 110));
@@ -151,7 +151,7 @@ TEST_F(TabViewTest, aTabIsNoLongerHoveredWhenTheMouseHasLeftTheView) {
     EXPECT_EQ(view.mHoverTab, -1);
 }
 
-TEST_F(TabViewTest, focusingAPageKeepsTheOrderOfTheTabs) {
+TEST_F(TabViewTest, FocusingAPageKeepsTheOrderOfTheTabs) {
     TabView& view = add<TabView>(Box2(100, 100, 300, 200));
     TabFrame& first = add<TabFrame>(Box2(), &view);
     TabFrame& second = add<TabFrame>(Box2(), &view);
@@ -159,7 +159,7 @@ TEST_F(TabViewTest, focusingAPageKeepsTheOrderOfTheTabs) {
     EXPECT_EQ(view.mControls, (std::vector<Control*>{&first, &second}));
 }
 
-TEST_F(TabViewTest, loadShowsTheFirstPage) {
+TEST_F(TabViewTest, LoadShowsTheFirstPage) {
     TabView& view = add<TabView>(Box2(0, 0, 300, 200));
     TabFrame& first = add<TabFrame>(Box2(), &view);
     TabFrame& second = add<TabFrame>(Box2(), &view);
@@ -170,7 +170,7 @@ TEST_F(TabViewTest, loadShowsTheFirstPage) {
     EXPECT_FALSE(second.getVisible());
 }
 
-TEST_F(TabViewTest, withoutPagesNothingIsShownAndAPressDoesNothing) {
+TEST_F(TabViewTest, WithoutPagesNothingIsShownAndAPressDoesNothing) {
     TabView& view = add<TabView>(Box2(100, 100, 300, 200));
     loadText(view, "<tabview><area x='100' y='100' w='200' h='100'/></tabview>");
     sendMove(root, Vector2f(), Vector2f(110, 110));
@@ -182,7 +182,7 @@ TEST_F(TabViewTest, withoutPagesNothingIsShownAndAPressDoesNothing) {
     EXPECT_EQ(view.getChildCount(), 0);
 }
 
-TEST_F(WindowTest, itsDefaults) {
+TEST_F(WindowTest, ItsDefaults) {
     Window window;
     EXPECT_EQ(window.getType(), "window");
     EXPECT_FALSE(window.mDragging);
@@ -196,7 +196,7 @@ TEST_F(WindowTest, itsDefaults) {
     EXPECT_NE(dynamic_cast<Window*>(clone.get()), nullptr);
 }
 
-TEST_F(WindowTest, theTitleIsEighteenHighAndTheChildrenLieBelow) {
+TEST_F(WindowTest, TheTitleIsEighteenHighAndTheChildrenLieBelow) {
     Plain& parent = add<Plain>(Box2(0, 0, 800, 600));
     Window& window = add<Window>(Box2(30, 40, 230, 190), &parent);
     EXPECT_EQ(window.mTitleArea.area, Box2(30, 40, 230, 58));
@@ -209,7 +209,7 @@ TEST_F(WindowTest, theTitleIsEighteenHighAndTheChildrenLieBelow) {
     EXPECT_EQ(window.mTitleArea.clip, Box2(0, 0, 150, 10));
 }
 
-TEST_F(WindowTest, isDraggedByItsTitleAlone) {
+TEST_F(WindowTest, IsDraggedByItsTitleAlone) {
     Window& window = add<Window>(Box2(30, 40, 230, 190));
     sendMove(root, Vector2f(), Vector2f(100, 100)); // below the bar
     send(root, "mousedown", Vector2f(100, 100));
@@ -233,13 +233,13 @@ TEST_F(WindowTest, isDraggedByItsTitleAlone) {
     EXPECT_EQ(window.mArea.area, Box2(37, 51, 237, 201));
 }
 
-TEST_F(WindowTest, withoutTheMouseOverItAPressDragsNothing) {
+TEST_F(WindowTest, WithoutTheMouseOverItAPressDragsNothing) {
     Window& window = add<Window>(Box2(30, 40, 230, 190));
     send(window, "mousedown", Vector2f(100, 50));
     EXPECT_FALSE(window.mDragging); // no move has told that the mouse is there
 }
 
-TEST_F(WindowTest, theDragGoesOnOutsideTheWindow) {
+TEST_F(WindowTest, TheDragGoesOnOutsideTheWindow) {
     Window& window = add<Window>(Box2(30, 40, 230, 190));
     sendMove(root, Vector2f(), Vector2f(100, 50));
     send(root, "mousedown", Vector2f(100, 50));
@@ -254,7 +254,7 @@ TEST_F(WindowTest, theDragGoesOnOutsideTheWindow) {
     EXPECT_FALSE(window.acceptEvents(far));
 }
 
-TEST_F(WindowTest, aDragGoesOnOverAnotherControlAndEndsWithAReleaseThere) {
+TEST_F(WindowTest, ADragGoesOnOverAnotherControlAndEndsWithAReleaseThere) {
     root.mRaiseOnFocus = false; // the other one stays on top
     Window& window = add<Window>(Box2(30, 40, 230, 190));
     Plain& other = add<Plain>(Box2(400, 0, 800, 600));
@@ -269,7 +269,7 @@ TEST_F(WindowTest, aDragGoesOnOverAnotherControlAndEndsWithAReleaseThere) {
     EXPECT_EQ(window.mArea.area, Box2(430, 50, 630, 200));
 }
 
-TEST_F(WindowTest, insideAWorkspaceItCanBeDraggedOffTheScreen) {
+TEST_F(WindowTest, InsideAWorkspaceItCanBeDraggedOffTheScreen) {
     Window& window = add<Window>(Box2(30, 40, 230, 190));
     sendMove(root, Vector2f(), Vector2f(100, 50));
     send(root, "mousedown", Vector2f(100, 50));
@@ -277,7 +277,7 @@ TEST_F(WindowTest, insideAWorkspaceItCanBeDraggedOffTheScreen) {
     EXPECT_EQ(window.mArea.area, Box2(-270, -310, -70, -160));
 }
 
-TEST_F(WindowTest, insideAnotherControlItStopsAtTheTopLeftAndNotAtTheBottomRight) {
+TEST_F(WindowTest, InsideAnotherControlItStopsAtTheTopLeftAndNotAtTheBottomRight) {
     Plain& parent = add<Plain>(Box2(100, 100, 500, 400));
     Window& window = add<Window>(Box2(30, 40, 230, 190), &parent);
     sendMove(root, Vector2f(), Vector2f(200, 150));
@@ -291,7 +291,7 @@ TEST_F(WindowTest, insideAnotherControlItStopsAtTheTopLeftAndNotAtTheBottomRight
     EXPECT_EQ(window.mArea.area, Box2(730, 590, 930, 740));
 }
 
-TEST_F(WindowTest, itStopsOnWholePixelsOfItsOwn) {
+TEST_F(WindowTest, ItStopsOnWholePixelsOfItsOwn) {
     Plain& parent = add<Plain>(Box2(100, 100, 500, 400));
     Window& window = add<Window>(Box2(30, 40, 230, 190), &parent);
     sendMove(root, Vector2f(), Vector2f(200, 150));
@@ -300,7 +300,7 @@ TEST_F(WindowTest, itStopsOnWholePixelsOfItsOwn) {
     EXPECT_EQ(window.mArea.area, Box2(0.25f, 0.5f, 200.25f, 150.5f));
 }
 
-TEST_F(WindowTest, aScrolledParentMovesTheStop) {
+TEST_F(WindowTest, AScrolledParentMovesTheStop) {
     Plain& parent = add<Plain>(Box2(100, 100, 500, 400));
     Window& window = add<Window>(Box2(30, 40, 230, 190), &parent);
     window.setOffset(Vector2f(10, 20));
@@ -313,7 +313,7 @@ TEST_F(WindowTest, aScrolledParentMovesTheStop) {
     EXPECT_EQ(window.mArea.world, Box2(100, 100, 300, 250));
 }
 
-TEST_F(WindowTest, aDoubleClickOnTheTitleTogglesMaximizedAndEndsTheDrag) {
+TEST_F(WindowTest, ADoubleClickOnTheTitleTogglesMaximizedAndEndsTheDrag) {
     Window& window = add<Window>(Box2(30, 40, 230, 190));
     sendMove(root, Vector2f(), Vector2f(100, 50));
     Event press = makeEvent("mousedown", Vector2f(100, 50));
@@ -335,7 +335,7 @@ TEST_F(WindowTest, aDoubleClickOnTheTitleTogglesMaximizedAndEndsTheDrag) {
     EXPECT_EQ(window.mArea.area, Box2(30, 40, 230, 190));
 }
 
-TEST_F(WindowTest, maximizedItIsNotDragged) {
+TEST_F(WindowTest, MaximizedItIsNotDragged) {
     Window& window = add<Window>(Box2(30, 40, 230, 190));
     window.setMaximized(true);
     sendMove(root, Vector2f(), Vector2f(100, 10));
@@ -345,7 +345,7 @@ TEST_F(WindowTest, maximizedItIsNotDragged) {
     EXPECT_EQ(window.mArea.area, Box2(0, 0, 800, 600));
 }
 
-TEST_F(WindowTest, inAParentOfNoSizeADragEnds) {
+TEST_F(WindowTest, InAParentOfNoSizeADragEnds) {
     Plain& parent = add<Plain>(Box2(100, 100, 100, 100));
     Window& window = add<Window>(Box2(0, 0, 50, 50), &parent);
     window.mDragging = true;
@@ -355,7 +355,7 @@ TEST_F(WindowTest, inAParentOfNoSizeADragEnds) {
     EXPECT_EQ(window.mArea.area, Box2(0, 0.5f, 50, 50.5f));
 }
 
-TEST_F(WindowTest, aDragByHugeOrUnknownDistancesEnds) {
+TEST_F(WindowTest, ADragByHugeOrUnknownDistancesEnds) {
     Plain& parent = add<Plain>(Box2(100, 100, 300, 300));
     Window& window = add<Window>(Box2(0, 0, 50, 50), &parent);
     window.mDragging = true;
@@ -373,7 +373,7 @@ TEST_F(WindowTest, aDragByHugeOrUnknownDistancesEnds) {
     }
 }
 
-TEST_F(WindowTest, withoutAParentItIsDraggedFreely) {
+TEST_F(WindowTest, WithoutAParentItIsDraggedFreely) {
     Window window;
     window.setArea(Box2(0, 0, 100, 100));
     sendMove(window, Vector2f(), Vector2f(50, 5));
@@ -398,7 +398,7 @@ public:
     }
 };
 
-TEST_F(WindowTest, itsOwnButtonMayDeleteIt) {
+TEST_F(WindowTest, ItsOwnButtonMayDeleteIt) {
     Plain& parent = add<Plain>(Box2(0, 0, 800, 600));
     Window& window = add<Window>(Box2(30, 40, 230, 190), &parent);
     add<Closer>(Box2(0, 0, 50, 50), &window);
@@ -407,7 +407,7 @@ TEST_F(WindowTest, itsOwnButtonMayDeleteIt) {
     EXPECT_EQ(parent.getChildCount(), 0);
 }
 
-TEST_F(LayoutStackTest, itsDefaults) {
+TEST_F(LayoutStackTest, ItsDefaults) {
     LayoutStack stack;
     EXPECT_EQ(stack.getType(), "layoutstack");
     EXPECT_EQ(stack.mDirection, 1);
@@ -417,7 +417,7 @@ TEST_F(LayoutStackTest, itsDefaults) {
     EXPECT_NE(dynamic_cast<LayoutStack*>(clone.get()), nullptr);
 }
 
-TEST_F(LayoutStackTest, childrenFollowEachOtherAndKeepTheirSizeAndTheirPlaceAcross) {
+TEST_F(LayoutStackTest, ChildrenFollowEachOtherAndKeepTheirSizeAndTheirPlaceAcross) {
     LayoutStack& stack = add<LayoutStack>(Box2(100, 100, 400, 400));
     Plain& first = add<Plain>(Box2(5, 50, 45, 60), &stack);
     Plain& second = add<Plain>(Box2(7, 0, 17, 20), &stack);
@@ -438,7 +438,7 @@ TEST_F(LayoutStackTest, childrenFollowEachOtherAndKeepTheirSizeAndTheirPlaceAcro
     EXPECT_EQ(second.mArea.area, Box2(40, 10, 50, 30));
 }
 
-TEST_F(LayoutStackTest, aChildThatGoesOrComesBetweenMovesTheOthers) {
+TEST_F(LayoutStackTest, AChildThatGoesOrComesBetweenMovesTheOthers) {
     LayoutStack& stack = add<LayoutStack>(Box2(0, 0, 400, 400));
     stack.mRaiseOnFocus = false;
     add<Plain>(Box2(0, 0, 10, 10), &stack);
@@ -452,7 +452,7 @@ TEST_F(LayoutStackTest, aChildThatGoesOrComesBetweenMovesTheOthers) {
     EXPECT_EQ(last.mArea.area, Box2(0, 25, 10, 55));
 }
 
-TEST_F(LayoutStackTest, aChildThatHasGrownMovesTheOthersWithRecalculate) {
+TEST_F(LayoutStackTest, AChildThatHasGrownMovesTheOthersWithRecalculate) {
     LayoutStack& stack = add<LayoutStack>(Box2(0, 0, 400, 400));
     Plain& first = add<Plain>(Box2(0, 0, 10, 10), &stack);
     Plain& second = add<Plain>(Box2(0, 0, 10, 30), &stack);
@@ -461,7 +461,7 @@ TEST_F(LayoutStackTest, aChildThatHasGrownMovesTheOthersWithRecalculate) {
     EXPECT_EQ(second.mArea.area, Box2(0, 100, 10, 130));
 }
 
-TEST_F(LayoutStackTest, onlyTheWordOfTheFilesIsHorizontal) {
+TEST_F(LayoutStackTest, OnlyTheWordOfTheFilesIsHorizontal) {
     LayoutStack& stack = add<LayoutStack>(Box2(0, 0, 400, 400));
     loadText(stack, "<layoutstack direction='horisontal'/>");
     EXPECT_EQ(stack.mDirection, 0);
@@ -472,14 +472,14 @@ TEST_F(LayoutStackTest, onlyTheWordOfTheFilesIsHorizontal) {
     EXPECT_EQ(stack.mDirection, 1);
 }
 
-TEST_F(LayoutStackTest, tenThousandChildrenAreStacked) {
+TEST_F(LayoutStackTest, TenThousandChildrenAreStacked) {
     LayoutStack& stack = add<LayoutStack>(Box2(0, 0, 400, 400));
     for (int i = 0; i < 10000; ++i)
         add<Plain>(Box2(0, 0, 10, 10), &stack);
     EXPECT_EQ(stack.getChild(9999)->mArea.area, Box2(0, 99990, 10, 100000));
 }
 
-TEST_F(ContainersTest, zeroNegativeAndEnormousAreasAreTaken) {
+TEST_F(ContainersTest, ZeroNegativeAndEnormousAreasAreTaken) {
     for (const Box2& area :
          {Box2(), Box2(10, 10, -10, -10), Box2(-1e30f, -1e30f, 1e30f, 1e30f),
           Box2(-ENDLESS, -ENDLESS, ENDLESS, ENDLESS), Box2(NO_NUMBER, NO_NUMBER, NO_NUMBER, NO_NUMBER)}) {

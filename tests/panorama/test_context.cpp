@@ -47,7 +47,7 @@ protected:
     }
 };
 
-TEST_F(ContextTest, itsDefaults) {
+TEST_F(ContextTest, ItsDefaults) {
     EXPECT_EQ(Context().getType(), "context");
     EXPECT_EQ(Context().getName(), "context");
     EXPECT_EQ(Context().getCaption(), "context");
@@ -71,7 +71,7 @@ TEST_F(ContextTest, itsDefaults) {
     EXPECT_EQ(clone->getCaption(), "context");
 }
 
-TEST_F(ContextTest, addOptionGivesTheNewRow) {
+TEST_F(ContextTest, AddOptionGivesTheNewRow) {
     Context* row = menu.addOption("Save", "save");
     EXPECT_EQ(row->getCaption(), "Save");
     EXPECT_EQ(row->getName(), "save");
@@ -80,7 +80,7 @@ TEST_F(ContextTest, addOptionGivesTheNewRow) {
     EXPECT_EQ(menu.mControls, (std::vector<Control*>{row}));
 }
 
-TEST_F(ContextTest, rowsStayInTheirOrderWhicheverGetsASubMenu) {
+TEST_F(ContextTest, RowsStayInTheirOrderWhicheverGetsASubMenu) {
     owner->setContext(&menu);
     Context* first = menu.addOption("first", "");
     Context* second = menu.addOption("second", "");
@@ -89,7 +89,7 @@ TEST_F(ContextTest, rowsStayInTheirOrderWhicheverGetsASubMenu) {
     EXPECT_EQ(owner->getFocus(), nullptr); // a menu takes nothing from who opens it
 }
 
-TEST_F(ContextTest, aRowCanBeGivenAtAnyPlace) {
+TEST_F(ContextTest, ARowCanBeGivenAtAnyPlace) {
     Context* last = menu.addOption("last", "");
     Context* first = new Context;
     menu.addControl(first, 0);
@@ -98,7 +98,7 @@ TEST_F(ContextTest, aRowCanBeGivenAtAnyPlace) {
     EXPECT_EQ(menu.mControls, (std::vector<Control*>{first, last, far}));
 }
 
-TEST_F(ContextTest, resizeMakesRoomForTheRows) {
+TEST_F(ContextTest, ResizeMakesRoomForTheRows) {
     menu.setPosition(Vector2f(100, 50));
     menu.resize();
     EXPECT_EQ(menu.mArea.area, Box2(100, 50, 130, 55)); // none: 2 * 5 - 5
@@ -122,7 +122,7 @@ TEST_F(ContextTest, resizeMakesRoomForTheRows) {
     EXPECT_EQ(menu.mArea.area.x2, 124);
 }
 
-TEST_F(ContextTest, setOptionRenamesARow) {
+TEST_F(ContextTest, SetOptionRenamesARow) {
     menu.addOption("a", "");
     menu.addOption("b", "");
     menu.addOption("c", "");
@@ -140,7 +140,7 @@ TEST_F(ContextTest, setOptionRenamesARow) {
     EXPECT_EQ(empty.getChildCount(), 0);
 }
 
-TEST_F(ContextTest, setHighlightMarksTheCurrentRow) {
+TEST_F(ContextTest, SetHighlightMarksTheCurrentRow) {
     menu.addOption("a", "");
     menu.addOption("b", "");
     menu.addOption("b", "");
@@ -149,7 +149,7 @@ TEST_F(ContextTest, setHighlightMarksTheCurrentRow) {
     EXPECT_EQ(menu.mHighlight, -1); // that is the mouse's
 }
 
-TEST_F(ContextTest, setHighlightWithAnUnknownCaptionKeepsTheFormerMark) {
+TEST_F(ContextTest, SetHighlightWithAnUnknownCaptionKeepsTheFormerMark) {
     menu.addOption("a", "name");
     menu.setHighlight("a");
     EXPECT_EQ(menu.setHighlight("unknown"), -1);
@@ -158,7 +158,7 @@ TEST_F(ContextTest, setHighlightWithAnUnknownCaptionKeepsTheFormerMark) {
     EXPECT_EQ(menu.mSelected, "a");
 }
 
-TEST_F(ContextTest, deleteOptionsForgetsTheMarks) {
+TEST_F(ContextTest, DeleteOptionsForgetsTheMarks) {
     menu.addOption("a", "");
     menu.setHighlight("a");
     menu.mHighlight = menu.mOpenOption = 0;
@@ -169,7 +169,7 @@ TEST_F(ContextTest, deleteOptionsForgetsTheMarks) {
     EXPECT_EQ(menu.mSelected, "");
 }
 
-TEST_F(ContextTest, theRowUnderTheMouseIsHighlighted) {
+TEST_F(ContextTest, TheRowUnderTheMouseIsHighlighted) {
     openMenu(); // rows at 55, 70 and 85
     EXPECT_EQ(menu.mArea.area, Box2(100, 50, 130, 100));
     const struct {
@@ -186,7 +186,7 @@ TEST_F(ContextTest, theRowUnderTheMouseIsHighlighted) {
     }
 }
 
-TEST_F(ContextTest, aSubMenuOpensBesideItsRow) {
+TEST_F(ContextTest, ASubMenuOpensBesideItsRow) {
     Context* more = openMenu();
     move(115, 75);
     EXPECT_EQ(menu.mOpenOption, 1);
@@ -207,7 +207,7 @@ TEST_F(ContextTest, aSubMenuOpensBesideItsRow) {
     EXPECT_EQ(menu.mOpenOption, -1);
 }
 
-TEST_F(ContextTest, aRowReportsItsWholePathToWhoOpenedTheMenu) {
+TEST_F(ContextTest, ARowReportsItsWholePathToWhoOpenedTheMenu) {
     Context* more = openMenu();
     send(root, "mouseup", Vector2f(115, 60)); // of the click that opened it
     move(115, 75);
@@ -221,7 +221,7 @@ TEST_F(ContextTest, aRowReportsItsWholePathToWhoOpenedTheMenu) {
     EXPECT_EQ(more->mHighlight, 1);
 }
 
-TEST_F(ContextTest, onlyTheLeftButtonChooses) {
+TEST_F(ContextTest, OnlyTheLeftButtonChooses) {
     openMenu();
     move(115, 60);
     send(root, "mouseup", Vector2f(115, 60), 1);
@@ -232,7 +232,7 @@ TEST_F(ContextTest, onlyTheLeftButtonChooses) {
     EXPECT_EQ(heard.texts, (std::vector<std::string>{"edit.cut"}));
 }
 
-TEST_F(ContextTest, aReleaseOnAGapBetweenRowsSendsNothing) {
+TEST_F(ContextTest, AReleaseOnAGapBetweenRowsSendsNothing) {
     openMenu();
     move(115, 60);
     move(115, 67);
@@ -242,7 +242,7 @@ TEST_F(ContextTest, aReleaseOnAGapBetweenRowsSendsNothing) {
     EXPECT_TRUE(heard.texts.empty());
 }
 
-TEST_F(ContextTest, twoRowsWithOneCaptionCannotBeToldApart) {
+TEST_F(ContextTest, TwoRowsWithOneCaptionCannotBeToldApart) {
     menu.addOption("same", "first");
     menu.addOption("same", "second");
     menu.setPosition(Vector2f(100, 50));
@@ -254,14 +254,14 @@ TEST_F(ContextTest, twoRowsWithOneCaptionCannotBeToldApart) {
     EXPECT_EQ(heard.texts, (std::vector<std::string>{"edit.same", "edit.same"}));
 }
 
-TEST_F(ContextTest, handleEventAlwaysGivesZero) {
+TEST_F(ContextTest, HandleEventAlwaysGivesZero) {
     openMenu();
     for (const char* type : {"mousemove", "mousedown", "mouseup", "mousewheel", "keydown", "keyup",
                              "keychardown", "keycharup", "reset", "context", ""})
         EXPECT_EQ(send(menu, type, Vector2f(115, 60)), 0) << type;
 }
 
-TEST_F(ContextTest, aSharedSubMenuReportsToTheMenuThatOpenedIt) {
+TEST_F(ContextTest, ASharedSubMenuReportsToTheMenuThatOpenedIt) {
     Context other, shared;
     other.setCaption("other");
     shared.setCaption("type");
@@ -278,7 +278,7 @@ TEST_F(ContextTest, aSharedSubMenuReportsToTheMenuThatOpenedIt) {
     other.mControls.clear();
 }
 
-TEST_F(ContextTest, aFileNestsItsMenus) {
+TEST_F(ContextTest, AFileNestsItsMenus) {
     loadText(menu, "<context><item caption='new'/><item caption='type'><item caption='square'/>"
                    "<item caption='linear'><item caption='steep'/></item></item></context>");
     ASSERT_EQ(menu.getChildCount(), 2);
@@ -291,7 +291,7 @@ TEST_F(ContextTest, aFileNestsItsMenus) {
     EXPECT_EQ(menu.getCaption(), "edit"); // its own is given by who makes it
 }
 
-TEST_F(ContextTest, itemsNestedThousandsDeepAreCutOffWithALine) {
+TEST_F(ContextTest, ItemsNestedThousandsDeepAreCutOffWithALine) {
     std::string text = "<context>";
     for (int i = 0; i < 5000; ++i)
         text += "<item caption='deeper'>";
@@ -307,7 +307,7 @@ TEST_F(ContextTest, itemsNestedThousandsDeepAreCutOffWithALine) {
     EXPECT_NE(printed.text().find("Menus nested deeper than 64 are left out"), std::string::npos);
 }
 
-TEST_F(ContextTest, aMenuBuiltTwoThousandDeepWorks) {
+TEST_F(ContextTest, AMenuBuiltTwoThousandDeepWorks) {
     Context* level = &menu;
     for (int i = 0; i < 2000; ++i)
         level = level->addOption("deeper", "");
@@ -321,7 +321,7 @@ TEST_F(ContextTest, aMenuBuiltTwoThousandDeepWorks) {
     EXPECT_EQ(level->getParent()->mArea.area.x1, 1999 * 32);
 }
 
-TEST_F(ContextTest, tenThousandRowsAreLaidOutAndHovered) {
+TEST_F(ContextTest, TenThousandRowsAreLaidOutAndHovered) {
     for (int i = 0; i < 10000; ++i)
         menu.addOption("row " + std::to_string(i), "");
     owner->setContext(&menu);
@@ -335,7 +335,7 @@ TEST_F(ContextTest, tenThousandRowsAreLaidOutAndHovered) {
     EXPECT_EQ(menu.setHighlight("row 9999"), 9999);
 }
 
-TEST_F(ContextTest, rowsWithoutAPitchAreAllLookedAt) {
+TEST_F(ContextTest, RowsWithoutAPitchAreAllLookedAt) {
     menu.addOption("a", "");
     menu.addOption("b", "");
     for (const float gap : {-10.0f, -30.0f, NO_NUMBER, ENDLESS}) {
@@ -350,7 +350,7 @@ TEST_F(ContextTest, rowsWithoutAPitchAreAllLookedAt) {
     EXPECT_EQ(menu.mHighlight, 1); // the last of those on top of each other
 }
 
-TEST_F(ContextTest, emptyCaptionsAreRowsToo) {
+TEST_F(ContextTest, EmptyCaptionsAreRowsToo) {
     menu.addOption("", "");
     menu.setCaption("");
     owner->setContext(&menu);
@@ -359,7 +359,7 @@ TEST_F(ContextTest, emptyCaptionsAreRowsToo) {
     EXPECT_EQ(menu.setHighlight(""), 0);
 }
 
-TEST_F(ContextTest, withoutAParentNothingIsReported) {
+TEST_F(ContextTest, WithoutAParentNothingIsReported) {
     menu.addOption("a", "");
     menu.setPosition(Vector2f(0, 0));
     menu.resize();
@@ -370,7 +370,7 @@ TEST_F(ContextTest, withoutAParentNothingIsReported) {
     EXPECT_TRUE(owner->heard.empty());
 }
 
-TEST_F(ContextTest, rowsThatWereTakenAwayWhileOpenAreForgotten) {
+TEST_F(ContextTest, RowsThatWereTakenAwayWhileOpenAreForgotten) {
     openMenu();
     move(115, 75);
     ASSERT_EQ(menu.mOpenOption, 1);
@@ -385,7 +385,7 @@ TEST_F(ContextTest, rowsThatWereTakenAwayWhileOpenAreForgotten) {
     EXPECT_TRUE(heard.texts.empty());
 }
 
-TEST_F(ContextTest, aMenuThatGoesWhileItIsOpenIsClosed) {
+TEST_F(ContextTest, AMenuThatGoesWhileItIsOpenIsClosed) {
     Context* gone = new Context;
     gone->addOption("a", "");
     owner->setContext(gone);
@@ -396,7 +396,7 @@ TEST_F(ContextTest, aMenuThatGoesWhileItIsOpenIsClosed) {
     send(root, "mouseup", Vector2f(10, 10));
 }
 
-TEST_F(ContextTest, aMenuWhoseOwnerGoesWhileItIsOpenIsClosed) {
+TEST_F(ContextTest, AMenuWhoseOwnerGoesWhileItIsOpenIsClosed) {
     openMenu();
     move(115, 75);
     root.deleteControl(0); // the owner
@@ -412,7 +412,7 @@ TEST_F(ContextTest, aMenuWhoseOwnerGoesWhileItIsOpenIsClosed) {
     EXPECT_EQ(root.mContext, &menu);
 }
 
-TEST_F(ContextTest, aMenuWhoseOwnersParentGoesIsClosedToo) {
+TEST_F(ContextTest, AMenuWhoseOwnersParentGoesIsClosedToo) {
     Plain* inner = new Plain(Box2(0, 0, 10, 10));
     owner->addControl(inner, -1);
     inner->setContext(&menu);
@@ -421,7 +421,7 @@ TEST_F(ContextTest, aMenuWhoseOwnersParentGoesIsClosedToo) {
     EXPECT_EQ(menu.getParent(), nullptr);
 }
 
-TEST_F(ContextTest, aRowDeletedPastItsMenuIsTakenOut) {
+TEST_F(ContextTest, ARowDeletedPastItsMenuIsTakenOut) {
     Context* more = openMenu();
     move(115, 75);
     delete more;
@@ -431,7 +431,7 @@ TEST_F(ContextTest, aRowDeletedPastItsMenuIsTakenOut) {
     EXPECT_EQ(heard.texts, (std::vector<std::string>{"edit.paste"}));
 }
 
-TEST_F(ContextTest, aControlThatBecomesARowLeavesItsParent) {
+TEST_F(ContextTest, AControlThatBecomesARowLeavesItsParent) {
     Context* row = new Context;
     owner->addControl(row, -1);
     menu.addControl(row, -1);
@@ -441,7 +441,7 @@ TEST_F(ContextTest, aControlThatBecomesARowLeavesItsParent) {
     EXPECT_EQ(menu.getChildCount(), 1u);
 }
 
-TEST_F(ContextTest, aSharedSubMenuOutlivesWhoOpenedIt) {
+TEST_F(ContextTest, ASharedSubMenuOutlivesWhoOpenedIt) {
     Context shared;
     shared.addOption("linear", "");
     {
@@ -459,7 +459,7 @@ TEST_F(ContextTest, aSharedSubMenuOutlivesWhoOpenedIt) {
     EXPECT_EQ(send(shared, "mouseup", Vector2f(10, 8)), 0);
 }
 
-TEST_F(ContextTest, aMenuOutlivesItsWorkspace) {
+TEST_F(ContextTest, AMenuOutlivesItsWorkspace) {
     auto top = std::make_unique<Workspace>();
     top->setArea(Box2(0, 0, 100, 100));
     Plain* inner = new Plain(Box2(0, 0, 10, 10));
@@ -485,7 +485,7 @@ public:
     }
 };
 
-TEST_F(ContextTest, whoHearsOfAChoiceMayDeleteTheMenu) {
+TEST_F(ContextTest, WhoHearsOfAChoiceMayDeleteTheMenu) {
     Answerer* answerer = new Answerer(Box2(0, 0, 10, 10));
     root.addControl(answerer, -1);
     for (const bool inSubMenu : {false, true}) {
@@ -507,7 +507,7 @@ TEST_F(ContextTest, whoHearsOfAChoiceMayDeleteTheMenu) {
     }
 }
 
-TEST_F(ContextTest, whoHearsOfAChoiceMayDeleteTheRows) {
+TEST_F(ContextTest, WhoHearsOfAChoiceMayDeleteTheRows) {
     Answerer* answerer = new Answerer(Box2(0, 0, 10, 10));
     root.addControl(answerer, -1);
     menu.setPosition(Vector2f(100, 50));
@@ -519,7 +519,7 @@ TEST_F(ContextTest, whoHearsOfAChoiceMayDeleteTheRows) {
     EXPECT_EQ(menu.getChildCount(), 0);
 }
 
-TEST_F(ContextTest, whoHearsOfAChoiceMayDeleteItself) {
+TEST_F(ContextTest, WhoHearsOfAChoiceMayDeleteItself) {
     Answerer* answerer = new Answerer(Box2(0, 0, 10, 10));
     root.addControl(answerer, -1);
     answerer->setCallback(&heard);
@@ -533,7 +533,7 @@ TEST_F(ContextTest, whoHearsOfAChoiceMayDeleteItself) {
     EXPECT_TRUE(heard.texts.empty()); // there is nobody left to act
 }
 
-TEST_F(ContextTest, aRowOfAnotherClassIsACaptionAndNothingMore) {
+TEST_F(ContextTest, ARowOfAnotherClassIsACaptionAndNothingMore) {
     Plain* odd = new Plain(Box2(0, 0, 10, 10));
     odd->setCaption("odd");
     odd->addControl(new Plain, -1);

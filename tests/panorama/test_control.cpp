@@ -96,7 +96,7 @@ protected:
 
 // Defaults
 
-TEST_F(ControlTest, itsDefaults) {
+TEST_F(ControlTest, ItsDefaults) {
     Plain control;
     EXPECT_EQ(control.mArea.area, Box2());
     EXPECT_EQ(control.mArea.world, Box2());
@@ -134,7 +134,7 @@ TEST_F(ControlTest, itsDefaults) {
     EXPECT_FALSE(++style);
 }
 
-TEST_F(ControlTest, aWorkspaceIsTheRoot) {
+TEST_F(ControlTest, AWorkspaceIsTheRoot) {
     Workspace fresh;
     EXPECT_EQ(fresh.getName(), "workspace");
     EXPECT_EQ(fresh.getType(), "workspace");
@@ -152,7 +152,7 @@ TEST_F(ControlTest, aWorkspaceIsTheRoot) {
 
 // Geometry
 
-TEST_F(ControlTest, worldAndClipOfNestedBoxes) {
+TEST_F(ControlTest, WorldAndClipOfNestedBoxes) {
     Framed& outer = add<Framed>(Box2(100, 50, 300, 250));
     Plain& inner = add(Box2(10, 10, 400, 60), &outer);
     EXPECT_EQ(outer.mArea.world, Box2(100, 50, 300, 250));
@@ -171,7 +171,7 @@ TEST_F(ControlTest, worldAndClipOfNestedBoxes) {
     EXPECT_EQ(inner.getChildAreaWorld(), inner.mChildArea.world);
 }
 
-TEST_F(ControlTest, aBoxOutsideItsParentHasAClipOfZero) {
+TEST_F(ControlTest, ABoxOutsideItsParentHasAClipOfZero) {
     Plain& outer = add(Box2(100, 100, 200, 200));
     Plain& inner = add(Box2(150, 0, 160, 10), &outer);
     EXPECT_EQ(inner.mArea.world, Box2(250, 100, 260, 110));
@@ -179,7 +179,7 @@ TEST_F(ControlTest, aBoxOutsideItsParentHasAClipOfZero) {
     EXPECT_EQ(inner.mChildArea.clip, Box2());
 }
 
-TEST_F(ControlTest, anOffsetMovesAControlAndAllInIt) {
+TEST_F(ControlTest, AnOffsetMovesAControlAndAllInIt) {
     Plain& outer = add(Box2(100, 100, 200, 200));
     Plain& inner = add(Box2(10, 10, 90, 90), &outer);
     Plain& core = add(Box2(1, 2, 30, 40), &inner);
@@ -193,19 +193,19 @@ TEST_F(ControlTest, anOffsetMovesAControlAndAllInIt) {
     EXPECT_EQ(core.mArea.world, Box2(111, 112, 140, 150));
 }
 
-TEST_F(ControlTest, setPositionKeepsTheSize) {
+TEST_F(ControlTest, SetPositionKeepsTheSize) {
     Plain& control = add(Box2(10, 20, 110, 70));
     control.setPosition(Vector2f(-5, 7));
     EXPECT_EQ(control.getArea(), Box2(-5, 7, 95, 57));
     EXPECT_EQ(control.mArea.clip, Box2(-5, 7, 95, 57)); // the workspace cuts far outside alone
 }
 
-TEST_F(ControlTest, theTreeEndsAtTenThousandPixels) {
+TEST_F(ControlTest, TheTreeEndsAtTenThousandPixels) {
     Plain& control = add(Box2(-1e6f, -20000, 1e30f, 20000));
     EXPECT_EQ(control.mArea.clip, Box2(-10000, -10000, 10000, 10000));
 }
 
-TEST_F(ControlTest, maximizedFillsTheParentsChildAreaAndGoesBack) {
+TEST_F(ControlTest, MaximizedFillsTheParentsChildAreaAndGoesBack) {
     Framed& outer = add<Framed>(Box2(0, 0, 207, 124));
     Plain& inner = add(Box2(5, 6, 50, 60), &outer);
     Plain& core = add(Box2(), &inner);
@@ -229,7 +229,7 @@ TEST_F(ControlTest, maximizedFillsTheParentsChildAreaAndGoesBack) {
     EXPECT_EQ(inner.getArea(), Box2(1, 1, 2, 2));
 }
 
-TEST_F(ControlTest, occupiedIsTheBoxAroundTheVisibleChildren) {
+TEST_F(ControlTest, OccupiedIsTheBoxAroundTheVisibleChildren) {
     Plain& outer = add(Box2(0, 0, 100, 100));
     EXPECT_EQ(outer.getOccupiedArea(), Box2());
     add(Box2(10, 20, 300, 40), &outer);
@@ -238,7 +238,7 @@ TEST_F(ControlTest, occupiedIsTheBoxAroundTheVisibleChildren) {
     EXPECT_EQ(outer.getOccupiedArea(), Box2(-7, 0, 300, 450));
 }
 
-TEST_F(ControlTest, zeroNegativeAndEnormousAreasAndNoNumbersAreTaken) {
+TEST_F(ControlTest, ZeroNegativeAndEnormousAreasAndNoNumbersAreTaken) {
     const float sides[] = {0, -5, 5, 1e9f, -1e9f, 3e38f, -3e38f, ENDLESS, -ENDLESS, NO_NUMBER};
     Plain& outer = add(Box2(0, 0, 100, 100));
     Plain& inner = add(Box2(0, 0, 10, 10), &outer);
@@ -259,7 +259,7 @@ TEST_F(ControlTest, zeroNegativeAndEnormousAreasAndNoNumbersAreTaken) {
             }
 }
 
-TEST_F(ControlTest, aBoxThatIsNoNumberIsHitByNothing) {
+TEST_F(ControlTest, ABoxThatIsNoNumberIsHitByNothing) {
     Plain& control = add(Box2(NO_NUMBER, 0, 100, 100));
     EXPECT_EQ(control.mArea.clip, Box2());
     EXPECT_FALSE(control.acceptEvents(*std::make_unique<Event>(makeEvent("mousedown", Vector2f(50, 50)))));
@@ -269,7 +269,7 @@ TEST_F(ControlTest, aBoxThatIsNoNumberIsHitByNothing) {
 
 // Children
 
-TEST_F(ControlTest, childrenAreTakenAtAnIndexAndDeleted) {
+TEST_F(ControlTest, ChildrenAreTakenAtAnIndexAndDeleted) {
     Plain& a = add(Box2());
     Plain& b = add(Box2());
     root.mRaiseOnFocus = false;
@@ -292,7 +292,7 @@ TEST_F(ControlTest, childrenAreTakenAtAnIndexAndDeleted) {
     EXPECT_EQ(root.getControlSize(), 0u);
 }
 
-TEST_F(ControlTest, aControlDeletedPastItsParentLeavesIt) {
+TEST_F(ControlTest, AControlDeletedPastItsParentLeavesIt) {
     Plain* child = &add(Box2());
     Flow& flow = addFlow(Box2());
     Plain* row = new Plain;
@@ -305,7 +305,7 @@ TEST_F(ControlTest, aControlDeletedPastItsParentLeavesIt) {
     EXPECT_EQ(root.getControlSize(), 1u);
 }
 
-TEST_F(ControlTest, aControlGivenToAnotherMoves) {
+TEST_F(ControlTest, AControlGivenToAnotherMoves) {
     Plain& first = add(Box2(0, 0, 100, 100));
     Plain& second = add(Box2(50, 50, 100, 100));
     Plain& child = add(Box2(1, 1, 10, 10), &first);
@@ -316,7 +316,7 @@ TEST_F(ControlTest, aControlGivenToAnotherMoves) {
     EXPECT_EQ(child.mArea.world, Box2(51, 51, 60, 60));
 }
 
-TEST_F(ControlTest, findControlGoesDepthFirst) {
+TEST_F(ControlTest, FindControlGoesDepthFirst) {
     Plain& a = add(Box2());
     Plain& deep = add(Box2(), &a);
     Plain& b = add(Box2());
@@ -328,7 +328,7 @@ TEST_F(ControlTest, findControlGoesDepthFirst) {
     EXPECT_EQ(root.findControl(""), nullptr);
 }
 
-TEST_F(ControlTest, aControlCannotHangBelowItself) {
+TEST_F(ControlTest, AControlCannotHangBelowItself) {
     Plain& a = add(Box2(0, 0, 100, 100));
     Plain& b = add(Box2(0, 0, 50, 50), &a);
     CaptureStdout out;
@@ -346,7 +346,7 @@ TEST_F(ControlTest, aControlCannotHangBelowItself) {
     a.setArea(Box2(0, 0, 70, 70)); // ends
 }
 
-TEST_F(ControlTest, tenThousandInEachOtherAreNotTaken) {
+TEST_F(ControlTest, TenThousandInEachOtherAreNotTaken) {
     std::string text;
     {
         CaptureStdout out;
@@ -382,7 +382,7 @@ TEST_F(ControlTest, tenThousandInEachOtherAreNotTaken) {
     EXPECT_EQ(root.findControl("nobody"), nullptr);
 }
 
-TEST_F(ControlTest, aChainOfTenThousandParentsIsAsked) {
+TEST_F(ControlTest, AChainOfTenThousandParentsIsAsked) {
     std::vector<std::unique_ptr<Plain>> chain(10000);
     Control* parent = &root;
     for (std::unique_ptr<Plain>& link : chain) {
@@ -403,7 +403,7 @@ TEST_F(ControlTest, aChainOfTenThousandParentsIsAsked) {
 
 // Focus
 
-TEST_F(ControlTest, theFocusRunsFromTheRoot) {
+TEST_F(ControlTest, TheFocusRunsFromTheRoot) {
     Plain& a = add(Box2(0, 0, 100, 100));
     Plain& a1 = add(Box2(0, 0, 50, 50), &a);
     Plain& b = add(Box2(200, 0, 300, 100));
@@ -425,7 +425,7 @@ TEST_F(ControlTest, theFocusRunsFromTheRoot) {
     EXPECT_EQ(a.getFocus(), nullptr);
 }
 
-TEST_F(ControlTest, clickingAChildRaisesItAboveItsSiblings) {
+TEST_F(ControlTest, ClickingAChildRaisesItAboveItsSiblings) {
     Plain& a = add(Box2(0, 0, 100, 100));
     Plain& b = add(Box2(50, 50, 150, 150));
     press(20, 20);
@@ -435,7 +435,7 @@ TEST_F(ControlTest, clickingAChildRaisesItAboveItsSiblings) {
     EXPECT_TRUE(b.heard.empty());
 }
 
-TEST_F(ControlTest, clickingAChildOfAFlowDoesNotRaiseIt) {
+TEST_F(ControlTest, ClickingAChildOfAFlowDoesNotRaiseIt) {
     Flow& flow = addFlow(Box2(0, 0, 100, 100));
     Plain* a = new Plain;
     Plain* b = new Plain;
@@ -450,7 +450,7 @@ TEST_F(ControlTest, clickingAChildOfAFlowDoesNotRaiseIt) {
 
 // Events
 
-TEST_F(ControlTest, aClickOnTheEmptyBackgroundGoesOn) {
+TEST_F(ControlTest, AClickOnTheEmptyBackgroundGoesOn) {
     Plain& a = add(Box2(0, 0, 100, 100));
     press(10, 10);
     EXPECT_EQ(send(root, "keydown"), 1);
@@ -462,7 +462,7 @@ TEST_F(ControlTest, aClickOnTheEmptyBackgroundGoesOn) {
     EXPECT_EQ(root.getFocus(), nullptr);
 }
 
-TEST_F(ControlTest, anEventThatHitsAControlGives1) {
+TEST_F(ControlTest, AnEventThatHitsAControlGives1) {
     Plain& a = add(Box2(0, 0, 100, 100));
     add(Box2(10, 10, 20, 20), &a);
     EXPECT_EQ(press(5, 5), 1);
@@ -472,7 +472,7 @@ TEST_F(ControlTest, anEventThatHitsAControlGives1) {
     EXPECT_EQ(send(root, "keydown", Vector2f(500, 500)), 1);
 }
 
-TEST_F(ControlTest, lowerEdgesBelongToABoxAndUpperOnesDoNot) {
+TEST_F(ControlTest, LowerEdgesBelongToABoxAndUpperOnesDoNot) {
     Plain& a = add(Box2(10, 10, 20, 20));
     for (const auto& [x, y, hit] : {std::tuple(10, 10, 1), std::tuple(19, 19, 1), std::tuple(20, 15, 0),
                                     std::tuple(15, 20, 0), std::tuple(9, 15, 0), std::tuple(15, 9, 0)}) {
@@ -482,7 +482,7 @@ TEST_F(ControlTest, lowerEdgesBelongToABoxAndUpperOnesDoNot) {
     }
 }
 
-TEST_F(ControlTest, aHiddenChildGetsNoEventsEvenIfItLiesOnTop) {
+TEST_F(ControlTest, AHiddenChildGetsNoEventsEvenIfItLiesOnTop) {
     Plain& below = add(Box2(0, 0, 100, 100));
     Plain& top = add(Box2(0, 0, 100, 100));
     top.setVisible(false);
@@ -491,7 +491,7 @@ TEST_F(ControlTest, aHiddenChildGetsNoEventsEvenIfItLiesOnTop) {
     EXPECT_EQ(below.heard, (std::vector<std::string>{"mousedown"}));
 }
 
-TEST_F(ControlTest, keysGoToTheFocusWhereverTheMouseIs) {
+TEST_F(ControlTest, KeysGoToTheFocusWhereverTheMouseIs) {
     Plain& a = add(Box2(0, 0, 100, 100));
     Plain& b = add(Box2(200, 0, 300, 100));
     press(10, 10);
@@ -504,7 +504,7 @@ TEST_F(ControlTest, keysGoToTheFocusWhereverTheMouseIs) {
     EXPECT_EQ(b.heard, (std::vector<std::string>{"mousewheel"}));
 }
 
-TEST_F(ControlTest, everyMoveTakesTheHoverStateOfTheWholeTreeBack) {
+TEST_F(ControlTest, EveryMoveTakesTheHoverStateOfTheWholeTreeBack) {
     Plain& a = add(Box2(0, 0, 100, 100));
     Plain& left = add(Box2(0, 0, 50, 100), &a);
     Plain& right = add(Box2(50, 0, 100, 100), &a);
@@ -523,7 +523,7 @@ TEST_F(ControlTest, everyMoveTakesTheHoverStateOfTheWholeTreeBack) {
     EXPECT_FALSE(cover.mHover);
 }
 
-TEST_F(ControlTest, hoverKeepsAcceptEventsTrueUntilTheNextReset) {
+TEST_F(ControlTest, HoverKeepsAcceptEventsTrueUntilTheNextReset) {
     Plain& a = add(Box2(0, 0, 100, 100));
     move(50, 50);
     Event outside = makeEvent("mouseup", Vector2f(400, 400));
@@ -534,7 +534,7 @@ TEST_F(ControlTest, hoverKeepsAcceptEventsTrueUntilTheNextReset) {
     EXPECT_FALSE(a.acceptEvents(outside));
 }
 
-TEST_F(ControlTest, aControlMayBeDeletedInItsOwnEvent) {
+TEST_F(ControlTest, AControlMayBeDeletedInItsOwnEvent) {
     for (const char* word : {"mousedown", "mousemove", "reset", "mouseup", "mousewheel", "keydown"}) {
         Plain& group = add(Box2(0, 0, 100, 100));
         Doing& doing = add<Doing>(Box2(0, 0, 100, 100), &group);
@@ -547,7 +547,7 @@ TEST_F(ControlTest, aControlMayBeDeletedInItsOwnEvent) {
     }
 }
 
-TEST_F(ControlTest, itsParentMayBeDeletedInItsEvent) {
+TEST_F(ControlTest, ItsParentMayBeDeletedInItsEvent) {
     for (const char* word : {"mousedown", "mousemove", "reset", "mouseup", "mousewheel", "keydown"}) {
         Plain& group = add(Box2(0, 0, 100, 100));
         Doing& doing = add<Doing>(Box2(0, 0, 100, 100), &group);
@@ -561,7 +561,7 @@ TEST_F(ControlTest, itsParentMayBeDeletedInItsEvent) {
     }
 }
 
-TEST_F(ControlTest, allControlsMayBeDeletedInAnEvent) {
+TEST_F(ControlTest, AllControlsMayBeDeletedInAnEvent) {
     for (const char* word : {"mousedown", "mousemove", "reset", "keydown"}) {
         Plain& group = add(Box2(0, 0, 100, 100));
         Doing& doing = add<Doing>(Box2(0, 0, 100, 100), &group);
@@ -574,7 +574,7 @@ TEST_F(ControlTest, allControlsMayBeDeletedInAnEvent) {
 
 // Actions
 
-TEST_F(ControlTest, anActionClimbsToTheNearestCallbacks) {
+TEST_F(ControlTest, AnActionClimbsToTheNearestCallbacks) {
     Plain& a = add(Box2());
     Plain& b = add(Box2(), &a);
     Heard first, second, above;
@@ -592,7 +592,7 @@ TEST_F(ControlTest, anActionClimbsToTheNearestCallbacks) {
     EXPECT_EQ(first.texts.size(), 1u);
 }
 
-TEST_F(ControlTest, anActionWithNoCallbacksAnywhereGoesNowhere) {
+TEST_F(ControlTest, AnActionWithNoCallbacksAnywhereGoesNowhere) {
     Plain& a = add(Box2());
     Plain& b = add(Box2(), &a);
     b.sendAction(ACTION_PRESS, nullptr);
@@ -600,7 +600,7 @@ TEST_F(ControlTest, anActionWithNoCallbacksAnywhereGoesNowhere) {
     b.sendAction(ACTION_PRESS, &a);
 }
 
-TEST_F(ControlTest, whoHearsAnActionMayDeleteItsSource) {
+TEST_F(ControlTest, WhoHearsAnActionMayDeleteItsSource) {
     struct Deletes : Callback {
         void controlAction(Control* source, Action) override { delete source; }
     } deletes;
@@ -615,7 +615,7 @@ TEST_F(ControlTest, whoHearsAnActionMayDeleteItsSource) {
 
 // Menus
 
-TEST_F(ControlTest, withAContextOpenClicksElsewhereCloseItAndReachNothing) {
+TEST_F(ControlTest, WithAContextOpenClicksElsewhereCloseItAndReachNothing) {
     Plain& below = add(Box2(0, 0, 800, 600));
     Plain& button = add(Box2(0, 0, 50, 20));
     Context menu;
@@ -642,7 +642,7 @@ TEST_F(ControlTest, withAContextOpenClicksElsewhereCloseItAndReachNothing) {
 
 // Colours
 
-TEST_F(ControlTest, hex2vecReadsPairsOfDigits) {
+TEST_F(ControlTest, Hex2vecReadsPairsOfDigits) {
     Plain control;
     EXPECT_EQ(control.hex2vec("ff008033"), Vector4f(1, 0, 128 / 255.0f, 51 / 255.0f));
     EXPECT_EQ(control.hex2vec("FF0080aB"), Vector4f(1, 0, 128 / 255.0f, 171 / 255.0f));
@@ -656,7 +656,7 @@ TEST_F(ControlTest, hex2vecReadsPairsOfDigits) {
 
 // Loading
 
-TEST_F(ControlTest, withoutAnAreaItFillsItsParent) {
+TEST_F(ControlTest, WithoutAnAreaItFillsItsParent) {
     Framed& outer = add<Framed>(Box2(0, 0, 207, 124));
     Plain& inner = add(Box2(), &outer);
     loadText(inner, "<plain id='a'/>");
@@ -665,7 +665,7 @@ TEST_F(ControlTest, withoutAnAreaItFillsItsParent) {
     EXPECT_EQ(inner.getArea(), Box2(0, 0, 200, 100));
 }
 
-TEST_F(ControlTest, anAreaIsReadByEitherNameOrTheSumOfBoth) {
+TEST_F(ControlTest, AnAreaIsReadByEitherNameOrTheSumOfBoth) {
     Plain& control = add(Box2());
     loadText(control, "<plain><area x='1.5' y='2' width='10' height='20'/></plain>");
     EXPECT_EQ(control.getArea(), Box2(1.5f, 2, 11.5f, 22));
@@ -680,7 +680,7 @@ TEST_F(ControlTest, anAreaIsReadByEitherNameOrTheSumOfBoth) {
     EXPECT_EQ(control.getArea(), Box2(0, 0, 0, 0));
 }
 
-TEST_F(ControlTest, anAreaMayBeMaximizedAndKeepsWhereItGoesBackTo) {
+TEST_F(ControlTest, AnAreaMayBeMaximizedAndKeepsWhereItGoesBackTo) {
     Plain& control = add(Box2());
     loadText(control, "<plain><area x='10' y='10' w='100' h='50' maximized='true'/></plain>");
     EXPECT_TRUE(control.getMaximized());
@@ -690,7 +690,7 @@ TEST_F(ControlTest, anAreaMayBeMaximizedAndKeepsWhereItGoesBackTo) {
     EXPECT_EQ(control.getArea(), Box2(10, 10, 110, 60));
 }
 
-TEST_F(ControlTest, hiddenAndVisibleAreRead) {
+TEST_F(ControlTest, HiddenAndVisibleAreRead) {
     Plain& control = add(Box2());
     for (const auto& [text, visible] :
          {std::pair("<p/>", true), std::pair("<p hidden='true'/>", false),
@@ -702,7 +702,7 @@ TEST_F(ControlTest, hiddenAndVisibleAreRead) {
     }
 }
 
-TEST_F(ControlTest, coloursAreReadByPaletteAndPair) {
+TEST_F(ControlTest, ColoursAreReadByPaletteAndPair) {
     Plain control;
     loadText(control,
              "<p><color name='back.border' first='ff0000' second='00ff0080'/>"
@@ -719,7 +719,7 @@ TEST_F(ControlTest, coloursAreReadByPaletteAndPair) {
     EXPECT_EQ(control.mBack.color.first, Vector4f(0, 0, 0, 0));
 }
 
-TEST_F(ControlTest, aChildElementWithSeveralControlsAddsThemInOrder) {
+TEST_F(ControlTest, AChildElementWithSeveralControlsAddsThemInOrder) {
     Plain& control = add(Box2(0, 0, 100, 100));
     std::string text;
     {
@@ -737,7 +737,7 @@ TEST_F(ControlTest, aChildElementWithSeveralControlsAddsThemInOrder) {
     EXPECT_EQ(text.find('\n'), text.size() - 1); // once
 }
 
-TEST_F(ControlTest, theLayoutOverridesTheStyle) {
+TEST_F(ControlTest, TheLayoutOverridesTheStyle) {
     loadStyle("<panel caption='style'><color name='text.color' first='ff0000' second='ff0000'/></panel>");
     Plain& control = add(Box2());
     loadText(control, "<p><child><panel/><panel caption='own'/></child></p>");
@@ -746,7 +746,7 @@ TEST_F(ControlTest, theLayoutOverridesTheStyle) {
     EXPECT_EQ(control.getControl(1)->mText.color.first, Vector4f(1, 0, 0, 1));
 }
 
-TEST_F(ControlTest, aClassTakesThePlaceOfTheTypesStyleFoundOrNot) {
+TEST_F(ControlTest, AClassTakesThePlaceOfTheTypesStyleFoundOrNot) {
     loadStyle("<panel caption='panel'/><red caption='red'/>");
     Plain& control = add(Box2());
     loadText(control, "<p><child><panel/><panel class='red'/><panel class='blue'/></child></p>");
@@ -755,7 +755,7 @@ TEST_F(ControlTest, aClassTakesThePlaceOfTheTypesStyleFoundOrNot) {
     EXPECT_EQ(control.getControl(2)->getCaption(), "");
 }
 
-TEST_F(ControlTest, aStyleThatHoldsItselfEnds) {
+TEST_F(ControlTest, AStyleThatHoldsItselfEnds) {
     loadStyle("<panel><child><panel/></child></panel><frame><child><label class='loop'/></child></frame>"
               "<loop><child><frame/><frame/></child></loop>");
     Plain& control = add(Box2());
@@ -766,7 +766,7 @@ TEST_F(ControlTest, aStyleThatHoldsItselfEnds) {
     EXPECT_NE(out.text().find("The style 'frame' holds a control of its own style"), std::string::npos);
 }
 
-TEST_F(ControlTest, stylesThatDoubleAreBounded) {
+TEST_F(ControlTest, StylesThatDoubleAreBounded) {
     std::string style;
     for (int i = 0; i < 40; ++i)
         style += "<s" + std::to_string(i) + "><child><frame class='s" + std::to_string(i + 1) +
@@ -779,7 +779,7 @@ TEST_F(ControlTest, stylesThatDoubleAreBounded) {
               std::string::npos);
 }
 
-TEST_F(ControlTest, aLayoutNestedTenThousandDeepIsCut) {
+TEST_F(ControlTest, ALayoutNestedTenThousandDeepIsCut) {
     std::string text;
     for (int i = 0; i < 10000; ++i)
         text += "<flow><child>";
@@ -801,7 +801,7 @@ TEST_F(ControlTest, aLayoutNestedTenThousandDeepIsCut) {
               std::string::npos);
 }
 
-TEST_F(ControlTest, twoHundredFlowsInEachOtherAreLaidOut) {
+TEST_F(ControlTest, TwoHundredFlowsInEachOtherAreLaidOut) {
     std::string text;
     for (int i = 0; i < 200; ++i)
         text += "<flow><area percent='1'/><child>";
@@ -816,7 +816,7 @@ TEST_F(ControlTest, twoHundredFlowsInEachOtherAreLaidOut) {
     EXPECT_EQ(core->mArea.world, Box2(0, 0, 400, 300));
 }
 
-TEST_F(ControlTest, numbersDoNotDependOnTheLocale) {
+TEST_F(ControlTest, NumbersDoNotDependOnTheLocale) {
     const CommaLocale comma;
     if (!comma)
         GTEST_SKIP() << "localedef or its sources are missing";
@@ -827,7 +827,7 @@ TEST_F(ControlTest, numbersDoNotDependOnTheLocale) {
 
 // Factory
 
-TEST_F(ControlTest, theFactoryClonesTheFirstOfAType) {
+TEST_F(ControlTest, TheFactoryClonesTheFirstOfAType) {
     class Other : public Plain {
     public:
         explicit Other(int number) : mNumber(number) { mType = "other"; }
@@ -863,7 +863,7 @@ protected:
     }
 };
 
-TEST_F(FlowTest, itsDefaults) {
+TEST_F(FlowTest, ItsDefaults) {
     EXPECT_EQ(flow.getType(), "flow");
     EXPECT_EQ(flow.mDirection, 1);
     EXPECT_FALSE(flow.mRaiseOnFocus);
@@ -877,7 +877,7 @@ TEST_F(FlowTest, itsDefaults) {
     EXPECT_EQ(flow.getSize(nullptr), 0.0f);
 }
 
-TEST_F(FlowTest, sharesDivideWhatTheFixedSizesLeave) {
+TEST_F(FlowTest, SharesDivideWhatTheFixedSizesLeave) {
     Plain& a = child(20);
     Plain& b = child(-1);
     Plain& c = child(-3);
@@ -892,7 +892,7 @@ TEST_F(FlowTest, sharesDivideWhatTheFixedSizesLeave) {
     EXPECT_EQ(c.getArea(), Box2(45, 0, 120, 50));
 }
 
-TEST_F(FlowTest, sharesAreRoundedToWholePixels) {
+TEST_F(FlowTest, SharesAreRoundedToWholePixels) {
     Plain& a = child(-1);
     Plain& b = child(-1);
     Plain& c = child(-1);
@@ -902,7 +902,7 @@ TEST_F(FlowTest, sharesAreRoundedToWholePixels) {
     EXPECT_EQ(c.getArea(), Box2(0, 66, 50, 99));
 }
 
-TEST_F(FlowTest, fixedSizesThatExceedTheLengthLeaveNothingForTheShares) {
+TEST_F(FlowTest, FixedSizesThatExceedTheLengthLeaveNothingForTheShares) {
     Plain& a = child(100);
     Plain& b = child(-5);
     Plain& c = child(80);
@@ -912,7 +912,7 @@ TEST_F(FlowTest, fixedSizesThatExceedTheLengthLeaveNothingForTheShares) {
     EXPECT_EQ(c.getArea(), Box2(0, 100, 50, 180));
 }
 
-TEST_F(FlowTest, sharesOfNothingGetNothing) {
+TEST_F(FlowTest, SharesOfNothingGetNothing) {
     Plain& a = child(20);
     Plain& b = child(0);
     flow.setArea(Box2(0, 0, 50, 120));
@@ -920,7 +920,7 @@ TEST_F(FlowTest, sharesOfNothingGetNothing) {
     EXPECT_EQ(b.getArea(), Box2(0, 20, 50, 20));
 }
 
-TEST_F(FlowTest, sizesThatAreNoNumbersOrEndlessAreTaken) {
+TEST_F(FlowTest, SizesThatAreNoNumbersOrEndlessAreTaken) {
     for (float size : {NO_NUMBER, ENDLESS, -ENDLESS, 3e38f, -3e38f})
         child(size);
     child(-1);
@@ -929,7 +929,7 @@ TEST_F(FlowTest, sizesThatAreNoNumbersOrEndlessAreTaken) {
     flow.setArea(Box2(0, 0, -50, -120));
 }
 
-TEST_F(FlowTest, aDeletedChildsSizeIsForgotten) {
+TEST_F(FlowTest, ADeletedChildsSizeIsForgotten) {
     child(20);
     child(-1);
     flow.deleteControl(0);
@@ -942,7 +942,7 @@ TEST_F(FlowTest, aDeletedChildsSizeIsForgotten) {
     EXPECT_TRUE(flow.mSizes.empty());
 }
 
-TEST_F(FlowTest, directionSizeAndPercentAreRead) {
+TEST_F(FlowTest, DirectionSizeAndPercentAreRead) {
     loadText(flow,
              "<flow direction='horisontal'><area w='120' h='50'/><child><label><area size='20'/></label>"
              "<label><area percent='1'/></label><label><area percent='3'/></label><label/></child></flow>");
@@ -959,7 +959,7 @@ TEST_F(FlowTest, directionSizeAndPercentAreRead) {
 
 // Panel
 
-TEST_F(ControlTest, aPanelsDefaultsAndItsChildArea) {
+TEST_F(ControlTest, APanelsDefaultsAndItsChildArea) {
     Panel* panel = new Panel;
     root.addControl(panel, -1);
     EXPECT_EQ(panel->getType(), "panel");
@@ -974,7 +974,7 @@ TEST_F(ControlTest, aPanelsDefaultsAndItsChildArea) {
     EXPECT_EQ(panel->mChildArea.clip, Box2());
 }
 
-TEST_F(ControlTest, clonesAreNewOnesOfTheSameClass) {
+TEST_F(ControlTest, ClonesAreNewOnesOfTheSameClass) {
     Flow flow;
     Panel panel;
     flow.setDirection(Flow::HORIZONTAL);

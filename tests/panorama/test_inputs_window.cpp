@@ -366,7 +366,7 @@ TEST_F(InputsWindow, ATextOfAMegabyteIsDrawnAsFarAsItIsSeen) {
 TEST_F(InputsWindow, ControlBytesInTextAreDrawn) {
     std::string all;
     for (int c = 0; c < 256; ++c)
-        all += static_cast<char>(c);
+        all += char(c);
     Label* label = add<Label>(Box2(0, 0, 400, 20));
     label->setText(all);
     EXPECT_EQ(label->getText().size(), 256u);

@@ -82,7 +82,7 @@ protected:
     }
 };
 
-TEST_F(MenubarTest, itsDefaults) {
+TEST_F(MenubarTest, ItsDefaults) {
     Menubar plain;
     EXPECT_EQ(plain.getType(), "menubar");
     EXPECT_FALSE(plain.mOpen);
@@ -108,7 +108,7 @@ TEST_F(MenubarTest, itsDefaults) {
     EXPECT_NE(dynamic_cast<Menubar*>(clone.get()), nullptr);
 }
 
-TEST_F(MenubarTest, loadMakesAMenuOfEachItem) {
+TEST_F(MenubarTest, LoadMakesAMenuOfEachItem) {
     ASSERT_EQ(bar.mMenus.size(), 2u);
     EXPECT_EQ(bar.mMenus[0]->getCaption(), "file");
     EXPECT_EQ(bar.mMenus[0]->getChildCount(), 3);
@@ -116,13 +116,13 @@ TEST_F(MenubarTest, loadMakesAMenuOfEachItem) {
     EXPECT_EQ(bar.mMenus[1]->getChild(0)->getCaption(), "undo");
 }
 
-TEST_F(MenubarTest, theChildrenLiveBelowTheBar) {
+TEST_F(MenubarTest, TheChildrenLiveBelowTheBar) {
     EXPECT_EQ(bar.mArea.area, Box2(0, 0, 400, 300));
     EXPECT_EQ(bar.mChildArea.area, Box2(0, 20, 400, 300));
     EXPECT_EQ(below.mArea.world, Box2(0, 20, 400, 220));
 }
 
-TEST_F(MenubarTest, theCaptionUnderTheMouseIsActive) {
+TEST_F(MenubarTest, TheCaptionUnderTheMouseIsActive) {
     move(5, 0);
     EXPECT_EQ(bar.mActive, 0);
     EXPECT_TRUE(bar.mOverItem);
@@ -141,7 +141,7 @@ TEST_F(MenubarTest, theCaptionUnderTheMouseIsActive) {
     EXPECT_EQ(root.mContext, nullptr);
 }
 
-TEST_F(MenubarTest, aPressOpensTheMenuAndItsReleaseLeavesItOpen) {
+TEST_F(MenubarTest, APressOpensTheMenuAndItsReleaseLeavesItOpen) {
     move(6, 10);
     down(6, 10, 1); // not by another button
     EXPECT_FALSE(bar.mOpen);
@@ -158,7 +158,7 @@ TEST_F(MenubarTest, aPressOpensTheMenuAndItsReleaseLeavesItOpen) {
     EXPECT_EQ(root.mContext, bar.mMenus[0]);
 }
 
-TEST_F(MenubarTest, slidingAlongTheBarSwitchesMenus) {
+TEST_F(MenubarTest, SlidingAlongTheBarSwitchesMenus) {
     openFile();
     move(editLeft + 2, 10);
     EXPECT_EQ(bar.mActive, 1);
@@ -173,7 +173,7 @@ TEST_F(MenubarTest, slidingAlongTheBarSwitchesMenus) {
     EXPECT_EQ(root.mContext, bar.mMenus[0]);
 }
 
-TEST_F(MenubarTest, aRowReportsWithTheCaptionOfItsMenu) {
+TEST_F(MenubarTest, ARowReportsWithTheCaptionOfItsMenu) {
     openFile();
     move(10, 45); // "recent"
     EXPECT_EQ(bar.mMenus[0]->mOpenOption, 1);
@@ -190,7 +190,7 @@ TEST_F(MenubarTest, aRowReportsWithTheCaptionOfItsMenu) {
     EXPECT_EQ(bar.mActive, -1);
 }
 
-TEST_F(MenubarTest, pressDragAndReleaseOnARowChoosesItInOneGo) {
+TEST_F(MenubarTest, PressDragAndReleaseOnARowChoosesItInOneGo) {
     move(6, 10);
     down(6, 10);
     move(10, 30);
@@ -202,7 +202,7 @@ TEST_F(MenubarTest, pressDragAndReleaseOnARowChoosesItInOneGo) {
     EXPECT_EQ(root.mContext, nullptr);
 }
 
-TEST_F(MenubarTest, aSecondClickOnTheCaptionClosesTheMenu) {
+TEST_F(MenubarTest, ASecondClickOnTheCaptionClosesTheMenu) {
     openFile();
     move(7, 10);
     down(7, 10);
@@ -214,7 +214,7 @@ TEST_F(MenubarTest, aSecondClickOnTheCaptionClosesTheMenu) {
     EXPECT_TRUE(heard.texts.empty());
 }
 
-TEST_F(MenubarTest, whileOpenNothingReachesTheChildren) {
+TEST_F(MenubarTest, WhileOpenNothingReachesTheChildren) {
     openFile();
     below.heard.clear();
     move(300, 150);
@@ -229,7 +229,7 @@ TEST_F(MenubarTest, whileOpenNothingReachesTheChildren) {
     EXPECT_EQ(below.heard.back(), "mousemove");
 }
 
-TEST_F(MenubarTest, aBarOfItsOwnHeightClosesByAClickElsewhere) {
+TEST_F(MenubarTest, ABarOfItsOwnHeightClosesByAClickElsewhere) {
     bar.setMaximized(false);
     bar.setArea(Box2(0, 0, 400, 20));
     openFile();
@@ -246,7 +246,7 @@ TEST_F(MenubarTest, aBarOfItsOwnHeightClosesByAClickElsewhere) {
     EXPECT_EQ(bar.mActive, -1);
 }
 
-TEST_F(MenubarTest, handleEventAlwaysGivesZero) {
+TEST_F(MenubarTest, HandleEventAlwaysGivesZero) {
     move(6, 10);
     for (const char* type :
          {"mousemove", "mousedown", "mousemove", "mouseup", "mousewheel", "keydown", "reset"})
@@ -254,7 +254,7 @@ TEST_F(MenubarTest, handleEventAlwaysGivesZero) {
     EXPECT_EQ(send(bar, "mousemove", Vector2f(300, 250)), 0);
 }
 
-TEST_F(MenubarTest, aBarThatGoesWhileAMenuIsOpenClosesIt) {
+TEST_F(MenubarTest, ABarThatGoesWhileAMenuIsOpenClosesIt) {
     openFile();
     root.deleteControl(0);
     EXPECT_EQ(root.mContext, nullptr);
@@ -263,7 +263,7 @@ TEST_F(MenubarTest, aBarThatGoesWhileAMenuIsOpenClosesIt) {
     shown();
 }
 
-TEST_F(MenubarTest, menusThatHaveGoneAreNotOpened) {
+TEST_F(MenubarTest, MenusThatHaveGoneAreNotOpened) {
     move(editLeft + 1, 10);
     delete bar.mMenus.back();
     bar.mMenus.pop_back();
@@ -272,7 +272,7 @@ TEST_F(MenubarTest, menusThatHaveGoneAreNotOpened) {
     shown();
 }
 
-TEST_F(MenubarTest, aMenuOpenedInItsPlaceClosesTheBar) {
+TEST_F(MenubarTest, AMenuOpenedInItsPlaceClosesTheBar) {
     openFile();
     Context other;
     other.addOption("a", "");
@@ -284,7 +284,7 @@ TEST_F(MenubarTest, aMenuOpenedInItsPlaceClosesTheBar) {
     EXPECT_EQ(bar.mActive, 0); // hovered, and no more
 }
 
-TEST_F(MenubarTest, aBarThatIsHiddenTakesItsMenuAlong) {
+TEST_F(MenubarTest, ABarThatIsHiddenTakesItsMenuAlong) {
     openFile();
     shown();
     EXPECT_EQ(root.mContext, bar.mMenus[0]);
@@ -305,7 +305,7 @@ protected:
     MenuTextTest() : owner(add<Plain>(Box2(0, 0, 400, 300))) {}
 };
 
-TEST_F(MenuTextTest, aMenuIsAsWideAsItsWidestCaption) {
+TEST_F(MenuTextTest, AMenuIsAsWideAsItsWidestCaption) {
     menu.addOption("a", "");
     menu.addOption("the widest of all", "");
     menu.addOption("bb", "");
@@ -326,7 +326,7 @@ int rightmost(const Picture& picture, int x1, int x2, int y1, int y2) {
     return found;
 }
 
-TEST_F(MenuTextTest, aCaptionLosesTheCharactersThatHaveNoRoom) {
+TEST_F(MenuTextTest, ACaptionLosesTheCharactersThatHaveNoRoom) {
     menu.setPosition(Vector2f(10, 10));
     menu.addOption("WWWWWWWWWW", "");
     const float letter = length("W");
@@ -346,7 +346,7 @@ TEST_F(MenuTextTest, aCaptionLosesTheCharactersThatHaveNoRoom) {
     EXPECT_NEAR(float(rightmost(shown(), 10, 390, 15, 25)), 15 + letter * 3 - 3, 1.0f);
 }
 
-TEST_F(MenuTextTest, aCaptionLongerThanAnyWindowIsDrawn) {
+TEST_F(MenuTextTest, ACaptionLongerThanAnyWindowIsDrawn) {
     menu.addOption(std::string(1000000, 'x'), "");
     menu.addOption(std::string(1000000, 'x'), "")->addOption(std::string(100000, 'y'), "");
     owner.setContext(&menu);
@@ -356,7 +356,7 @@ TEST_F(MenuTextTest, aCaptionLongerThanAnyWindowIsDrawn) {
     EXPECT_GT(rightmost(picture, 390, 400, 5, 15), 0); // to the very edge
 }
 
-TEST_F(MenuTextTest, tenThousandRowsAreDrawnForThoseThatShow) {
+TEST_F(MenuTextTest, TenThousandRowsAreDrawnForThoseThatShow) {
     for (int i = 0; i < 10000; ++i)
         menu.addOption("row " + std::to_string(i), "");
     owner.setContext(&menu);
@@ -378,7 +378,7 @@ TEST_F(MenuTextTest, tenThousandRowsAreDrawnForThoseThatShow) {
     EXPECT_EQ(after, before);
 }
 
-TEST_F(MenuTextTest, drawingACutCaptionAllocatesNothingOnceWarm) {
+TEST_F(MenuTextTest, DrawingACutCaptionAllocatesNothingOnceWarm) {
     menu.setFixedWidth(100);
     for (int i = 0; i < 20; ++i)
         menu.addOption("a caption that is much longer than the menu is wide " + std::to_string(i), "");
@@ -395,7 +395,7 @@ TEST_F(MenuTextTest, drawingACutCaptionAllocatesNothingOnceWarm) {
     EXPECT_EQ(allocated, 0u);
 }
 
-TEST_F(MenusTest, aTabIsAsWideAsItsCaptionAndItsPadding) {
+TEST_F(MenusTest, ATabIsAsWideAsItsCaptionAndItsPadding) {
     TabView& view = add<TabView>(Box2(50, 40, 350, 200));
     for (const char* caption : {"first", "second", "third"})
         add<TabFrame>(Box2(), &view).setCaption(caption);
@@ -412,7 +412,7 @@ TEST_F(MenusTest, aTabIsAsWideAsItsCaptionAndItsPadding) {
     }
 }
 
-TEST_F(MenusTest, pictureOfPages) {
+TEST_F(MenusTest, PictureOfPages) {
     TabView& view = add<TabView>(Box2(20, 20, 380, 280));
     view.mBack.pushed = {Vector4f(0.1f, 0.1f, 0.25f, 1), Vector4f(0.05f, 0.05f, 0.1f, 1)};
     for (const char* caption : {"Effects", "Music", "Colours of the sky", "Last"}) {
@@ -428,7 +428,7 @@ TEST_F(MenusTest, pictureOfPages) {
     EXPECT_TRUE(matchesReference("panorama_tabs", shown()));
 }
 
-TEST_F(MenusTest, pictureOfWindows) {
+TEST_F(MenusTest, PictureOfWindows) {
     Window& back = add<Window>(Box2(20, 20, 220, 160));
     back.setCaption("Behind");
     Window& front = add<Window>(Box2(120, 90, 370, 280));
@@ -439,7 +439,7 @@ TEST_F(MenusTest, pictureOfWindows) {
     EXPECT_TRUE(matchesReference("panorama_windows", shown()));
 }
 
-TEST_F(MenusTest, pictureOfBars) {
+TEST_F(MenusTest, PictureOfBars) {
     Frame& frame = add<Frame>(Box2(20, 20, 200, 280));
     Scrollbars& bars = add<Scrollbars>(Box2(), &frame);
     add<LayoutStack>(Box2(10, 10, 300, 500), &bars);
@@ -454,7 +454,7 @@ TEST_F(MenusTest, pictureOfBars) {
     EXPECT_TRUE(matchesReference("panorama_bars", shown()));
 }
 
-TEST_F(MenuTextTest, pictureOfAMenu) {
+TEST_F(MenuTextTest, PictureOfAMenu) {
     menu.setCaption("spline");
     menu.addOption("add key", "");
     menu.addOption("-------", "");
@@ -477,7 +477,7 @@ TEST_F(MenuTextTest, pictureOfAMenu) {
     EXPECT_TRUE(matchesReference("panorama_menu_inner", shown()));
 }
 
-TEST_F(MenubarTest, pictureOfABar) {
+TEST_F(MenubarTest, PictureOfABar) {
     move(6, 10);
     EXPECT_TRUE(matchesReference("panorama_menubar_hovered", shown()));
     openFile();
@@ -501,7 +501,7 @@ protected:
     }
 };
 
-TEST_F(MouseTest, choosesFromAMenuBar) {
+TEST_F(MouseTest, ChoosesFromAMenuBar) {
     Menubar& bar = add<Menubar>(Box2(0, 0, 400, 300));
     loadText(bar, "<menubar><item caption='file'><item caption='open'/><item caption='recent'>"
                   "<item caption='one'/><item caption='two'/></item></item></menubar>");
@@ -517,7 +517,7 @@ TEST_F(MouseTest, choosesFromAMenuBar) {
     viewer.until("the end of it", [&] { return !bar.mOpen && !root.mContext; });
 }
 
-TEST_F(MouseTest, dragsAndMaximizesAWindow) {
+TEST_F(MouseTest, DragsAndMaximizesAWindow) {
     Window& win = add<Window>(Box2(50, 50, 250, 200));
     viewer.moveTo(100, 60);
     viewer.until("the mouse", [&] { return win.mHover; });
@@ -535,7 +535,7 @@ TEST_F(MouseTest, dragsAndMaximizesAWindow) {
     EXPECT_EQ(win.mArea.area, Box2(0, 0, 400, 300));
 }
 
-TEST_F(MouseTest, scrollsByTheWheelAndByTheThumb) {
+TEST_F(MouseTest, ScrollsByTheWheelAndByTheThumb) {
     Frame& holder = add<Frame>(Box2(50, 50, 250, 200));
     Scrollbars& bars = add<Scrollbars>(Box2(), &holder);
     Plain& child = add<Plain>(Box2(0, 0, 600, 600), &bars);
@@ -561,7 +561,7 @@ TEST_F(MouseTest, scrollsByTheWheelAndByTheThumb) {
     viewer.until("the release", [&] { return !bars.mDragVertical; });
 }
 
-TEST_F(MouseTest, changesThePage) {
+TEST_F(MouseTest, ChangesThePage) {
     TabView& view = add<TabView>(Box2(50, 50, 350, 200));
     for (const char* caption : {"first", "second"})
         add<TabFrame>(Box2(), &view).setCaption(caption);

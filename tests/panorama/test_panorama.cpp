@@ -156,7 +156,7 @@ protected:
     }
 };
 
-TEST_F(RenderTest, boxesAreThoseOfThePlainWay) {
+TEST_F(RenderTest, BoxesAreThoseOfThePlainWay) {
     expectSame([](Render& render) {
         for (int direction : {0, 1, 2}) {
             const float x = 10 + 120 * float(direction);
@@ -173,7 +173,7 @@ TEST_F(RenderTest, boxesAreThoseOfThePlainWay) {
     });
 }
 
-TEST_F(RenderTest, bordersAreThoseOfThePlainWay) {
+TEST_F(RenderTest, BordersAreThoseOfThePlainWay) {
     expectSame(
         [](Render& render) {
             render.setColor(Vector4f(1, 0, 0, 0.7f), Vector4f(0, 1, 1, 0.9f));
@@ -188,7 +188,7 @@ TEST_F(RenderTest, bordersAreThoseOfThePlainWay) {
         6); // at corners a loop of lines may blend twice
 }
 
-TEST_F(RenderTest, circlesAndLinesAreThoseOfThePlainWay) {
+TEST_F(RenderTest, CirclesAndLinesAreThoseOfThePlainWay) {
     expectSame(
         [](Render& render) {
             render.setColor(Vector4f(1, 0.5f, 0, 0.6f), NO_COLOR);
@@ -206,7 +206,7 @@ TEST_F(RenderTest, circlesAndLinesAreThoseOfThePlainWay) {
         60); // rounding along sloped edges
 }
 
-TEST_F(RenderTest, textIsThatOfThePlainWayAndOnWholePixels) {
+TEST_F(RenderTest, TextIsThatOfThePlainWayAndOnWholePixels) {
     expectSame([](Render& render) {
         render.setColor(Vector4f(1, 1, 1, 1), NO_COLOR);
         for (int mode : {0, 1, 2}) {
@@ -222,7 +222,7 @@ TEST_F(RenderTest, textIsThatOfThePlainWayAndOnWholePixels) {
     });
 }
 
-TEST_F(RenderTest, shapesAndTextOverEachOtherKeepTheirOrder) {
+TEST_F(RenderTest, ShapesAndTextOverEachOtherKeepTheirOrder) {
     expectSame([](Render& render) {
         for (int i = 0; i < 12; ++i) {
             const float x = 20 + 13 * float(i), y = 20 + 9 * float(i);
@@ -236,7 +236,7 @@ TEST_F(RenderTest, shapesAndTextOverEachOtherKeepTheirOrder) {
 }
 
 // Shapes and text are drawn by kind: any mix of the two must look as if each were drawn at once.
-TEST_F(RenderTest, anyMixOfShapesAndTextIsThatOfThePlainWay) {
+TEST_F(RenderTest, AnyMixOfShapesAndTextIsThatOfThePlainWay) {
     for (unsigned seed = 1; seed <= 12; ++seed)
         expectSame(
             [&](Render& render) {
@@ -270,7 +270,7 @@ TEST_F(RenderTest, anyMixOfShapesAndTextIsThatOfThePlainWay) {
             0, Vector2f(float(seed % 3) * 7, -float(seed % 2) * 5));
 }
 
-TEST_F(RenderTest, theViewOffsetMovesThePictureAndItsClip) {
+TEST_F(RenderTest, TheViewOffsetMovesThePictureAndItsClip) {
     expectSame(
         [](Render& render) {
             render.setClipArea(Box2(50, 40, 150, 140));
@@ -283,7 +283,7 @@ TEST_F(RenderTest, theViewOffsetMovesThePictureAndItsClip) {
 }
 
 // A margin makes all smaller but the clip area, which counts the window's pixels.
-TEST_F(RenderTest, aMarginShowsMoreAndLeavesTheClipAreaWhereItIs) {
+TEST_F(RenderTest, AMarginShowsMoreAndLeavesTheClipAreaWhereItIs) {
     const auto shapes = [](Render& render) {
         render.setColor(Vector4f(0, 1, 0, 1), NO_COLOR);
         render.drawBox(Box2(-40, -30, 10, 10), 0);
@@ -301,7 +301,7 @@ TEST_F(RenderTest, aMarginShowsMoreAndLeavesTheClipAreaWhereItIs) {
     EXPECT_EQ(picture.at(25, 30)[1], 255); // beyond the upper left corner
 }
 
-TEST_F(RenderTest, aClipAreaWithAY2OfMinusOneDisablesClipping) {
+TEST_F(RenderTest, AClipAreaWithAY2OfMinusOneDisablesClipping) {
     const Picture picture = draw(batched, [](Render& render) {
         render.setClipArea(Box2(10, 10, 11, 11));
         render.setClipArea(Box2(5, 5, 6, -1));
@@ -312,14 +312,14 @@ TEST_F(RenderTest, aClipAreaWithAY2OfMinusOneDisablesClipping) {
     EXPECT_EQ(picture.at(WIDTH - 1, HEIGHT - 1)[0], 255);
 }
 
-TEST_F(RenderTest, aNegativeSecondAlphaGivesAFlatBox) {
+TEST_F(RenderTest, ANegativeSecondAlphaGivesAFlatBox) {
     batched.setColor(Vector4f(0.5f, 0.5f, 0.5f, 1), Vector4f(1, 0, 0, -0.1f));
     EXPECT_EQ(batched.mColorSecond, batched.mColorFirst);
     batched.setColor(Vector4f(0.5f, 0.5f, 0.5f, 1), Vector4f(1, 0, 0, 0));
     EXPECT_EQ(batched.mColorSecond, Vector4f(1, 0, 0, 0));
 }
 
-TEST_F(RenderTest, whatIsClippedAwayIsNotDrawnAtAll) {
+TEST_F(RenderTest, WhatIsClippedAwayIsNotDrawnAtAll) {
     frame([&] {
         batched.setupDraw(Vector2f(WIDTH, HEIGHT), Vector2f(), 0);
         batched.setClipArea(Box2(0, 0, 0, 0));
@@ -343,7 +343,7 @@ TEST_F(RenderTest, whatIsClippedAwayIsNotDrawnAtAll) {
     EXPECT_EQ(picture.at(55, 55)[0], 51);
 }
 
-TEST_F(RenderTest, shapesOfAnySizeAndNoNumbersAreTaken) {
+TEST_F(RenderTest, ShapesOfAnySizeAndNoNumbersAreTaken) {
     const float nan = std::numeric_limits<float>::quiet_NaN(), inf = std::numeric_limits<float>::infinity();
     const float sides[] = {0, -50, 50, 1e9f, -1e9f, 3e38f, -3e38f, inf, -inf, nan};
     const Picture picture = draw(batched, [&](Render& render) {
@@ -367,11 +367,11 @@ TEST_F(RenderTest, shapesOfAnySizeAndNoNumbersAreTaken) {
     EXPECT_EQ(picture.at(200, 250)[1], 255);
 }
 
-TEST_F(RenderTest, withoutADisplayAFrameCannotBegin) {
+TEST_F(RenderTest, WithoutADisplayAFrameCannotBegin) {
     EXPECT_DEATH(Render().setupDraw(Vector2f(1, 1), Vector2f(), 0), "mDisplay");
 }
 
-TEST_F(RenderTest, aMissingFontIsTheFontsFailure) {
+TEST_F(RenderTest, AMissingFontIsTheFontsFailure) {
     am::ArchiveManager empty;
     display().setArchive(&empty);
     Render lost;
@@ -426,7 +426,7 @@ protected:
     }
 };
 
-TEST_F(PanoramaTest, registersTheTypesInTheirOrder) {
+TEST_F(PanoramaTest, RegistersTheTypesInTheirOrder) {
     const std::vector<std::string> types = {
         "button",   "checkbox", "dropdown",    "flow",      "frame",  "image",    "label",     "layoutstack",
         "menubar",  "panel",    "radiobutton", "scrollbar", "slider", "spline",   "splineorg", "stat",
@@ -444,14 +444,14 @@ TEST_F(PanoramaTest, registersTheTypesInTheirOrder) {
     }
 }
 
-TEST_F(PanoramaTest, theWorkspaceIsTheWindow) {
+TEST_F(PanoramaTest, TheWorkspaceIsTheWindow) {
     EXPECT_EQ(root().getArea(), Box2(0, 0, WIDTH, HEIGHT));
     EXPECT_EQ(root().getDisplay(), &display());
     EXPECT_FALSE(toolkit->mDragging);
     EXPECT_EQ(toolkit->mViewOffset, Vector2f());
 }
 
-TEST_F(PanoramaTest, loadsALayoutWithItsStyle) {
+TEST_F(PanoramaTest, LoadsALayoutWithItsStyle) {
     file("look.xml", "<panorama><panel caption='from the style'/></panorama>");
     file("window.xml",
          "<?xml version='1.0'?><panorama><workspace style='look.xml'><child>"
@@ -473,7 +473,7 @@ TEST_F(PanoramaTest, loadsALayoutWithItsStyle) {
     shown();
 }
 
-TEST_F(PanoramaTest, aMissingLayoutThrows) {
+TEST_F(PanoramaTest, AMissingLayoutThrows) {
     try {
         toolkit->load("nowhere.xml");
         FAIL();
@@ -482,13 +482,13 @@ TEST_F(PanoramaTest, aMissingLayoutThrows) {
     }
 }
 
-TEST_F(PanoramaTest, anotherRootIsPassedOverInSilence) {
+TEST_F(PanoramaTest, AnotherRootIsPassedOverInSilence) {
     file("other.xml", "<setup><workspace><child><panel id='a'/></child></workspace></setup>");
     toolkit->load("other.xml");
     EXPECT_EQ(root().getControlSize(), 0u);
 }
 
-TEST_F(PanoramaTest, aMissingStyleIsPassedOverAndOneWithAnotherRootEndsTheLoading) {
+TEST_F(PanoramaTest, AMissingStyleIsPassedOverAndOneWithAnotherRootEndsTheLoading) {
     file("a.xml",
          "<panorama><workspace style='none.xml'><child><panel id='a'/></child></workspace></panorama>");
     toolkit->load("a.xml");
@@ -507,7 +507,7 @@ TEST_F(PanoramaTest, aMissingStyleIsPassedOverAndOneWithAnotherRootEndsTheLoadin
     }
 }
 
-TEST_F(PanoramaTest, aHiddenOrZeroSizedControlIsNotDrawnUnlessTheWorkspaceHoldsIt) {
+TEST_F(PanoramaTest, AHiddenOrZeroSizedControlIsNotDrawnUnlessTheWorkspaceHoldsIt) {
     Plain& group = add(Box2(0, 0, 100, 100));
     Plain& inside = add(Box2(0, 0, 0, 50), &group);
     Plain& half = add(Box2(0, 0, 0.5f, 50), &group);
@@ -526,7 +526,7 @@ TEST_F(PanoramaTest, aHiddenOrZeroSizedControlIsNotDrawnUnlessTheWorkspaceHoldsI
     EXPECT_EQ(top.draws, 1); // the workspace's
 }
 
-TEST_F(PanoramaTest, childrenAreCutAtTheirParents) {
+TEST_F(PanoramaTest, ChildrenAreCutAtTheirParents) {
     Plain& group = *new Plain(Box2(100, 100, 200, 200));
     toolkit->addControl(&group);
     add(Box2(50, 50, 500, 500), &group);
@@ -538,7 +538,7 @@ TEST_F(PanoramaTest, childrenAreCutAtTheirParents) {
     EXPECT_EQ(picture.at(199, 200)[0], 0);
 }
 
-TEST_F(PanoramaTest, aReleaseOfTheRightButtonEndsPanning) {
+TEST_F(PanoramaTest, AReleaseOfTheRightButtonEndsPanning) {
     toolkit->mDragging = true;
     display::MouseMoveEvent move;
     move.mousePos = Vector2f(123, 45);
@@ -554,7 +554,7 @@ TEST_F(PanoramaTest, aReleaseOfTheRightButtonEndsPanning) {
     EXPECT_FALSE(toolkit->mDragging);
 }
 
-TEST_F(PanoramaTest, theViewOffsetIsAddedToTheMouse) {
+TEST_F(PanoramaTest, TheViewOffsetIsAddedToTheMouse) {
     Plain& control = add(Box2(100, 100, 110, 110));
     toolkit->mViewOffset = Vector2f(90, 80);
     display::MouseButtonEvent down;
@@ -565,7 +565,7 @@ TEST_F(PanoramaTest, theViewOffsetIsAddedToTheMouse) {
     EXPECT_EQ(toolkit->onMouseDown(down), display::Listener::WHATEVER);
 }
 
-TEST_F(PanoramaTest, twoMovesWithinOnePixelAreOne) {
+TEST_F(PanoramaTest, TwoMovesWithinOnePixelAreOne) {
     Plain& control = add(Box2(0, 0, WIDTH, HEIGHT));
     display::MouseMoveEvent move;
     const auto moves = [&] { return std::count(control.heard.begin(), control.heard.end(), "mousemove"); };
@@ -579,7 +579,7 @@ TEST_F(PanoramaTest, twoMovesWithinOnePixelAreOne) {
     EXPECT_EQ(moves(), 2);
 }
 
-TEST_F(PanoramaTest, eventsAndFramesAllocateNothingOnceWarm) {
+TEST_F(PanoramaTest, EventsAndFramesAllocateNothingOnceWarm) {
     Flow* flow = new Flow;
     toolkit->addControl(flow);
     flow->setMaximized(true);
@@ -614,7 +614,7 @@ TEST_F(PanoramaTest, eventsAndFramesAllocateNothingOnceWarm) {
     EXPECT_EQ(after - before, 0u);
 }
 
-TEST_F(PanoramaTest, pictureOfPanelsInAFlow) {
+TEST_F(PanoramaTest, PictureOfPanelsInAFlow) {
     file(
         "panels.xml",
         "<panorama><workspace><child><flow><area x='10' y='10' w='380' h='280'/><child>"
@@ -656,7 +656,7 @@ protected:
     }
 };
 
-TEST_F(PersonTest, aClickThatHitsAControlGoesNoFurtherAndOneOnTheBackgroundDoes) {
+TEST_F(PersonTest, AClickThatHitsAControlGoesNoFurtherAndOneOnTheBackgroundDoes) {
     Plain& control = add(Box2(20, 20, 120, 120));
     click(50, 50);
     click(300, 200);
@@ -667,7 +667,7 @@ TEST_F(PersonTest, aClickThatHitsAControlGoesNoFurtherAndOneOnTheBackgroundDoes)
     EXPECT_GT(behind.moves, 0);
 }
 
-TEST_F(PersonTest, aKeyGoesToTheFocusAndFromTheBackgroundOnToTheNext) {
+TEST_F(PersonTest, AKeyGoesToTheFocusAndFromTheBackgroundOnToTheNext) {
     Plain& control = add(Box2(20, 20, 120, 120));
     click(50, 50);
     viewer.key("a");
@@ -684,7 +684,7 @@ TEST_F(PersonTest, aKeyGoesToTheFocusAndFromTheBackgroundOnToTheNext) {
     ASSERT_TRUE(viewer.until("the key behind", [&] { return behind.keys == 2; }));
 }
 
-TEST_F(PersonTest, theWheelAndTheDoubleClickArrive) {
+TEST_F(PersonTest, TheWheelAndTheDoubleClickArrive) {
     struct Listening : Plain {
         float wheel = 0;
         bool doubled = false;
@@ -707,7 +707,7 @@ TEST_F(PersonTest, theWheelAndTheDoubleClickArrive) {
     EXPECT_TRUE(viewer.until("a double click", [&] { return control->doubled; }));
 }
 
-TEST_F(PersonTest, theHoverStateFollowsTheMouse) {
+TEST_F(PersonTest, TheHoverStateFollowsTheMouse) {
     Plain& a = add(Box2(20, 20, 120, 120));
     Plain& b = add(Box2(200, 20, 300, 120));
     viewer.moveTo(50, 50);
@@ -718,7 +718,7 @@ TEST_F(PersonTest, theHoverStateFollowsTheMouse) {
     ASSERT_TRUE(viewer.until("the mouse over none", [&] { return !a.mHover && !b.mHover; }));
 }
 
-TEST(ResizeTest, afterAResizeAllMaximizedControlsFillTheirParentsAgain) {
+TEST(ResizeTest, AfterAResizeAllMaximizedControlsFillTheirParentsAgain) {
     am::ArchiveManager archives;
     archives.addArchive(sourcePath("data"));
     display::WindowMode mode("resizable", WIDTH, HEIGHT, false);

@@ -38,7 +38,7 @@ protected:
     }
 };
 
-TEST_F(ScrollbarsTest, itsDefaults) {
+TEST_F(ScrollbarsTest, ItsDefaults) {
     Scrollbars plain;
     EXPECT_EQ(plain.getType(), "scrollbar");
     EXPECT_TRUE(plain.getMaximized());
@@ -61,12 +61,12 @@ TEST_F(ScrollbarsTest, itsDefaults) {
     EXPECT_NE(dynamic_cast<Scrollbars*>(clone.get()), nullptr);
 }
 
-TEST_F(ScrollbarsTest, itFillsItsParent) {
+TEST_F(ScrollbarsTest, ItFillsItsParent) {
     EXPECT_EQ(bars->mArea.area, Box2(0, 0, 200, 100));
     EXPECT_EQ(bars->mArea.world, Box2(100, 200, 300, 300));
 }
 
-TEST_F(ScrollbarsTest, tracksCornerThumbsAndView) {
+TEST_F(ScrollbarsTest, TracksCornerThumbsAndView) {
     EXPECT_EQ(bars->mTrackVertical, Box2(288, 200, 300, 288));
     EXPECT_EQ(bars->mTrackHorisontal, Box2(100, 288, 288, 300));
     EXPECT_EQ(bars->mCorner, Box2(288, 288, 300, 300));
@@ -76,7 +76,7 @@ TEST_F(ScrollbarsTest, tracksCornerThumbsAndView) {
     EXPECT_EQ(bars->mChildArea.world, Box2(100, 200, 288, 288));
 }
 
-TEST_F(ScrollbarsTest, withDirectionVerticalThereIsNoHorizontalBar) {
+TEST_F(ScrollbarsTest, WithDirectionVerticalThereIsNoHorizontalBar) {
     loadText(*bars, "<scrollbar direction='vertical'/>");
     EXPECT_TRUE(bars->mVertical);
     EXPECT_FALSE(bars->mHorisontal);
@@ -92,7 +92,7 @@ TEST_F(ScrollbarsTest, withDirectionVerticalThereIsNoHorizontalBar) {
     EXPECT_EQ(bars->mPosX, 0);
 }
 
-TEST_F(ScrollbarsTest, withDirectionHorisontalThereIsNoVerticalBar) {
+TEST_F(ScrollbarsTest, WithDirectionHorisontalThereIsNoVerticalBar) {
     loadText(*bars, "<scrollbar direction='horisontal'/>");
     EXPECT_FALSE(bars->mVertical);
     EXPECT_TRUE(bars->mHorisontal);
@@ -106,13 +106,13 @@ TEST_F(ScrollbarsTest, withDirectionHorisontalThereIsNoVerticalBar) {
     EXPECT_EQ(child->mOffset, Vector2f(0, 0));
 }
 
-TEST_F(ScrollbarsTest, anyOtherDirectionKeepsBothBars) {
+TEST_F(ScrollbarsTest, AnyOtherDirectionKeepsBothBars) {
     loadText(*bars, "<scrollbar direction='horizontal'/>");
     EXPECT_TRUE(bars->mVertical);
     EXPECT_TRUE(bars->mHorisontal);
 }
 
-TEST_F(ScrollbarsTest, theChildrenGoAsFarAsTheyOverflow) {
+TEST_F(ScrollbarsTest, TheChildrenGoAsFarAsTheyOverflow) {
     bars->mPosX = 79; // half way
     bars->mPosY = 58; // all the way
     bars->buildScrollbars();
@@ -123,7 +123,7 @@ TEST_F(ScrollbarsTest, theChildrenGoAsFarAsTheyOverflow) {
     EXPECT_EQ(child->mArea.clip, Box2(100, 200, 288, 288));
 }
 
-TEST_F(ScrollbarsTest, thumbsStayOnTheirTracks) {
+TEST_F(ScrollbarsTest, ThumbsStayOnTheirTracks) {
     bars->mPosX = -5;
     bars->mPosY = 1000;
     bars->buildScrollbars();
@@ -137,7 +137,7 @@ TEST_F(ScrollbarsTest, thumbsStayOnTheirTracks) {
     EXPECT_EQ(child->mOffset, Vector2f(0, 512));
 }
 
-TEST_F(ScrollbarsTest, aSmallerViewTakesItsThumbsBack) {
+TEST_F(ScrollbarsTest, ASmallerViewTakesItsThumbsBack) {
     bars->mPosX = 158;
     bars->mPosY = 58;
     bars->buildScrollbars();
@@ -147,7 +147,7 @@ TEST_F(ScrollbarsTest, aSmallerViewTakesItsThumbsBack) {
     EXPECT_EQ(child->mOffset, Vector2f(400 - 88, 600 - 68));
 }
 
-TEST_F(ScrollbarsTest, aTrackNoLongerThanItsThumbScrollsNothing) {
+TEST_F(ScrollbarsTest, ATrackNoLongerThanItsThumbScrollsNothing) {
     for (const float size : {0.0f, 12.0f, 30.0f, 42.0f}) { // 42: exactly as long
         bars->setArea(Box2(0, 0, size, size));
         bars->mPosX = bars->mPosY = 10;
@@ -161,7 +161,7 @@ TEST_F(ScrollbarsTest, aTrackNoLongerThanItsThumbScrollsNothing) {
     }
 }
 
-TEST_F(ScrollbarsTest, theWheelScrollsFiftyPixelsOfContent) {
+TEST_F(ScrollbarsTest, TheWheelScrollsFiftyPixelsOfContent) {
     EXPECT_EQ(wheel(-1), 1);
     EXPECT_FLOAT_EQ(bars->mPosY, 50.0f * 58 / 600);
     EXPECT_EQ(bars->mPosX, 0);
@@ -178,7 +178,7 @@ TEST_F(ScrollbarsTest, theWheelScrollsFiftyPixelsOfContent) {
     EXPECT_FLOAT_EQ(bars->mPosY, 50.0f * 58 / 600);
 }
 
-TEST_F(ScrollbarsTest, theWheelWithNothingToScrollMovesTheThumbAllTheSame) {
+TEST_F(ScrollbarsTest, TheWheelWithNothingToScrollMovesTheThumbAllTheSame) {
     child->setArea(Box2(0, 0, 50, 40));
     EXPECT_EQ(wheel(-0.25f), 1);
     EXPECT_FLOAT_EQ(bars->mPosY, 0.25f * 50 * 58 / 40);
@@ -186,7 +186,7 @@ TEST_F(ScrollbarsTest, theWheelWithNothingToScrollMovesTheThumbAllTheSame) {
     EXPECT_EQ(heard.actions, (std::vector<int>{7}));
 }
 
-TEST_F(ScrollbarsTest, theWheelOverNoChildrenAtAllDividesByNothing) {
+TEST_F(ScrollbarsTest, TheWheelOverNoChildrenAtAllDividesByNothing) {
     bars->deleteControls();
     wheel(-1);
     EXPECT_EQ(bars->mPosY, 58); // the end
@@ -196,7 +196,7 @@ TEST_F(ScrollbarsTest, theWheelOverNoChildrenAtAllDividesByNothing) {
     EXPECT_EQ(bars->mPosY, 0);
 }
 
-TEST_F(ScrollbarsTest, aWheelThatTurnsByNoNumberMovesNothing) {
+TEST_F(ScrollbarsTest, AWheelThatTurnsByNoNumberMovesNothing) {
     wheel(-1);
     const float before = bars->mPosY;
     EXPECT_EQ(wheel(NO_NUMBER), 1);
@@ -217,7 +217,7 @@ public:
     }
 };
 
-TEST_F(ScrollbarsTest, aWheelThatAChildHasTakenDoesNotScroll) {
+TEST_F(ScrollbarsTest, AWheelThatAChildHasTakenDoesNotScroll) {
     bars->addControl(new Taker(Box2(0, 0, 400, 600)), -1);
     sendMove(root, Vector2f(), Vector2f(150, 250));
     EXPECT_EQ(wheel(-1), 1);
@@ -225,7 +225,7 @@ TEST_F(ScrollbarsTest, aWheelThatAChildHasTakenDoesNotScroll) {
     EXPECT_TRUE(heard.actions.empty());
 }
 
-TEST_F(ScrollbarsTest, aThumbIsDraggedWithTheLeftButton) {
+TEST_F(ScrollbarsTest, AThumbIsDraggedWithTheLeftButton) {
     sendMove(root, Vector2f(), Vector2f(295, 210));
     send(root, "mousedown", Vector2f(295, 210), 1);
     EXPECT_FALSE(bars->mDragVertical);
@@ -248,7 +248,7 @@ TEST_F(ScrollbarsTest, aThumbIsDraggedWithTheLeftButton) {
     EXPECT_EQ(heard.actions.size(), 2u);
 }
 
-TEST_F(ScrollbarsTest, aDragGoesOnOverAnotherControlAndEndsWithAReleaseThere) {
+TEST_F(ScrollbarsTest, ADragGoesOnOverAnotherControlAndEndsWithAReleaseThere) {
     root.mRaiseOnFocus = false; // the other one stays on top
     Plain* other = new Plain(Box2(400, 200, 600, 300));
     root.addControl(other, -1);
@@ -265,7 +265,7 @@ TEST_F(ScrollbarsTest, aDragGoesOnOverAnotherControlAndEndsWithAReleaseThere) {
     EXPECT_EQ(bars->mPosY, 29);
 }
 
-TEST_F(ScrollbarsTest, theOtherThumbGoesSideways) {
+TEST_F(ScrollbarsTest, TheOtherThumbGoesSideways) {
     sendMove(root, Vector2f(), Vector2f(110, 295));
     send(root, "mousedown", Vector2f(110, 295));
     EXPECT_TRUE(bars->mDragHorisontal);
@@ -279,7 +279,7 @@ TEST_F(ScrollbarsTest, theOtherThumbGoesSideways) {
     EXPECT_EQ(bars->mPosX, 79);
 }
 
-TEST_F(ScrollbarsTest, aPressBesideTheThumbHoldsNothing) {
+TEST_F(ScrollbarsTest, APressBesideTheThumbHoldsNothing) {
     sendMove(root, Vector2f(), Vector2f(295, 230)); // one below
     send(root, "mousedown", Vector2f(295, 230));
     EXPECT_FALSE(bars->mDragVertical);
@@ -287,7 +287,7 @@ TEST_F(ScrollbarsTest, aPressBesideTheThumbHoldsNothing) {
     EXPECT_TRUE(heard.actions.empty());
 }
 
-TEST_F(ScrollbarsTest, whatIsHeldGetsTheEventsWhereverTheMouseIs) {
+TEST_F(ScrollbarsTest, WhatIsHeldGetsTheEventsWhereverTheMouseIs) {
     send(*bars, "reset");
     Event far = makeEvent("mousemove", Vector2f(5, 5));
     EXPECT_FALSE(bars->acceptEvents(far));
@@ -324,7 +324,7 @@ protected:
     }
 };
 
-TEST_F(ResizeTest, theCornerDragsTheSizeOfTheWindow) {
+TEST_F(ResizeTest, TheCornerDragsTheSizeOfTheWindow) {
     pressCorner();
     EXPECT_TRUE(bars->mDragResize);
     drag(10, 20);
@@ -336,7 +336,7 @@ TEST_F(ResizeTest, theCornerDragsTheSizeOfTheWindow) {
     EXPECT_EQ(window->mArea.area, Box2(100, 182, 310, 320));
 }
 
-TEST_F(ResizeTest, theWindowStaysAboveEightyPixelsBothWays) {
+TEST_F(ResizeTest, TheWindowStaysAboveEightyPixelsBothWays) {
     pressCorner();
     drag(-119, -37);
     EXPECT_EQ(window->mArea.area, Box2(100, 182, 181, 263)); // 81 by 81
@@ -349,13 +349,13 @@ TEST_F(ResizeTest, theWindowStaysAboveEightyPixelsBothWays) {
     EXPECT_EQ(window->mArea.area, Box2(100, 182, 181, 263));
 }
 
-TEST_F(ResizeTest, aMaximizedWindowHasNoCornerToDrag) {
+TEST_F(ResizeTest, AMaximizedWindowHasNoCornerToDrag) {
     window->setMaximized(true);
     pressCorner();
     EXPECT_FALSE(bars->mDragResize);
 }
 
-TEST_F(ScrollbarsTest, theCornerInAnythingButAWindowDragsNothing) {
+TEST_F(ScrollbarsTest, TheCornerInAnythingButAWindowDragsNothing) {
     sendMove(root, Vector2f(), Vector2f(295, 295));
     send(root, "mousedown", Vector2f(295, 295));
     EXPECT_TRUE(bars->mDragResize);
@@ -364,7 +364,7 @@ TEST_F(ScrollbarsTest, theCornerInAnythingButAWindowDragsNothing) {
     EXPECT_TRUE(heard.actions.empty());
 }
 
-TEST_F(ScrollbarsTest, withoutAParentNothingIsDraggedAndNothingBreaks) {
+TEST_F(ScrollbarsTest, WithoutAParentNothingIsDraggedAndNothingBreaks) {
     Scrollbars alone;
     alone.setArea(Box2(0, 0, 200, 100));
     send(alone, "mousedown", Vector2f(195, 95));
@@ -385,7 +385,7 @@ public:
     }
 };
 
-TEST_F(ScrollbarsTest, whoHearsOfAStepMayDeleteIt) {
+TEST_F(ScrollbarsTest, WhoHearsOfAStepMayDeleteIt) {
     Remover remover;
     for (const char* type : {"mousewheel", "mousemove", "mouseup"}) {
         Plain holder(Box2(0, 0, 200, 100));
@@ -399,7 +399,7 @@ TEST_F(ScrollbarsTest, whoHearsOfAStepMayDeleteIt) {
     }
 }
 
-TEST_F(ScrollbarsTest, fortyInEachOtherAreLaidOut) {
+TEST_F(ScrollbarsTest, FortyInEachOtherAreLaidOut) {
     Workspace top;
     top.setArea(Box2(0, 0, 2000, 2000));
     Control* parent = &top;
@@ -412,7 +412,7 @@ TEST_F(ScrollbarsTest, fortyInEachOtherAreLaidOut) {
     EXPECT_EQ(parent->mArea.area, Box2(0, 0, 1000 - 39 * 12, 1000 - 39 * 12));
 }
 
-TEST_F(ScrollbarsTest, zeroNegativeAndEnormousAreasAreTaken) {
+TEST_F(ScrollbarsTest, ZeroNegativeAndEnormousAreasAreTaken) {
     for (const Box2& area :
          {Box2(), Box2(10, 10, -10, -10), Box2(-1e30f, -1e30f, 1e30f, 1e30f),
           Box2(-ENDLESS, -ENDLESS, ENDLESS, ENDLESS), Box2(NO_NUMBER, NO_NUMBER, NO_NUMBER, NO_NUMBER)}) {

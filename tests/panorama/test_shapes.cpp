@@ -87,7 +87,7 @@ protected:
     }
 };
 
-TEST_F(ShapesTest, whatLiesUnderAnOpaqueBoxIsLeftOut) {
+TEST_F(ShapesTest, WhatLiesUnderAnOpaqueBoxIsLeftOut) {
     expectSame([](Render& r) {
         box(r, Box2(50, 50, 100, 80), RED);
         shaded(r, Box2(60, 60, 90, 90), BLUE, GREEN);
@@ -102,7 +102,7 @@ TEST_F(ShapesTest, whatLiesUnderAnOpaqueBoxIsLeftOut) {
     EXPECT_EQ(counts.draws, 1);
 }
 
-TEST_F(ShapesTest, anOpaqueGradientHidesToo) {
+TEST_F(ShapesTest, AnOpaqueGradientHidesToo) {
     expectSame([](Render& r) {
         box(r, Box2(50, 50, 100, 80), RED);
         shaded(r, Box2(40, 40, 120, 120), BLUE, GREEN, 1);
@@ -110,7 +110,7 @@ TEST_F(ShapesTest, anOpaqueGradientHidesToo) {
     EXPECT_EQ(counts.hidden, 1);
 }
 
-TEST_F(ShapesTest, aBoxUnderOneOfTheSameSizeIsLeftOut) {
+TEST_F(ShapesTest, ABoxUnderOneOfTheSameSizeIsLeftOut) {
     expectSame([](Render& r) {
         box(r, Box2(50, 50, 100, 80), RED);
         box(r, Box2(50, 50, 100, 80), BLUE);
@@ -118,7 +118,7 @@ TEST_F(ShapesTest, aBoxUnderOneOfTheSameSizeIsLeftOut) {
     EXPECT_EQ(counts.hidden, 1);
 }
 
-TEST_F(ShapesTest, aTranslucentCoverHidesNothing) {
+TEST_F(ShapesTest, ATranslucentCoverHidesNothing) {
     expectSame([](Render& r) {
         shaded(r, Box2(50, 50, 100, 80), RED, GREEN);
         box(r, Box2(40, 40, 120, 120), Vector4f(0.1f, 0.3f, 0.8f, 0.9f));
@@ -129,7 +129,7 @@ TEST_F(ShapesTest, aTranslucentCoverHidesNothing) {
     EXPECT_EQ(counts.hidden, 0);
 }
 
-TEST_F(ShapesTest, aCoverWithinPixelsHidesNothing) {
+TEST_F(ShapesTest, ACoverWithinPixelsHidesNothing) {
     expectSame([](Render& r) {
         box(r, Box2(50, 50, 100, 80), RED);
         box(r, Box2(49.5f, 40, 120, 120), BLUE);
@@ -137,7 +137,7 @@ TEST_F(ShapesTest, aCoverWithinPixelsHidesNothing) {
     EXPECT_EQ(counts.hidden, 0);
 }
 
-TEST_F(ShapesTest, neitherACircleNorATextHidesAnything) {
+TEST_F(ShapesTest, NeitherACircleNorATextHidesAnything) {
     expectSame([](Render& r) {
         box(r, Box2(95, 95, 105, 105), RED);
         r.setColor(BLUE, NO_COLOR);
@@ -147,7 +147,7 @@ TEST_F(ShapesTest, neitherACircleNorATextHidesAnything) {
     EXPECT_EQ(counts.hidden, 0);
 }
 
-TEST_F(ShapesTest, whatIsHiddenInPartIsDrawn) {
+TEST_F(ShapesTest, WhatIsHiddenInPartIsDrawn) {
     expectSame([](Render& r) {
         r.setColor(GREEN, NO_COLOR);
         r.drawText("hidden in part", Vector2f(80, 60));
@@ -158,7 +158,7 @@ TEST_F(ShapesTest, whatIsHiddenInPartIsDrawn) {
     EXPECT_EQ(counts.cut, 0) << "a gradient is drawn whole";
 }
 
-TEST_F(ShapesTest, aLargeBoxIsCutWhereOthersCoverIt) {
+TEST_F(ShapesTest, ALargeBoxIsCutWhereOthersCoverIt) {
     expectSame([](Render& r) {
         box(r, Box2(0, 0, 400, 300), RED);
         box(r, Box2(0, 0, 400, 100), BLUE);               // a band
@@ -172,7 +172,7 @@ TEST_F(ShapesTest, aLargeBoxIsCutWhereOthersCoverIt) {
     EXPECT_GE(counts.cut, 5);
 }
 
-TEST_F(ShapesTest, aTranslucentBoxIsCutToo) {
+TEST_F(ShapesTest, ATranslucentBoxIsCutToo) {
     expectSame([](Render& r) {
         shaded(r, Box2(0, 0, 400, 150), RED, GREEN);
         box(r, Box2(0, 0, 400, 300), Vector4f(0.1f, 0.3f, 0.8f, 0.4f));
@@ -181,7 +181,7 @@ TEST_F(ShapesTest, aTranslucentBoxIsCutToo) {
     EXPECT_EQ(counts.cut, 1);
 }
 
-TEST_F(ShapesTest, aStackOfWindowsCostsTheUppermost) {
+TEST_F(ShapesTest, AStackOfWindowsCostsTheUppermost) {
     expectSame([](Render& r) {
         for (int i = 0; i < 40; ++i) {
             box(r, Box2(50, 50, 350, 250), i % 2 ? RED : BLUE);
@@ -195,7 +195,7 @@ TEST_F(ShapesTest, aStackOfWindowsCostsTheUppermost) {
     EXPECT_LE(counts.draws, 3);
 }
 
-TEST_F(ShapesTest, theClipAreaCutsACover) {
+TEST_F(ShapesTest, TheClipAreaCutsACover) {
     expectSame([](Render& r) {
         box(r, Box2(50, 50, 100, 80), RED);
         box(r, Box2(200, 50, 250, 80), RED);
@@ -207,7 +207,7 @@ TEST_F(ShapesTest, theClipAreaCutsACover) {
     EXPECT_EQ(counts.hidden, 1);
 }
 
-TEST_F(ShapesTest, whatIsOutOfViewIsNotTaken) {
+TEST_F(ShapesTest, WhatIsOutOfViewIsNotTaken) {
     expectSame([](Render& r) {
         box(r, Box2(10, 10, 20, 20), RED);
         box(r, Box2(-50, 10, 0, 20), RED);
@@ -219,7 +219,7 @@ TEST_F(ShapesTest, whatIsOutOfViewIsNotTaken) {
     EXPECT_EQ(counts.shapes, 1);
 }
 
-TEST_F(ShapesTest, oneColourOnAnotherIsMixed) {
+TEST_F(ShapesTest, OneColourOnAnotherIsMixed) {
     expectSame([](Render& r) {
         std::mt19937 random(3);
         std::uniform_real_distribution<float> any(0, 1);
@@ -237,7 +237,7 @@ TEST_F(ShapesTest, oneColourOnAnotherIsMixed) {
     EXPECT_EQ(counts.draws, 1);
 }
 
-TEST_F(ShapesTest, coloursOutOfRangeAreMixedAsIfInRange) {
+TEST_F(ShapesTest, ColoursOutOfRangeAreMixedAsIfInRange) {
     expectSame([](Render& r) {
         box(r, Box2(0, 0, 200, 100), Vector4f(3, -2, 0.5f, 5));
         box(r, Box2(10, 10, 100, 90), Vector4f(-1, 2, 9, 0.5f));
@@ -246,7 +246,7 @@ TEST_F(ShapesTest, coloursOutOfRangeAreMixedAsIfInRange) {
     EXPECT_EQ(counts.mixed, 2);
 }
 
-TEST_F(ShapesTest, aBoxThatReachesPastItsGroundIsBlended) {
+TEST_F(ShapesTest, ABoxThatReachesPastItsGroundIsBlended) {
     expectSame([](Render& r) {
         box(r, Box2(0, 0, 200, 100), RED);
         box(r, Box2(150, 50, 250, 90), Vector4f(0.1f, 0.3f, 0.8f, 0.4f));
@@ -255,7 +255,7 @@ TEST_F(ShapesTest, aBoxThatReachesPastItsGroundIsBlended) {
     EXPECT_EQ(counts.draws, 2);
 }
 
-TEST_F(ShapesTest, aLargeBoxOnTheLinesOfAFrameIsMixedInPieces) {
+TEST_F(ShapesTest, ALargeBoxOnTheLinesOfAFrameIsMixedInPieces) {
     const Vector4f shade(0, 0, 0, 0.3f);
     expectSame([&](Render& r) {
         box(r, Box2(20, 20, 380, 280), RED);
@@ -271,7 +271,7 @@ TEST_F(ShapesTest, aLargeBoxOnTheLinesOfAFrameIsMixedInPieces) {
     EXPECT_GT(counts.draws, 1);
 }
 
-TEST_F(ShapesTest, aBoxOnALatticeIsSplitAFewTimesAtMost) {
+TEST_F(ShapesTest, ABoxOnALatticeIsSplitAFewTimesAtMost) {
     expectSame([](Render& r) {
         box(r, Box2(0, 0, 400, 300), RED);
         for (int i = 0; i < 60; ++i) {
@@ -283,7 +283,7 @@ TEST_F(ShapesTest, aBoxOnALatticeIsSplitAFewTimesAtMost) {
     EXPECT_LT(counts.shapes, 200);
 }
 
-TEST_F(ShapesTest, controlsSideBySideTakeACallForEachKind) {
+TEST_F(ShapesTest, ControlsSideBySideTakeACallForEachKind) {
     expectSame([](Render& r) {
         for (int i = 0; i < 100; ++i) {
             const Box2 area(2 + 39.0f * float(i % 10), 2 + 17.0f * float(i / 10), 38 + 39.0f * float(i % 10),
@@ -297,7 +297,7 @@ TEST_F(ShapesTest, controlsSideBySideTakeACallForEachKind) {
     EXPECT_LE(counts.draws, 4);
 }
 
-TEST_F(ShapesTest, moreLayersThanThereAreKeepTheirOrder) {
+TEST_F(ShapesTest, MoreLayersThanThereAreKeepTheirOrder) {
     expectSame([](Render& r) {
         for (int i = 0; i < 100; ++i) {
             shaded(r, Box2(float(i), float(i), float(i) + 60, float(i) + 30),
@@ -310,7 +310,7 @@ TEST_F(ShapesTest, moreLayersThanThereAreKeepTheirOrder) {
     EXPECT_LE(counts.draws, 61);
 }
 
-TEST_F(ShapesTest, pilesOfShapesKeepTheirOrder) {
+TEST_F(ShapesTest, PilesOfShapesKeepTheirOrder) {
     const auto color = [](int i, float alpha) {
         return Vector4f(float(i % 7) / 7, float(i % 11) / 11, float(i % 13) / 13, alpha);
     };
@@ -336,7 +336,7 @@ TEST_F(ShapesTest, pilesOfShapesKeepTheirOrder) {
 }
 
 // A cell lists 128 shapes: the 129th, beside the others, takes their place there.
-TEST_F(ShapesTest, shapesThatACellNoLongerListsStayBelow) {
+TEST_F(ShapesTest, ShapesThatACellNoLongerListsStayBelow) {
     expectSame([](Render& r) {
         for (int i = 0; i < 128; ++i)
             shaded(r, Box2(66, 66, 74, 74), Vector4f(1, float(i) / 128, 0, 0.5f), BLUE);
@@ -346,7 +346,7 @@ TEST_F(ShapesTest, shapesThatACellNoLongerListsStayBelow) {
 }
 
 // The same, over a ground that another cell still lists: it is no ground for what lies on both.
-TEST_F(ShapesTest, whatACellNoLongerListsIsNotMixedAway) {
+TEST_F(ShapesTest, WhatACellNoLongerListsIsNotMixedAway) {
     expectSame([](Render& r) {
         box(r, Box2(0, 64, 96, 80), RED);
         for (int i = 0; i < 127; ++i)
@@ -359,7 +359,7 @@ TEST_F(ShapesTest, whatACellNoLongerListsIsNotMixedAway) {
 }
 
 // 5,000 lines across all 247 cells of the view are more entries than are kept.
-TEST_F(ShapesTest, whatIsTooMuchToSortIsDrawnInItsOrder) {
+TEST_F(ShapesTest, WhatIsTooMuchToSortIsDrawnInItsOrder) {
     expectSame([](Render& r) {
         for (int i = 0; i < 5000; ++i) {
             r.setColor(Vector4f(float(i % 7) / 7, float(i % 11) / 11, 1, i % 2 ? 1.0f : 0.5f), NO_COLOR);
@@ -373,7 +373,7 @@ TEST_F(ShapesTest, whatIsTooMuchToSortIsDrawnInItsOrder) {
 }
 
 // Pixels of the view that are none of the window's: neither edges nor colours are known.
-TEST_F(ShapesTest, inAViewThatIsMovedByAPartOfAPixelNothingIsLeftOut) {
+TEST_F(ShapesTest, InAViewThatIsMovedByAPartOfAPixelNothingIsLeftOut) {
     const Draw shapes = [](Render& r) {
         box(r, Box2(50, 50, 200, 150), RED);
         box(r, Box2(60, 60, 100, 90), Vector4f(0, 0, 1, 0.5f));
@@ -387,7 +387,7 @@ TEST_F(ShapesTest, inAViewThatIsMovedByAPartOfAPixelNothingIsLeftOut) {
     EXPECT_EQ(counts.hidden, 2);
 }
 
-TEST_F(ShapesTest, aFlushInBetweenStartsAnew) {
+TEST_F(ShapesTest, AFlushInBetweenStartsAnew) {
     const Draw shapes = [](Render& r) {
         box(r, Box2(0, 0, 200, 100), RED);
         r.flush();
@@ -464,7 +464,7 @@ private:
     }
 };
 
-TEST_F(ShapesTest, randomTreesAreDrawnAsWithoutSorting) {
+TEST_F(ShapesTest, RandomTreesAreDrawnAsWithoutSorting) {
     int hidden = 0, mixed = 0, cut = 0;
     for (unsigned seed = 0; seed < 150; ++seed) {
         SCOPED_TRACE(seed);
@@ -553,7 +553,7 @@ private:
 };
 
 // A gradient may be a shade off where its quad is cut along the other diagonal.
-TEST_F(ShapesTest, randomHeapsAreDrawnAsWithoutSorting) {
+TEST_F(ShapesTest, RandomHeapsAreDrawnAsWithoutSorting) {
     int hidden = 0, mixed = 0, cut = 0;
     for (unsigned seed = 0; seed < 120 && !HasFailure(); ++seed) {
         SCOPED_TRACE(seed);
@@ -570,7 +570,7 @@ TEST_F(ShapesTest, randomHeapsAreDrawnAsWithoutSorting) {
 
 // The corners of so flat a circle are not convex any more once they are rounded, and Mesa cuts a quad along
 // another diagonal when something else of the draw is out of view.
-TEST_F(ShapesTest, aFlatCircleIsTheSameWhateverElseIsDrawn) {
+TEST_F(ShapesTest, AFlatCircleIsTheSameWhateverElseIsDrawn) {
     for (int i = 0; i < 100; ++i)
         expectSame([&](Render& r) {
             r.setColor(Vector4f(0.9f, 0.1f, 0.2f, 0.5f), NO_COLOR);
@@ -580,7 +580,7 @@ TEST_F(ShapesTest, aFlatCircleIsTheSameWhateverElseIsDrawn) {
 }
 
 // The far ends of a curve's lines, say, whose values a file gives.
-TEST_F(ShapesTest, whatReachesFarBeyondTheClipAreaIsCutToIt) {
+TEST_F(ShapesTest, WhatReachesFarBeyondTheClipAreaIsCutToIt) {
     const Box2 clip(100, 80, 300, 220);
     std::mt19937 random(5);
     const auto any = [&](float a, float b) { return std::uniform_real_distribution<float>(a, b)(random); };
@@ -619,7 +619,7 @@ TEST_F(ShapesTest, whatReachesFarBeyondTheClipAreaIsCutToIt) {
 }
 
 // A steep line through the middle of the clip area goes through it wherever its ends are.
-TEST_F(ShapesTest, aLineGoesWhereItsEndsPointHoweverFarTheyAre) {
+TEST_F(ShapesTest, ALineGoesWhereItsEndsPointHoweverFarTheyAre) {
     const Box2 clip(100, 80, 300, 220);
     for (const float far : {1e3f, 1e6f, 1e9f, 1e15f, 1e30f, 3e38f}) {
         const Picture picture = draw(
@@ -639,7 +639,7 @@ TEST_F(ShapesTest, aLineGoesWhereItsEndsPointHoweverFarTheyAre) {
     }
 }
 
-TEST_F(ShapesTest, onceWarmNothingIsAllocated) {
+TEST_F(ShapesTest, OnceWarmNothingIsAllocated) {
     size_t allocated = 1;
     frame([&] {
         for (int round = 0; round < 3; ++round) {

@@ -31,17 +31,16 @@ void walk(const o3d::Manager& manager, const o3d::SceneNode& node, std::set<std:
         ASSERT_NE(nullptr, mesh) << instance->mName;
         meshes.insert(mesh->mName);
         for (size_t i = 0; i < mesh->mSubmeshes.size(); ++i) {
-            EXPECT_EQ(static_cast<int>(i), mesh->mSubmeshes[i]->mMaterial);
-            EXPECT_NE(nullptr, manager.getMaterial(instance->getMaterial(static_cast<int>(i))))
-                << instance->mName;
-            EXPECT_NE(nullptr, manager.getMaterial(mesh->getMaterial(static_cast<int>(i)))) << mesh->mName;
+            EXPECT_EQ(int(i), mesh->mSubmeshes[i]->mMaterial);
+            EXPECT_NE(nullptr, manager.getMaterial(instance->getMaterial(int(i)))) << instance->mName;
+            EXPECT_NE(nullptr, manager.getMaterial(mesh->getMaterial(int(i)))) << mesh->mName;
         }
     }
     for (const o3d::SceneNode* child : node.mChildren)
         walk(manager, *child, meshes);
 }
 
-TEST(Assets, loadWithoutARemarkAndHaveNormals) {
+TEST(Assets, LoadWithoutARemarkAndHaveNormals) {
     for (const char* name : assets) {
         const std::string image = imageOf(name);
         EXPECT_EQ(0, scene::inspect(image).remarks) << name;
@@ -65,7 +64,7 @@ TEST(Assets, loadWithoutARemarkAndHaveNormals) {
     }
 }
 
-TEST(Assets, faceHasAllItsVerticesAndStaysNearTheOrigin) {
+TEST(Assets, FaceHasAllItsVerticesAndStaysNearTheOrigin) {
     o3d::Manager manager;
     load(manager, imageOf("data/face/face.o3d"));
     ASSERT_EQ(1u, manager.mMeshes.size());
@@ -77,7 +76,7 @@ TEST(Assets, faceHasAllItsVerticesAndStaysNearTheOrigin) {
     }
 }
 
-TEST(Assets, everyTwentyEighthVertexOfTheFaceDrawsItsFeatures) {
+TEST(Assets, EveryTwentyEighthVertexOfTheFaceDrawsItsFeatures) {
     o3d::Manager manager;
     load(manager, imageOf("data/face/face.o3d"));
     const auto& vertices = manager.mMeshes[0]->mVertices;
@@ -102,7 +101,7 @@ TEST(Assets, everyTwentyEighthVertexOfTheFaceDrawsItsFeatures) {
     EXPECT_LT(density(0.0f, 0.2f, 0.04f), 0.8);    // forehead
 }
 
-TEST(Assets, courtyardHasACameraThatGoesRoundAndBack) {
+TEST(Assets, CourtyardHasACameraThatGoesRoundAndBack) {
     o3d::Manager manager;
     load(manager, imageOf("tests/data/ssao/scene.o3d"));
     const auto* camera = dynamic_cast<const o3d::Camera*>(manager.mScenes[0]->getChild("camera"));
@@ -126,7 +125,7 @@ TEST(Assets, courtyardHasACameraThatGoesRoundAndBack) {
     }
 }
 
-TEST(Assets, scenesHaveMirroredNodesAndObjectsWithoutAShadow) {
+TEST(Assets, ScenesHaveMirroredNodesAndObjectsWithoutAShadow) {
     o3d::Manager manager;
     load(manager, imageOf("tests/data/ssao/scene.o3d"));
     int flippedNodes = 0, withoutShadow = 0;
@@ -141,7 +140,7 @@ TEST(Assets, scenesHaveMirroredNodesAndObjectsWithoutAShadow) {
     EXPECT_EQ(6, withoutShadow);
 }
 
-TEST(Assets, kindsOfSurfaceAreToldApartByTheirTexture) {
+TEST(Assets, KindsOfSurfaceAreToldApartByTheirTexture) {
     const std::pair<const char*, std::set<int>> scenes[] = {
         {"tests/data/abc/katedral.o3d", {-2, -1, 0, 1, 2}},
         {"tests/data/ssao/scene.o3d", {0, 1, 2, 3, 4, 5}}};
@@ -153,13 +152,13 @@ TEST(Assets, kindsOfSurfaceAreToldApartByTheirTexture) {
             for (const Vector3f& uv : mesh->mSubmeshes.at(0)->mTexCoords.at(0)->mList) {
                 const float kind = roundf(uv.x / 16.0f);
                 EXPECT_LT(fabsf(uv.x - 16.0f * kind), 7.0f) << mesh->mName;
-                kinds.insert(static_cast<int>(kind));
+                kinds.insert(int(kind));
             }
         EXPECT_EQ(expected, kinds) << name;
     }
 }
 
-TEST(Assets, makersMakeWhatLiesInTheTree) {
+TEST(Assets, MakersMakeWhatLiesInTheTree) {
     // Not byte for byte: another library's sine may end in another bit. The chunks and their counts are the
     // same.
     const auto chunks = [](const std::string& image) {

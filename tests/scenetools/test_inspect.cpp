@@ -35,7 +35,7 @@ std::string node(const std::string& children) {
     return file(chunk(0x5000, text("s") + children));
 }
 
-TEST(Inspect, printsEveryChunkAsATree) {
+TEST(Inspect, PrintsEveryChunkAsATree) {
     const scene::Inspection inspection = scene::inspect(file(
         chunk(0x2000, text("m") + chunk(0xFF00, floats({0, 0, 0, 1, 0, 0, 0, 1, 0})) +
                           chunk(0x2200, u8(0) + chunk(0xFF30, triangle(0, 1, 2)) +
@@ -69,7 +69,7 @@ TEST(Inspect, printsEveryChunkAsATree) {
     EXPECT_EQ(0, inspection.remarks);
 }
 
-TEST(Inspect, knowsEveryChunkThatTheLoaderKnows) {
+TEST(Inspect, KnowsEveryChunkThatTheLoaderKnows) {
     const scene::Inspection inspection = scene::inspect(everything());
     // The instance names material 'stone' for number 1; the mesh's own second name leads nowhere.
     EXPECT_EQ("mesh 'mesh': there is no material 'stonered'\n", remarksOf(everything()));
@@ -81,7 +81,7 @@ TEST(Inspect, knowsEveryChunkThatTheLoaderKnows) {
         EXPECT_NE(std::string::npos, inspection.text.find(words)) << words;
 }
 
-TEST(Inspect, saysWhatTheLoaderRefuses) {
+TEST(Inspect, SaysWhatTheLoaderRefuses) {
     const std::string refused = "the loader refuses this format or version: it takes 'O3DF' 1.1\n";
     EXPECT_EQ(refused, remarksOf(""));
     EXPECT_EQ(refused, remarksOf("O3DF\x01\x02"));
@@ -89,7 +89,7 @@ TEST(Inspect, saysWhatTheLoaderRefuses) {
               remarksOf("O3DF\x01\x01" + chunk(0x2000, text("m"))));
 }
 
-TEST(Inspect, saysWhatTheLoaderSkipsOrMisses) {
+TEST(Inspect, SaysWhatTheLoaderSkipsOrMisses) {
     EXPECT_EQ("the loader does not know it here and skips it\n" + noScene,
               remarksOf(file(chunk(0xABC0, "x"))));
     EXPECT_EQ("the loader does not know it here and skips it\n" + noScene,
@@ -107,7 +107,7 @@ TEST(Inspect, saysWhatTheLoaderSkipsOrMisses) {
                                      .find("it comes before the vertices of its mesh: its box is lost\n"));
 }
 
-TEST(Inspect, saysWhereSizesLie) {
+TEST(Inspect, SaysWhereSizesLie) {
     EXPECT_EQ("it reaches 10 bytes past the end of the file\n" + noScene,
               remarksOf("O3DF\x01\x01" + u16(0x1000) + u32(10)));
     EXPECT_EQ("it reaches 3 bytes past the end of the chunk around it\n",
@@ -115,14 +115,14 @@ TEST(Inspect, saysWhereSizesLie) {
                   .substr(0, std::string("it reaches 3 bytes past the end of the chunk around it\n").size()));
 }
 
-TEST(Inspect, saysWhatIsWrongWithKeys) {
+TEST(Inspect, SaysWhatIsWrongWithKeys) {
     EXPECT_EQ("the times of the keys do not ascend\n",
               remarksOf(node(chunk(0xFA00, keyList(0xFB10, 1, 0, key(2, 0) + key(1, 0))))));
     EXPECT_EQ("interpolation mode 3 is none: it acts as constant\nextrapolation mode 4 is none\n",
               remarksOf(node(chunk(0xFA00, keyList(0xFB10, 3, 4, key(1, 0))))));
 }
 
-TEST(Inspect, saysWhichNamesLeadNowhere) {
+TEST(Inspect, SaysWhichNamesLeadNowhere) {
     EXPECT_EQ("mesh instance 'i': there is no mesh 'gone'\n",
               remarksOf(node(chunk(0x5120, text("i") + text("gone")))));
     EXPECT_EQ(
@@ -137,7 +137,7 @@ TEST(Inspect, saysWhichNamesLeadNowhere) {
         remarksOf(file(chunk(0x2000, text("m")) + chunk(0x2000, text("m")) + chunk(0x5000, text("s")))));
 }
 
-TEST(Inspect, saysWhatIsWrongWithGeometry) {
+TEST(Inspect, SaysWhatIsWrongWithGeometry) {
     const auto remarks = [](const std::string& vertices, const std::string& triangles,
                             const std::string& indices) {
         return remarksOf(
@@ -159,13 +159,13 @@ TEST(Inspect, saysWhatIsWrongWithGeometry) {
                              chunk(0x5000, text("s")))));
 }
 
-TEST(Inspect, anyBytesWillDo) {
+TEST(Inspect, AnyBytesWillDo) {
     const std::string image = everything();
     for (size_t length = 0; length < image.size(); length += 3)
         EXPECT_FALSE(scene::inspect(image.substr(0, length)).text.empty());
     for (size_t at = 0; at < image.size(); ++at) {
         std::string changed = image;
-        changed[at] = static_cast<char>(0xFF);
+        changed[at] = char(0xFF);
         scene::inspect(changed);
     }
     std::string deep =
@@ -178,7 +178,7 @@ TEST(Inspect, anyBytesWillDo) {
 
 } // namespace
 
-TEST(ShowScene, saysWhatIsWrong) {
+TEST(ShowScene, SaysWhatIsWrong) {
     test::TempDir folder;
     const std::string show = "cd " + folder.path() + " && " SHOW_SCENE;
     test::writeFile(folder.file("empty"), "");
@@ -193,7 +193,7 @@ TEST(ShowScene, saysWhatIsWrong) {
               test::runCommand(show + " empty"));
 }
 
-TEST(MakeScenes, saysWhatIsWrong) {
+TEST(MakeScenes, SaysWhatIsWrong) {
     test::TempDir folder;
     const std::string make = "cd " + folder.path() + " && " MAKE_SCENES;
     for (const char* arguments : {"", " face", " faces x", " face --help", " face x y"})

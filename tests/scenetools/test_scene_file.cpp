@@ -19,7 +19,7 @@ using mathbase::Vector3f;
 
 namespace {
 
-TEST(SceneFile, meshesComeBackAsTheyWere) {
+TEST(SceneFile, MeshesComeBackAsTheyWere) {
     o3d::Manager first, second;
     load(first, everything());
     load(second, scene::sceneFile(first));
@@ -46,13 +46,13 @@ TEST(SceneFile, meshesComeBackAsTheyWere) {
     EXPECT_EQ(first.mImages.size(), second.mImages.size());
 }
 
-TEST(SceneFile, anEmptyManagerGivesAFileThatLoads) {
+TEST(SceneFile, AnEmptyManagerGivesAFileThatLoads) {
     o3d::Manager first, second;
     load(second, scene::sceneFile(first));
     EXPECT_TRUE(second.mScenes.empty());
 }
 
-TEST(SceneFile, aWritableArmatureComesBack) {
+TEST(SceneFile, AWritableArmatureComesBack) {
     o3d::Manager first, second;
     auto* const scene = new o3d::Scene;
     first.addScene(scene);
@@ -87,7 +87,7 @@ std::string failureOf(const o3d::Manager& manager) {
     return "nothing thrown";
 }
 
-TEST(SceneFile, whatAFileCantHoldIsRefused) {
+TEST(SceneFile, WhatAFileCantHoldIsRefused) {
     o3d::Manager manager;
     load(manager, everything());
     o3d::Mesh& mesh = *manager.mMeshes[0];
@@ -102,7 +102,7 @@ TEST(SceneFile, whatAFileCantHoldIsRefused) {
     EXPECT_EQ("Mesh 'mesh', submesh 0: index 1 is 4, but there are 4 vertices", failureOf(manager));
 }
 
-TEST(SceneFile, lookAtTurnsACameraLikeTheViewMatrix) {
+TEST(SceneFile, LookAtTurnsACameraLikeTheViewMatrix) {
     for (const Vector3f& eye :
          {Vector3f(3, 2, 5), Vector3f(-4, 0, 1), Vector3f(0, 9, -2), Vector3f(1, -3, 0.1f)}) {
         const Vector3f target(0.5f, 1, -0.25f);
@@ -118,13 +118,13 @@ TEST(SceneFile, lookAtTurnsACameraLikeTheViewMatrix) {
     }
 }
 
-TEST(SceneFile, aClosedCurveGoesThroughItsValuesAndOnWithoutAKink) {
+TEST(SceneFile, AClosedCurveGoesThroughItsValuesAndOnWithoutAKink) {
     o3d::TrackBlenderFloat track;
     const std::vector<float> values = {1, 4, -2, 0, 1};
     scene::setCurve(track, values, 2.0f, true);
     for (size_t i = 0; i < values.size(); ++i) {
-        EXPECT_NEAR(values[i], track.getValue(2.0f * static_cast<float>(i)), 1e-5f);
-        EXPECT_NEAR(values[i], track.getValue(8.0f + 2.0f * static_cast<float>(i)), 1e-5f);
+        EXPECT_NEAR(values[i], track.getValue(2.0f * float(i)), 1e-5f);
+        EXPECT_NEAR(values[i], track.getValue(8.0f + 2.0f * float(i)), 1e-5f);
     }
     for (float time = 0.5f; time < 8; time += 0.5f)
         EXPECT_NEAR(track.getValue(time), track.getValue(time - 8), 1e-4f);
@@ -136,7 +136,7 @@ TEST(SceneFile, aClosedCurveGoesThroughItsValuesAndOnWithoutAKink) {
     EXPECT_NEAR(6.0f + 2.0f, track.getValue(4.0f), 1e-5f);
 }
 
-TEST(Shape, aBoxHasSixFlatFacesThatLookOutwards) {
+TEST(Shape, ABoxHasSixFlatFacesThatLookOutwards) {
     scene::Shape shape;
     shape.box(0, Vector3f(1, 2, 3), Vector3f(2, 4, 6));
     const auto mesh = shape.build("box", {"stone"});
@@ -150,7 +150,7 @@ TEST(Shape, aBoxHasSixFlatFacesThatLookOutwards) {
     for (size_t i = 0; i < submesh.mIndices.size(); ++i) {
         const Vector3f& n = submesh.mTangentSpaces[i].mNormal;
         EXPECT_FLOAT_EQ(1.0f, std::max({fabsf(n.x), fabsf(n.y), fabsf(n.z)}));
-        EXPECT_GT(n.dot(mesh->mVertices[static_cast<size_t>(submesh.mIndices[i].mValue)] - centre), 0.0f);
+        EXPECT_GT(n.dot(mesh->mVertices[size_t(submesh.mIndices[i].mValue)] - centre), 0.0f);
     }
 }
 
@@ -166,9 +166,8 @@ float volumeOf(const o3d::Mesh& mesh, bool& closed) {
         for (const o3d::Triangle& triangle : submesh->mTriangles) {
             Vector3f corner[3];
             for (int i = 0; i < 3; ++i)
-                corner[i] = mesh.mVertices[static_cast<size_t>(
-                    submesh->mIndices[static_cast<size_t>(triangle.mIndex[i])].mValue)];
-            volume += static_cast<double>(corner[0].dot(corner[1].cross(corner[2]))) / 6;
+                corner[i] = mesh.mVertices[size_t(submesh->mIndices[size_t(triangle.mIndex[i])].mValue)];
+            volume += double(corner[0].dot(corner[1].cross(corner[2]))) / 6;
             for (int i = 0; i < 3; ++i) {
                 ++edges[{key(corner[i]), key(corner[(i + 1) % 3])}];
                 --edges[{key(corner[(i + 1) % 3]), key(corner[i])}];
@@ -177,10 +176,10 @@ float volumeOf(const o3d::Mesh& mesh, bool& closed) {
     closed = true;
     for (const auto& [edge, count] : edges)
         closed = closed && count == 0;
-    return static_cast<float>(volume);
+    return float(volume);
 }
 
-TEST(Shape, solidsAreClosedAndEncloseTheirVolume) {
+TEST(Shape, SolidsAreClosedAndEncloseTheirVolume) {
     bool closed = false;
     scene::Shape box, lathe, band, open, bar;
     box.box(0, Vector3f(1, 2, 3), Vector3f(2, 4, 6));
@@ -204,7 +203,7 @@ TEST(Shape, solidsAreClosedAndEncloseTheirVolume) {
     EXPECT_TRUE(closed);
 }
 
-TEST(Shape, aPointedArchRisesFromItsSpringingToItsPoint) {
+TEST(Shape, APointedArchRisesFromItsSpringingToItsPoint) {
     const auto arch = scene::pointedArch(2, 5, 4, 8);
     ASSERT_EQ(17u, arch.size());
     EXPECT_NEAR(-2.0f, arch.front().x, 1e-5f);
@@ -214,14 +213,14 @@ TEST(Shape, aPointedArchRisesFromItsSpringingToItsPoint) {
     EXPECT_NEAR(5.0f + 4.0f * 0.8660254f, arch[8].y, 1e-5f);
 }
 
-TEST(Shape, namesThatAFileCantHoldAreRefused) {
+TEST(Shape, NamesThatAFileCantHoldAreRefused) {
     scene::Shape shape;
     shape.box(0, Vector3f(0, 0, 0), Vector3f(1, 1, 1));
     EXPECT_THROW(shape.build("m", {"a", "b"}), Exception);
     EXPECT_EQ((std::vector<std::string>{"a", "ab"}), shape.build("m", {"a", "ab"})->mMaterials);
 }
 
-TEST(Shape, trianglesWithoutAreaAreLeftOutWithTheirPositions) {
+TEST(Shape, TrianglesWithoutAreaAreLeftOutWithTheirPositions) {
     scene::Shape shape;
     shape.triangle(0, 0, Vector3f(0, 0, 0), Vector3f(1, 0, 0), Vector3f(2, 0, 0));
     shape.triangle(0, 0, Vector3f(0, 0, 0), Vector3f(1, 0, 0), Vector3f(0, 1, 0));

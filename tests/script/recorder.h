@@ -30,7 +30,7 @@ public:
 
     static std::string number(float value) {
         char text[32];
-        snprintf(text, sizeof(text), "%g", static_cast<double>(value));
+        snprintf(text, sizeof(text), "%g", double(value));
         return text;
     }
 

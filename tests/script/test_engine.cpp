@@ -433,7 +433,7 @@ TEST(ScriptEngine, AFrameAllocatesNothing) {
     effect->mChildren.push_back(makeEffect("a name too long to be kept without an allocation", 0, 50));
     const size_t before = zentrak::test::allocationCount();
     for (int i = 0; i < 100; ++i)
-        line.update(static_cast<float>(i));
+        line.update(float(i));
     line.update(3); // a rewind
     EXPECT_EQ(zentrak::test::allocationCount(), before);
     EXPECT_EQ(effect->mTriggers[0]->mFired, 4);

@@ -17,9 +17,7 @@ struct Loaded : ScriptEngine {
     bool ok = false;
 
     explicit Loaded(const std::string& text) { add(text); }
-    void add(const std::string& text) {
-        ok = LoadXML().loadMem(text.data(), static_cast<long>(text.size()), *this);
-    }
+    void add(const std::string& text) { ok = LoadXML().loadMem(text.data(), long(text.size()), *this); }
 };
 
 std::string inEffect(const std::string& body) {
@@ -191,7 +189,7 @@ TEST(LoadXml, BrokenXmlThrowsWithItsPlace) {
     ScriptEngine engine;
     const std::string text = "<script>\n<effect name=\"a\n\"/></script>";
     try {
-        LoadXML().loadMem(text.data(), static_cast<long>(text.size()), engine);
+        LoadXML().loadMem(text.data(), long(text.size()), engine);
         FAIL() << "no exception";
     } catch (const Exception& e) {
         EXPECT_STREQ(e.what(),

@@ -171,7 +171,7 @@ void Viewer::dragCorner(int dx, int dy) {
     const auto [status, text] = runCommand("timeout 60 xdotool getwindowgeometry --shell " + window());
     EXPECT_EQ(status, 0) << text;
     const auto value = [&text = text](const std::string& name) {
-        const std::size_t at = text.find("\n" + name + "=");
+        const size_t at = text.find("\n" + name + "=");
         return at == std::string::npos ? 0 : std::atoi(text.c_str() + at + name.size() + 2);
     };
     moveTo(value("WIDTH") - 20, value("HEIGHT") - 20);

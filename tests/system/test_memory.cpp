@@ -7,7 +7,7 @@
 
 #if !defined(__SANITIZE_ADDRESS__) // whose heap is another
 
-TEST(KeepFreedMemory, megabytesThatAreFreedStayInTheHeap) {
+TEST(KeepFreedMemory, MegabytesThatAreFreedStayInTheHeap) {
     constexpr size_t SIZE = size_t(8) << 20;
     zentrak::keepFreedMemory();
     const size_t mapped = mallinfo2().hblks;

@@ -63,7 +63,7 @@ TEST(XmlDeep, MillionNestedElementsAreWritten) {
 TEST(XmlDeep, MillionElementsThatAreNeverClosedFailAsEof) {
     XmlParser parser;
     std::string text = nested(million);
-    text.resize(static_cast<size_t>(million) * 3);
+    text.resize(size_t(million) * 3);
     EXPECT_EQ("(error at line 1, col 3000001); EOF (when reading tag at 1:3000001)",
               failure([&] { parser.parse(text); }));
     EXPECT_EQ(million, depthOf(parser));

@@ -95,8 +95,8 @@ TEST(XmlParse, RepeatedAttributesOfATagOfVeryManyOverwriteToo) {
     parser.parse(text + "></r>");
     ASSERT_EQ(50000u, parser.arguments.size());
     for (const int i : {0, 1, 63, 64, 65, 49999}) {
-        EXPECT_EQ("a" + std::to_string(i), parser.arguments[static_cast<size_t>(i)].name);
-        EXPECT_EQ(std::to_string(i * 2), parser.arguments[static_cast<size_t>(i)].value);
+        EXPECT_EQ("a" + std::to_string(i), parser.arguments[size_t(i)].name);
+        EXPECT_EQ(std::to_string(i * 2), parser.arguments[size_t(i)].value);
     }
 }
 
@@ -111,8 +111,8 @@ TEST(XmlParse, TagsOfManyAttributesKnowNothingOfEachOther) {
     XmlParser parser;
     parser.parse("<r>" + tagOf(0, 1) + tagOf(99, -1) + "</r>");
     for (int i = 0; i < 100; ++i) {
-        const XmlTag::Argument& up = parser.getChildren(0)->arguments[static_cast<size_t>(i)];
-        const XmlTag::Argument& down = parser.getChildren(1)->arguments[static_cast<size_t>(i)];
+        const XmlTag::Argument& up = parser.getChildren(0)->arguments[size_t(i)];
+        const XmlTag::Argument& down = parser.getChildren(1)->arguments[size_t(i)];
         EXPECT_EQ("n" + std::to_string(i), up.name);
         EXPECT_EQ(std::to_string(i), up.value);
         EXPECT_EQ("n" + std::to_string(99 - i), down.name);

@@ -23,7 +23,7 @@ bool readNumber(const char* argument, int least, int most, int& number) {
     const long value = strtol(argument, &end, 10);
     if (*end || end == argument || value < least || value > most)
         return false;
-    number = static_cast<int>(value);
+    number = int(value);
     return true;
 }
 

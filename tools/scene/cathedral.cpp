@@ -28,7 +28,7 @@ constexpr float FLOOR = -16.0f;
 constexpr float WOOD = -32.0f;
 
 float pillarZ(int i) {
-    return (static_cast<float>(i) - BAYS / 2.0f) * BAY;
+    return (float(i) - BAYS / 2.0f) * BAY;
 }
 
 // The mesh of a shape, centred on its box; `centre` is where its node goes.
@@ -134,7 +134,7 @@ void makeWindowWall(Shape& shape, float halfBay, float bottom, float top, float 
     }
     std::vector<Vector3f> ring;
     for (int i = 0; i <= 16; ++i) {
-        const float angle = 6.2831853f * static_cast<float>(i) / 16.0f;
+        const float angle = 6.2831853f * float(i) / 16.0f;
         ring.emplace_back(cosf(angle) * halfWidth * 0.38f,
                           spring + halfWidth * 0.8f + sinf(angle) * halfWidth * 0.38f, 0.0f);
     }
@@ -168,8 +168,7 @@ void makeVault(Shape& shape) {
         return CORNICE + (CROWN - CORNICE) * std::max(barrel(x), barrel(z) * 0.96f);
     };
     const auto place = [&](int i, int k, float over) {
-        const float x = 2.0f * static_cast<float>(i) / across - 1.0f,
-                    z = 2.0f * static_cast<float>(k) / along - 1.0f;
+        const float x = 2.0f * float(i) / across - 1.0f, z = 2.0f * float(k) / along - 1.0f;
         return Vector3f(x * NAVE, height(x, z) + over, z * BAY / 2);
     };
     const int under = shape.newGroup(), over = shape.newGroup();
@@ -198,7 +197,7 @@ void makeRibs(Shape& shape) {
     const auto rib = [&](float x0, float z0, float x1, float z1, float width) {
         std::vector<Vector3f> curve;
         for (int i = 0; i <= 24; ++i) {
-            const float t = static_cast<float>(i) / 24.0f;
+            const float t = float(i) / 24.0f;
             const float x = x0 + (x1 - x0) * t, z = z0 + (z1 - z0) * t;
             const float rise = std::max(barrel(x) * (fabsf(x1 - x0) > 0 ? 1.0f : 0.0f),
                                         barrel(z) * (fabsf(z1 - z0) > 0 ? 0.96f : 0.0f));
@@ -225,7 +224,7 @@ void makeRose(Shape& shape) {
     const auto circle = [](float r, int count, float turn) {
         std::vector<Vector3f> points;
         for (int i = 0; i < count; ++i) {
-            const float angle = turn - 6.2831853f * static_cast<float>(i) / static_cast<float>(count);
+            const float angle = turn - 6.2831853f * float(i) / float(count);
             points.emplace_back(cosf(angle) * r, sinf(angle) * r, 0.0f);
         }
         return points;
@@ -233,14 +232,14 @@ void makeRose(Shape& shape) {
     shape.band(0, circle(radius, 48, 0), circle(radius + 1.2f, 48, 0), true, 2.6f);
     shape.band(0, circle(1.6f, 24, 0), circle(2.2f, 24, 0), true, 1.4f);
     for (int i = 0; i < spokes; ++i) {
-        const float angle = 6.2831853f * static_cast<float>(i) / spokes;
+        const float angle = 6.2831853f * float(i) / spokes;
         const Vector3f out(cosf(angle), sinf(angle), 0.0f);
         shape.bar(0, {out * 2.0f, out * (radius * 0.62f)}, 0.4f, 0.5f, Vector3f(0, 0, 1));
         // A small ring between the ends of the spokes.
         const float between = angle + 3.14159265f / spokes;
         std::vector<Vector3f> ring;
         for (int k = 0; k <= 12; ++k) {
-            const float a = 6.2831853f * static_cast<float>(k) / 12.0f;
+            const float a = 6.2831853f * float(k) / 12.0f;
             ring.emplace_back(cosf(between) * radius * 0.79f + cosf(a) * 1.35f,
                               sinf(between) * radius * 0.79f + sinf(a) * 1.35f, 0.0f);
         }
@@ -262,7 +261,7 @@ void makeEndWall(Shape& shape) {
     const float rose = 33.0f, radius = 8.7f;
     std::vector<Vector3f> hole, wall;
     for (int i = 0; i < 48; ++i) {
-        const float angle = 3.14159265f * 1.25f - 6.2831853f * static_cast<float>(i) / 48.0f;
+        const float angle = 3.14159265f * 1.25f - 6.2831853f * float(i) / 48.0f;
         const float x = cosf(angle), y = sinf(angle);
         hole.emplace_back(x * radius, rose + y * radius, 0.0f);
         const float scale =
@@ -280,7 +279,7 @@ void makeEndWall(Shape& shape) {
 
 void makeAltar(Shape& shape) {
     for (int step = 0; step < 4; ++step) {
-        const float s = static_cast<float>(step);
+        const float s = float(step);
         shape.box(0, Vector3f(-9.0f + s, s * 0.8f, -7.0f + s * 1.3f),
                   Vector3f(9.0f - s, (s + 1) * 0.8f, 7.0f));
     }
@@ -367,7 +366,7 @@ std::string makeCathedral() {
     o3d::Mesh& bench = make("bench", makeBench, c);
     for (o3d::Dummy* group : sides)
         for (int i = 0; i < 16; ++i)
-            Placer{manager, *group, i}.put(bench, at(6.2f, 0, -22.0f + 4.2f * static_cast<float>(i)));
+            Placer{manager, *group, i}.put(bench, at(6.2f, 0, -22.0f + 4.2f * float(i)));
 
     o3d::Mesh& vault = make("vault", makeVault, c);
     Placer middle{manager, *scene};
@@ -393,16 +392,16 @@ std::string makeCathedral() {
     o3d::Mesh& lancet = make(
         "lancet", [](Shape& s) { makeWindowWall(s, NAVE / 3, 0.0f, GALLERY - 0.5f, 2.9f, 4.5f, 15.0f); }, c);
     for (int i = -1; i <= 1; ++i)
-        middle.put(lancet, at(static_cast<float>(i) * NAVE * 2 / 3, 0, EAST), Vector3f(0, 0, 0));
+        middle.put(lancet, at(float(i) * NAVE * 2 / 3, 0, EAST), Vector3f(0, 0, 0));
     o3d::Mesh& altar = make("altar", makeAltar, c);
     middle.put(altar, at(0, 0, 56.0f));
     // Lamps on long cords, which swing.
     o3d::Mesh& lamp = make("lamp", makeLamp, c);
     for (int i = 0; i < 5; ++i) {
-        o3d::Dummy* const hook = addDummy(*scene, "hook" + std::to_string(i),
-                                          Vector3f(0, 28.0f, -14.0f + 14.0f * static_cast<float>(i)));
-        const float swing = 0.06f + 0.01f * static_cast<float>(i);
-        setCurve(hook->mRotation.mZ, {-swing, swing, -swing}, 1.6f + 0.1f * static_cast<float>(i), true);
+        o3d::Dummy* const hook =
+            addDummy(*scene, "hook" + std::to_string(i), Vector3f(0, 28.0f, -14.0f + 14.0f * float(i)));
+        const float swing = 0.06f + 0.01f * float(i);
+        setCurve(hook->mRotation.mZ, {-swing, swing, -swing}, 1.6f + 0.1f * float(i), true);
         addInstance(*hook, "lamp" + std::to_string(i), lamp, c + Vector3f(0, -10.0f, 0));
     }
 

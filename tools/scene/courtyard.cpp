@@ -38,8 +38,8 @@ void makeBall(Shape& shape, float radius, int steps, float roughness) {
                                  {Vector3f(0, 0, -1), Vector3f(0, 1, 0), Vector3f(1, 0, 0)}};
     for (const auto& axis : axes) {
         const auto place = [&](int i, int k) {
-            const float u = tanf((static_cast<float>(i) / static_cast<float>(steps) - 0.5f) * 1.57079633f);
-            const float v = tanf((static_cast<float>(k) / static_cast<float>(steps) - 0.5f) * 1.57079633f);
+            const float u = tanf((float(i) / float(steps) - 0.5f) * 1.57079633f);
+            const float v = tanf((float(k) / float(steps) - 0.5f) * 1.57079633f);
             return blown(axis[0] + axis[1] * u + axis[2] * v);
         };
         for (int i = 0; i < steps; ++i)
@@ -71,7 +71,7 @@ std::string makeCourtyard() {
     Shape steps;
     steps.mTextureOffset = PLAIN;
     for (int i = 0; i < 6; ++i) {
-        const float s = static_cast<float>(i);
+        const float s = float(i);
         steps.lathe(0, {{5.0f - 0.45f * s, 0.28f * s}, {5.0f - 0.45f * s, 0.28f * (s + 1)}}, 48);
     }
     addInstance(*scene, "steps", make(manager, "steps", steps), Vector3f(0, 0, 0));
@@ -91,7 +91,7 @@ std::string makeCourtyard() {
     auto inner = pointedArch(1.45f, 5.2f, 1.75f, 10);
     auto outer = inner;
     for (size_t i = 0; i < outer.size(); ++i) {
-        const float share = static_cast<float>(i) / static_cast<float>(outer.size() - 1);
+        const float share = float(i) / float(outer.size() - 1);
         outer[i] = share < 0.3f   ? Vector3f(-2.0f, 5.2f + 2.4f * share / 0.3f, 0)
                    : share > 0.7f ? Vector3f(2.0f, 5.2f + 2.4f * (1 - share) / 0.3f, 0)
                                   : Vector3f(-2.0f + 4.0f * (share - 0.3f) / 0.4f, 7.6f, 0);
@@ -104,7 +104,7 @@ std::string makeCourtyard() {
         o3d::Dummy* const row = addDummy(*scene, mirror > 0 ? "east" : "west", Vector3f(0, 0, 0));
         setValue(row->mScale, Vector3f(mirror, 1, 1));
         for (int i = 0; i < 6; ++i) {
-            const float z = -10.0f + 4.0f * static_cast<float>(i);
+            const float z = -10.0f + 4.0f * float(i);
             addInstance(*row, "column" + std::to_string(i), columnMesh, Vector3f(9.5f, 0, z));
             if (i < 5)
                 addInstance(*row, "arch" + std::to_string(i), archMesh, Vector3f(9.5f, 0, z + 2.0f),
@@ -140,8 +140,8 @@ std::string makeCourtyard() {
     makeBall(ball, 1.0f, 14, 0.0f);
     o3d::Mesh& ballMesh = make(manager, "ball", ball);
     for (int i = 0; i < 9; ++i) {
-        const float angle = 0.69813170f * static_cast<float>(i);
-        const float size = 0.5f + 0.35f * static_cast<float>(i % 3);
+        const float angle = 0.69813170f * float(i);
+        const float size = 0.5f + 0.35f * float(i % 3);
         o3d::MeshInstance* const instance =
             addInstance(*scene, "ball" + std::to_string(i), ballMesh,
                         Vector3f(6.4f * cosf(angle), size, 6.4f * sinf(angle)));
@@ -156,8 +156,8 @@ std::string makeCourtyard() {
     for (int i = 0; i < around; ++i)
         for (int k = 0; k < across; ++k) {
             const auto place = [&](int a, int b) {
-                const float phi = 6.2831853f * static_cast<float>(a % around) / around;
-                const float psi = 6.2831853f * static_cast<float>(b % across) / across;
+                const float phi = 6.2831853f * float(a % around) / around;
+                const float psi = 6.2831853f * float(b % across) / across;
                 const float r = 1.0f + 0.09f * cosf(psi);
                 return Vector3f(r * cosf(phi), r * sinf(phi), 0.09f * sinf(psi));
             };
@@ -166,14 +166,14 @@ std::string makeCourtyard() {
     o3d::Mesh& ringMesh = make(manager, "ring", ringShape);
     o3d::SceneNode* holder = addDummy(*scene, "rings", Vector3f(0, 3.9f, 0));
     for (int i = 0; i < 4; ++i) {
-        const float size = 1.9f - 0.35f * static_cast<float>(i);
+        const float size = 1.9f - 0.35f * float(i);
         o3d::MeshInstance* ring =
             addInstance(*scene, "ring" + std::to_string(i), ringMesh, Vector3f(0, 3.9f, 0));
         setValue(ring->mScale, Vector3f(size, size, size));
         const float turn = (i % 2 == 0 ? 6.2831853f : -6.2831853f);
-        setCurve(ring->mRotation.mX, {0, turn / 2, turn}, 4.0f + static_cast<float>(i), true);
-        setCurve(ring->mRotation.mY, {0, turn / 4, turn / 2, turn * 3 / 4, turn},
-                 2.0f + 0.5f * static_cast<float>(i), true);
+        setCurve(ring->mRotation.mX, {0, turn / 2, turn}, 4.0f + float(i), true);
+        setCurve(ring->mRotation.mY, {0, turn / 4, turn / 2, turn * 3 / 4, turn}, 2.0f + 0.5f * float(i),
+                 true);
     }
     Shape lamp;
     lamp.mTextureOffset = LAMP;
@@ -185,13 +185,13 @@ std::string makeCourtyard() {
     for (int i = 0; i < 5; ++i)
         for (const float mirror : {-1.0f, 1.0f})
             addInstance(*scene, "lantern" + std::to_string(i), lampMesh,
-                        Vector3f(mirror * 9.5f, 5.0f, -8.0f + 4.0f * static_cast<float>(i)));
+                        Vector3f(mirror * 9.5f, 5.0f, -8.0f + 4.0f * float(i)));
     for (int i = 0; i < 6; ++i) {
-        const float angle = 1.04719755f * static_cast<float>(i) + 0.4f;
+        const float angle = 1.04719755f * float(i) + 0.4f;
         o3d::MeshInstance* const spark = addInstance(*scene, "ex_spark" + std::to_string(i), lampMesh,
                                                      Vector3f(4.4f * cosf(angle), 2.5f, 4.4f * sinf(angle)));
         setValue(spark->mScale, Vector3f(0.4f, 0.4f, 0.4f));
-        setCurve(spark->mPosition.mY, {2.2f, 4.0f, 2.2f}, 1.5f + 0.25f * static_cast<float>(i), true);
+        setCurve(spark->mPosition.mY, {2.2f, 4.0f, 2.2f}, 1.5f + 0.25f * float(i), true);
     }
 
     // Once round in 24 seconds, now near and low, now far and high.
@@ -201,7 +201,7 @@ std::string makeCourtyard() {
     const int keys = 16;
     float before = 0;
     for (int i = 0; i <= keys; ++i) {
-        const float angle = 6.2831853f * static_cast<float>(i) / keys;
+        const float angle = 6.2831853f * float(i) / keys;
         const float distance = 11.5f + 4.1f * cosf(2 * angle); // between the columns, over the walls
         const Vector3f eye(distance * sinf(angle), 6.4f + 2.1f * cosf(angle), distance * cosf(angle));
         const Vector3f angles = lookAt(eye, Vector3f(0, 2.6f, 0));
@@ -234,8 +234,8 @@ std::string makeStone() {
     // A boulder: a ball dented by a sum of waves, its texture wrapped round it.
     const int rings = 60, segments = 102;
     const auto place = [&](int ring, int segment) {
-        const float theta = 3.14159265f * static_cast<float>(ring) / rings;
-        const float phi = 6.2831853f * static_cast<float>(segment % segments) / segments;
+        const float theta = 3.14159265f * float(ring) / rings;
+        const float phi = 6.2831853f * float(segment % segments) / segments;
         const Vector3f n(sinf(theta) * cosf(phi), cosf(theta), sinf(theta) * sinf(phi));
         float r = 1.45f;
         r += 0.16f * sinf(2.3f * n.x + 1.1f) * cosf(3.1f * n.y) + 0.09f * sinf(5.2f * n.z + 2.0f * n.x);
@@ -260,8 +260,7 @@ std::string makeStone() {
             o3d::Index index;
             index.mValue = ring == 0 ? 0 : ring == rings ? 1 : 2 + (ring - 1) * segments + segment % segments;
             submesh->mIndices.push_back(index);
-            list->mList.emplace_back(1.0f - static_cast<float>(segment) / segments,
-                                     static_cast<float>(ring) / rings, 0.0f);
+            list->mList.emplace_back(1.0f - float(segment) / segments, float(ring) / rings, 0.0f);
         }
     const auto local = [&](int ring, int segment) { return ring * (segments + 1) + segment; };
     const auto add = [&](int a, int b, int c) {

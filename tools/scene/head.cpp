@@ -198,8 +198,7 @@ std::vector<int> choose(const std::vector<Vector3f>& places, size_t count) {
         std::swap(order[i], order[random.draw() / 7 % (i + 1)]);
     // What weighs most is placed first, so that the lines are closed before the fields are filled.
     std::stable_sort(order.begin(), order.end(), [&](int a, int b) {
-        return lroundf(log2f(size[static_cast<size_t>(a)]) * 2) <
-               lroundf(log2f(size[static_cast<size_t>(b)]) * 2);
+        return lroundf(log2f(size[size_t(a)]) * 2) < lroundf(log2f(size[size_t(b)]) * 2);
     });
 
     std::vector<int> best;
@@ -208,11 +207,10 @@ std::vector<int> choose(const std::vector<Vector3f>& places, size_t count) {
         const float scale = (low + high) / 2;
         std::vector<int> chosen;
         for (const int candidate : order) {
-            const Vector3f& place = places[static_cast<size_t>(candidate)];
+            const Vector3f& place = places[size_t(candidate)];
             const bool free = std::none_of(chosen.begin(), chosen.end(), [&](int other) {
-                const float reach =
-                    scale * std::min(size[static_cast<size_t>(candidate)], size[static_cast<size_t>(other)]);
-                return (places[static_cast<size_t>(other)] - place).length2() < reach * reach;
+                const float reach = scale * std::min(size[size_t(candidate)], size[size_t(other)]);
+                return (places[size_t(other)] - place).length2() < reach * reach;
             });
             if (free)
                 chosen.push_back(candidate);
@@ -236,26 +234,26 @@ void reorder(o3d::Mesh& mesh) {
     const std::vector<int> chosen = choose(mesh.mVertices, (count + STRIDE - 1) / STRIDE);
     std::vector<char> taken(count, 0);
     for (const int i : chosen)
-        taken[static_cast<size_t>(i)] = 1;
+        taken[size_t(i)] = 1;
     std::vector<Vector3f> vertices;
     std::vector<int> moved(count);
     size_t next = 0;
     for (size_t place = 0; place < count; ++place) {
         size_t from = 0;
         if (place % STRIDE == 0) {
-            from = static_cast<size_t>(chosen[place / STRIDE]);
+            from = size_t(chosen[place / STRIDE]);
         } else {
             while (taken[next] != 0)
                 ++next;
             from = next++;
         }
-        moved[from] = static_cast<int>(place);
+        moved[from] = int(place);
         vertices.push_back(mesh.mVertices[from]);
     }
     mesh.mVertices = vertices;
     for (o3d::Submesh* submesh : mesh.mSubmeshes)
         for (o3d::Index& index : submesh->mIndices)
-            index.mValue = moved[static_cast<size_t>(index.mValue)];
+            index.mValue = moved[size_t(index.mValue)];
 }
 
 } // namespace
@@ -265,15 +263,15 @@ std::string makeFace() {
     std::vector<Vector3f> places;
     for (int ring = 0; ring <= RINGS; ++ring)
         for (int segment = 0; segment < SEGMENTS; ++segment) {
-            const float share = static_cast<float>(ring) / RINGS;
+            const float share = float(ring) / RINGS;
             const float away = 3.14159265f * (0.55f * share + 0.45f * share * share);
-            const float around = 6.2831853f * static_cast<float>(segment) / SEGMENTS;
+            const float around = 6.2831853f * float(segment) / SEGMENTS;
             places.push_back(
                 skin(Vector3f(sinf(away) * cosf(around), sinf(away) * sinf(around), cosf(away))));
         }
     Shape shape;
     const auto place = [&](int ring, int segment) {
-        return places[static_cast<size_t>(ring * SEGMENTS + segment % SEGMENTS)];
+        return places[size_t(ring * SEGMENTS + segment % SEGMENTS)];
     };
     shape.mTextureSize = 1.0f;
     for (int ring = 0; ring < RINGS; ++ring)

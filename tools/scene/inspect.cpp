@@ -136,7 +136,7 @@ std::string quoted(const std::string& name) {
 class Inspector {
 public:
     explicit Inspector(const std::string& image)
-        : mImage(image), mBuffer(image.data(), static_cast<int>(std::min<size_t>(image.size(), INT_MAX))) {}
+        : mImage(image), mBuffer(image.data(), int(std::min<size_t>(image.size(), INT_MAX))) {}
 
     Inspection run() {
         if (mBuffer.getFormat() != "void") // nothing was read
@@ -222,7 +222,7 @@ private:
                     break;
                 }
                 mBuffer.loadType(&value, 4);
-                text += format(" %g", static_cast<double>(value));
+                text += format(" %g", double(value));
             }
             return text;
         }
@@ -249,9 +249,8 @@ private:
             for (float& value : values)
                 mBuffer.loadType(&value, 4);
             return " " + text +
-                   format(", head %g %g %g, length %g", static_cast<double>(values[0]),
-                          static_cast<double>(values[1]), static_cast<double>(values[2]),
-                          static_cast<double>(values[7]));
+                   format(", head %g %g %g, length %g", double(values[0]), double(values[1]),
+                          double(values[2]), double(values[7]));
         }
         }
         return "";
@@ -323,9 +322,8 @@ private:
                                   interpolation > 2 ? "constant" : interpolations[interpolation],
                                   extrapolation > 3 ? "none" : extrapolations[extrapolation]);
         if (present > 0)
-            text += format(", time %g to %g, value %g to %g", static_cast<double>(first[2]),
-                           static_cast<double>(key[2]), static_cast<double>(lowest),
-                           static_cast<double>(highest));
+            text += format(", time %g to %g, value %g to %g", double(first[2]), double(key[2]),
+                           double(lowest), double(highest));
         return text;
     }
 
@@ -384,7 +382,7 @@ private:
         o3d::Manager manager;
         try {
             manager.load(reinterpret_cast<const unsigned char*>(mImage.data()),
-                         static_cast<int>(std::min<size_t>(mImage.size(), INT_MAX)));
+                         int(std::min<size_t>(mImage.size(), INT_MAX)));
         } catch (const std::exception& exception) {
             remark(0, "%s", exception.what());
             return;
@@ -407,7 +405,7 @@ private:
                 mText += "scene " + quoted(scene->mName) + " has no camera among its direct children\n";
             checkNode(manager, *scene);
             mText += "scene " + quoted(scene->mName) +
-                     format(" is animated up to time %g\n", static_cast<double>(scene->getAnimationLength()));
+                     format(" is animated up to time %g\n", double(scene->getAnimationLength()));
         }
     }
 
@@ -442,9 +440,9 @@ private:
             for (const o3d::Triangle& triangle : submesh->mTriangles) {
                 Vector3f corner[3];
                 for (int i = 0; i < 3; ++i) {
-                    const int position = submesh->mIndices[static_cast<size_t>(triangle.mIndex[i])].mValue;
-                    used[static_cast<size_t>(position)] = 1;
-                    corner[i] = mesh.mVertices[static_cast<size_t>(position)];
+                    const int position = submesh->mIndices[size_t(triangle.mIndex[i])].mValue;
+                    used[size_t(position)] = 1;
+                    corner[i] = mesh.mVertices[size_t(position)];
                 }
                 if ((corner[1] - corner[0]).cross(corner[2] - corner[0]).length() == 0.0f)
                     ++flat;
@@ -453,7 +451,7 @@ private:
         if (flat > 0)
             remark(0, "mesh %s: %zu triangles without area: making normals ends the program", name.c_str(),
                    flat);
-        const auto unused = static_cast<size_t>(std::count(used.begin(), used.end(), 0));
+        const auto unused = size_t(std::count(used.begin(), used.end(), 0));
         if (unused > 0)
             remark(0, "mesh %s: %zu vertices without a triangle: making normals ends the program",
                    name.c_str(), unused);

@@ -103,7 +103,7 @@ std::string sceneFile(const o3d::Manager& manager) {
 }
 
 o3d::Mesh* addMesh(o3d::Manager& manager, std::unique_ptr<o3d::Mesh> mesh) {
-    manager.mMeshMap[mesh->mName] = static_cast<int>(manager.mMeshes.size());
+    manager.mMeshMap[mesh->mName] = int(manager.mMeshes.size());
     manager.mMeshes.push_back(mesh.release());
     return manager.mMeshes.back();
 }
@@ -115,7 +115,7 @@ o3d::Material* addMaterial(o3d::Manager& manager, const std::string& name, const
     attribute->mName = "diffuse";
     attribute->mColor = color;
     material->mAttributes.push_back(attribute.release());
-    manager.mMaterialMap[name] = static_cast<int>(manager.mMaterials.size());
+    manager.mMaterialMap[name] = int(manager.mMaterials.size());
     manager.mMaterials.push_back(material.release());
     return manager.mMaterials.back();
 }
@@ -170,7 +170,7 @@ void setCurve(o3d::TrackBlenderFloat& track, const std::vector<float>& values, f
         if (closed && i == last)
             after = values[1] + rise;
         const float slope = (after - before) * 0.5f; // per step
-        const float time = step * static_cast<float>(i);
+        const float time = step * float(i);
         track.mKeys.push_back({time - step / 3, values[i] - slope / 3, time, values[i], time + step / 3,
                                values[i] + slope / 3});
     }

@@ -18,7 +18,7 @@ int Shape::addPosition(int group, const Vector3f& place) {
     const auto found = mPlaces.find(key);
     if (found != mPlaces.end())
         return found->second;
-    const int position = static_cast<int>(mPositions.size());
+    const int position = int(mPositions.size());
     mPlaces[key] = position;
     mPositions.push_back(place);
     return position;
@@ -29,7 +29,7 @@ int Shape::addLocal(Part& part, int position, const Vector3f& texCoords) {
     const auto found = part.mLocals.find(key);
     if (found != part.mLocals.end())
         return found->second;
-    const int local = static_cast<int>(part.mIndices.size());
+    const int local = int(part.mIndices.size());
     part.mLocals[key] = local;
     part.mIndices.emplace_back();
     part.mIndices.back().mValue = position;
@@ -42,9 +42,9 @@ void Shape::triangle(int part, int group, const Vector3f& a, const Vector3f& b, 
     if (normal.length() < 1e-8f)
         return;
     mLastGroup = std::max(mLastGroup, group);
-    if (static_cast<size_t>(part) >= mParts.size())
-        mParts.resize(static_cast<size_t>(part) + 1);
-    Part& target = mParts[static_cast<size_t>(part)];
+    if (size_t(part) >= mParts.size())
+        mParts.resize(size_t(part) + 1);
+    Part& target = mParts[size_t(part)];
     o3d::Triangle result;
     const float x = fabsf(normal.x), y = fabsf(normal.y), z = fabsf(normal.z);
     int corner = 0;
@@ -82,9 +82,8 @@ void Shape::box(int part, const Vector3f& l, const Vector3f& h) {
 void Shape::lathe(int part, const std::vector<std::pair<float, float>>& profile, int segments, int flutes,
                   float flute) {
     const auto place = [&](const std::pair<float, float>& ring, int segment) {
-        const float angle =
-            6.2831853f * static_cast<float>(segment % segments) / static_cast<float>(segments);
-        const float radius = ring.first * (1.0f + flute * cosf(angle * static_cast<float>(flutes)));
+        const float angle = 6.2831853f * float(segment % segments) / float(segments);
+        const float radius = ring.first * (1.0f + flute * cosf(angle * float(flutes)));
         return Vector3f(radius * cosf(angle), ring.second, radius * sinf(angle));
     };
     for (size_t ring = 0; ring + 1 < profile.size(); ++ring) {
@@ -156,7 +155,7 @@ std::unique_ptr<o3d::Mesh> Shape::build(const std::string& name,
     for (size_t i = 0; i < mParts.size(); ++i) {
         auto submesh = std::make_unique<o3d::Submesh>();
         submesh->mParent = mesh.get();
-        submesh->mMaterial = static_cast<int>(i);
+        submesh->mMaterial = int(i);
         submesh->mTriangles = mParts[i].mTriangles;
         submesh->mIndices = mParts[i].mIndices;
         auto list = std::make_unique<o3d::StructList<Vector3f>>();
@@ -182,11 +181,11 @@ std::vector<Vector3f> pointedArch(float halfWidth, float spring, float radius, i
     const float centre = radius - halfWidth;
     const float end = acosf(centre / radius);
     for (int i = 0; i <= steps; ++i) {
-        const float angle = end * static_cast<float>(i) / static_cast<float>(steps);
+        const float angle = end * float(i) / float(steps);
         points.emplace_back(centre - radius * cosf(angle), spring + radius * sinf(angle), 0.0f);
     }
     for (int i = steps - 1; i >= 0; --i)
-        points.emplace_back(-points[static_cast<size_t>(i)].x, points[static_cast<size_t>(i)].y, 0.0f);
+        points.emplace_back(-points[size_t(i)].x, points[size_t(i)].y, 0.0f);
     return points;
 }
 

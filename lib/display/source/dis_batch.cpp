@@ -499,7 +499,7 @@ void Batch::markRun(Place place) {
         mRuns.clear();
         mFirstPlace = mPlace = place;
     } else if (place != mPlace) {
-        mRuns.push_back(static_cast<uint32_t>(mCount));
+        mRuns.push_back(uint32_t(mCount));
         mPlace = place;
     }
 }
@@ -1186,7 +1186,7 @@ void Batch::drawRuns(GLenum mode, size_t count) {
         GL_CALL(glDrawArrays(mode, 0, GLsizei(count)));
         return;
     }
-    mRuns.push_back(static_cast<uint32_t>(count));
+    mRuns.push_back(uint32_t(count));
     mFirsts.clear();
     mCounts.clear();
     Place place = mFirstPlace;
