@@ -15,9 +15,8 @@ bool Music::setup(am::TSmartPtr<am::FileStructure, am::TRefCount<am::FileStructu
         ztk_megasuperlogger("error", "Kindler", "../include/kin_music", 38, "setup", "No sound device!\n");
         return false;
     }
-    if (!file.isNull() && file->length <= INT_MAX) {
+    if (!file.isNull() && file->length <= INT_MAX)
         mFile = audiere::AdrCreateMemoryFile(file->data, int(file->length));
-    }
     mSource = audiere::AdrOpenSampleSourceFromFile(mFile, 0);
     if (!mSource) {
         puts("Could not open file");

@@ -19,9 +19,8 @@ public:
 
     void ref() { ++mRefCount; }
     void unref() {
-        if (--mRefCount == 0) {
+        if (--mRefCount == 0)
             delete this;
-        }
     }
 
 protected:
@@ -38,16 +37,14 @@ class RefPtr {
 public:
     RefPtr() = default;
     RefPtr(T* object) : mObject(object) { // may be null
-        if (mObject) {
+        if (mObject)
             mObject->ref();
-        }
     }
     RefPtr(const RefPtr& other) : RefPtr(other.mObject) {}
     RefPtr(RefPtr&& other) noexcept : mObject(std::exchange(other.mObject, nullptr)) {}
     ~RefPtr() {
-        if (mObject) {
+        if (mObject)
             mObject->unref();
-        }
     }
     RefPtr& operator=(RefPtr other) noexcept {
         std::swap(mObject, other.mObject);

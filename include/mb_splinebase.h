@@ -54,9 +54,8 @@ public:
                      "mb_splinebase", 165);
         mKeys.erase(mKeys.begin() + index);
         const int count = getNumKeys();
-        if (count == 0) {
+        if (count == 0)
             return;
-        }
         const int neighbour = index == count ? index - 1 : index;
         updateTangents(neighbour, neighbour, neighbour);
         mCurrent = -1;
@@ -69,14 +68,12 @@ public:
     // other side, an end key multiplies by its span.
     void updateTangents(int index, int, int) {
         const int count = getNumKeys();
-        if (count == 0) {
+        if (count == 0)
             return;
-        }
         mMin = mKeys[0].value;
         mMax = mKeys[0].value;
-        if (!mAutoTangents || mMode != SPLINE_SMOOTH) {
+        if (!mAutoTangents || mMode != SPLINE_SMOOTH)
             return;
-        }
         if (count == 1) {
             if (index == 0) {
                 mKeys[0].tangentIn = 0;
@@ -122,14 +119,12 @@ public:
                                             : mKeys.back().value;
         }
         const KEYTYPE& a = mKeys[found];
-        if (mMode == SPLINE_SQUARE || found + 1 == getNumKeys()) {
+        if (mMode == SPLINE_SQUARE || found + 1 == getNumKeys())
             return a.value;
-        }
         const KEYTYPE& b = mKeys[found + 1];
         const float u = (time - a.time) / (b.time - a.time);
-        if (mMode == SPLINE_LINEAR) {
+        if (mMode == SPLINE_LINEAR)
             return (1.0f - u) * a.value + u * b.value;
-        }
         const VALUETYPE d = b.value - a.value;
         const VALUETYPE m = a.tangentOut;
         const VALUETYPE w = b.tangentIn;
@@ -150,27 +145,23 @@ private:
     // SplineBaseOutcome.
     int findSegment(float time) const {
         const int count = getNumKeys();
-        if (count == 0) {
+        if (count == 0)
             return SPLINE_EMPTY;
-        }
-        if (time < mKeys.front().time) {
+        if (time < mKeys.front().time)
             return SPLINE_BEFORE;
-        }
-        if (count == 1 || time > mKeys.back().time) {
+        if (count == 1 || time > mKeys.back().time)
             return SPLINE_AFTER;
-        }
         int low = 0;
         int high = count - 1;
         int middle = 0;
         while (low <= high) {
             middle = (low + high) / 2;
-            if (mKeys[middle].time > time) {
+            if (mKeys[middle].time > time)
                 high = middle - 1;
-            } else if (middle + 1 < count && time < mKeys[middle + 1].time) {
+            else if (middle + 1 < count && time < mKeys[middle + 1].time)
                 break;
-            } else {
+            else
                 low = middle + 1;
-            }
         }
         return middle;
     }

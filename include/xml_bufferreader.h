@@ -30,9 +30,8 @@ struct BufferReader {
 
     // Throws "EOF" at the end of the data.
     void requireMore() const {
-        if (atEnd()) {
+        if (atEnd())
             throw Exception("EOF");
-        }
     }
 
     // The next byte; throws "EOF" where there is none.
@@ -70,9 +69,8 @@ struct BufferReader {
     // Takes all spaces, tabs and line ends from here. Throws "Not enough spaces!" or "Eof before enough
     // spaces were found" where there are less than `minimum`.
     void skipSpaces(int minimum) {
-        if (minimum > 0 || atEnd() || static_cast<unsigned char>(data[pos]) <= ' ') {
+        if (minimum > 0 || atEnd() || static_cast<unsigned char>(data[pos]) <= ' ')
             skipSpacesHere(minimum);
-        }
     }
 
 private:

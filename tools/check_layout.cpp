@@ -143,12 +143,11 @@ public:
             return;
         }
         ++mDepth;
-        for (const xml::XmlTag::Argument& argument : node.arguments) {
+        for (const xml::XmlTag::Argument& argument : node.arguments)
             if (!contains(commonAttributes, argument.name) && !hasAttribute(type, argument.name))
                 say(node, "unknown attribute '" + argument.name + "' of " + name);
             else
                 value(node, type ? type->name : "", argument);
-        }
         if (!inFlow && node.getValue("hidden") == "true" && node.getValue("visible") == "true")
             say(node, name + " is both 'hidden' and 'visible': it is hidden");
         eachElement(node, [&](const xml::XmlNode& child) {
@@ -213,13 +212,12 @@ private:
             return;
         }
         ++mDepth;
-        for (const xml::XmlTag::Argument& argument : node.arguments) {
+        for (const xml::XmlTag::Argument& argument : node.arguments)
             if (!contains(part.attributes, argument.name) &&
                 !(part.control && contains(commonAttributes, argument.name)))
                 say(node, "unknown attribute '" + argument.name + "' of '" + node.getName() + "'");
             else
                 value(node, type, argument);
-        }
         eachElement(node, [&](const xml::XmlNode& child) {
             if (part.nests && child.getName() == part.name)
                 this->part(child, part, type);
@@ -271,16 +269,15 @@ private:
     void area(const xml::XmlNode& node, bool inFlow) {
         Words known = {"x", "y", "width", "height", "w", "h", "maximized"};
         for (const xml::XmlTag::Argument& argument : node.arguments) {
-            if (argument.name == "size" || argument.name == "percent") {
+            if (argument.name == "size" || argument.name == "percent")
                 if (!inFlow)
                     say(node, "'" + argument.name + "' of 'area' has a meaning only in a 'flow'");
                 else
                     value(node, "", argument);
-            } else if (!contains(known, argument.name)) {
+            else if (!contains(known, argument.name))
                 say(node, "unknown attribute '" + argument.name + "' of 'area'");
-            } else {
+            else
                 value(node, "", argument);
-            }
         }
         for (const auto& side : {std::pair("width", "w"), std::pair("height", "h")}) {
             const bool both = !node.getValue(side.first).empty() && !node.getValue(side.second).empty();

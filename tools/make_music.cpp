@@ -56,18 +56,15 @@ std::vector<int> playDrums(Tracks& tracks, int bars) {
                 kick(tracks.drums, frame, heart ? 0.6f * level : level);
                 kicks.push_back(frame);
             }
-            if (float level = strength(clapStrokes[step])) {
+            if (float level = strength(clapStrokes[step]))
                 clap(tracks.drums, frame, level);
-            }
-            if (float level = strength(openStrokes[step])) {
+            if (float level = strength(openStrokes[step]))
                 hat(tracks.cymbals, frame, level, true);
-            } else if ((level = strength(hatStrokes[step]))) {
+            else if ((level = strength(hatStrokes[step])))
                 hat(tracks.cymbals, frame, level, false);
-            }
         }
-        if (charts().crash[size_t(bar)] == '1') {
+        if (charts().crash[size_t(bar)] == '1')
             crash(tracks.cymbals, frameOf(bar), 0.8f);
-        }
     }
     return kicks;
 }
@@ -105,9 +102,8 @@ void playBass(Tracks& tracks, const Chord& chord) {
     const char* rhythm = strokes(bassRhythms(), name);
     for (int step = chord.step; step < chord.step + chord.steps; ++step) {
         float level = strength(rhythm[step % STEPS_PER_BAR]);
-        if (level == 0) {
+        if (level == 0)
             continue;
-        }
         bool held = name == 'w' || name == '1';
         // the rolling bass leaps to the octave at the end of a beat
         int octave = name == 'r' && step % 4 == 3 ? 12 : 0;
@@ -123,26 +119,21 @@ void playBass(Tracks& tracks, const Chord& chord) {
 void playPad(Tracks& tracks, const std::vector<Chord>& chords, size_t first) {
     const Chord& chord = chords[first];
     float soft = chartLevel(charts().pad[size_t(chord.step / STEPS_PER_BAR)]);
-    if (soft == 0 || (first > 0 && chords[first - 1].voices == chord.voices)) {
+    if (soft == 0 || (first > 0 && chords[first - 1].voices == chord.voices))
         return;
-    }
     int steps = 0;
-    for (size_t i = first; i < chords.size() && chords[i].voices == chord.voices; ++i) {
+    for (size_t i = first; i < chords.size() && chords[i].voices == chord.voices; ++i)
         steps += chords[i].steps;
-    }
-    for (int voice : chord.voices) {
+    for (int voice : chord.voices)
         pad(tracks.chords, chord.step * STEP, steps * STEP, voice, 0.16f + 0.16f * soft, soft);
-    }
 }
 
 // On every beat anew, as the kick makes room.
 void playSaws(Tracks& tracks, const Chord& chord) {
     float bright = chartLevel(charts().saws[size_t(chord.step / STEPS_PER_BAR)]);
-    for (int step = 0; bright > 0 && step < chord.steps; step += 4) {
-        for (int voice : chord.voices) {
+    for (int step = 0; bright > 0 && step < chord.steps; step += 4)
+        for (int voice : chord.voices)
             saws(tracks.chords, (chord.step + step) * STEP, 4 * STEP - 400, voice, 0.30f * bright, bright);
-        }
-    }
 }
 
 // Up and down through the chord over two octaves, in a pattern of three against four.
@@ -168,9 +159,8 @@ void playLine(Tracks& tracks, const Line& line, int end) {
         int pitch = note.pitch + lift;
         int frame = step * STEP;
         int length = note.steps * STEP;
-        if (frame >= end) {
+        if (frame >= end)
             return;
-        }
         switch (line.instrument) {
         case Line::LEAD:
             lead(tracks.melody, frame, length - 500, before ? before : pitch, pitch, 0.42f * line.level);
@@ -204,9 +194,8 @@ Track perform(int bars) {
         playSaws(tracks, chords[i]);
         playArpeggio(tracks, chords[i]);
     }
-    for (const Line& line : lines()) {
+    for (const Line& line : lines())
         playLine(tracks, line, FRAMES);
-    }
 
     highPass(tracks.chords, 170);
     highPass(tracks.plucks, 250);

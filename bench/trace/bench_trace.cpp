@@ -19,13 +19,11 @@ struct Setup {
     const Vector3f light{5, 8, 0};
 
     Setup() {
-        for (trace::PrimSphere& sphere : spheres) {
+        for (trace::PrimSphere& sphere : spheres)
             scene.instances.push_back({&sphere});
-        }
         mathbase::Random random(1);
-        for (int i = 0; i < 4096; ++i) {
+        for (int i = 0; i < 4096; ++i)
             directions.push_back(random.unitSphere());
-        }
     }
 };
 
@@ -54,9 +52,8 @@ void everyHitConverted(benchmark::State& state) {
             trace::Intersection i;
             if (instance.primitive->trace(pi, setup.light, direction, 0.0001f, 1e20f)) {
                 instance.primitive->convertIntersection(pi, i, setup.light, direction);
-                if (i.t <= best.t) {
+                if (i.t <= best.t)
                     best = i;
-                }
             }
         }
         benchmark::DoNotOptimize(best);

@@ -64,9 +64,8 @@ void Zentrak(benchmark::State& state) {
 void TinyXml2(benchmark::State& state) {
     for (auto _ : state) {
         tinyxml2::XMLDocument document;
-        if (document.Parse(script().data(), script().size()) != tinyxml2::XML_SUCCESS) {
+        if (document.Parse(script().data(), script().size()) != tinyxml2::XML_SUCCESS)
             state.SkipWithError("not loaded");
-        }
         benchmark::DoNotOptimize(document.RootElement());
     }
     count(state);
@@ -76,9 +75,8 @@ void PugiXml(benchmark::State& state) {
     for (auto _ : state) {
         pugi::xml_document document;
         if (!document.load_buffer(script().data(), script().size(),
-                                  pugi::parse_default | pugi::parse_comments)) {
+                                  pugi::parse_default | pugi::parse_comments))
             state.SkipWithError("not loaded");
-        }
         benchmark::DoNotOptimize(document.document_element());
     }
     count(state);

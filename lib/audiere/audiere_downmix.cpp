@@ -9,13 +9,11 @@ const char* const USUAL[] = {"", "C", "LR", "LRC", "LRLR", "LRCLR", "LRCSLR", "L
 const char* const VORBIS[] = {"", "C", "LR", "LCR", "LRLR", "LCRLR", "LCRLRS", "LCRLRCS", "LCRLRLRS"};
 
 std::string places(const char* const* table, int count) {
-    if (count <= 8) {
+    if (count <= 8)
         return table[count];
-    }
     std::string turns;
-    for (int channel = 0; channel < count; ++channel) {
+    for (int channel = 0; channel < count; ++channel)
         turns += channel % 2 == 0 ? 'L' : 'R';
-    }
     return turns;
 }
 

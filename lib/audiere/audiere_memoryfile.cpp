@@ -17,9 +17,8 @@ int MemoryFile::read(void* buffer, int size) {
 bool MemoryFile::seek(int position, SeekMode mode) {
     long from = mode == BEGIN ? 0 : mode == CURRENT ? mPosition : long(mBytes.size());
     long target = from + position;
-    if (target < 0 || target > long(mBytes.size())) {
+    if (target < 0 || target > long(mBytes.size()))
         return false;
-    }
     mPosition = int(target);
     return true;
 }

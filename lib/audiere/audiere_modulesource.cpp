@@ -34,9 +34,8 @@ std::ostream& nowhere() {
 RefPtr<SampleSource> ModuleSource::open(const RefPtr<File>& file) {
     try {
         RefPtr<ModuleSource> source = new ModuleSource(readAll(*file));
-        if (source->mLength > 0) {
+        if (source->mLength > 0)
             return source.get();
-        }
     } catch (const std::exception&) { // not a module
     }
     return nullptr;
@@ -61,9 +60,8 @@ int ModuleSource::read(int frameCount, void* buffer) {
     size_t done = 0;
     while (done < wanted) {
         size_t count = mModule.read_interleaved_stereo(SAMPLE_RATE, wanted - done, out + 2 * done);
-        if (count == 0) {
+        if (count == 0)
             break;
-        }
         done += count;
     }
     std::fill(out + 2 * done, out + 2 * wanted, 0.0f);
@@ -98,9 +96,8 @@ void ModuleSource::setPosition(int position) {
 void ModuleSource::skipTo(int position, int filterLength) {
     float dropped[2 * SKIP_FRAMES];
     mModule.set_render_param(openmpt::module::RENDER_INTERPOLATIONFILTER_LENGTH, filterLength);
-    while (mPosition < position) {
+    while (mPosition < position)
         read(std::min(position - mPosition, SKIP_FRAMES), dropped);
-    }
 }
 
 } // namespace zentrak::audiere

@@ -38,10 +38,8 @@ MpegSource::MpegSource(const RefPtr<File>& file) : mFile(file) {
         mpg123_getformat(mDecoder, &rate, &mChannelCount, &encoding) != MPG123_OK ||
         mpg123_format_none(mDecoder) != MPG123_OK ||
         mpg123_format(mDecoder, rate, mChannelCount, MPG123_ENC_FLOAT_32) != MPG123_OK ||
-        mpg123_param(mDecoder, MPG123_RESYNC_LIMIT, -1, 0) != MPG123_OK ||
-        mpg123_scan(mDecoder) != MPG123_OK) {
+        mpg123_param(mDecoder, MPG123_RESYNC_LIMIT, -1, 0) != MPG123_OK || mpg123_scan(mDecoder) != MPG123_OK)
         return;
-    }
     mSampleRate = int(rate);
     mLength = int(std::clamp<off_t>(mpg123_length(mDecoder), 0, INT_MAX));
 }
@@ -64,9 +62,8 @@ int MpegSource::read(int frameCount, void* buffer) {
         size_t count = 0;
         int status = mpg123_read(mDecoder, static_cast<unsigned char*>(buffer) + done, wanted - done, &count);
         done += count;
-        if (status != MPG123_NEW_FORMAT && (status != MPG123_OK || count == 0)) {
+        if (status != MPG123_NEW_FORMAT && (status != MPG123_OK || count == 0))
             break;
-        }
     }
     int frames = int(done / frameSize);
     mPosition += frames;

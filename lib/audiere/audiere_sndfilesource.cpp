@@ -43,11 +43,9 @@ bool hasMark(File& file) {
     file.seek(0, File::BEGIN);
     file.read(mark, 4);
     file.seek(0, File::BEGIN);
-    for (const char* known : {"RIFF", "RIFX", "RF64", "fLaC"}) {
-        if (std::memcmp(mark, known, 4) == 0) {
+    for (const char* known : {"RIFF", "RIFX", "RF64", "fLaC"})
+        if (std::memcmp(mark, known, 4) == 0)
             return true;
-        }
-    }
     return false;
 }
 
@@ -59,13 +57,11 @@ RefPtr<SampleSource> SndfileSource::open(const RefPtr<File>& file) {
 
 SndfileSource::SndfileSource(const RefPtr<File>& file) : mFile(file) {
     static SF_VIRTUAL_IO access = {fileLength, fileSeek, fileRead, fileWrite, fileTell};
-    if (!hasMark(*mFile)) {
+    if (!hasMark(*mFile))
         return;
-    }
     mDecoder = sf_open_virtual(&access, SFM_READ, &mInfo, mFile.get());
-    if (!mDecoder) {
+    if (!mDecoder)
         return;
-    }
     mLength = int(std::clamp<sf_count_t>(mInfo.frames, 0, INT_MAX));
     if (mInfo.channels > 2) {
         mDownmix = Downmix(channelPlaces());
@@ -74,18 +70,16 @@ SndfileSource::SndfileSource(const RefPtr<File>& file) : mFile(file) {
 }
 
 SndfileSource::~SndfileSource() {
-    if (mDecoder) {
+    if (mDecoder)
         sf_close(mDecoder);
-    }
 }
 
 // As the file tells them, else as is usual.
 std::string SndfileSource::channelPlaces() {
     std::string places = Downmix::usualPlaces(mInfo.channels);
     std::vector<int> map(places.size());
-    if (!sf_command(mDecoder, SFC_GET_CHANNEL_MAP_INFO, map.data(), int(map.size() * sizeof(int)))) {
+    if (!sf_command(mDecoder, SFC_GET_CHANNEL_MAP_INFO, map.data(), int(map.size() * sizeof(int))))
         return places;
-    }
     for (size_t channel = 0; channel < map.size(); ++channel) {
         switch (map[channel]) {
         case SF_CHANNEL_MAP_LEFT:
@@ -136,19 +130,16 @@ int SndfileSource::read(int frameCount, void* buffer) {
 
 // As the decoder gives them, or mixed down; returns the frames written to `out`.
 int SndfileSource::decode(int frameCount, float* out) {
-    if (mInfo.channels <= 2) {
+    if (mInfo.channels <= 2)
         return int(std::max<sf_count_t>(sf_readf_float(mDecoder, out, frameCount), 0));
-    }
     int done = 0;
     while (done < frameCount) {
         int count = int(sf_readf_float(mDecoder, mSurround.data(), std::min(frameCount - done, MIX_FRAMES)));
-        if (count <= 0) {
+        if (count <= 0)
             break;
-        }
         std::fill_n(out + 2 * done, 2 * count, 0.0f);
-        for (int channel = 0; channel < mInfo.channels; ++channel) {
+        for (int channel = 0; channel < mInfo.channels; ++channel)
             mDownmix.add(channel, mSurround.data() + channel, mInfo.channels, count, out + 2 * done);
-        }
         done += count;
     }
     return done;

@@ -17,9 +17,8 @@ const float LOUDEST = 8;          // samples beyond are the work of a damaged fi
 RefPtr<OutputStream> OpenALStream::open(const RefPtr<OpenALDevice>& device,
                                         const RefPtr<SampleSource>& source) {
     RefPtr<OpenALStream> stream = new OpenALStream(device, source);
-    if (!stream->setup()) {
+    if (!stream->setup())
         return nullptr;
-    }
     return stream.get();
 }
 
@@ -31,9 +30,8 @@ bool OpenALStream::setup() {
     SampleFormat sampleFormat;
     mSource->getFormat(mChannelCount, mSampleRate, sampleFormat);
     mLength = mEnd = mSource->getLength();
-    if (mSampleRate < LOWEST_RATE || mSampleRate > HIGHEST_RATE) {
+    if (mSampleRate < LOWEST_RATE || mSampleRate > HIGHEST_RATE)
         return false;
-    }
     mBufferFrames = mSampleRate / BUFFERS_PER_SECOND;
     mSamples.resize(size_t(2 * mBufferFrames));
     mSource->setPosition(0);
@@ -42,41 +40,34 @@ bool OpenALStream::setup() {
     alGetError();
     alGenSources(1, &mName);
     alGenBuffers(BUFFER_COUNT, mBuffers);
-    if (alGetError() != AL_NO_ERROR || !alIsExtensionPresent("AL_EXT_FLOAT32")) {
+    if (alGetError() != AL_NO_ERROR || !alIsExtensionPresent("AL_EXT_FLOAT32"))
         return false;
-    }
     // The left channel goes to the left and the right one to the right, not through a room around the
     // listener.
-    if (alIsExtensionPresent("AL_SOFT_direct_channels_remix")) {
+    if (alIsExtensionPresent("AL_SOFT_direct_channels_remix"))
         alSourcei(mName, AL_DIRECT_CHANNELS_SOFT, REMIX_UNMATCHED);
-    } else if (alIsExtensionPresent("AL_SOFT_direct_channels")) {
+    else if (alIsExtensionPresent("AL_SOFT_direct_channels"))
         alSourcei(mName, AL_DIRECT_CHANNELS_SOFT, AL_TRUE);
-    }
-    if (alIsExtensionPresent("AL_SOFT_source_resampler")) {
+    if (alIsExtensionPresent("AL_SOFT_source_resampler"))
         alSourcei(mName, AL_SOURCE_RESAMPLER_SOFT, alGetInteger(AL_NUM_RESAMPLERS_SOFT) - 1); // the best
-    }
-    if (alIsExtensionPresent("AL_SOFT_source_latency")) {
+    if (alIsExtensionPresent("AL_SOFT_source_latency"))
         mGetSource64 = reinterpret_cast<LPALGETSOURCEI64VSOFT>(alGetProcAddress("alGetSourcei64vSOFT"));
-    }
     return true;
 }
 
 // Deleting the name 0 is no error in OpenAL.
 OpenALStream::~OpenALStream() {
     mDevice->makeCurrent();
-    if (mName) {
+    if (mName)
         alDeleteSources(1, &mName);
-    }
     alDeleteBuffers(BUFFER_COUNT, mBuffers);
 }
 
 void OpenALStream::play() {
-    if (mPlaying) {
+    if (mPlaying)
         return;
-    }
-    if (mRanOut) {
+    if (mRanOut)
         setPosition(0);
-    }
     mPlaying = true;
     mUpdated = Clock::now();
     mDevice->makeCurrent();
@@ -88,17 +79,15 @@ void OpenALStream::play() {
 // it.
 void OpenALStream::stop() {
     update();
-    if (!mPlaying) {
+    if (!mPlaying)
         return;
-    }
     mPlaying = false;
     alSourcePause(mName);
     double where = offset(false);
     ALint state;
     alGetSourcei(mName, AL_SOURCE_STATE, &state);
-    if (state == AL_PAUSED) {
+    if (state == AL_PAUSED)
         advance(double(mQueuedAt) + where);
-    }
 }
 
 bool OpenALStream::isPlaying() {
@@ -130,9 +119,8 @@ void OpenALStream::setPosition(int position) {
 // Follows OpenAL: takes over how far it came, and tops up the queue. A source that ran dry because nobody
 // called for too long has played all that was queued, and goes on behind it.
 void OpenALStream::update() {
-    if (!mPlaying) {
+    if (!mPlaying)
         return;
-    }
     mDevice->makeCurrent();
     if (!mDevice->isConnected()) {
         updateSilently();
@@ -140,11 +128,10 @@ void OpenALStream::update() {
     }
     mUpdated = Clock::now();
     double where = offset(true); // before the state: a source that stops in between has the offset 0
-    if (isRunning()) {
+    if (isRunning())
         advance(double(mQueuedAt) + where);
-    } else {
+    else
         advance(double(mQueuedAt) + double(mQueued) * mBufferFrames);
-    }
     if (mPosition >= mEnd) {
         mPlaying = false;
         mRanOut = true;
@@ -194,19 +181,15 @@ void OpenALStream::decode() {
     int count = 0;
     if (mSource->getPosition() < mEnd) {
         count = mSource->read(mBufferFrames, mSamples.data());
-        if (count < mBufferFrames) {
+        if (count < mBufferFrames)
             mEnd = mSource->getPosition();
-        }
     }
-    if (mChannelCount == 1) {
-        for (int frame = count; frame-- > 0;) {
+    if (mChannelCount == 1)
+        for (int frame = count; frame-- > 0;)
             mSamples[size_t(2 * frame)] = mSamples[size_t(2 * frame + 1)] = mSamples[size_t(frame)];
-        }
-    }
     auto end = mSamples.begin() + 2 * count;
-    for (auto sample = mSamples.begin(); sample != end; ++sample) {
+    for (auto sample = mSamples.begin(); sample != end; ++sample)
         *sample = *sample == *sample ? std::clamp(*sample, -LOUDEST, LOUDEST) : 0.0f;
-    }
     std::fill(end, mSamples.end(), 0.0f);
 }
 

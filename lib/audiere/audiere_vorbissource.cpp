@@ -9,9 +9,8 @@ namespace {
 
 // What libvorbisfile calls to reach the file.
 size_t fileRead(void* buffer, size_t size, size_t count, void* user) {
-    if (size == 0) {
+    if (size == 0)
         return 0;
-    }
     int bytes = int(std::min<size_t>(size * count, INT_MAX));
     return size_t(static_cast<File*>(user)->read(buffer, bytes)) / size;
 }
@@ -35,9 +34,8 @@ VorbisSource::VorbisSource(const RefPtr<File>& file) : mFile(file) {
     const ov_callbacks access = {fileRead, fileSeek, nullptr, fileTell};
     mFile->seek(0, File::BEGIN);
     mIsOpen = ov_open_callbacks(mFile.get(), &mDecoder, nullptr, 0, access) == 0;
-    if (!mIsOpen) {
+    if (!mIsOpen)
         return;
-    }
     vorbis_info* first = ov_info(&mDecoder, 0);
     mFileChannels = first->channels;
     mSampleRate = int(std::min<long>(first->rate, INT_MAX));
@@ -45,18 +43,16 @@ VorbisSource::VorbisSource(const RefPtr<File>& file) : mFile(file) {
     ogg_int64_t length = 0;
     for (int link = 0; link < ov_streams(&mDecoder); ++link, ++mLinks) {
         vorbis_info* info = ov_info(&mDecoder, link);
-        if (info->channels != first->channels || info->rate != first->rate) {
+        if (info->channels != first->channels || info->rate != first->rate)
             break;
-        }
         length += std::max<ogg_int64_t>(ov_pcm_total(&mDecoder, link), 0);
     }
     mLength = int(std::min<ogg_int64_t>(length, INT_MAX));
 }
 
 VorbisSource::~VorbisSource() {
-    if (mIsOpen) {
+    if (mIsOpen)
         ov_clear(&mDecoder);
-    }
 }
 
 void VorbisSource::getFormat(int& channelCount, int& sampleRate, SampleFormat& sampleFormat) {
@@ -73,12 +69,10 @@ int VorbisSource::read(int frameCount, void* buffer) {
         float** channels;
         int link = 0;
         long count = ov_read_float(&mDecoder, &channels, wanted - done, &link);
-        if (count == OV_HOLE) {
+        if (count == OV_HOLE)
             continue;
-        }
-        if (count <= 0 || link >= mLinks) {
+        if (count <= 0 || link >= mLinks)
             break;
-        }
         write(channels, int(count), static_cast<float*>(buffer) + done * std::min(mFileChannels, 2));
         done += int(count);
     }
@@ -90,16 +84,13 @@ int VorbisSource::read(int frameCount, void* buffer) {
 void VorbisSource::write(float** channels, int frames, float* out) const {
     if (mFileChannels > 2) {
         std::fill_n(out, 2 * frames, 0.0f);
-        for (int channel = 0; channel < mFileChannels; ++channel) {
+        for (int channel = 0; channel < mFileChannels; ++channel)
             mDownmix.add(channel, channels[channel], 1, frames, out);
-        }
         return;
     }
-    for (int frame = 0; frame < frames; ++frame) {
-        for (int channel = 0; channel < mFileChannels; ++channel) {
+    for (int frame = 0; frame < frames; ++frame)
+        for (int channel = 0; channel < mFileChannels; ++channel)
             *out++ = channels[channel][frame];
-        }
-    }
 }
 
 void VorbisSource::setPosition(int position) {

@@ -103,10 +103,9 @@ void Mesh::fillIndices(const o3d::Mesh& mesh) {
         if (submesh.mIndexCount < 1)
             continue;
         numbers.clear();
-        for (const o3d::Triangle& triangle : mesh.mSubmeshes[i]->mTriangles) {
+        for (const o3d::Triangle& triangle : mesh.mSubmeshes[i]->mTriangles)
             for (const int32_t local : triangle.mIndex)
                 numbers.push_back(uint32_t(local));
-        }
         mIBO.replace(submesh.mFirstIndex, submesh.mIndexCount, numbers.data(), submesh.mFirstVertex,
                      IBO::FORMAT_UINT32);
     }

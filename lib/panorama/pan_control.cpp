@@ -412,10 +412,9 @@ void Control::deleteControls() {
 Control* Control::findControl(const std::string& name) {
     if (mName == name)
         return this;
-    for (Control* child : mControls) {
+    for (Control* child : mControls)
         if (Control* found = child->findControl(name))
             return found;
-    }
     return nullptr;
 }
 
@@ -465,10 +464,9 @@ void Control::sendContextAction(Context* context, std::string text) {
 bool Control::acceptEvents(Event& event) {
     if (mHover || isInside(mArea.clip, event.mousePos))
         return true;
-    for (Control* child : mControls) {
+    for (Control* child : mControls)
         if (child->getVisible() && child->acceptEvents(event))
             return true;
-    }
     return false;
 }
 
@@ -566,10 +564,9 @@ void Control::loadChildren(xml::IteratorConst& it) {
     xml::IteratorConst list = it.createIterator("child");
     while (++list) {
         xml::IteratorConst child = list.createIterator("");
-        while (++child) {
+        while (++child)
             if (child->getType() == xml::XmlTag::Normal)
                 loadChild(child);
-        }
     }
 }
 

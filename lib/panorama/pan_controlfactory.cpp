@@ -24,10 +24,9 @@ void ControlFactory::addControlType(Control* prototype) {
 }
 
 Control* ControlFactory::create(std::string type) {
-    for (Control* prototype : mControl) {
+    for (Control* prototype : mControl)
         if (prototype->getType() == type)
             return prototype->clone();
-    }
     return nullptr;
 }
 

@@ -42,10 +42,9 @@ namespace {
 template <class ControlType>
 void addType(ControlFactory& factory) {
     auto prototype = std::make_unique<ControlType>();
-    for (Control* known : ControlFactory::mControl) {
+    for (Control* known : ControlFactory::mControl)
         if (known->getType() == prototype->getType())
             return;
-    }
     factory.addControlType(prototype.release());
 }
 

@@ -22,11 +22,9 @@ void formatBounded(char* buffer, size_t size, const char* format, va_list argume
 // The last component of a path in either style.
 const char* withoutDirectories(const char* file) {
     const char* name = file;
-    for (const char* c = file; *c; ++c) {
-        if (*c == '\\' || *c == '/' || *c == ':') {
+    for (const char* c = file; *c; ++c)
+        if (*c == '\\' || *c == '/' || *c == ':')
             name = c + 1;
-        }
-    }
     return name;
 }
 
@@ -58,9 +56,8 @@ void printWithoutArguments(char* text) {
     for (const char* c = text; *c;) {
         const char* end = *c == '%' ? endOfPercentConversion(c) : nullptr;
         *out++ = *c++;
-        if (end) {
+        if (end)
             c = end;
-        }
     }
     *out = 0;
 }

@@ -36,21 +36,18 @@ bool PrimSphere::trace(PreIntersection& pi, const Vector3f& origin, const Vector
     const Vector3f oc = origin - centre;
     const float b = oc.dot(direction);
     const float c = oc.dot(oc) - radius * radius;
-    if (c > 0 && b > 0) {
+    if (c > 0 && b > 0)
         return false; // outside and pointing away
-    }
     const float discriminant = b * b - c;
-    if (!(discriminant >= 0)) {
+    if (!(discriminant >= 0))
         return false;
-    }
 
     const double s = sqrt(double(discriminant));
     float t = float(-b - s);
     if (!(t >= tmin && t <= tmax)) {
         t = float(s - b);
-        if (!(t >= tmin && t <= tmax)) {
+        if (!(t >= tmin && t <= tmax))
             return false;
-        }
     }
     pi.t = t;
     pi.nor = origin + direction * t - centre;
@@ -85,9 +82,8 @@ bool PrimScene::trace(Intersection& i, const Vector3f& origin, const Vector3f& d
             tm = pi.t;
         }
     }
-    if (best == nullptr) {
+    if (best == nullptr)
         return false;
-    }
     best->convertIntersection(pi, i, origin, direction);
     return true;
 }

@@ -10,9 +10,8 @@ void BufferReader::skipSpacesHere(int minimum) {
         account(data[pos]);
         ++pos;
     }
-    if (minimum > 0 && pos - start < size_t(minimum)) {
+    if (minimum > 0 && pos - start < size_t(minimum))
         throw atEnd() ? Exception("Eof before enough spaces were found") : Exception("Not enough spaces!");
-    }
 }
 
 } // namespace zentrak::xml

@@ -17,9 +17,8 @@ IteratorConst::IteratorConst(const XmlNode* aRoot, const std::string& criteria)
     : root(aRoot), searchCriteria(criteria) {}
 
 bool IteratorConst::operator++() {
-    if (atEnd) {
+    if (atEnd)
         throw Exception("IteratorConst::operator++; Called after last tag!");
-    }
     atBegin = false;
     const int count = childCount(root);
     for (int i = index + 1; i < count; ++i) {
@@ -29,19 +28,16 @@ bool IteratorConst::operator++() {
         }
     }
     atEnd = true;
-    if (searchCriteria.empty()) {
+    if (searchCriteria.empty())
         index = count; // with criteria it stays on the last match
-    }
     return false;
 }
 
 const XmlNode* IteratorConst::current(const char* beforeFirst, const char* afterLast) const {
-    if (atBegin) {
+    if (atBegin)
         throw Exception("%s", beforeFirst);
-    }
-    if (atEnd || index < 0 || index >= childCount(root)) { // the last: children were taken away meanwhile
+    if (atEnd || index < 0 || index >= childCount(root)) // the last: children were taken away meanwhile
         throw Exception("%s", afterLast);
-    }
     return root->children[size_t(index)];
 }
 

@@ -15,9 +15,8 @@ XmlNode::~XmlNode() {
     if (parent && !mDetached) {
         std::vector<XmlNode*>& siblings = parent->children;
         const auto found = std::find(siblings.begin(), siblings.end(), this);
-        if (found != siblings.end()) {
+        if (found != siblings.end())
             siblings.erase(found);
-        }
     }
     deleteChildren();
 }
@@ -27,17 +26,15 @@ XmlNode* XmlNode::getChildren(int index) {
 }
 
 const XmlNode* XmlNode::getChildren(int index) const {
-    if (index < 0 || index >= getNumChildren()) {
+    if (index < 0 || index >= getNumChildren())
         throw Exception("getChildren(%d); No such child in '%s'", index, name.c_str());
-    }
     return children[size_t(index)];
 }
 
 XmlNode* XmlNode::adoptChild(std::unique_ptr<XmlNode> child, int position) {
     assert(child);
-    if (children.capacity() == 0) {
+    if (children.capacity() == 0)
         children.reserve(8); // most nodes have none or several
-    }
     const bool there = position >= 0 && position < getNumChildren();
     children.insert(there ? children.begin() + position : children.end(), child.get());
     closed = false;
@@ -52,9 +49,8 @@ Iterator XmlNode::addChild(const XmlTag& tag, int position) {
 
 int XmlNode::detachChild(XmlNode* child) {
     const auto found = std::find(children.begin(), children.end(), child);
-    if (found == children.end()) {
+    if (found == children.end())
         throw Exception("detachChild(%p); No such child in '%s'", static_cast<void*>(child), name.c_str());
-    }
     const int index = int(found - children.begin());
     children.erase(found);
     child->mDetached = true;
@@ -71,9 +67,8 @@ IteratorConst XmlNode::createIterator(const std::string& searchCriteria) const {
 
 void XmlNode::clear() {
     setTag(XmlTag());
-    if (parent) {
+    if (parent)
         parent->detachChild(this);
-    }
     deleteChildren();
 }
 

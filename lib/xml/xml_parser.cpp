@@ -24,9 +24,8 @@ void parseWithPlace(XmlParser& parser, BufferReader reader) {
 }
 
 void writeIndent(std::ostream& os, const std::string& indent, int depth) {
-    for (int i = 0; i < depth && !indent.empty(); ++i) {
+    for (int i = 0; i < depth && !indent.empty(); ++i)
         os.write(indent.data(), static_cast<std::streamsize>(indent.size()));
-    }
 }
 
 void writeEndTag(std::ostream& os, const XmlNode& node, const std::string& indent, int depth) {
@@ -47,29 +46,24 @@ void XmlParser::parse(const std::string& text) {
 }
 
 void XmlParser::parse(BufferReader& reader) {
-    if (!name.empty()) {
+    if (!name.empty())
         throw Exception("Parser has already parsed a xml-file, use clear() first!");
-    }
     header = XmlTag();
     XmlTag tag;
     for (;;) {
         tag.parse(reader);
-        if (tag.type == Normal) {
+        if (tag.type == Normal)
             break;
-        }
         if (tag.type == SpecialQuestion && tag.name == "xml") {
-            if (header.name.empty()) {
+            if (header.name.empty())
                 header.setTag(tag);
-            } else {
-                for (const Argument& argument : tag.arguments) {
+            else
+                for (const Argument& argument : tag.arguments)
                     header.setValue(argument.name, argument.value);
-                }
-            }
         }
     }
-    if (tag.closed) {
+    if (tag.closed)
         throw Exception("Root tag is closed!");
-    }
     setTag(tag);
     Iterator it = createIterator(emptyString);
     parseRecurse(reader, it, it);
@@ -83,12 +77,10 @@ void XmlParser::parseRecurse(BufferReader& reader, Iterator& it, Iterator&) {
     for (;;) {
         tag.read(reader);
         if (endsNode(tag, *node)) {
-            if (node->children.empty()) {
+            if (node->children.empty())
                 node->closed = true;
-            }
-            if (node == first) {
+            if (node == first)
                 return;
-            }
             node = node->parent;
             continue;
         }
@@ -96,16 +88,14 @@ void XmlParser::parseRecurse(BufferReader& reader, Iterator& it, Iterator&) {
         tag.store(*owner);
         XmlNode* child =
             node == first ? it.adoptChild(std::move(owner)) : node->adoptChild(std::move(owner), -1);
-        if (!tag.closed) {
+        if (!tag.closed)
             node = child;
-        }
     }
 }
 
 void XmlParser::write(std::ostream& os, const std::string& indent) const {
-    if (header.name == "xml") {
+    if (header.name == "xml")
         os << header << '\n';
-    }
     XmlTag::write(os, false);
     IteratorConst it = createIterator(emptyString);
     writeRecurse(os, it, indent, 1);
@@ -127,9 +117,8 @@ void XmlParser::writeRecurse(std::ostream& os, IteratorConst& it, const std::str
     for (;;) {
         const XmlNode* child = nullptr;
         if (levels.empty()) {
-            if (!++it) {
+            if (!++it)
                 break;
-            }
             child = static_cast<const XmlNode*>(it.operator->());
         } else if (levels.back().next < levels.back().node->children.size()) {
             child = levels.back().node->children[levels.back().next++];
@@ -140,9 +129,8 @@ void XmlParser::writeRecurse(std::ostream& os, IteratorConst& it, const std::str
         }
         writeIndent(os, indent, depth + int(levels.size()));
         os << child->getTag();
-        if (!child->closed) {
+        if (!child->closed)
             levels.push_back({child, 0});
-        }
     }
     writeEndTag(os, *it.getRoot(), indent, depth - 1);
 }

@@ -27,11 +27,9 @@ void putArguments(std::ostream& os, const std::vector<XmlTag::Argument>& argumen
 } // namespace
 
 const std::string& XmlTag::getValue(std::string_view argument) const {
-    for (const Argument& known : arguments) {
-        if (known.name == argument) {
+    for (const Argument& known : arguments)
+        if (known.name == argument)
             return known.value;
-        }
-    }
     return emptyString;
 }
 
@@ -93,9 +91,8 @@ void XmlTag::write(std::ostream& os, bool allowSelfClose) const {
     case SpecialExclaim:
         put(os, "<!");
         for (const Argument& argument : arguments) {
-            if (&argument != &arguments.front()) {
+            if (&argument != &arguments.front())
                 os.put(' ');
-            }
             put(os, argument.name);
             os.put(' ');
             put(os, argument.value);

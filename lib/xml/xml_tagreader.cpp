@@ -15,9 +15,8 @@ template <bool WITHIN>
 std::string_view readRun(BufferReader& reader, int kinds) {
     const std::string_view rest = reader.rest();
     size_t length = 0;
-    while (length != rest.size() && isKind(rest[length], kinds) == WITHIN) {
+    while (length != rest.size() && isKind(rest[length], kinds) == WITHIN)
         ++length;
-    }
     reader.consumePlain(length);
     return rest.substr(0, length);
 }
@@ -37,12 +36,10 @@ void TagReader::reset() {
     closed = true;
     name = std::string_view();
     attributes.clear();
-    if (!mRewritten.empty()) {
+    if (!mRewritten.empty())
         mRewritten.clear();
-    }
-    if (!mIndex.empty()) {
+    if (!mIndex.empty())
         mIndex.clear();
-    }
 }
 
 void TagReader::read(BufferReader& reader) {
@@ -59,9 +56,8 @@ void TagReader::read(BufferReader& reader) {
     const char c = reader.peek();
     if (c == '!') {
         const auto ahead = [&reader](size_t offset) {
-            if (reader.size - reader.pos <= offset) {
+            if (reader.size - reader.pos <= offset)
                 throw Exception("EOF");
-            }
             return reader.data[reader.pos + offset];
         };
         if (ahead(1) == '-' && ahead(2) == '-') {
@@ -104,24 +100,20 @@ void TagReader::readNormal(BufferReader& reader) {
 }
 
 void TagReader::readComment(BufferReader& reader) {
-    for (int i = 0; i < 3; ++i) {
+    for (int i = 0; i < 3; ++i)
         reader.consume(); // !--
-    }
     closed = true;
     name = "COMMENT";
     const std::string_view rest = reader.rest();
     const std::string_view content = rest.substr(0, rest.find("-->"));
-    for (const char c : content) {
-        if (c == '\r') {
+    for (const char c : content)
+        if (c == '\r')
             reader.consumePlain(1); // in a comment it has a column of its own
-        } else {
+        else
             reader.consume();
-        }
-    }
     reader.requireMore();
-    if (content.empty() || content.back() == '-') {
+    if (content.empty() || content.back() == '-')
         throw Exception("Xml: Ill formatted comment!");
-    }
     reader.consumePlain(3);
     setValue(contentName, content);
 }
@@ -133,9 +125,8 @@ void TagReader::readText(BufferReader& reader) {
     bool plain = true;
     for (;;) {
         readRunUntil(reader, CHAR_TEXT_STOP);
-        if (reader.atEnd() || reader.peek() == '<') {
+        if (reader.atEnd() || reader.peek() == '<')
             break;
-        }
         plain = reader.consume() == '\n' && plain;
     }
     if (reader.pos <= start) {
@@ -158,9 +149,8 @@ void TagReader::readSpecialExclaim(BufferReader& reader) {
         }
         const size_t start = reader.pos;
         readAttribute(reader, false);
-        if (reader.pos == start) {
+        if (reader.pos == start)
             throw Exception("Xml: Ill formed <!...> tag");
-        }
     }
 }
 
@@ -172,18 +162,15 @@ void TagReader::readSpecialQuestion(BufferReader& reader) {
         reader.skipSpaces(0);
         const char c = reader.peek();
         if (c == '?') {
-            if (reader.size - reader.pos < 2) {
+            if (reader.size - reader.pos < 2)
                 throw Exception("EOF");
-            }
-            if (reader.data[reader.pos + 1] != '>') {
+            if (reader.data[reader.pos + 1] != '>')
                 throw Exception("Xml: Ill formed <?xml?> tag");
-            }
             reader.consumePlain(2);
             return;
         }
-        if (c == '>') {
+        if (c == '>')
             throw Exception("Xml: Ill formed <?xml?> tag, forgot to close it using '?>'?");
-        }
         readAttribute(reader, true);
     }
 }
@@ -191,9 +178,8 @@ void TagReader::readSpecialQuestion(BufferReader& reader) {
 void TagReader::readAttribute(BufferReader& reader, bool requireEquals) {
     const std::string_view attribute = readRunOf(reader, CHAR_WORD);
     reader.skipSpaces(0);
-    if (requireEquals && reader.consume() != '=') {
+    if (requireEquals && reader.consume() != '=')
         throw Exception("'=' expected!");
-    }
     reader.skipSpaces(0);
     const char c = reader.peek();
     setValue(attribute, c == '"' || c == '\'' ? readQuoted(reader) : readRunOf(reader, CHAR_WORD));
@@ -207,13 +193,11 @@ std::string_view TagReader::readQuoted(BufferReader& reader) {
     for (;;) {
         readRunUntil(reader, CHAR_VALUE_STOP);
         const char c = reader.peek();
-        if (c == '\n') {
+        if (c == '\n')
             throw Exception("You must close the value using %c", quote);
-        }
         reader.consume();
-        if (c == quote) {
+        if (c == quote)
             break;
-        }
         plain = plain && c != '\t' && c != '\r';
     }
     const std::string_view value(reader.data + start, reader.pos - 1 - start);
@@ -223,37 +207,31 @@ std::string_view TagReader::readQuoted(BufferReader& reader) {
 // The bytes as they are kept: a tab as four spaces, a carriage return not at all.
 std::string_view TagReader::rewritten(std::string_view text) {
     std::string& kept = mRewritten.emplace_back();
-    for (const char c : text) {
-        if (c == '\t') {
+    for (const char c : text)
+        if (c == '\t')
             kept.append(4, ' ');
-        } else if (c != '\r') {
+        else if (c != '\r')
             kept.push_back(c);
-        }
-    }
     return kept;
 }
 
 void TagReader::setValue(std::string_view attribute, std::string_view value) {
-    if (Attribute* known = find(attribute)) {
+    if (Attribute* known = find(attribute))
         known->value = value;
-    } else {
+    else
         attributes.push_back({attribute, value});
-    }
 }
 
 // The attribute of this name, or null.
 TagReader::Attribute* TagReader::find(std::string_view attribute) {
     if (attributes.size() < indexFrom) {
-        for (Attribute& known : attributes) {
-            if (known.name == attribute) {
+        for (Attribute& known : attributes)
+            if (known.name == attribute)
                 return &known;
-            }
-        }
         return nullptr;
     }
-    for (size_t i = mIndex.size(); i < attributes.size(); ++i) {
+    for (size_t i = mIndex.size(); i < attributes.size(); ++i)
         mIndex.emplace(attributes[i].name, i);
-    }
     const auto found = mIndex.find(attribute);
     return found != mIndex.end() ? &attributes[found->second] : nullptr;
 }
@@ -269,14 +247,12 @@ void TagReader::store(XmlTag& tag) const {
 void TagReader::storeAttributes(XmlTag& tag) const {
     if (tag.arguments.empty()) {
         tag.arguments.reserve(attributes.size());
-        for (const Attribute& attribute : attributes) {
+        for (const Attribute& attribute : attributes)
             tag.arguments.emplace_back(attribute.name, attribute.value);
-        }
         return;
     }
-    for (const Attribute& attribute : attributes) {
+    for (const Attribute& attribute : attributes)
         tag.setValue(std::string(attribute.name), std::string(attribute.value));
-    }
 }
 
 } // namespace zentrak::xml

@@ -32,21 +32,17 @@ const Room rooms[] = {
 };
 
 const Room* roomNamed(const std::string& name) {
-    for (const Room& room : rooms) {
-        if (name == room.name) {
+    for (const Room& room : rooms)
+        if (name == room.name)
             return &room;
-        }
-    }
     return nullptr;
 }
 
 // The room of a public header, by its prefix; the order of the table settles kin_effect before kin_.
 const Room* roomOfHeader(const std::string& file) {
-    for (const Room& room : rooms) {
-        if (file.rfind(room.prefix, 0) == 0) {
+    for (const Room& room : rooms)
+        if (file.rfind(room.prefix, 0) == 0)
             return &room;
-        }
-    }
     return nullptr;
 }
 
@@ -63,9 +59,8 @@ std::vector<Include> includesOf(const fs::path& path) {
     std::string text;
     for (int line = 1; std::getline(in, text); ++line) {
         std::smatch match;
-        if (std::regex_match(text, match, pattern)) {
+        if (std::regex_match(text, match, pattern))
             result.push_back({match[2], match[1] == "<", line});
-        }
     }
     return result;
 }
@@ -80,23 +75,20 @@ std::vector<Source> allSources() {
     std::vector<Source> result;
     fs::path root = zentrak::test::sourcePath("");
     for (const char* top : {"include", "lib", "effects", "app"}) {
-        if (!fs::exists(root / top)) {
+        if (!fs::exists(root / top))
             continue;
-        }
         for (const auto& entry : fs::recursive_directory_iterator(root / top)) {
             std::string extension = entry.path().extension().string();
-            if (!entry.is_regular_file() || (extension != ".h" && extension != ".cpp")) {
+            if (!entry.is_regular_file() || (extension != ".h" && extension != ".cpp"))
                 continue;
-            }
             const Room* room = nullptr;
             fs::path below = fs::relative(entry.path(), root);
-            if (below.begin()->string() == "include") {
+            if (below.begin()->string() == "include")
                 room = roomOfHeader(entry.path().filename().string());
-            } else if (below.begin()->string() == "lib") {
+            else if (below.begin()->string() == "lib")
                 room = roomNamed(std::next(below.begin())->string());
-            } else {
+            else
                 room = roomNamed(below.begin()->string());
-            }
             result.push_back({below, room});
         }
     }
@@ -108,21 +100,18 @@ std::vector<Source> allSources() {
 TEST(Arrows, EverySourceBelongsToARoom) {
     std::vector<Source> sources = allSources();
     EXPECT_FALSE(sources.empty());
-    for (const Source& source : sources) {
+    for (const Source& source : sources)
         EXPECT_NE(source.room, nullptr) << source.path << " has the prefix or the folder of no library";
-    }
 }
 
 TEST(Arrows, NoIncludeRunsUp) {
     for (const Source& source : allSources()) {
-        if (source.room == nullptr) {
+        if (source.room == nullptr)
             continue;
-        }
         for (const Include& include : includesOf(zentrak::test::sourcePath(source.path.string()))) {
             const Room* target = include.angled ? nullptr : roomOfHeader(include.name);
-            if (target == nullptr || target == source.room) {
+            if (target == nullptr || target == source.room)
                 continue;
-            }
             // On the ground floor system lies below mathbase.
             const int floor = target == roomNamed("system") ? -1 : target->floor;
             EXPECT_LT(floor, source.room->floor) << source.path << ":" << include.line << " includes "
@@ -134,9 +123,8 @@ TEST(Arrows, NoIncludeRunsUp) {
 TEST(Arrows, AnEffectNeverIncludesAnotherEffect) {
     for (const Source& source : allSources()) {
         if (source.room == nullptr || std::string(source.room->name) != "effects" ||
-            source.path.begin()->string() != "effects") {
+            source.path.begin()->string() != "effects")
             continue;
-        }
         for (const Include& include : includesOf(zentrak::test::sourcePath(source.path.string()))) {
             bool ofEffects =
                 !include.angled && fs::exists(zentrak::test::sourcePath("effects/" + include.name));

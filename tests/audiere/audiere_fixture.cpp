@@ -23,9 +23,8 @@ std::string makeModule() {
     };
     std::string module = std::string("a little tune") + std::string(7, '\0');
     module += instrument(32, 32) + instrument(4000, 2);
-    for (int i = 2; i < 31; ++i) {
+    for (int i = 2; i < 31; ++i)
         module += instrument(0, 2);
-    }
     module += std::string{2, 127, 0, 1} + std::string(126, '\0') + "M.K.";
     unsigned state = 7;
     auto draw = [&](int below) {
@@ -50,12 +49,10 @@ std::string makeModule() {
             }
         }
     }
-    for (int i = 0; i < 32; ++i) {
+    for (int i = 0; i < 32; ++i)
         module += char(int(std::lround(100 * std::sin(2 * M_PI * i / 32))));
-    }
-    for (int i = 0; i < 4000; ++i) {
+    for (int i = 0; i < 4000; ++i)
         module += char((draw(200) - 100) * (4000 - i) / 4000);
-    }
     return module;
 }
 
@@ -133,9 +130,8 @@ std::vector<float> readAll(SampleSource& source) {
     while (true) {
         int count = source.read(3001, part.data());
         all.insert(all.end(), part.begin(), part.begin() + count * channelCount);
-        if (count < 3001) {
+        if (count < 3001)
             return all;
-        }
     }
 }
 
@@ -156,9 +152,8 @@ int CountingSource::read(int frameCount, void* buffer) {
     int count = std::max(std::min(frameCount, mReadable - mPosition), 0);
     for (int i = 0; i < count; ++i, ++mPosition) {
         *out++ = sample(mPosition);
-        if (mChannelCount == 2) {
+        if (mChannelCount == 2)
             *out++ = -sample(mPosition);
-        }
     }
     return count;
 }

@@ -68,9 +68,8 @@ TEST_P(RealTime, PlaysSeeksStopsAndEnds) {
     Clock::time_point sought = Clock::now();
     stream->setPosition(stream->getLength() - rate / 2);
     EXPECT_GE(stream->getPosition(), stream->getLength() - rate / 2);
-    while (stream->isPlaying() && seconds(Clock::now() - sought) < 5) {
+    while (stream->isPlaying() && seconds(Clock::now() - sought) < 5)
         sleep(5);
-    }
     EXPECT_FALSE(stream->isPlaying());
     EXPECT_GE(seconds(Clock::now() - sought), 0.49);
     EXPECT_EQ(stream->getPosition(), stream->getLength());

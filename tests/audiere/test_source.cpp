@@ -29,18 +29,16 @@ double likeness(const std::vector<float>& a, const std::vector<float>& b) {
 
 float largest(const std::vector<float>& samples) {
     float most = 0;
-    for (float sample : samples) {
+    for (float sample : samples)
         most = std::max(most, std::fabs(sample));
-    }
     return most;
 }
 
 // Reads and seeks all over a source whose file is damaged; whatever it gives, it keeps to its own length.
 void useUp(const std::string& bytes) {
     RefPtr<SampleSource> source = openSource(bytes);
-    if (!source) {
+    if (!source)
         return;
-    }
     Format format(*source);
     ASSERT_GE(format.mChannelCount, 1);
     ASSERT_LE(format.mChannelCount, 2);
@@ -104,9 +102,8 @@ TEST_P(EverySound, ASeekLandsOnTheSample) {
         ASSERT_EQ(source->getPosition(), target);
         int count = source->read(2500, part.data());
         ASSERT_EQ(count, std::min(2500, length - target));
-        for (int i = 0; i < count * channels; ++i) {
+        for (int i = 0; i < count * channels; ++i)
             ASSERT_NEAR(part[size_t(i)], all[size_t(target * channels + i)], 1e-6) << target << " + " << i;
-        }
     }
 }
 

@@ -32,9 +32,8 @@ protected:
     }
 
     static void expectSilence(const std::vector<float>& heard, int at = 0) {
-        for (size_t i = size_t(2 * at); i < heard.size(); ++i) {
+        for (size_t i = size_t(2 * at); i < heard.size(); ++i)
             ASSERT_EQ(heard[i], 0) << i / 2;
-        }
     }
 
     Loopback mLoopback;
@@ -117,9 +116,8 @@ TEST_F(Stream, AnotherSampleRateIsHeardAtTheSamePitch) {
     RefPtr<OutputStream> stream = open(2 * 22050, 2, 22050);
     stream->play();
     std::vector<float> heard = mLoopback.play(*stream, 2 * RATE);
-    for (int i = 100; i < 2 * RATE - 200; ++i) {
+    for (int i = 100; i < 2 * RATE - 200; ++i)
         ASSERT_NEAR(heard[size_t(2 * i)], CountingSource::sample(i) / 2, 5e-5) << i;
-    }
 }
 
 TEST_F(Stream, TheEndIsReportedOnceTheLastFrameWasHeardAndNotBefore) {
@@ -332,17 +330,15 @@ TEST_F(Stream, SamplesThatAreNoNumbersAreSilent) {
         int read(int frameCount, void* buffer) override {
             int count = CountingSource::read(frameCount, buffer);
             float* samples = static_cast<float*>(buffer);
-            for (int i = 0; i < 2 * count; i += 3) {
+            for (int i = 0; i < 2 * count; i += 3)
                 samples[i] = i % 2 ? std::nanf("") : std::numeric_limits<float>::infinity();
-            }
             return count;
         }
     };
     RefPtr<OutputStream> stream = AdrOpenSound(mLoopback.device(), new Broken, true);
     stream->play();
-    for (float sample : mLoopback.play(*stream, RATE)) {
+    for (float sample : mLoopback.play(*stream, RATE))
         ASSERT_LE(std::fabs(sample), 8);
-    }
     RefPtr<OutputStream> after = open(RATE);
     after->play();
     expectFrames(mLoopback.play(*after, 20000), 0, 0, 20000);
@@ -389,9 +385,8 @@ TEST_F(Stream, TwoStreamsOnTwoDevicesDoNotMeet) {
 TEST_F(Stream, MoreStreamsThanTheDeviceTakesAreNone) {
     std::vector<RefPtr<OutputStream>> streams;
     RefPtr<OutputStream> stream;
-    while (streams.size() < 5000 && (stream = open(100, 2, 8000))) {
+    while (streams.size() < 5000 && (stream = open(100, 2, 8000)))
         streams.push_back(stream);
-    }
     EXPECT_GE(streams.size(), 16u);
     EXPECT_LT(streams.size(), 5000u);
     streams.clear();
@@ -412,9 +407,8 @@ TEST_P(HeardFile, IsWhatTheSourceDecodesAlsoAfterASeek) {
     Loopback loopback(rate);
     RefPtr<OutputStream> stream = AdrOpenSound(loopback.device(), source, true);
     auto expectHeard = [&](const std::vector<float>& heard, size_t frame) {
-        for (size_t i = 0; i < heard.size(); ++i) {
+        for (size_t i = 0; i < heard.size(); ++i)
             ASSERT_NEAR(heard[i], all[2 * frame + i], 2e-6) << frame << " + " << i;
-        }
     };
     stream->play();
     expectHeard(loopback.play(*stream, 30000), 0);

@@ -148,9 +148,8 @@ TEST_P(BufferTest, LockReturnsTheSamePointerUnderEmulation) {
     vbo.unlock();
     void* second = vbo.lock(true, false);
     vbo.unlock();
-    if (emulated()) {
+    if (emulated())
         EXPECT_EQ(first, second);
-    }
     EXPECT_NE(first, nullptr);
     EXPECT_NE(second, nullptr);
     vbo.unbind();
@@ -314,11 +313,10 @@ TEST_P(BufferTest, PointersCountFromTheMemory) {
     const auto step =
         reinterpret_cast<intptr_t>(ibo.getPointerGL(3)) - reinterpret_cast<intptr_t>(ibo.getPointerGL(0));
     EXPECT_EQ(step, 12);
-    if (emulated()) {
+    if (emulated())
         EXPECT_EQ(*static_cast<const uint32_t*>(ibo.getPointerGL(3)), 4u);
-    } else {
+    else
         EXPECT_EQ(ibo.getPointerGL(0), nullptr);
-    }
     EXPECT_FALSE(ibo.isLimited());
     ibo.setLimits(1, 4);
     EXPECT_TRUE(ibo.isLimited());

@@ -58,9 +58,8 @@ void watchForTheEnd() {
         __sanitizer_set_death_callback(leaveCurrentInput);
         return;
     }
-    for (const int number : {SIGSEGV, SIGBUS, SIGFPE, SIGILL}) {
+    for (const int number : {SIGSEGV, SIGBUS, SIGFPE, SIGILL})
         signal(number, onSignal);
-    }
 }
 
 // The bytes lie in a block of exactly their size, so that a sanitizer sees a read one behind them.
@@ -78,9 +77,8 @@ void feed(const Bytes& input) {
 class Random {
 public:
     explicit Random(const Bytes& seed) {
-        for (const uint8_t byte : seed) {
+        for (const uint8_t byte : seed)
             mState = (mState ^ byte) * 0x100000001b3u;
-        }
     }
     size_t below(size_t limit) {
         mState ^= mState << 13;
@@ -114,9 +112,8 @@ void overwriteNumber(Bytes& input, Random& random) {
     const bool bigEndian = random.below(2) == 1;
     const size_t width = size_t(1) << random.below(3);
     const size_t at = position(input, random);
-    for (size_t i = 0; i < width && at + i < input.size(); ++i) {
+    for (size_t i = 0; i < width && at + i < input.size(); ++i)
         input[at + i] = uint8_t(number >> 8 * (bigEndian ? width - 1 - i : i));
-    }
 }
 
 void change(Bytes& input, const Bytes& other, Random& random) {
@@ -142,9 +139,8 @@ void change(Bytes& input, const Bytes& other, Random& random) {
         overwriteNumber(input, random);
         break;
     case 5:
-        if (!other.empty()) {
+        if (!other.empty())
             splice(input, other, random);
-        }
         break;
     case 6:
         splice(input, Bytes(input), random);
@@ -154,19 +150,16 @@ void change(Bytes& input, const Bytes& other, Random& random) {
 
 void feedAround(const Bytes& file, const Bytes& other, size_t changes) {
     feed(file);
-    if (changes == 0) {
+    if (changes == 0)
         return;
-    }
     const size_t step = file.size() / cutsPerFile + 1;
-    for (size_t length = 0; length < file.size(); length += step) {
+    for (size_t length = 0; length < file.size(); length += step)
         feed(Bytes(file.begin(), file.begin() + static_cast<ptrdiff_t>(length)));
-    }
     Random random(file);
     for (size_t i = 0; i < changes; ++i) {
         Bytes input = file;
-        for (size_t count = 1 + random.below(6); count > 0; --count) {
+        for (size_t count = 1 + random.below(6); count > 0; --count)
             change(input, other, random);
-        }
         feed(input);
     }
 }
@@ -183,21 +176,18 @@ Bytes readBytes(const std::filesystem::path& path) {
 } // namespace
 
 int main(int argc, char** argv) {
-    if (LLVMFuzzerInitialize) {
+    if (LLVMFuzzerInitialize)
         LLVMFuzzerInitialize(&argc, &argv);
-    }
     size_t changes = 1000;
     std::vector<std::filesystem::path> paths;
     for (int i = 1; i < argc; ++i) {
-        if (strcmp(argv[i], "--changes") == 0 && i + 1 < argc) {
+        if (strcmp(argv[i], "--changes") == 0 && i + 1 < argc)
             changes = size_t(atol(argv[++i]));
-        } else if (std::filesystem::is_directory(argv[i])) {
-            for (const auto& entry : std::filesystem::directory_iterator(argv[i])) {
+        else if (std::filesystem::is_directory(argv[i]))
+            for (const auto& entry : std::filesystem::directory_iterator(argv[i]))
                 paths.push_back(entry.path());
-            }
-        } else {
+        else
             paths.push_back(argv[i]);
-        }
     }
     if (paths.empty()) {
         fprintf(stderr, "fuzz: no input files\n");
@@ -205,17 +195,14 @@ int main(int argc, char** argv) {
     }
     std::sort(paths.begin(), paths.end());
     std::vector<Bytes> files;
-    for (const std::filesystem::path& path : paths) {
+    for (const std::filesystem::path& path : paths)
         files.push_back(readBytes(path));
-    }
-    if (!freopen("/dev/null", "w", stdout)) { // the program logs every failure
+    if (!freopen("/dev/null", "w", stdout)) // the program logs every failure
         return 2;
-    }
     watchForTheEnd();
     feed(Bytes());
-    for (size_t i = 0; i < files.size(); ++i) {
+    for (size_t i = 0; i < files.size(); ++i)
         feedAround(files[i], files[(i + 1) % files.size()], changes);
-    }
     fprintf(stderr, "fuzz: %zu files, %zu changed copies of each\n", files.size(), changes);
     return 0;
 }

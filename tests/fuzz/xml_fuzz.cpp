@@ -11,9 +11,8 @@ using namespace zentrak::xml;
 namespace {
 
 void check(bool holds) {
-    if (!holds) {
+    if (!holds)
         abort();
-    }
 }
 
 void checkTree(const XmlNode& node) {
@@ -26,9 +25,8 @@ void checkTree(const XmlNode& node) {
         check(child->type <= XmlTag::Text);
         check(child->closed || child->type == XmlTag::Normal);
         check(!child->closed || child->children.empty());
-        for (const XmlTag::Argument& argument : child->arguments) {
+        for (const XmlTag::Argument& argument : child->arguments)
             check(child->getValue(argument.name) == argument.value); // no name stands twice
-        }
         checkTree(*child);
     }
     check(count == node.getNumChildren());
@@ -53,9 +51,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         std::string first;
         parser.write(first, "\t");
         parser.clear();
-        if (loads(parser, first.data(), first.size())) { // not always: nothing is escaped
+        if (loads(parser, first.data(), first.size())) // not always: nothing is escaped
             checkTree(parser);
-        }
     }
     parser.clear();
     check(parser.children.empty() && parser.name.empty());

@@ -25,9 +25,8 @@ inline std::ostream& operator<<(std::ostream& os, const Quatf& q) {
 }
 
 inline std::ostream& operator<<(std::ostream& os, const Matrix4x4Col& m) {
-    for (int r = 0; r < 4; ++r) {
+    for (int r = 0; r < 4; ++r)
         os << "\n" << m.getRow(r);
-    }
     return os;
 }
 
@@ -39,11 +38,9 @@ template <typename VALUE>
 testing::AssertionResult near(const VALUE& a, const VALUE& b, float tolerance = 1e-6f) {
     const float* fa = reinterpret_cast<const float*>(&a);
     const float* fb = reinterpret_cast<const float*>(&b);
-    for (size_t i = 0; i < sizeof(VALUE) / sizeof(float); ++i) {
-        if (!isNear(fa[i], fb[i], tolerance)) {
+    for (size_t i = 0; i < sizeof(VALUE) / sizeof(float); ++i)
+        if (!isNear(fa[i], fb[i], tolerance))
             return testing::AssertionFailure() << a << " is not " << b;
-        }
-    }
     return testing::AssertionSuccess();
 }
 

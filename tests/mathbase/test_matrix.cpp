@@ -24,9 +24,8 @@ Matrix4x4Col rows(std::initializer_list<float> values) {
 
 Matrix4x4Col numbered(float first) {
     Matrix4x4Col m;
-    for (int i = 0; i < 16; ++i) {
+    for (int i = 0; i < 16; ++i)
         m.mData[i] = first + float(i * i % 7);
-    }
     return m;
 }
 
@@ -267,11 +266,9 @@ TEST(Matrix, SetCameraInvIsTheInverseOfSetCamera) {
 TEST(Matrix, ProductsFromBothSidesAndWithItself) {
     const Matrix4x4Col a = numbered(1), b = numbered(-3);
     Matrix4x4Col expected;
-    for (int r = 0; r < 4; ++r) {
-        for (int c = 0; c < 4; ++c) {
+    for (int r = 0; r < 4; ++r)
+        for (int c = 0; c < 4; ++c)
             expected.mData[c * 4 + r] = a.getRow(r).dot(b.getColumn(c));
-        }
-    }
     Matrix4x4Col m = a;
     m.multiplyFromRight(b);
     EXPECT_EQ(expected, m);

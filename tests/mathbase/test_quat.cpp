@@ -20,9 +20,8 @@ Quatf about(char axis, float angle) {
 } // namespace
 
 TEST(RotationOrder, ValuesAreFixed) {
-    for (int i = 0; i < 6; ++i) {
+    for (int i = 0; i < 6; ++i)
         EXPECT_EQ(i, orders[i]);
-    }
     EXPECT_EQ(0, RotationOrder::XYZ);
     EXPECT_EQ(5, RotationOrder::ZYX);
 }
@@ -50,9 +49,8 @@ TEST(Quat, SetEulerMultipliesLeftToRightAsTheOrderSpells) {
     for (int i = 0; i < 6; ++i) {
         const float angles[] = {0.3f, -1.1f, 2.0f};
         Quatf expected;
-        for (const char* axis = spelled[i]; *axis; ++axis) {
+        for (const char* axis = spelled[i]; *axis; ++axis)
             expected = expected * about(*axis, angles[*axis - 'X']);
-        }
         Quatf q;
         q = Eulerf(Vector3f(0.3f, -1.1f, 2.0f), orders[i]);
         EXPECT_TRUE(near(expected, q)) << spelled[i];

@@ -15,17 +15,15 @@ using Spline = SplineBase<float, Key>;
 Spline splineOf(int mode, std::initializer_list<Key> keys) {
     Spline spline;
     spline.mMode = mode;
-    for (const Key& key : keys) {
+    for (const Key& key : keys)
         spline.addKey(key);
-    }
     return spline;
 }
 
 std::vector<float> values(const Spline& spline) {
     std::vector<float> result;
-    for (const Key& key : spline.mKeys) {
+    for (const Key& key : spline.mKeys)
         result.push_back(key.value);
-    }
     return result;
 }
 
@@ -61,9 +59,8 @@ TEST(Spline, EmptyEvaluatesToZero) {
 TEST(Spline, OneKeyEvaluatesToItsValueAtAllTimes) {
     for (const int mode : {0, 1, 2}) {
         const Spline spline = splineOf(mode, {{2, 7}});
-        for (const float time : {-infinity, -5.0f, 2.0f, 9.0f, infinity}) {
+        for (const float time : {-infinity, -5.0f, 2.0f, 9.0f, infinity})
             EXPECT_EQ(7.0f, spline.evaluate(time)) << mode << " " << time;
-        }
     }
 }
 
@@ -83,12 +80,10 @@ TEST(Spline, SquareAtExactlyAKeysTimeGivesThatKeysValue) {
     for (const int count : {1, 2, 3, 4, 5, 6, 7}) {
         Spline spline;
         spline.mMode = 0;
-        for (int i = 0; i < count; ++i) {
+        for (int i = 0; i < count; ++i)
             spline.addKey({float(i), float(10 + i)});
-        }
-        for (int i = 0; i < count; ++i) {
+        for (int i = 0; i < count; ++i)
             EXPECT_EQ(float(10 + i), spline.evaluate(float(i))) << i << " of " << count;
-        }
     }
 }
 
@@ -197,9 +192,8 @@ TEST(Spline, LaterAddedOfTwoKeysWithEqualTimesSitsBehindTheEarlierOne) {
     for (const float time : {1.0f, 2.0f, 3.0f, 4.0f}) {
         for (int count = int(time); count <= 4; ++count) {
             Spline spline;
-            for (int i = 1; i <= count; ++i) {
+            for (int i = 1; i <= count; ++i)
                 spline.addKey({float(i), float(i)});
-            }
             EXPECT_EQ(int(time), spline.addKey({time, 100})) << time << " of " << count;
             EXPECT_EQ(int(time) + 1, spline.addKey({time, 200})) << time << " of " << count;
             EXPECT_EQ(count + 2, spline.getNumKeys());
@@ -271,9 +265,8 @@ TEST(Spline, NumbersThatAreNoneAndKeysOutOfOrderReadNothingOutside) {
         for (const int mode : {-1, 0, 1, 2}) {
             Spline spline;
             spline.mMode = mode;
-            for (int i = 0; i < count; ++i) {
+            for (int i = 0; i < count; ++i)
                 spline.addKey({i % 2 ? notANumber : float(i), float(i)});
-            }
             for (const float time : {notANumber, -infinity, infinity, 0.0f, 1.0f, 2.5f}) {
                 spline.evaluate(time);
                 EXPECT_LT(spline.mCurrent, count == 0 ? 0 : count);

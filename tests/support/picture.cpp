@@ -12,9 +12,8 @@ bool readPng(const std::string& path, Picture& picture) {
     png_image image;
     memset(&image, 0, sizeof image);
     image.version = PNG_IMAGE_VERSION;
-    if (!png_image_begin_read_from_file(&image, path.c_str())) {
+    if (!png_image_begin_read_from_file(&image, path.c_str()))
         return false;
-    }
     image.format = PNG_FORMAT_RGBA;
     picture = Picture(int(image.width), int(image.height));
     return png_image_finish_read(&image, nullptr, picture.rgba.data(), 0, nullptr) != 0;
@@ -22,9 +21,8 @@ bool readPng(const std::string& path, Picture& picture) {
 
 bool writePng(const std::string& path, const Picture& picture) {
     std::filesystem::path parent = std::filesystem::path(path).parent_path();
-    if (!parent.empty()) {
+    if (!parent.empty())
         std::filesystem::create_directories(parent);
-    }
     png_image image;
     memset(&image, 0, sizeof image);
     image.version = PNG_IMAGE_VERSION;
@@ -60,9 +58,8 @@ PictureDifference comparePictures(const Picture& a, const Picture& b) {
     std::string reference = sourcePath("tests/pictures/" + name + ".png");
     const char* update = getenv("ZENTRAK_UPDATE_PICTURES");
     if (update != nullptr && strcmp(update, "1") == 0) {
-        if (!writePng(reference, drawn)) {
+        if (!writePng(reference, drawn))
             return ::testing::AssertionFailure() << "cannot write " << reference;
-        }
         return ::testing::AssertionSuccess() << "wrote " << reference;
     }
 
@@ -79,9 +76,8 @@ PictureDifference comparePictures(const Picture& a, const Picture& b) {
                                              << ", reference " << wanted.width << "x" << wanted.height;
     }
     PictureDifference difference = comparePictures(drawn, wanted);
-    if (difference.mean <= maxMean && difference.changed <= maxChanged) {
+    if (difference.mean <= maxMean && difference.changed <= maxChanged)
         return ::testing::AssertionSuccess();
-    }
     Picture shown(drawn.width, drawn.height);
     for (size_t i = 0; i < drawn.rgba.size(); ++i) {
         int d = std::abs(int(drawn.rgba[i]) - int(wanted.rgba[i])) * 4;

@@ -14,9 +14,8 @@ namespace zentrak::test {
 
 TempDir::TempDir() {
     std::string pattern = (std::filesystem::temp_directory_path() / "zentrak-XXXXXX").string();
-    if (mkdtemp(pattern.data()) == nullptr) {
+    if (mkdtemp(pattern.data()) == nullptr)
         ADD_FAILURE() << "no temporary folder from " << pattern;
-    }
     mPath = pattern;
 }
 
@@ -42,9 +41,8 @@ std::string readFile(const std::string& path) {
 
 void writeFile(const std::string& path, const std::string& bytes) {
     std::filesystem::path parent = std::filesystem::path(path).parent_path();
-    if (!parent.empty()) {
+    if (!parent.empty())
         std::filesystem::create_directories(parent);
-    }
     std::ofstream out(path, std::ios::binary);
     out.write(bytes.data(), std::streamsize(bytes.size()));
     out.close();
@@ -72,9 +70,8 @@ std::pair<int, std::string> runCommand(const std::string& command) {
     }
     char part[4096];
     size_t got;
-    while ((got = fread(part, 1, sizeof part, pipe)) > 0) {
+    while ((got = fread(part, 1, sizeof part, pipe)) > 0)
         text.append(part, got);
-    }
     int status = pclose(pipe);
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, text};
 }

@@ -38,9 +38,8 @@ TEST(Log, PrintsLevelFunctionMessageFileAndLineButNotTheCategory) {
 
 TEST(Log, EveryLevelIsPrinted) {
     CaptureStdout capture;
-    for (const char* level : {"log", "info", "warning", "error"}) {
+    for (const char* level : {"log", "info", "warning", "error"})
         ztk_megasuperlogger(level, "app", "f", 1, "g", "m");
-    }
     EXPECT_EQ("[log][g], m (f:1)\n[info][g], m (f:1)\n[warning][g], m (f:1)\n[error][g], m (f:1)\n",
               capture.text());
 }
@@ -153,7 +152,6 @@ TEST(Exception, PercentSignInTheFinishedTextIsReadASecondTimeInTheLogLine) {
 TEST(Exception, ConversionInTheFinishedTextReadsNoArgumentAndWritesNowhere) {
     for (const char* text :
          {"%s", "%n", "%hhn", "%1$n", "%*d", "%.*s", "%ld %p %f", "no such file '%s%s%s%s%n'", "%999999999d",
-          "%lc", "%5", "%.", "%", "100%", "%5.", "%*%", "%m", "%-+ #0"}) {
+          "%lc", "%5", "%.", "%", "100%", "%5.", "%*%", "%m", "%-+ #0"})
         EXPECT_EQ(exceptionLine(text), loggedFor(text));
-    }
 }

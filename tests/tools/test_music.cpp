@@ -41,9 +41,8 @@ const std::vector<float>& show() {
 // The power of some bars, in dB of full scale.
 double power(const std::vector<float>& samples, int bar, int bars) {
     double sum = 0;
-    for (int i = 2 * BAR * bar; i < 2 * BAR * (bar + bars); ++i) {
+    for (int i = 2 * BAR * bar; i < 2 * BAR * (bar + bars); ++i)
         sum += double(samples[size_t(i)]) * samples[size_t(i)];
-    }
     return 10 * std::log10(sum / (2.0 * BAR * bars));
 }
 
@@ -115,16 +114,14 @@ TEST(Score, MelodiesBelongToTheHarmony) {
         for (const Note& note : readLine(line.text)) {
             int step = line.bar * STEPS_PER_BAR + note.step;
             int lift = transposition(step / STEPS_PER_BAR);
-            if (note.step % 4 != 0) {
+            if (note.step % 4 != 0)
                 continue;
-            }
             auto chord = std::find_if(chords.begin(), chords.end(), [&](const Chord& candidate) {
                 return step < candidate.step + candidate.steps;
             });
             bool found = (note.pitch + lift - chord->bass) % 12 == 0;
-            for (int voice : chord->voices) {
+            for (int voice : chord->voices)
                 found = found || (note.pitch + lift - voice) % 12 == 0;
-            }
             within += found;
             ++all;
         }
@@ -214,9 +211,8 @@ TEST(Effects, TheLimiterKeepsTheCeilingAndLeavesTheRestAlone) {
     limit(track, 0.8f);
     for (int i = 0; i < RATE; ++i) {
         ASSERT_LE(std::fabs(track.left[size_t(i)]), 0.8f);
-        if (i < 19000) {
+        if (i < 19000)
             ASSERT_NEAR(track.left[size_t(i)], before.left[size_t(i)], 1e-5);
-        }
     }
     EXPECT_NEAR(track.left[40000], before.left[40000], 0.05);
 }
@@ -235,9 +231,8 @@ TEST(Effects, TheEchoComesBackAfterItsTimeOnEachSide) {
 TEST(Effects, TheRoomDiesAwayInItsTime) {
     Track send(4 * RATE), heard(4 * RATE);
     Noise noise(1);
-    for (int i = 0; i < RATE / 2; ++i) {
+    for (int i = 0; i < RATE / 2; ++i)
         send.add(i, noise.next(), noise.next());
-    }
     reverb(heard, send, 2.0f, 1);
     auto energy = [&](int second) {
         return std::inner_product(heard.left.begin() + second * RATE,
@@ -259,9 +254,8 @@ TEST(ShowMusic, LastsAHundredAndSixtySeconds) {
 
 TEST(ShowMusic, IsNotClipped) {
     float peak = 0;
-    for (float sample : show()) {
+    for (float sample : show())
         peak = std::max(peak, std::fabs(sample));
-    }
     EXPECT_LT(peak, 0.944f); // -0.5 dB
     EXPECT_GT(peak, 0.7f);
 }
@@ -305,9 +299,8 @@ TEST(ShowMusic, IsWhatTheProgramMakesAndTheSameEachTime) {
     EXPECT_EQ(readFile(once), readFile(again));
     std::vector<float> part = decode(once);
     ASSERT_EQ(part.size(), 2u * BARS * BAR);
-    for (size_t i = 0; i < 2u * (BARS - 1) * BAR; ++i) {
+    for (size_t i = 0; i < 2u * (BARS - 1) * BAR; ++i)
         ASSERT_NEAR(part[i], show()[i], 0.01) << i / 2;
-    }
 }
 
 TEST(ShowMusic, TheProgramSaysWhatIsWrong) {

@@ -205,9 +205,8 @@ TEST(PrimScene, AgreesWithAMarchAlongTheRay) {
         float marched = -1;
         for (int step = 0; step < 3000 && marched < 0; ++step) {
             const Vector3f p = from + direction * (float(step) * 0.01f);
-            if ((p - a.centre).length() < a.radius || (p - b.centre).length() < b.radius) {
+            if ((p - a.centre).length() < a.radius || (p - b.centre).length() < b.radius)
                 marched = float(step) * 0.01f;
-            }
         }
         Intersection i;
         const bool hit = scene.trace(i, from, direction, 0.0001f, 30);

@@ -93,9 +93,8 @@ TEST(XmlBroken, EofAtEachPlaceInATag) {
         {"<a><b>\n</b>\n", "(error at line 3, col 1); EOF (when reading tag at 2:5)"},
         {"<a><b></a>", "(error at line 1, col 11); EOF (when reading tag at 1:11)"},
     };
-    for (const auto& [text, what] : cases) {
+    for (const auto& [text, what] : cases)
         EXPECT_EQ(what, parseFailure(text)) << text;
-    }
 }
 
 TEST(XmlBroken, EqualsExpectedTakesTheByteItFails) {
@@ -107,7 +106,6 @@ TEST(XmlBroken, EqualsExpectedTakesTheByteItFails) {
         {"<a data-x=1>", "(error at line 1, col 9); '=' expected! (when reading tag at 1:1)"},
         {"<<", "(error at line 1, col 3); '=' expected! (when reading tag at 1:1)"},
     };
-    for (const auto& [text, what] : cases) {
+    for (const auto& [text, what] : cases)
         EXPECT_EQ(what, parseFailure(text)) << text;
-    }
 }

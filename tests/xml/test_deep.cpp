@@ -14,20 +14,17 @@ const int million = 1000000;
 // Names alternate: an empty element within one of its own name would be written as that one's end tag.
 std::string nested(int depth) {
     std::string text;
-    for (int i = 0; i < depth; ++i) {
+    for (int i = 0; i < depth; ++i)
         text += i % 2 ? "<b>" : "<a>";
-    }
-    for (int i = depth; i-- > 0;) {
+    for (int i = depth; i-- > 0;)
         text += i % 2 ? "</b>" : "</a>";
-    }
     return text;
 }
 
 int depthOf(const XmlNode& root) {
     int depth = 1;
-    for (const XmlNode* node = &root; !node->children.empty(); node = node->children.front()) {
+    for (const XmlNode* node = &root; !node->children.empty(); node = node->children.front())
         ++depth;
-    }
     return depth;
 }
 
@@ -87,9 +84,8 @@ TEST(XmlDeep, SubtreeDeletedByItselfLeavesTheRest) {
 
 TEST(XmlDeep, MillionSiblingsLoadAndAreDeleted) {
     std::string text = "<r>";
-    for (int i = 0; i < million; ++i) {
+    for (int i = 0; i < million; ++i)
         text += "<a/>";
-    }
     XmlParser parser;
     parser.parse(text + "</r>");
     EXPECT_EQ(million, parser.getNumChildren());

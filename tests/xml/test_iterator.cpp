@@ -87,9 +87,8 @@ TEST_F(XmlIterator, FilterSeesEveryTypeOfTag) {
     EXPECT_EQ(XmlTag::Normal, it->getType());
     Iterator all = parser.createIterator("");
     std::string names;
-    while (++all) {
+    while (++all)
         names += all->getName() + " ";
-    }
     EXPECT_EQ("!!!text COMMENT p SPECIAL_EXCLAIM COMMENT ", names);
 }
 

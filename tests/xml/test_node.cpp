@@ -87,9 +87,8 @@ TEST(XmlNode, GetChildrenOutsideTheListThrows) {
 
 TEST(XmlNode, DetachChildReturnsItsFormerIndexAndLeavesItsParentPointer) {
     XmlNode node(named("r"), nullptr);
-    for (const char* name : {"a", "b", "c"}) {
+    for (const char* name : {"a", "b", "c"})
         node.addChild(named(name), -1);
-    }
     std::unique_ptr<XmlNode> child(node.getChildren(1));
     EXPECT_EQ(1, node.detachChild(child.get()));
     EXPECT_EQ("r(a/ c/)", shape(node));
@@ -115,9 +114,8 @@ TEST(XmlNode, DetachedChildMayOutliveItsParent) {
 
 TEST(XmlNode, DeletingAChildDirectlyRemovesItFromItsParentsList) {
     XmlNode node(named("r"), nullptr);
-    for (const char* name : {"a", "b", "c"}) {
+    for (const char* name : {"a", "b", "c"})
         node.addChild(named(name), -1);
-    }
     delete node.getChildren(1);
     EXPECT_EQ("r(a/ c/)", shape(node));
 }

@@ -86,11 +86,9 @@ TEST(XmlParse, RepeatedAttributeOverwritesTheEarlierValueAtItsOldPosition) {
 
 TEST(XmlParse, RepeatedAttributesOfATagOfVeryManyOverwriteToo) {
     std::string text = "<r";
-    for (int round = 0; round < 2; ++round) {
-        for (int i = 0; i < 50000; ++i) {
+    for (int round = 0; round < 2; ++round)
+        for (int i = 0; i < 50000; ++i)
             text += " a" + std::to_string(i) + "=" + std::to_string(i * (round + 1));
-        }
-    }
     XmlParser parser;
     parser.parse(text + "></r>");
     ASSERT_EQ(50000u, parser.arguments.size());
@@ -103,9 +101,8 @@ TEST(XmlParse, RepeatedAttributesOfATagOfVeryManyOverwriteToo) {
 TEST(XmlParse, TagsOfManyAttributesKnowNothingOfEachOther) {
     const auto tagOf = [](int first, int step) {
         std::string text = "<a";
-        for (int i = 0; i < 100; ++i) {
+        for (int i = 0; i < 100; ++i)
             text += " n" + std::to_string(first + i * step) + "=" + std::to_string(i);
-        }
         return text + "/>";
     };
     XmlParser parser;
@@ -218,9 +215,8 @@ TEST(XmlParse, DeclarationByteThatCanStartNothingFailsInsteadOfHanging) {
     EXPECT_EQ("(error at line 1, col 15); Xml: Ill formed <!...> tag (when reading tag at 1:1)",
               parseFailure("<!DOCTYPE a b [ <!ELEMENT c> ]><a></a>"));
     for (const char* text :
-         {"<!=>", "<!-x>", "<!a b/>", "<!\x01>", "<!\xff>", "<!DOCTYPE <", "<!a b ?>", "<!&"}) {
+         {"<!=>", "<!-x>", "<!a b/>", "<!\x01>", "<!\xff>", "<!DOCTYPE <", "<!a b ?>", "<!&"})
         EXPECT_NE(std::string::npos, parseFailure(text).find("Xml: Ill formed <!...> tag")) << text;
-    }
 }
 
 TEST(XmlParse, RootAloneAndClosedFails) {

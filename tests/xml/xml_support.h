@@ -31,21 +31,18 @@ inline std::string parseFailure(const std::string& text) {
 inline std::string shape(const xml::XmlNode& node) {
     std::string text =
         node.type == xml::XmlTag::Normal ? node.name : std::to_string(node.type) + ":" + node.name;
-    if (node.closed) {
+    if (node.closed)
         text += "/";
-    }
     if (!node.arguments.empty()) {
         text += "[";
-        for (const xml::XmlTag::Argument& argument : node.arguments) {
+        for (const xml::XmlTag::Argument& argument : node.arguments)
             text += (&argument == &node.arguments.front() ? "" : ",") + argument.name + "=" + argument.value;
-        }
         text += "]";
     }
     if (!node.children.empty()) {
         text += "(";
-        for (const xml::XmlNode* child : node.children) {
+        for (const xml::XmlNode* child : node.children)
             text += (child == node.children.front() ? "" : " ") + shape(*child);
-        }
         text += ")";
     }
     return text;

@@ -79,12 +79,11 @@ void Findings::say(const xml::XmlNode& node, const std::string& what) {
 }
 
 void Findings::eachElement(const xml::XmlNode& node, const std::function<void(const xml::XmlNode&)>& visit) {
-    for (const xml::XmlNode* child : node.children) {
+    for (const xml::XmlNode* child : node.children)
         if (child->getType() == xml::XmlTag::Text)
             say(*child, "text in '" + node.getName() + "' is ignored");
         else if (isElement(*child))
             visit(*child);
-    }
 }
 
 double Findings::number(const xml::XmlNode& node, const std::string& name, const std::string& text) {

@@ -50,9 +50,8 @@ private:
 } // namespace
 
 void mix(Track& into, const Track& track, float level) {
-    for (int i = 0; i < into.frames(); ++i) {
+    for (int i = 0; i < into.frames(); ++i)
         into.add(i, level * track.left[size_t(i)], level * track.right[size_t(i)]);
-    }
 }
 
 void echo(Track& into, const Track& send, int frames, float feedback, float level) {
@@ -100,9 +99,8 @@ void reverb(Track& into, const Track& send, float seconds, float level) {
             sum += out[line];
         }
         // each line gets all of them, mirrored: nothing is lost or gained
-        for (size_t line = 0; line < 8; ++line) {
+        for (size_t line = 0; line < 8; ++line)
             lines[line].write((line % 2 ? inRight : inLeft) + 0.25f * sum - out[line]);
-        }
         into.add(i, level * (out[0] + out[2] - out[4] - out[6]), level * (out[1] + out[3] - out[5] - out[7]));
     }
 }
@@ -113,16 +111,14 @@ void duck(Track& track, const std::vector<int>& strokes, float depth) {
     const size_t COUNT = strokes.size();
     for (size_t stroke = 0; stroke < COUNT; ++stroke) {
         int end = std::min(strokes[stroke] + LENGTH, track.frames());
-        if (stroke + 1 < COUNT) {
+        if (stroke + 1 < COUNT)
             end = std::min(end, strokes[stroke + 1]);
-        }
         for (int i = strokes[stroke]; i < end; ++i) {
             int since = i - strokes[stroke];
             float x = float(since) / LENGTH;
             float gain = 1 - depth * (1 - x) * (1 - x);
-            if (since < EDGE) {
+            if (since < EDGE)
                 gain = 1 + (gain - 1) * float(since) / EDGE;
-            }
             track.left[size_t(i)] *= gain;
             track.right[size_t(i)] *= gain;
         }
@@ -133,27 +129,23 @@ void highPass(Track& track, float frequency) {
     for (std::vector<float>* side : {&track.left, &track.right}) {
         Filter filter;
         filter.set(frequency, 0.3f);
-        for (float& sample : *side) {
+        for (float& sample : *side)
             sample = filter.high(sample);
-        }
     }
 }
 
 void brighten(Track& track, float frequency, float factor) {
     for (std::vector<float>* side : {&track.left, &track.right}) {
         OnePole below(frequency);
-        for (float& sample : *side) {
+        for (float& sample : *side)
             sample += (factor - 1) * (sample - below.next(sample));
-        }
     }
 }
 
 void saturate(Track& track, float drive) {
-    for (std::vector<float>* side : {&track.left, &track.right}) {
-        for (float& sample : *side) {
+    for (std::vector<float>* side : {&track.left, &track.right})
+        for (float& sample : *side)
             sample = std::tanh(drive * sample) / std::tanh(drive);
-        }
-    }
 }
 
 // The gain at a frame is the least that any frame in the window around it asks for, smoothed over the
@@ -173,13 +165,11 @@ void limit(Track& track, float ceiling) {
             float peak = std::max(std::fabs(delayedLeft[size_t(i)]), std::fabs(delayedRight[size_t(i)]));
             wanted = peak > ceiling ? ceiling / peak : 1.0f;
         }
-        while (!least.empty() && least.back().second >= wanted) {
+        while (!least.empty() && least.back().second >= wanted)
             least.pop_back();
-        }
         least.push_back({i, wanted});
-        if (least.front().first < i - AHEAD) {
+        if (least.front().first < i - AHEAD)
             least.pop_front();
-        }
         held = std::min(least.front().second, 1 - BACK * (1 - held)); // down at once, back slowly
         sum += double(held) - double(smooth[at]);
         smooth[at] = held;
@@ -196,9 +186,8 @@ void limit(Track& track, float ceiling) {
 void fadeEnds(Track& track, int in, int out) {
     for (int i = 0; i < std::max(in, out); ++i) {
         for (std::vector<float>* side : {&track.left, &track.right}) {
-            if (i < in) {
+            if (i < in)
                 (*side)[size_t(i)] *= float(i) / float(in);
-            }
             if (i < out) {
                 float x = float(i) / float(out);
                 (*side)[side->size() - 1 - size_t(i)] *= x * x * (3 - 2 * x);

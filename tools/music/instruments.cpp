@@ -66,12 +66,10 @@ private:
 class StereoLowPass {
 public:
     void set(float frequency, float resonance) {
-        for (Filter* filter : {&mLeft1, &mRight1}) {
+        for (Filter* filter : {&mLeft1, &mRight1})
             filter->set(frequency, resonance);
-        }
-        for (Filter* filter : {&mLeft2, &mRight2}) {
+        for (Filter* filter : {&mLeft2, &mRight2})
             filter->set(frequency, 0.3f);
-        }
     }
     void run(float& left, float& right) {
         left = mLeft2.low(mLeft1.low(left));
@@ -127,11 +125,9 @@ void clap(Track& track, int frame, float level) {
     top.set(6000, 0);
     for (int i = 0; i < frames(0.45f); ++i) {
         float t = seconds(i), loud = 0;
-        for (float burst : BURSTS) {
-            if (t >= burst) {
+        for (float burst : BURSTS)
+            if (t >= burst)
                 loud += 0.5f * fade(t - burst, burst > 0.03f ? 0.11f : 0.005f);
-            }
-        }
         float drum = 0.55f * body.next(175 + 60 * fade(t, 0.02f)) * fade(t, 0.06f);
         float rattle = 0.25f * top.high(left.next()) * fade(t, 0.09f);
         track.add(frame + i, level * (1.5f * bandLeft.band(left.next()) * loud + drum + rattle),
@@ -259,9 +255,8 @@ void pad(Track& track, int frame, int length, int pitch, float level, float brig
     for (int i = 0; i < length + frames(loud.release); ++i) {
         float t = seconds(i);
         float wave = slow.next(0.23f);
-        if (i % CONTROL == 0) {
+        if (i % CONTROL == 0)
             filter.set((350 + 4200 * brightness * brightness) * (1 + 0.25f * wave), 0.25f);
-        }
         float left, right;
         swarm.next(left, right);
         filter.run(left, right);
@@ -277,9 +272,8 @@ void saws(Track& track, int frame, int length, int pitch, float level, float bri
     float held = seconds(length);
     for (int i = 0; i < length + frames(loud.release); ++i) {
         float t = seconds(i);
-        if (i % CONTROL == 0) {
+        if (i % CONTROL == 0)
             filter.set(500 + 5500 * brightness + 3500 * brightness * fade(t, 0.15f), 0.15f);
-        }
         float left, right;
         swarm.next(left, right);
         filter.run(left, right);
@@ -296,9 +290,8 @@ void pluck(Track& track, int frame, int length, int pitch, float level, float br
     float held = std::max(seconds(length), 0.22f);
     for (int i = 0; i < frames(held + loud.release); ++i) {
         float t = seconds(i);
-        if (i % CONTROL == 0) {
+        if (i % CONTROL == 0)
             filter.set(250 + 900 * brightness + 6500 * brightness * fade(t, 0.055f), 0.35f);
-        }
         float left, right;
         swarm.next(left, right);
         filter.run(left, right);

@@ -192,9 +192,8 @@ Charts readCharts() {
     for (std::string* chart :
          {&read.kick, &read.clap, &read.hat, &read.crash, &read.bass, &read.pad, &read.saws, &read.arp}) {
         *chart = withoutBlanks(*chart);
-        if (int(chart->size()) != barCount()) {
+        if (int(chart->size()) != barCount())
             throw std::runtime_error("a chart of " + std::to_string(chart->size()) + " bars: " + *chart);
-        }
     }
     return read;
 }
@@ -203,9 +202,8 @@ int readPitch(const std::string& name) {
     static const std::map<char, int> WHITE_KEYS = {{'C', 0}, {'D', 2}, {'E', 4}, {'F', 5},
                                                    {'G', 7}, {'A', 9}, {'B', 11}};
     auto key = WHITE_KEYS.find(name.empty() ? ' ' : name[0]);
-    if (key == WHITE_KEYS.end() || name.size() < 2) {
+    if (key == WHITE_KEYS.end() || name.size() < 2)
         throw std::runtime_error("not a note: " + name);
-    }
     int accidental = name[1] == '#' ? 1 : name[1] == 'b' ? -1 : 0;
     return 12 * (name.back() - '0' + 1) + key->second + accidental;
 }
@@ -241,16 +239,14 @@ std::vector<Chord> harmony() {
             chord.step = step;
             chord.steps = steps;
             chord.bass += lift;
-            for (int& voice : chord.voices) {
+            for (int& voice : chord.voices)
                 voice += lift;
-            }
             chords.push_back(chord);
             step += steps;
         }
     }
-    if (step != barCount() * STEPS_PER_BAR) {
+    if (step != barCount() * STEPS_PER_BAR)
         throw std::runtime_error("the harmony has " + std::to_string(step) + " steps");
-    }
     return chords;
 }
 
@@ -264,11 +260,9 @@ const std::vector<Line>& lines() {
 }
 
 const char* strokes(const std::vector<Rhythm>& table, char name) {
-    for (const Rhythm& rhythm : table) {
-        if (rhythm.name == name) {
+    for (const Rhythm& rhythm : table)
+        if (rhythm.name == name)
             return rhythm.strokes;
-        }
-    }
     return "................";
 }
 
@@ -299,24 +293,20 @@ std::vector<Note> readLine(const std::string& text) {
     int step = 0;
     while (words >> word) {
         if (word == "|") {
-            if (step % STEPS_PER_BAR != 0) {
+            if (step % STEPS_PER_BAR != 0)
                 throw std::runtime_error("a bar line in step " + std::to_string(step) + " of " + text);
-            }
             continue;
         }
         size_t colon = word.find(':');
         int steps = colon == std::string::npos ? 0 : std::atoi(word.c_str() + colon + 1);
-        if (steps <= 0) {
+        if (steps <= 0)
             throw std::runtime_error("no length: " + word);
-        }
-        if (word[0] != '-') {
+        if (word[0] != '-')
             notes.push_back({step, steps, readPitch(word.substr(0, colon))});
-        }
         step += steps;
     }
-    if (step % STEPS_PER_BAR != 0) {
+    if (step % STEPS_PER_BAR != 0)
         throw std::runtime_error("a last bar that ends in step " + std::to_string(step) + " of " + text);
-    }
     return notes;
 }
 

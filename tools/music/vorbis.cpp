@@ -26,9 +26,8 @@ void drain(std::ofstream& out, ogg_stream_state& stream, vorbis_dsp_state& encod
         vorbis_bitrate_addblock(&block);
         while (vorbis_bitrate_flushpacket(&encoder, &packet)) {
             ogg_stream_packetin(&stream, &packet);
-            while (ogg_stream_pageout(&stream, &page)) {
+            while (ogg_stream_pageout(&stream, &page))
                 writePage(out, page);
-            }
         }
     }
 }
@@ -39,9 +38,8 @@ void writeVorbis(const std::string& path, const Track& track, float quality, con
     std::ofstream out(path, std::ios::binary);
     vorbis_info info;
     vorbis_info_init(&info);
-    if (vorbis_encode_init_vbr(&info, 2, RATE, quality) != 0) {
+    if (vorbis_encode_init_vbr(&info, 2, RATE, quality) != 0)
         throw std::runtime_error("no such quality");
-    }
     vorbis_comment comment;
     vorbis_comment_init(&comment);
     vorbis_comment_add_tag(&comment, "TITLE", title.c_str());
@@ -54,13 +52,11 @@ void writeVorbis(const std::string& path, const Track& track, float quality, con
 
     ogg_packet headers[3];
     vorbis_analysis_headerout(&encoder, &comment, &headers[0], &headers[1], &headers[2]);
-    for (ogg_packet& header : headers) {
+    for (ogg_packet& header : headers)
         ogg_stream_packetin(&stream, &header);
-    }
     ogg_page page;
-    while (ogg_stream_flush(&stream, &page)) { // sound begins on a page of its own
+    while (ogg_stream_flush(&stream, &page)) // sound begins on a page of its own
         writePage(out, page);
-    }
 
     for (int frame = 0; frame < track.frames(); frame += BLOCK) {
         int count = std::min(BLOCK, track.frames() - frame);
@@ -79,9 +75,8 @@ void writeVorbis(const std::string& path, const Track& track, float quality, con
     vorbis_comment_clear(&comment);
     vorbis_info_clear(&info);
     out.close();
-    if (!out) {
+    if (!out)
         throw std::runtime_error("cannot write " + path);
-    }
 }
 
 } // namespace zentrak::music
