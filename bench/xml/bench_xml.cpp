@@ -120,12 +120,43 @@ void ZentrakWrite(benchmark::State& state) {
     count(state);
 }
 
+// Documents of many attributes before the root element: the time has to grow in proportion to their number.
+std::string attributes(int count) {
+    std::string text;
+    for (int i = 0; i < count; ++i)
+        text += " a" + std::to_string(i) + "=1";
+    return text;
+}
+
+void parseRepeatedly(benchmark::State& state, const std::string& text) {
+    for (auto _ : state) {
+        zentrak::xml::XmlParser parser;
+        parser.parse(text);
+        benchmark::DoNotOptimize(parser.header.arguments.data());
+    }
+    state.SetComplexityN(state.range(0));
+}
+
+void TwoPrologs(benchmark::State& state) {
+    const std::string prolog = "<?xml" + attributes(int(state.range(0))) + "?>";
+    parseRepeatedly(state, prolog + prolog + "<r></r>");
+}
+
+void ManyPrologs(benchmark::State& state) {
+    std::string text;
+    for (int i = 0; i < state.range(0); ++i)
+        text += "<?xml" + std::string(" a") + std::to_string(i) + "=1?>";
+    parseRepeatedly(state, text + "<r></r>");
+}
+
 BENCHMARK(Zentrak)->Unit(benchmark::kMillisecond);
 BENCHMARK(TinyXml2)->Unit(benchmark::kMillisecond);
 BENCHMARK(PugiXml)->Unit(benchmark::kMillisecond);
 BENCHMARK(ZentrakParseAlone)->Unit(benchmark::kMillisecond);
 BENCHMARK(TinyXml2ParseAlone)->Unit(benchmark::kMillisecond);
 BENCHMARK(ZentrakWrite)->Unit(benchmark::kMillisecond);
+BENCHMARK(TwoPrologs)->Arg(10000)->Arg(20000)->Arg(40000)->Unit(benchmark::kMillisecond)->Complexity();
+BENCHMARK(ManyPrologs)->Arg(25000)->Arg(50000)->Arg(100000)->Unit(benchmark::kMillisecond)->Complexity();
 
 } // namespace
 

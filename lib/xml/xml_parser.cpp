@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <sstream>
+#include <unordered_map>
 #include <utility>
 
 namespace zentrak::xml {
@@ -20,6 +21,20 @@ void parseWithPlace(XmlParser& parser, BufferReader reader) {
     } catch (const Exception& exception) {
         throw Exception("(error at line %d, col %d); %s (when reading tag at %d:%d)", reader.line, reader.col,
                         exception.what(), reader.tagLine, reader.tagCol);
+    }
+}
+
+// Of several prologs a later one replaces the values of an earlier one. There may be any number of them, so
+// their attributes are looked up by name.
+void addToProlog(XmlTag& header, std::unordered_map<std::string, size_t>& places, const XmlTag& prolog) {
+    header.type = prolog.type;
+    header.name = prolog.name;
+    for (const XmlTag::Argument& argument : prolog.arguments) {
+        const auto [place, isNew] = places.try_emplace(argument.name, header.arguments.size());
+        if (isNew)
+            header.arguments.push_back(argument);
+        else
+            header.arguments[place->second].value = argument.value;
     }
 }
 
@@ -49,18 +64,14 @@ void XmlParser::parse(BufferReader& reader) {
     if (!name.empty())
         throw Exception("Parser has already parsed a xml-file, use clear() first!");
     header = XmlTag();
+    std::unordered_map<std::string, size_t> places; // of the prolog's attributes
     XmlTag tag;
     for (;;) {
         tag.parse(reader);
         if (tag.type == Normal)
             break;
-        if (tag.type == SpecialQuestion && tag.name == "xml") {
-            if (header.name.empty())
-                header.setTag(tag);
-            else
-                for (const Argument& argument : tag.arguments)
-                    header.setValue(argument.name, argument.value);
-        }
+        if (tag.type == SpecialQuestion && tag.name == "xml")
+            addToProlog(header, places, tag);
     }
     if (tag.closed)
         throw Exception("Root tag is closed!");

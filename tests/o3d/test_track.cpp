@@ -148,8 +148,9 @@ TEST(Track, CyclicExtrapolationOfManyKeysRepeats) {
     const Track track = makeTrack(1, 2, {plain(0, 0), plain(1, 4), plain(3, 6), plain(4, 0)});
     for (float time = 0; time < 4; time += 0.25f) {
         EXPECT_EQ(track.getValue(time), track.getValue(time + 8)) << time;
-        if (time > 0)
+        if (time > 0) {
             EXPECT_EQ(track.getValue(time), track.getValue(time - 12)) << time;
+        }
     }
 }
 
@@ -362,8 +363,9 @@ TEST(SolveForTime, RandomCurvesGiveRootsOfTheCurve) {
                         2e-5);
         }
         // A curve that goes past the time has to be found there.
-        if ((time - q0) * (time - q3) < -1e-3f)
+        if ((time - q0) * (time - q3) < -1e-3f) {
             EXPECT_FALSE(found.empty()) << q0 << " " << q1 << " " << q2 << " " << q3 << " " << time;
+        }
     }
     EXPECT_GT(several, 100);
 }

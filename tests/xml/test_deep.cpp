@@ -90,3 +90,14 @@ TEST(XmlDeep, MillionSiblingsLoadAndAreDeleted) {
     parser.parse(text + "</r>");
     EXPECT_EQ(million, parser.getNumChildren());
 }
+
+TEST(XmlDeep, MillionPrologsLoadAndAddUp) {
+    std::string text;
+    for (int i = 0; i < million; ++i)
+        text += "<?xml a" + std::to_string(i) + "=1?>";
+    XmlParser parser;
+    parser.parse(text + "<?xml a0=2?><r></r>");
+    ASSERT_EQ(size_t(million), parser.header.arguments.size());
+    EXPECT_EQ("2", parser.header.arguments.front().value);
+    EXPECT_EQ("a999999", parser.header.arguments.back().name);
+}
