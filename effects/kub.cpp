@@ -12,7 +12,6 @@
 
 namespace zentrak::kindler {
 
-using display::Batch;
 using mathbase::Eulerf;
 using mathbase::Matrix4x4Col;
 using mathbase::Quatf;
@@ -277,8 +276,6 @@ void Kub::update(float time, float delta, float progress) {
 }
 
 void Kub::drawCubes(float time, float progress) {
-    mBatch.setCulling(Batch::CULLING_ON); // the program puts its vertices where they would be without it
-    mBatch.setChannels(Batch::CHANNEL_TEXCOORD);
     const float since = time - rexpand;
     for (const Poxel& cube : poxel) {
         Matrix4x4Col transform;
@@ -314,8 +311,6 @@ void Kub::drawCubes(float time, float progress) {
         mBatch.box(Vector3f(0, 0, 0), Vector3f(0.5f, h, 0.5f));
     }
     mBatch.flush();
-    mBatch.setCulling(Batch::CULLING_AUTO);
-    mBatch.setChannels(Batch::CHANNEL_AUTO);
 }
 
 } // namespace zentrak::kindler

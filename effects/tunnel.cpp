@@ -114,12 +114,9 @@ void Tunnel::update(float time, float delta, float) {
     GL_CALL(glEnable(GL_CULL_FACE));
     GL_CALL(glEnable(GL_DEPTH_TEST));
     mProgram.bind();
-    mBatch.setCulling(
-        display::Batch::CULLING_ON); // the program puts its vertices where they would be without it
     for (int i = 0; i < int(mongo.size()); ++i)
         drawRing(mongo[size_t(i)], i, eye, delta);
     mBatch.flush();
-    mBatch.setCulling(display::Batch::CULLING_AUTO);
     mProgram.unbind();
 
     mDisplay->setTransform(Matrix4x4Col());
@@ -157,9 +154,6 @@ void Tunnel::drawRing(Ring& ring, int index, const Vector3f& eye, float delta) {
     twistY.setRotY(20.0f * sinf(0.0051f * dist));
     Matrix4x4Col plane;
     plane.buildPRS(ring.pos, twistX * twistY, Vector3f(1, 1, 1));
-    const float across = ring.outer + 1.5f * dist;
-    mBatch.setTransform(plane);
-    const bool visible = mBatch.isVisible(Vector3f(0, 0, 0), Vector3f(across, across, DEPTH));
     mBatch.color(ring.col, a);
     for (int b = 0; b < NUM_BLOCKS; ++b) {
         if (index % 5 == 0 && (b == 0 || b == 15 || b == 31 || b == 47))
@@ -169,8 +163,6 @@ void Tunnel::drawRing(Ring& ring, int index, const Vector3f& eye, float delta) {
             z -= 0.05f * delta;
         if (z < 0.1f)
             z += 0.05f * delta;
-        if (!visible)
-            continue;
 
         const float angle = ring.rot.z + z + 0.7f * dist;
         const float c = cosf(angle), s = sinf(angle);

@@ -1,11 +1,14 @@
 // What tests of effects share.
 #pragma once
 
+#include "am_archivemanager.h"
 #include "effect_random.h"
 #include "gl_fixture.h"
 #include "kin_effect.h"
 #include "support.h"
 
+#include <filesystem>
+#include <functional>
 #include <string>
 #include <utility>
 
@@ -26,6 +29,43 @@ inline void prepare(kindler::Effect& effect, display::DisplayGL& display, const 
     effect.mDisplay = &display;
     effect.setup();
 }
+
+// While it lives the display finds the files written here ahead of those of data/.
+class OwnFiles {
+public:
+    explicit OwnFiles(display::DisplayGL& display) : mDisplay(display), mBefore(display.mArchiveManager) {
+        mArchives.addArchive(mFolder.path());
+        mArchives.addArchive(sourcePath("data"));
+        display.setArchive(&mArchives);
+    }
+    ~OwnFiles() { mDisplay.setArchive(mBefore); }
+    OwnFiles(const OwnFiles&) = delete;
+    OwnFiles& operator=(const OwnFiles&) = delete;
+
+    void write(const std::string& name, const std::string& bytes) {
+        const std::filesystem::path path = mFolder.file(name);
+        std::filesystem::create_directories(path.parent_path());
+        writeFile(path.string(), bytes);
+    }
+    void write(const std::string& name, const Picture& picture) {
+        EXPECT_TRUE(writePng(mFolder.file(name), picture));
+    }
+
+private:
+    TempDir mFolder;
+    am::ArchiveManager mArchives;
+    display::DisplayGL& mDisplay;
+    am::ArchiveManager* mBefore;
+};
+
+// Programs that show the normals, 0 to 255 for -1 to 1, and that mirror the picture left to right, so that
+// the faces turned away become those that GL_CULL_FACE keeps.
+inline const std::string SHOW_NORMALS =
+    "varying vec3 n; void main() { n = gl_Normal; gl_Position = ftransform(); }";
+inline const std::string NORMAL_COLORS =
+    "varying vec3 n; void main() { gl_FragColor = vec4(0.5 * n + 0.5, 1.0); }";
+inline const std::string MIRROR = "void main() { gl_Position = ftransform() * vec4(-1.0, 1.0, 1.0, 1.0); }";
+inline const std::string WHITE = "void main() { gl_FragColor = vec4(1.0); }";
 
 // The fixture of effects with a small window and fixed random numbers, whose start is START. A test of two
 // ways to draw one picture compares what both leave on a ground of one colour.

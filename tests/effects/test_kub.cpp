@@ -233,3 +233,33 @@ TEST_F(KubTest, StepsOfAnyLengthEnd) {
             for (float progress : {0.5f, infinity, nan})
                 at(time, delta, progress);
 }
+
+// The cubes are seen from above and in front: with a normal left out all of them would have one colour.
+TEST_F(KubTest, AProgramGetsTheNormalsOfTheCubes) {
+    test::OwnFiles files(display());
+    files.write("kub/kub.vert", test::SHOW_NORMALS);
+    files.write("kub/kub.frag", test::NORMAL_COLORS);
+    Kub kub(&mCommon);
+    test::prepare(kub, display(), "kub");
+    kub.update(0, 40, 0); // lifts the camera
+    const Picture drawn = over(0, 0, 0, [&] { kub.update(0, 0, 0); });
+    int up = 0, ahead = 0;
+    for (size_t i = 0; i < drawn.rgba.size(); i += 4) {
+        const uint8_t *p = &drawn.rgba[i], rest = 10;
+        up += p[0] - 127 < rest && p[1] > 250 && p[2] - 127 < rest;
+        ahead += p[0] - 127 < rest && p[1] < 140 && p[2] > 250;
+    }
+    EXPECT_GT(up, 500);
+    EXPECT_GT(ahead, 100);
+}
+
+TEST_F(KubTest, AProgramThatMovesVerticesGetsAllFaces) {
+    test::OwnFiles files(display());
+    files.write("kub/kub.vert", test::MIRROR);
+    files.write("kub/kub.frag", test::WHITE);
+    Kub kub(&mCommon);
+    test::prepare(kub, display(), "kub");
+    kub.updateSpline(0, "alpha", 0); // of the floor
+    const Picture drawn = over(0, 0, 0, [&] { kub.update(0, 0, 0); });
+    EXPECT_GT(test::covered(drawn, over(0, 0, 0, [] {})), 0.05);
+}

@@ -214,3 +214,13 @@ TEST_F(TunnelTest, NoStateIsLeftBehind) {
         EXPECT_EQ(display().mTransformMatrix, mathbase::Matrix4x4Col());
     });
 }
+
+TEST_F(TunnelTest, AProgramThatMovesVerticesGetsAllFaces) {
+    test::OwnFiles files(display());
+    files.write("tunnel/tunnel.vert", test::MIRROR);
+    files.write("tunnel/tunnel.frag", test::WHITE);
+    Tunnel tunnel(&mCommon);
+    test::prepare(tunnel, display(), "tunnel");
+    const Picture drawn = over(0, 0, 0, [&] { tunnel.update(14, 0, 0); });
+    EXPECT_GT(test::covered(drawn, over(0, 0, 0, [] {})), 0.05);
+}
