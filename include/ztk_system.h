@@ -3,6 +3,10 @@
 
 #include <exception>
 
+#ifdef NDEBUG
+#error "assertions are part of zentrak's behaviour: build without NDEBUG"
+#endif
+
 #if defined(__GNUC__)
 #define ZTK_PRINTF_FORMAT(formatIndex, firstArgument)                                                        \
     __attribute__((format(printf, formatIndex, firstArgument)))
