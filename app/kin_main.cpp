@@ -13,14 +13,12 @@
 
 namespace zentrak::kindler {
 
-/*
- * An end by exception comes through here too: what goes wrong while saving leaves the setup file as it was.
- */
+// Also runs when an exception ends the show: a failure to save leaves the setup file as it was.
 Kindler::~Kindler() {
     if (mSetupDone) {
         try {
             saveXml();
-        } catch (const std::exception&) { // has logged itself
+        } catch (const std::exception&) { // logged where it was thrown
         }
     }
     attachToDisplay(nullptr);
@@ -35,10 +33,8 @@ void Kindler::addCallback(std::string name, Effect& effect) {
     effect.mDisplay = mDisplay;
 }
 
-/*
- * The editor joins the listeners behind the driver, so it is drawn over the picture. An end by exception
- * takes it along.
- */
+// The editor joins the listeners after the driver, so it is drawn over the picture. Deleted also when an
+// exception ends the show.
 struct Kindler::Editor {
     explicit Editor(Kindler& owner) : kindler(owner), gui(new Gui(owner.mDisplay, &owner.mScript)) {
         kindler.mGui = gui.get();
@@ -75,9 +71,7 @@ void Kindler::run() {
     mDisplay->updateBlocking();
 }
 
-/*
- * All effects load, in the order of their names, whether the script uses them or not.
- */
+// All effects load, in the order of their names, whether or not the script uses them.
 void Kindler::loadEffects() {
     for (const auto& [name, callback] : mScript.mCallbacks) {
         Effect* const effect = dynamic_cast<Effect*>(callback);
@@ -93,9 +87,7 @@ void Kindler::loadEffects() {
     }
 }
 
-/*
- * The driver joins the listeners before anybody else: their order is that of the frame.
- */
+// The driver is the first listener: they draw in the order in which they joined.
 void Kindler::openDisplay(int width, int height, bool fullscreen, const std::string& title) {
     display::WindowMode mode(title, width, height, fullscreen);
     mode.canResize = true;
@@ -112,9 +104,7 @@ void Kindler::openDisplay(int width, int height, bool fullscreen, const std::str
     mDisplay->setArchive(&mArchives);
 }
 
-/*
- * Makes the frame that the dump grabs into. A window of odd height can't be grabbed.
- */
+// Makes the image that the dump grabs into. A window of odd height can't be grabbed.
 void Kindler::fitFrame(int width, int height) {
     if (height & 1)
         throw Exception("[Kindler] A dump needs an even height of the window, not %d", height);
@@ -126,8 +116,11 @@ void Kindler::fitFrame(int width, int height) {
 }
 
 void Kindler::openSound(const char* file) {
-    if (!mNoSound)
-        mNoSound = !mMusic.setup(mArchives.readFile(file, -1));
+    if (mNoSound)
+        return;
+    mNoSound = !mMusic.setup(mArchives.readFile(file, -1));
+    if (mNoSound && *file)
+        ZTK_LOG("warning", "app", "The music '%s' is not played", file);
 }
 
 void Kindler::openDevices() {
@@ -141,16 +134,12 @@ bool Kindler::hasSound() const {
     return !mNoSound && mMusic.mStream;
 }
 
-/*
- * The clock takes the time that the stream has really reached.
- */
+// The clock takes the position that the stream has really reached.
 void Kindler::setTime(float t) {
     t = std::max(0.0f, t);
     if (hasSound()) {
         const float rate = float(mMusic.mRate);
-        const float position = t * rate;
-        const bool past = position >= float(mMusic.mLength);
-        mMusic.mStream->setPosition(past ? mMusic.mLength : int(position));
+        mMusic.mStream->setPosition(int(std::min(double(t * rate), double(mMusic.mLength))));
         t = float(mMusic.mStream->getPosition()) / rate;
     }
     mClock.setTime(t);
@@ -164,9 +153,7 @@ void Kindler::getTime() {
     mTime = hasSound() ? float(mMusic.mStream->getPosition()) / float(mMusic.mRate) : mRawTime;
 }
 
-/*
- * The editor's control "main" decides between the whole window and its upper right quarter.
- */
+// While the editor is up, the picture goes to the upper right quarter of the window.
 bool Kindler::editorVisible() const {
     return mEditing && mGui->isVisible();
 }
@@ -177,18 +164,22 @@ void Kindler::controlAction(panorama::Control* control, panorama::Action action)
     if (control->getName() == "button_run")
         mDisplay->close();
     else if (control->getName() == "button_exit")
-        exit(0);
+        endProcess();
 }
 
-/*
- * One frame. The editor and the toolkit draw behind this one, on top of the picture.
- */
+// The sound device has to be closed while the sound library is still there.
+void Kindler::endProcess() {
+    mMusic = Music();
+    exit(0);
+}
+
+// One frame. The editor and the toolkit draw after this, over the picture.
 void Kindler::onDraw() {
     if (hasSound() && !mMusic.mStream->isPlaying() && !mMusic.mPaused) {
         if (mLoop)
-            mMusic.mStream->setPosition(0); // does not start it again: it stays silent from here on
+            mMusic.mStream->setPosition(0); // doesn't restart it: the show is silent from here on
         else
-            exit(0);
+            endProcess();
     }
     getTime();
     if (!mDisplayEnabled)

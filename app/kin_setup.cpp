@@ -11,6 +11,7 @@
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
+#include <vector>
 
 namespace zentrak::kindler {
 
@@ -27,7 +28,7 @@ float toFloat(const std::string& text) {
     return float(atof(text.c_str()));
 }
 
-// Towards 0; the nearest there is for a number that no int can hold, and 0 for what is no number.
+// Towards 0; clamped to the range of int, and 0 for NaN.
 int truncate(float value) {
     if (!(value > -2147483648.0f))
         return value < 0 ? INT_MIN : 0;
@@ -44,24 +45,54 @@ const char* onOff(bool on) {
     return on ? "on" : "off";
 }
 
+void parse(xml::XmlParser& parser, const am::File& file, const std::string& name) {
+    readNamed(name, [&] {
+        parser.parse(reinterpret_cast<const char*>(file->data), int(std::min<long>(file->length, INT_MAX)));
+    });
+}
+
+// The writer puts every value between double quotes, and those of a declaration between none, without
+// escaping anything. A value that would end early and go on as elements of its own is changed; such a
+// declaration is left out.
+void makeWritable(xml::XmlNode& root) {
+    std::vector<xml::XmlNode*> nodes{&root};
+    while (!nodes.empty()) {
+        xml::XmlNode* const node = nodes.back();
+        nodes.pop_back();
+        const auto isBreaking = [](const xml::XmlNode* child) {
+            return child->type == xml::XmlTag::SpecialExclaim &&
+                   std::any_of(child->arguments.begin(), child->arguments.end(), [](const auto& argument) {
+                       return argument.value.find_first_of("<>\"'") != std::string::npos;
+                   });
+        };
+        for (xml::XmlTag::Argument& argument : node->arguments)
+            std::replace(argument.value.begin(), argument.value.end(), '"', '\'');
+        const std::vector<xml::XmlNode*> children = node->children;
+        for (xml::XmlNode* const child : children)
+            if (isBreaking(child))
+                delete child;
+            else
+                nodes.push_back(child);
+    }
+}
+
 } // namespace
 
-/*
- * The elements are read kind by kind in a fixed order, not in that of the file: archives come before the
- * script, which may lie in one of them, and the dump before the music, which it silences.
- */
+// The elements are read kind by kind in a fixed order, not in that of the file: archives come before the
+// script, which may be in one of them, and the dump before the music, which it silences.
 void Kindler::setup() {
     if (mSetupDone)
         return;
     mArchives.addArchive("./");
-    am::File file = mArchives.readFile(LOCAL_FILE, -1);
+    const char* name = LOCAL_FILE;
+    am::File file = mArchives.readFile(name, -1);
     if (file.isNull())
-        file = mArchives.readFile(DEFAULT_FILE, -1);
+        file = mArchives.readFile(name = DEFAULT_FILE, -1);
     if (file.isNull())
         throw Exception("[Kindler] Could not load 'setup.[local.]xml'");
 
     xml::XmlParser parser;
-    parser.parse(reinterpret_cast<const char*>(file->data), int(file->length));
+    parse(parser, file, name);
     if (parser.getName() != "demo")
         return;
 
@@ -96,13 +127,20 @@ void Kindler::setup() {
         const am::File script = mArchives.readFile(mScriptFile, -1);
         if (script.isNull())
             throw Exception("[Kindler] Could not find the script: '%s'", mScriptFile.c_str());
-        // One that can't be loaded has said so, and plays nothing.
-        script::LoadXML().loadMem(reinterpret_cast<const char*>(script->data), script->length, mScript);
+        const bool loaded = readNamed(mScriptFile, [&] {
+            return script::LoadXML().loadMem(reinterpret_cast<const char*>(script->data), script->length,
+                                             mScript);
+        });
+        if (!loaded)
+            ZTK_LOG("error", "app", "The script '%s' can't be played", mScriptFile.c_str());
     }
+    if (mDisplayEnabled && mScript.mEffects.empty())
+        ZTK_LOG("warning", "app", "There is nothing to play: no script in '%s', or only empty ones", name);
     for (xml::Iterator it = parser.createIterator("dump"); ++it;) {
-        const std::string& name = it->getValue("name");
         const std::string& rate = it->getValue("rate");
-        const std::string target = name.empty() ? "untitled" : name;
+        std::string target = it->getValue("name");
+        if (target.empty())
+            target = "untitled";
         mDumpRate = rate.empty() ? 60.0f : toFloat(rate);
         am::VideoFile::Format format;
         format.mRate = truncate(mDumpRate);
@@ -131,10 +169,7 @@ void Kindler::setup() {
     mSetupDone = true;
 }
 
-/*
- * Changes values in the local file and leaves all else in it as it stands. Without a local file nothing is
- * saved.
- */
+// Changes values in the local file and keeps the rest of it. Without a local file nothing is saved.
 void Kindler::saveXml() {
     static const char* const LOCATIONS[] = {"top", "middle", "bottom"};
 
@@ -142,7 +177,7 @@ void Kindler::saveXml() {
     if (file.isNull())
         return;
     xml::XmlParser parser;
-    parser.parse(reinterpret_cast<const char*>(file->data), int(file->length));
+    parse(parser, file, LOCAL_FILE);
     if (parser.getName() != "demo")
         return;
 
@@ -169,9 +204,11 @@ void Kindler::saveXml() {
         it->setValue("delay", seconds(mOsdDelay));
     }
 
+    makeWritable(parser);
     std::string text;
     parser.write(text, "");
-    mArchives.writeFile(am::File(new am::FileStructure(LOCAL_FILE, text.data(), long(text.size()))), -1);
+    if (!mArchives.writeFile(am::File(new am::FileStructure(LOCAL_FILE, text.data(), long(text.size()))), -1))
+        ZTK_LOG("error", "app", "The settings can't be saved in '%s'", LOCAL_FILE);
 }
 
 } // namespace zentrak::kindler

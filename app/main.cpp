@@ -18,6 +18,7 @@
 #include "vul.h"
 #include "waxon.h"
 #include "xor.h"
+#include "ztk_memory.h"
 #include "ztk_system.h"
 
 #include <cstdio>
@@ -28,9 +29,7 @@ using namespace zentrak::kindler;
 
 namespace {
 
-/*
- * Driver first, effects after it: they end in the reverse order, while the window is still open.
- */
+// The effects come after the driver, so that they are destroyed while its window is still open.
 void show() {
     Kindler kindler;
     kindler.setup();
@@ -95,11 +94,12 @@ void show() {
 } // namespace
 
 int main() {
+    setvbuf(stdout, nullptr, _IOLBF, 0); // a log in a file is complete however the program ends
     zentrak::keepFreedMemory();
     try {
         show();
     } catch (std::exception& e) {
-        printf("error: %s\n", e.what());
+        zentrak::ztk_print("error: %s\n", e.what());
     }
     return 0;
 }

@@ -3,15 +3,14 @@
 #include "dis_display.h"
 #include "dis_resource.h"
 #include "mb_matrix4x4col.h"
-
-#include <cstdio>
+#include "ztk_system.h"
 
 namespace zentrak::kindler {
 
 using mathbase::Vector4f;
 
 void Clear::executeTrigger(float, const std::string& name, const std::string& value) {
-    printf("name: %s, value: %s\n", name.c_str(), value.c_str());
+    ztk_print("name: %s, value: %s\n", name.c_str(), value.c_str());
     if (name == "type")
         type = value;
     if (name == "color") {

@@ -23,7 +23,7 @@ void loadSceneFile(display::DisplayGL& display, o3d::Manager& manager, const std
     if (file->length > INT_MAX)
         throw Exception("File '%s' is too large", name.c_str());
     const size_t before = manager.mMeshes.size();
-    manager.load(file->data, int(file->length));
+    readNamed(name, [&] { manager.load(file->data, int(file->length)); });
     try {
         for (size_t i = before; i < manager.mMeshes.size(); ++i)
             manager.mMeshes[i]->checkIndices();

@@ -3,6 +3,7 @@
 #include "am_archivemanager.h"
 #include "dis_display.h"
 #include "dis_glcheck.h"
+#include "ztk_system.h"
 
 #include <algorithm>
 #include <cmath>
@@ -17,6 +18,7 @@ using mathbase::Vector4f;
 namespace {
 
 constexpr float PI = 3.14159265f;
+constexpr const char* SCENE = "face/face.o3d";
 constexpr size_t STEP = 28; // only every so many vertices glow
 
 float alp;
@@ -54,8 +56,10 @@ Face::Face(Common*) : mTexture(nullptr), mProgram(nullptr) {}
 void Face::setup() {
     mTexture.setDisplay(mDisplay);
     mProgram.setDisplay(mDisplay);
-    const am::File file = mDisplay->mArchiveManager->readFile("face/face.o3d");
-    mScene.load(file->data, int(file->length));
+    readNamed(SCENE, [this] {
+        const am::File file = mDisplay->mArchiveManager->readFile(SCENE);
+        mScene.load(file->data, int(file->length));
+    });
     printf("Meshes: %d\n", int(mScene.mMeshes.size()));
     for (const o3d::Mesh* mesh : mScene.mMeshes)
         mPoints.reserve(mesh->mVertices.size() / STEP + 1);

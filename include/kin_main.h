@@ -104,6 +104,7 @@ private:
     bool mEditing = false; // mGui is there
 
     bool hasSound() const;
+    [[noreturn]] void endProcess();
     bool editorVisible() const;
     void loadEffects();
     void fitFrame(int width, int height);

@@ -3,7 +3,9 @@
 
 #include "mb_assert.h"
 
+#include <algorithm>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace zentrak::mathbase {
@@ -45,6 +47,18 @@ public:
         mKeys.insert(mKeys.begin() + index, key);
         updateTangents(index, index, index);
         return index;
+    }
+
+    // Replaces all keys. They may come in any order; equal times keep theirs, and a time that isn't a number
+    // goes last. As if each had been added to an empty spline, but n log n.
+    void setKeys(std::vector<KEYTYPE> keys) {
+        const auto isEarlier = [](const KEYTYPE& a, const KEYTYPE& b) {
+            return a.time < b.time || (a.time == a.time && b.time != b.time);
+        };
+        std::stable_sort(keys.begin(), keys.end(), isEarlier);
+        mKeys = std::move(keys);
+        mCurrent = -1;
+        updateTangents(0, 0, 0);
     }
 
     // Removes the key at `index`; aborts on an assertion where there is none. A spline that loses its last

@@ -1,22 +1,22 @@
-// What the script drives: the five operations through which a timeline talks to whatever draws it.
+// What the script drives: the five calls through which a timeline reaches whatever draws it.
 #pragma once
 
 #include <string>
 
 namespace zentrak::script {
 
-// `time` is the local time of the span in seconds, `delta` the step of the script time since the last frame
-// (negative on the frame after a rewind), `progress` the part of the span that has passed, from 0 to just
-// below 1. Nothing is called on a frame in which no span of this callback is active.
+// `time` is the local time of the span in seconds, `delta` the change of the script time since the last frame
+// (negative after a rewind), `progress` the elapsed part of the span, from 0 to just below 1. Nothing is
+// called in a frame in which no span of this callback is active.
 class Callback {
 public:
     virtual ~Callback() {}
 
-    // The state before the first trigger is wanted again.
+    // Go back to the state before the first trigger.
     virtual void resetTriggers() {}
-    // One firing; `time` is the time now, not the one that the firing was set for.
+    // One firing; `time` is the current time, not the one at which the firing was due.
     virtual void executeTrigger(float /*time*/, const std::string& /*name*/, const std::string& /*value*/) {}
-    // The value of one spline at `time`.
+    // The value of a spline at `time`.
     virtual void updateSpline(float /*time*/, const std::string& /*name*/, float /*value*/) {}
     // After triggers and splines, before the nested spans.
     virtual void update(float time, float delta, float progress) = 0;

@@ -22,13 +22,13 @@ public:
     ScriptEngine(const ScriptEngine&) = delete;
     ScriptEngine& operator=(const ScriptEngine&) = delete;
 
-    // Registers `callback`, which stays the caller's, in place of an earlier one of this name. Spans of the
-    // name of a null pointer only group, as those of an unknown name do.
+    // Registers `callback`, which stays the caller's, and replaces an earlier one of this name. Spans whose
+    // callback is null only group, as those of unknown names do.
     void addCallback(const std::string& name, Callback* callback);
-    // Runs all that is active at `time`, in seconds. A time below 0 changes nothing. False only past the end,
-    // where nothing is called.
+    // Runs all that is active at `time`, in seconds. A time below 0 changes nothing. Returns false only past
+    // the end, where nothing is called.
     bool update(const float& time);
-    // Finds mScriptLength. Nested spans do not count.
+    // Sets mScriptLength. Nested spans don't count.
     void init();
 };
 

@@ -8,23 +8,18 @@ namespace zentrak::script {
 
 class LoadXML {
 public:
-    // Effects nested deeper than this fail the load.
-    static constexpr int MAX_DEPTH = 256;
-
-    // Reads the plain file `filename`; false when it can't be opened or read, else as loadMem.
+    // Reads the plain file `filename` as loadMem does; false, with a log line, if it can't be opened or read.
     bool load(const char* filename, ScriptEngine& engine);
-    // Appends the script of `size` bytes to `engine`. False, with a log line, on a root that is not "script",
-    // on a spline without keys and on too deep a nest: what was read before stays in the engine, but without
-    // init. Throws what xml::XmlParser::parse throws.
+    // Appends the script of `size` bytes to `engine`. False, with a log line, for a root that is not "script"
+    // and for a spline without keys: what was read before stays in the engine, but init is not called. Throws
+    // what xml::XmlParser::parse throws.
     bool loadMem(const char* data, long size, ScriptEngine& engine);
 
     // Each reads one element into a fresh record. The record stays the caller's, whatever the result.
-    bool loadEffect(xml::IteratorConst& element, Effect* effect);
+    bool loadEffect(xml::IteratorConst& element,
+                    Effect* effect); // with all that is nested in it, however deep
     bool loadTrigger(xml::IteratorConst& element, Trigger* trigger);
     bool loadSpline(xml::IteratorConst& element, Spline* spline); // false without a key
-
-private:
-    bool loadEffect(xml::IteratorConst& element, Effect* effect, int depth);
 };
 
 } // namespace zentrak::script

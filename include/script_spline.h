@@ -13,7 +13,7 @@ class Spline : public mathbase::SplineBase<float, mathbase::SplineBaseKey<float>
 public:
     std::string mName = "new"; // handed to Callback::updateSpline
 
-    // Hands the value at `time` to callback->updateSpline.
+    // Calls callback->updateSpline with the value at `time`.
     void update(Callback* callback, float time);
 };
 

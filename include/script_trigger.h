@@ -10,7 +10,7 @@ struct Trigger {
     std::string mName = "new"; // handed to Callback::executeTrigger
     std::string mValue;        // handed to Callback::executeTrigger
     float mStart = 0;          // first firing, seconds of the span's local time
-    int mRepeat = 1;           // firings in all
+    int mRepeat = 1;           // total number of firings
     float mDelay = 0;          // seconds between firings
 };
 

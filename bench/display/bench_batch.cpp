@@ -12,6 +12,7 @@
 #include "dis_glcheck.h"
 #include "dis_texture.h"
 #include "plain_box.h"
+#include "ztk_memory.h"
 #include "ztk_system.h"
 
 #include <algorithm>

@@ -28,6 +28,7 @@
 #include "vul.h"
 #include "waxon.h"
 #include "xor.h"
+#include "ztk_memory.h"
 #include "ztk_system.h"
 
 #include <algorithm>

@@ -43,8 +43,10 @@ Image ImageManager::loadImage(const std::string& name, File file, bool writable)
     if (!codec)
         throw Exception("ImageManager::loadImage, No decoder found for %s", name.c_str());
     bool hasBytes = !file.isNull() && file->data && file->length > 0;
-    codec->decodeImage(hasBytes ? file->data : nullptr,
-                       hasBytes ? static_cast<unsigned long>(file->length) : 0, *object);
+    readNamed(name, [&] {
+        codec->decodeImage(hasBytes ? file->data : nullptr,
+                           hasBytes ? static_cast<unsigned long>(file->length) : 0, *object);
+    });
 
     Image image(object.release());
     if (!writable)

@@ -55,7 +55,7 @@ std::unique_ptr<xml::XmlParser> readDocument(display::DisplayGL* display, const 
     if (file.isNull())
         return nullptr;
     auto document = std::make_unique<xml::XmlParser>();
-    document->parse(reinterpret_cast<const char*>(file->data), int(file->length));
+    readNamed(name, [&] { document->parse(reinterpret_cast<const char*>(file->data), int(file->length)); });
     return document;
 }
 

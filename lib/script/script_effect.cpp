@@ -2,28 +2,50 @@
 
 namespace zentrak::script {
 
+// Takes nested spans apart one by one, since a nest may be deeper than the call stack.
 Effect::~Effect() {
     for (Trigger* trigger : mTriggers)
         delete trigger;
     for (Spline* spline : mSplines)
         delete spline;
-    for (Effect* child : mChildren)
+    while (!mChildren.empty()) {
+        Effect* const child = mChildren.back();
+        mChildren.pop_back();
+        mChildren.insert(mChildren.end(), child->mChildren.begin(), child->mChildren.end());
+        child->mChildren.clear();
         delete child;
+    }
 }
 
-/*
- * Triggers, splines and the callback itself, then what is nested. Without a callback only the latter.
- */
 void Effect::update(const float& time, float delta, std::map<std::string, Callback*>& callbacks) {
-    const auto found = callbacks.find(mName);
-    if (found == callbacks.end() || !found->second) {
-        updateChildren(time, delta, callbacks);
-        return;
+    enter(nullptr, time, delta, callbacks);
+    for (Effect* effect = this; effect;) {
+        Walk& walk = effect->mWalk;
+        if (walk.next < effect->mChildren.size()) {
+            Effect* const child = effect->mChildren[walk.next++];
+            const float local = walk.time - effect->mStart;
+            if (child->isActive(local)) {
+                child->enter(effect, local, delta, callbacks);
+                effect = child;
+            }
+        } else {
+            if (walk.callback)
+                walk.callback->postUpdate(walk.local, delta, walk.progress);
+            effect = walk.parent;
+        }
     }
-    Callback* const callback = found->second;
-    const float local = time - mStart;
-    const float progress = (time - mStart) / (mEnd - mStart);
+}
 
+// Drives this span up to its nested spans. Without a callback there is nothing to drive.
+void Effect::enter(Effect* parent, float time, float delta,
+                   const std::map<std::string, Callback*>& callbacks) {
+    const float local = time - mStart;
+    const float progress = local / (mEnd - mStart);
+    const auto found = callbacks.find(mName);
+    Callback* const callback = found != callbacks.end() ? found->second : nullptr;
+    mWalk = {parent, callback, time, local, progress, 0};
+    if (!callback)
+        return;
     if (mNeedReset) {
         callback->resetTriggers();
         mNeedReset = false;
@@ -32,16 +54,6 @@ void Effect::update(const float& time, float delta, std::map<std::string, Callba
     for (size_t i = 0; i < mSplines.size(); ++i)
         mSplines[i]->update(callback, local);
     callback->update(local, delta, progress);
-    updateChildren(time, delta, callbacks);
-    callback->postUpdate(local, delta, progress);
-}
-
-void Effect::updateChildren(const float& time, float delta, std::map<std::string, Callback*>& callbacks) {
-    for (size_t i = 0; i < mChildren.size(); ++i) {
-        const float local = time - mStart;
-        if (mChildren[i]->isActive(local))
-            mChildren[i]->update(local, delta, callbacks);
-    }
 }
 
 void Effect::reverse(float) {
@@ -50,10 +62,8 @@ void Effect::reverse(float) {
     mNeedReset = true;
 }
 
-/*
- * After a jump all that has become due of the first trigger comes first, then all of the second: firings are
- * not sorted by the time they were set for.
- */
+// Firings are not sorted by their times: after a jump all that is due of the first trigger comes first, then
+// all of the second.
 void Effect::executeTriggers(float time, Callback* callback) {
     for (size_t i = 0; i < mTriggers.size(); ++i) {
         Trigger& trigger = *mTriggers[i];

@@ -13,9 +13,7 @@ void ScriptEngine::addCallback(const std::string& name, Callback* callback) {
     mCallbacks[name] = callback;
 }
 
-/*
- * One frame of the show. The count of spans is read afresh each round: a callback may change the timeline.
- */
+// The number of spans is read again in each round: a callback may change the timeline.
 bool ScriptEngine::update(const float& time) {
     if (time < 0)
         return true;

@@ -8,6 +8,8 @@
 #include <cstdlib>
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace zentrak::script {
 
@@ -17,19 +19,45 @@ float toFloat(const std::string& text) {
     return float(atof(text.c_str()));
 }
 
+// A span without its nested ones.
+bool loadSpan(LoadXML& loader, xml::IteratorConst& element, Effect* effect) {
+    effect->mName = element->getValue("name");
+    effect->mEnabled = element->getValue("state") != "off";
+    effect->mStart = toFloat(element->getValue("start"));
+    effect->mEnd = toFloat(element->getValue("end"));
+
+    xml::IteratorConst triggers = element.createIterator("trigger");
+    while (++triggers) {
+        auto trigger = std::make_unique<Trigger>();
+        loader.loadTrigger(triggers, trigger.get());
+        effect->mTriggers.push_back(trigger.release());
+    }
+    xml::IteratorConst splines = element.createIterator("spline");
+    while (++splines) {
+        auto spline = std::make_unique<Spline>();
+        if (!loader.loadSpline(splines, spline.get())) {
+            ZTK_LOG("error", "app", "The script's spline '%.100s' of effect '%.100s' has no keys",
+                    spline->mName.c_str(), effect->mName.c_str());
+            return false;
+        }
+        effect->mSplines.push_back(spline.release());
+    }
+    return true;
+}
+
 } // namespace
 
 bool LoadXML::load(const char* filename, ScriptEngine& engine) {
     std::unique_ptr<FILE, int (*)(FILE*)> file(fopen(filename, "rb"), &fclose);
-    if (!file)
-        return false;
     std::string text;
     char block[65536];
-    while (size_t size = fread(block, 1, sizeof(block), file.get()))
+    while (size_t size = file ? fread(block, 1, sizeof(block), file.get()) : 0)
         text.append(block, size);
-    if (ferror(file.get()))
+    if (!file || ferror(file.get())) {
+        ZTK_LOG("error", "app", "The script '%s' can't be read", filename);
         return false;
-    return loadMem(text.data(), long(text.size()), engine);
+    }
+    return readNamed(filename, [&] { return loadMem(text.data(), long(text.size()), engine); });
 }
 
 bool LoadXML::loadMem(const char* data, long size, ScriptEngine& engine) {
@@ -53,51 +81,34 @@ bool LoadXML::loadMem(const char* data, long size, ScriptEngine& engine) {
 }
 
 bool LoadXML::loadEffect(xml::IteratorConst& element, Effect* effect) {
-    return loadEffect(element, effect, 1);
-}
-
-/*
- * A span with all that is in it. The nest is bounded, since the show walks it by recursion.
- */
-bool LoadXML::loadEffect(xml::IteratorConst& element, Effect* effect, int depth) {
-    effect->mName = element->getValue("name");
-    effect->mEnabled = element->getValue("state") != "off";
-    effect->mStart = toFloat(element->getValue("start"));
-    effect->mEnd = toFloat(element->getValue("end"));
-
-    xml::IteratorConst triggers = element.createIterator("trigger");
-    while (++triggers) {
-        auto trigger = std::make_unique<Trigger>();
-        loadTrigger(triggers, trigger.get());
-        effect->mTriggers.push_back(trigger.release());
-    }
-    xml::IteratorConst splines = element.createIterator("spline");
-    while (++splines) {
-        auto spline = std::make_unique<Spline>();
-        if (!loadSpline(splines, spline.get())) {
-            ZTK_LOG("error", "app", "The script's spline '%.100s' of effect '%.100s' has no keys",
-                    spline->mName.c_str(), effect->mName.c_str());
-            return false;
-        }
-        effect->mSplines.push_back(spline.release());
-    }
-    xml::IteratorConst children = element.createIterator("effect");
-    while (++children) {
-        if (depth == MAX_DEPTH) {
-            ZTK_LOG("error", "app", "The script's effects are nested more than %d deep", MAX_DEPTH);
-            return false;
+    struct Level {
+        Effect* effect;
+        xml::IteratorConst children;
+    };
+    if (!loadSpan(*this, element, effect))
+        return false;
+    std::vector<Level> levels{{effect, element.createIterator("effect")}};
+    while (!levels.empty()) {
+        Level& level = levels.back();
+        if (!++level.children) {
+            levels.pop_back();
+            continue;
         }
         auto child = std::make_unique<Effect>();
-        if (!loadEffect(children, child.get(), depth + 1))
+        if (!loadSpan(*this, level.children, child.get())) {
+            if (levels.size() > 1) { // none of those that hold it is complete
+                delete effect->mChildren.back();
+                effect->mChildren.pop_back();
+            }
             return false;
-        effect->mChildren.push_back(child.release());
+        }
+        level.effect->mChildren.push_back(child.get());
+        levels.push_back({child.release(), level.children.createIterator("effect")});
     }
     return true;
 }
 
-/*
- * A delay without a repeat is not read. A repeat without a delay gets a tenth of a second.
- */
+// A delay without a repeat is not read. A repeat without a delay gets a tenth of a second.
 bool LoadXML::loadTrigger(xml::IteratorConst& element, Trigger* trigger) {
     trigger->mName = element->getValue("name");
     trigger->mValue = element->getValue("value");
@@ -114,21 +125,17 @@ bool LoadXML::loadTrigger(xml::IteratorConst& element, Trigger* trigger) {
     return true;
 }
 
-/*
- * The mode comes before the keys: tangents are made under it.
- */
 bool LoadXML::loadSpline(xml::IteratorConst& element, Spline* spline) {
     const std::string& type = element->getValue("type");
     spline->mName = element->getValue("name");
-    spline->mMode = type == "square" ? 0 : type == "smooth" ? 2 : 1;
+    spline->mMode = type == "square" ? 0 : type == "smooth" ? 2 : 1; // before the keys: tangents depend on it
 
-    bool added = false;
-    xml::IteratorConst keys = element.createIterator("key");
-    while (++keys) {
-        spline->addKey({toFloat(keys->getValue("time")), toFloat(keys->getValue("value")), 0, 0});
-        added = true;
-    }
-    return added;
+    std::vector<mathbase::SplineBaseKey<float>> keys;
+    xml::IteratorConst key = element.createIterator("key");
+    while (++key)
+        keys.push_back({toFloat(key->getValue("time")), toFloat(key->getValue("value")), 0, 0});
+    spline->setKeys(std::move(keys));
+    return !spline->mKeys.empty();
 }
 
 } // namespace zentrak::script

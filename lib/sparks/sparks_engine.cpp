@@ -64,14 +64,14 @@ float Engine::now() const {
 void Engine::load(std::string name) {
     if (name.substr(name.size() - 4) != EXTENSION) // a shorter name throws here, and is meant to
         name += EXTENSION;
-    printf("Sparks: Loading %s\n", name.c_str());
+    ztk_print("Sparks: Loading %s\n", name.c_str());
     if (!display || !display->mArchiveManager)
         return;
     const am::File file = display->mArchiveManager->readFile(name);
     if (!file)
         return;
     xml::XmlParser document;
-    document.parse(reinterpret_cast<const char*>(file->data), int(file->length));
+    readNamed(name, [&] { document.parse(reinterpret_cast<const char*>(file->data), int(file->length)); });
     if (document.getName() != "spark")
         return;
     xml::IteratorConst it(&document, "instance");

@@ -3,16 +3,15 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
-#include <malloc.h>
+#include <string>
+#include <unistd.h>
 
 namespace {
 
-const int logBufferSize = 2048;
+char logBuffer[2048];
 
-char logBuffer[logBufferSize];
-
-// printf into `buffer`, cut to `size` bytes with the closing 0. A format that can't be printed leaves what
-// was written of it.
+// printf into `buffer`, cut to `size` bytes including the terminating 0. A format that can't be printed
+// leaves what was written before the failure.
 void formatBounded(char* buffer, size_t size, const char* format, va_list arguments) {
     buffer[0] = 0;
     vsnprintf(buffer, size, format ? format : "", arguments);
@@ -38,7 +37,7 @@ const char* orEmpty(const char* text) {
     return text ? text : "";
 }
 
-// Where the conversion that starts at the "%" `c` ends, if it is one that only prints "%"; else null.
+// The end of the conversion that starts at the "%" `c` if it prints nothing but "%"; otherwise null.
 const char* endOfPercentConversion(const char* c) {
     ++c;
     c += strspn(c, "-+ #0'I");
@@ -50,7 +49,7 @@ const char* endOfPercentConversion(const char* c) {
     return *c == '%' ? c + 1 : nullptr;
 }
 
-// Reads `text` as a printf format that has no arguments, in place.
+// Formats `text` in place, as printf would without any arguments.
 void printWithoutArguments(char* text) {
     char* out = text;
     for (const char* c = text; *c;) {
@@ -62,13 +61,39 @@ void printWithoutArguments(char* text) {
     *out = 0;
 }
 
+// Control characters in UTF-8: below 32, 127, and the two-byte codes from 0x80 to 0x9F.
+void maskControlCharacters(std::string& text) {
+    for (size_t i = 0; i < text.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        const auto next = static_cast<unsigned char>(i + 1 < text.size() ? text[i + 1] : 0);
+        if ((byte < 32 && byte != '\n' && byte != '\t') || byte == 127)
+            text[i] = '?';
+        else if (byte == 0xC2 && next >= 0x80 && next <= 0x9F)
+            text.replace(i, 2, "?");
+    }
+}
+
+void printMasked(const char* format, va_list arguments) {
+    va_list again;
+    va_copy(again, arguments);
+    const int length = vsnprintf(nullptr, 0, format, again);
+    va_end(again);
+    if (length < 0)
+        return;
+    std::string text(size_t(length) + 1, 0);
+    vsnprintf(text.data(), text.size(), format, arguments);
+    text.pop_back();
+    maskControlCharacters(text);
+    fputs(text.c_str(), stdout);
+}
+
 } // namespace
 
 void ztk_megasuperlogger(const char* level, const char* category, const char* file, int line,
                          const char* function, const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    formatBounded(logBuffer, logBufferSize, format, arguments);
+    formatBounded(logBuffer, sizeof(logBuffer), format, arguments);
     va_end(arguments);
     zentrak::ztk_log_callback({level, logBuffer, file, function, category, line});
 }
@@ -76,8 +101,18 @@ void ztk_megasuperlogger(const char* level, const char* category, const char* fi
 namespace zentrak {
 
 void ztk_log_callback(const LogData& data) {
-    printf("[%s][%s], %s (%s:%d)\n", orEmpty(data.level), withoutNamespace(orEmpty(data.function)),
-           orEmpty(data.message), withoutDirectories(orEmpty(data.file)), data.line);
+    ztk_print("[%s][%s], %s (%s:%d)\n", orEmpty(data.level), withoutNamespace(orEmpty(data.function)),
+              orEmpty(data.message), withoutDirectories(orEmpty(data.file)), data.line);
+}
+
+void ztk_print(const char* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    if (isatty(STDOUT_FILENO))
+        printMasked(format, arguments);
+    else
+        vprintf(format, arguments);
+    va_end(arguments);
 }
 
 Exception::Exception(const char* format, ...) {
@@ -96,13 +131,6 @@ Exception::~Exception() = default;
 
 const char* Exception::what() const noexcept {
     return mMessage;
-}
-
-void keepFreedMemory() {
-    mallopt(M_MMAP_THRESHOLD,
-            32 << 20); // what is larger still comes and goes by itself; the C library's most
-    mallopt(M_TRIM_THRESHOLD, 256 << 20);
-    mallopt(M_TOP_PAD, 16 << 20);
 }
 
 } // namespace zentrak

@@ -268,6 +268,16 @@ TEST_F(Seek, BeyondTheEndOfTheMusicGoesToItsEnd) {
     }
 }
 
+// Numbers of frames above 2^24 are not all floats.
+TEST_F(Seek, OneFrameBeforeTheEndOfLongMusicIsNotItsEnd) {
+    open(true, (1 << 24) + 1);
+    mKindler.mPaused = true;
+    mKindler.setTime(float(1 << 24) / 8000);
+    EXPECT_EQ(mKindler.mMusic.mStream->getPosition(), 1 << 24);
+    mKindler.setTime(float((1 << 24) + 2) / 8000);
+    EXPECT_EQ(mKindler.mMusic.mStream->getPosition(), (1 << 24) + 1);
+}
+
 TEST_F(Seek, BelowZeroGoesToZero) {
     open(true);
     mKindler.mPaused = true;

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -148,6 +149,27 @@ TEST(TheProgram, TheEndOfTheMusicExitsWithoutSaving) {
     EXPECT_FALSE(contains(program.output(), "error:")) << program.output();
 }
 
+TEST(TheProgram, TheEndOfTheMusicClosesTheSoundDevice) {
+    Program program;
+    prepare(program, "<music filename=\"tune.wav\"/>");
+    program.write("tune.wav", makeWav(800));
+    EXPECT_EQ(program.run(), 0);
+    EXPECT_FALSE(contains(program.output(), "AL lib")) << program.output(); // its complaint at the exit
+}
+
+TEST(TheProgram, TheLogIsCompleteHoweverTheProgramEnds) {
+    for (const int signal : {SIGINT, SIGTERM, SIGSEGV, SIGKILL}) {
+        Program program;
+        prepare(program);
+        program.start();
+        ASSERT_TRUE(program.focus());
+        EXPECT_TRUE(waitFor([&] { return isWhite(program); }));
+        kill(program.pid(), signal);
+        EXPECT_EQ(program.wait(), -1);
+        EXPECT_TRUE(contains(program.output(), "name: color, value: white\n")) << program.output();
+    }
+}
+
 TEST(TheProgram, APauseIsNotTheEndOfTheMusic) {
     Program program;
     prepare(program, "<music filename=\"tune.wav\"/>");
@@ -255,6 +277,36 @@ TEST(TheProgram, AMissingScriptIsTold) {
     EXPECT_EQ(program.read("setup.local.xml"), setup(program, NOSOUND));
 }
 
+// The log names the file before the error ends the program.
+TEST(TheProgram, AFileThatCanNotBeReadIsNamed) {
+    const struct {
+        const char* name;
+        const char* bytes; // null: the file is missing
+    } cases[] = {{"setup.local.xml", "<demo"},  {"script.xml", "<script"},
+                 {"layout.xml", "<panorama"},   {"style.xml", "<panorama"},
+                 {"spark/spark.xml", "<spark"}, {"border/border2.png", "\211PNG, but no picture"},
+                 {"face/face.o3d", nullptr}};
+    for (const auto& [name, bytes] : cases) {
+        Program program;
+        prepare(program);
+        const std::string path = program.dir().file(name);
+        const std::filesystem::path folder = std::filesystem::path(path).parent_path();
+        if (std::filesystem::is_symlink(folder)) { // a folder of data/: one of its own instead
+            const std::filesystem::path source = std::filesystem::canonical(folder);
+            std::filesystem::remove(folder);
+            std::filesystem::copy(source, folder, std::filesystem::copy_options::recursive);
+        }
+        std::filesystem::remove(path);
+        if (bytes)
+            program.write(name, bytes);
+        EXPECT_EQ(program.run(), 0) << name;
+        const std::string output = program.output();
+        const size_t at = output.find("The file '" + std::string(name) + "' can't be read");
+        EXPECT_NE(at, std::string::npos) << name << output;
+        EXPECT_GT(output.find("\nerror: "), at) << name << output;
+    }
+}
+
 TEST(TheProgram, AnEffectThatCanNotLoadIsToldAndTheSetupSaved) {
     Program program;
     prepare(program);
@@ -319,6 +371,9 @@ TEST(TheProgram, MissingAndUndecodableMusicPlaysSilently) {
         std::filesystem::create_directory(program.dir().file("folder"));
         playAndQuit(program);
         EXPECT_TRUE(contains(program.output(), "Could not open file\n")) << name << program.output();
+        const bool isNamed =
+            contains(program.output(), "The music '" + std::string(name) + "' is not played");
+        EXPECT_EQ(isNamed, *name != 0) << name;
     }
 }
 

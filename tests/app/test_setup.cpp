@@ -2,6 +2,8 @@
 #include "am_videofile.h"
 #include "kin_main.h"
 #include "support.h"
+#include "xml_iterator.h"
+#include "xml_parser.h"
 #include "ztk_system.h"
 
 #include <cmath>
@@ -533,6 +535,62 @@ TEST_F(SetupFile, ADiskThatIsFullWhileSavingLeavesTheOldFileWhole) {
     EXPECT_EQ(read("setup.local.xml"), text);
     kindler.saveXml();
     EXPECT_NE(read("setup.local.xml").find("start=\"5.00\""), std::string::npos);
+}
+
+TEST_F(SetupFile, SettingsThatCanNotBeSavedAreLogged) {
+    write("setup.local.xml", "<demo><other>" + std::string(100000, 'x') + "</other></demo>");
+    Kindler kindler;
+    kindler.setup();
+    CaptureStdout out;
+    rlimit before;
+    getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit small = {50000, before.rlim_max}; // enough for what is printed
+    const auto handler = signal(SIGXFSZ, SIG_IGN);
+    setrlimit(RLIMIT_FSIZE, &small);
+    kindler.saveXml();
+    setrlimit(RLIMIT_FSIZE, &before);
+    signal(SIGXFSZ, handler);
+    EXPECT_NE(out.text().find("The settings can't be saved in 'setup.local.xml'"), std::string::npos);
+}
+
+TEST_F(SetupFile, NoValueBecomesElementsWhenItIsSaved) {
+    write("setup.local.xml", "<demo><display title='\"/><script filename=\"evil.xml\"/><a b=\"'/>"
+                             "<!x '><script filename=\"evil.xml\"/>'><!y z>"
+                             "<a><b c='\"/><script a=\"'/></a></demo>");
+    Kindler().setup(); // and its end saves
+    EXPECT_EQ(
+        read("setup.local.xml"),
+        "<demo>\n<display title=\"'/><script filename='evil.xml'/><a b='\" fullscreen=\"off\"/>\n<!y z>\n"
+        "<a>\n<b c=\"'/><script a='\"/>\n</a>\n<time start=\"0.00\" loop=\"off\"/>\n</demo>\n");
+    xml::XmlParser saved;
+    saved.parse(read("setup.local.xml"));
+    EXPECT_FALSE(++saved.createIterator("script"));
+}
+
+TEST_F(SetupFile, BrokenFilesAreNamedInTheLog) {
+    write("setup.xml", "<demo");
+    Kindler first;
+    problem(first);
+    EXPECT_NE(mPrinted.find("The file 'setup.xml' can't be read"), std::string::npos) << mPrinted;
+    write("setup.local.xml", "<demo");
+    Kindler second;
+    problem(second);
+    EXPECT_NE(mPrinted.find("The file 'setup.local.xml' can't be read"), std::string::npos) << mPrinted;
+    for (const char* script : {"<script", "<show></show>", "<script><effect><spline/></effect></script>"}) {
+        write("setup.local.xml", "<demo><script filename=\"show.xml\"/></demo>");
+        write("show.xml", script);
+        Kindler third;
+        problem(third);
+        EXPECT_NE(mPrinted.find("'show.xml' can't be "), std::string::npos) << mPrinted;
+    }
+}
+
+TEST_F(SetupFile, AShowOfNothingIsLogged) {
+    write("setup.xml", "<demo><display width=\"320\" height=\"200\"/></demo>");
+    Kindler kindler;
+    problem(kindler);
+    EXPECT_NE(mPrinted.find("There is nothing to play: no script in 'setup.xml'"), std::string::npos)
+        << mPrinted;
 }
 
 TEST_F(SetupFile, AbsurdValuesAreSavedWhole) {

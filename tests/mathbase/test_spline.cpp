@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <csignal>
+#include <cstring>
 #include <gtest/gtest.h>
 #include <limits>
 
@@ -287,4 +288,34 @@ TEST(Spline, KeysOfEqualTimeJumpFromTheEarlierToTheLater) {
     EXPECT_EQ(0.5f, spline.evaluate(0.5f));
     EXPECT_EQ(5.0f, spline.evaluate(1));
     EXPECT_EQ(5.5f, spline.evaluate(1.5f));
+}
+
+TEST(Spline, KeysSetAtOnceAreThoseAddedOneByOne) {
+    uint32_t state = 1;
+    const auto draw = [&state](int below) { return int((state = state * 69069 + 5) >> 16) % below; };
+    for (int count = 0; count < 40; ++count) {
+        for (const int mode : {0, 1, 2}) {
+            std::vector<Key> keys;
+            Spline added, set;
+            added.mMode = set.mMode = mode;
+            for (int i = 0; i < count; ++i) {
+                keys.push_back({float(draw(20)), float(draw(1000)), 0, 0});
+                added.addKey(keys.back());
+            }
+            set.setKeys(keys);
+            ASSERT_EQ(set.getNumKeys(), count);
+            EXPECT_EQ(set.mCurrent, added.mCurrent);
+            EXPECT_EQ(set.mMin, added.mMin);
+            EXPECT_EQ(set.mMax, added.mMax);
+            for (size_t i = 0; i < size_t(count); ++i)
+                EXPECT_EQ(memcmp(&set.mKeys[i], &added.mKeys[i], sizeof(Key)), 0);
+        }
+    }
+}
+
+TEST(Spline, KeysSetAtOnceHaveThoseWithoutATimeLast) {
+    Spline spline;
+    spline.mMode = 1;
+    spline.setKeys({{notANumber, 3}, {infinity, 2}, {notANumber, 4}, {0, 0}, {1, 1}});
+    EXPECT_EQ(values(spline), (std::vector<float>{0, 1, 2, 3, 4}));
 }

@@ -206,30 +206,49 @@ TEST(LoadXml, CommentsAndTextAmongTheElementsAreNothing) {
     EXPECT_EQ(script.mEffects.size(), 1u);
 }
 
-TEST(LoadXml, ANestUpToTheLimitLoadsAndPlaysAndADeeperOneFails) {
-    auto nest = [](int depth) {
-        std::string text = "<script>";
-        for (int i = 0; i < depth; ++i)
-            text += "<effect name=\"e\" end=\"9\">";
-        for (int i = 0; i < depth; ++i)
-            text += "</effect>";
-        return text + "</script>";
-    };
+TEST(LoadXml, NoNestIsTooDeepToLoadPlayAndFree) {
+    constexpr int DEPTH = 300000;
+    std::string text = "<script>";
+    for (int i = 0; i < DEPTH; ++i)
+        text += "<effect name=\"e\" end=\"9\">";
+    for (int i = 0; i < DEPTH; ++i)
+        text += "</effect>";
     struct Counter : Callback {
-        int count = 0;
-        void update(float, float, float) override { ++count; }
+        int entered = 0, left = 0;
+        void update(float, float, float) override { ++entered; }
+        void postUpdate(float, float, float) override { ++left; }
     } counter;
-    Loaded deepest(nest(LoadXML::MAX_DEPTH));
-    EXPECT_TRUE(deepest.ok);
-    deepest.addCallback("e", &counter);
-    deepest.update(1);
-    EXPECT_EQ(counter.count, LoadXML::MAX_DEPTH);
+    Loaded nest(text + "</script>");
+    EXPECT_TRUE(nest.ok);
+    nest.addCallback("e", &counter);
+    nest.update(1);
+    EXPECT_EQ(counter.entered, DEPTH);
+    EXPECT_EQ(counter.left, DEPTH);
+}
 
+TEST(LoadXml, ASpanThatHoldsOneThatCannotBeLoadedIsNotLoadedEither) {
+    xml::XmlParser parser;
+    parser.parse(std::string("<root><effect><effect name=\"whole\"/><effect><effect end=\"1\"/><effect>"
+                             "<spline/></effect></effect></effect></root>"));
+    const xml::XmlParser& root = parser;
+    xml::IteratorConst effects = root.createIterator("effect");
+    ASSERT_TRUE(++effects);
+    Effect effect;
+    EXPECT_FALSE(LoadXML().loadEffect(effects, &effect));
+    ASSERT_EQ(effect.mChildren.size(), 1u);
+    EXPECT_EQ(effect.mChildren[0]->mName, "whole");
+}
+
+TEST(LoadXml, AScriptThatCannotBeReadIsNamedInTheLog) {
+    const test::TempDir dir;
+    ScriptEngine engine;
     CaptureStdout out;
-    const Loaded deeper(nest(LoadXML::MAX_DEPTH + 1));
-    EXPECT_FALSE(deeper.ok);
-    EXPECT_TRUE(deeper.mEffects.empty());
-    EXPECT_NE(out.text().find("The script's effects are nested more than 256 deep"), std::string::npos);
+    EXPECT_FALSE(LoadXML().load(dir.file("missing.xml").c_str(), engine));
+    EXPECT_NE(out.text().find("The script '" + dir.file("missing.xml") + "' can't be read"),
+              std::string::npos);
+    test::writeFile(dir.file("broken.xml"), "<script");
+    EXPECT_THROW(LoadXML().load(dir.file("broken.xml").c_str(), engine), Exception);
+    EXPECT_NE(out.text().find("The file '" + dir.file("broken.xml") + "' can't be read"), std::string::npos);
 }
 
 TEST(LoadXml, AbsurdNumbersAreTakenAndHarmNothing) {

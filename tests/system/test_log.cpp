@@ -1,8 +1,14 @@
 #include "support.h"
 #include "ztk_system.h"
 
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <new>
 #include <string>
+#include <unistd.h>
 
 using zentrak::Exception;
 using zentrak::LogData;
@@ -98,6 +104,40 @@ TEST(Log, PercentSignInAnArgumentIsPrintedAsItIs) {
 
 TEST(Log, NullTextsPrintAsEmptyOnes) {
     EXPECT_EQ("[][],  (:0)\n", printed({nullptr, nullptr, nullptr, nullptr, nullptr, 0}));
+}
+
+// What a text looks like on a terminal.
+std::string printedOnATerminal(const std::string& text) {
+    const int terminal = posix_openpt(O_RDWR | O_NOCTTY);
+    EXPECT_EQ(grantpt(terminal) | unlockpt(terminal), 0);
+    const int far = open(ptsname(terminal), O_RDWR | O_NOCTTY);
+    fflush(stdout);
+    const int before = dup(STDOUT_FILENO);
+    dup2(far, STDOUT_FILENO);
+    zentrak::ztk_print("%s", text.c_str());
+    fflush(stdout);
+    dup2(before, STDOUT_FILENO);
+    char bytes[256];
+    const ssize_t size = read(terminal, bytes, sizeof(bytes));
+    for (const int file : {terminal, far, before})
+        close(file);
+    return std::string(bytes, size_t(std::max<ssize_t>(size, 0)));
+}
+
+TEST(Log, OnATerminalControlCharactersShowAsQuestionMarks) {
+    const std::string text = "a\tb \033[2J\a\r\177 \302\2335n \303\251\n";
+    EXPECT_EQ(printedOnATerminal(text), "a\tb ?[2J??? ?5n \303\251\r\n"); // the terminal adds the \r
+    CaptureStdout capture;
+    zentrak::ztk_print("%s", text.c_str());
+    EXPECT_EQ(capture.text(), text);
+}
+
+TEST(Log, AReaderThatThrowsIsPrecededByTheNameOfItsFile) {
+    CaptureStdout capture;
+    EXPECT_EQ(zentrak::readNamed("good.xml", [] { return 7; }), 7);
+    EXPECT_EQ(capture.text(), "");
+    EXPECT_THROW(zentrak::readNamed("bad.xml", [] { throw std::bad_alloc(); }), std::bad_alloc);
+    EXPECT_EQ(capture.text().find("[error][readNamed], The file 'bad.xml' can't be read (ztk_system.h:"), 0u);
 }
 
 TEST(Exception, WhatAfterConstructionReturnsTheFormattedText) {

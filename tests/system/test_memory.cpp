@@ -1,4 +1,4 @@
-#include "ztk_system.h"
+#include "ztk_memory.h"
 
 #include <cstdlib>
 #include <cstring>
