@@ -7,17 +7,21 @@ namespace zentrak::am {
 
 class ArchiveDirectory : public ArchiveBase {
 public:
-    explicit ArchiveDirectory(const std::string& directory); // appends a "/", also behind one that is there
+    explicit ArchiveDirectory(const std::string& directory); // a "/" is appended, even to one that is there
 
-    // Names go behind the base path as they are: ".." leads out of it. Only regular files are files: a
-    // directory, a pipe or a device gives an empty pointer, at once.
+    // The name is appended to the base path as it is: ".." leads out of it. Only regular files count: a
+    // directory, a pipe or a device gives an empty pointer, without waiting for it.
     File read(const std::string& name) override;
 
-    // Writes the file whole or not at all, creating the directories that it needs. A file that is there keeps
-    // its mode, a symbolic link its target, and after any failure both are as they were.
+    // Creates the directories that the name needs. A file that is there is replaced in one step, so that
+    // after a failure it is as it was, and keeps its mode; a symbolic link keeps its target. Where the folder
+    // takes no new file, or the file is a mount of its own, it is overwritten in place instead.
     bool write(File file) override;
 
-    // Creates every directory that `path` names before its last separator; true if they are all there.
+    // A link of the file's own name is replaced by the file.
+    bool writeWithoutLinks(File file) override;
+
+    // Creates every directory that `path` names before its last separator; true if all exist then.
     static bool createFullDirectory(const std::string& path);
 
     const std::string& getPath() const { return path; } // ends in "/"

@@ -1,5 +1,4 @@
-// All named files of the program: an ordered list of archives, searched front to back, and the images in
-// them.
+// All named files of the program: an ordered list of archives, searched from first to last.
 #pragma once
 
 #include "am_archive.h"
@@ -19,20 +18,19 @@ public:
     ArchiveManager& operator=(const ArchiveManager&) = delete;
 
     // Adds a directory ("data", "./", "a.b/c") or a zip file ("zip://data.zip" and no other form); the index
-    // of the new archive, or -1 for anything else. Nothing is opened to see whether it is there: an archive
-    // that is not has no files.
+    // of the new archive, or -1 for anything else. A missing archive is added all the same, and has no files.
     int addArchive(const std::string& path);
 
-    // The first archive that has the file gives it, whatever `archive` says; empty if none has.
+    // The file from the first archive that has it, whatever `archive` says; empty if none has.
     File readFile(const std::string& name, int archive = -1);
 
     // Writes into the archive with that index, or the first one for -1. False if there is no such archive, it
-    // is a zip, or the file could not be written whole (it is then as it was before).
+    // is a zip, or the file could not be written whole.
     bool writeFile(File file, int archive = -1);
 
-    // Encodes by the name's extension and writes to the first archive. False if no codec writes that
-    // extension or the file could not be written. Throws for a null image and for one held by the image
-    // cache.
+    // Encodes by the name's extension and writes to the first archive, but neither outside it nor through a
+    // symbolic link. False if no codec writes that extension or the file could not be written. Throws for a
+    // null image and for one held by the image cache.
     bool writeImage(const std::string& name, Image& image);
 
     // Reads and decodes. `writable` false: shared through the cache, read-only. True: the caller's own.

@@ -7,11 +7,12 @@ namespace zentrak::am {
 
 class ArchiveZIP : public ArchiveBase {
 public:
-    explicit ArchiveZIP(const std::string& path); // a file that is missing or no zip makes an empty archive
+    explicit ArchiveZIP(
+        const std::string& path); // a file that is missing or not a zip makes an empty archive
     ~ArchiveZIP() override;
 
     // One leading "." and then one leading "/" or "\" of the name are dropped; case counts. Empty if the
-    // entry is missing, a directory, encrypted or damaged.
+    // entry is missing, encrypted or damaged. The entry of a folder, such as "sub/", is a file of no bytes.
     File read(const std::string& name) override;
 
     bool write(File file) override; // false, always

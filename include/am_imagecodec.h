@@ -1,4 +1,4 @@
-// What a codec can do: turn the bytes of an image file into pixels, and perhaps back.
+// Turns the bytes of an image file into pixels, and perhaps back.
 #pragma once
 
 #include "am_image.h"
@@ -15,19 +15,23 @@ public:
     virtual ~ImageCodec();
 
     // Gives `image` the size and the pixels in `data`. Throws zentrak::Exception, and leaves the image as it
-    // is, if the bytes are no whole image of a supported kind.
+    // is, if the bytes aren't a whole image of a supported kind.
     virtual void decodeImage(const unsigned char* data, unsigned long length, ImageObject& image) = 0;
 
-    // Encodes the pixels of a private image; the caller owns `*data`, made with new[]. False, and nothing
-    // touched, if that can't be done. Throws "ImageObbject::getWriteData, Access not allowed!" for a cached
+    // Encodes the pixels of a private image; the caller owns `*data`, made with new[]. False, with nothing
+    // changed, if that can't be done. Throws "ImageObbject::getWriteData, Access not allowed!" for a cached
     // one.
     virtual bool encodeImage(unsigned char** data, unsigned long* length, ImageObject& image);
 
     virtual std::string getFormatString() const = 0; // the extension, lower-case
     virtual bool canWrite() const;                   // false
 
-    // No picture has more pixels than this: 16384 by 16384, whatever its header claims.
-    static constexpr unsigned long MAX_PIXELS = 1UL << 28;
+    // No picture has more pixels than this, 8192 by 8192 for one.
+    static constexpr unsigned long MAX_PIXELS = 1UL << 26;
+
+protected:
+    // Throws "[ImageCodec] %lu by %lu pixels are too many, %lu is the most" for more than MAX_PIXELS.
+    static void checkSize(unsigned long width, unsigned long height);
 };
 
 } // namespace zentrak::am

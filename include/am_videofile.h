@@ -51,14 +51,17 @@ protected:
 
 static_assert(sizeof(VideoFile::Format) == 16);
 
-// "dump.png" writes "dump.000000.png", "dump.000001.png" and so on into the first archive.
+// Opened as "dump.png" it writes "dump.000000.png", "dump.000001.png" and so on into the first archive. A
+// link in the place of a frame is replaced, and no linked folder is entered.
 class VideoFileImageDumper : public VideoFile {
 public:
-    // Writes the attached image under the next number; whether that worked is not looked at. False if the
-    // dumper is not open. Throws for a null image and for one held by the image cache.
+    // Writes the attached image under the next number, and ignores a failure to do so. False if the dumper is
+    // not open. Throws for a null image and for one held by the image cache.
     bool writeFrame() override;
 
     using VideoFile::openForRead;
+    // False without an archive, for an extension other than "png", and for a name that leaves the archive's
+    // folder: an absolute one, or one with "..".
     bool openForWrite(const std::string& name, const Format& format, ArchiveManager* archive) override;
 
     void attach(Image& image) override; // keeps a handle on the image, which has to be a private one

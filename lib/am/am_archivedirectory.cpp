@@ -1,5 +1,8 @@
 #include "am_archivedirectory.h"
 
+#include "am_text.h"
+#include "ztk_system.h"
+
 #include <cerrno>
 #include <climits>
 #include <cstdio>
@@ -8,6 +11,7 @@
 #include <new>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace zentrak::am {
 
@@ -18,8 +22,11 @@ class Descriptor {
 public:
     explicit Descriptor(int fd) : mFd(fd) {}
     ~Descriptor() { close(); }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
+    Descriptor(Descriptor&& other) noexcept : mFd(std::exchange(other.mFd, -1)) {}
+    Descriptor& operator=(Descriptor&& other) noexcept {
+        std::swap(mFd, other.mFd);
+        return *this;
+    }
 
     bool isOpen() const { return mFd >= 0; }
     int get() const { return mFd; }
@@ -34,15 +41,6 @@ public:
 private:
     int mFd;
 };
-
-bool isSeparator(char c) {
-    return c == '/' || c == '\\';
-}
-
-// A name with a zero byte in it would be cut there by the system, and mean another file.
-bool isWholeName(const std::string& name) {
-    return name.find('\0') == std::string::npos;
-}
 
 // Reads until `data` holds `length` bytes or the file ends; the number of bytes read, or -1.
 long readAll(int fd, unsigned char* data, long length) {
@@ -73,12 +71,8 @@ bool writeAll(int fd, const unsigned char* data, long length) {
     return true;
 }
 
-std::string folderOf(const std::string& path) {
-    return path.substr(0, path.rfind('/') + 1);
-}
-
-// Follows symbolic links at the end of `path`, to a target that need not be there. Links that go in circles
-// are left for the next call on the path to refuse.
+// Follows symbolic links at the end of `path`, to a target that need not be there. Empty for links that go in
+// circles.
 std::string followLinks(std::string path) {
     constexpr int maxLinks = 40; // as many as the kernel follows
     for (int links = 0; links < maxLinks; ++links) {
@@ -89,19 +83,39 @@ std::string followLinks(std::string path) {
         std::string link(target, size_t(length));
         path = link[0] == '/' ? link : folderOf(path) + link;
     }
-    return path;
+    return std::string();
 }
 
-// Creates a file of a name that nothing in `folder` has, for writing; its name goes to `name`.
-int createTemporary(const std::string& folder, std::string& name) {
+Descriptor openFolder(const std::string& path) {
+    return Descriptor(::open(path.empty() ? "." : path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+}
+
+// The folder of `name`, which starts at `base`, with what is missing of it created. No link below `base` is
+// followed.
+Descriptor openFolderWithoutLinks(const std::string& base, const std::string& name) {
+    Descriptor folder = openFolder(base);
+    const std::string parents = folderOf(name);
+    for (size_t start = 0, end; (end = parents.find('/', start)) != std::string::npos; start = end + 1) {
+        const std::string part = parents.substr(start, end - start);
+        if (part.empty())
+            continue;
+        ::mkdirat(folder.get(), part.c_str(), 0777);
+        folder =
+            Descriptor(::openat(folder.get(), part.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    }
+    return folder;
+}
+
+// Creates a file for writing under a name that nothing in `folder` has; the name goes to `name`.
+Descriptor createTemporary(int folder, std::string& name) {
     constexpr int maxTries = 1000;
     for (int i = 0; i < maxTries; ++i) {
-        name = folder + ".zentrak-" + std::to_string(::getpid()) + "-" + std::to_string(i) + ".tmp";
-        int fd = ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        name = ".zentrak-" + std::to_string(::getpid()) + "-" + std::to_string(i) + ".tmp";
+        int fd = ::openat(folder, name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
         if (fd >= 0 || errno != EEXIST)
-            return fd;
+            return Descriptor(fd);
     }
-    return -1;
+    return Descriptor(-1);
 }
 
 // Writes the bytes into the temporary file `fd` and gives it the owner and mode of `old`, if there is one.
@@ -116,9 +130,52 @@ bool fill(int fd, const FileStructure& file, const struct stat* old) {
     return ::fchmod(fd, bits) == 0 && ::fsync(fd) == 0;
 }
 
+// Room for all bytes is taken before the first of the old ones is overwritten, so that a full disk leaves the
+// file as it is.
+bool writeInPlace(int fd, const FileStructure& file, off_t oldLength) {
+    if (file.length > oldLength && ::posix_fallocate(fd, 0, file.length) != 0) {
+        if (::ftruncate(fd, oldLength) != 0)
+            ZTK_LOG("error", "am", "'%s' can't be cut to its old length", file.filename.c_str());
+        return false;
+    }
+    return writeAll(fd, file.data, file.length) && ::ftruncate(fd, file.length) == 0 && ::fsync(fd) == 0;
+}
+
+// Writes the file as `name` in `folder`; a link of that name is replaced.
+bool replaceFile(int folder, const std::string& name, const FileStructure& file) {
+    // What is there must be a regular file that could be written in place. Opening does not wait for the
+    // other end of a pipe.
+    constexpr int flags = O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC | O_NOFOLLOW;
+    Descriptor old(::openat(folder, name.c_str(), flags));
+    struct stat status {};
+    if (old.isOpen() ? ::fstat(old.get(), &status) != 0 || !S_ISREG(status.st_mode)
+                     : errno != ENOENT && errno != ELOOP)
+        return false;
+
+    std::string temporaryName;
+    Descriptor temporary = createTemporary(folder, temporaryName);
+    if (temporary.isOpen()) {
+        // Renamed only when whole: at every moment the target is the old file or the new one.
+        bool full = fill(temporary.get(), file, old.isOpen() ? &status : nullptr);
+        full = temporary.close() && full;
+        if (full && ::renameat(folder, temporaryName.c_str(), folder, name.c_str()) == 0)
+            return true;
+        ::unlinkat(folder, temporaryName.c_str(), 0);
+        if (!full)
+            return false;
+    }
+    // A folder that takes no new file, or a file that is a mount of its own.
+    return old.isOpen() && writeInPlace(old.get(), file, status.st_size);
+}
+
+bool isWritable(const File& file) {
+    return !file.isNull() && file->length >= 0 && (file->length == 0 || file->data) &&
+           isWholeName(file->filename);
+}
+
 } // namespace
 
-// A "/" is appended in any case: "data/" becomes "data//", which names the same directory.
+// Also "data/" becomes "data//", which names the same directory.
 ArchiveDirectory::ArchiveDirectory(const std::string& directory) : path(directory + "/") {}
 
 File ArchiveDirectory::read(const std::string& name) {
@@ -128,6 +185,10 @@ File ArchiveDirectory::read(const std::string& name) {
     struct stat status {};
     if (!fd.isOpen() || ::fstat(fd.get(), &status) != 0 || !S_ISREG(status.st_mode))
         return File();
+    if (status.st_size > MAX_LENGTH) {
+        reportLength(path + name);
+        return File();
+    }
 
     auto file = std::make_unique<FileStructure>();
     file->filename = name;
@@ -141,37 +202,23 @@ File ArchiveDirectory::read(const std::string& name) {
 }
 
 bool ArchiveDirectory::write(File file) {
-    if (file.isNull() || file->length < 0 || (file->length > 0 && !file->data) ||
-        !isWholeName(file->filename))
+    if (!isWritable(file))
         return false;
-    std::string name = path + file->filename;
-    std::string target = followLinks(name);
-
-    // What is there must be a regular file that could be written in place. Opening does not wait for the
-    // other end of a pipe.
-    Descriptor old(::open(target.c_str(), O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-    struct stat status {};
-    if (old.isOpen() ? ::fstat(old.get(), &status) != 0 || !S_ISREG(status.st_mode) : errno != ENOENT)
+    const std::string name = path + file->filename;
+    const std::string target = followLinks(name);
+    if (target.empty())
         return false;
+    Descriptor folder = openFolder(folderOf(target));
+    if (!folder.isOpen() && createFullDirectory(name))
+        folder = openFolder(folderOf(target));
+    return folder.isOpen() && replaceFile(folder.get(), baseOf(target), *file);
+}
 
-    std::string temporaryName;
-    int fd = createTemporary(folderOf(target), temporaryName);
-    if (fd < 0) {
-        if (!createFullDirectory(name))
-            return false;
-        fd = createTemporary(folderOf(target), temporaryName);
-    }
-    Descriptor temporary(fd);
-    if (!temporary.isOpen())
+bool ArchiveDirectory::writeWithoutLinks(File file) {
+    if (!isWritable(file) || !staysInFolder(file->filename))
         return false;
-
-    // Renamed only when whole: at every moment the target is the old file or the new one.
-    bool ok = fill(temporary.get(), *file, old.isOpen() ? &status : nullptr);
-    ok = temporary.close() && ok;
-    ok = ok && ::rename(temporaryName.c_str(), target.c_str()) == 0;
-    if (!ok)
-        ::unlink(temporaryName.c_str());
-    return ok;
+    Descriptor folder = openFolderWithoutLinks(path, file->filename);
+    return folder.isOpen() && replaceFile(folder.get(), baseOf(file->filename), *file);
 }
 
 bool ArchiveDirectory::createFullDirectory(const std::string& path) {

@@ -12,11 +12,7 @@ namespace {
 const char cProtocolMark[] = "://";
 const size_t cProtocolMarkLength = sizeof cProtocolMark - 1;
 
-bool isSeparator(char c) {
-    return c == '/' || c == '\\';
-}
-
-// Where "://" starts behind a word at the start of `path`, or npos.
+// Where "://" starts after the first word of `path`, or npos.
 size_t findProtocol(const std::string& path) {
     for (size_t i = 0; i < path.size() && !isSeparator(path[i]); ++i)
         if (path.compare(i, cProtocolMarkLength, cProtocolMark) == 0)
@@ -24,8 +20,8 @@ size_t findProtocol(const std::string& path) {
     return std::string::npos;
 }
 
-// The last component from its last dot on, with the dot, or nothing. It never reads "zip", because of the
-// dot: a zip file is added by its protocol only.
+// The extension of the last component, with its dot, or nothing. Because of the dot it is never "zip": a zip
+// file is only added by its protocol.
 std::string findType(const std::string& path) {
     size_t i = path.find_last_of("./\\");
     return i != std::string::npos && path[i] == '.' ? path.substr(i) : std::string();
@@ -77,7 +73,7 @@ ArchiveBase* ArchiveManager::archiveAt(int archive) const {
     return archive >= 0 && size_t(archive) < mArchives.size() ? mArchives[size_t(archive)] : nullptr;
 }
 
-// The walk decides: the archive asked for costs one read more and gives its answer to nobody.
+// The archive that is asked for costs one more read; the order of addition decides all the same.
 File ArchiveManager::readFile(const std::string& name, int archive) {
     File file;
     if (ArchiveBase* asked = archiveAt(archive))
@@ -97,7 +93,8 @@ bool ArchiveManager::writeFile(File file, int archive) {
 
 bool ArchiveManager::writeImage(const std::string& name, Image& image) {
     File file = mImageManager->encodeImage(name, image);
-    return !file.isNull() && writeFile(file, -1);
+    ArchiveBase* target = archiveAt(0);
+    return !file.isNull() && target && target->writeWithoutLinks(file);
 }
 
 Image ArchiveManager::loadImage(const std::string& name, int archive, bool writable) {

@@ -13,14 +13,13 @@
 
 #include <jerror.h>
 
-// The handlers throw through the library's frames: on x86-64 every function has unwind tables, those of C as
-// well.
+// The handlers throw through the library's frames: on x86-64 C functions have unwind tables too.
 
 namespace zentrak::am {
 
 namespace {
 
-// Frees what the library holds, on every way out; doing so twice is allowed.
+// Frees what the library holds, which may be done twice.
 struct Decompress : jpeg_decompress_struct {
     Decompress() : jpeg_decompress_struct() {}
     Decompress(const Decompress&) = delete;
@@ -33,7 +32,7 @@ struct Decompress : jpeg_decompress_struct {
     throw Exception("Internal jpeglib error; %s", text);
 }
 
-// Warnings come here as well, and end the decoding too.
+// Warnings come here too, and are as fatal.
 [[noreturn]] void ImageCodec_JPEG_output_message(j_common_ptr cinfo) {
     char text[JMSG_LENGTH_MAX];
     cinfo->err->format_message(cinfo, text);
@@ -42,15 +41,15 @@ struct Decompress : jpeg_decompress_struct {
 
 [[noreturn]] void ImageCodec_JPEG_error_exit(j_common_ptr cinfo) {
     cinfo->err->output_message(cinfo);
-    std::abort(); // the output handler does not come back
+    std::abort(); // never reached: the output handler throws
 }
 
 void ImageCodec_JPEG_init_source(j_decompress_ptr) {}
 
 void ImageCodec_JPEG_term_source(j_decompress_ptr) {}
 
-// There is no more data than was there at the start. Asking for more is a file that ends too soon: that is a
-// warning, and thus the end. The marker is for a library that goes on all the same.
+// The whole file was there from the start, so a request for more means that it ends too soon. The warning
+// ends the decoding; the marker is for a library that goes on all the same.
 boolean ImageCodec_JPEG_fill_input_buffer(j_decompress_ptr cinfo) {
     static const JOCTET endOfImage[] = {0xff, JPEG_EOI};
     cinfo->src->next_input_byte = endOfImage;
@@ -72,27 +71,25 @@ unsigned long pixelsOf(const jpeg_decompress_struct& cinfo) {
     return static_cast<unsigned long>(cinfo.image_width) * cinfo.image_height;
 }
 
-// A few bytes can hold a scan over the whole picture, so that a small file could keep us busy for hours. The
-// largest picture may have 16 scans, which is more than encoders make, and smaller ones more.
+// A few bytes can hold a scan of the whole picture, so that a small file could keep us busy for hours. The
+// largest picture may have 64 scans, which is more than encoders make, and smaller ones more.
 void limitScans(j_common_ptr common) {
     constexpr unsigned long maxScans = 500;
-    constexpr unsigned long maxPixels = 16 * ImageCodec::MAX_PIXELS; // of all scans
+    constexpr unsigned long maxPixels = 64 * ImageCodec::MAX_PIXELS; // of all scans
     const jpeg_decompress_struct& cinfo = *reinterpret_cast<j_decompress_ptr>(common);
     const unsigned long scans = static_cast<unsigned long>(cinfo.input_scan_number);
     if (scans > maxScans || scans * pixelsOf(cinfo) > maxPixels)
         fail(common, "Too many scans");
 }
 
-// False for a picture that is too large, or that no file of this length can hold: each block takes a bit at
-// the least, and one that is drawn four times as wide and high covers 32 by 32 pixels. Arithmetic coding
-// packs closer.
-bool isSizeGood(const jpeg_decompress_struct& cinfo, unsigned long length) {
+// Can a file of this length hold the picture? Each block takes at least a bit, and one that is drawn four
+// times as wide and high covers 32 by 32 pixels. Arithmetic coding packs closer.
+bool fits(const jpeg_decompress_struct& cinfo, unsigned long length) {
     constexpr unsigned long pixelsPerByte = 32 * 32 * 8;
-    const unsigned long pixels = pixelsOf(cinfo);
-    return pixels <= ImageCodec::MAX_PIXELS && (cinfo.arith_code || pixels <= length * pixelsPerByte);
+    return cinfo.arith_code || pixelsOf(cinfo) <= length * pixelsPerByte;
 }
 
-// Colour and gray are turned into our own order by the library, CMYK by us.
+// The library converts colour and gray to our order of bytes; CMYK is converted here.
 void chooseOutput(jpeg_decompress_struct& cinfo) {
     switch (cinfo.jpeg_color_space) {
     case JCS_GRAYSCALE:
@@ -145,8 +142,9 @@ void ImageCodecJPEG::decodeImage(const unsigned char* data, unsigned long length
     cinfo.progress = &progress;
 
     jpeg_read_header(&cinfo, TRUE);
-    if (!isSizeGood(cinfo, length))
-        ERREXIT1(&cinfo, JERR_IMAGE_TOO_BIG, JPEG_MAX_DIMENSION);
+    checkSize(cinfo.image_width, cinfo.image_height);
+    if (!fits(cinfo, length))
+        ERREXIT(&cinfo, JERR_INPUT_EOF);
     chooseOutput(cinfo);
     jpeg_start_decompress(&cinfo);
     const unsigned width = cinfo.output_width, height = cinfo.output_height;

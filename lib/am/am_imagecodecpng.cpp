@@ -10,9 +10,8 @@
 #include <png.h>
 #include <vector>
 
-// The library leaves by a long jump, which runs no destructors. So each jump starts and ends within one of
-// the functions `readPng` and `writePng`, which hold plain values only; what has to be freed is held by their
-// callers.
+// The library reports errors by a long jump, which runs no destructors. So each jump stays within `readPng`
+// or `writePng`, which have only plain variables; what has to be freed is held by their callers.
 
 namespace zentrak::am {
 
@@ -56,7 +55,7 @@ struct WriteStruct {
     ~WriteStruct() { png_destroy_write_struct(&mPng, &mInfo); }
 };
 
-// In the place of the library's own handlers, which print.
+// Instead of the library's own handlers, which print.
 void pngError(png_structp png, png_const_charp) {
     png_longjmp(png, 1);
 }
@@ -88,30 +87,34 @@ unsigned bigEndian(const unsigned char* bytes) {
     return unsigned(bytes[0]) << 24 | unsigned(bytes[1]) << 16 | unsigned(bytes[2]) << 8 | bytes[3];
 }
 
-// The library takes memory for all that the header claims before it reads a pixel. False if no file of this
-// length can hold that much: nothing packs by more than 1032 to 1. Without a header it is for the library to
-// say.
-bool canHoldPicture(const unsigned char* data, unsigned long length) {
-    constexpr size_t headerType = 12, width = 16, height = 20, depth = 24, colourType = 25, headerEnd = 33;
-    constexpr unsigned long ratio = 1032;
-    if (length < headerEnd || std::memcmp(data + headerType, "IHDR", 4) != 0)
-        return true;
-    constexpr unsigned channels[] = {1, 1, 3, 1, 2, 1, 4, 1}; // by colour type
-    unsigned long columns = bigEndian(data + width), rows = bigEndian(data + height);
-    if (columns == 0 || rows == 0)
-        return true;
-    if (columns > ImageCodec::MAX_PIXELS / rows)
-        return false;
-    unsigned long bits = columns * rows * channels[data[colourType] & 7] * (data[depth] & 31);
-    return bits / 8 <= ratio * length;
-}
+// What the header claims.
+struct Header {
+    unsigned long mWidth = 0; // 0 where there is no header
+    unsigned long mHeight = 0;
+    unsigned long mBitsPerPixel = 0;
+
+    Header(const unsigned char* data, unsigned long length) {
+        constexpr size_t headerType = 12, width = 16, height = 20, depth = 24, colourType = 25,
+                         headerEnd = 33;
+        constexpr unsigned channels[] = {1, 1, 3, 1, 2, 1, 4, 1}; // by colour type
+        if (length < headerEnd || std::memcmp(data + headerType, "IHDR", 4) != 0)
+            return;
+        mWidth = bigEndian(data + width);
+        mHeight = bigEndian(data + height);
+        mBitsPerPixel = channels[data[colourType] & 7] * (data[depth] & 31);
+    }
+
+    // Can a file of this length hold as many pixels? Nothing packs by more than 1032 to 1, and the library
+    // takes memory for all of them before it reads the first.
+    bool fits(unsigned long length) const { return mWidth * mHeight * mBitsPerPixel / 8 <= 1032 * length; }
+};
 
 bool readPng(png_structp png, png_infop info, Source* source) {
     if (setjmp(png_jmpbuf(png)))
         return false;
     png_set_read_fn(png, source, pngReadData);
     png_set_sig_bytes(png, int(cSignatureLength));
-    // Only the pixels are wanted. For a text, a profile and their like the library would take, and clear, as
+    // Only the pixels are wanted. For a text, a profile and the like the library would take, and clear, as
     // much memory as the chunk claims to be long.
     png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_NEVER, nullptr, -1);
     png_read_png(png, info, PNG_TRANSFORM_IDENTITY, nullptr);
@@ -139,6 +142,9 @@ void ImageCodecPNG::decodeImage(const unsigned char* data, unsigned long length,
     if (length < cSignatureLength || png_sig_cmp(data, 0, cSignatureLength) != 0)
         throw Exception("[loadPNG] Not a png-file! Header is wrong!");
 
+    const Header header(data, length);
+    checkSize(header.mWidth, header.mHeight);
+
     ReadStruct read;
     read.mPng = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, pngError, pngWarning);
     if (!read.mPng)
@@ -148,7 +154,7 @@ void ImageCodecPNG::decodeImage(const unsigned char* data, unsigned long length,
         throw Exception("[loadPNG] Could not setup libpng (pnginfo)!");
 
     Source source{data, length, cSignatureLength};
-    if (!canHoldPicture(data, length) || !readPng(read.mPng, read.mInfo, &source))
+    if (!header.fits(length) || !readPng(read.mPng, read.mInfo, &source))
         throw Exception("[loadPNG] Error when decoding png-file!");
 
     unsigned width = png_get_image_width(read.mPng, read.mInfo);

@@ -67,7 +67,7 @@ File ImageManager::encodeImage(const std::string& name, Image& image) {
     return File(file.release());
 }
 
-// Without the cache an image that is still in use can't be shared any more: it turns private, as in empty().
+// An image that is still in use turns private, as in empty().
 int ImageManager::removeImage(const std::string& name) {
     auto found = mImageCache.find(name);
     if (found == mImageCache.end())
@@ -79,8 +79,7 @@ int ImageManager::removeImage(const std::string& name) {
 }
 
 std::string ImageManager::getExtension(const std::string& name) const {
-    size_t dot = name.rfind('.');
-    return dot == std::string::npos ? std::string() : name.substr(dot + 1);
+    return extensionOf(name, std::string());
 }
 
 ImageCodec* ImageManager::getCodec(const std::string& extension) const {

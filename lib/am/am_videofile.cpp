@@ -1,6 +1,7 @@
 #include "am_videofile.h"
 
 #include "am_archivemanager.h"
+#include "am_text.h"
 #include "ztk_system.h"
 
 #include <cstdio>
@@ -84,19 +85,16 @@ VideoFile* VideoFile::createForRead(const unsigned char* data, int length) {
     throw Exception("Could not find something that could read from buffer");
 }
 
-// Without a dot the whole name is both base and extension: "png" writes "png.000000.png".
+// Without a dot the whole name is both base and extension: "png" gives "png.000000.png".
 bool VideoFileImageDumper::openForWrite(const std::string& name, const Format& format,
                                         ArchiveManager* archive) {
-    if (!archive)
-        return false;
-    size_t dot = name.rfind('.');
-    std::string extension = dot == std::string::npos ? name : name.substr(dot + 1);
-    if (extension != "png")
+    const std::string extension = extensionOf(name, name);
+    if (!archive || extension != "png" || !staysInFolder(name))
         return false;
     mArchive = archive;
     mFormat = format;
     mFrame = 0;
-    mBase = name.substr(0, dot);
+    mBase = name.substr(0, name.rfind('.'));
     mExtension = extension;
     return true;
 }

@@ -8,7 +8,9 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
+#include <sched.h>
 #include <set>
+#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -407,6 +409,99 @@ TEST_F(Directory, WritingThroughLinksInACircleFails) {
     EXPECT_EQ(namesIn("."), (std::set<std::string>{"a", "b"}));
 }
 
+TEST_F(Directory, AWritableFileInAReadOnlyFolderIsOverwritten) {
+    writeFile("folder/x", "old and longer than the new text");
+    fs::permissions(".", fs::perms(0755));
+    fs::permissions("folder/x", fs::perms(0666));
+    fs::permissions("folder", fs::perms(0555));
+    for (const std::string& text : {std::string("new"), std::string(5000, 'n')}) {
+        EXPECT_EQ(inChild([&] {
+                      if (geteuid() == 0 && setresuid(65534, 65534, 65534) != 0)
+                          return 2;
+                      return mDirectory.write(makeFile("folder/x", text)) ? 0 : 1;
+                  }),
+                  0);
+        EXPECT_EQ(readFile("folder/x"), text);
+    }
+    fs::permissions("folder", fs::perms(0755));
+    EXPECT_EQ(namesIn("folder"), std::set<std::string>{"x"});
+}
+
+TEST_F(Directory, AFullDiskLeavesAFileInAReadOnlyFolderWhole) {
+    writeFile("folder/x", "old");
+    fs::permissions(".", fs::perms(0755));
+    fs::permissions("folder/x", fs::perms(0666));
+    fs::permissions("folder", fs::perms(0555));
+    EXPECT_EQ(inChild([&] {
+                  if (geteuid() == 0 && setresuid(65534, 65534, 65534) != 0)
+                      return 2;
+                  signal(SIGXFSZ, SIG_IGN);
+                  limitFiles(4096);
+                  return mDirectory.write(makeFile("folder/x", std::string(65536, 'n'))) ? 1 : 0;
+              }),
+              0);
+    EXPECT_EQ(readFile("folder/x"), "old");
+    fs::permissions("folder", fs::perms(0755));
+}
+
+TEST_F(Directory, AFileThatIsAMountOfItsOwnIsOverwritten) {
+    writeFile("below", "below");
+    writeFile("x", "mounted over");
+    const int result = inChild([this] {
+        if (unshare(CLONE_NEWNS) != 0 && unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0)
+            return 77;
+        if (mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+            mount("below", "x", nullptr, MS_BIND, nullptr) != 0)
+            return 77;
+        return mDirectory.write(makeFile("x", "new")) && readFile("x") == "new" ? 0 : 1;
+    });
+    if (result == 77)
+        GTEST_SKIP() << "this process may not mount";
+    EXPECT_EQ(result, 0);
+    EXPECT_EQ(readFile("below"), "new");
+    EXPECT_EQ(namesIn("."), (std::set<std::string>{"below", "x"}));
+}
+
+TEST_F(Directory, WritingWithoutLinksReplacesALink) {
+    writeFile("outside", "outside");
+    fs::create_directory("a");
+    fs::create_symlink("../outside", "a/x");
+    fs::create_symlink("../gone", "a/y");
+    ArchiveDirectory a("a");
+    for (const char* name : {"x", "y"}) {
+        EXPECT_TRUE(a.writeWithoutLinks(makeFile(name, "new")));
+        EXPECT_FALSE(fs::is_symlink(fs::path("a") / name));
+        EXPECT_EQ(readFile(std::string("a/") + name), "new");
+    }
+    EXPECT_EQ(readFile("outside"), "outside");
+    EXPECT_EQ(namesIn("."), (std::set<std::string>{"a", "outside"}));
+}
+
+TEST_F(Directory, WritingWithoutLinksEntersNoLinkedFolder) {
+    fs::create_directories("a/real");
+    fs::create_directory("outside");
+    fs::create_symlink("../outside", "a/link");
+    fs::create_symlink("../../outside", "a/real/link");
+    ArchiveDirectory a("a");
+    for (const char* name : {"link/x", "real/link/x", "link/new/x"})
+        EXPECT_FALSE(a.writeWithoutLinks(makeFile(name, "new"))) << name;
+    EXPECT_EQ(namesIn("outside"), std::set<std::string>());
+    EXPECT_TRUE(a.writeWithoutLinks(makeFile("real//new/./x", "new")));
+    EXPECT_EQ(readFile("a/real/new/x"), "new");
+}
+
+TEST_F(Directory, WritingWithoutLinksStaysInTheFolder) {
+    fs::create_directory("a");
+    ArchiveDirectory a("a");
+    for (const std::string& name : {std::string("../x"), std::string("b/../../x"), std::string("b/.."),
+                                    fs::absolute("x").string(), std::string("x\0y", 3), std::string()})
+        EXPECT_FALSE(a.writeWithoutLinks(makeFile(name, "new"))) << name;
+    EXPECT_EQ(namesIn("."), std::set<std::string>{"a"});
+    EXPECT_EQ(namesIn("a"), std::set<std::string>());
+    EXPECT_TRUE(a.writeWithoutLinks(makeFile("..x", "new"))); // no step up
+    EXPECT_EQ(readFile("a/..x"), "new");
+}
+
 TEST_F(Directory, WritingOverADirectoryFails) {
     fs::create_directory("sub");
     for (const char* name : {"sub", "sub/", "", ".", "..", "new/"})
@@ -576,11 +671,20 @@ TEST_F(Zip, CaseCounts) {
 
 TEST_F(Zip, WhatIsNoFileIsNotFound) {
     ArchiveZIP zip(fixturePath("stored.zip"));
-    for (const std::string& name : {std::string(""), std::string("."), std::string("/"), std::string("./"),
-                                    std::string("sub"), std::string("sub/"), std::string("none"),
-                                    std::string("hello.txt\0x", 11), std::string(100000, 'x')})
+    for (const std::string& name :
+         {std::string(""), std::string("."), std::string("/"), std::string("./"), std::string("sub"),
+          std::string("none"), std::string("hello.txt\0x", 11), std::string(100000, 'x')})
         EXPECT_TRUE(zip.read(name).isNull()) << name.substr(0, 20);
     EXPECT_EQ(bytesOf(zip.read("hello.txt")), "hello zip\n"); // the cursor is none the worse
+}
+
+TEST_F(Zip, AFolderIsAFileOfNoBytes) {
+    for (const char* name : {"sub/", "./sub/", "/sub/"}) {
+        File file = ArchiveZIP(fixturePath("stored.zip")).read(name);
+        ASSERT_FALSE(file.isNull()) << name;
+        EXPECT_EQ(file->length, 0) << name;
+        EXPECT_EQ(file->filename, name);
+    }
 }
 
 TEST_F(Zip, WritingIsRefused) {
@@ -666,6 +770,14 @@ TEST_F(Zip, AClaimOfGigabytesIsNotAllocated) {
                   0)
             << claim;
     }
+}
+
+TEST_F(Zip, AnEntryLongerThanAnyFileIsRefusedByName) {
+    ASSERT_EQ(runCommand("truncate -s 2100000000 long && zip -q -1 long.zip long && rm long").first, 0);
+    CaptureStdout output;
+    EXPECT_TRUE(ArchiveZIP("long.zip").read("long").isNull());
+    EXPECT_NE(output.text().find("'long' is longer than 1073741824 bytes and is not read"),
+              std::string::npos);
 }
 
 // The stream ends before the claimed size does: its checksum still says whether it is whole.

@@ -93,6 +93,39 @@ TEST_F(Dump, OnlyPngIsAccepted) {
                   "Could not find something that could write to '" + name + "'");
 }
 
+TEST_F(Dump, ANameThatLeavesTheFolderIsRefused) {
+    const std::string zero("dump.png\0.png", 13);
+    for (const std::string& name : {std::string("../x.png"), std::string("a/../../x.png"),
+                                    std::string("a\\..\\x.png"), std::string("/tmp/x.png"), zero})
+        EXPECT_EQ(thrownBy([&] { delete VideoFile::createForWrite(name, mFormat, &mArchives); }),
+                  std::string("Could not find something that could write to '") + name.c_str() + "'");
+}
+
+TEST_F(Dump, AFrameReplacesALink) {
+    writeFile("precious", "precious");
+    fs::create_symlink("precious", "dump.000000.png");
+    mArchives.addArchive("./");
+    VideoFileImageDumper dumper;
+    ASSERT_TRUE(dumper.openForWrite("dump.png", mFormat, &mArchives));
+    dumper.attach(mImage);
+    dumper.writeFrame();
+    EXPECT_EQ(readFile("precious"), "precious");
+    EXPECT_FALSE(fs::is_symlink("dump.000000.png"));
+    Picture picture;
+    EXPECT_TRUE(readPng("dump.000000.png", picture));
+}
+
+TEST_F(Dump, NoLinkedFolderIsEntered) {
+    TempDir outside;
+    fs::create_symlink(outside.path(), "frames");
+    mArchives.addArchive("./");
+    VideoFileImageDumper dumper;
+    ASSERT_TRUE(dumper.openForWrite("frames/dump.png", mFormat, &mArchives));
+    dumper.attach(mImage);
+    EXPECT_TRUE(dumper.writeFrame());
+    EXPECT_EQ(filesBelow(outside.path()), std::set<std::string>());
+}
+
 TEST_F(Dump, WithoutAnArchiveManagerNothingAccepts) {
     EXPECT_EQ(thrownBy([&] { delete VideoFile::createForWrite("dump.png", mFormat, nullptr); }),
               "Could not find something that could write to 'dump.png'");
