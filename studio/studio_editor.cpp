@@ -1,0 +1,792 @@
+#include "studio_editor.h"
+
+#include "mb_splinebase.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace zentrak::studio {
+
+using Change = Document::Change;
+
+namespace {
+
+using Curve = mathbase::SplineBase<float, mathbase::SplineBaseKey<float>>;
+
+Curve makeCurve(const Document& document, int spline) {
+    Curve curve;
+    curve.mMode = document[spline].mode;
+    for (int i = spline + 1; i < document[spline].next; i = document[i].next)
+        if (document[i].kind == Kind::KEY)
+            curve.addKey({document[i].start, document[i].number, 0, 0});
+    return curve;
+}
+
+const char* timeOf(Kind kind) {
+    return kind == Kind::KEY || kind == Kind::BOOKMARK ? "time" : "start";
+}
+
+// Sets an attribute of the outermost tag of an element's text.
+void setIn(std::string& text, const char* name, double number) {
+    constexpr std::string_view HEAD = "<script>";
+    Document snippet;
+    snippet.load(std::string(HEAD) + text + "</script>");
+    const Change change = snippet.setAttribute(1, name, formatNumber(number));
+    text.replace(change.at - HEAD.size(), change.length, change.text);
+}
+
+double nearest(double time, double best, double candidate) {
+    return std::fabs(candidate - time) < std::fabs(best - time) ? candidate : best;
+}
+
+} // namespace
+
+std::string writeTag(std::string_view tag,
+                     std::initializer_list<std::pair<std::string_view, std::string>> attributes,
+                     bool closed) {
+    std::string text = "<" + std::string(tag) + ">";
+    for (const auto& [name, value] : attributes) {
+        const Change change = changeAttribute(text, 0, text.size(), name, value);
+        text.replace(change.at, change.length, change.text);
+    }
+    return closed ? text.insert(text.size() - 1, "/") : text;
+}
+
+Editor::Editor() : mSavedText(mDocument.getText()) {}
+
+void Editor::open(std::string text) {
+    mDocument.load(std::move(text));
+    mSavedText = mDocument.getText();
+    mSelection.clear();
+    mUndo.clear();
+    mRedo.clear();
+    mInGesture = mGestureChanged = false;
+}
+
+// The part that differs is what changes: what stands around it keeps its selection.
+void Editor::replace(std::string text, const std::string& label) {
+    Document().load(text); // or throws
+    cancelGesture();
+    const std::string& old = mDocument.getText();
+    const size_t most = std::min(old.size(), text.size());
+    size_t head = 0, tail = 0;
+    while (head < most && old[head] == text[head])
+        ++head;
+    while (tail < most - head && old[old.size() - 1 - tail] == text[text.size() - 1 - tail])
+        ++tail;
+    perform(label, {{head, old.size() - tail - head, text.substr(head, text.size() - tail - head), -1}});
+}
+
+void Editor::setSavedText(std::string text) {
+    mSavedText = std::move(text);
+}
+
+// Selection
+
+bool Editor::isSelected(uint32_t id) const {
+    return std::find(mSelection.begin(), mSelection.end(), id) != mSelection.end();
+}
+
+void Editor::select(std::vector<uint32_t> ids) {
+    mSelection = std::move(ids);
+    prune();
+}
+
+void Editor::toggle(uint32_t id) {
+    if (std::erase(mSelection, id) == 0)
+        mSelection.push_back(id);
+    prune();
+}
+
+void Editor::prune() {
+    std::erase_if(mSelection, [this](uint32_t id) { return mDocument.find(id) <= 0; });
+}
+
+std::vector<int> Editor::getSelected() const {
+    std::vector<int> indices;
+    for (const uint32_t id : mSelection)
+        if (const int index = mDocument.find(id); index > 0)
+            indices.push_back(index);
+    std::sort(indices.begin(), indices.end());
+    indices.erase(std::unique(indices.begin(), indices.end()), indices.end());
+    return indices;
+}
+
+std::vector<int> Editor::getSelected(Kind kind) const {
+    std::vector<int> indices = getSelected();
+    std::erase_if(indices, [&](int i) { return mDocument[i].kind != kind; });
+    return indices;
+}
+
+// What is selected without what lies inside of it.
+std::vector<int> Editor::getOutermost() const {
+    std::vector<int> result;
+    for (const int index : getSelected())
+        if (result.empty() || !mDocument.isInside(index, result.back()))
+            result.push_back(index);
+    return result;
+}
+
+void Editor::selectIndices(const std::vector<int>& indices) {
+    mSelection.clear();
+    for (const int index : indices)
+        if (index > 0 && index < mDocument.getSize())
+            mSelection.push_back(mDocument[index].id);
+}
+
+// Undo
+
+void Editor::start() {
+    if (!mInGesture || !mGestureChanged)
+        return;
+    const Step done = std::move(mUndo.back());
+    mUndo.pop_back();
+    mGestureChanged = false;
+    mDocument.apply(done.changes);
+    selectIndices(done.before);
+}
+
+void Editor::perform(const std::string& label, std::vector<Change> changes, bool selectMade) {
+    std::erase_if(changes, [this](const Change& change) {
+        return mDocument.getText().compare(change.at, change.length, change.text) == 0;
+    });
+    if (changes.empty())
+        return;
+    Step done{label, {}, getSelected(), {}};
+    done.changes = mDocument.apply(std::move(changes));
+    if (selectMade)
+        selectIndices(mDocument.getMade());
+    prune();
+    done.after = getSelected();
+    mUndo.push_back(std::move(done));
+    mRedo.clear();
+    mGestureChanged = mInGesture;
+}
+
+bool Editor::step(std::vector<Step>& from, std::vector<Step>& to, bool undoing) {
+    cancelGesture();
+    if (from.empty())
+        return false;
+    Step done = std::move(from.back());
+    from.pop_back();
+    done.changes = mDocument.apply(std::move(done.changes));
+    selectIndices(undoing ? done.before : done.after);
+    to.push_back(std::move(done));
+    return true;
+}
+
+bool Editor::undo() {
+    return step(mUndo, mRedo, true);
+}
+
+bool Editor::redo() {
+    return step(mRedo, mUndo, false);
+}
+
+std::string Editor::getUndoLabel() const {
+    return mUndo.empty() ? std::string() : mUndo.back().label;
+}
+
+std::string Editor::getRedoLabel() const {
+    return mRedo.empty() ? std::string() : mRedo.back().label;
+}
+
+void Editor::beginGesture() {
+    endGesture();
+    mInGesture = true;
+}
+
+void Editor::endGesture() {
+    mInGesture = mGestureChanged = false;
+}
+
+void Editor::cancelGesture() {
+    start();
+    endGesture();
+}
+
+// Values
+
+void Editor::set(const std::vector<int>& elements, const std::string& attribute, const std::string& value) {
+    endGesture();
+    std::vector<Change> changes;
+    for (const int element : elements)
+        changes.push_back(mDocument.setAttribute(element, attribute, value));
+    perform("Set " + attribute, std::move(changes));
+}
+
+void Editor::rename(int element, const std::string& name) {
+    endGesture();
+    if (mDocument[element].kind != Kind::SECTION) {
+        set({element}, "name", name);
+        return;
+    }
+    const Element& section = mDocument[element];
+    perform("Rename", {{section.from + 4, section.to - section.from - 7, " " + toComment(name) + " ", -1}});
+}
+
+// A number that stays the same keeps its spelling.
+void Editor::setNumber(std::vector<Change>& changes, int element, const char* name, float old,
+                       double value) const {
+    if (formatNumber(value) != formatNumber(double(old)))
+        changes.push_back(mDocument.setAttribute(element, name, formatNumber(value)));
+}
+
+void Editor::moveElement(std::vector<Change>& changes, int index, double seconds, double value) const {
+    const Element& element = mDocument[index];
+    switch (element.kind) {
+    case Kind::SPAN:
+        setNumber(changes, index, "end", element.end, double(element.end) + seconds);
+        [[fallthrough]];
+    case Kind::TRIGGER:
+    case Kind::BOOKMARK:
+        setNumber(changes, index, timeOf(element.kind), element.start, double(element.start) + seconds);
+        break;
+    case Kind::KEY:
+        setNumber(changes, index, "time", element.start, double(element.start) + seconds);
+        setNumber(changes, index, "value", element.number, double(element.number) + value);
+        break;
+    case Kind::SPLINE:
+        for (int i = index + 1; i < element.next; i = mDocument[i].next)
+            if (mDocument[i].kind == Kind::KEY)
+                moveElement(changes, i, seconds, value);
+        break;
+    default:
+        break;
+    }
+}
+
+void Editor::move(double seconds, double value) {
+    start();
+    const std::vector<int> elements = getOutermost();
+    const auto limit = [&](int index) {
+        const double first = double(mDocument[index].start);
+        if (first >= 0)
+            seconds = std::max(seconds, -first);
+    };
+    for (const int index : elements) {
+        const Element& element = mDocument[index];
+        if (element.kind != Kind::SPLINE)
+            limit(index);
+        else
+            for (int i = index + 1; i < element.next; ++i)
+                limit(i);
+    }
+    std::vector<Change> changes;
+    for (const int index : elements)
+        moveElement(changes, index, seconds, value);
+    perform("Move", std::move(changes));
+}
+
+void Editor::resize(Edge edge, double seconds) {
+    start();
+    std::vector<Change> changes;
+    for (const int index : getSelected(Kind::SPAN)) {
+        const Element& span = mDocument[index];
+        const double first = double(span.start), last = double(span.end);
+        if (edge == Edge::LEFT) {
+            const double least = std::min(0.0, first);
+            setNumber(changes, index, "start", span.start,
+                      std::max(least, std::min(first + seconds, last - SHORTEST)));
+        } else {
+            setNumber(changes, index, "end", span.end, std::max(last + seconds, first + SHORTEST));
+        }
+    }
+    perform("Resize", std::move(changes));
+}
+
+void Editor::stretch(Edge edge, double seconds) {
+    start();
+    std::vector<Change> changes;
+    for (const int index : getOutermost()) {
+        const Element& span = mDocument[index];
+        const double first = double(span.start), last = double(span.end), length = last - first;
+        if (span.kind != Kind::SPAN || !(length > 0))
+            continue;
+        double to = edge == Edge::LEFT ? length - seconds : length + seconds;
+        to = std::max(to, SHORTEST);
+        if (edge == Edge::LEFT && first >= 0)
+            to = std::min(to, last);
+        if (edge == Edge::LEFT)
+            setNumber(changes, index, "start", span.start, last - to);
+        else
+            setNumber(changes, index, "end", span.end, first + to);
+        const double ratio = to / length;
+        for (int i = index + 1; i < span.next; ++i) {
+            const Element& inner = mDocument[i];
+            if (inner.kind != Kind::SPAN && inner.kind != Kind::TRIGGER && inner.kind != Kind::KEY)
+                continue;
+            setNumber(changes, i, timeOf(inner.kind), inner.start, double(inner.start) * ratio);
+            if (inner.kind == Kind::SPAN)
+                setNumber(changes, i, "end", inner.end, double(inner.end) * ratio);
+            if (inner.kind == Kind::TRIGGER && inner.repeat > 1)
+                setNumber(changes, i, "delay", inner.delay, double(inner.delay) * ratio);
+        }
+    }
+    perform("Stretch", std::move(changes));
+}
+
+void Editor::toggleEnabled() {
+    start();
+    const std::vector<int> spans = getSelected(Kind::SPAN);
+    const bool on = std::any_of(spans.begin(), spans.end(), [this](int i) { return !mDocument[i].enabled; });
+    std::vector<Change> changes;
+    for (const int index : spans)
+        if (mDocument[index].enabled != on)
+            changes.push_back(mDocument.setAttribute(index, "state", on ? "on" : "off"));
+    perform(on ? "Turn on" : "Turn off", std::move(changes));
+}
+
+// Two neighbours change places; what stands between them stays.
+void Editor::reorder(int step) {
+    start();
+    const std::vector<int> selected = getSelected();
+    if (selected.size() != 1 || step == 0)
+        return;
+    const int index = selected[0], parent = mDocument[index].parent;
+    const Kind kind = mDocument[index].kind;
+    if (kind != Kind::SPAN && kind != Kind::SECTION)
+        return;
+    int other = -1;
+    for (int i = parent + 1; i < mDocument[parent].next; i = mDocument[i].next) {
+        if (mDocument[i].kind != Kind::SPAN && mDocument[i].kind != Kind::SECTION)
+            continue;
+        if (step < 0 && i < index)
+            other = i;
+        if (step > 0 && i > index && other < 0)
+            other = i;
+    }
+    if (other < 0)
+        return;
+    const Element &a = mDocument[std::min(index, other)], &b = mDocument[std::max(index, other)];
+    const std::string& text = mDocument.getText();
+    const std::string first = text.substr(a.from, a.to - a.from), second = text.substr(b.from, b.to - b.from);
+    const size_t place = step < 0 ? a.from : a.from + second.size() + (b.from - a.to);
+    perform("Change the order", {{a.from, a.to - a.from, second, -1}, {b.from, b.to - b.from, first, -1}});
+    for (int i = 1; i < mDocument.getSize(); ++i)
+        if (mDocument[i].from == place)
+            selectIndices({i});
+    if (!mUndo.empty())
+        mUndo.back().after = getSelected();
+}
+
+// New elements
+
+void Editor::insert(const std::string& label, int parent, int after, const std::string& text) {
+    if (std::optional<Change> change = mDocument.insert(parent, after, text))
+        perform(label, {std::move(*change)}, true);
+}
+
+void Editor::addSpan(int parent, const std::string& name, double begin, double end) {
+    endGesture();
+    // After the selected sibling, so that it is drawn over it.
+    int after = -1;
+    for (const int index : getSelected())
+        if (mDocument[index].parent == parent &&
+            (mDocument[index].kind == Kind::SPAN || mDocument[index].kind == Kind::SECTION))
+            after = index;
+    insert("Add span", parent, after,
+           writeTag("effect", {{"name", name}, {"start", formatNumber(begin)}, {"end", formatNumber(end)}},
+                    false) +
+               "\n</effect>");
+}
+
+void Editor::addTrigger(int span, const std::string& name, const std::string& value, double time) {
+    endGesture();
+    int after = -1;
+    for (int i = span + 1; i < mDocument[span].next; i = mDocument[i].next)
+        if (mDocument[i].kind == Kind::TRIGGER)
+            after = i;
+    insert("Add trigger", span, after,
+           value.empty()
+               ? writeTag("trigger", {{"name", name}, {"start", formatNumber(time)}})
+               : writeTag("trigger", {{"name", name}, {"value", value}, {"start", formatNumber(time)}}));
+}
+
+void Editor::addSpline(int span, const std::string& name, double value) {
+    endGesture();
+    int after = -1;
+    for (int i = span + 1; i < mDocument[span].next; i = mDocument[i].next)
+        if (mDocument[i].kind == Kind::TRIGGER || mDocument[i].kind == Kind::SPLINE)
+            after = i;
+    const double length = std::max(0.0, double(mDocument[span].end) - double(mDocument[span].start));
+    const std::string number = formatNumber(value);
+    std::string text = writeTag("spline", {{"name", name}, {"type", "linear"}}, false) + "\n\t" +
+                       writeTag("key", {{"time", "0"}, {"value", number}});
+    if (length > 0)
+        text += "\n\t" + writeTag("key", {{"time", formatNumber(length)}, {"value", number}});
+    insert("Add spline", span, after, text + "\n</spline>");
+}
+
+void Editor::addKey(int spline, double time, double value) {
+    endGesture();
+    int after = -1;
+    for (int i = spline + 1; i < mDocument[spline].next; i = mDocument[i].next)
+        if (mDocument[i].kind == Kind::KEY && double(mDocument[i].start) <= time)
+            after = i;
+    const std::string text = writeTag("key", {{"time", formatNumber(time)}, {"value", formatNumber(value)}});
+    int first = -1;
+    for (int i = spline + 1; i < mDocument[spline].next && first < 0; i = mDocument[i].next)
+        if (mDocument[i].kind == Kind::KEY)
+            first = i;
+    if (after >= 0 || first < 0) {
+        insert("Add key", spline, after, text);
+        return;
+    }
+    // Before the first: with its line end and indent behind it.
+    std::optional<Change> change = mDocument.insert(spline, first, text);
+    if (!change)
+        return;
+    const size_t blanks = change->text.size() - text.size();
+    change->text = text + change->text.substr(0, blanks);
+    change->at = mDocument[first].from;
+    perform("Add key", {std::move(*change)}, true);
+}
+
+void Editor::addSection(int before, const std::string& name) {
+    endGesture();
+    const std::string text = "<!-- " + toComment(name) + " -->";
+    if (before <= 0) {
+        insert("Add section", 0, -1, text);
+        return;
+    }
+    std::optional<Change> change = mDocument.insert(0, before, text);
+    if (!change)
+        return;
+    const size_t blanks = change->text.size() - text.size();
+    change->text = text + change->text.substr(0, blanks);
+    change->at = mDocument[before].from;
+    perform("Add section", {std::move(*change)}, true);
+}
+
+void Editor::addBookmark(double time, const std::string& name) {
+    start();
+    int after = -1, first = -1;
+    for (int i = 1; i < mDocument.getSize(); i = mDocument[i].next) {
+        if (mDocument[i].kind == Kind::BOOKMARK || mDocument[i].kind == Kind::TEMPO)
+            after = i;
+        if (first < 0)
+            first = i;
+    }
+    const std::string text = writeTag("bookmark", {{"name", name}, {"time", formatNumber(time)}});
+    if (after >= 0 || first < 0) {
+        insert("Add bookmark", 0, after, text);
+        return;
+    }
+    std::optional<Change> change = mDocument.insert(0, first, text);
+    if (!change)
+        return;
+    change->text = text + change->text.substr(0, change->text.size() - text.size());
+    change->at = mDocument[first].from;
+    perform("Add bookmark", {std::move(*change)}, true);
+}
+
+void Editor::setTempo(const Tempo& tempo) {
+    start();
+    std::vector<Change> changes;
+    int first = -1;
+    for (int i = 1; i < mDocument.getSize(); i = mDocument[i].next) {
+        if (first < 0)
+            first = i;
+        if (mDocument[i].kind != Kind::TEMPO)
+            continue;
+        setNumber(changes, i, "bpm", mDocument[i].number, double(tempo.bpm));
+        if (mDocument[i].beats != tempo.beats)
+            changes.push_back(mDocument.setAttribute(i, "beats", std::to_string(tempo.beats)));
+        setNumber(changes, i, "start", mDocument[i].start, double(tempo.start));
+        perform("Set tempo", std::move(changes));
+        return;
+    }
+    const std::string text = writeTag("tempo", {{"bpm", formatNumber(double(tempo.bpm))},
+                                                {"beats", std::to_string(tempo.beats)},
+                                                {"start", formatNumber(double(tempo.start))}});
+    std::optional<Change> change = mDocument.insert(0, first, text);
+    if (change && first >= 0) {
+        change->text = text + change->text.substr(0, change->text.size() - text.size());
+        change->at = mDocument[first].from;
+    }
+    if (change)
+        perform("Set tempo", {std::move(*change)});
+}
+
+// Removing, copying, splitting
+
+void Editor::removeSelected() {
+    start();
+    std::vector<int> elements = getOutermost();
+    // A spline that would lose its last key goes as a whole.
+    std::vector<int> splines;
+    for (const int index : elements) {
+        const int spline = mDocument[index].parent;
+        if (mDocument[index].kind != Kind::KEY)
+            continue;
+        bool all = true;
+        for (int i = spline + 1; i < mDocument[spline].next; i = mDocument[i].next)
+            all = all &&
+                  (mDocument[i].kind != Kind::KEY || std::binary_search(elements.begin(), elements.end(), i));
+        if (all)
+            splines.push_back(spline);
+    }
+    std::erase_if(elements, [&](int i) {
+        return std::find(splines.begin(), splines.end(), mDocument[i].parent) != splines.end();
+    });
+    elements.insert(elements.end(), splines.begin(), splines.end());
+    std::sort(elements.begin(), elements.end());
+    elements.erase(std::unique(elements.begin(), elements.end()), elements.end());
+    std::vector<Change> changes;
+    for (const int index : elements)
+        changes.push_back(mDocument.erase(index));
+    perform("Delete", std::move(changes));
+}
+
+std::vector<Editor::Copied> Editor::getCopy() const {
+    std::vector<Copied> copied;
+    for (const int index : getOutermost()) {
+        const Element& element = mDocument[index];
+        if (element.kind == Kind::OTHER)
+            continue;
+        const double time = element.kind == Kind::SPLINE || element.kind == Kind::SECTION
+                                ? mDocument.getOrigin(index)
+                                : mDocument.getOrigin(index) + double(element.start);
+        copied.push_back({element.kind, mDocument.getElementText(index), time});
+    }
+    return copied;
+}
+
+void Editor::cut() {
+    copy();
+    removeSelected();
+}
+
+// Spans go where their like are selected, or else to the end of the script; triggers and splines into the
+// selected span, keys into the selected curve.
+void Editor::paste(double time) {
+    start();
+    if (mClipboard.empty())
+        return;
+    double first = mClipboard[0].time;
+    for (const Copied& each : mClipboard)
+        first = std::min(first, each.time);
+    int span = -1, spline = -1, sibling = -1;
+    for (const int index : getSelected()) {
+        for (int i = index; i > 0; i = mDocument[i].parent) {
+            if (mDocument[i].kind == Kind::SPAN && span < 0)
+                span = i;
+            if (mDocument[i].kind == Kind::SPLINE && spline < 0)
+                spline = i;
+        }
+        if (mDocument[index].kind == Kind::SPAN)
+            sibling = index;
+    }
+    std::vector<Change> changes;
+    for (const Copied& each : mClipboard) {
+        int parent = 0, after = -1;
+        switch (each.kind) {
+        case Kind::SPAN:
+            parent = sibling > 0 ? mDocument[sibling].parent : 0;
+            after = sibling;
+            break;
+        case Kind::TRIGGER:
+        case Kind::SPLINE:
+            parent = span;
+            break;
+        case Kind::KEY:
+            parent = spline;
+            break;
+        default:
+            break;
+        }
+        if (parent < 0)
+            continue;
+        std::string text = each.text;
+        const double origin =
+            parent == 0 ? 0
+                        : mDocument.getOrigin(parent) +
+                              (mDocument[parent].kind == Kind::SPAN ? double(mDocument[parent].start) : 0);
+        const double start = time + each.time - first - origin;
+        if (each.kind == Kind::SPAN) {
+            Document snippet;
+            snippet.load("<script>" + text + "</script>");
+            const double length = double(snippet[1].end) - double(snippet[1].start);
+            setIn(text, "start", start);
+            setIn(text, "end", start + length);
+        } else if (each.kind == Kind::TRIGGER || each.kind == Kind::KEY || each.kind == Kind::BOOKMARK) {
+            setIn(text, timeOf(each.kind), start);
+        }
+        if (std::optional<Change> change = mDocument.insert(parent, after, text))
+            changes.push_back(std::move(*change));
+    }
+    perform("Paste", std::move(changes), true);
+}
+
+void Editor::duplicate() {
+    start();
+    std::vector<Change> changes;
+    for (const int index : getOutermost()) {
+        const Element& element = mDocument[index];
+        if (element.kind == Kind::OTHER || element.kind == Kind::TEMPO)
+            continue;
+        std::string text = mDocument.getElementText(index);
+        if (element.kind == Kind::SPAN) {
+            const double length = double(element.end) - double(element.start);
+            setIn(text, "start", double(element.end));
+            setIn(text, "end", double(element.end) + length);
+        }
+        if (std::optional<Change> change = mDocument.insert(element.parent, index, text))
+            changes.push_back(std::move(*change));
+    }
+    perform("Duplicate", std::move(changes), true);
+}
+
+double Editor::evaluate(int spline, double time) const {
+    return double(makeCurve(mDocument, spline).evaluate(float(time)));
+}
+
+// The times of all that is in the second half count from its start. What has fired before the cut is due at
+// once there, as after a jump. Of a curve that is not smooth one key at the cut stands for those before it; a
+// smooth one keeps all, since each of its slopes follows from its neighbours.
+std::string Editor::getSecondHalf(int span, double at) const {
+    Document half;
+    half.load("<script>\n" + mDocument.getElementText(span) + "\n</script>");
+    std::vector<Change> changes;
+    for (int i = 2; i < half[1].next;) {
+        const Element& element = half[i];
+        const double time = double(element.start) - at;
+        int next = element.next;
+        if (element.kind == Kind::TRIGGER) {
+            changes.push_back(
+                half.setAttribute(i, "start", formatNumber(element.repeat > 1 ? time : std::max(0.0, time))));
+        } else if (element.kind == Kind::SPAN && double(element.end) <= at) {
+            changes.push_back(half.erase(i));
+        } else if (element.kind == Kind::SPAN) {
+            changes.push_back(half.setAttribute(i, "start", formatNumber(time)));
+            changes.push_back(half.setAttribute(i, "end", formatNumber(double(element.end) - at)));
+        } else if (element.kind == Kind::SPLINE) {
+            int last = -1; // the key in force at the cut
+            for (int k = i + 1; k < element.next; k = half[k].next)
+                if (half[k].kind == Kind::KEY && double(half[k].start) <= at &&
+                    (last < 0 || half[k].start >= half[last].start))
+                    last = k;
+            const double value = double(makeCurve(half, i).evaluate(float(at)));
+            for (int k = i + 1; k < element.next; k = half[k].next) {
+                if (half[k].kind != Kind::KEY)
+                    continue;
+                const bool before = double(half[k].start) <= at && element.mode != mathbase::SPLINE_SMOOTH;
+                if (before && k != last) {
+                    changes.push_back(half.erase(k));
+                } else if (before) {
+                    changes.push_back(half.setAttribute(k, "time", "0"));
+                    changes.push_back(half.setAttribute(k, "value", formatNumber(value)));
+                } else {
+                    changes.push_back(half.setAttribute(k, "time", formatNumber(double(half[k].start) - at)));
+                }
+            }
+        }
+        i = next;
+    }
+    half.apply(std::move(changes));
+    std::string text = half.getElementText(1);
+    setIn(text, "start", double(mDocument[span].start) + at);
+    return text;
+}
+
+void Editor::cutFirstHalf(std::vector<Change>& changes, int span, double at) const {
+    setNumber(changes, span, "end", mDocument[span].end, double(mDocument[span].start) + at);
+    for (int i = span + 1; i < mDocument[span].next; i = mDocument[i].next) {
+        const Element& element = mDocument[i];
+        if ((element.kind == Kind::TRIGGER || element.kind == Kind::SPAN) && double(element.start) >= at) {
+            changes.push_back(mDocument.erase(i));
+        } else if (element.kind == Kind::SPAN) {
+            setNumber(changes, i, "end", element.end, std::min(double(element.end), at));
+        } else if (element.kind == Kind::SPLINE && element.mode != mathbase::SPLINE_SMOOTH) {
+            // The first key after the cut comes to lie at it; the others go.
+            int next = -1;
+            for (int k = i + 1; k < element.next; k = mDocument[k].next)
+                if (mDocument[k].kind == Kind::KEY && double(mDocument[k].start) > at &&
+                    (next < 0 || mDocument[k].start < mDocument[next].start))
+                    next = k;
+            for (int k = i + 1; k < element.next; k = mDocument[k].next) {
+                if (mDocument[k].kind != Kind::KEY || !(double(mDocument[k].start) > at))
+                    continue;
+                if (k != next) {
+                    changes.push_back(mDocument.erase(k));
+                } else {
+                    changes.push_back(mDocument.setAttribute(k, "time", formatNumber(at)));
+                    changes.push_back(mDocument.setAttribute(k, "value", formatNumber(evaluate(i, at))));
+                }
+            }
+        }
+    }
+}
+
+void Editor::split(double time) {
+    start();
+    std::vector<Change> changes;
+    for (const int index : getOutermost()) {
+        const Element& span = mDocument[index];
+        const double at = time - mDocument.getOrigin(index) - double(span.start);
+        const double length = double(span.end) - double(span.start);
+        if (span.kind != Kind::SPAN || !(at >= SHORTEST) || !(at <= length - SHORTEST))
+            continue;
+        std::optional<Change> second = mDocument.insert(span.parent, index, getSecondHalf(index, at));
+        if (!second)
+            continue;
+        cutFirstHalf(changes, index, at);
+        changes.push_back(std::move(*second));
+    }
+    perform("Split", std::move(changes));
+}
+
+// Snapping
+
+double Snap::operator()(double time) const {
+    if (!on)
+        return time;
+    double best = time + 2 * reach + 1;
+    for (const double target : targets)
+        best = nearest(time, best, target);
+    if (step > 0) {
+        const double origin = double(tempo.start);
+        best = nearest(time, best, origin + std::round((time - origin) / step) * step);
+    }
+    return std::fabs(best - time) <= reach ? best : time;
+}
+
+double Snap::shift(double time, std::span<const double> edges) const {
+    double best = time;
+    double least = reach;
+    bool found = false;
+    for (const double edge : edges) {
+        const double snapped = (*this)(edge + time);
+        const double distance = std::fabs(snapped - edge - time);
+        if (snapped != edge + time && (!found || distance < least)) {
+            best = snapped - edge;
+            least = distance;
+            found = true;
+        }
+    }
+    return best;
+}
+
+std::vector<double> getEdges(const Editor& editor) {
+    const Document& document = editor.getDocument();
+    std::vector<double> edges;
+    for (int i = 1; i < document.getSize();) {
+        const Element& element = document[i];
+        if (editor.isSelected(element.id)) {
+            i = element.next;
+            continue;
+        }
+        const double origin = document.getOrigin(i);
+        if (element.kind == Kind::SPAN) {
+            edges.push_back(origin + double(element.start));
+            edges.push_back(origin + double(element.end));
+        }
+        if (element.kind == Kind::BOOKMARK)
+            edges.push_back(double(element.start));
+        ++i;
+    }
+    return edges;
+}
+
+} // namespace zentrak::studio
