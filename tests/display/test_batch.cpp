@@ -152,10 +152,8 @@ protected:
         EXPECT_GT(lit, plain.rgba.size() / 4 / 100) << "the scene is nearly empty";
         if (HasFailure()) {
             const std::string name = ::testing::UnitTest::GetInstance()->current_test_info()->name();
-            writePng(::std::string(ZENTRAK_BINARY_DIR) + "/pictures-failed/batch_" + name + "_plain.png",
-                     plain);
-            writePng(::std::string(ZENTRAK_BINARY_DIR) + "/pictures-failed/batch_" + name + "_batch.png",
-                     batched);
+            writePng(binaryPath("pictures-failed/batch_" + name + "_plain.png"), plain);
+            writePng(binaryPath("pictures-failed/batch_" + name + "_batch.png"), batched);
         }
     }
 
