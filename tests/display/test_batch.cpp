@@ -7,6 +7,7 @@
 #include "dis_vbo.h"
 #include "gl_fixture.h"
 #include "plain_box.h"
+#include "support.h"
 #include "ztk_system.h"
 
 #include <cmath>
