@@ -1,6 +1,7 @@
-// The chunk IDs of a .o3d file. docs/formats.md tells what each holds.
+// The chunk IDs of a .o3d file. docs/formats.md says what each holds.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 namespace zentrak::o3d {
@@ -8,6 +9,10 @@ namespace zentrak::o3d {
 constexpr const char* FORMAT = "O3DF";
 constexpr int VERSION_FIRST = 1;
 constexpr int VERSION_SECOND = 1;
+
+// How many chunks may be open around a new node or bone: far more than a scene needs, and few enough for a
+// walk by recursion. What is nested deeper is left out, and logged.
+constexpr size_t MAX_DEPTH = 2000;
 
 enum ChunkId : uint16_t {
     CHUNK_MAIN = 0x1000,

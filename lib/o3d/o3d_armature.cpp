@@ -3,6 +3,7 @@
 #include "o3d_chunk.h"
 #include "o3d_load.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 
@@ -94,11 +95,15 @@ void BoneGroup::clear() {
 }
 
 void BoneGroup::loadChunk(chunklib::ReadBuffer& buffer) {
-    static_assert(sizeof(BoneGroupWeight) == 8);
+    constexpr size_t weightSize = 8;
+    // The group number is counted in the chunk's size, so that half a weight behind it makes a whole one.
+    const size_t count = std::min(buffer.currentChunkSize(), buffer.remaining()) / weightSize;
     int32_t group = mGroup;
     buffer.loadType(&group, 4);
     mGroup = group;
-    loadPlainList(buffer, mWeights);
+    mWeights.assign(count, BoneGroupWeight());
+    for (BoneGroupWeight& weight : mWeights)
+        loadValue(buffer, &weight);
 }
 
 void BoneGroup::writeChunk(chunklib::WriteBuffer& buffer) const {

@@ -1,5 +1,6 @@
 #include "o3d_load.h"
 
+#include "o3d_chunk.h"
 #include "ztk_system.h"
 
 namespace zentrak::o3d {

@@ -11,11 +11,7 @@
 
 namespace zentrak::o3d {
 
-// How many chunks may be open when another node or bone is created: far more than a scene needs, and few
-// enough for whoever walks the tree by recursion.
-constexpr size_t MAX_DEPTH = 1000;
-
-// Is there room for another level? Logs where there is not; the caller leaves the chunk unread.
+// May a node or a bone be nested as deep as the open chunk? Logs where it may not.
 bool checkDepth(const chunklib::ReadBuffer& buffer);
 
 // A name at the start of a chunk. Unlike loadValue() it stops in silence where the chunk ends before the zero

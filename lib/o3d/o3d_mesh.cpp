@@ -9,13 +9,9 @@
 
 namespace zentrak::o3d {
 
-// Bytes of names for each byte of a name list. The names of a list build on each other, so that a list of
-// zero bytes could grow with the square of its size; this is room for the 256 names that a Submesh can
-// number.
-static constexpr size_t MAX_NAME_GROWTH = 128;
-
-// Additions to tangents that addNormals() will make: some seconds of work.
-static constexpr uint64_t MAX_TANGENT_SUMS = 2000000000;
+// Bytes of names for each byte of a name list. Each name starts with the one before it, so that the names
+// could grow with the square of the list; this is room for the 256 names that a Submesh can number.
+static constexpr size_t MAX_NAME_GROWTH = 256;
 
 Mesh::Mesh() {
     clear();
@@ -39,8 +35,7 @@ void Mesh::clear() {
     mBoxMax = Vector3f(0.0f, 0.0f, 0.0f);
 }
 
-// Appends the names of a list. The text read is not emptied after a name: each name starts with the one
-// before it.
+// Appends the names of a list. Each name starts with the one before it: the text is not emptied in between.
 static void loadMaterialNames(chunklib::ReadBuffer& buffer, Mesh& mesh) {
     const size_t limit = presentSize(buffer) * MAX_NAME_GROWTH;
     size_t total = 0;
@@ -193,141 +188,6 @@ void Mesh::checkIndices(size_t submeshNumber) const {
     if (submesh.mTexCoords[0]->size() < submesh.mIndices.size())
         throw Exception("Mesh '%s', submesh %d: %d texture coordinates for %d indices", mName.c_str(), number,
                         int(submesh.mTexCoords[0]->size()), locals);
-}
-
-namespace {
-
-// The local vertices of a Submesh by the position that they stand for: those of one position lie together, in
-// ascending order. One map serves all Submeshes of a Mesh in turn, so that a small Submesh of a large Mesh
-// costs what the Submesh costs.
-class CopyMap {
-public:
-    explicit CopyMap(size_t positions) : mCount(positions, 0), mStart(positions, 0) {}
-
-    void build(const std::vector<Index>& indices) {
-        for (const int position : mUsed)
-            mCount[position] = 0;
-        mUsed.clear();
-        for (const Index& index : indices)
-            if (mCount[index.mValue]++ == 0)
-                mUsed.push_back(index.mValue);
-
-        int start = 0;
-        for (const int position : mUsed) {
-            mStart[position] = start;
-            start += mCount[position];
-            mCount[position] = 0;
-        }
-        mLocal.resize(indices.size());
-        for (size_t i = 0; i < indices.size(); ++i) {
-            const int position = indices[i].mValue;
-            mLocal[mStart[position] + mCount[position]++] = int(i);
-        }
-    }
-
-    int count(int position) const { return mCount[position]; }
-    const int* begin(int position) const { return mLocal.data() + mStart[position]; }
-    const int* end(int position) const { return begin(position) + mCount[position]; }
-
-private:
-    std::vector<int> mCount; // by position
-    std::vector<int> mStart; // by position, index in mLocal
-    std::vector<int> mLocal; // local vertices
-    std::vector<int> mUsed;  // positions with a count
-};
-
-// Adds the unit normals of all triangles of the Submesh to its positions, and its tangents and binormals to
-// the tangent spaces of the vertices that lie at the same place in space and in the texture.
-void addTriangles(const Mesh& mesh, Submesh& submesh, const CopyMap& copies,
-                  std::vector<Vector3f>& accumulated) {
-    const StructList<Vector3f>* uv = submesh.mTexCoords.empty() ? nullptr : submesh.mTexCoords[0];
-    for (const Triangle& triangle : submesh.mTriangles) {
-        int position[3];
-        for (int corner = 0; corner < 3; ++corner)
-            position[corner] = submesh.mIndices[triangle.mIndex[corner]].mValue;
-
-        const Vector3f& p0 = mesh.mVertices[position[0]];
-        const Vector3f e1 = mesh.mVertices[position[1]] - p0;
-        const Vector3f e2 = mesh.mVertices[position[2]] - p0;
-        Vector3f n = e1.cross(e2);
-        n.normalize();
-
-        if (uv != nullptr) {
-            const Vector3f& t0 = (*uv)[triangle.mIndex[0]];
-            const Vector3f d1 = (*uv)[triangle.mIndex[1]] - t0;
-            const Vector3f d2 = (*uv)[triangle.mIndex[2]] - t0;
-            const float r = 1.0f / (d1.x * d2.y - d2.x * d1.y);
-            const Vector3f tangent = (e1 * d2.y - e2 * d1.y) * r;
-            const Vector3f binormal = (e2 * d1.x - e1 * d2.x) * r;
-            for (int corner = 0; corner < 3; ++corner) {
-                const Vector3f& place = (*uv)[triangle.mIndex[corner]];
-                for (const int* j = copies.begin(position[corner]); j != copies.end(position[corner]); ++j) {
-                    if (((*uv)[*j] - place).length2() < 0.01f) {
-                        submesh.mTangentSpaces[*j].mTangent += tangent;
-                        submesh.mTangentSpaces[*j].mBinormal += binormal;
-                    }
-                }
-            }
-        }
-        for (const int corner : position)
-            accumulated[corner] += n;
-    }
-}
-
-// Gives each local vertex its normal, and makes tangent and binormal stand square on it and on each other.
-void orthogonalise(Submesh& submesh, const std::vector<Vector3f>& normals) {
-    const bool textured = !submesh.mTexCoords.empty();
-    for (size_t i = 0; i < submesh.mIndices.size(); ++i) {
-        TangentSpace& space = submesh.mTangentSpaces[i];
-        space.mNormal = normals[submesh.mIndices[i].mValue];
-        if (!textured)
-            continue;
-        const Vector3f normal = space.mNormal;
-        Vector3f tangent = space.mTangent;
-        tangent = tangent - normal * normal.dot(tangent);
-        tangent.normalize();
-        Vector3f binormal = space.mBinormal;
-        binormal = binormal - normal * normal.dot(binormal);
-        binormal = binormal - tangent * tangent.dot(binormal);
-        binormal.normalize();
-        space.mTangent = tangent;
-        space.mBinormal = binormal;
-    }
-}
-
-// Throws where the copies of positions would make addNormals() take hours.
-void checkCopies(const Mesh& mesh, CopyMap& copies) {
-    uint64_t sums = 0;
-    for (const Submesh* submesh : mesh.mSubmeshes) {
-        if (submesh->mTexCoords.empty())
-            continue;
-        copies.build(submesh->mIndices);
-        for (const Triangle& triangle : submesh->mTriangles)
-            for (const int corner : triangle.mIndex)
-                sums += uint64_t(copies.count(submesh->mIndices[corner].mValue));
-    }
-    if (sums > MAX_TANGENT_SUMS)
-        throw Exception("Mesh '%s': too many vertices share a position", mesh.mName.c_str());
-}
-
-} // namespace
-
-void Mesh::addNormals() {
-    checkIndices();
-    CopyMap copies(mVertices.size());
-    checkCopies(*this, copies);
-
-    removeNormals();
-    std::vector<Vector3f> accumulated(mVertices.size(), Vector3f(0.0f, 0.0f, 0.0f));
-    for (Submesh* submesh : mSubmeshes) {
-        submesh->mTangentSpaces.resize(submesh->mIndices.size());
-        copies.build(submesh->mIndices);
-        addTriangles(*this, *submesh, copies, accumulated);
-    }
-    for (Vector3f& normal : accumulated)
-        normal.normalize();
-    for (Submesh* submesh : mSubmeshes)
-        orthogonalise(*submesh, accumulated);
 }
 
 } // namespace zentrak::o3d

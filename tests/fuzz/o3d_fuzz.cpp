@@ -1,6 +1,7 @@
 // Reads any bytes as a scene file. Whatever loads must hold together, must be usable by whoever draws it, and
 // must be writable; and the inspector must find words for it.
 
+#include "o3d_chunk.h"
 #include "o3d_manager.h"
 #include "scene/inspect.h"
 #include "ztk_system.h"
@@ -22,7 +23,7 @@ void check(bool holds) {
 }
 
 size_t walk(const o3d::Manager& manager, const o3d::SceneNode& node, size_t depth) {
-    check(depth < 1100);
+    check(depth <= o3d::MAX_DEPTH);
     mathbase::Matrix4x4Col matrix;
     bool flipped = false;
     for (const float time : {-7.0f, 0.0f, 3.3f})

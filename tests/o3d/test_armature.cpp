@@ -115,6 +115,17 @@ TEST(BoneGroup, CountsItsWeightsByTheSizeOfTheChunk) {
     EXPECT_TRUE(group.mWeights.empty());
 }
 
+TEST(BoneGroup, HalfAWeightAtTheEndCounts) {
+    const std::string stream = "O3DF\x01\x01" + chunk(0x2300, i32(7) + u32(1) + u32(2) + u32(3));
+    chunklib::ReadBuffer buffer(stream.data(), int(stream.size()));
+    buffer.openChunk();
+    o3d::BoneGroup group;
+    group.loadChunk(buffer);
+    ASSERT_EQ(2u, group.mWeights.size()); // 16 bytes by 8
+    EXPECT_EQ(3u, group.mWeights[1].mFirst);
+    EXPECT_EQ(0u, group.mWeights[1].mSecond);
+}
+
 TEST(BoneGroupDeathTest, AMeshFromAFileHasNoneToGive) {
     o3d::Manager manager;
     load(manager, everything());

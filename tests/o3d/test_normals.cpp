@@ -2,6 +2,7 @@
 #include "ztk_system.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <array>
 #include <cmath>
@@ -441,6 +442,54 @@ std::string failureOf(o3d::Mesh& mesh) {
         return exception.what();
     }
     return "nothing thrown";
+}
+
+TEST(NormalsDeathTest, WhatIsWrongIsLoggedWithTheNameBeforeTheEnd) {
+    o3d::Mesh mesh;
+    mesh.mName = "stone";
+    mesh.mVertices = {Vector3f(0, 0, 0), Vector3f(1, 0, 0), Vector3f(2, 0, 0)};
+    addSubmesh(mesh, {0, 1, 2}, {{0, 1, 2}});
+    EXPECT_DEATH(
+        {
+            dup2(2, 1);
+            setlinebuf(stdout);
+            mesh.addNormals();
+        },
+        "Mesh 'stone': 1 triangles without area: making normals ends the program");
+}
+
+TEST(Normals, FaultsAreCounted) {
+    using Faults = std::vector<std::string>;
+    const std::string fatal = ": making normals ends the program";
+    const std::string spoilt = ": normals or tangents there are not numbers";
+    const std::vector<Vector3f> coords = {Vector3f(0, 0, 0), Vector3f(1, 0, 0), Vector3f(0, 1, 0)};
+    const auto faults = [](const auto& change) {
+        o3d::Mesh mesh;
+        makeTriangle(mesh);
+        change(mesh);
+        return mesh.findFaults();
+    };
+    EXPECT_EQ(Faults(), faults([&](o3d::Mesh& mesh) { addSubmesh(mesh, {0, 1, 2}, {{0, 1, 2}}, coords); }));
+    EXPECT_EQ(Faults{"3 vertices whose triangles lie back to back" + fatal}, faults([](o3d::Mesh& mesh) {
+                  addSubmesh(mesh, {0, 1, 2}, {{0, 1, 2}, {0, 2, 1}});
+              }));
+    EXPECT_EQ(Faults{"1 texture coordinates without a triangle" + fatal}, faults([](o3d::Mesh& mesh) {
+                  addSubmesh(mesh, {0, 1, 2, 0}, {{0, 1, 2}},
+                             {Vector3f(0, 0, 0), Vector3f(1, 0, 0), Vector3f(0, 1, 0), Vector3f(9, 9, 0)});
+              }));
+    // A copy close by in the texture has the tangents of the triangle beside it.
+    EXPECT_EQ(Faults(), faults([](o3d::Mesh& mesh) {
+                  addSubmesh(mesh, {0, 1, 2, 0}, {{0, 1, 2}},
+                             {Vector3f(0, 0, 0), Vector3f(1, 0, 0), Vector3f(0, 1, 0), Vector3f(0, 0, 0)});
+              }));
+    EXPECT_EQ(Faults{"1 triangles without area in the texture" + spoilt}, faults([](o3d::Mesh& mesh) {
+                  addSubmesh(mesh, {0, 1, 2}, {{0, 1, 2}},
+                             {Vector3f(0, 0, 0), Vector3f(1, 1, 0), Vector3f(2, 2, 0)});
+              }));
+    EXPECT_EQ(Faults{"1 vertices that are not numbers" + spoilt}, faults([](o3d::Mesh& mesh) {
+                  mesh.mVertices[1].y = NAN;
+                  addSubmesh(mesh, {0, 1, 2}, {{0, 1, 2}});
+              }));
 }
 
 TEST(Normals, NumbersOutsideTheirListsAreRefused) {

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <climits>
-#include <cmath>
 #include <cstdarg>
 #include <cstdio>
 #include <set>
@@ -16,9 +15,6 @@ namespace zentrak::scene {
 namespace {
 
 using chunklib::ReadBuffer;
-using mathbase::Vector3f;
-
-constexpr size_t MAX_DEPTH = 1000; // as the loader's
 
 // Where a chunk may stand, one bit each.
 enum Place : unsigned {
@@ -154,10 +150,13 @@ public:
             remark(0, "the loader refuses the file: its first chunk is 0x%04X and not the main chunk", id);
             return {mText, mRemarks};
         }
+        const size_t end = std::min<size_t>(mBuffer.mChunks.back().mEnd, mImage.size());
         chunk(id, TOP, 0);
-        mBuffer.closeChunk();
-        if (mBuffer.mPosition < mImage.size())
-            remark(0, "%zu bytes behind the main chunk are not looked at", mImage.size() - mBuffer.mPosition);
+        const uint16_t last = mBuffer.mChunks.back().mId;
+        if (last != o3d::CHUNK_MAIN && last != 0 && mBuffer.mPosition < end)
+            remark(0, "the last %zu bytes of the main chunk are not loaded", end - mBuffer.mPosition);
+        if (end < mImage.size())
+            remark(0, "%zu bytes after the main chunk are not loaded", mImage.size() - end);
         references();
         return {mText, mRemarks};
     }
@@ -173,7 +172,7 @@ private:
     void remark(size_t depth, const char* text) { remark(depth, "%s", text); }
 
     // The loader's way: up to the zero byte or the end of the chunk.
-    std::string name(size_t depth) {
+    std::string name() {
         std::string result;
         while (mBuffer.checkBoundaries(1)) {
             char character = 0;
@@ -183,7 +182,6 @@ private:
             result += character;
         }
         mPending.push_back("the name has no zero byte at its end");
-        (void)depth;
         return result;
     }
 
@@ -195,15 +193,15 @@ private:
     }
 
     // What the payload of the open chunk says, in a few words; remarks on it are left in mPending.
-    std::string describe(const Kind& kind, size_t depth) {
+    std::string describe(const Kind& kind) {
         switch (kind.payload) {
         case NOTHING:
             return kind.id == o3d::CHUNK_BONEGROUP ? " (the loader skips it)" : "";
         case NAME:
-            return " " + quoted(name(depth));
+            return " " + quoted(name());
         case TWONAMES: {
-            const std::string first = name(depth);
-            return " " + quoted(first) + " of mesh " + quoted(name(depth));
+            const std::string first = name();
+            return " " + quoted(first) + " of mesh " + quoted(name());
         }
         case BYTE: {
             unsigned char byte = 0;
@@ -237,12 +235,12 @@ private:
         case NUMBERED: {
             unsigned char number = 0;
             mBuffer.loadType(&number, 1);
-            return format(" of number %d by ", number) + quoted(name(depth));
+            return format(" of number %d by ", number) + quoted(name());
         }
         case KEYS:
             return keys();
         case BONEVALUES: {
-            const std::string text = quoted(name(depth));
+            const std::string text = quoted(name());
             float values[8] = {0, 0, 0, 1, 0, 0, 0, 0};
             if (!mBuffer.checkBoundaries(32))
                 mPending.push_back("values of the bone are missing");
@@ -337,16 +335,16 @@ private:
             mText += indent + format("0x%04X, %u bytes\n", id, claimed);
             remark(depth, "the loader does not know it here and skips it");
         } else {
-            const std::string words = describe(*kind, depth);
+            const std::string words = describe(*kind);
             mText += indent + format("%s 0x%04X%s", kind->name, id, words.substr(0, 400).c_str()) +
                      (kind->inside != 0 ? format(", %u bytes", claimed) : "") + "\n";
         }
         if (uint64_t(start) + claimed > mImage.size())
             remark(depth, "it reaches %llu bytes past the end of the file",
                    static_cast<unsigned long long>(uint64_t(start) + claimed - mImage.size()));
-        else if (mBuffer.depth() > 1 && uint64_t(start) + claimed > mEnds.back())
-            remark(depth, "it reaches %llu bytes past the end of the chunk around it",
-                   static_cast<unsigned long long>(uint64_t(start) + claimed - mEnds.back()));
+        else if (mBuffer.depth() > 1 && start + claimed > mBuffer.mChunks[mBuffer.depth() - 2].mEnd)
+            remark(depth, "it reaches %u bytes past the end of the chunk around it",
+                   start + claimed - mBuffer.mChunks[mBuffer.depth() - 2].mEnd);
         for (const std::string& text : mPending)
             remark(depth, "%s", text.c_str());
         mPending.clear();
@@ -357,24 +355,24 @@ private:
         if (kind->id == o3d::CHUNK_MESH)
             mSawVertices = false;
 
-        mEnds.push_back(uint64_t(start) + claimed);
-        const size_t before = mBuffer.depth();
+        size_t open = mBuffer.depth();
         while (const uint16_t child = mBuffer.openChunk()) {
             if (child == o3d::CHUNK_VERTICES)
                 mSawVertices = true;
-            if (mBuffer.depth() > MAX_DEPTH)
+            if (mBuffer.depth() > o3d::MAX_DEPTH)
                 remark(depth + 1, "0x%04X lies too deep, and the loader leaves it out", child);
             else
                 chunk(child, kind->inside, depth + 1);
             mBuffer.closeChunk();
+            open = mBuffer.depth();
         }
-        mEnds.pop_back();
-        if (mBuffer.depth() > before) {
-            remark(depth + 1, "a chunk with ID 0 ends the loading here");
-            mBuffer.closeChunk();
-        } else if (mBuffer.remaining() > 0) {
+        // As in the loader, a chunk with ID 0 stays open: it is what the caller closes instead of this one.
+        if (mBuffer.depth() > open)
+            remark(depth + 1, depth == 0 ? "a chunk with ID 0 ends the loading here"
+                                         : "a chunk with ID 0: what follows it is read as part of the chunk "
+                                           "around this one");
+        else if (mBuffer.remaining() > 0)
             remark(depth + 1, "%u bytes at its end are no chunk", mBuffer.remaining());
-        }
     }
 
     // What is right by itself and wrong together: names that lead nowhere, numbers outside their lists.
@@ -391,7 +389,7 @@ private:
             remark(0, "there is no scene");
         duplicates(manager);
         for (const o3d::Mesh* mesh : manager.mMeshes)
-            checkMesh(manager, *mesh);
+            checkMesh(*mesh);
         for (const o3d::Material* material : manager.mMaterials)
             for (const auto* attribute : material->mAttributes)
                 for (const o3d::Texture* texture : attribute->mTextures)
@@ -403,7 +401,7 @@ private:
             if (std::none_of(scene->mChildren.begin(), scene->mChildren.end(),
                              [](const o3d::SceneNode* node) { return node->getType() == o3d::CHUNK_CAMERA; }))
                 mText += "scene " + quoted(scene->mName) + " has no camera among its direct children\n";
-            checkNode(manager, *scene);
+            checkNode(manager, *scene, *scene, false);
             mText += "scene " + quoted(scene->mName) +
                      format(" is animated up to time %g\n", double(scene->getAnimationLength()));
         }
@@ -421,61 +419,63 @@ private:
                        quoted(material->mName).c_str());
     }
 
-    void checkMesh(const o3d::Manager& manager, const o3d::Mesh& mesh) {
-        const std::string name = quoted(mesh.mName);
+    void checkMesh(const o3d::Mesh& mesh) {
+        if (mesh.mSubmeshes.empty())
+            return; // vertices alone need no normals
         try {
-            mesh.checkIndices();
+            for (const std::string& text : mesh.findFaults())
+                remark(0, "mesh %s: %s", quoted(mesh.mName).c_str(), text.c_str());
         } catch (const std::exception& exception) {
             remark(0, "%s", exception.what());
-            return;
         }
-        std::vector<char> used(mesh.mVertices.size(), 0);
-        size_t flat = 0;
-        for (const o3d::Submesh* submesh : mesh.mSubmeshes) {
-            const std::string& material = mesh.getMaterial(submesh->mMaterial);
-            if (material.empty())
-                remark(0, "mesh %s: material number %d has no name", name.c_str(), submesh->mMaterial);
-            else if (manager.getMaterial(material) == nullptr)
-                remark(0, "mesh %s: there is no material %s", name.c_str(), quoted(material).c_str());
-            for (const o3d::Triangle& triangle : submesh->mTriangles) {
-                Vector3f corner[3];
-                for (int i = 0; i < 3; ++i) {
-                    const int position = submesh->mIndices[size_t(triangle.mIndex[i])].mValue;
-                    used[size_t(position)] = 1;
-                    corner[i] = mesh.mVertices[size_t(position)];
-                }
-                if ((corner[1] - corner[0]).cross(corner[2] - corner[0]).length() == 0.0f)
-                    ++flat;
-            }
-        }
-        if (flat > 0)
-            remark(0, "mesh %s: %zu triangles without area: making normals ends the program", name.c_str(),
-                   flat);
-        const auto unused = size_t(std::count(used.begin(), used.end(), 0));
-        if (unused > 0)
-            remark(0, "mesh %s: %zu vertices without a triangle: making normals ends the program",
-                   name.c_str(), unused);
     }
 
-    void checkNode(const o3d::Manager& manager, const o3d::SceneNode& node) {
+    void checkNode(const o3d::Manager& manager, const o3d::Scene& scene, const o3d::SceneNode& node,
+                   bool belowCamera) {
         if (const auto* instance = dynamic_cast<const o3d::MeshInstance*>(&node)) {
-            if (manager.getMesh(instance->mMeshName) == nullptr)
-                remark(0, "mesh instance %s: there is no mesh %s", quoted(instance->mName).c_str(),
-                       quoted(instance->mMeshName).c_str());
-            for (const std::string& material : instance->mMaterials)
-                if (!material.empty() && manager.getMaterial(material) == nullptr)
-                    remark(0, "mesh instance %s: there is no material %s", quoted(instance->mName).c_str(),
-                           quoted(material).c_str());
+            if (belowCamera)
+                remark(0, "mesh instance %s is below a camera and is not drawn",
+                       quoted(instance->mName).c_str());
+            checkInstance(manager, *instance);
         }
+        const bool isCamera = node.getType() == o3d::CHUNK_CAMERA;
+        if (isCamera &&
+            std::find(scene.mChildren.begin(), scene.mChildren.end(), &node) == scene.mChildren.end())
+            remark(0, "camera %s is not a direct child of the scene: no effect finds it",
+                   quoted(node.mName).c_str());
         for (const o3d::SceneNode* child : node.mChildren)
-            checkNode(manager, *child);
+            checkNode(manager, scene, *child, belowCamera || isCamera);
+    }
+
+    // Whoever draws an instance looks up the material of each Submesh, first the instance's own.
+    void checkInstance(const o3d::Manager& manager, const o3d::MeshInstance& instance) {
+        const std::string name = quoted(instance.mName);
+        const o3d::Mesh* mesh = manager.getMesh(instance.mMeshName);
+        if (mesh == nullptr) {
+            remark(0, "mesh instance %s: there is no mesh %s", name.c_str(),
+                   quoted(instance.mMeshName).c_str());
+            return;
+        }
+        std::set<std::string> materials(instance.mMaterials.begin(), instance.mMaterials.end());
+        for (const o3d::Submesh* submesh : mesh->mSubmeshes) {
+            std::string material = instance.getMaterial(submesh->mMaterial);
+            if (material.empty())
+                material = mesh->getMaterial(submesh->mMaterial);
+            if (material.empty())
+                remark(0, "mesh instance %s: material number %d of mesh %s has no name", name.c_str(),
+                       submesh->mMaterial, quoted(mesh->mName).c_str());
+            materials.insert(material);
+        }
+        for (const std::string& material : materials)
+            if (!material.empty() && manager.getMaterial(material) == nullptr)
+                remark(0, "mesh instance %s: there is no material %s", name.c_str(),
+                       quoted(material).c_str());
     }
 
     const std::string& mImage;
     ReadBuffer mBuffer;
     std::string mText;
     int mRemarks = 0;
-    std::vector<uint64_t> mEnds;       // of the chunks around
     std::vector<std::string> mPending; // remarks on the chunk being described
     bool mSawVertices = false;
 };
