@@ -46,15 +46,17 @@ void writeSubmesh(chunklib::WriteBuffer& buffer, const o3d::Mesh& mesh, const o3
     buffer.closeChunk();
 }
 
-// The loader does not empty its text between the names of a list: only what a name has more than the one
-// before it stands in the file.
+// The loader does not empty its text between the names of a list: where a name starts with the one before it,
+// only what it has more is written; any other begins a list of its own.
 void writeNames(chunklib::WriteBuffer& buffer, const o3d::Mesh& mesh) {
     buffer.openChunk(o3d::CHUNK_MATERIALNAMES);
     std::string before;
     for (const std::string& name : mesh.mMaterials) {
-        if (name.rfind(before, 0) != 0)
-            throw Exception("Mesh '%s': the material name '%s' has to start with '%s'", mesh.mName.c_str(),
-                            name.c_str(), before.c_str());
+        if (!name.starts_with(before)) {
+            buffer.closeChunk();
+            buffer.openChunk(o3d::CHUNK_MATERIALNAMES);
+            before.clear();
+        }
         o3d::writeValue(buffer, name.substr(before.size()));
         before = name;
     }

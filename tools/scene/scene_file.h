@@ -19,8 +19,8 @@ public:
 
 // The file image of all that the Manager holds. Unlike Manager::write() this is what Manager::load() reads: a
 // Submesh's material number as a byte and the material names as bare texts; bone groups, which no loader
-// takes, are left out. Throws Exception, with the Mesh's name, for what a file can't hold: material names
-// that do not each start with the one before, a material number above 255, and numbers outside their lists.
+// takes, are left out. Throws Exception, with the Mesh's name, for what a file can't hold: a material number
+// above 255, and numbers outside their lists.
 std::string sceneFile(const o3d::Manager& manager);
 
 // Hands objects to the Manager, which owns them; a pointer to the object comes back.

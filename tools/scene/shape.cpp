@@ -144,10 +144,6 @@ void Shape::bar(int part, const std::vector<Vector3f>& curve, float width, float
 
 std::unique_ptr<o3d::Mesh> Shape::build(const std::string& name,
                                         const std::vector<std::string>& materials) const {
-    for (size_t i = 1; i < materials.size(); ++i)
-        if (materials[i].rfind(materials[i - 1], 0) != 0)
-            throw Exception("Mesh '%s': the material name '%s' has to start with '%s'", name.c_str(),
-                            materials[i].c_str(), materials[i - 1].c_str());
     auto mesh = std::make_unique<o3d::Mesh>();
     mesh->mName = name;
     mesh->mMaterials = materials;

@@ -42,8 +42,7 @@ public:
     // A bar of rectangular section along a curve; `up` is roughly across it.
     void bar(int part, const std::vector<Vector3f>& curve, float width, float height, const Vector3f& up);
 
-    // The mesh, which the caller owns. The names are those of the parts' materials; each has to start with
-    // the one before it, which is how a scene file holds them. Throws Exception where one does not.
+    // The mesh, which the caller owns. The names are those of the parts' materials.
     std::unique_ptr<o3d::Mesh> build(const std::string& name,
                                      const std::vector<std::string>& materials) const;
 

@@ -1,0 +1,14 @@
+// A Model as bytes and back, for the pipe between two processes of one program.
+#pragma once
+
+#include "import/model.h"
+
+#include <string>
+
+namespace zentrak::importer {
+
+std::string toBytes(Model& model);
+// Throws std::runtime_error where the bytes end too early.
+Model fromBytes(const std::string& bytes);
+
+} // namespace zentrak::importer
