@@ -43,6 +43,8 @@ public:
             throw std::runtime_error("assimp reads it only now and then");
         for (unsigned i = 0; mScene->mNumAnimations > 0 && i < mScene->mAnimations[0]->mNumChannels; ++i) {
             const aiNodeAnim* const channel = mScene->mAnimations[0]->mChannels[i];
+            if (!inOrder(*channel))
+                mComparable = false;
             if (const aiNode* const node = mScene->mRootNode->FindNode(channel->mNodeName))
                 mChannels[node] = channel;
         }
@@ -54,8 +56,21 @@ public:
         return given > 0 ? given : 25;
     }
 
+    // Some readers leave keys in disorder; nothing can be sampled then.
+    static bool inOrder(const aiNodeAnim& channel) {
+        const auto ascends = [](const auto* keys, unsigned count) {
+            return std::is_sorted(keys, keys + count,
+                                  [](const auto& a, const auto& b) { return a.mTime < b.mTime; });
+        };
+        return ascends(channel.mPositionKeys, channel.mNumPositionKeys) &&
+               ascends(channel.mRotationKeys, channel.mNumRotationKeys) &&
+               ascends(channel.mScalingKeys, channel.mNumScalingKeys);
+    }
+
     // Start, end, and what lies between; never just on a key, where a jump has two values.
     std::vector<double> times() const {
+        if (!mComparable)
+            return {};
         if (mChannels.empty())
             return {0};
         double first = INFINITY, last = -INFINITY;
@@ -160,7 +175,8 @@ private:
                 sample(channel.mRotationKeys, count, wrap(channel, channel.mRotationKeys, count, ticks));
         if (const unsigned count = channel.mNumScalingKeys)
             scale = sample(channel.mScalingKeys, count, wrap(channel, channel.mScalingKeys, count, ticks));
-        return aiMatrix4x4(scale, rotation, position);
+        aiMatrix4x4 translate, turn(rotation.GetMatrix()), stretch;
+        return aiMatrix4x4::Translation(position, translate) * turn * aiMatrix4x4::Scaling(scale, stretch);
     }
 
     void visit(const aiNode& node, const aiMatrix4x4& parent, double time, World& world) const {
@@ -169,19 +185,27 @@ private:
         world.nodes.push_back(toEngine(aiVector3D(matrix.a4, matrix.b4, matrix.c4)));
         for (unsigned i = 0; i < node.mNumMeshes; ++i) {
             const aiMesh& mesh = *mScene->mMeshes[node.mMeshes[i]];
-            for (unsigned f = 0; f < mesh.mNumFaces; ++f)
-                if (mesh.mFaces[f].mNumIndices == 3)
-                    for (unsigned c = 0; c < 3; ++c)
-                        world.corners.push_back(
-                            toEngine(matrix * mesh.mVertices[mesh.mFaces[f].mIndices[c]]));
+            for (unsigned f = 0; f < mesh.mNumFaces; ++f) {
+                const aiFace& face = mesh.mFaces[f];
+                if (face.mNumIndices != 3)
+                    continue;
+                const aiVector3D* const v = mesh.mVertices;
+                const unsigned* const c = face.mIndices;
+                if (((v[c[1]] - v[c[0]]) ^ (v[c[2]] - v[c[0]])).Length() == 0)
+                    continue;
+                for (unsigned corner = 0; corner < 3; ++corner)
+                    world.corners.push_back(toEngine(matrix * v[c[corner]]));
+            }
         }
         for (unsigned i = 0; i < node.mNumChildren; ++i)
-            visit(*node.mChildren[i], matrix, time, world);
+            if (node.mChildren[i])
+                visit(*node.mChildren[i], matrix, time, world);
     }
 
     Assimp::Importer mImporter;
     const aiScene* mScene = nullptr;
     std::map<const aiNode*, const aiNodeAnim*> mChannels;
+    bool mComparable = true;
     double mUnit = 1;
     int mAxis[3], mSign[3];
 };
@@ -260,9 +284,10 @@ double sizeOf(const World& world) {
     return std::max({(high - low).Length(), reach * 1e-3, 1e-6});
 }
 
+// As far as floats can tell after the way through the tree.
 bool isFlat(const Vector* corners, double size) {
-    const double area = ((corners[1] - corners[0]) ^ (corners[2] - corners[0])).Length();
-    return !(area > size * size * 1e-9);
+    const Vector ab = corners[1] - corners[0], ac = corners[2] - corners[0];
+    return !((ab ^ ac).Length() > 1e-6 * size * std::max(ab.Length(), ac.Length()));
 }
 
 // The root is missing where it does nothing.

@@ -377,6 +377,8 @@ private:
             setTransform(*outer, mSpace.point(rest.position), mSpace.rotation(rest.rotation),
                          mSpace.scale(rest.scale));
             std::vector<std::string> losses;
+            if (mChannels[number]->disordered)
+                losses.push_back("its keys are in disorder: they are taken by their times");
             setTracks(*mChannels[number], mSpace, outer->mPosition, outer->mRotation, outer->mScale, losses);
             for (const std::string& loss : losses)
                 lose(node, loss);

@@ -93,6 +93,7 @@ struct Channel {
     std::vector<VectorKey> positions, scales;
     std::vector<QuaternionKey> rotations;
     Beyond before = Beyond::HOLD, after = Beyond::HOLD;
+    uint8_t disordered = 0; // the keys had to be sorted
 };
 
 struct Animation {

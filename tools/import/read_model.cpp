@@ -160,26 +160,39 @@ Surface toSurface(const aiMaterial& material) {
     return surface;
 }
 
-// The horizontal angle is what assimp has; without an aspect it is the vertical one for glTF, whose reader
-// passes that through, and meant for a picture of 16:10 else.
-double verticalAngle(const aiCamera& camera, bool angleIsVertical) {
+// Some versions of assimp multiply glTF's vertical angle by the aspect, others do it by the tangents.
+bool multipliesAngles() {
+    static const char probe[] = R"({"asset":{"version":"2.0"},"scene":0,"scenes":[{"nodes":[0]}],
+        "nodes":[{"camera":0}],"cameras":[{"type":"perspective",
+        "perspective":{"yfov":1,"aspectRatio":2,"znear":1}}]})";
+    Assimp::Importer importer;
+    const aiScene* const scene = importer.ReadFileFromMemory(probe, sizeof probe - 1, 0, "gltf");
+    return scene && scene->mNumCameras == 1 && scene->mCameras[0]->mHorizontalFOV == 2.0f;
+}
+
+// assimp has the horizontal angle. Without an aspect it is the vertical one in glTF, whose reader passes that
+// through, and else meant for a picture of 16:10.
+double verticalAngle(const aiCamera& camera, bool isGltf) {
     const double angle = double(camera.mHorizontalFOV);
+    const double aspect = camera.mAspect > 0 ? double(camera.mAspect) : isGltf ? 1.0 : 1.6;
+    if (isGltf && multipliesAngles())
+        return angle / aspect;
     if (!(angle > 0) || angle >= std::numbers::pi)
         return 0;
-    const double aspect = camera.mAspect > 0 ? double(camera.mAspect) : angleIsVertical ? 1.0 : 1.6;
     return 2 * atan(tan(angle / 2) / aspect);
 }
 
 void addCameras(const aiScene& scene, Model& model) {
-    const bool angleIsVertical = model.format.find("glTF") != std::string::npos;
+    const bool isGltf = model.format.find("glTF") != std::string::npos;
     for (unsigned i = 0; i < scene.mNumCameras; ++i) {
         const aiCamera& source = *scene.mCameras[i];
         CameraData camera;
         camera.name = toText(source.mName);
-        camera.position = toVector(source.mPosition);
+        // A camera of glTF stands where its node stands; the reader repeats the node's position here.
+        camera.position = isGltf ? Vector() : toVector(source.mPosition);
         camera.direction = toVector(source.mLookAt);
         camera.up = toVector(source.mUp);
-        camera.angle = verticalAngle(source, angleIsVertical);
+        camera.angle = verticalAngle(source, isGltf);
         camera.orthographic = source.mOrthographicWidth > 0;
         model.cameras.push_back(camera);
     }
@@ -197,20 +210,24 @@ void addCameras(const aiScene& scene, Model& model) {
     }
 }
 
+// Whether they had to be sorted.
 template <class Key>
-void sortKeys(std::vector<Key>& keys) {
+bool sortKeys(std::vector<Key>& keys) {
+    const auto earlier = [](const Key& a, const Key& b) { return a.time < b.time; };
     std::erase_if(keys, [](const Key& key) { return !std::isfinite(key.time); });
-    std::stable_sort(keys.begin(), keys.end(), [](const Key& a, const Key& b) { return a.time < b.time; });
+    const bool disordered = !std::is_sorted(keys.begin(), keys.end(), earlier);
+    std::stable_sort(keys.begin(), keys.end(), earlier);
+    return disordered;
 }
 
-void addKeys(const aiVectorKey* source, unsigned count, double rate, std::vector<VectorKey>& keys) {
+bool addKeys(const aiVectorKey* source, unsigned count, double rate, std::vector<VectorKey>& keys) {
     for (unsigned i = 0; source && i < count; ++i)
         if (isFinite(toVector(source[i].mValue)))
             keys.push_back({source[i].mTime / rate, toVector(source[i].mValue)});
-    sortKeys(keys);
+    return sortKeys(keys);
 }
 
-void addKeys(const aiQuatKey* source, unsigned count, double rate, std::vector<QuaternionKey>& keys) {
+bool addKeys(const aiQuatKey* source, unsigned count, double rate, std::vector<QuaternionKey>& keys) {
     for (unsigned i = 0; source && i < count; ++i) {
         const aiQuaternion& q = source[i].mValue;
         Quaternion value(double(q.w), double(q.x), double(q.y), double(q.z));
@@ -221,7 +238,7 @@ void addKeys(const aiQuatKey* source, unsigned count, double rate, std::vector<Q
         value.Normalize();
         keys.push_back({source[i].mTime / rate, value});
     }
-    sortKeys(keys);
+    return sortKeys(keys);
 }
 
 Beyond toBeyond(aiAnimBehaviour behaviour) {
@@ -239,9 +256,12 @@ Animation toAnimation(const aiAnimation& source) {
         const aiNodeAnim& from = *source.mChannels[i];
         Channel channel;
         channel.node = toText(from.mNodeName);
-        addKeys(from.mPositionKeys, from.mNumPositionKeys, rate, channel.positions);
-        addKeys(from.mRotationKeys, from.mNumRotationKeys, rate, channel.rotations);
-        addKeys(from.mScalingKeys, from.mNumScalingKeys, rate, channel.scales);
+        const bool sorted[] = {
+            addKeys(from.mPositionKeys, from.mNumPositionKeys, rate, channel.positions),
+            addKeys(from.mRotationKeys, from.mNumRotationKeys, rate, channel.rotations),
+            addKeys(from.mScalingKeys, from.mNumScalingKeys, rate, channel.scales),
+        };
+        channel.disordered = sorted[0] || sorted[1] || sorted[2];
         channel.before = toBeyond(from.mPreState);
         channel.after = toBeyond(from.mPostState);
         animation.channels.push_back(std::move(channel));

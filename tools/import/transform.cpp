@@ -180,7 +180,14 @@ Trs decompose(const Matrix& matrix) {
 }
 
 Matrix toMatrix(const Vector& position, const Quaternion& rotation, const Vector& scale) {
-    return Matrix(scale, rotation, position);
+    // assimp's own constructor of three would turn first and scale then.
+    Matrix result(rotation.GetMatrix());
+    for (unsigned row = 0; row < 3; ++row) {
+        for (unsigned column = 0; column < 3; ++column)
+            result[row][column] *= scale[column];
+        result[row][3] = position[row];
+    }
+    return result;
 }
 
 Vector toAngles(const Quaternion& rotation, const Vector& near) {

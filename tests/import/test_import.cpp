@@ -1,0 +1,553 @@
+// The importer: what becomes of a model, what is said to be lost, and that nothing crashes it.
+
+#include "compare.h"
+#include "import/animation.h"
+#include "import/child.h"
+#include "import/geometry.h"
+#include "import/read_model.h"
+#include "import/transform.h"
+#include "o3d_manager.h"
+#include "support.h"
+
+#include <algorithm>
+#include <assimp/Importer.hpp>
+#include <cmath>
+#include <csignal>
+#include <cstring>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <map>
+#include <numbers>
+#include <random>
+#include <unistd.h>
+
+using namespace zentrak;
+using namespace zentrak::importer;
+
+namespace {
+
+constexpr const char* PACKAGE = "/usr/share/assimp/models";
+constexpr double PI = std::numbers::pi;
+
+Conversion import(const std::string& path, const Options& options = {}) {
+    return convert(readModel(path), options, "scene");
+}
+
+std::unique_ptr<o3d::Manager> load(const Conversion& conversion) {
+    auto manager = std::make_unique<o3d::Manager>();
+    manager->load(reinterpret_cast<const unsigned char*>(conversion.image.data()),
+                  int(conversion.image.size()));
+    return manager;
+}
+
+bool contains(const std::vector<std::string>& list, const std::string& text) {
+    return std::any_of(list.begin(), list.end(),
+                       [&](const std::string& line) { return line.find(text) != std::string::npos; });
+}
+
+std::string refusalOf(const std::function<void()>& work) {
+    try {
+        work();
+    } catch (const std::exception& exception) {
+        return exception.what();
+    }
+    return "not refused";
+}
+
+// A tetrahedron, so that each side has its way to face.
+constexpr const char* OBJ = R"(mtllib m.mtl
+o solid
+v 0 0 0
+v 2 0 0
+v 0 2 0
+v 0 0 2
+vt 0 0
+vt 1 0
+vt 0 0.25
+usemtl wood
+f 1/1 3/3 2/2
+f 1/1 2/2 4/3
+usemtl stone
+f 1/1 4/2 3/3
+f 2/1 3/2 4/3
+)";
+
+std::string base64(const std::string& bytes) {
+    static const char digits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    std::string text;
+    for (size_t i = 0; i < bytes.size(); i += 3) {
+        uint32_t group = 0;
+        for (size_t k = 0; k < 3; ++k)
+            group = group << 8 | (i + k < bytes.size() ? uint8_t(bytes[i + k]) : 0);
+        for (size_t k = 0; k < 4; ++k)
+            text += i + k > bytes.size() ? '=' : digits[group >> (18 - 6 * k) & 63];
+    }
+    return text;
+}
+
+std::string floats(const std::vector<float>& values) {
+    std::string bytes(values.size() * sizeof(float), '\0');
+    memcpy(bytes.data(), values.data(), bytes.size());
+    return bytes;
+}
+
+// A camera on an arm of 3 units that turns about y, a quarter a second.
+std::string turningCamera() {
+    const float half = float(std::numbers::sqrt2 / 2);
+    const std::string data = floats({0, 1, 2, 0, 0, 0, 1, 0, half, 0, half, 0, 1, 0, 0});
+    return R"({"asset":{"version":"2.0"},"scene":0,"scenes":[{"nodes":[0]}],
+        "nodes":[{"name":"arm","children":[1]},{"name":"eye","translation":[0,0,3],"camera":0}],
+        "cameras":[{"name":"eye","type":"perspective","perspective":{"yfov":0.7,"aspectRatio":1.5,"znear":0.1}}],
+        "buffers":[{"byteLength":)" +
+           std::to_string(data.size()) + R"(,"uri":"data:application/octet-stream;base64,)" + base64(data) +
+           R"("}],"bufferViews":[{"buffer":0,"byteLength":12},{"buffer":0,"byteOffset":12,"byteLength":48}],
+        "accessors":[{"bufferView":0,"componentType":5126,"count":3,"type":"SCALAR","min":[0],"max":[2]},
+            {"bufferView":1,"componentType":5126,"count":3,"type":"VEC4"}],
+        "animations":[{"name":"turn","samplers":[{"input":0,"output":1,"interpolation":"LINEAR"}],
+            "channels":[{"sampler":0,"target":{"node":0,"path":"rotation"}}]}]})";
+}
+
+// One part of triangles, textured.
+Part part(const std::vector<std::array<float, 3>>& positions,
+          const std::vector<std::array<float, 2>>& texCoords,
+          const std::vector<std::array<uint32_t, 3>>& triangles) {
+    Part result;
+    result.positions = positions;
+    result.texCoords = texCoords;
+    result.triangles = triangles;
+    return result;
+}
+
+// Makes the normals, as the show does, in a process of its own.
+std::string normalsOf(const Part& source) {
+    return refusalOf([&] {
+        inChild(
+            [&] {
+                MeshLosses losses;
+                const auto mesh = buildMesh({&source}, Space(Matrix3(), 1), Matrix(), losses);
+                mesh->addNormals();
+                for (const o3d::TangentSpace& space : mesh->mSubmeshes[0]->mTangentSpaces)
+                    for (const auto& v : {space.mNormal, space.mTangent, space.mBinormal})
+                        if (!(fabsf(v.length() - 1) < 0.01f))
+                            throw std::runtime_error("a normal or tangent is none");
+                return std::string();
+            },
+            60, 4096);
+    });
+}
+
+} // namespace
+
+TEST(Transform, AnglesComeBackAsTheTurnTheyWere) {
+    std::mt19937 random(7);
+    std::uniform_real_distribution<double> angle(-PI, PI);
+    for (int i = 0; i < 2000; ++i) {
+        Vector angles(angle(random), angle(random), angle(random));
+        if (i % 4 == 0)
+            angles.z = i % 8 ? PI / 2 : -PI / 2; // where two of them are one
+        const Quaternion turn = fromAngles(angles);
+        const Vector back = toAngles(turn, Vector(angle(random), angle(random), angle(random)) * 3.0);
+        EXPECT_LT(angleBetween(turn, fromAngles(back)), 1e-6) << i;
+        EXPECT_LT((toAngles(turn, angles) - angles).Length(), 1e-6) << i;
+    }
+}
+
+TEST(Transform, AnglesAreTheEngines) {
+    const Vector angles(0.3, -1.1, 0.7);
+    const Quaternion turn = fromAngles(angles);
+    const mathbase::Quatf engine(mathbase::Eulerf(mathbase::Vector3f(0.3f, -1.1f, 0.7f),
+                                                  mathbase::RotationOrder(mathbase::RotationOrder::YZX)));
+    EXPECT_NEAR(turn.w, double(engine.w), 1e-6);
+    EXPECT_NEAR(turn.x, double(engine.x), 1e-6);
+    EXPECT_NEAR(turn.y, double(engine.y), 1e-6);
+    EXPECT_NEAR(turn.z, double(engine.z), 1e-6);
+}
+
+TEST(Transform, AMatrixThatShearsMirrorsOrFlattensComesApartAndTogetherAgain) {
+    std::mt19937 random(3);
+    std::uniform_real_distribution<double> number(-2, 2);
+    for (int i = 0; i < 500; ++i) {
+        Matrix matrix;
+        for (unsigned row = 0; row < 3; ++row)
+            for (unsigned column = 0; column < 4; ++column)
+                matrix[row][column] = number(random);
+        if (i % 5 == 0)
+            for (unsigned row = 0; row < 3; ++row)
+                matrix[row][i / 5 % 3] = 0;
+        const Trs parts = decompose(matrix);
+        const Matrix again =
+            toMatrix(parts.position, parts.rotation, parts.scale) * Matrix(parts.inner.GetMatrix());
+        for (unsigned row = 0; row < 3; ++row)
+            for (unsigned column = 0; column < 4; ++column)
+                EXPECT_NEAR(matrix[row][column], again[row][column], 1e-6) << i;
+    }
+}
+
+TEST(Transform, EachAxisCanBeUp) {
+    for (const auto& [name, axis] : std::map<std::string, Vector>{{"x", {1, 0, 0}},
+                                                                  {"-x", {-1, 0, 0}},
+                                                                  {"y", {0, 1, 0}},
+                                                                  {"-y", {0, -1, 0}},
+                                                                  {"z", {0, 0, 1}},
+                                                                  {"-z", {0, 0, -1}}}) {
+        const Matrix3 axes = axesWithUp(name);
+        EXPECT_EQ(Vector(0, 1, 0), axes * axis) << name;
+        EXPECT_EQ(1, axes.Determinant()) << name;
+    }
+    EXPECT_EQ("'w' is no axis: x, y, z, -x, -y or -z", refusalOf([] { axesWithUp("w"); }));
+}
+
+TEST(Import, APartOfEachMaterialBecomesASubmeshWithItsName) {
+    const test::TempDir folder;
+    test::writeFile(folder.file("m.mtl"),
+                    "newmtl wood\nKd 0.5 0.25 0\nmap_Kd grain.png\nnewmtl stone\nKd 1 1 1\n");
+    test::writeFile(folder.file("a.obj"), OBJ);
+    const auto manager = load(import(folder.file("a.obj")));
+    ASSERT_EQ(2u, manager->mMaterials.size());
+    ASSERT_TRUE(manager->getMaterial("wood"));
+    ASSERT_TRUE(manager->getMaterial("stone"));
+    const o3d::Material::Attribute& diffuse = *manager->getMaterial("wood")->mAttributes[0];
+    EXPECT_EQ("diffuse", diffuse.mName);
+    EXPECT_FLOAT_EQ(0.25f, diffuse.mColor.y);
+    ASSERT_EQ(1u, diffuse.mTextures.size());
+    EXPECT_EQ("grain.png", manager->getImage(diffuse.mTextures[0]->mImageName)->mFileName);
+    size_t triangles = 0;
+    for (const o3d::Mesh* mesh : manager->mMeshes)
+        for (const o3d::Submesh* submesh : mesh->mSubmeshes)
+            triangles += submesh->mTriangles.size();
+    EXPECT_EQ(4u, triangles);
+}
+
+TEST(Import, TextureCoordinatesRunDown) {
+    const test::TempDir folder;
+    test::writeFile(folder.file("a.obj"), OBJ);
+    const auto manager = load(import(folder.file("a.obj")));
+    float least = 9, most = -9;
+    for (const o3d::Mesh* mesh : manager->mMeshes)
+        for (const o3d::Submesh* submesh : mesh->mSubmeshes)
+            for (const auto& coordinates : submesh->mTexCoords[0]->mList) {
+                least = std::min(least, coordinates.y);
+                most = std::max(most, coordinates.y);
+            }
+    EXPECT_FLOAT_EQ(0.75f, least);
+    EXPECT_FLOAT_EQ(1.0f, most);
+}
+
+TEST(Import, AFileWithoutACameraGetsOneThatSeesAllOfIt) {
+    const test::TempDir folder;
+    test::writeFile(folder.file("a.obj"), OBJ);
+    const Conversion with = import(folder.file("a.obj"));
+    EXPECT_TRUE(contains(with.remarks, "the file has no camera"));
+    const auto manager = load(with);
+    const auto* const camera = dynamic_cast<o3d::Camera*>(manager->mScenes[0]->mChildren[0]);
+    ASSERT_TRUE(camera);
+    mathbase::Matrix4x4Col view;
+    view.buildBlenderCameraInverse(camera->mPosition.getValue(0),
+                                   mathbase::Quatf(camera->mRotation.getValue(0)),
+                                   mathbase::Vector3f(1, 1, 1));
+    const float slope = tanf(camera->mAngle.getValue(0) / 2);
+    for (const o3d::Mesh* mesh : manager->mMeshes)
+        for (const auto& vertex : mesh->mVertices) {
+            const auto seen = view * vertex;
+            EXPECT_LT(fabsf(seen.x), -seen.z * slope);
+            EXPECT_LT(fabsf(seen.y), -seen.z * slope);
+        }
+    Options options;
+    options.camera = false;
+    const auto without = load(import(folder.file("a.obj"), options));
+    for (const o3d::SceneNode* node : without->mScenes[0]->mChildren)
+        EXPECT_FALSE(dynamic_cast<const o3d::Camera*>(node));
+}
+
+TEST(Import, ACameraOnAMovingArmStandsInTheSceneItselfAndMoves) {
+    const test::TempDir folder;
+    test::writeFile(folder.file("a.gltf"), turningCamera());
+    const auto manager = load(import(folder.file("a.gltf")));
+    const auto* const camera = dynamic_cast<o3d::Camera*>(manager->mScenes[0]->mChildren[0]);
+    ASSERT_TRUE(camera);
+    EXPECT_EQ("eye", camera->mName);
+    EXPECT_NEAR(0.7f, camera->mAngle.getValue(0), 1e-4f);
+    for (float time = -0.5f; time < 2.6f; time += 0.0731f) {
+        const float angle = std::clamp(time, 0.0f, 2.0f) * float(PI) / 2;
+        const auto position = camera->mPosition.getValue(time);
+        EXPECT_NEAR(3 * sinf(angle), position.x, 0.001f) << time;
+        EXPECT_NEAR(0.0f, position.y, 0.001f) << time;
+        EXPECT_NEAR(3 * cosf(angle), position.z, 0.001f) << time;
+        mathbase::Matrix4x4Col view;
+        view.buildBlenderCameraInverse(position, mathbase::Quatf(camera->mRotation.getValue(time)),
+                                       mathbase::Vector3f(1, 1, 1));
+        const auto ahead = view * mathbase::Vector3f(0, 0, 0);
+        EXPECT_NEAR(0.0f, ahead.x, 0.005f) << time;
+        EXPECT_NEAR(-3.0f, ahead.z, 0.005f) << time;
+        const auto above = view * mathbase::Vector3f(0, 1, 0);
+        EXPECT_NEAR(1.0f, above.y, 0.005f) << time;
+    }
+}
+
+TEST(Import, AJumpOfTheKeysStaysAJump) {
+    Channel channel;
+    channel.positions = {{0, {0, 0, 0}}, {1, {1, 0, 0}}, {1, {5, 0, 0}}, {2, {6, 0, 0}}};
+    channel.rotations = {
+        {0, Quaternion()}, {1, Quaternion()}, {1, fromAngles({0, 2, 0})}, {2, fromAngles({0, 2, 0})}};
+    o3d::TrackVector3f position, scale;
+    o3d::TrackEulerf rotation;
+    std::vector<std::string> losses;
+    setTracks(channel, Space(Matrix3(), 1), position, rotation, scale, losses);
+    EXPECT_TRUE(losses.empty());
+    EXPECT_NEAR(0.999f, position.mX.getValue(0.999f), 1e-5f);
+    EXPECT_NEAR(5.001f, position.mX.getValue(1.001f), 1e-5f);
+    EXPECT_NEAR(0.0f, rotation.mY.getValue(0.999f), 1e-5f);
+    EXPECT_NEAR(2.0f, rotation.mY.getValue(1.001f), 1e-5f);
+    for (size_t i = 1; i < position.mX.mKeys.size(); ++i)
+        EXPECT_LT(position.mX.mKeys[i - 1].mTime, position.mX.mKeys[i].mTime);
+}
+
+TEST(Import, WhatRepeatsRepeatsAndWhatCantIsSaid) {
+    Channel channel;
+    channel.positions = {{0, {0, 0, 0}}, {1, {0, 1, 0}}, {2, {0, 0, 0}}};
+    channel.before = channel.after = Beyond::REPEAT;
+    o3d::TrackVector3f position, scale;
+    o3d::TrackEulerf rotation;
+    std::vector<std::string> losses;
+    setTracks(channel, Space(Matrix3(), 1), position, rotation, scale, losses);
+    EXPECT_TRUE(losses.empty());
+    EXPECT_NEAR(0.5f, position.mY.getValue(6.5f), 1e-5f);
+    channel.before = channel.after = Beyond::EXTRAPOLATE;
+    setTracks(channel, Space(Matrix3(), 1), position, rotation, scale, losses);
+    EXPECT_TRUE(contains(losses, "it stands still there"));
+}
+
+TEST(Import, ATurnThroughAllAnglesStaysWithinTheStatedError) {
+    Channel channel;
+    std::mt19937 random(5);
+    std::uniform_real_distribution<double> angle(-PI, PI);
+    for (int i = 0; i < 40; ++i)
+        channel.rotations.push_back({double(i), fromAngles({angle(random), angle(random), angle(random)})});
+    o3d::TrackVector3f position, scale;
+    o3d::TrackEulerf rotation;
+    std::vector<std::string> losses;
+    setTracks(channel, Space(Matrix3(), 1), position, rotation, scale, losses);
+    EXPECT_TRUE(losses.empty());
+    for (double time = 0; time < 39; time += 0.0173) {
+        const Quaternion expected = poseAt(channel, Trs(), time).rotation;
+        const auto found = rotation.getValue(float(time)).angles;
+        EXPECT_LT(angleBetween(expected, fromAngles({double(found.x), double(found.y), double(found.z)})),
+                  MAX_TURN_ERROR * 1.1)
+            << time;
+    }
+}
+
+TEST(Import, AMeshThatTheEngineCouldNotLightIsMadeSoThatItCan) {
+    // Two sides of a leaf that share their corners; a pyramid whose tip has the texture all round it; a
+    // texture that is mirrored at an edge; one that is a single point.
+    EXPECT_EQ("not refused", normalsOf(part({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {{0, 0}, {1, 0}, {0, 1}},
+                                            {{0, 1, 2}, {0, 2, 1}})));
+    EXPECT_EQ("not refused", normalsOf(part({{0, 1, 0}, {1, 0, 0}, {0, 0, -1}, {-1, 0, 0}, {0, 0, 1}},
+                                            {{0.5, 1}, {0, 0}, {0.25, 0}, {0.5, 0}, {0.75, 0}},
+                                            {{0, 1, 2}, {0, 2, 3}, {0, 3, 4}, {0, 4, 1}})));
+    EXPECT_EQ("not refused", normalsOf(part({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {2, 0, 0}},
+                                            {{0, 0}, {1, 0}, {1, 1}, {0, 0}}, {{0, 1, 2}, {1, 3, 2}})));
+    EXPECT_EQ("not refused", normalsOf(part({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}},
+                                            {{0.3f, 0.3f}, {0.3f, 0.3f}, {0.3f, 0.3f}, {0.3f, 0.3f}},
+                                            {{0, 1, 2}, {0, 2, 3}})));
+}
+
+TEST(Import, TrianglesWithoutAreaAreCountedAndLeftOut) {
+    MeshLosses losses;
+    const Part source = part({{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {0, 1, 0}, {NAN, 0, 0}}, {},
+                             {{0, 1, 2}, {0, 1, 3}, {0, 1, 4}});
+    const auto mesh = buildMesh({&source}, Space(Matrix3(), 1), Matrix(), losses);
+    EXPECT_EQ(2u, losses.flatTriangles);
+    EXPECT_EQ(1u, mesh->mSubmeshes[0]->mTriangles.size());
+    EXPECT_EQ(3u, mesh->mVertices.size());
+}
+
+TEST(Import, FlatMirroredNodesKeepTheirOutside) {
+    const Part source = part({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {}, {{0, 1, 2}});
+    Matrix mirror;
+    mirror.a1 = -1;
+    MeshLosses losses;
+    const auto mesh = buildMesh({&source}, Space(Matrix3(), 1), mirror, losses);
+    const auto& v = mesh->mVertices;
+    const auto& indices = mesh->mSubmeshes[0]->mIndices;
+    const auto at = [&](int i) {
+        return v[size_t(indices[size_t(mesh->mSubmeshes[0]->mTriangles[0].mIndex[i])].mValue)];
+    };
+    EXPECT_GT((at(1) - at(0)).cross(at(2) - at(0)).z, 0.0f);
+}
+
+TEST(Import, PointsAloneAreFittedAndSpread) {
+    const test::TempDir folder;
+    test::writeFile(folder.file("a.obj"), OBJ);
+    Options options;
+    options.points = true;
+    options.fit = 1;
+    const auto corners = load(import(folder.file("a.obj"), options));
+    ASSERT_EQ(1u, corners->mMeshes.size());
+    EXPECT_EQ(4u, corners->mMeshes[0]->mVertices.size());
+    EXPECT_TRUE(corners->mMeshes[0]->mSubmeshes.empty());
+    options.pointCount = 2800;
+    const auto spread = load(import(folder.file("a.obj"), options));
+    const auto& points = spread->mMeshes[0]->mVertices;
+    ASSERT_EQ(2800u, points.size());
+    // Every 28th is spread as evenly: about a share of the area on the slanted side.
+    int slanted = 0;
+    const float slant = points.empty() ? 0 : 2.0f / sqrtf(12.0f); // of the fitted solid: x + y + z there
+    for (size_t i = 0; i < points.size(); i += 28) {
+        EXPECT_LE(points[i].length(), 1.0001f);
+        EXPECT_GT(points[i].length(), 0.0f);
+        slanted += points[i].x + points[i].y + points[i].z > slant * 2 - sqrtf(3.0f) - 0.001f;
+    }
+    EXPECT_NEAR(100 * 0.366, slanted, 8);
+}
+
+TEST(Import, WhatIsLostIsSaidWithTheNameOfTheNode) {
+    if (!std::filesystem::exists(PACKAGE))
+        GTEST_SKIP() << "assimp-testmodels is not installed";
+    const std::string models = PACKAGE;
+    EXPECT_TRUE(contains(
+        import(models + "/glTF2/glTF-Sample-Models/AnimatedMorphCube-glTF/AnimatedMorphCube.gltf").losses,
+        "node 'AnimatedMorphCube': 2 shapes to morph to are left out"));
+    EXPECT_TRUE(
+        contains(import(models + "/glTF2/simple_skin/simple_skin.gltf").losses, "it is bent by 2 bones"));
+}
+
+TEST(Import, AnFbxFileStandsUprightInMetres) {
+    if (!std::filesystem::exists(PACKAGE))
+        GTEST_SKIP() << "assimp-testmodels is not installed";
+    Model model;
+    model.unit = 0.01;
+    model.axes = axesWithUp("z");
+    model.nodes.resize(1);
+    model.nodes[0].name = "box";
+    model.nodes[0].parts = {0};
+    model.parts.push_back(part({{0, 0, 0}, {100, 0, 0}, {0, 0, 250}}, {}, {{0, 1, 2}}));
+    const auto manager = load(convert(model, Options(), "scene"));
+    EXPECT_FLOAT_EQ(1.0f, manager->mMeshes[0]->mBoxMax.x);
+    EXPECT_FLOAT_EQ(2.5f, manager->mMeshes[0]->mBoxMax.y);
+    Options options;
+    options.up = "y";
+    options.scale = 2;
+    EXPECT_FLOAT_EQ(5.0f, load(convert(model, options, "scene"))->mMeshes[0]->mBoxMax.z);
+}
+
+TEST(Import, OneOfSeveralAnimationsIsChosenByNameOrNumber) {
+    Model model;
+    model.nodes.resize(1);
+    model.nodes[0].name = "box";
+    for (const char* name : {"walk", "run"}) {
+        Animation animation;
+        animation.name = name;
+        animation.channels.resize(1);
+        animation.channels[0].node = "box";
+        const double speed = model.animations.empty() ? 1 : 3;
+        animation.channels[0].positions = {{0, {0, 0, 0}}, {speed, {speed, 0, 0}}};
+        model.animations.push_back(animation);
+    }
+    Options options;
+    EXPECT_EQ(1, convert(model, options, "scene").counts.length);
+    EXPECT_TRUE(contains(convert(model, options, "scene").losses, "animation 'run' is left out"));
+    options.animation = "run";
+    EXPECT_EQ(3, convert(model, options, "scene").counts.length);
+    options.animation = "2";
+    EXPECT_EQ(3, convert(model, options, "scene").counts.length);
+    options.animation = "fly";
+    EXPECT_EQ("it has no animation 'fly'", refusalOf([&] { convert(model, options, "scene"); }));
+}
+
+TEST(Import, ATreeThatTheLoaderCouldNotTakeIsRefused) {
+    Model model;
+    for (int i = 0; i < 2000; ++i) {
+        model.nodes.emplace_back();
+        model.nodes.back().parent = i - 1;
+        model.nodes.back().matrix.a4 = 1;
+    }
+    EXPECT_EQ("its nodes are nested more than 900 deep",
+              refusalOf([&] { convert(model, Options(), "scene"); }));
+}
+
+TEST(Child, ACrashAndAnEndlessLoopAreRefusals) {
+    EXPECT_EQ("done", inChild([] { return std::string("done"); }, 10, 1024));
+    EXPECT_EQ("no good", refusalOf([] {
+                  inChild([]() -> std::string { throw std::runtime_error("no good"); }, 10, 1024);
+              }));
+    EXPECT_EQ(0u, refusalOf([] {
+                      inChild(
+                          []() -> std::string {
+                              raise(SIGSEGV);
+                              return "";
+                          },
+                          10, 1024);
+                  }).find("the reader crashed on it"));
+    EXPECT_EQ("it takes more than 1 seconds to read", refusalOf([] {
+                  inChild(
+                      []() -> std::string {
+                          for (;;)
+                              pause();
+                      },
+                      1, 1024);
+              }));
+}
+
+#ifndef __SANITIZE_ADDRESS__
+TEST(Child, MemoryEndsAtTheLimit) {
+    EXPECT_EQ("it takes more than 512 MB of memory",
+              refusalOf([] { inChild([] { return std::string(600u << 20, 'x'); }, 10, 512); }));
+}
+#endif
+
+TEST(Program, SaysWhatItRefuses) {
+    const test::TempDir folder;
+    const std::string program = ZENTRAK_IMPORT;
+    const auto run = [&](const std::string& arguments) {
+        return test::runCommand(program + " " + arguments);
+    };
+    EXPECT_EQ(2, run("").first);
+    EXPECT_EQ(2, run("--what a.obj").first);
+    EXPECT_EQ(2, run("--up=w a.obj").first);
+    EXPECT_EQ(2, run("--scale=0 a.obj").first);
+    EXPECT_EQ(0, run("--help").first);
+    const auto missing = run(folder.file("none.obj"));
+    EXPECT_EQ(1, missing.first);
+    EXPECT_NE(std::string::npos, missing.second.find("none.obj: can't be read: No such file"));
+    test::writeFile(folder.file("a.txt"), "no model at all\n");
+    const auto text = run(folder.file("a.txt"));
+    EXPECT_EQ(1, text.first);
+    EXPECT_NE(std::string::npos, text.second.find("a.txt: it is of no kind that assimp knows"));
+    test::writeFile(folder.file("a.obj"), OBJ);
+    const test::WorkingDir inFolder(folder.path());
+    EXPECT_EQ(0, run("a.obj").first);
+    EXPECT_TRUE(test::fileExists("a.o3d"));
+    EXPECT_EQ(0, run("--dry-run a.obj b.o3d").first);
+    EXPECT_FALSE(test::fileExists("b.o3d"));
+}
+
+// The smallest file of each format that imports at all. The whole package: import_survey (docs/import.md).
+TEST(Package, TheSmallestOfEachFormatStandsWhereAssimpPutsIt) {
+    if (!std::filesystem::exists(PACKAGE))
+        GTEST_SKIP() << "assimp-testmodels is not installed";
+    const Assimp::Importer importer;
+    std::map<std::string, std::vector<std::pair<uintmax_t, std::string>>> files;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(PACKAGE)) {
+        std::string kind = entry.path().extension().string();
+        std::transform(kind.begin(), kind.end(), kind.begin(),
+                       [](unsigned char c) { return char(tolower(c)); });
+        if (entry.is_regular_file() && !kind.empty() && importer.IsExtensionSupported(kind))
+            files[kind].emplace_back(entry.file_size(), entry.path().string());
+    }
+    int formats = 0;
+    for (auto& [kind, list] : files) {
+        std::sort(list.begin(), list.end());
+        for (size_t i = 0; i < std::min<size_t>(list.size(), 3); ++i) {
+            const test::Comparison result = test::compareImport(list[i].second);
+            EXPECT_EQ(std::string::npos, result.problem.find("crashed")) << list[i].second;
+            if (result.refused)
+                continue;
+            EXPECT_EQ("", result.problem) << list[i].second;
+            EXPECT_LE(result.worst, 0.0005) << list[i].second;
+            ++formats;
+            break;
+        }
+    }
+    EXPECT_GE(formats, 40);
+}
