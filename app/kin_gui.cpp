@@ -16,6 +16,7 @@
 
 #include <algorithm>
 #include <cassert>
+#include <cmath>
 #include <cstdio>
 
 namespace zentrak::kindler {
@@ -40,7 +41,7 @@ Gui::Gui(display::DisplayGL* window, script::ScriptEngine* engine)
 void Gui::contextAction(panorama::Context*, std::string) {}
 
 void Gui::setup() {
-    panorama::controlFactory.addControlType(new Ruler);
+    panorama::controlFactory.addOnce<Ruler>();
     mPanorama.load(LAYOUT);
     findControls();
     addRows();
@@ -50,9 +51,7 @@ void Gui::setup() {
     mMain->setFocus(nullptr); // the row that was added last has it
 }
 
-/*
- * Before there are rows: a script gives them any name.
- */
+// Before there are rows: a script gives them any name.
 void Gui::findControls() {
     Control& root = mPanorama.mWorkspace;
     mMain = root.findControl("main");
@@ -89,31 +88,29 @@ void Gui::addRows() {
     for (unsigned int i = 0; i < mRows->getControlSize(); ++i)
         area.y2 = std::max(area.y2, mRows->getControl(i)->getArea().y2);
     mRows->setArea(area);
-    fitSlider();
+    mFitsSlider = mSlider->mMin == 0 && mSlider->mMax == 1; // a slider's own
     if (mRuler) {
         mRuler->mEngine = mEngine;
         mRuler->mRows = mRows;
     }
 }
 
-/*
- * The slider counts the pixels that its handle can go, whatever its width; a resize of the window keeps the
- * part of the axis that is shown.
- */
+// The slider counts the pixels that its handle can go; a resize of the window keeps the part of the axis that
+// is shown.
 void Gui::fitSlider() {
-    const float width = mSlider->getArea().getWidth();
-    if (width == mSliderWidth)
-        return;
-    mSliderWidth = width;
-    mSlider->mMin = 0;
-    mSlider->mMax = std::max(1.0f, width - SLIDER_ENDS);
+    if (mFitsSlider)
+        mSlider->mMax = getSliderTravel();
+}
+
+float Gui::getSliderTravel() const {
+    return std::max(1.0f, mSlider->getArea().getWidth() - SLIDER_ENDS);
 }
 
 void Gui::controlAction(Control* control, panorama::Action) {
     if (control != mSlider)
         return;
-    const float position = float(int(mSlider->getValue()));
-    mScroll = position / std::max(1.0f, mSlider->getArea().getWidth() - SLIDER_ENDS);
+    fitSlider();
+    mScroll = std::trunc(mSlider->getValue()) / getSliderTravel();
     const float scroll = mScroll * mDemoLength * Effector::SCALE;
     for (unsigned int i = 0; i < mRows->getControlSize(); ++i)
         if (Row* const row = dynamic_cast<Row*>(mRows->getControl(i)))
@@ -145,9 +142,7 @@ void Gui::onDraw() {
     }
 }
 
-/*
- * Below the controls: all but the picture's quarter, which the show draws itself.
- */
+// Below the controls: all but the picture's quarter, which the show draws itself.
 void Gui::placeGround() {
     mPanorama.mGround.clear();
     if (!mMain->getVisible())

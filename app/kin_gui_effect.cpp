@@ -1,6 +1,7 @@
 #include "kin_gui_effect.h"
 
 #include "pan_alive.h"
+#include "pan_box.h"
 #include "pan_render.h"
 #include "script_effect.h"
 
@@ -14,6 +15,7 @@ using mathbase::Vector2f;
 using mathbase::Vector4f;
 using panorama::Alive;
 using panorama::Event;
+using panorama::isInside;
 using panorama::Render;
 
 namespace {
@@ -22,14 +24,6 @@ constexpr float TOP = 2.0f;      // pixels below the top of the row
 constexpr float BOTTOM = 27.0f;  // the same
 constexpr float HANDLE = 10.0f;  // pixels of an end that are its handle
 constexpr float FARTHEST = 1e7f; // pixels; what lies beyond is drawn there, and can't be reached either way
-
-Box2 cut(const Box2& a, const Box2& b) {
-    return Box2(std::max(a.x1, b.x1), std::max(a.y1, b.y1), std::min(a.x2, b.x2), std::min(a.y2, b.y2));
-}
-
-bool contains(const Box2& box, const Vector2f& place) {
-    return place.x >= box.x1 && place.x < box.x2 && place.y >= box.y1 && place.y < box.y2;
-}
 
 } // namespace
 
@@ -61,9 +55,6 @@ bool Effector::acceptEvents(Event& event) {
     return Control::acceptEvents(event) || mHoverPart != PART_NONE || mDragPart != PART_NONE;
 }
 
-/*
- * A move over another control that comes first ends the hover by "reset".
- */
 int Effector::handleEvent(Event& event) {
     Alive alive(*this);
     const int result = Control::handleEvent(event);
@@ -71,17 +62,17 @@ int Effector::handleEvent(Event& event) {
         return result;
     if (!mVisible)
         return 0;
-    if (mDragPart != PART_NONE && mDrag.isLost(*this, event))
-        mDragPart = PART_NONE;
     if (event.type == "mousedown" && mHoverPart != PART_NONE) {
         mDragPart = mHoverPart;
-        mDrag.start(*this, event);
+        captureMouse(event);
         return 1;
     }
-    if (event.type == "mouseup")
+    if (event.type == "mouseup") {
         mDragPart = PART_NONE;
+        releaseMouse();
+    }
     if (mDragPart != PART_NONE) {
-        if (mEffect && mDrag.movesOn(event))
+        if (mEffect && event.type == "mousemove")
             drag(event.mouseDelta.x / -SCALE);
     } else if (event.type == "mousemove") {
         mHoverPart = findPart(event.mousePos);
@@ -92,10 +83,14 @@ int Effector::handleEvent(Event& event) {
     return result;
 }
 
-// The right end of a bar that is shorter than its two handles comes before the left one.
+void Effector::onCaptureLost() {
+    mDragPart = mHoverPart = PART_NONE;
+}
+
+// On a bar shorter than its two handles the right one wins.
 int Effector::findPart(const Vector2f& place) const {
     for (const int handle : {PART_RIGHT, PART_LEFT})
-        if (contains(getHandle(handle), place))
+        if (isInside(getHandle(handle), place))
             return handle;
     return mHover ? PART_BAR : PART_NONE;
 }
@@ -107,7 +102,7 @@ Box2 Effector::getHandle(int part) const {
         box.x2 = box.x1 + HANDLE;
     else
         box.x1 = box.x2 - HANDLE;
-    return cut(box, mArea.clip);
+    return panorama::cut(box, mArea.clip);
 }
 
 // By so many seconds.

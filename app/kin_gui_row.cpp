@@ -21,14 +21,13 @@ using mathbase::Vector4f;
 using panorama::Alive;
 using panorama::Control;
 using panorama::Event;
+using panorama::NO_COLOR;
 using panorama::Render;
 
 namespace {
 
 constexpr float LABEL_LEFT = 5.0f; // pixels before a label
 constexpr float INDENT = 20.0f;    // pixels for each level
-
-const Vector4f NO_COLOR(0, 0, 0, -1);
 
 // The control of this name and type, which a script may have given to rows too.
 template <class Type>
@@ -87,13 +86,9 @@ Row* Row::addRow(Control& rows, float height) {
     return row;
 }
 
-/*
- * A stack would place all its rows anew for each one that is added: who adds them all calls recalculate at
- * the end.
- */
 void Row::append(Control& rows, Row* row) {
     if (panorama::LayoutStack* const stack = dynamic_cast<panorama::LayoutStack*>(&rows))
-        stack->Control::addControl(row, -1);
+        stack->append(row);
     else
         rows.addControl(row, -1);
 }
@@ -131,15 +126,14 @@ int Row::handleEvent(Event& event) {
     if (event.isKey())
         return takesKey(event) ? 1 : result;
     if (event.type == "mousewheel" && event.ctrl()) {
-        turnTimeSlider(event);
+        if (panorama::Slider* const slider = findTyped<panorama::Slider>(*getRoot(), "timeslider"))
+            slider->turn(event.wheelDelta);
         return 1;
     }
     return result;
 }
 
-/*
- * The keys of a row with the focus do not steer the show. Tab is the editor's own.
- */
+// The keys of a row with the focus don't steer the show. Tab is the editor's own.
 bool Row::takesKey(const Event& event) {
     if (!mParent || mParent->getFocus() != this)
         return false;
@@ -147,19 +141,6 @@ bool Row::takesKey(const Event& event) {
     if (down && event.key == display::KEY_ESC)
         getRoot()->setFocus(nullptr);
     return !(down && event.key == display::KEY_TAB);
-}
-
-// The slider takes a wheel that turns over it, so it has to believe that the mouse is there.
-void Row::turnTimeSlider(Event& event) {
-    panorama::Slider* const slider = findTyped<panorama::Slider>(*getRoot(), "timeslider");
-    if (!slider)
-        return;
-    Alive alive(*slider);
-    const bool hover = slider->mHover;
-    slider->mHover = true;
-    slider->handleEvent(event);
-    if (alive)
-        slider->mHover = hover;
 }
 
 void Row::draw() {

@@ -16,6 +16,7 @@ using mathbase::Vector2f;
 using mathbase::Vector4f;
 using panorama::Control;
 using panorama::Event;
+using panorama::NO_COLOR;
 using panorama::Render;
 
 namespace {
@@ -26,8 +27,6 @@ constexpr int NUMBER = 10;    // and between the numbers
 constexpr float SHORT = 3.0f; // pixels of a mark
 constexpr float LONG = 6.0f;
 constexpr float FARTHEST = 1e6f; // seconds that are drawn
-
-const Vector4f NO_COLOR(0, 0, 0, -1);
 
 } // namespace
 

@@ -28,7 +28,7 @@ class Ruler;
 //
 //     main        any              shown and hidden by Tab; while it is shown the picture is in the upper right
 //     effects     any container    gets the rows; best a "layoutstack" in a "scrollbar"
-//     timeslider  slider           scrolls the time axis
+//     timeslider  slider           scrolls the time axis; without a range in the layout, in pixels of its width
 //     fps_stat    stat             graph of the frame rate
 //     fps         label            the frame rate as a number; may be missing
 //     ruler       timeruler        the time axis with the time now (Ruler); may be missing
@@ -68,12 +68,13 @@ private:
     panorama::Stat* mStat = nullptr;
     panorama::Label* mFps = nullptr; // or null
     Ruler* mRuler = nullptr;         // or null
-    float mSliderWidth = 0;          // pixels; what the slider's range was made for
+    bool mFitsSlider = false;        // the layout gives the slider no range of its own
     std::string mText;
 
     void findControls();
     void addRows();
     void fitSlider();
+    float getSliderTravel() const; // pixels
     void placeGround();
     void showFrameRate(float fps);
 };

@@ -2,7 +2,6 @@
 #pragma once
 
 #include "pan_control.h"
-#include "pan_drag.h"
 
 #include <string>
 #include <vector>
@@ -40,14 +39,14 @@ public:
     void addFollower(Control* control) { mFollowers.push_back(control); }
 
     void load(xml::IteratorConst& it) override;
-    bool acceptEvents(panorama::Event& event) override; // also while the mouse is on a part, or holds one
+    bool acceptEvents(panorama::Event& event) override; // also while the mouse is on a part or holds one
     int handleEvent(panorama::Event& event) override;
     void draw() override;
 
 private:
     std::vector<Control*> mFollowers;
-    panorama::Drag mDrag; // of mDragPart
 
+    void onCaptureLost() override;
     int findPart(const mathbase::Vector2f& place) const;
     mathbase::Box2 getHandle(int part) const;
     void drag(float delta);

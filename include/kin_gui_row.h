@@ -46,7 +46,6 @@ public:
 private:
     Row* addRow(panorama::Control& rows, float height);
     bool takesKey(const panorama::Event& event);
-    void turnTimeSlider(panorama::Event& event);
 };
 
 } // namespace zentrak::kindler

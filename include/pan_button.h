@@ -25,6 +25,8 @@ public:
     void draw() override;
 
 private:
+    void onCaptureLost() override;
+
     TextLine mLine; // the caption
 };
 

@@ -78,7 +78,6 @@ private:
     static Context* sFirst; // of those that hang on a control that does not delete them
 
     void close();
-    bool isHidden();
     void link();
     void unlink();
     int getDepth() const;

@@ -17,6 +17,7 @@ class Alive;
 class Context;
 class Control;
 class Render;
+class Workspace;
 
 // What controls report to their callbacks. A number without a name here is a widget's own.
 enum Action : int {
@@ -126,6 +127,7 @@ public:
     virtual bool getInactive();
     virtual void setVisible(bool visible); // showing it takes the focus off its children
     virtual bool getVisible();
+    bool isShown() const; // visible, with all that it is in
 
     virtual mathbase::Box2 getArea();
     virtual mathbase::Box2 getAreaWorld();
@@ -189,22 +191,31 @@ protected:
     void layoutSelf(const mathbase::Box2& area);
     void layoutChildren();
 
+    // Captures the mouse for a press: until that button is released all moves and releases go to this control
+    // alone, wherever the mouse is. For a press only, and only in a tree whose root is a Workspace; any other
+    // capture there ends.
+    void captureMouse(const Event& press);
+    void releaseMouse(); // earlier than that; nothing without a capture
+    // The capture has ended without the button's release: a menu was opened, another control took the mouse,
+    // or this one was hidden. Whatever was held is to be let go.
+    virtual void onCaptureLost();
+
+    // Passes a "reset" to all that is below. False if that has deleted this control.
+    bool resetChildren(Event& reset);
+
     // A child is no longer one: it was deleted, or another control has taken it.
     virtual void forget(Control* child);
 
 private:
     friend class Alive;
+    friend class Workspace;
 
     void leaveParent();
-    bool resetChildren(Event& reset);
+    int passDown(Event& event, int result);
 
-    void loadChildren(xml::IteratorConst& it);
-    void loadChild(xml::IteratorConst& it);
-    void loadArea(xml::IteratorConst& it);
-    void loadColor(xml::IteratorConst& it);
-
-    Alive* mAlive = nullptr; // who waits to hear whether it still lives
-    bool mIsChild = false;   // one of its parent's children, and not a menu that it opened
+    Alive* mAlive = nullptr;         // who waits to hear whether it still lives
+    Workspace* mCapturing = nullptr; // the root, while this control has the mouse
+    bool mIsChild = false;           // one of its parent's children, and not a menu that it opened
 };
 
 } // namespace zentrak::panorama

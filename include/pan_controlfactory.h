@@ -3,6 +3,7 @@
 
 #include "pan_control.h"
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,16 @@ public:
 
     // Takes the prototype over. Ignores null.
     void addControlType(Control* prototype);
+
+    // Registers a plain ControlType, unless its type is registered already.
+    template <class ControlType>
+    void addOnce() {
+        auto prototype = std::make_unique<ControlType>();
+        for (Control* known : mControl)
+            if (known->getType() == prototype->getType())
+                return;
+        addControlType(prototype.release());
+    }
 
     // A clone of the prototype of this type, owned by the caller; null if there is none.
     Control* create(std::string type);

@@ -19,6 +19,7 @@ struct Event : display::Event {
     std::string type;              // see above
     bool doubleClick = false;      // of "mousedown"
     std::string text;              // of "context": captions with dots between, as in "spline.type.linear"
+    bool hoverCleared = false;     // of "mousemove": who passes it down has sent "reset" to all below already
 
     virtual ~Event() = default;
 

@@ -1,4 +1,4 @@
-// Children one behind the other, without gaps, each in its own size.
+// Children one after the other, without gaps, each at its own size.
 #pragma once
 
 #include "pan_control.h"
@@ -20,7 +20,13 @@ public:
 
     virtual void setVertical();
     virtual void setHorisontal();
-    virtual void recalculate(); // places the children; for after one has changed its size
+    virtual void recalculate(); // places the children; to be called when one has changed its size
+
+    // Adds a child at the end and leaves the placing to the next recalculate: for many at once.
+    void append(Control* control);
+
+private:
+    bool mLoading = false;
 };
 
 } // namespace zentrak::panorama

@@ -55,6 +55,7 @@ protected:
     bool has(int index) const { return index >= 0 && index < int(mBoxes.size()); }
 
 private:
+    void onCaptureLost() override;
     mathbase::Box2 getRow(int index) const; // in window coordinates
     int rowAt(const mathbase::Vector2f& place) const;
     bool takesKey(const Event& event);

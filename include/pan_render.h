@@ -15,6 +15,9 @@
 
 namespace zentrak::panorama {
 
+// For setColor: no second colour.
+inline constexpr mathbase::Vector4f NO_COLOR(0.0f, 0.0f, 0.0f, -1.0f);
+
 // Coordinates are pixels of the window from its upper left corner, y downward. Shapes and text are cut by the
 // clip area here, collected, and drawn in a few calls (Shapes): the picture is that of each drawn at once,
 // and is complete after flush(). Whoever draws past this class with OpenGL calls flush() first.

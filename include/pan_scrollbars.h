@@ -2,7 +2,6 @@
 #pragma once
 
 #include "pan_control.h"
-#include "pan_drag.h"
 
 namespace zentrak::panorama {
 
@@ -33,7 +32,7 @@ public:
     void load(xml::IteratorConst& it) override;
     void setArea(mathbase::Box2 box) override;
     void buildChildArea() override;
-    bool acceptEvents(Event& event) override; // also while something is held, wherever the mouse is
+    bool acceptEvents(Event& event) override; // also while something is held
     int handleEvent(Event& event) override;
     void draw() override;
 
@@ -49,8 +48,7 @@ private:
     void drag(mathbase::Vector2f delta);
     void resizeWindow(mathbase::Vector2f delta);
     void drawBar(Render& render, const mathbase::Box2& track, const mathbase::Box2& thumb, bool held);
-
-    Drag mDrag;
+    void onCaptureLost() override;
 };
 
 } // namespace zentrak::panorama

@@ -7,7 +7,8 @@
 namespace zentrak::panorama {
 
 // Dragged, paged by a press beside the handle (0.2 of the track), or turned by the wheel (0.1 a step): each
-// sends action 8. The position runs from 0, at the left or the top, to 1 and never leaves that range.
+// sends action 8. The position runs from 0, at the left or the top, to 1, and the user never moves it out of
+// that range.
 class Slider : public InputControl {
 public:
     int mDirection = 1; // 0 horizontal, 1 vertical
@@ -22,8 +23,9 @@ public:
 
     Control* clone() override; // a plain new one, owned by the caller
 
-    float getValue();                             // what it glides to, between the bounds
-    void setValue(float value, bool immediately); // sends nothing; outside the bounds it is the nearer one
+    float getValue();                             // what it glides to
+    void setValue(float value, bool immediately); // sends nothing; may lie outside the bounds
+    void turn(float steps);                       // of the wheel, wherever the mouse is; sends action 8
 
     // "size", "min", "max", "percent" (the position), "direction" ("horisontal"). A number that is not finite
     // is ignored, as is a size below 0.
@@ -39,6 +41,7 @@ private:
     mathbase::Box2 getHandleBox(); // where it is hit
     float along(const mathbase::Vector2f& place) const;
     void moveTo(float position, bool immediately);
+    void onCaptureLost() override;
 };
 
 } // namespace zentrak::panorama

@@ -12,8 +12,6 @@ namespace zentrak::panorama {
 // anchor to it, which the mouse and Shift make: a double click selects a word. Home, End, the arrows, with
 // Ctrl by words, Backspace and Delete, with Ctrl a word, Ctrl+A, C, X and V; Return and Esc leave the field.
 // A text that is too long scrolls with the caret. Each change by the user sends action 8.
-//
-// While it has the keys, those that it can use and all that type something go no further.
 class TextInput : public InputControl {
 public:
     enum Kind : int {
@@ -32,6 +30,7 @@ public:
     void load(xml::IteratorConst& it) override;
     int handleEvent(Event& event) override; // 1 for what it takes
     void draw() override;
+    void leaveKeys() override;
 
     const std::string& getText() const { return mValue; }
     void setText(const std::string& text); // of any form; sends nothing, and leaves the caret at its end

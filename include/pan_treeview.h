@@ -60,8 +60,9 @@ public:
     void setScroll(bool across, float pixels);
 
 private:
-    enum Drag { NOTHING, VERTICAL, ACROSS };
+    enum Held { NOTHING, VERTICAL, ACROSS };
 
+    void onCaptureLost() override;
     void buildRows();
     void measureRows();
     mathbase::Box2 getView(); // where the rows are seen, window coordinates
@@ -87,7 +88,7 @@ private:
     int mSelected = -1;
     int mHoverRow = -1;
     float mScrollX = 0, mScrollY = 0;
-    Drag mDrag = NOTHING;
+    Held mDrag = NOTHING;
     float mGrip = 0; // where the bar is held, pixels from the thumb's start
     TextLine mHeading;
 };

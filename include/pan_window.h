@@ -2,7 +2,6 @@
 #pragma once
 
 #include "pan_control.h"
-#include "pan_drag.h"
 
 namespace zentrak::panorama {
 
@@ -22,15 +21,14 @@ public:
     void load(xml::IteratorConst& it) override; // `caption`: what stands on the bar
     void setArea(mathbase::Box2 box) override;
     void buildChildArea() override;
-    bool acceptEvents(Event& event) override; // also while it is dragged, wherever the mouse is
+    bool acceptEvents(Event& event) override; // also while it is dragged
     int handleEvent(Event& event) override;
     void draw() override;
 
 private:
     void pressTitle(const Event& event);
     void drag(mathbase::Vector2f position);
-
-    Drag mDrag;
+    void onCaptureLost() override;
 };
 
 } // namespace zentrak::panorama

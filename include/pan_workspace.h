@@ -32,14 +32,19 @@ public:
     void setDisplay(display::DisplayGL* display); // and loads the font, the first time
     void loadStyle(xml::XmlParser* style);        // takes the document over; the old one goes
 
-    // How often the left button was released so far: a control that holds a press learns from it of a release
-    // that was not told to it.
-    unsigned getReleases() const { return mReleases; }
+    Control* getCapture() const { return mCapture; } // who has the mouse (Control::captureMouse), or null
 
 private:
+    friend class Control;
+
+    void setCapture(Control* control, int button);
+    void endCapture();
+    int handleCaptured(Event& event);
     bool isOverChild(const mathbase::Vector2f& position) const;
 
-    unsigned mReleases = 0;
+    Control* mCapture = nullptr;
+    int mCaptureButton = 0;   // that has to be released
+    bool mHoverStale = false; // the last move went to the capture alone
 };
 
 } // namespace zentrak::panorama

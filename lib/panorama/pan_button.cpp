@@ -13,7 +13,7 @@ constexpr float MARGIN = 4.0f; // pixels left and right of the caption
 
 } // namespace
 
-Button::Button() {
+Button::Button() : InputControl(false) {
     mType = "button";
     mCaptionText = "button";
     setRaisedLook(mBack);
@@ -36,8 +36,6 @@ int Button::handleEvent(Event& event) {
     int result = 0;
     if (!hears(event, result))
         return result;
-    if (missedRelease(event))
-        pushed = false;
     if (startsPress(event)) {
         pushed = true;
         result = 1;
@@ -57,6 +55,11 @@ int Button::handleEvent(Event& event) {
     return result;
 }
 
+void Button::onCaptureLost() {
+    pushed = false;
+    InputControl::onCaptureLost();
+}
+
 void Button::draw() {
     Render* const render = getRender();
     if (!render)
@@ -65,7 +68,7 @@ void Button::draw() {
     const bool in = toggled || (pushed && mHover);
     fill(*render, box, pick(mBack, mInactive, in, mHover));
     outline(*render, box, mBack.border);
-    render->setColor(pick(mText, mInactive, in, mHover).first, none);
+    render->setColor(pick(mText, mInactive, in, mHover).first, NO_COLOR);
     mLine.set(mCaptionText);
     mLine.draw(*render, Box2(box.x1 + MARGIN, box.y1, box.x2 - MARGIN, box.y2), TextLine::MIDDLE,
                TextLine::MIDDLE);

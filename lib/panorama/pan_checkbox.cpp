@@ -49,7 +49,7 @@ void Checkbox::drawMark(Render& render, const Box2& box, const BoxData& data, bo
     outline(render, box, mInactive ? mCaption.inactive : hover ? mCaption.color : mBack.border);
     if (!data.checked)
         return;
-    render.setColor(mInactive ? mCaption.inactive.first : mCaption.color.first, none);
+    render.setColor(mInactive ? mCaption.inactive.first : mCaption.color.first, NO_COLOR);
     const float x = box.x1 + 2, y = box.y1 + 3;
     for (int row = 0; row < 7; ++row)
         for (const auto& run : tick[row])

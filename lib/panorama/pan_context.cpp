@@ -273,19 +273,11 @@ void Context::sendContextEvent(Event& event) {
         owner->sendContextAction(this, path);
 }
 
-// Whether who opened it, or what that lies in, does not show any more.
-bool Context::isHidden() {
-    for (Control* above = mParent; above; above = above->getParent())
-        if (!above->getVisible())
-            return true;
-    return false;
-}
-
 void Context::draw() {
     Render* render = getRender();
     if (!render)
         return;
-    if (isHidden()) {
+    if (mParent && !mParent->isShown()) {
         close();
         return;
     }

@@ -3,14 +3,11 @@
 #include "pan_alive.h"
 #include "pan_box.h"
 #include "pan_context.h"
-#include "pan_controlfactory.h"
-#include "pan_flow.h"
-#include "pan_number.h"
 #include "pan_render.h"
+#include "pan_workspace.h"
 #include "ztk_system.h"
 
 #include <algorithm>
-#include <memory>
 #include <utility>
 
 namespace zentrak::panorama {
@@ -20,37 +17,6 @@ using mathbase::Vector2f;
 using mathbase::Vector4f;
 
 namespace {
-
-constexpr size_t MAX_STYLED = 20000; // controls that styles bring into one layout
-
-// The style elements that are being loaded, and how many controls they have made. A style that holds a
-// control of its own kind would never end, and one that holds two of the next kind, and so on, not soon
-// enough.
-std::vector<const xml::XmlTag*> loadingStyles;
-size_t styledControls = 0;
-int loadDepth = 0;
-
-struct LoadScope {
-    LoadScope() {
-        if (loadDepth++ == 0)
-            styledControls = 0;
-    }
-    ~LoadScope() { --loadDepth; }
-};
-
-void loadStyle(Control& control, xml::IteratorConst& style) {
-    const xml::XmlTag* tag = style.operator->();
-    if (std::find(loadingStyles.begin(), loadingStyles.end(), tag) != loadingStyles.end()) {
-        ZTK_LOG("warning", "app", "The style '%.100s' holds a control of its own style",
-                tag->getName().c_str());
-        return;
-    }
-    struct Scope {
-        explicit Scope(const xml::XmlTag* tag) { loadingStyles.push_back(tag); }
-        ~Scope() { loadingStyles.pop_back(); }
-    } scope(tag);
-    control.load(style);
-}
 
 const xml::XmlNode& emptyDocument() {
     static const xml::XmlNode document(nullptr);
@@ -72,22 +38,6 @@ int heightOf(const Control& control) {
     return height;
 }
 
-ColorSet* paletteOf(Control& control, const std::string& name) {
-    return name == "back"      ? &control.mBack
-           : name == "caption" ? &control.mCaption
-           : name == "text"    ? &control.mText
-                               : nullptr;
-}
-
-ColorPair* pairOf(ColorSet& set, const std::string& name) {
-    return name == "border"      ? &set.border
-           : name == "color"     ? &set.color
-           : name == "highlight" ? &set.highlight
-           : name == "pushed"    ? &set.pushed
-           : name == "inactive"  ? &set.inactive
-                                 : nullptr;
-}
-
 } // namespace
 
 void Callback::contextAction(Context*, std::string) {}
@@ -99,6 +49,7 @@ Control::Control() {
 Control::~Control() {
     for (Alive* alive = mAlive; alive; alive = alive->mNext)
         alive->mControl = nullptr;
+    releaseMouse();
     if (mIsChild) // deleted past its parent
         leaveParent();
     Control::deleteControls();
@@ -152,6 +103,13 @@ void Control::setVisible(bool visible) {
 
 bool Control::getVisible() {
     return mVisible;
+}
+
+bool Control::isShown() const {
+    const Control* control = this;
+    while (control && control->mVisible)
+        control = control->mParent;
+    return !control;
 }
 
 Box2 Control::getArea() {
@@ -368,8 +326,8 @@ void Control::addControl(Control* control, int index) {
     if (!control)
         return;
     if (depthOf(*this) + 1 + heightOf(*control) > MAX_DEPTH) {
-        ZTK_LOG("error", "app", "The control '%.100s' is not taken: it would lie deeper than %d others",
-                control->mName.c_str(), MAX_DEPTH);
+        ZTK_LOG("error", "app", "The %.100s '%.100s' is left out: it would lie deeper than %d others",
+                control->mType.c_str(), control->mName.c_str(), MAX_DEPTH);
         return;
     }
     Control* const before = control->mParent;
@@ -470,36 +428,40 @@ bool Control::acceptEvents(Event& event) {
     return false;
 }
 
-/*
- * A button's press or release hits whatever it lies on, but for the root: that is the background. A wheel is
- * whose who turns with it. A key hits the end of the focus's path where that holds no other controls; only
- * Tab is everybody's.
- */
+// A button's press or release hits whatever it lies on, except the root, which is the background. A wheel and
+// a key belong to whoever uses them.
 int Control::handleEvent(Event& event) {
     if (!mVisible)
         return 0;
     if (mFocus && mFocus != this && event.isKey())
         return mFocus->handleEvent(event);
-
-    int result = 0;
     if (event.type == "reset") {
         mHover = false;
         resetChildren(event);
         return 0;
     }
+
+    int result = 0;
     if (event.type == "mousemove") {
         mHover = isInside(mArea.clip, event.mousePos);
         result = mHover;
-        Event reset(event);
-        reset.type = "reset";
-        if (!resetChildren(reset))
-            return result;
+        if (!event.hoverCleared) { // once for the whole tree, and not again at each level
+            Event copy(event);
+            copy.type = "reset";
+            if (!resetChildren(copy))
+                return result;
+            copy.type = event.type;
+            copy.hoverCleared = true;
+            return passDown(copy, result);
+        }
     } else if (event.type == "mousedown" || event.type == "mouseup") {
         result = mParent && isInside(mArea.clip, event.mousePos);
-    } else if (event.isKey()) {
-        result = mControls.empty() && mParent && mParent->mFocus == this && event.key != display::KEY_TAB;
     }
+    return passDown(event, result);
+}
 
+// To the topmost child that accepts it.
+int Control::passDown(Event& event, int result) {
     const bool press = event.type == "mousedown";
     for (size_t i = mControls.size(); i-- > 0;) {
         Control* child = mControls[i];
@@ -513,13 +475,25 @@ int Control::handleEvent(Event& event) {
     return result;
 }
 
-// Takes the hover state back in all that is below. False if who heard of it has deleted this control.
 bool Control::resetChildren(Event& reset) {
     Alive alive(*this);
     for (size_t i = 0; alive && i < mControls.size(); ++i)
         mControls[i]->handleEvent(reset);
     return bool(alive);
 }
+
+void Control::captureMouse(const Event& press) {
+    if (Workspace* const root = dynamic_cast<Workspace*>(getRoot()))
+        root->setCapture(this, press.button);
+}
+
+void Control::releaseMouse() {
+    if (mCapturing)
+        mCapturing->mCapture = nullptr;
+    mCapturing = nullptr;
+}
+
+void Control::onCaptureLost() {}
 
 void Control::draw() {
     Render* render = getRender();
@@ -534,109 +508,6 @@ void Control::draw() {
         render->setClipArea(box);
         child->draw();
     }
-}
-
-// Layout files
-
-// A character that is no digit is a 0, the "#" that the display's colours may begin with too.
-Vector4f Control::hex2vec(const std::string& text) {
-    if (text.empty() || text[0] != '#')
-        return display::DisplayGL::hex2vec(text);
-    return display::DisplayGL::hex2vec("0" + text.substr(1));
-}
-
-void Control::load(xml::IteratorConst& it) {
-    LoadScope scope;
-    mName = it->getValue("id");
-    mVisible = it->getValue("hidden") != "true" && it->getValue("visible") != "false";
-    loadChildren(it);
-
-    setMaximized(true);
-    xml::IteratorConst area = it.createIterator("area");
-    while (++area)
-        loadArea(area);
-    xml::IteratorConst color = it.createIterator("color");
-    while (++color)
-        loadColor(color);
-}
-
-void Control::loadChildren(xml::IteratorConst& it) {
-    xml::IteratorConst list = it.createIterator("child");
-    while (++list) {
-        xml::IteratorConst child = list.createIterator("");
-        while (++child)
-            if (child->getType() == xml::XmlTag::Normal)
-                loadChild(child);
-    }
-}
-
-void Control::loadChild(xml::IteratorConst& it) {
-    const std::string& type = it->getName();
-    if (depthOf(*this) >= MAX_DEPTH) {
-        ZTK_LOG("error", "app", "The control '%.100s' is left out: it lies deeper than %d others",
-                type.c_str(), MAX_DEPTH);
-        return;
-    }
-    if (!loadingStyles.empty() && styledControls++ >= MAX_STYLED) {
-        if (styledControls == MAX_STYLED + 1) // said once
-            ZTK_LOG("error", "app", "The styles hold more than %zu controls: '%.100s' and more are left out",
-                    MAX_STYLED, type.c_str());
-        return;
-    }
-    std::unique_ptr<Control> made(controlFactory.create(type));
-    if (!made) {
-        ZTK_LOG("log", "app", " -> Control type '%s' not found", type.c_str());
-        return;
-    }
-    Control* control = made.release();
-    addControl(control, -1);
-
-    const std::string& styleClass = it->getValue("class");
-    xml::IteratorConst style = getStyle(styleClass.empty() ? type : styleClass);
-    if (++style)
-        loadStyle(*control, style);
-    control->load(it);
-
-    if (Flow* flow = dynamic_cast<Flow*>(this)) {
-        xml::IteratorConst area = it.createIterator("area");
-        while (++area) {
-            if (!area->getValue("size").empty())
-                flow->setSize(control, float(toNumber(area->getValue("size"))));
-            if (!area->getValue("percent").empty())
-                flow->setPercent(control, float(toNumber(area->getValue("percent"))));
-        }
-    }
-}
-
-void Control::loadArea(xml::IteratorConst& it) {
-    float x = 0, y = 0, width = 0, height = 0, w = 0, h = 0;
-    readNumber(it->getValue("x"), x);
-    readNumber(it->getValue("y"), y);
-    readNumber(it->getValue("width"), width);
-    readNumber(it->getValue("height"), height);
-    readNumber(it->getValue("w"), w);
-    readNumber(it->getValue("h"), h);
-    const Box2 area(x, y, width + x + w, height + y + h);
-
-    setMaximized(false);
-    if (it->getValue("maximized") == "true") {
-        setMaximized(true);
-        mSavedArea = area; // where it goes when it is not maximized any more
-    }
-    setArea(area);
-}
-
-void Control::loadColor(xml::IteratorConst& it) {
-    const std::string& name = it->getValue("name");
-    const size_t dot = name.find('.');
-    if (dot == std::string::npos)
-        return;
-    ColorSet* palette = paletteOf(*this, name.substr(0, dot));
-    ColorPair* pair = palette ? pairOf(*palette, name.substr(dot + 1)) : nullptr;
-    if (!pair)
-        return;
-    pair->first = hex2vec(it->getValue("first"));
-    pair->second = hex2vec(it->getValue("second"));
 }
 
 } // namespace zentrak::panorama

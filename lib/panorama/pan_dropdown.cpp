@@ -17,13 +17,6 @@ constexpr float MARGIN = 5.0f;      // pixels left of the text, as in the list
 constexpr float ARROW_ROOM = 20.0f; // pixels at the right
 constexpr int PAGE = 10;            // rows
 
-bool isHiddenAnywhere(Control& control) {
-    for (Control* each = &control; each; each = each->getParent())
-        if (!each->getVisible())
-            return true;
-    return false;
-}
-
 } // namespace
 
 // The menu that it opens, with the keys that a menu does not have.
@@ -33,7 +26,7 @@ public:
         setPair(mBack.color, Vector4f(0.05f, 0.05f, 0.07f, 0.97f));
         setPair(mBack.border, edge);
         setPair(mBack.highlight, accent);
-        setPair(mText.color, ink, none);
+        setPair(mText.color, ink, NO_COLOR);
         setPair(mText.highlight, white, bright); // the row under the mouse, and the current one
     }
 
@@ -158,7 +151,7 @@ int Dropdown::List::handleEvent(Event& event) {
 
 void Dropdown::List::draw() {
     Render* const render = getRender();
-    if (isHiddenAnywhere(mOwner)) {
+    if (!mOwner.isShown()) {
         mOwner.resetContext();
         return;
     }
@@ -186,7 +179,7 @@ void Dropdown::List::drawRow(Render& render, int row) {
     render.setColor(row == mHighlight ? mText.highlight.first
                     : current         ? mText.highlight.second
                                       : mText.color.first,
-                    none);
+                    NO_COLOR);
     mLines[size_t(row)].draw(render, Box2(area.x1 + MARGIN, top, area.x2 - MARGIN, top + ROW_HEIGHT),
                              TextLine::START, TextLine::MIDDLE);
 }
@@ -199,7 +192,7 @@ void Dropdown::List::snap(Event& event) const {
         event.mousePos.y = area.y1 + mMargin + getPitch() * row + ROW_HEIGHT * 0.5f;
 }
 
-Dropdown::Dropdown() : mList(new List(*this)) {
+Dropdown::Dropdown() : InputControl(true), mList(new List(*this)) {
     mType = "dropdown";
     setRaisedLook(mBack);
     setTextLook(mText);
@@ -325,7 +318,7 @@ void Dropdown::draw() {
     const Box2 box = toPixels(mArea.world);
     fill(*render, box, pick(mBack, mInactive, false, mHover));
     outline(*render, box, keys ? mCaption.color : mBack.border);
-    render->setColor(pick(mText, mInactive, false, mHover).first, none);
+    render->setColor(pick(mText, mInactive, false, mHover).first, NO_COLOR);
     mLine.set(mSelected == -1 ? xml::emptyString : mOptions[size_t(mSelected)].name);
     mLine.draw(*render, Box2(box.x1 + MARGIN, box.y1, box.x2 - ARROW_ROOM, box.y2), TextLine::START,
                TextLine::MIDDLE);

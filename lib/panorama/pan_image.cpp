@@ -15,8 +15,8 @@ using mathbase::Vector4f;
 Image::Image() {
     mType = "image";
     setSunkLook(mBack);
-    setPair(mBack.color, none);
-    setPair(mBack.border, none);
+    setPair(mBack.color, NO_COLOR);
+    setPair(mBack.border, NO_COLOR);
     setPair(mCaption.color, white); // what the picture is multiplied by
     setPair(mCaption.inactive, Vector4f(0.5f, 0.5f, 0.5f, 0.5f));
     setPair(mText.inactive, faint); // what stands in for it
@@ -67,13 +67,13 @@ void Image::draw() {
     fill(*render, box, mBack.color);
     if (mTexture) {
         try {
-            render->setColor((mInactive ? mCaption.inactive : mCaption.color).first, none);
+            render->setColor((mInactive ? mCaption.inactive : mCaption.color).first, NO_COLOR);
             render->drawTexture(*mTexture, getPlace());
         } catch (const Exception&) { // a new context, and the file has gone
             mTexture.reset();
         }
     } else {
-        render->setColor(mText.inactive.first, none);
+        render->setColor(mText.inactive.first, NO_COLOR);
         render->drawLine(Vector2f(box.x1 + 0.5f, box.y1 + 0.5f), Vector2f(box.x2 - 0.5f, box.y2 - 0.5f));
         render->drawLine(Vector2f(box.x1 + 0.5f, box.y2 - 0.5f), Vector2f(box.x2 - 0.5f, box.y1 + 0.5f));
         outline(*render, box, mText.inactive);

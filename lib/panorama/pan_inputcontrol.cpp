@@ -1,10 +1,11 @@
 #include "pan_inputcontrol.h"
 
+#include "dis_key.h"
 #include "pan_alive.h"
 
 namespace zentrak::panorama {
 
-InputControl::InputControl() = default;
+InputControl::InputControl(bool usesKeys) : mUsesKeys(usesKeys) {}
 
 bool InputControl::acceptEvents(Event& event) {
     return Control::acceptEvents(event) || mHeld;
@@ -13,27 +14,34 @@ bool InputControl::acceptEvents(Event& event) {
 bool InputControl::hears(Event& event, int& result) {
     Alive alive(*this);
     result = Control::handleEvent(event);
-    return alive && mVisible;
+    if (!alive || !mVisible)
+        return false;
+    if (!event.isKey() || !hasKeys())
+        return true;
+    const bool down = event.type == "keydown";
+    result = !(down && event.key == display::KEY_TAB);
+    if (!down || event.key != display::KEY_ESC)
+        return true;
+    leaveKeys();
+    return false;
 }
 
 bool InputControl::startsPress(const Event& event) {
     if (event.type != "mousedown" || event.button != 0 || !mHover || mInactive)
         return false;
     mHeld = true;
-    mPress.start(*this, event);
-    mKeys = true;
+    captureMouse(event);
+    mKeys = mUsesKeys;
     return true;
 }
 
-bool InputControl::missedRelease(const Event& event) {
-    if (!mHeld || !mPress.isLost(*this, event))
-        return false;
+void InputControl::endPress() {
     mHeld = false;
-    return true;
+    releaseMouse();
 }
 
-bool InputControl::movesOn(const Event& event) {
-    return mPress.movesOn(event);
+void InputControl::onCaptureLost() {
+    mHeld = false;
 }
 
 bool InputControl::hasKeys() {
@@ -49,7 +57,7 @@ bool InputControl::hasKeys() {
 }
 
 void InputControl::takeKeys() {
-    mKeys = true;
+    mKeys = mUsesKeys;
     if (mParent)
         mParent->setFocus(this);
 }

@@ -16,7 +16,7 @@ constexpr float MARGIN = 4.0f; // pixels left and right of the text
 Label::Label() {
     mType = "label";
     setTextLook(mText);
-    setPair(mBack.border, none);
+    setPair(mBack.border, NO_COLOR);
 }
 
 Control* Label::clone() {
@@ -44,7 +44,7 @@ void Label::draw() {
     const Box2 box = toPixels(mArea.world);
     fill(*render, box, mBack.color);
     outline(*render, box, mBack.border);
-    render->setColor(pick(mText, mInactive, false, false).first, none);
+    render->setColor(pick(mText, mInactive, false, false).first, NO_COLOR);
     // Off the edge of a box that can be seen.
     const bool plain = mBack.color.first.w <= 0 && mBack.border.first.w <= 0;
     const float margin = plain ? 0.0f : MARGIN;

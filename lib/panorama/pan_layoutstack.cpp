@@ -19,7 +19,9 @@ Control* LayoutStack::clone() {
 }
 
 void LayoutStack::load(xml::IteratorConst& it) {
+    mLoading = true; // the children are placed once, at the end
     Control::load(it);
+    mLoading = false;
     if (it->getValue("direction") == "horisontal")
         setHorisontal();
     else
@@ -38,7 +40,12 @@ void LayoutStack::setHorisontal() {
 
 void LayoutStack::addControl(Control* control, int index) {
     Control::addControl(control, index);
-    recalculate();
+    if (!mLoading)
+        recalculate();
+}
+
+void LayoutStack::append(Control* control) {
+    Control::addControl(control, -1);
 }
 
 void LayoutStack::deleteControl(unsigned int index) {

@@ -7,10 +7,10 @@ using mathbase::Vector2f;
 using mathbase::Vector4f;
 
 void setTextLook(ColorSet& set) {
-    setPair(set.color, ink, none);
-    setPair(set.highlight, white, none);
-    setPair(set.pushed, white, none);
-    setPair(set.inactive, faint, none);
+    setPair(set.color, ink, NO_COLOR);
+    setPair(set.highlight, white, NO_COLOR);
+    setPair(set.pushed, white, NO_COLOR);
+    setPair(set.inactive, faint, NO_COLOR);
 }
 
 void setRaisedLook(ColorSet& set) {
@@ -59,13 +59,13 @@ void clipTo(Render& render, const Box2& a, const Box2& b) {
 }
 
 void drawText(Render& render, const std::string& caption, const Vector4f& color, const Vector2f& position) {
-    render.setColor(color, none);
+    render.setColor(color, NO_COLOR);
     render.setFontMode(display::Font::ALIGN_LEFT);
     render.drawText(caption, position);
 }
 
 void drawCentred(Render& render, const std::string& caption, const Vector4f& color, const Box2& box) {
-    render.setColor(color, none);
+    render.setColor(color, NO_COLOR);
     render.setFontMode(display::Font::ALIGN_CENTER);
     render.drawText(caption, Vector2f(0.5f * (box.x1 + box.x2), 0.5f * (box.y1 + box.y2)));
 }
@@ -80,7 +80,7 @@ void drawDisc(Render& render, const Vector2f& centre, float radius, const Vector
     const float left = std::floor(centre.x - radius), top = std::floor(centre.y - radius);
     const float right = centre.x + radius, bottom = centre.y + radius;
     const auto span = [&](float x1, float x2, float y, float cover) {
-        render.setColor(Vector4f(color.x, color.y, color.z, color.w * cover), none);
+        render.setColor(Vector4f(color.x, color.y, color.z, color.w * cover), NO_COLOR);
         render.drawBox(Box2(x1, y, x2, y + 1), 0);
     };
     for (float y = top; y < bottom; ++y) {

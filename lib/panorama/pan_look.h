@@ -20,7 +20,6 @@ inline constexpr mathbase::Vector4f field(0.06f, 0.06f, 0.08f, 0.92f); // what i
 inline constexpr mathbase::Vector4f ink(0.85f, 0.85f, 0.89f, 1.0f);
 inline constexpr mathbase::Vector4f white(1.0f, 1.0f, 1.0f, 1.0f);
 inline constexpr mathbase::Vector4f faint(0.42f, 0.42f, 0.46f, 1.0f); // text and marks of what is greyed out
-inline constexpr mathbase::Vector4f none(0.0f, 0.0f, 0.0f, -1.0f);    // no second colour
 
 inline void setPair(ColorPair& pair, const mathbase::Vector4f& first, const mathbase::Vector4f& second) {
     pair.first = first;

@@ -15,8 +15,6 @@ namespace {
 constexpr float INDENT = 10.0f; // pixels from the left edge to the caption
 constexpr float GAP = 5.0f;     // pixels from the caption to the line, and from the left edge to the gap
 
-const Vector4f NO_COLOR(0, 0, 0, -1);
-
 } // namespace
 
 Panel::Panel() {

@@ -38,16 +38,6 @@ using mathbase::Vector2f;
 
 namespace {
 
-// Types that are there already stay as they are.
-template <class ControlType>
-void addType(ControlFactory& factory) {
-    auto prototype = std::make_unique<ControlType>();
-    for (Control* known : ControlFactory::mControl)
-        if (known->getType() == prototype->getType())
-            return;
-    factory.addControlType(prototype.release());
-}
-
 // Reads a document through the archives. Null if the file is missing; throws what the parser throws.
 std::unique_ptr<xml::XmlParser> readDocument(display::DisplayGL* display, const std::string& name) {
     am::File file =
@@ -66,28 +56,28 @@ Panorama::Panorama(display::DisplayGL* owner) : Listener(owner) {
     mWorkspace.setDisplay(owner);
     onResize(0, 0);
 
-    addType<Button>(mFactory);
-    addType<Checkbox>(mFactory);
-    addType<Dropdown>(mFactory);
-    addType<Flow>(mFactory);
-    addType<Frame>(mFactory);
-    addType<Image>(mFactory);
-    addType<Label>(mFactory);
-    addType<LayoutStack>(mFactory);
-    addType<Menubar>(mFactory);
-    addType<Panel>(mFactory);
-    addType<RadioButton>(mFactory);
-    addType<Scrollbars>(mFactory);
-    addType<Slider>(mFactory);
-    addType<Spline>(mFactory);
-    addType<SplineOrg>(mFactory);
-    addType<Stat>(mFactory);
-    addType<TabFrame>(mFactory);
-    addType<TabView>(mFactory);
-    addType<TextInput>(mFactory);
-    addType<TreeView>(mFactory);
-    addType<Window>(mFactory);
-    addType<Workspace>(mFactory);
+    mFactory.addOnce<Button>();
+    mFactory.addOnce<Checkbox>();
+    mFactory.addOnce<Dropdown>();
+    mFactory.addOnce<Flow>();
+    mFactory.addOnce<Frame>();
+    mFactory.addOnce<Image>();
+    mFactory.addOnce<Label>();
+    mFactory.addOnce<LayoutStack>();
+    mFactory.addOnce<Menubar>();
+    mFactory.addOnce<Panel>();
+    mFactory.addOnce<RadioButton>();
+    mFactory.addOnce<Scrollbars>();
+    mFactory.addOnce<Slider>();
+    mFactory.addOnce<Spline>();
+    mFactory.addOnce<SplineOrg>();
+    mFactory.addOnce<Stat>();
+    mFactory.addOnce<TabFrame>();
+    mFactory.addOnce<TabView>();
+    mFactory.addOnce<TextInput>();
+    mFactory.addOnce<TreeView>();
+    mFactory.addOnce<Window>();
+    mFactory.addOnce<Workspace>();
 }
 
 Panorama::~Panorama() = default;

@@ -16,7 +16,7 @@ constexpr float GAP = 6.0f; // pixels between the mark and its text
 
 } // namespace
 
-RadioButton::RadioButton() {
+RadioButton::RadioButton() : InputControl(true) {
     mType = "radiobutton";
     mCaptionText.clear();
     setSunkLook(mBack);
@@ -120,8 +120,6 @@ int RadioButton::handleEvent(Event& event) {
     int result = 0;
     if (!hears(event, result))
         return result;
-    if (missedRelease(event))
-        mPushedBox = -1;
     if (event.type == "reset") {
         mHoverBox = -1;
     } else if (event.type == "mousemove") {
@@ -143,6 +141,11 @@ int RadioButton::handleEvent(Event& event) {
     return result;
 }
 
+void RadioButton::onCaptureLost() {
+    mPushedBox = -1;
+    InputControl::onCaptureLost();
+}
+
 void RadioButton::draw() {
     Render* const render = getRender();
     if (!render)
@@ -150,7 +153,7 @@ void RadioButton::draw() {
     const Box2 all = toPixels(mArea.world);
     if (!heading().empty()) {
         mHeading.set(heading());
-        render->setColor(pick(mText, mInactive, false, false).first, none);
+        render->setColor(pick(mText, mInactive, false, false).first, NO_COLOR);
         mHeading.draw(*render, Box2(all.x1, all.y1, all.x2, all.y1 + ROW), TextLine::START, TextLine::MIDDLE);
     }
     // Only the rows that can be seen.
@@ -166,7 +169,7 @@ void RadioButton::draw() {
         const Box2 mark(row.x1 + 2, y, row.x1 + 2 + BOX, y + BOX);
         drawMark(*render, mark, mBoxes[size_t(i)], hover, pushed);
         const Box2 text(mark.x2 + GAP, row.y1, row.x2, row.y2);
-        render->setColor(pick(mText, mInactive, pushed, hover || (keys && i == mCursor)).first, none);
+        render->setColor(pick(mText, mInactive, pushed, hover || (keys && i == mCursor)).first, NO_COLOR);
         mBoxes[size_t(i)].name.draw(*render, text, TextLine::START, TextLine::MIDDLE);
         if (keys && i == mCursor) {
             const float end = std::min(text.x2, text.x1 + mBoxes[size_t(i)].name.getLength());

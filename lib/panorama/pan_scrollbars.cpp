@@ -127,15 +127,13 @@ int Scrollbars::handleEvent(Event& event) {
     const int result = Control::handleEvent(event);
     if (!alive)
         return result;
-    if (isHeld() && mDrag.isLost(*this, event))
-        mDragVertical = mDragHorisontal = mDragResize = false;
     if (event.type == "mousedown" && event.button == 0)
         press(event);
     else if (event.type == "mouseup")
         release();
     else if (event.type == "mousewheel" && result != 1)
         return turnWheel(event);
-    else if (isHeld() && mDrag.movesOn(event))
+    else if (event.type == "mousemove" && isHeld())
         drag(event.mouseDelta);
     return result;
 }
@@ -148,14 +146,20 @@ void Scrollbars::press(const Event& event) {
         mDragHorisontal = true;
     if (isInside(mCorner, position) && mParent && !mParent->getMaximized())
         mDragResize = true;
-    mDrag.start(*this, event);
+    if (isHeld())
+        captureMouse(event);
 }
 
 void Scrollbars::release() {
     const bool held = mDragVertical || mDragHorisontal;
-    mDragVertical = mDragHorisontal = mDragResize = false;
+    onCaptureLost();
+    releaseMouse();
     if (held)
         sendAction(ACTION_SCROLL, nullptr);
+}
+
+void Scrollbars::onCaptureLost() {
+    mDragVertical = mDragHorisontal = mDragResize = false;
 }
 
 // With nothing inside, a step is endless: the thumb goes to the end.

@@ -24,7 +24,7 @@ float limit(float position) {
 
 } // namespace
 
-Slider::Slider() {
+Slider::Slider() : InputControl(false) {
     mType = "slider";
     setSunkLook(mBack);
     setPair(mBack.pushed, Vector4f(0.46f, 0.46f, 0.78f, 1.0f)); // the track up to the handle
@@ -45,7 +45,7 @@ float Slider::getValue() {
 
 void Slider::setValue(float value, bool immediately) {
     const double range = double(mMax) - double(mMin);
-    mPosition.set(limit(float((double(value) - double(mMin)) / range)), immediately);
+    mPosition.set(float((double(value) - double(mMin)) / range), immediately);
 }
 
 void Slider::load(xml::IteratorConst& it) {
@@ -97,13 +97,8 @@ int Slider::handleEvent(Event& event) {
     int result = 0;
     if (!hears(event, result))
         return result;
-    if (missedRelease(event)) {
-        mDragging = false;
-        mHoverAmount = 0;
-    }
     if (event.type == "mouseup") {
-        mDragging = false;
-        mHoverAmount = 0;
+        onCaptureLost();
         endPress();
         return result;
     }
@@ -118,19 +113,29 @@ int Slider::handleEvent(Event& event) {
         return 1;
     }
     if (event.type == "mousewheel" && mHover) { // inactive or not
-        const float step = event.wheelDelta * STEP;
-        moveTo(mPosition.get(true) + (mDirection == 0 ? step : -step), false);
+        turn(event.wheelDelta);
         return 1;
     }
+    const bool move = event.type == "mousemove";
     if (mDragging) {
-        if (!movesOn(event))
-            return result;
-        moveTo((along(event.mousePos) - getStart()) / getLength(), true);
-        return 1;
+        if (move)
+            moveTo((along(event.mousePos) - getStart()) / getLength(), true);
+        return move ? 1 : result;
     }
-    if (event.type == "mousemove" || event.type == "reset")
-        mHoverAmount = event.type == "mousemove" && isInside(getHandleBox(), event.mousePos) ? 1 : 0;
+    if (move || event.type == "reset")
+        mHoverAmount = move && isInside(getHandleBox(), event.mousePos) ? 1 : 0;
     return result;
+}
+
+void Slider::turn(float steps) {
+    const float step = steps * STEP;
+    moveTo(mPosition.get(true) + (mDirection == 0 ? step : -step), false);
+}
+
+void Slider::onCaptureLost() {
+    mDragging = false;
+    mHoverAmount = 0;
+    InputControl::onCaptureLost();
 }
 
 void Slider::draw() {

@@ -2,7 +2,7 @@
 
 #include "dis_key.h"
 #include "pan_alive.h"
-#include "pan_curvemenu.h"
+#include "pan_box.h"
 #include "pan_look.h"
 #include "pan_number.h"
 #include "pan_render.h"
@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cassert>
 #include <cmath>
+#include <string_view>
 
 namespace zentrak::panorama {
 
@@ -23,7 +24,15 @@ namespace {
 constexpr int LEAST_STEPS = 10;   // points of a curve: 1.2 times this, or half its pixels if more
 constexpr int MOST_STEPS = 16384; // of a widget wider than any window
 constexpr float POINTS_PER_STEP = 1.2f;
-constexpr float SMALL_KEY = 2.0f; // radius in pixels, without the focus
+constexpr float SMALL_KEY = 2.0f;   // radius in pixels, without the focus
+constexpr float SUBMENU_GAP = 2.0f; // pixels between a menu and its sub-menu
+
+// What the menus report.
+constexpr std::string_view ADD_KEY = "spline.add key";
+constexpr std::string_view DELETE_KEY = "spline.delete key";
+constexpr std::string_view TYPE = "spline.type."; // and the name of a mode
+
+constexpr int MODES[] = {mathbase::SPLINE_SQUARE, mathbase::SPLINE_LINEAR, mathbase::SPLINE_SMOOTH};
 
 } // namespace
 
@@ -34,11 +43,27 @@ Spline::Spline() {
     mBack.highlight.first = Vector4f(1, 1, 0.2f, 1);
     mBack.pushed = {Vector4f(1, 1, 1, 1), Vector4f(0.3f, 0.85f, 1, 1)};
     mText.color.first = Vector4f(0.85f, 0.75f, 0.7f, 1);
-    curve::buildMenus(mContextEmpty, mContext, mContextType);
+    mContextEmpty.setCaption("spline");
+    mContextEmpty.addOption("add key", "");
+    mContextEmpty.addOption("-------", "");
+    mContext.setCaption("spline");
+    mContext.addOption("delete key", "");
+    mContext.addOption("---------", "");
+    mContextType.setCaption("type");
+    for (const int mode : MODES)
+        mContextType.addOption(SplineBase::getModeName(mode), "");
+    mContextEmpty.addControl(&mContextType, -1);
+    mContext.addControl(&mContextType, -1);
+    mContextType.setParent(nullptr); // until one of the two opens it
 }
 
+// The sub-menu belongs to neither of the menus that it is in.
 Spline::~Spline() {
-    curve::releaseMenus(mContextEmpty, mContext, mContextType);
+    for (Context* menu : {&mContextEmpty, &mContext}) {
+        menu->mOpenOption = menu->mHighlight = -1;
+        std::erase(menu->mControls, &mContextType);
+    }
+    mContextType.setParent(nullptr);
     if (mOwnsSpline)
         delete mSpline;
 }
@@ -57,7 +82,7 @@ void Spline::setSpline(SplineBase* spline, bool own) {
 }
 
 void Spline::setSplineType(std::string type) {
-    for (const int mode : {mathbase::SPLINE_SQUARE, mathbase::SPLINE_LINEAR, mathbase::SPLINE_SMOOTH})
+    for (const int mode : MODES)
         if (mSpline && type == SplineBase::getModeName(mode))
             mSpline->mMode = mode;
     mDirty = true;
@@ -84,24 +109,53 @@ bool Spline::hasKey(int index) const {
     return mSpline && index >= 0 && index < mSpline->getNumKeys();
 }
 
+Vector2f Spline::toWindow(float time, float value) const {
+    const Box2& box = mArea.world;
+    const float half = 0.5f * box.getHeight();
+    return Vector2f(box.x1 + box.getWidth() * time, box.y1 + half + value * half);
+}
+
 Vector2f Spline::toWindow(int index) const {
     const Key& key = mSpline->mKeys[size_t(index)];
-    return curve::toWindow(mArea.world, key.time, key.value);
+    return toWindow(key.time, key.value);
 }
 
-// The first key of the list whose box is hit, or -1.
-int Spline::findKey(const Vector2f& place) const {
-    return curve::findPoint(mSpline ? mSpline->getNumKeys() : 0, mSize + 1.0f, place,
-                            [this](int i) { return toWindow(i); });
+// False in a widget without width or height.
+bool Spline::fromWindow(const Vector2f& position, Key& key) const {
+    const Box2& box = mArea.world;
+    const float half = 0.5f * box.getHeight();
+    if (!(box.getWidth() > 0 && half > 0))
+        return false;
+    key.time = (position.x - box.x1) / box.getWidth();
+    key.value = (position.y - box.y1 - half) / half;
+    return true;
 }
 
+// The first key whose box is hit, or -1.
+int Spline::findKey(const Vector2f& position) const {
+    const float reach = mSize + 1.0f;
+    for (int i = 0; hasKey(i); ++i) {
+        const Vector2f at = toWindow(i);
+        if (std::abs(at.x - position.x) <= reach && std::abs(at.y - position.y) <= reach)
+            return i;
+    }
+    return -1;
+}
+
+// A visible key at the left or right edge is hit at its whole width.
 bool Spline::acceptEvents(Event& event) {
-    return Control::acceptEvents(event) || mDragKey != -1;
+    if (Control::acceptEvents(event) || mDragKey != -1)
+        return true;
+    const Box2& clip = mArea.clip;
+    const float reach = mSize + 1.0f;
+    if (!(clip.x2 > clip.x1) ||
+        !isInside(Box2(clip.x1 - reach, clip.y1, clip.x2 + reach, clip.y2), event.mousePos))
+        return false;
+    const int key = findKey(event.mousePos);
+    return hasKey(key) && toWindow(key).x >= clip.x1 && toWindow(key).x <= clip.x2;
 }
 
-/*
- * Keys are taken with the focus only: without it they belong to whoever comes next. A parent says who has it.
- */
+// Keys are taken with the focus only; a parent knows who has it.
 int Spline::handleEvent(Event& event) {
     Alive alive(*this);
     int result = Control::handleEvent(event);
@@ -109,19 +163,18 @@ int Spline::handleEvent(Event& event) {
         return result;
     if (!mVisible)
         return 0;
-    if (mDragKey != -1 && mDrag.isLost(*this, event))
-        mDragKey = -1;
-    if (hasKey(mDragKey) && mDrag.movesOn(event)) {
+    if (event.type == "mousemove") {
         mMouseX = event.mousePos.x;
-        dragKey(event.mousePos);
-    } else if (event.type == "mousemove" && mDragKey == -1) {
-        mMouseX = event.mousePos.x;
-        mHoverKey = findKey(event.mousePos);
+        if (hasKey(mDragKey))
+            dragKey(event.mousePos);
+        else
+            mHoverKey = findKey(event.mousePos);
     } else if (event.type == "mousedown") {
         onMouseDown(event);
         result = 1;
     } else if (event.type == "mouseup") {
         mDragKey = mHoverKey = -1;
+        releaseMouse();
     } else if (event.type == "reset") {
         if (mDragKey == -1)
             mHoverKey = -1;
@@ -134,19 +187,20 @@ int Spline::handleEvent(Event& event) {
     return result;
 }
 
-/*
- * The key goes where the mouse is, wherever that is. One that passes a neighbour finds its new place in the
- * list, and stays the one that is held.
- */
-void Spline::dragKey(const Vector2f& place) {
+void Spline::onCaptureLost() {
+    mDragKey = mHoverKey = -1;
+}
+
+// The key follows the mouse without bounds. One that passes a neighbour moves in the list and stays held.
+void Spline::dragKey(const Vector2f& position) {
     std::vector<Key>& keys = mSpline->mKeys;
     Key& key = keys[size_t(mDragKey)];
-    if (!curve::fromWindow(mArea.world, place, key.time, key.value))
+    if (!fromWindow(position, key))
         return;
     mSpline->mCurrent = -1;
     const bool before = mDragKey > 0 && key.time < keys[size_t(mDragKey - 1)].time;
-    const bool behind = hasKey(mDragKey + 1) && key.time > keys[size_t(mDragKey + 1)].time;
-    if (before || behind) {
+    const bool after = hasKey(mDragKey + 1) && key.time > keys[size_t(mDragKey + 1)].time;
+    if (before || after) {
         const Key moved = key;
         mSpline->removeKey(mDragKey);
         mDragKey = mSpline->addKey(moved);
@@ -166,7 +220,9 @@ void Spline::onMouseDown(const Event& event) {
     if (event.button == 0) {
         if (onKey) {
             mDragKey = mSelected = mHoverKey;
-            mDrag.start(*this, event);
+            captureMouse(event);
+            if (mParent && !isFocused()) // on the part of a key that lies outside
+                mParent->setFocus(this);
         }
         return;
     }
@@ -176,17 +232,40 @@ void Spline::onMouseDown(const Event& event) {
         mDeleteIndex = mHoverKey;
     else
         mContextPos = event.mousePos;
-    curve::openMenu(*this, onKey ? mContext : mContextEmpty, mContextType, event.mousePos,
-                    SplineBase::getModeName(mSpline->mMode));
+    openMenu(onKey ? mContext : mContextEmpty, event.mousePos);
+}
+
+// As near to the position as it fits into the window together with its sub-menu.
+void Spline::openMenu(Context& menu, const Vector2f& position) {
+    mContextType.setHighlight(SplineBase::getModeName(mSpline->mMode));
+    mContextType.setParent(&menu);
+    menu.setParent(this);
+    menu.setPosition(position);
+    setContext(&menu); // sizes it
+    mContextType.resize();
+    const display::DisplayGL* const display = getDisplay();
+    if (!display)
+        return;
+    const Box2 &area = menu.mArea.area, &types = mContextType.mArea.area;
+    const float width = area.getWidth() + SUBMENU_GAP + types.getWidth();
+    const float height =
+        std::max(area.getHeight(), types.getHeight() + 2 * (menu.mRowGap + Context::ROW_HEIGHT));
+    const float right = float(display->mWindowMode.width), bottom = float(display->mWindowMode.height);
+    menu.setPosition(Vector2f(std::max(0.0f, std::min(position.x, right - width)),
+                              std::max(0.0f, std::min(position.y, bottom - height))));
 }
 
 // Whether the key is one of the four that it knows.
 bool Spline::onKeyDown(const Event& event) {
     if (!mSpline)
         return false;
-    if (curve::stepSelection(event.key, mSpline->getNumKeys(), mSelected))
-        return true;
+    const int last = mSpline->getNumKeys() - 1;
     switch (event.key) {
+    case display::KEY_LEFT:
+    case display::KEY_RIGHT:
+        mSelected =
+            std::clamp(mSelected + (event.key == display::KEY_LEFT ? -1 : 1), std::min(0, last), last);
+        return true;
     case display::KEY_DEL:
         if (hasKey(mSelected))
             removeKey(mSelected);
@@ -199,9 +278,7 @@ bool Spline::onKeyDown(const Event& event) {
     }
 }
 
-/*
- * Behind the selected key: halfway to the next one, or, where there is none, at the right edge.
- */
+// After the selected key: halfway to the next one, or, where there is none, at the right edge.
 void Spline::insertKey() {
     Key key;
     if (hasKey(mSelected) && hasKey(mSelected + 1)) {
@@ -227,7 +304,7 @@ void Spline::addKey(const Key& key) {
     mDirty = true;
 }
 
-// A selection that has lost its key goes to the next one, or, behind the last, to the one before.
+// A selection that has lost its key goes to the next one, or, after the last, to the one before.
 void Spline::removeKey(int index) {
     mSpline->removeKey(index);
     if (index < mSelected)
@@ -241,15 +318,15 @@ void Spline::onContext(const std::string& text) {
     SplineBase* const m_spline = mSpline;
     if (!m_spline)
         return;
-    if (text == curve::DELETE_KEY) {
+    if (text == DELETE_KEY) {
         assert(mDeleteIndex>=0 && mDeleteIndex<(int)m_spline->getNumKeys());
         removeKey(mDeleteIndex);
-    } else if (text == curve::ADD_KEY) {
+    } else if (text == ADD_KEY) {
         Key key;
-        if (curve::fromWindow(mArea.world, mContextPos, key.time, key.value))
+        if (fromWindow(mContextPos, key))
             addKey(key);
-    } else if (text.compare(0, curve::TYPE.size(), curve::TYPE) == 0) {
-        setSplineType(text.substr(curve::TYPE.size()));
+    } else if (text.starts_with(TYPE)) {
+        setSplineType(text.substr(TYPE.size()));
     }
 }
 
@@ -262,14 +339,14 @@ void Spline::draw() {
     render->drawBox(mArea.clip, 0);
     if (mSpline && world.getWidth() > 0) {
         mMode = SplineBase::getModeName(mSpline->mMode);
-        render->setColor(mText.color.first, look::none);
+        render->setColor(mText.color.first, NO_COLOR);
         render->setFontMode(display::Font::ALIGN_LEFT);
         render->drawText(mMode, Vector2f(world.x1 + 2, world.y1 + 4));
         drawCurve(*render);
         drawKeys(*render);
     }
     if (isFocused() && mHover) {
-        render->setColor(mBack.border.first, look::none);
+        render->setColor(mBack.border.first, NO_COLOR);
         render->drawLine(Vector2f(mMouseX, world.y1), Vector2f(mMouseX, world.y2));
     }
     Control::draw();
@@ -286,9 +363,7 @@ void Spline::buildPoints(int steps) {
     mDirty = false;
 }
 
-/*
- * Only the part that can be seen: a long span is many windows wide.
- */
+// Only the visible part: a long span is many windows wide.
 void Spline::drawCurve(Render& render) {
     const Box2& world = mArea.world;
     const float half = world.getWidth() * 0.5f;
@@ -297,20 +372,34 @@ void Spline::drawCurve(Render& render) {
         buildPoints(steps);
     render.setColor(mBack.border.first, mBack.border.second);
     const int last = int(mPoints.size()) - 1;
-    const float scale = float(last) / world.getWidth();
-    const int first = int(std::clamp((mArea.clip.x1 - world.x1) * scale, 0.0f, float(last)));
-    const int end = int(std::clamp(std::ceil((mArea.clip.x2 - world.x1) * scale), 0.0f, float(last)));
+    const auto indexAt = [&](float x) { // as a float; a NaN is 0
+        const float index = (x - world.x1) / world.getWidth() * float(last);
+        return index > 0 ? std::min(index, float(last)) : 0.0f;
+    };
+    const int first = int(indexAt(mArea.clip.x1)), end = int(std::ceil(indexAt(mArea.clip.x2)));
     for (int i = first; i < end; ++i) {
         const Vector2f &from = mPoints[size_t(i)], &to = mPoints[size_t(i + 1)];
         if (std::isfinite(from.y) && std::isfinite(to.y))
-            render.drawLine(curve::toWindow(world, from.x, from.y), curve::toWindow(world, to.x, to.y));
+            render.drawLine(toWindow(from.x, from.y), toWindow(to.x, to.y));
     }
 }
 
 void Spline::drawKeys(Render& render) {
-    const curve::Marks marks{mHoverKey, mSelected, mDragKey != -1, isFocused()};
-    for (int i = 0; hasKey(i); ++i)
-        curve::drawPoint(render, *this, toWindow(i), marks.focused ? mSize : SMALL_KEY, i, marks);
+    const bool focused = isFocused();
+    const float radius = focused ? mSize : SMALL_KEY;
+    for (int i = 0; hasKey(i); ++i) {
+        const Vector2f at = toWindow(i);
+        const Box2 disc(at.x - radius, at.y - radius, at.x + radius, at.y + radius);
+        const Box2& clip = mArea.clip;
+        if (!(disc.x2 > clip.x1 && disc.x1 < clip.x2 && disc.y2 > clip.y1 && disc.y1 < clip.y2))
+            continue;
+        const bool held = mDragKey != -1;
+        render.setColor(i == mHoverKey              ? (held ? mBack.pushed : mBack.highlight).first
+                        : focused && i == mSelected ? mBack.pushed.second
+                                                    : mBack.border.first,
+                        NO_COLOR);
+        render.drawCircle(disc, -1, 0);
+    }
 }
 
 } // namespace zentrak::panorama

@@ -30,7 +30,7 @@ Stat::Stat() {
     mType = "stat";
     setSunkLook(mBack);
     setTextLook(mText);
-    setPair(mText.color, Vector4f(0.62f, 0.62f, 0.68f, 1.0f), none);
+    setPair(mText.color, Vector4f(0.62f, 0.62f, 0.68f, 1.0f), NO_COLOR);
     setPair(mBack.pushed, Vector4f(0.06f, 0.06f, 0.08f, 0.7f));              // under the figures
     setPair(mCaption.border, Vector4f(1.0f, 1.0f, 1.0f, 0.10f));             // the lines of the scale
     setPair(mCaption.color, Vector4f(0.46f, 0.46f, 0.78f, 1.0f), accent);    // the columns
@@ -125,7 +125,7 @@ void Stat::drawFigure(Render& render, const Box2& box, TextLine& line, float val
     const Box2 plate(box.x1, top, std::min(box.x2, box.x1 + line.getLength() + 6),
                      top + render.getFontHeight());
     fill(render, plate, mBack.pushed);
-    render.setColor(mText.color.first, none);
+    render.setColor(mText.color.first, NO_COLOR);
     line.draw(render, Box2(box.x1 + 3, box.y1, box.x2 - 3, box.y2), TextLine::START, vertical);
 }
 

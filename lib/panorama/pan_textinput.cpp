@@ -70,7 +70,7 @@ bool beginsNumber(const std::string& text) {
 
 } // namespace
 
-TextInput::TextInput() {
+TextInput::TextInput() : InputControl(true) {
     mType = "textinput";
     setSunkLook(mBack);
     setPair(mBack.pushed, bright); // the outline of the field that has the keys
@@ -237,6 +237,11 @@ bool TextInput::deleteTo(size_t position) {
     return replaceSelection(std::string());
 }
 
+void TextInput::leaveKeys() {
+    select(mCaret, mCaret);
+    InputControl::leaveKeys();
+}
+
 void TextInput::changed() {
     sendAction(ACTION_CHANGE, nullptr);
 }
@@ -311,8 +316,6 @@ int TextInput::handleKey(const Event& event) {
         return 1;
     case KEY_ENTER:
     case KEY_KP_ENTER:
-    case KEY_ESC:
-        select(mCaret, mCaret);
         leaveKeys();
         return 1;
     default: // what types something arrives once more as a character
@@ -324,7 +327,6 @@ int TextInput::handleEvent(Event& event) {
     int result = 0;
     if (!hears(event, result))
         return result;
-    missedRelease(event);
     if (startsPress(event)) {
         const size_t position = positionAt(event.mousePos.x);
         mByWords = event.doubleClick;
@@ -338,7 +340,7 @@ int TextInput::handleEvent(Event& event) {
         endPress();
         return 1;
     }
-    if (isHeld() && movesOn(event)) {
+    if (event.type == "mousemove" && isHeld()) {
         if (!mByWords)
             moveCaret(positionAt(event.mousePos.x), true);
         return 1;
@@ -395,7 +397,7 @@ void TextInput::draw() {
             mShown.assign(last - first, STAR);
         else
             mShown.assign(mValue, first, last - first);
-        render->setColor(pick(mText, mInactive, keys, mHover).first, none);
+        render->setColor(pick(mText, mInactive, keys, mHover).first, NO_COLOR);
         render->setFontMode(0);
         render->drawText(mShown, Vector2f(place(first), middle));
     }

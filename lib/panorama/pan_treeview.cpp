@@ -26,7 +26,7 @@ bool isSize(float size) {
 
 } // namespace
 
-TreeView::TreeView() {
+TreeView::TreeView() : InputControl(true) {
     mType = "treeview";
     mCaptionText.clear();
     setSunkLook(mBack);
@@ -353,8 +353,6 @@ int TreeView::handleEvent(Event& event) {
     int result = 0;
     if (!hears(event, result))
         return result;
-    if (missedRelease(event))
-        mDrag = NOTHING;
     if (startsPress(event)) {
         handlePress(event);
         return 1;
@@ -364,7 +362,7 @@ int TreeView::handleEvent(Event& event) {
         endPress();
         return 1;
     }
-    if (mDrag != NOTHING && movesOn(event)) {
+    if (event.type == "mousemove" && mDrag != NOTHING) {
         const bool across = mDrag == ACROSS;
         const Box2 view = getView(), thumb = getThumb(across);
         const float track =
@@ -390,6 +388,11 @@ int TreeView::handleEvent(Event& event) {
     return result;
 }
 
+void TreeView::onCaptureLost() {
+    mDrag = NOTHING;
+    InputControl::onCaptureLost();
+}
+
 void TreeView::drawNode(const Node& node, int depth, const Box2& row, bool selected, bool hover) {
     Render* render = getRender();
     if (selected)
@@ -397,7 +400,7 @@ void TreeView::drawNode(const Node& node, int depth, const Box2& row, bool selec
     else if (hover && !mInactive)
         fill(*render, row, mBack.highlight);
     const float x = row.x1 - mScrollX + float(depth) * INDENT;
-    render->setColor(pick(mText, mInactive, selected, hover).first, none);
+    render->setColor(pick(mText, mInactive, selected, hover).first, NO_COLOR);
     if (node.next > int(&node - mNodes.data()) + 1)
         drawArrow(*render, Vector2f(x + ARROW * 0.5f, (row.y1 + row.y2) * 0.5f),
                   node.open ? Arrow::DOWN : Arrow::RIGHT);
@@ -423,7 +426,7 @@ void TreeView::draw() {
     setScroll(true, mScrollX);
     if (!mCaptionText.empty()) {
         mHeading.set(mCaptionText);
-        render->setColor(pick(mText, mInactive, false, false).first, none);
+        render->setColor(pick(mText, mInactive, false, false).first, NO_COLOR);
         mHeading.draw(*render, Box2(view.x1 + GAP, box.y1 + 1, view.x2, box.y1 + 1 + HEADING),
                       TextLine::START, TextLine::MIDDLE);
     }

@@ -72,27 +72,30 @@ int Window::handleEvent(Event& event) {
     const int result = Control::handleEvent(event);
     if (!alive)
         return result;
-    if (mDragging && mDrag.isLost(*this, event))
-        mDragging = false;
     if (event.type == "mousedown" && event.button == 0 && mHover && isInside(mTitleArea.clip, event.mousePos))
         pressTitle(event);
     else if (event.type == "mouseup" && event.button == 0)
         mDragging = false;
-    else if (mDragging && !getMaximized() && mDrag.movesOn(event))
+    else if (event.type == "mousemove" && mDragging && !getMaximized())
         drag(event.mousePos);
     return result;
 }
 
 void Window::pressTitle(const Event& event) {
-    mDragging = true;
     mDragStart = event.mousePos;
     mDragArea = mArea.area;
-    mDrag.start(*this, event);
     if (event.doubleClick) {
         setMaximized(!getMaximized());
         setArea(mArea.area);
         mDragging = false;
+        return;
     }
+    mDragging = true;
+    captureMouse(event);
+}
+
+void Window::onCaptureLost() {
+    mDragging = false;
 }
 
 void Window::drag(Vector2f position) {

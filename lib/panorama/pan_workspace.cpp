@@ -1,5 +1,7 @@
 #include "pan_workspace.h"
 
+#include "dis_key.h"
+#include "pan_alive.h"
 #include "pan_box.h"
 #include "pan_context.h"
 
@@ -22,6 +24,7 @@ Workspace::Workspace() {
 }
 
 Workspace::~Workspace() {
+    setCapture(nullptr, 0);
     deleteControls(); // while what they ask for is still there
     delete mStyle;
 }
@@ -49,6 +52,7 @@ void Workspace::setContext(Context* context) {
         Control::setContext(context);
         return;
     }
+    endCapture(); // the menu takes the release
     if (!context->getParent())
         context->setParent(this);
     mContext = context;
@@ -82,26 +86,76 @@ void Workspace::loadStyle(xml::XmlParser* style) {
         delete std::exchange(mStyle, style);
 }
 
-/*
- * An open menu hears everything first. The release of the click that opened it leaves it open, the next one
- * closes it. All but a menu bar's keeps the event from the controls. What a menu takes, as a list takes keys,
- * it keeps also if it has closed over it.
- */
+// The mouse capture
+
+void Workspace::setCapture(Control* control, int button) {
+    if (mCapture && mCapture != control)
+        endCapture();
+    mCapture = control;
+    mCaptureButton = button;
+    if (control)
+        control->mCapturing = this;
+}
+
+void Workspace::endCapture() {
+    if (Control* const before = mCapture) {
+        before->releaseMouse();
+        before->onCaptureLost();
+    }
+}
+
+// A move clears the hover state of the tree as any other does.
+int Workspace::handleCaptured(Event& event) {
+    if (event.type == "mousemove") {
+        mHoverStale = true;
+        Event reset(event);
+        reset.type = "reset";
+        if (!resetChildren(reset) || !mCapture)
+            return 0;
+    }
+    Control* const control = mCapture;
+    if (event.type == "mouseup" && event.button == mCaptureButton)
+        control->releaseMouse();
+    return control->handleEvent(event);
+}
+
+// An open menu hears everything first. The release of the click that opened it leaves it open, the next one
+// closes it, and so does Esc. All but a menu bar's keeps the event from the controls. What a menu takes, as a
+// list takes keys, it keeps even if it has closed by then.
 int Workspace::handleEvent(Event& event) {
-    const bool release = event.type == "mouseup" && event.button == 0;
-    if (release)
-        ++mReleases;
     int taken = 0;
     if (mContext) {
         taken = mContext->handleEvent(event);
+        const bool release = event.type == "mouseup" && event.button == 0;
         if (release && !mContextFresh)
             resetContext();
         else
             mContextFresh = false;
+        if (mContext && !taken && event.type == "keydown" && event.key == display::KEY_ESC) {
+            resetContext();
+            return 1;
+        }
     }
     if (taken || (mContext && !(mContext->getParent() && mContext->getParent()->getType() == "menubar")))
         return taken;
-    if (event.type == "mousedown" && !mParent && !isOverChild(event.mousePos))
+
+    if (mCapture && !mCapture->isShown())
+        endCapture();
+    if (mCapture && (event.type == "mousemove" || event.type == "mouseup"))
+        return handleCaptured(event);
+    const bool press = event.type == "mousedown", wheel = event.type == "mousewheel";
+    const bool stale = mHoverStale;
+    if (press || wheel || event.type == "mousemove")
+        mHoverStale = false;
+    if (stale && (press || wheel)) {
+        Event move(event);
+        move.type = "mousemove";
+        Alive alive(*this);
+        Control::handleEvent(move);
+        if (!alive)
+            return 0;
+    }
+    if (press && !mParent && !isOverChild(event.mousePos))
         setFocus(nullptr); // from here on keys go past the controls, as this press does
     return Control::handleEvent(event);
 }

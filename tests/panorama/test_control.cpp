@@ -369,7 +369,7 @@ TEST_F(ControlTest, TenThousandInEachOtherAreNotTaken) {
         delete outer;
         text = out.text();
     }
-    EXPECT_NE(text.find("The control 'control' is not taken: it would lie deeper than 256 others"),
+    EXPECT_NE(text.find("The control 'control' is left out: it would lie deeper than 256 others"),
               std::string::npos);
     int depth = 0;
     for (Control* control = root.getControl(0); control; control = control->getControl(0))
@@ -453,7 +453,8 @@ TEST_F(ControlTest, ClickingAChildOfAFlowDoesNotRaiseIt) {
 TEST_F(ControlTest, AClickOnTheEmptyBackgroundGoesOn) {
     Plain& a = add(Box2(0, 0, 100, 100));
     press(10, 10);
-    EXPECT_EQ(send(root, "keydown"), 1);
+    send(root, "keydown");
+    EXPECT_EQ(a.heard.back(), "keydown");
     a.heard.clear();
     EXPECT_EQ(press(400, 400), 0);
     EXPECT_EQ(send(root, "mouseup", Vector2f(400, 400)), 0);
@@ -469,7 +470,13 @@ TEST_F(ControlTest, AnEventThatHitsAControlGives1) {
     EXPECT_EQ(press(15, 15), 1);
     EXPECT_EQ(send(root, "mouseup", Vector2f(15, 15)), 1);
     EXPECT_EQ(move(15, 15), 1);
-    EXPECT_EQ(send(root, "keydown", Vector2f(500, 500)), 1);
+}
+
+TEST_F(ControlTest, AFocusThatDoesNothingWithKeysDoesNotKeepThem) {
+    add(Box2(0, 0, 100, 100));
+    press(5, 5);
+    for (const char* type : {"keydown", "keyup", "keychardown", "keycharup"})
+        EXPECT_EQ(send(root, type, Vector2f(5, 5)), 0) << type;
 }
 
 TEST_F(ControlTest, LowerEdgesBelongToABoxAndUpperOnesDoNot) {
@@ -523,6 +530,21 @@ TEST_F(ControlTest, EveryMoveTakesTheHoverStateOfTheWholeTreeBack) {
     EXPECT_FALSE(cover.mHover);
 }
 
+TEST_F(ControlTest, AMoveResetsEachControlOnceHoweverDeepItLies) {
+    Plain& a = add(Box2(0, 0, 100, 100));
+    Plain& b = add(Box2(0, 0, 100, 100), &a);
+    Plain& c = add(Box2(0, 0, 100, 100), &b);
+    Plain& aside = add(Box2(90, 90, 95, 95), &b);
+    Event event = makeEvent("mousemove", Vector2f(50, 50));
+    for (int i = 0; i < 2; ++i) { // of one event twice, too
+        c.heard.clear();
+        aside.heard.clear();
+        root.handleEvent(event);
+        EXPECT_EQ(c.heard, (std::vector<std::string>{"reset", "mousemove"}));
+        EXPECT_EQ(aside.heard, (std::vector<std::string>{"reset"}));
+    }
+}
+
 TEST_F(ControlTest, HoverKeepsAcceptEventsTrueUntilTheNextReset) {
     Plain& a = add(Box2(0, 0, 100, 100));
     move(50, 50);
@@ -570,6 +592,98 @@ TEST_F(ControlTest, AllControlsMayBeDeletedInAnEvent) {
         send(root, word == std::string("reset") ? "mousemove" : word, Vector2f(50, 50));
         EXPECT_EQ(root.getControlSize(), 0u) << word;
     }
+}
+
+// The mouse capture
+
+namespace {
+
+// Captures the mouse with each press.
+struct Holds : Plain {
+    int lost = 0;
+
+    explicit Holds(Box2 area = Box2()) : Plain(area) {}
+    int handleEvent(Event& event) override {
+        if (event.type == "mousedown")
+            captureMouse(event);
+        return Plain::handleEvent(event);
+    }
+    void onCaptureLost() override { ++lost; }
+    using Control::releaseMouse;
+};
+
+} // namespace
+
+TEST_F(ControlTest, ACaptureGetsMovesAndTheReleaseOverOtherControls) {
+    Holds& holds = add<Holds>(Box2(0, 0, 100, 100));
+    Plain& other = add(Box2(200, 0, 300, 100));
+    root.mRaiseOnFocus = false; // the other one stays on top
+    press(10, 10);
+    EXPECT_EQ(root.getCapture(), &holds);
+    holds.heard.clear();
+    move(250, 50);
+    send(root, "mouseup", Vector2f(250, 50), 1); // of another button
+    EXPECT_EQ(root.getCapture(), &holds);
+    send(root, "mouseup", Vector2f(250, 50));
+    EXPECT_EQ(root.getCapture(), nullptr);
+    EXPECT_EQ(holds.heard, (std::vector<std::string>{"reset", "mousemove", "mouseup", "mouseup"}));
+    EXPECT_EQ(other.heard, (std::vector<std::string>{"reset"}));
+    EXPECT_EQ(holds.lost, 0);
+    move(250, 50);
+    EXPECT_EQ(other.heard.back(), "mousemove");
+}
+
+TEST_F(ControlTest, APressAfterACaptureFindsTheHoverStateUpToDate) {
+    add<Holds>(Box2(0, 0, 100, 100));
+    Plain& other = add(Box2(200, 0, 300, 100));
+    press(10, 10);
+    move(250, 50);
+    send(root, "mouseup", Vector2f(250, 50));
+    EXPECT_FALSE(other.mHover);
+    press(250, 50);
+    EXPECT_TRUE(other.mHover);
+}
+
+TEST_F(ControlTest, ACaptureIsLostToAMenuAnotherControlAndWhenHidden) {
+    Plain& group = add(Box2(0, 0, 800, 600));
+    Holds& a = add<Holds>(Box2(0, 0, 100, 100), &group);
+    Holds& b = add<Holds>(Box2(200, 0, 300, 100), &group);
+    press(10, 10);
+    press(210, 10);
+    EXPECT_EQ(root.getCapture(), &b);
+    EXPECT_EQ(a.lost, 1);
+    Context menu;
+    a.setContext(&menu);
+    EXPECT_EQ(root.getCapture(), nullptr);
+    EXPECT_EQ(b.lost, 1);
+    root.resetContext();
+    press(10, 10);
+    group.setVisible(false);
+    move(10, 10);
+    EXPECT_EQ(root.getCapture(), nullptr);
+    EXPECT_EQ(a.lost, 2);
+}
+
+TEST_F(ControlTest, WhoHasTheMouseMayBeDeletedOrGiveItBack) {
+    Holds& a = add<Holds>(Box2(0, 0, 100, 100));
+    press(10, 10);
+    a.releaseMouse();
+    EXPECT_EQ(root.getCapture(), nullptr);
+    EXPECT_EQ(a.lost, 0);
+    press(10, 10);
+    root.deleteControls();
+    EXPECT_EQ(root.getCapture(), nullptr);
+    Holds outlives(Box2(0, 0, 100, 100));
+    {
+        Workspace gone;
+        gone.setArea(Box2(0, 0, 800, 600));
+        gone.addControl(&outlives, -1);
+        send(gone, "mousedown", Vector2f(10, 10));
+        EXPECT_EQ(gone.getCapture(), &outlives);
+        root.addControl(&outlives, -1); // moves to another tree
+    }
+    EXPECT_EQ(outlives.lost, 1);
+    EXPECT_EQ(root.getCapture(), nullptr);
 }
 
 // Actions
@@ -638,6 +752,18 @@ TEST_F(ControlTest, WithAContextOpenClicksElsewhereCloseItAndReachNothing) {
     EXPECT_EQ(root.mContext, nullptr);
     press(100, 100);
     EXPECT_EQ(below.heard.back(), "mousedown");
+}
+
+TEST_F(ControlTest, EscClosesAnOpenMenuAndGoesNoFurther) {
+    Plain& button = add(Box2(0, 0, 50, 20));
+    Context menu;
+    menu.addOption("a", "");
+    button.setContext(&menu);
+    Event escape = makeEvent("keydown");
+    escape.key = display::KEY_ESC;
+    EXPECT_EQ(root.handleEvent(escape), 1);
+    EXPECT_EQ(root.mContext, nullptr);
+    EXPECT_EQ(root.handleEvent(escape), 0);
 }
 
 // Colours
@@ -797,7 +923,7 @@ TEST_F(ControlTest, ALayoutNestedTenThousandDeepIsCut) {
     for (Control* inner = &control; inner; inner = inner->getControl(0))
         ++depth;
     EXPECT_LE(depth, Control::MAX_DEPTH);
-    EXPECT_NE(out.text().find("The control 'flow' is left out: it lies deeper than 256 others"),
+    EXPECT_NE(out.text().find("The flow 'control' is left out: it would lie deeper than 256 others"),
               std::string::npos);
 }
 

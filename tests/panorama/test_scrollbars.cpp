@@ -255,11 +255,10 @@ TEST_F(ScrollbarsTest, ADragGoesOnOverAnotherControlAndEndsWithAReleaseThere) {
     sendMove(root, Vector2f(), Vector2f(295, 210));
     send(root, "mousedown", Vector2f(295, 210));
     sendMove(root, Vector2f(295, 210), Vector2f(450, 239));
-    EXPECT_EQ(other->heard.back(), "mousemove");
     EXPECT_TRUE(bars->mDragVertical);
     EXPECT_EQ(bars->mPosY, 29); // once
     send(root, "mouseup", Vector2f(450, 239));
-    EXPECT_EQ(other->heard.back(), "mouseup");
+    EXPECT_EQ(std::count(other->heard.begin(), other->heard.end(), "reset"), ptrdiff_t(other->heard.size()));
     sendMove(root, Vector2f(450, 239), Vector2f(450, 250));
     EXPECT_FALSE(bars->mDragVertical);
     EXPECT_EQ(bars->mPosY, 29);

@@ -187,19 +187,32 @@ TEST_F(SplineTest, ADragRunsTheTangents) {
     EXPECT_FLOAT_EQ(curve().mMax, 0.4f);
 }
 
-TEST_F(SplineTest, AMoveOverAnotherControlIsHeardOnce) {
-    keys({{0.5f, 0}});
-    grab(0.5f, 0);
-    Event told;
-    told.type = "reset";
-    told.mousePos = place(0.7f, 0);
-    mSpline.handleEvent(told);
-    mSpline.handleEvent(told);
-    EXPECT_FLOAT_EQ(curve().mKeys[0].time, 0.7f);
-    send("mousemove", place(0.7f, 0));
-    EXPECT_EQ(mParent.actions.size(), 1u);
-    send("mousemove", place(0.8f, 0));
-    EXPECT_EQ(mParent.actions.size(), 2u);
+TEST_F(SplineTest, AKeyOfAnExtremelyNarrowWidgetIsDrawnAndFound) {
+    keys({{0, 0}});
+    mSpline.setArea(Box2(100, 50, 100 + 1e-38f, 150));
+    send("mousemove", Vector2f(100, 100));
+    EXPECT_EQ(mSpline.mHoverKey, 0);
+}
+
+TEST_F(SplineTest, AKeyAtTheEdgeIsHitAtItsWholeWidth) {
+    keys({{0, 0}, {1, 0}, {2, 0}});
+    const auto accepts = [&](Vector2f position) {
+        Event event;
+        event.type = "mousemove";
+        event.mousePos = position;
+        return mSpline.acceptEvents(event);
+    };
+    EXPECT_TRUE(accepts(Vector2f(95.5f, 100)));
+    EXPECT_FALSE(accepts(Vector2f(95, 100)));
+    EXPECT_FALSE(accepts(Vector2f(97, 90)));
+    EXPECT_TRUE(accepts(Vector2f(304, 100)));
+    EXPECT_FALSE(accepts(place(2, 0))); // out of sight
+    Control& other = *new Spline;
+    mParent.addControl(&other, -1);
+    send("mousemove", Vector2f(97, 100));
+    send("mousedown", Vector2f(97, 100));
+    EXPECT_EQ(mSpline.mDragKey, 0);
+    EXPECT_EQ(mParent.getFocus(), &mSpline); // so that the keyboard acts on it
 }
 
 TEST_F(SplineTest, DeletingTheLastRemainingKeyLeavesAnEmptySplineThatIsZero) {
