@@ -286,8 +286,9 @@ TEST_F(InputsWindow, APictureThatIsMissingOrDamagedIsAFrame) {
     for (const char* name : {"missing.png", "cut.png", "empty.png", "noise.png", "text.txt", ""}) {
         test::CaptureStdout capture;
         image->setFilename(name);
-        if (std::string(name) != "cut.png") // which may be shown as far as it goes
+        if (std::string(name) != "cut.png") { // which may be shown as far as it goes
             EXPECT_FALSE(image->hasPicture()) << name;
+        }
         EXPECT_FALSE(blank(frame())) << name;
     }
     EXPECT_TRUE(image->setFilename("picture.png"));
