@@ -1,7 +1,8 @@
 // Says what the loader of layout and style files passes over without a word: types and attributes that it
 // does not know, words that it does not take, numbers and colours that are none, classes without a style, and
 // the names that the timeline editor looks for.
-//   check_layout [--editor] FILE...   one line a finding; gives 1 if there are any, 2 if a file can't be read
+//   zentrak-check-layout [--editor] FILE...   one line a finding; gives 1 if there are any, 2 if a file can't
+//   be read
 //
 // A file with a "workspace" is a layout: its style and its pictures are looked for in its own folder, and the
 // style is checked along with it. Any other file is a style. With --editor a layout must hold what the editor
@@ -453,7 +454,7 @@ int main(int argc, char** argv) {
     const bool editor = argc > 1 && !strcmp(argv[1], "--editor");
     const int first = editor ? 2 : 1;
     if (argc <= first || command::hasOption(argc, argv, first)) {
-        fprintf(stderr, "usage: check_layout [--editor] FILE...\n");
+        fprintf(stderr, "usage: zentrak-check-layout [--editor] FILE...\n");
         return 2;
     }
     int result = 0;

@@ -1,6 +1,7 @@
 // Says what the loader of particle files passes over without a word: what is missing, what it does not know,
 // and what is no number or colour.
-//   check_particles FILE...     one line a finding; gives 1 if there are any, 2 if a file can't be read
+//   zentrak-check-particles FILE...     one line a finding; gives 1 if there are any, 2 if a file can't be
+//   read
 
 #include "check/document.h"
 #include "command/command.h"
@@ -154,7 +155,7 @@ int checkFile(const char* path) {
 
 int main(int argc, char** argv) {
     if (argc < 2 || command::hasOption(argc, argv, 1)) {
-        fprintf(stderr, "usage: check_particles FILE...\n");
+        fprintf(stderr, "usage: zentrak-check-particles FILE...\n");
         return 2;
     }
     int result = 0;

@@ -1,8 +1,8 @@
 // Says what the show passes over without a word in its script: names that no effect answers to, spans that
 // are never active, triggers that never fire, what lies past the end, what makes the whole script fail to
 // load.
-//   check_script [--length SECONDS] FILE...   one line a finding; gives 1 if there are any, 2 if a file can't
-//   be
+//   zentrak-check-script [--length SECONDS] FILE...   one line a finding; gives 1 if there are any, 2 if a
+//   file can't be
 //                                             read
 //
 // With --length nothing is seen from that time on, as at the end of the music. Each file is checked on its
@@ -357,7 +357,7 @@ int checkFile(const char* path, double length) {
 }
 
 int usage() {
-    fprintf(stderr, "usage: check_script [--length SECONDS] FILE...\n");
+    fprintf(stderr, "usage: zentrak-check-script [--length SECONDS] FILE...\n");
     return 2;
 }
 

@@ -1,7 +1,7 @@
 // Renders the font of the screen: 16 by 16 cells, one for each byte of Latin-1, the shape in red (and green
 // and blue, so that it can be looked at), no transparency. Every glyph stands at the left of its cell on one
 // baseline.
-//   make_font FONT.ttf OUT.png [CELL]      CELL: the cell's side in pixels, 16 if it is not given
+//   zentrak-make-font FONT.ttf OUT.png [CELL]      CELL: the cell's side in pixels, 16 if it is not given
 
 #include "canvas.h"
 #include "command/command.h"
@@ -105,20 +105,21 @@ int main(int count, char** arguments) {
     int cell = 16;
     if (count < 3 || count > 4 || zentrak::command::hasOption(count, arguments, 1) ||
         (count == 4 && !zentrak::command::readNumber(arguments[3], 8, 256, cell))) {
-        std::fprintf(stderr,
-                     "usage: make_font FONT.ttf OUT.png [CELL]     the side of a cell, 8 to 256 pixels\n");
+        std::fprintf(
+            stderr,
+            "usage: zentrak-make-font FONT.ttf OUT.png [CELL]     the side of a cell, 8 to 256 pixels\n");
         return 2;
     }
     Outline outline;
     if (!outline.open(arguments[1])) {
-        std::fprintf(stderr, "make_font: %s is no font that can be read\n", arguments[1]);
+        std::fprintf(stderr, "zentrak-make-font: %s is no font that can be read\n", arguments[1]);
         return 1;
     }
 
     const FT_Face face = outline.face();
     const int size = chooseSize(face, cell);
     if (!size) {
-        std::fprintf(stderr, "make_font: %s does not fit into cells of %d\n", arguments[1], cell);
+        std::fprintf(stderr, "zentrak-make-font: %s does not fit into cells of %d\n", arguments[1], cell);
         return 1;
     }
     FT_Set_Pixel_Sizes(face, 0, FT_UInt(size));

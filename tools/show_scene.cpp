@@ -1,6 +1,6 @@
 // Prints what a scene file holds, as a tree, and what a loader would skip or miss.
-//   show_scene FILE...         ends with 1 where there is something to remark, with 2 where a file can't be
-//   read
+//   zentrak-show-scene FILE...         ends with 1 where there is something to remark, with 2 where a file
+//   can't be read
 
 #include "command/command.h"
 #include "scene/inspect.h"
@@ -10,7 +10,7 @@
 
 int main(int argc, char** argv) {
     if (argc < 2 || zentrak::command::hasOption(argc, argv, 1)) {
-        fprintf(stderr, "usage: show_scene FILE...\n");
+        fprintf(stderr, "usage: zentrak-show-scene FILE...\n");
         return 2;
     }
     int status = 0;

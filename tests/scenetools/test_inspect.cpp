@@ -243,7 +243,7 @@ TEST(ShowScene, SaysWhatIsWrong) {
     test::TempDir folder;
     const std::string show = "cd " + folder.path() + " && " SHOW_SCENE;
     test::writeFile(folder.file("empty"), "");
-    const std::pair<int, std::string> usage(2, "usage: show_scene FILE...\n");
+    const std::pair<int, std::string> usage(2, "usage: zentrak-show-scene FILE...\n");
     EXPECT_EQ(usage, test::runCommand(show));
     EXPECT_EQ(usage, test::runCommand(show + " --help"));
     EXPECT_EQ(std::pair(2, std::string("gone: can't be read: No such file or directory\n")),

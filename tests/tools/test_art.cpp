@@ -84,9 +84,9 @@ TEST(Art, TheMakerOfFontsSaysWhatIsWrong) {
          {"", " text", " --help x", " text x.png 7", " text x.png 16x", " text x.png 16 3"}) {
         const auto [status, text] = runCommand(make + arguments);
         EXPECT_EQ(status, 2) << arguments;
-        EXPECT_EQ(text.find("usage: make_font FONT.ttf OUT.png [CELL]"), 0u) << arguments << text;
+        EXPECT_EQ(text.find("usage: zentrak-make-font FONT.ttf OUT.png [CELL]"), 0u) << arguments << text;
     }
     EXPECT_EQ(runCommand(make + " text x.png"),
-              (std::pair<int, std::string>(1, "make_font: text is no font that can be read\n")));
+              (std::pair<int, std::string>(1, "zentrak-make-font: text is no font that can be read\n")));
     EXPECT_FALSE(std::filesystem::exists(folder.file("x.png")));
 }

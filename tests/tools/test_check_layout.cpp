@@ -170,7 +170,8 @@ TEST_F(CheckLayout, AFileOfAnotherKindOrNoneAtAll) {
     EXPECT_EQ(run("gone.xml"),
               std::pair(2, std::string("gone.xml: can't be read: No such file or directory\n")));
     for (const char* arguments : {"", "--editor", "--help", "x.xml --editor"})
-        EXPECT_EQ(run(arguments), std::pair(2, std::string("usage: check_layout [--editor] FILE...\n")));
+        EXPECT_EQ(run(arguments),
+                  std::pair(2, std::string("usage: zentrak-check-layout [--editor] FILE...\n")));
 
     test::writeFile(mFolder.file("x.xml"), "<panorama><workspace");
     const auto broken = run("x.xml");

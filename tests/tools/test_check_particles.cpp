@@ -110,7 +110,7 @@ TEST_F(CheckParticles, AFileThatCantBeReadIsAnErrorThatSaysWhy) {
     EXPECT_EQ(test::runCommand(in + " nowhere.xml"),
               std::pair(2, std::string("nowhere.xml: can't be read: No such file or directory\n")));
     EXPECT_EQ(test::runCommand(in + " ."), std::pair(2, std::string(".: can't be read: Is a directory\n")));
-    const std::pair<int, std::string> usage(2, "usage: check_particles FILE...\n");
+    const std::pair<int, std::string> usage(2, "usage: zentrak-check-particles FILE...\n");
     EXPECT_EQ(test::runCommand(in), usage);
     EXPECT_EQ(test::runCommand(in + " --help"), usage);
     EXPECT_EQ(test::runCommand(in + " p.xml -x"), usage);

@@ -232,7 +232,7 @@ TEST_F(CheckScript, AFileThatCantBeReadIsAnErrorThatGivesTheLine) {
 }
 
 TEST_F(CheckScript, SaysHowItIsUsed) {
-    const Result usage(2, "usage: check_script [--length SECONDS] FILE...\n");
+    const Result usage(2, "usage: zentrak-check-script [--length SECONDS] FILE...\n");
     EXPECT_EQ(run(""), usage);
     EXPECT_EQ(run("--length 4"), usage);
     EXPECT_EQ(run("--length long s.xml"), usage);
