@@ -11,7 +11,6 @@
 #include "check/document.h"
 #include "command/command.h"
 #include "effect_names.h"
-#include "script_loadxml.h"
 
 #include <algorithm>
 #include <cmath>
@@ -35,6 +34,7 @@ using Words = std::vector<const char*>;
 
 // Seconds: what times that were rounded to a few digits may be off by.
 constexpr double SLACK = 0.001;
+constexpr int MAX_DEPTH = 256; // of the checker, not of the show
 
 bool contains(const Words& words, const std::string& word) {
     return std::any_of(words.begin(), words.end(), [&](const char* w) { return word == w; });
@@ -170,9 +170,9 @@ private:
     // `inside` is when the parent runs, in its own time; null stands for the show as the parent. A parent
     // that never runs has said so.
     void effect(const xml::XmlNode& node, const Window& inside, const xml::XmlNode* parent, int depth) {
-        if (depth > script::LoadXML::MAX_DEPTH) {
-            say(node, "effects are nested more than " + std::to_string(script::LoadXML::MAX_DEPTH) +
-                          " deep: the whole script fails to load");
+        if (depth > MAX_DEPTH) {
+            say(node, "effects are nested more than " + std::to_string(MAX_DEPTH) +
+                          " deep: what is further in is not checked");
             return;
         }
         attributes(node, {"name", "state", "start", "end"});
