@@ -1,6 +1,9 @@
-# cmake --install: what does not come with a target. The programs and libraries are installed where they are made
-# (cmake/zentrak.cmake).
+# cmake --install: everything but the programs, which are installed where they are made (zentrak_program).
 include(CMakePackageConfigHelpers)
+
+foreach(library IN LISTS ZENTRAK_LIBRARIES ITEMS effects app)
+    install(TARGETS zentrak_${library} EXPORT zentrak)
+endforeach()
 
 # The player reads its current folder, so what is typed is a script that starts it in a folder of the user's own.
 zentrak_install_program(zentrak ${CMAKE_INSTALL_LIBEXECDIR}/zentrak)

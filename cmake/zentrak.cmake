@@ -36,7 +36,6 @@ function(zentrak_library name)
     target_compile_options(zentrak_${name} INTERFACE $<INSTALL_INTERFACE:-UNDEBUG>)
     target_link_libraries(zentrak_${name} PUBLIC ${ARG_LINK}
         PRIVATE $<BUILD_INTERFACE:zentrak_flags> ${ARG_PRIVATE_LINK})
-    install(TARGETS zentrak_${name} EXPORT zentrak)
 endfunction()
 
 # zentrak_program(NAME SOURCES file... [LINK target...] [INSTALL])
