@@ -1,33 +1,29 @@
-// The show: the driver, the effects and their names.
+// The show: the driver and the effects.
 
-#include "border.h"
-#include "clear.h"
-#include "cloud.h"
-#include "credits.h"
-#include "cubejox.h"
-#include "face.h"
-#include "grand.h"
-#include "greet.h"
-#include "grid.h"
+#include "effect_names.h"
 #include "kin_main.h"
-#include "kub.h"
-#include "overlay.h"
-#include "rund.h"
-#include "spark.h"
-#include "tunnel.h"
-#include "vul.h"
-#include "waxon.h"
-#include "xor.h"
 #include "ztk_memory.h"
 #include "ztk_system.h"
 
 #include <cstdio>
 #include <exception>
+#include <memory>
+#include <vector>
 
 using namespace zentrak;
 using namespace zentrak::kindler;
 
 namespace {
+
+// Destroys the effects in the reverse order of their making.
+struct Effects {
+    std::vector<std::unique_ptr<Effect>> list;
+
+    ~Effects() {
+        while (!list.empty())
+            list.pop_back();
+    }
+};
 
 // The effects come after the driver, so that they are destroyed while its window is still open.
 void show() {
@@ -35,59 +31,11 @@ void show() {
     kindler.setup();
 
     Common common;
-    Clear clear;
-    clear.color1 = mathbase::Vector4f(0.051f, 0.051f, 0.051f, 0);
-    clear.color2 = mathbase::Vector4f(0, 0, 0, 0);
-    clear.type = "gradient";
-    Border border(&common);
-    Kub kub(&common);
-    Xor xor_(&common);
-    Rund rund(&common);
-    Vul vul(&common);
-    Cubejox cubejox(&common);
-    WaxOn waxon(&common);
-    Overlay overlay(&common);
-    Spark spark(&common);
-    Greet greet(&common);
-    Grand grand(&common);
-    Credits creditsCode(&common, "code");
-    Credits creditsTracking(&common, "tracking");
-    Credits creditsGraphics(&common, "graphics");
-    Credits creditsBitching(&common, "bitching");
-    Credits creditsMoonpulse(&common, "moonpulse");
-    Credits creditsZaplin(&common, "zaplin");
-    Credits creditsOrvo(&common, "orvo");
-    Credits creditsQark(&common, "qark");
-    Grid grid(&common);
-    Face face(&common);
-    Tunnel tunnel(&common);
-    Cloud cloud(&common);
-
-    kindler.addCallback("clear", clear);
-    kindler.addCallback("credits_code", creditsCode);
-    kindler.addCallback("credits_tracking", creditsTracking);
-    kindler.addCallback("credits_graphics", creditsGraphics);
-    kindler.addCallback("credits_bitching", creditsBitching);
-    kindler.addCallback("credits_moonpulse", creditsMoonpulse);
-    kindler.addCallback("credits_zaplin", creditsZaplin);
-    kindler.addCallback("credits_orvo", creditsOrvo);
-    kindler.addCallback("credits_qark", creditsQark);
-    kindler.addCallback("cubejox", cubejox);
-    kindler.addCallback("border", border);
-    kindler.addCallback("greet", greet);
-    kindler.addCallback("grand", grand);
-    kindler.addCallback("grid", grid);
-    kindler.addCallback("face", face);
-    kindler.addCallback("kub", kub);
-    kindler.addCallback("rund", rund);
-    kindler.addCallback("tunnel", tunnel);
-    kindler.addCallback("cloud", cloud);
-    kindler.addCallback("xor", xor_);
-    kindler.addCallback("vul", vul);
-    kindler.addCallback("waxon", waxon);
-    kindler.addCallback("overlay", overlay);
-    kindler.addCallback("spark", spark);
-
+    Effects effects;
+    for (const CatalogueEntry& entry : effectCatalogue()) {
+        effects.list.push_back(entry.make(common));
+        kindler.addCallback(entry.name, *effects.list.back());
+    }
     kindler.run();
 }
 

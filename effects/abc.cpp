@@ -18,17 +18,16 @@ using mathbase::Vector3f;
 
 namespace {
 
-constexpr float PI = 3.14159265f;
 constexpr float SHELL = 1.081f; // the outline's size, of the mesh's
 
-// A little angle, another with each call.
+// A small angle, a different one at each call.
 float tremble() {
     return float(rand() % 1000) / 100000.0f;
 }
 
 } // namespace
 
-Abc::Abc(Common* common) : mCommon(common), mProgram(nullptr), mContext(-1) {}
+Abc::Abc(Common* common) : mCommon(common) {}
 
 Abc::~Abc() {
     ZTK_LOG("log", "app", "abc: Removing meshes");
@@ -37,11 +36,7 @@ Abc::~Abc() {
 
 void Abc::setup() {
     loadScene("abc/katedral.o3d");
-    if (mContext == mDisplay->mContextCount)
-        return; // linked once in a context
-    mProgram.setDisplay(mDisplay);
-    mProgram.link("abc/abc.vert", "abc/abc.frag");
-    mContext = mDisplay->mContextCount;
+    mProgram.linkFiles(*mDisplay, "abc/abc.vert", "abc/abc.frag");
 }
 
 void Abc::loadScene(const std::string& name) {
@@ -70,9 +65,8 @@ void Abc::setTone(float time) {
 }
 
 void Abc::update(float time, float, float) {
-    setPerspective(*mDisplay, PI / 4.0f, 0.2f, 1000.0f);
-    setCamera(*mDisplay, Vector3f(cosf(sinf(1.254f * time) - 1.0f), 16, -40), Vector3f(0, 10, 0), 0.0f);
-    mDisplay->setTransform(Matrix4x4Col());
+    setView(*mDisplay, {PI / 4.0f, 0.2f, 1000.0f}, Vector3f(cosf(sinf(1.254f * time) - 1.0f), 16, -40),
+            Vector3f(0, 10, 0));
     setTone(time);
     if (!scene || !mProgram.isLinked())
         return;
@@ -106,7 +100,7 @@ void Abc::renderNode(const o3d::SceneNode* node, const Matrix4x4Col& m, float ti
     walkScene(*node, m, time, flip, walk);
 }
 
-// The shell shows its back faces alone: what reaches past the mesh is the outline.
+// The shell shows only its back faces: what reaches past the mesh is the outline.
 void Abc::drawOutlined(const o3d::MeshInstance& instance, const Matrix4x4Col& world,
                        const Matrix4x4Col& shell, float time, bool flip) {
     const o3d::Mesh& mesh = meshOf(*scene, instance);

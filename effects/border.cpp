@@ -10,24 +10,21 @@ using mathbase::Vector3f;
 
 namespace {
 
-float alpha;
-float border;
+struct State {
+    float alpha = 0;
+    float border = 0;
+} state;
 
 } // namespace
 
-Border::Border(Common*) : mTexture(nullptr) {}
-
-void Border::setup() {
-    mTexture.setDisplay(mDisplay);
-    mTexture.load("border/border2.png", false);
-    mTexture.init();
+Border::Border(Common*) {
+    state = State();
+    bindSpline("alpha", state.alpha);
+    bindSpline("border", state.border);
 }
 
-void Border::updateSpline(float, const std::string& name, float value) {
-    if (name == "alpha")
-        alpha = value;
-    if (name == "border")
-        border = value;
+void Border::setup() {
+    mTexture.loadFile(*mDisplay, "border/border2.png", false);
 }
 
 void Border::update(float, float, float) {
@@ -40,9 +37,9 @@ void Border::update(float, float, float) {
     GL_CALL(glEnable(GL_TEXTURE_2D));
     mTexture.bind();
 
-    GL_CALL(glRotatef(50.0f * border, 0, 0, 1)); // degrees
-    const float edge = 1.0f + border;
-    mBatch.color(1, 1, 1, alpha);
+    GL_CALL(glRotatef(50.0f * state.border, 0, 0, 1)); // degrees
+    const float edge = 1.0f + state.border;
+    mBatch.color(1, 1, 1, state.alpha);
     mBatch.quad(Vector3f(-edge, -edge, 0), Vector3f(edge, -edge, 0), Vector3f(edge, edge, 0),
                 Vector3f(-edge, edge, 0), 0, 1, 1, 0);
     mBatch.flush();

@@ -9,36 +9,49 @@ namespace zentrak::kindler {
 
 using mathbase::Vector4f;
 
-void Clear::executeTrigger(float, const std::string& name, const std::string& value) {
+namespace {
+
+struct Color {
+    const char* name;
+    Vector4f rgba;
+};
+
+const Color colors[] = {
+    {"white", Vector4f(1, 1, 1, 1)},
+    {"black", Vector4f(0, 0, 0, 0)},
+    {"cubejox_black", display::DisplayGL::hex2vec("0c0c0c")},
+    {"cubejox_orange", display::DisplayGL::hex2vec("FFD974")},
+    {"dark_blue", Vector4f(0.0546875f, 0.19140625f, 0.30859375f, 0)},
+    {"dark_gray", Vector4f(0.1f, 0.1f, 0.1f, 0)},
+};
+
+} // namespace
+
+Clear::Clear() {
+    bindSpline("alpha", alpha);
+    bindTrigger("type", TriggerNames::WORDS, {"gradient", "flat"},
+                [this](float, const std::string& value) { type = value; });
+    std::vector<const char*> names;
+    for (const Color& color : colors)
+        names.push_back(color.name);
+    bindTrigger("color", TriggerNames::WORDS, names,
+                [this](float, const std::string& value) { setColor(value); });
+}
+
+void Clear::setColor(const std::string& name) {
+    for (const Color& color : colors)
+        if (name == color.name)
+            color1 = color.rgba;
+    if (name == "white")
+        color2 = Vector4f(0.8f, 0.8f, 0.8f, 1);
+}
+
+void Clear::executeTrigger(float time, const std::string& name, const std::string& value) {
     ztk_print("name: %s, value: %s\n", name.c_str(), value.c_str());
-    if (name == "type")
-        type = value;
-    if (name == "color") {
-        if (value == "white") {
-            color1 = Vector4f(1, 1, 1, 1);
-            color2 = Vector4f(0.8f, 0.8f, 0.8f, 1);
-        }
-        if (value == "black")
-            color1 = Vector4f(0, 0, 0, 0);
-        if (value == "cubejox_black")
-            color1 = mDisplay->hex2vec("0c0c0c");
-        if (value == "cubejox_orange")
-            color1 = mDisplay->hex2vec("FFD974");
-        if (value == "dark_blue")
-            color1 = Vector4f(0.0546875f, 0.19140625f, 0.30859375f, 0);
-        if (value == "dark_gray")
-            color1 = Vector4f(0.1f, 0.1f, 0.1f, 0);
-    }
+    ScriptedEffect::executeTrigger(time, name, value);
 }
 
-void Clear::updateSpline(float, const std::string& name, float value) {
-    if (name == "alpha")
-        alpha = value;
-}
-
-/*
- * The gradient blends over what is there, so that below an alpha of 1 the last frame shines through.
- */
+// The gradient is blended: below an alpha of 1 the last frame shines through.
 void Clear::update(float, float, float) {
     GL_CALL(glClearDepth(1.0));
     if (type == "gradient") {

@@ -3,7 +3,6 @@
 #include "dis_display.h"
 #include "dis_glcheck.h"
 #include "effect_view.h"
-#include "mb_matrix4x4col.h"
 
 #include <algorithm>
 #include <cmath>
@@ -11,24 +10,24 @@
 
 namespace zentrak::kindler {
 
-using mathbase::Matrix4x4Col;
 using mathbase::Vector3f;
 using mathbase::Vector4f;
 
 namespace {
 
-constexpr float PI = 3.14159265f;
 constexpr int NUM_SPRITES = 10000;
 constexpr float SIZE = 7.0f; // world units
 
-Vector3f path[NUM_SPRITES];
-float alpha;
+struct State {
+    Vector3f path[NUM_SPRITES];
+    float alpha = 0;
+} state;
 
 // The first sprite to draw, counted from the far end: in the later part "alpha" thins the cloud from there.
 int firstSprite(float progress) {
     if (!(progress >= 0.2f))
         return 0;
-    const float skipped = (1.0f - alpha) * float(NUM_SPRITES);
+    const float skipped = (1.0f - state.alpha) * float(NUM_SPRITES);
     return skipped > 0 ? int(std::min(skipped, float(NUM_SPRITES))) : 0;
 }
 
@@ -40,58 +39,51 @@ Vector3f getCloudPath(float t) {
                     float(cos(0.21 * d) + 2.0 * sin(0.3 * d)), float(3.0 * d));
 }
 
-Cloud::Cloud(Common*) : mTexture(nullptr), mProgram(nullptr) {}
+Cloud::Cloud(Common*) {
+    state = State();
+    bindSpline("alpha", state.alpha);
+}
 
 void Cloud::setup() {
-    mTexture.setDisplay(mDisplay);
-    mProgram.setDisplay(mDisplay);
-    mTexture.load("hurry/particle.png", true);
-    mTexture.init();
+    mTexture.loadFile(*mDisplay, "hurry/particle.png", true);
     mTexture.bind();
     mCut.readTexture();
     mTexture.unbind();
     for (int i = 0; i < NUM_SPRITES; ++i)
-        path[i] = getCloudPath(float(i) / 100.0f) + mRandom.unitSphere() * 10.0f;
-}
-
-void Cloud::updateSpline(float, const std::string& name, float value) {
-    if (name == "alpha")
-        alpha = value;
+        state.path[i] = getCloudPath(float(i) / 100.0f) + mRandom.unitSphere() * 10.0f;
 }
 
 void Cloud::update(float, float, float progress) {
     mDisplay->resetStates();
-    setPerspective(*mDisplay, PI / 4.0f, 0.015f, 1000.0f);
     const Vector3f eye = getCloudPath(100.0f * (1.0f - progress));
     const Vector3f target = eye + Vector3f(0, 0, 10);
     const float roll = 10.0f * progress;
-    setCamera(*mDisplay, eye, target, roll);
+    setView(*mDisplay, {PI / 4.0f, 0.015f, 1000.0f}, eye, target, roll);
     const Billboard board(eye, target, roll);
 
     GL_CALL(glDisable(GL_CULL_FACE));
     GL_CALL(glDisable(GL_DEPTH_TEST));
     GL_CALL(glEnable(GL_TEXTURE_2D));
     GL_CALL(glEnable(GL_BLEND));
-    mDisplay->setTransform(Matrix4x4Col());
     mTexture.bind();
     mCut.look(board.right, board.up);
-    const auto farthest = std::find_if(std::begin(path), std::end(path),
+    const auto farthest = std::find_if(std::begin(state.path), std::end(state.path),
                                        [&](const Vector3f& p) { return !mCut.isMagnified(p, SIZE); });
-    const int magnified = int(farthest - std::begin(path)); // so many at the near end
+    const int magnified = int(farthest - std::begin(state.path)); // so many at the near end
     for (int i = NUM_SPRITES - 1 - firstSprite(progress); i >= 0; --i) {
         if (i + 1 == magnified) {
             mBatch.flush();
             mCut.setMagnified(true);
         }
-        const float distance = (path[i] - eye).length();
+        const float distance = (state.path[i] - eye).length();
         float opacity = 0.15f * (1.0f - 0.003f * distance);
         if (progress < 0.5f)
-            opacity *= alpha;
+            opacity *= state.alpha;
         if (!(opacity > 0))
             continue;
         const Vector4f color(1, 0.9f, 0.8f, opacity);
         mBatch.color(color);
-        mCut.draw(mBatch, path[i], SIZE, color);
+        mCut.draw(mBatch, state.path[i], SIZE, color);
     }
     mBatch.flush();
     mCut.setMagnified(false);

@@ -4,9 +4,9 @@
 #include "dis_batch.h"
 #include "dis_shader.h"
 #include "dis_spritecut.h"
-#include "dis_texture.h"
 #include "effect_random.h"
-#include "kin_effect.h"
+#include "effect_resource.h"
+#include "effect_script.h"
 #include "mb_vector3.h"
 
 #include <string>
@@ -14,18 +14,17 @@
 namespace zentrak::kindler {
 
 // Splines: "alpha".
-class Cloud : public Effect {
+class Cloud : public ScriptedEffect {
 public:
     explicit Cloud(Common* common);
 
     void setup() override;
-    void updateSpline(float time, const std::string& name, float value) override;
     void update(float time, float delta, float progress) override;
 
 private:
-    display::Texture mTexture;
+    EffectTexture mTexture;
     EffectRandom mRandom;
-    display::ShaderProgram mProgram; // never linked
+    display::ShaderProgram mProgram{nullptr}; // never linked
     display::SpriteCut mCut;
     display::Batch mBatch;
 };

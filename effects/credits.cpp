@@ -17,16 +17,14 @@ using mathbase::Quatf;
 using mathbase::Vector3f;
 using mathbase::Vector4f;
 
-namespace {
-
-constexpr float PI = 3.14159265f;
-
-} // namespace
-
-Credits::Credits(Common*, const std::string& key_) : key(key_) {}
+Credits::Credits(Common*, const std::string& key_) : key(key_) {
+    bindSpline("zoom", zoom, [](float value) { return sinf(value * PI * 0.5f); });
+    bindAnyTrigger([this](float, const std::string&) { explode = true; });
+}
 
 void Credits::setup() {
-    const am::Image image = loadPixels(*mDisplay, "credits/credits_" + key + ".png");
+    const std::string file = "credits/credits_" + key + ".png";
+    const am::Image image = loadPixels(*mDisplay, file);
     const int width = image->getWidth(), height = image->getHeight();
     const float w = float(width), h = float(height);
     pixels.clear();
@@ -35,6 +33,7 @@ void Credits::setup() {
             const Vector4f colour = pixelAt(*image, column, row);
             if (!(colour.a > 0.1f))
                 continue;
+            checkBoxes(pixels.size(), file);
             poxdata p;
             p.target = Vector3f(float(column) - 0.5f * w, 0.5f * h - float(row), 0);
             p.side = Vector3f(0, -float(mRandom.draw() % 701) - 300.0f, 0);
@@ -47,20 +46,9 @@ void Credits::setup() {
     }
 }
 
-void Credits::executeTrigger(float, const std::string&, const std::string&) {
-    explode = true;
-}
-
-void Credits::updateSpline(float, const std::string& name, float value) {
-    if (name == "zoom")
-        zoom = sinf(value * PI * 0.5f);
-}
-
 void Credits::update(float, float delta, float) {
-    setPerspective(*mDisplay, PI / 4.0f, 0.15f, 1000.0f);
+    setView(*mDisplay, Lens(), Vector3f(0, 0, 200), Vector3f(0, 0, 0), 0.1f * boom * boom);
     GL_CALL(glEnable(GL_BLEND));
-    mDisplay->setTransform(Matrix4x4Col());
-    setCamera(*mDisplay, Vector3f(0, 0, 200), Vector3f(0, 0, 0), 0.1f * boom * boom);
 
     for (const poxdata& p : pixels) {
         const float f = std::min(zoom + p.delay, 1.0f);

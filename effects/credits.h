@@ -3,7 +3,7 @@
 
 #include "effect_batch.h"
 #include "effect_random.h"
-#include "kin_effect.h"
+#include "effect_script.h"
 #include "mb_vector3.h"
 #include "mb_vector4.h"
 
@@ -14,7 +14,7 @@ namespace zentrak::kindler {
 
 // Splines: "zoom" (0: far away but for the first to arrive; 1: all in place). Triggers: any name blows it
 // apart, for good. The picture is "credits/credits_" + key + ".png".
-class Credits : public Effect {
+class Credits : public ScriptedEffect {
 public:
     struct poxdata {
         mathbase::Vector3f target; // place in the finished picture
@@ -29,8 +29,6 @@ public:
     Credits(Common* common, const std::string& key);
 
     void setup() override;
-    void executeTrigger(float time, const std::string& name, const std::string& value) override;
-    void updateSpline(float time, const std::string& name, float value) override;
     void update(float time, float delta, float progress) override;
 
 private:

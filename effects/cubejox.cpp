@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 namespace zentrak::kindler {
 
@@ -19,18 +20,19 @@ using mathbase::Vector4f;
 
 namespace {
 
-constexpr float PI = 3.14159265f;
 constexpr int SIDES = 12;
 constexpr int KINDS = 12; // of rods, by colour
 
 enum Color { LOWER, UPPER };
 
-Cubejox::Rod cj[Cubejox::NUM_RODS];
-Matrix4x4Col upright[Cubejox::NUM_RODS]; // from the y axis onto each rod's, and to its place
-float drum[4];
-float zoom, alpha, bw;
+struct State {
+    Cubejox::Rod cj[Cubejox::NUM_RODS];
+    Matrix4x4Col upright[Cubejox::NUM_RODS]; // from the y axis onto each rod's, and to its position
+    float drum[4] = {};
+    float zoom = 0, alpha = 0, bw = 0;
+} state;
 
-// A rod of radius 1 along the y axis: twelve sides, and the top around its middle, two of its triangles a
+// A rod of radius 1 along the y axis: twelve sides, and the top around its centre, two of its triangles a
 // face.
 Batch::Solid rodOfRadiusOne() {
     Batch::Solid rod;
@@ -57,15 +59,23 @@ Quatf fromYTo(const Vector3f& axis) {
 
 } // namespace
 
-Cubejox::Cubejox(Common*) {}
+Cubejox::Cubejox(Common*) {
+    state = State();
+    bindSpline("alpha", state.alpha);
+    bindSpline("bw", state.bw);
+    bindSpline("zoom", state.zoom);
+    static const char* const drums[] = {"drum1", "drum2", "drum3", "drum4"};
+    for (size_t i = 0; i < std::size(drums); ++i)
+        bindTrigger(drums[i], [i](float, const std::string&) { state.drum[i] = 1.0f; });
+}
 
 const Cubejox::Rod* Cubejox::rods() {
-    return cj;
+    return state.cj;
 }
 
 void Cubejox::setup() {
     for (int i = 0; i < NUM_RODS; ++i) {
-        Rod& rod = cj[i];
+        Rod& rod = state.cj[i];
         const float distance = 200.0f + 50.0f * float(i % 4) + float(mRandom.draw() % 500) + 1.0f;
         rod.pos = mRandom.unitSphere() * distance;
         rod.axis = (-rod.pos).getNormalized();
@@ -73,39 +83,17 @@ void Cubejox::setup() {
         rod.spin = float(mRandom.draw() % 2);
         rod.sides = static_cast<unsigned char>(i % 5 + 4);
         rod.radius = 8.0f;
-        upright[i].buildPRS(rod.pos, fromYTo(rod.axis), Vector3f(1, 1, 1));
+        state.upright[i].buildPRS(rod.pos, fromYTo(rod.axis), Vector3f(1, 1, 1));
     }
 }
 
-void Cubejox::executeTrigger(float, const std::string& name, const std::string&) {
-    if (name == "drum1")
-        drum[0] = 1.0f;
-    if (name == "drum2")
-        drum[1] = 1.0f;
-    if (name == "drum3")
-        drum[2] = 1.0f;
-    if (name == "drum4")
-        drum[3] = 1.0f;
-}
-
-void Cubejox::updateSpline(float, const std::string& name, float value) {
-    if (name == "alpha")
-        alpha = value;
-    if (name == "bw")
-        bw = value;
-    if (name == "zoom")
-        zoom = value;
-}
-
 void Cubejox::update(float time, float delta, float) {
-    for (float& d : drum)
+    for (float& d : state.drum)
         d = std::max(0.0f, d - delta);
 
-    setPerspective(*mDisplay, PI / 2.0f, 0.01f, 2000.0f);
-    mDisplay->setTransform(Matrix4x4Col());
-    setCamera(*mDisplay,
-              Vector3f(120.0f * cosf(time), 120.0f * cosf(time), 120.0f * sinf(time) + 5000.0f * zoom),
-              Vector3f(0, 0, 0), 0);
+    setView(*mDisplay, {PI / 2.0f, 0.01f, 2000.0f},
+            Vector3f(120.0f * cosf(time), 120.0f * cosf(time), 120.0f * sinf(time) + 5000.0f * state.zoom),
+            Vector3f(0, 0, 0));
     GL_CALL(glEnable(GL_BLEND));
     GL_CALL(glEnable(GL_DEPTH_TEST));
     GL_CALL(glDisable(GL_CULL_FACE));
@@ -113,24 +101,24 @@ void Cubejox::update(float time, float delta, float) {
     // The colours of a rod's lower end and of its top, which are those of one of twelve.
     const Vector4f green = display::DisplayGL::hex2vec("669955");
     const Vector4f dark = display::DisplayGL::hex2vec("0c0c0c");
-    const Vector4f shade(alpha, alpha, alpha, 1.0f - 4.0f * zoom);
+    const Vector4f shade(state.alpha, state.alpha, state.alpha, 1.0f - 4.0f * state.zoom);
     Vector4f colors[KINDS][2];
     for (int i = 0; i < KINDS; ++i) {
         const Vector4f top = green * float(i % 3 + 1) * (1.0f - 0.5f * float(i % 4) / 3.0f);
         const float l = 0.3f * top.r + 0.59f * top.g + 0.11f * top.b;
-        const Vector4f grey = Vector4f(l, l, l, 1) * bw;
-        colors[i][LOWER] = (dark * (1.0f - bw) + grey) * shade;
-        colors[i][UPPER] = (top * (1.0f - bw) + grey) * shade;
+        const Vector4f grey = Vector4f(l, l, l, 1) * state.bw;
+        colors[i][LOWER] = (dark * (1.0f - state.bw) + grey) * shade;
+        colors[i][UPPER] = (top * (1.0f - state.bw) + grey) * shade;
     }
 
     static Batch::Solid shape = rodOfRadiusOne();
     for (int i = 0; i < NUM_RODS; ++i) {
-        Rod& rod = cj[i];
+        Rod& rod = state.cj[i];
         rod.angle += 5.1f * delta * rod.spin;
         // The rod turned about the y axis, and then upright.
         const float c = rod.radius * cosf(rod.angle), s = rod.radius * sinf(rod.angle);
-        const float* from = upright[i].mData;
-        Matrix4x4Col transform = upright[i];
+        const float* from = state.upright[i].mData;
+        Matrix4x4Col transform = state.upright[i];
         for (int r = 0; r < 3; ++r) {
             transform.mData[r] = c * from[r] - s * from[8 + r];
             transform.mData[4 + r] = rod.radius * from[4 + r];

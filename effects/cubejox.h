@@ -3,7 +3,7 @@
 
 #include "effect_batch.h"
 #include "effect_random.h"
-#include "kin_effect.h"
+#include "effect_script.h"
 #include "mb_vector3.h"
 
 #include <string>
@@ -12,7 +12,7 @@ namespace zentrak::kindler {
 
 // Splines: "alpha", "bw" (1: grey), "zoom" (faded from 0.25 on). Triggers: "drum1" to "drum4", which are kept
 // and not drawn.
-class Cubejox : public Effect {
+class Cubejox : public ScriptedEffect {
 public:
     static constexpr int NUM_RODS = 1000;
 
@@ -30,8 +30,6 @@ public:
     explicit Cubejox(Common* common);
 
     void setup() override;
-    void executeTrigger(float time, const std::string& name, const std::string& value) override;
-    void updateSpline(float time, const std::string& name, float value) override;
     void update(float time, float delta, float progress) override;
 
 private:

@@ -1,32 +1,23 @@
-// The names that the effects of the show answer to, for whoever checks a script.
+// The effects of the show: the one place where they are registered.
 #pragma once
 
-#include <string>
+#include "effect_script.h"
+
+#include <functional>
+#include <memory>
 #include <vector>
 
 namespace zentrak::kindler {
 
-// A trigger, and what an effect makes of its value.
-struct TriggerNames {
-    enum Use {
-        UNUSED, // nothing
-        WORDS,  // one of `words`; any other does nothing
-        TARGET, // the name of a render target, one of `words`; any other ends the show
-    };
-
-    const char* name;
-    Use use;
-    std::vector<const char*> words;
-};
-
-struct EffectNames {
+struct CatalogueEntry {
     const char* name; // registered
-    std::vector<const char*> splines;
-    std::vector<TriggerNames> triggers;
-    bool anyTrigger; // it answers to triggers of every name, and looks at no value
+    std::function<std::unique_ptr<ScriptedEffect>(Common& common)> make;
 };
 
-// Of every effect of the show, by ascending names.
+// Every effect of the show, in the order in which they are built.
+const std::vector<CatalogueEntry>& effectCatalogue();
+
+// What they answer to, by ascending names.
 const std::vector<EffectNames>& effectNames();
 
 } // namespace zentrak::kindler

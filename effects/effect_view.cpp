@@ -22,6 +22,13 @@ void setPerspective(display::DisplayGL& display, float fovy, float znear, float 
     display.setProject(project);
 }
 
+void setView(display::DisplayGL& display, const Lens& lens, const Vector3f& eye, const Vector3f& target,
+             float roll) {
+    setPerspective(display, lens.fovy, lens.znear, lens.zfar);
+    display.setTransform(Matrix4x4Col());
+    setCamera(display, eye, target, roll);
+}
+
 void setCamera(display::DisplayGL& display, const Vector3f& eye, const Vector3f& target, float roll) {
     display.mCameraMatrix.setCamera(eye, target, roll);
     display.setModelView();

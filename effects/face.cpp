@@ -17,11 +17,12 @@ using mathbase::Vector4f;
 
 namespace {
 
-constexpr float PI = 3.14159265f;
 constexpr const char* SCENE = "face/face.o3d";
 constexpr size_t STEP = 28; // only every so many vertices glow
 
-float alp;
+struct State {
+    float alp = 0;
+} state;
 
 // The two layers of light at each point: a small hot one, and a wide soft one.
 struct Glow {
@@ -51,11 +52,13 @@ struct Part {
 
 } // namespace
 
-Face::Face(Common*) : mTexture(nullptr), mProgram(nullptr) {}
+Face::Face(Common*) {
+    state = State();
+    bindSpline("alpha", state.alp);
+}
 
 void Face::setup() {
-    mTexture.setDisplay(mDisplay);
-    mProgram.setDisplay(mDisplay);
+    mScene.clear();
     readNamed(SCENE, [this] {
         const am::File file = mDisplay->mArchiveManager->readFile(SCENE);
         mScene.load(file->data, int(file->length));
@@ -63,17 +66,11 @@ void Face::setup() {
     printf("Meshes: %d\n", int(mScene.mMeshes.size()));
     for (const o3d::Mesh* mesh : mScene.mMeshes)
         mPoints.reserve(mesh->mVertices.size() / STEP + 1);
-    mTexture.load("hurry/particle.png", true);
-    mTexture.init();
+    mTexture.loadFile(*mDisplay, "hurry/particle.png", true);
     mTexture.bind();
     mCut.readTexture();
     mTexture.unbind();
-    mProgram.link("face/face.vert", "face/face.frag");
-}
-
-void Face::updateSpline(float, const std::string& name, float value) {
-    if (name == "alpha")
-        alp = value;
+    mProgram.linkFiles(*mDisplay, "face/face.vert", "face/face.frag");
 }
 
 // The points of a mesh that glow, and where the camera has them.
@@ -118,11 +115,9 @@ void Face::drawSprite(const Point& point, const Billboard& board, float size, co
 
 void Face::update(float time, float, float) {
     mDisplay->resetStates();
-    setPerspective(*mDisplay, PI / 4.0f, 0.015f, 1000.0f);
-    mDisplay->setTransform(Matrix4x4Col());
     const Vector3f eye(1.3f * sinf(2.0f * time), 0, 1.3f * cosf(2.0f * time));
     const Vector3f target(0, 0, 0);
-    setCamera(*mDisplay, eye, target, 0.0f);
+    setView(*mDisplay, {PI / 4.0f, 0.015f, 1000.0f}, eye, target);
     const Billboard board(eye, target, 0.0f);
     Matrix4x4Col cameraInverse;
     cameraInverse.setCameraInv(eye, target, 0.0f);
@@ -141,7 +136,7 @@ void Face::update(float time, float, float) {
                 return mCut.isMagnified(point.place, glow.size);
             }));
             for (const Point& point : mPoints) {
-                const Vector3f color = glow.color * (point.light * alp);
+                const Vector3f color = glow.color * (point.light * state.alp);
                 drawSprite(point, board, glow.size, Vector4f(color.x, color.y, color.z, glow.alpha));
             }
             mBatch.flush();

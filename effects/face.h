@@ -2,13 +2,12 @@
 #pragma once
 
 #include "am_image.h"
-#include "dis_shader.h"
 #include "dis_spritecut.h"
-#include "dis_texture.h"
 #include "effect_batch.h"
 #include "effect_random.h"
+#include "effect_resource.h"
+#include "effect_script.h"
 #include "effect_view.h"
-#include "kin_effect.h"
 #include "mb_matrix4x4col.h"
 #include "mb_vector3.h"
 #include "mb_vector4.h"
@@ -20,13 +19,12 @@
 namespace zentrak::kindler {
 
 // Spline: "alpha", the brightness. The blend function stays additive behind it.
-class Face : public Effect {
+class Face : public ScriptedEffect {
 public:
     explicit Face(Common* common);
 
     // Throws what a missing or foreign scene throws.
     void setup() override;
-    void updateSpline(float time, const std::string& name, float value) override;
     void update(float time, float delta,
                 float progress) override; // asserts "length!=0" for a point at the origin
 
@@ -45,8 +43,8 @@ private:
     void drawSprite(const Point& point, const Billboard& board, float size, const mathbase::Vector4f& color);
 
     am::Image mImage; // never set
-    display::Texture mTexture;
-    display::ShaderProgram mProgram; // linked, and not bound by update
+    EffectTexture mTexture;
+    EffectProgram mProgram; // linked, and not bound by update
     EffectRandom mRandom;
     o3d::Manager mScene;
     std::vector<Point> mPoints; // of the mesh that is drawn

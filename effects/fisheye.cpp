@@ -6,23 +6,15 @@
 
 namespace zentrak::kindler {
 
-Fisheye::Fisheye(Common* common) : mCommon(common), mProgram(nullptr) {}
+Fisheye::Fisheye(Common* common) : mCommon(common) {
+    bindSpline("amount", amount, [](float value) { return value * 1.2f; });
+    bindSpline("brus", brus);
+    bindTrigger("which", TriggerNames::TARGET, {"vaddr"},
+                [this](float, const std::string& value) { which = value; });
+}
 
 void Fisheye::setup() {
-    mProgram.setDisplay(mDisplay);
-    mProgram.link("fisheye/fisheye.vert", "fisheye/fisheye.frag");
-}
-
-void Fisheye::executeTrigger(float, const std::string& name, const std::string& value) {
-    if (name == "which")
-        which = value;
-}
-
-void Fisheye::updateSpline(float, const std::string& name, float value) {
-    if (name == "amount")
-        amount = value * 1.2f;
-    if (name == "brus")
-        brus = value;
+    mProgram.linkFiles(*mDisplay, "fisheye/fisheye.vert", "fisheye/fisheye.frag");
 }
 
 void Fisheye::update(float time, float, float) {

@@ -18,7 +18,6 @@ using mathbase::Vector4f;
 
 namespace {
 
-constexpr float PI = 3.14159265f;
 constexpr int NUM_LAYERS = 19;
 constexpr int NUM_COLUMNS = 128;
 
@@ -28,8 +27,10 @@ struct Voxel {
     float weight; // 0.2 to 1, of the opacity
 };
 
-float alpha;
-std::vector<Voxel> pix[NUM_COLUMNS];
+struct State {
+    float alpha = 0;
+    std::vector<Voxel> pix[NUM_COLUMNS];
+} state;
 
 // How far a column has fallen back, in degrees, 0 to -90.
 float tilt(int column, float progress) {
@@ -40,10 +41,14 @@ float tilt(int column, float progress) {
 
 } // namespace
 
-Grand::Grand(Common*) {}
+Grand::Grand(Common*) {
+    state = State();
+    bindSpline("alpha", state.alpha);
+}
 
 void Grand::setup() {
-    for (std::vector<Voxel>& column : pix)
+    size_t boxes = 0;
+    for (std::vector<Voxel>& column : state.pix)
         column.clear();
     for (int n = 1; n <= NUM_LAYERS; ++n) {
         char name[32];
@@ -56,37 +61,28 @@ void Grand::setup() {
                 const Vector4f colour = pixelAt(*image, x, y);
                 if (!(colour.a > 0.1f))
                     continue;
+                checkBoxes(boxes++, name);
                 Voxel voxel;
                 voxel.pos = Vector3f(0.015f * (float(x) - 0.5f * w), 0.015f * (0.5f * h - float(y)), z);
                 voxel.col = Vector3f(colour.r, colour.g, colour.b);
                 voxel.weight = 0.8f * mRandom.uniform() + 0.2f;
-                pix[x].push_back(voxel);
+                state.pix[x].push_back(voxel);
             }
         }
     }
 }
 
-void Grand::updateSpline(float, const std::string& name, float value) {
-    if (name == "alpha")
-        alpha = value;
-}
-
-/*
- * Everything stands in clip space: a column tips by a rotation of its own about the x axis, behind no camera.
- */
+// Everything is in clip space, without a camera: a column tips by a rotation of its own about the x axis.
 void Grand::update(float, float, float progress) {
     setClipSpace(*mDisplay);
     GL_CALL(glEnable(GL_BLEND));
     for (int c = 0; c < NUM_COLUMNS; ++c) {
         Matrix4x4Col fall;
         fall.setRotX(tilt(c, progress) * PI / 180.0f);
-        for (const Voxel& voxel : pix[c]) {
-            Matrix4x4Col place;
-            place.setTranslation(voxel.pos);
-            place.multiplyFromLeft(fall);
-            mBatch.setTransform(place);
-            mBatch.color(voxel.col, std::min(1.0f, voxel.weight * alpha));
-            mBatch.box(Vector3f(0, 0, 0), Vector3f(0.01f, 0.01f, 0.01f));
+        mBatch.setTransform(fall);
+        for (const Voxel& voxel : state.pix[c]) {
+            mBatch.color(voxel.col, std::min(1.0f, voxel.weight * state.alpha));
+            mBatch.box(voxel.pos, Vector3f(0.01f, 0.01f, 0.01f));
         }
     }
     mBatch.flush();

@@ -3,7 +3,7 @@
 
 #include "effect_batch.h"
 #include "effect_random.h"
-#include "kin_effect.h"
+#include "effect_script.h"
 
 #include <string>
 
@@ -11,12 +11,11 @@ namespace zentrak::kindler {
 
 // Splines: "alpha". The pictures are "grand/grand01.png" to "grand/grand19.png"; of one that is wider than
 // 128 the columns from 128 on are left out.
-class Grand : public Effect {
+class Grand : public ScriptedEffect {
 public:
     explicit Grand(Common* common);
 
     void setup() override;
-    void updateSpline(float time, const std::string& name, float value) override;
     void update(float time, float delta, float progress) override;
 
 private:

@@ -3,18 +3,17 @@
 
 #include "dis_batch.h"
 #include "effect_random.h"
-#include "kin_effect.h"
+#include "effect_script.h"
 
 #include <string>
 
 namespace zentrak::kindler {
 
 // Splines: "alpha".
-class Grid : public Effect {
+class Grid : public ScriptedEffect {
 public:
     explicit Grid(Common* common);
 
-    void updateSpline(float time, const std::string& name, float value) override;
     void update(float time, float delta, float progress) override;
 
 private:

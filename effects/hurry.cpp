@@ -3,7 +3,6 @@
 #include "dis_display.h"
 #include "dis_glcheck.h"
 #include "effect_view.h"
-#include "mb_matrix4x4col.h"
 #include "ztk_system.h"
 
 #include <algorithm>
@@ -13,13 +12,11 @@ namespace zentrak::kindler {
 
 using display::IBO;
 using display::VertexP3N3T2;
-using mathbase::Matrix4x4Col;
 using mathbase::Vector2f;
 using mathbase::Vector3f;
 
 namespace {
 
-constexpr float PI = 3.14159265f;
 constexpr int NUM_SPRITES = 2500;
 constexpr int NUM_VERTICES = 4 * NUM_SPRITES;
 constexpr float CORE = 0.4f; // half its size
@@ -28,14 +25,15 @@ constexpr float BOLT_LIFE = 2.0f; // seconds
 
 } // namespace
 
-Hurry::Hurry(Common*)
-    : mVbo(nullptr), mIbo(nullptr), mProgram(nullptr), mMaterial(nullptr), mTexture(nullptr) {}
+Hurry::Hurry(Common*) : mVbo(nullptr), mIbo(nullptr) {
+    bindTrigger("bolt", [this](float time, const std::string&) {
+        mBolts.push_back({time, 1.0f, mRandom.unitSphere() * 5.5f});
+    });
+}
 
 void Hurry::setup() {
     mVbo.setDisplay(mDisplay);
     mIbo.setDisplay(mDisplay);
-    mProgram.setDisplay(mDisplay);
-    mTexture.setDisplay(mDisplay);
 
     mVbo.setup(NUM_VERTICES, nullptr);
     mVbo.bind();
@@ -57,20 +55,14 @@ void Hurry::setup() {
     mIbo.setResourceMode(IBO::STREAM);
     mIbo.setup(IBO::FORMAT_UINT32, NUM_VERTICES, nullptr);
 
-    mTexture.load("hurry/particle.png", true);
-    mTexture.init();
-    mProgram.link("hurry/particle.vert", "hurry/particle.frag");
+    mTexture.loadFile(*mDisplay, "hurry/particle.png", true);
+    mProgram.linkFiles(*mDisplay, "hurry/particle.vert", "hurry/particle.frag");
     mMaterial.setProgram(&mProgram);
-    mMaterial.set("texture", &mTexture);
+    mMaterial.set("texture", static_cast<display::Texture*>(&mTexture));
 }
 
 Vector3f Hurry::evaluateNoise(const Vector3f& p) {
     return Vector3f(sinf(4.9834f * p.x), cosf(3.7f * p.x), sinf(5.434234f * p.z) - cosf(0.6f * p.y));
-}
-
-void Hurry::executeTrigger(float time, const std::string& name, const std::string&) {
-    if (name == "bolt")
-        mBolts.push_back({time, 1.0f, mRandom.unitSphere() * 5.5f});
 }
 
 std::vector<uint32_t> Hurry::getOrder() const {
@@ -85,9 +77,7 @@ void Hurry::update(float time, float, float) {
     const float a = 0.1f * time;
     const Vector3f eye(1.5f * sinf(a), 0.5f * sinf(0.05f * time), 1.5f * cosf(a));
     const Vector3f target(0, 0.4f, 0);
-    setCamera(*mDisplay, eye, target, 0.0f);
-    mDisplay->setTransform(Matrix4x4Col());
-    setPerspective(*mDisplay, PI / 2.0f, 0.1f, 1000.0f);
+    setView(*mDisplay, {PI / 2.0f, 0.1f, 1000.0f}, eye, target);
 
     GL_CALL(glEnable(GL_DEPTH_TEST));
     mDisplay->setColor(0.06f, 0, 0.04f, 1);
@@ -102,10 +92,8 @@ void Hurry::update(float time, float, float) {
     mDisplay->resetStates();
 }
 
-/*
- * The sprites, the farthest first. Their vertices never change: the program turns each four into a sprite
- * that faces the camera, and only the order is written anew.
- */
+// The sprites, the farthest first. Their vertices never change: the program turns each four into a sprite
+// that faces the camera, and only the order is written again.
 void Hurry::drawSprites(float time, const Vector3f& eye, const Vector3f& target) {
     const Vector3f axis = eye - target;
     for (HM& sprite : mSprites)
@@ -139,10 +127,8 @@ void Hurry::drawSprites(float time, const Vector3f& eye, const Vector3f& target)
     mTexture.unbind();
 }
 
-/*
- * From the core's surface to the target along a line that sways more than it leads. Fades after a second, and
- * goes after two.
- */
+// From the core's surface to the target along a swaying line. A bolt fades from its first second on and ends
+// after two.
 void Hurry::drawBolts(float time) {
     GL_CALL(glDisable(GL_TEXTURE_2D));
     GL_CALL(glLineWidth(8));

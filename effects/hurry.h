@@ -4,11 +4,10 @@
 #include "dis_batch.h"
 #include "dis_ibo.h"
 #include "dis_material.h"
-#include "dis_shader.h"
-#include "dis_texture.h"
 #include "dis_vbo.h"
 #include "effect_random.h"
-#include "kin_effect.h"
+#include "effect_resource.h"
+#include "effect_script.h"
 #include "mb_vector3.h"
 
 #include <cstdint>
@@ -18,7 +17,7 @@
 namespace zentrak::kindler {
 
 // Triggers: "bolt".
-class Hurry : public Effect {
+class Hurry : public ScriptedEffect {
 public:
     struct Bolt {
         float start;               // time of the trigger
@@ -29,10 +28,9 @@ public:
     explicit Hurry(Common* common);
 
     void setup() override;
-    void executeTrigger(float time, const std::string& name, const std::string& value) override;
     void update(float time, float delta, float progress) override;
 
-    // A point's sway, a smooth one without an end.
+    // The sway of a point: smooth, defined everywhere.
     static mathbase::Vector3f evaluateNoise(const mathbase::Vector3f& p);
 
     const std::vector<Bolt>& getBolts() const { return mBolts; } // those that burn
@@ -56,9 +54,9 @@ private:
     display::VBO_wrap<display::VertexP3N3T2> mVbo;
     display::IBO mIbo;
     std::vector<HM> mSprites;
-    display::ShaderProgram mProgram;
-    display::Material mMaterial;
-    display::Texture mTexture;
+    EffectProgram mProgram;
+    display::Material mMaterial{nullptr};
+    EffectTexture mTexture;
     EffectRandom mRandom;
     std::vector<Bolt> mBolts;
     display::Batch mBatch;

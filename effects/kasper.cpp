@@ -24,7 +24,7 @@ namespace {
 constexpr int MAP_SIZE = 1024; // pixels
 
 const Vector3f one(1, 1, 1);
-const Vector3f lightDirection = Vector3f(-12, -18, -8).getNormalized(); // the way that its rays go
+const Vector3f lightDirection = Vector3f(-12, -18, -8).getNormalized(); // of its rays
 
 bool isExcluded(const o3d::SceneNode& node) {
     return node.mName.compare(0, 3, "ex_") == 0;
@@ -39,18 +39,7 @@ const o3d::Camera* activeCamera(const o3d::Scene& scene) {
 
 } // namespace
 
-Kasper::Kasper()
-    : mDisplay(nullptr),
-      root(nullptr),
-      camera(nullptr),
-      boxing(false),
-      apple(nullptr),
-      light(nullptr),
-      mFbo(nullptr),
-      mTexture(nullptr),
-      mLightNear(0),
-      mLightFar(0),
-      mContext(-1) {}
+Kasper::Kasper() = default;
 
 Kasper::~Kasper() {
     unload();
@@ -80,7 +69,8 @@ void Kasper::loadScene(display::DisplayGL* display, const std::string& name) {
             throw Exception("No camera in scene '%s' in '%s'", scene.mName.c_str(), name.c_str());
         ZTK_LOG("log", "app", "Load meshes");
         kindler::loadMeshes(*mDisplay, *manager, mMeshes);
-        linkPrograms();
+        apple.linkFiles(*mDisplay, "kasper/apple.vert", "kasper/apple.frag");
+        light.linkFiles(*mDisplay, "kasper/light.vert", "kasper/light.frag");
         root = &scene;
     } catch (...) {
         unload();
@@ -98,17 +88,6 @@ void Kasper::loadScene(display::DisplayGL* display, const std::string& name) {
     mTexture.setRepeat(false);
     mTexture.unbind();
     ZTK_LOG("log", "app", "Loading done");
-}
-
-// Once in a context.
-void Kasper::linkPrograms() {
-    if (mContext == mDisplay->mContextCount)
-        return;
-    apple.setDisplay(mDisplay);
-    apple.link("kasper/apple.vert", "kasper/apple.frag");
-    light.setDisplay(mDisplay);
-    light.link("kasper/light.vert", "kasper/light.frag");
-    mContext = mDisplay->mContextCount;
 }
 
 void Kasper::render(float time) {
@@ -158,10 +137,8 @@ void Kasper::renderLight(float time, const Matrix4x4Col& model) {
     mTexture.unbind();
 }
 
-/*
- * A parallel light along lightDirection that takes in the whole box: its frame's z axis is the way that it
- * shines, and depth grows along it. A box of no extent, or none that is a number, counts as of size 1.
- */
+// A parallel light along lightDirection that covers the whole box: the z axis of its frame is its direction,
+// and depth grows along it. A box whose size is 0 or not a finite number counts as of size 1.
 void Kasper::setLight() {
     const Vector3f extent = boxMax - boxMin;
     float size = std::max(extent.x, std::max(extent.y, extent.z));

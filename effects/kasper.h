@@ -2,8 +2,8 @@
 #pragma once
 
 #include "dis_fbo.h"
-#include "dis_shader.h"
 #include "dis_texture.h"
+#include "effect_resource.h"
 #include "effect_scene.h"
 #include "mb_matrix4x4col.h"
 #include "mb_vector3.h"
@@ -14,7 +14,7 @@
 
 namespace zentrak {
 
-// No effect: an effect holds one. Without a scene every operation but loadScene does nothing.
+// Not an effect itself: effects hold one. Without a scene every operation but loadScene does nothing.
 class Kasper {
 public:
     Kasper();
@@ -28,21 +28,21 @@ public:
     // kindler::loadMeshes and ShaderProgram::link throw; there is no scene then.
     void loadScene(display::DisplayGL* display, const std::string& name);
 
-    // Draws the scene at `time`, in white, through its camera, whose angle is the vertical field of view.
-    // What is bound, program and target, stays.
+    // Draws the scene at `time`, in white, through its camera, whose angle is the vertical field of view,
+    // with the program and into the target that are bound.
     void render(float time);
 
     // Draws the depth of the scene as placed by `model`, seen from the light, into the shadow map. Objects
     // whose names begin with "ex_" throw no shadow.
     void renderLight(float time, const mathbase::Matrix4x4Col& model);
 
-    // Finds the box of the scene at `time`. The vertices count, of all but the objects named "ex_...";
-    // without any the box stays.
+    // Finds the box around the vertices of the scene at `time`, without those of objects named "ex_...". With
+    // no vertices the box stays.
     void updateBox(float time);
 
-    // The walk: draws `node` and all below it, or, if `boxing`, lets the box grow by them. `m` is the place
-    // of the parent, `flip` tells whether it is mirrored, `skipEx` leaves the objects named "ex_..." out.
-    // Asserts that a node's mesh is there. Null is nothing.
+    // Draws `node` and all below it, or, if `boxing`, extends the box by them. `m` is the parent's transform
+    // to the world, `flip` whether it mirrors; `skipEx` leaves out the objects named "ex_...". Asserts that a
+    // node's mesh exists. Null does nothing.
     void renderNode(const o3d::SceneNode* node, const mathbase::Matrix4x4Col& m, float time, bool flip,
                     bool boxing, bool skipEx);
     void drawMesh(const o3d::Mesh* mesh, const o3d::MeshInstance* instance, bool flip);
@@ -57,27 +57,25 @@ public:
 
 private:
     void unload();
-    void linkPrograms();
     void setLight(); // of the box
     void growBox(const o3d::Mesh& mesh, const mathbase::Matrix4x4Col& world);
 
-    display::DisplayGL* mDisplay; // not owned
+    display::DisplayGL* mDisplay = nullptr; // not owned
     kindler::SceneMeshes mMeshes;
     std::unique_ptr<o3d::Manager> manager;
-    const o3d::SceneNode* root; // the first scene of `manager`; null without one
-    const o3d::Camera* camera;  // its first
-    bool boxing;                // the next vertex starts a new box
-    display::ShaderProgram apple;
-    display::ShaderProgram light;
+    const o3d::SceneNode* root = nullptr; // the first scene of `manager`; null without one
+    const o3d::Camera* camera = nullptr;  // its first
+    bool boxing = false;                  // the next vertex starts a new box
+    kindler::EffectProgram apple;
+    kindler::EffectProgram light;
     mathbase::Vector3f boxMin;
     mathbase::Vector3f boxMax;
-    display::FBO mFbo;
-    display::Texture mTexture;
-    float mLightNear;
-    float mLightFar;
+    display::FBO mFbo{nullptr};
+    display::Texture mTexture{nullptr};
+    float mLightNear = 0;
+    float mLightFar = 0;
     mathbase::Matrix4x4Col mLightMatrix;
     mathbase::Matrix4x4Col mCameraMatrix;
-    int mContext; // the opening of the window that the programs belong to
 };
 
 } // namespace zentrak

@@ -19,20 +19,22 @@ using mathbase::Vector3f;
 
 namespace {
 
-constexpr float PI = 3.14159265f;
 constexpr int NUM_STEPS = 120;
+constexpr const char* PICTURE = "kub/kub.png";
 
-std::vector<Kub::Poxel> poxel;
-int frame;      // the simulation step now shown
-float fultimer; // progress within it, in steps
-float pd;       // phase of the camera's swing
-float alphaa = 1.0f;
-float modAngle;
-float rexpand; // time of "expand"
-bool rexpandOn;
-float turn; // time of "turn"
-bool turnOn;
-bool turnOn2;
+struct State {
+    std::vector<Kub::Poxel> poxel;
+    int frame = 0;      // the simulation step now shown
+    float fultimer = 0; // progress within it, in steps
+    float pd = 0;       // phase of the camera's swing
+    float alphaa = 1;
+    float modAngle = 0;
+    float rexpand = 0; // time of "expand"
+    bool rexpandOn = false;
+    float turn = 0; // time of "turn"; not read
+    bool turnOn = false;
+    bool turnOn2 = false;
+} state;
 
 float square(float f) {
     return f * f;
@@ -64,10 +66,10 @@ const Kub::Mod* moveOf(const Kub::Poxel& cube, int step) {
     return mod.step == step ? &mod : nullptr;
 }
 
-// Takes back what was done in the step `frame`.
+// Takes back what was done in the current step.
 void undoStep() {
-    for (Kub::Poxel& cube : poxel) {
-        if (const Kub::Mod* mod = moveOf(cube, frame)) {
+    for (Kub::Poxel& cube : state.poxel) {
+        if (const Kub::Mod* mod = moveOf(cube, state.frame)) {
             cube.x -= mod->dx;
             cube.y -= mod->dy;
             --cube.count;
@@ -76,15 +78,15 @@ void undoStep() {
             cube.draw.y = cube.y;
         }
     }
-    --frame;
+    --state.frame;
 }
 
 // The cubes that are in the middle of a step roll over an edge and lift.
 void rollCubes() {
-    const float t = fultimer;
+    const float t = state.fultimer;
     const float quarter = t * PI / 2.0f;
-    for (Kub::Poxel& cube : poxel) {
-        const Kub::Mod* mod = moveOf(cube, frame);
+    for (Kub::Poxel& cube : state.poxel) {
+        const Kub::Mod* mod = moveOf(cube, state.frame);
         if (mod == nullptr)
             continue;
         float x = cube.x, y = cube.y;
@@ -102,36 +104,39 @@ void rollCubes() {
 
 } // namespace
 
-// Starts over, as a new program does.
-Kub::Kub(Common*) : mShade(nullptr), mProgram(nullptr) {
-    poxel.clear();
-    frame = 0;
-    fultimer = pd = modAngle = rexpand = turn = 0;
-    alphaa = 1;
-    rexpandOn = turnOn = turnOn2 = false;
+Kub::Kub(Common*) {
+    state = State();
+    bindSpline("ilvo marsten", state.modAngle);
+    bindSpline("alpha", state.alphaa);
+    bindTrigger("turn2", [](float, const std::string&) { state.turnOn2 = true; });
+    bindTrigger("turn", [](float time, const std::string&) {
+        state.turnOn = true;
+        state.turn = time;
+    });
+    bindTrigger("expand", [](float time, const std::string&) {
+        state.rexpandOn = true;
+        state.rexpand = time;
+    });
 }
 
 const std::vector<Kub::Poxel>& Kub::poxels() {
-    return poxel;
+    return state.poxel;
 }
 
 int Kub::currentFrame() {
-    return frame;
+    return state.frame;
 }
 
 void Kub::setup() {
-    const am::Image image = loadPixels(*mDisplay, "kub/kub.png");
+    const am::Image image = loadPixels(*mDisplay, PICTURE);
     loadPicture(*image);
-    mShade.setDisplay(mDisplay);
-    mShade.load("kub/shade.png", true);
-    mShade.init();
-    mProgram.setDisplay(mDisplay);
-    mProgram.link("kub/kub.vert", "kub/kub.frag");
+    mShade.loadFile(*mDisplay, "kub/shade.png", true);
+    mProgram.linkFiles(*mDisplay, "kub/kub.vert", "kub/kub.frag");
     scatter(image->getWidth(), image->getHeight());
 }
 
 void Kub::loadPicture(const am::ImageObject& image) {
-    poxel.clear();
+    state.poxel.clear();
     for (int row = 0; row < image.getHeight(); ++row) {
         for (int column = 0; column < image.getWidth(); ++column) {
             // Blue, green and red, each out of 256.
@@ -140,30 +145,29 @@ void Kub::loadPicture(const am::ImageObject& image) {
             const Vector3f colour(float(p[2]) / 256.0f, float(p[1]) / 256.0f, float(p[0]) / 256.0f);
             if (colour.x < 0.05f && colour.y < 0.05f && colour.z < 0.05f)
                 continue;
+            checkBoxes(state.poxel.size(), PICTURE);
             Poxel cube;
             cube.x = float(column - 32);
             cube.y = float(row - 16);
             cube.col = colour;
             cube.draw = Vector3f(cube.x, cube.y, 0);
-            poxel.push_back(cube);
+            state.poxel.push_back(cube);
         }
     }
-    frame = 1;
+    state.frame = 1;
 }
 
-/*
- * Slides cubes one cell at a time, mostly outward and wider in x than in y; the draws of rand() are the same
- * in every run. An attempt to go to a taken cell, or to move twice in one step, is used up.
- */
+// Slides cubes one cell at a time, mostly outward and wider in x than in y; rand() is never seeded, so that
+// every run makes the same moves. An attempt to enter a taken cell, or to move twice in one step, is used up.
 void Kub::scatter(int width, int height) {
     Floor floor(width, height);
-    for (const Poxel& cube : poxel)
+    for (const Poxel& cube : state.poxel)
         floor.at(cube.x, cube.y) = 1;
 
-    for (int step = 0; step < NUM_STEPS && !poxel.empty(); ++step) {
+    for (int step = 0; step < NUM_STEPS && !state.poxel.empty(); ++step) {
         const int attempts = step == 0 ? 12 : 20 + 8 * (step - 1);
         for (int attempt = 0; attempt < attempts; ++attempt) {
-            Poxel& cube = poxel[size_t(rand()) % poxel.size()];
+            Poxel& cube = state.poxel[size_t(rand()) % state.poxel.size()];
             const float cells[4][2] = {
                 {cube.x + 1, cube.y}, {cube.x - 1, cube.y}, {cube.x, cube.y + 1}, {cube.x, cube.y - 1}};
             int chosen = 0;
@@ -197,60 +201,39 @@ void Kub::scatter(int width, int height) {
             ++cube.count;
         }
     }
-    frame = NUM_STEPS;
-}
-
-void Kub::executeTrigger(float time, const std::string& name, const std::string&) {
-    if (name == "turn2")
-        turnOn2 = true;
-    if (name == "turn") {
-        turnOn = true;
-        turn = time;
-    }
-    if (name == "expand") {
-        rexpandOn = true;
-        rexpand = time;
-    }
-}
-
-void Kub::updateSpline(float, const std::string& name, float value) {
-    if (name == "ilvo marsten")
-        modAngle = value;
-    if (name == "alpha")
-        alphaa = value;
+    state.frame = NUM_STEPS;
 }
 
 void Kub::update(float time, float delta, float progress) {
-    fultimer += 4.5f * delta;
+    state.fultimer += 4.5f * delta;
     if (time < 9.8f)
-        fultimer = 0;
-    while (fultimer > 1.0f) {
-        if (frame < 0) { // all is undone: only the part of a step counts
-            fultimer = std::isfinite(fultimer) ? fultimer - ceilf(fultimer) + 1.0f : 0.0f;
+        state.fultimer = 0;
+    while (state.fultimer > 1.0f) {
+        if (state.frame < 0) { // all is undone: only the part of a step counts
+            state.fultimer =
+                std::isfinite(state.fultimer) ? state.fultimer - ceilf(state.fultimer) + 1.0f : 0.0f;
             break;
         }
         undoStep();
-        fultimer -= 1.0f;
+        state.fultimer -= 1.0f;
     }
 
-    setPerspective(*mDisplay, PI / 4.0f, 0.15f, 1000.0f);
     const float z = std::max(50.0f - time, 0.001f);
-    const float q = rexpandOn ? 0.1f * (time - rexpand) : 0.0f;
-    pd += 0.005f * delta;
-    Vector3f eye(0, 1000.0f * square(sinf(pd * PI * 0.5f)), z), target(0, 0, 0);
-    if (turnOn) {
+    const float q = state.rexpandOn ? 0.1f * (time - state.rexpand) : 0.0f;
+    state.pd += 0.005f * delta;
+    Vector3f eye(0, 1000.0f * square(sinf(state.pd * PI * 0.5f)), z), target(0, 0, 0);
+    if (state.turnOn) {
         eye = Vector3f(0, 400, 0);
         target = Vector3f(400, 400, 0);
     }
-    if (turnOn2) {
+    if (state.turnOn2) {
         eye = Vector3f(50, 1300, 50);
         target = Vector3f(0, 1350, 0);
     }
-    const float a = square(sinf(modAngle));
+    const float a = square(sinf(state.modAngle));
     eye += Vector3f(0, 20, -1000) * a;
     target += Vector3f(0, -200, -1000) * a;
-    mDisplay->setTransform(Matrix4x4Col());
-    setCamera(*mDisplay, eye, target, 5.0f * a + q);
+    setView(*mDisplay, Lens(), eye, target, 5.0f * a + q);
 
     GL_CALL(glEnable(GL_CULL_FACE));
     GL_CALL(glEnable(GL_DEPTH_TEST));
@@ -259,7 +242,7 @@ void Kub::update(float time, float delta, float progress) {
     rollCubes();
 
     // The floor: its top is the plane that the cubes stand on.
-    mBatch.color(0.891f, 0.891f, 0.911f, alphaa);
+    mBatch.color(0.891f, 0.891f, 0.911f, state.alphaa);
     mBatch.box(Vector3f(0, -200.5f, 0), Vector3f(200, 200, 200));
     mBatch.flush();
 
@@ -267,7 +250,7 @@ void Kub::update(float time, float delta, float progress) {
     GL_CALL(glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA));
     mShade.bind();
     mProgram.bind();
-    mProgram.set("alpha", alphaa);
+    mProgram.set("alpha", state.alphaa);
     drawCubes(time, progress);
     mProgram.unbind();
     mShade.unbind();
@@ -276,8 +259,8 @@ void Kub::update(float time, float delta, float progress) {
 }
 
 void Kub::drawCubes(float time, float progress) {
-    const float since = time - rexpand;
-    for (const Poxel& cube : poxel) {
+    const float since = time - state.rexpand;
+    for (const Poxel& cube : state.poxel) {
         Matrix4x4Col transform;
         const Vector3f place(cube.draw.x, cube.draw.z, cube.draw.y);
         if (cube.rot == Vector3f(0, 0, 0)) // most of them lie still
@@ -287,19 +270,19 @@ void Kub::drawCubes(float time, float progress) {
         Vector3f c = cube.col;
         float h = 0.5f;
         float b = -0.00075f;
-        if (rexpandOn) {
+        if (state.rexpandOn) {
             h = 0.5f + 5.0f * since * cube.expand;
             const float w = std::min(0.2f * since, 1.0f);
             const float l = 0.3f * c.x + 0.59f * c.y + 0.11f * c.z;
             c = Vector3f(l, l, 1.3f * l) * w + c * (1.0f - w);
             b = -0.0015f * h;
         }
-        if (turnOn) {
+        if (state.turnOn) {
             const float m = c.getMean();
             c = Vector3f(2.0f * m, 1.5f * m, m);
         }
         float opacity = b + 3.0f * progress;
-        if (turnOn2) {
+        if (state.turnOn2) {
             const float m = c.getMean();
             c = Vector3f(m, 1.5f * m, m);
             const float again = c.getMean();

@@ -3,11 +3,10 @@
 #pragma once
 
 #include "am_image.h"
-#include "dis_shader.h"
-#include "dis_texture.h"
 #include "effect_batch.h"
 #include "effect_random.h"
-#include "kin_effect.h"
+#include "effect_resource.h"
+#include "effect_script.h"
 #include "mb_vector3.h"
 
 #include <string>
@@ -17,7 +16,7 @@ namespace zentrak::kindler {
 
 // Splines: "ilvo marsten" (swings the camera), "alpha". Triggers: "turn2", "turn", "expand", each for good.
 // The picture "kub/kub.png" is meant to be 64 by 32; its black pixels are left out.
-class Kub : public Effect {
+class Kub : public ScriptedEffect {
 public:
     // A step of a cube.
     struct Mod {
@@ -42,8 +41,6 @@ public:
     explicit Kub(Common* common);
 
     void setup() override;
-    void executeTrigger(float time, const std::string& name, const std::string& value) override;
-    void updateSpline(float time, const std::string& name, float value) override;
     void update(float time, float delta, float progress) override;
 
 private:
@@ -51,8 +48,8 @@ private:
     void scatter(int width, int height); // of the picture
     void drawCubes(float time, float progress);
 
-    display::Texture mShade;
-    display::ShaderProgram mProgram;
+    EffectTexture mShade;
+    EffectProgram mProgram;
     EffectRandom mRandom;
     display::Batch& mBatch = sharedBatch();
 };

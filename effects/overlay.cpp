@@ -13,45 +13,37 @@ using mathbase::Vector3f;
 
 namespace {
 
-std::string type = "shader";
-float alpha;
+struct State {
+    std::string type = "shader";
+    float alpha = 0;
+} state;
 
 } // namespace
 
-Overlay::Overlay(Common* common) : mCommon(common), mProgram(nullptr), icons(nullptr), finally(nullptr) {}
+Overlay::Overlay(Common* common) : mCommon(common) {
+    state = State();
+    bindSpline("alpha", state.alpha);
+    bindTrigger("type", TriggerNames::WORDS, {"shader", "solid", "flash", "logo", "finally"},
+                [](float, const std::string& value) { state.type = value; });
+}
 
 void Overlay::setup() {
-    mProgram.setDisplay(mDisplay);
-    icons.setDisplay(mDisplay);
-    finally.setDisplay(mDisplay);
-    mProgram.link("overlay/overlay.vert", "overlay/satin.frag");
-    icons.load("icons/icons.png", false);
-    icons.init();
-    finally.load("overlay/finally.png", false);
-    finally.init();
-}
-
-void Overlay::executeTrigger(float, const std::string& name, const std::string& value) {
-    if (name == "type")
-        type = value;
-}
-
-void Overlay::updateSpline(float, const std::string& name, float value) {
-    if (name == "alpha")
-        alpha = value;
+    mProgram.linkFiles(*mDisplay, "overlay/overlay.vert", "overlay/satin.frag");
+    icons.loadFile(*mDisplay, "icons/icons.png", false);
+    finally.loadFile(*mDisplay, "overlay/finally.png", false);
 }
 
 void Overlay::update(float time, float, float progress) {
     setClipSpace(*mDisplay);
-    if (type == "shader")
+    if (state.type == "shader")
         drawTarget(time);
-    if (type == "solid")
+    if (state.type == "solid")
         drawWhite(progress);
-    if (type == "flash")
+    if (state.type == "flash")
         drawWhite(1.0f - progress);
-    if (type == "logo") // pixel for pixel
+    if (state.type == "logo") // pixel for pixel
         drawPicture(icons, float(mDisplay->mWindowMode.width), float(mDisplay->mWindowMode.height));
-    if (type == "finally") // the same part of every window
+    if (state.type == "finally") // the same part of every window
         drawPicture(finally, 1024, 640);
 }
 
@@ -88,7 +80,7 @@ void Overlay::drawPicture(display::Texture& picture, float fullWidth, float full
     picture.bind();
     const float x = float(picture.getWidth()) / fullWidth;
     const float y = float(picture.getHeight()) / fullHeight;
-    mBatch.color(1, 1, 1, alpha);
+    mBatch.color(1, 1, 1, state.alpha);
     mBatch.rect(-x, -y, x, y, 0, 1, 1, 0);
     mBatch.flush();
     picture.unbind();

@@ -3,10 +3,10 @@
 #pragma once
 
 #include "dis_batch.h"
-#include "dis_shader.h"
 #include "dis_texture.h"
 #include "effect_random.h"
-#include "kin_effect.h"
+#include "effect_resource.h"
+#include "effect_script.h"
 
 #include <string>
 
@@ -14,13 +14,11 @@ namespace zentrak::kindler {
 
 // Splines: "alpha" (of the pictures). Triggers: "type" ("shader", "solid", "flash", "logo" or "finally";
 // anything else draws nothing).
-class Overlay : public Effect {
+class Overlay : public ScriptedEffect {
 public:
     explicit Overlay(Common* common);
 
     void setup() override;
-    void executeTrigger(float time, const std::string& name, const std::string& value) override;
-    void updateSpline(float time, const std::string& name, float value) override;
     void update(float time, float delta, float progress) override;
 
 private:
@@ -30,9 +28,9 @@ private:
 
     Common* mCommon;      // not owned
     EffectRandom mRandom; // drawn from by nothing
-    display::ShaderProgram mProgram;
-    display::Texture icons;
-    display::Texture finally;
+    EffectProgram mProgram;
+    EffectTexture icons;
+    EffectTexture finally;
     display::Batch mBatch;
 };
 

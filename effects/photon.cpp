@@ -3,7 +3,6 @@
 #include "dis_display.h"
 #include "dis_glcheck.h"
 #include "effect_view.h"
-#include "mb_matrix4x4col.h"
 
 #include <cmath>
 
@@ -11,12 +10,10 @@ namespace zentrak::kindler {
 
 using display::FBO;
 using display::Texture;
-using mathbase::Matrix4x4Col;
 using mathbase::Vector3f;
 
 namespace {
 
-constexpr float PI = 3.14159265f;
 constexpr int TARGET_SIZE = 256; // pixels
 constexpr int NUM_PHOTONS = 15000;
 
@@ -27,7 +24,7 @@ Vector3f Photon::PointLight::eval(const Vector3f& p) const {
     return col * (1.0f / d.dot(d));
 }
 
-Photon::Photon(Common*) : mFbo(nullptr), mTexture(nullptr) {}
+Photon::Photon(Common*) {}
 
 Photon::~Photon() {
     clearScene();
@@ -52,11 +49,13 @@ void Photon::addSphere(const Vector3f& centre, float radius, Material* material)
 void Photon::setup() {
     clearScene();
     setupScene();
-    mFbo.setDisplay(mDisplay);
-    mTexture.setDisplay(mDisplay);
-    mTexture.setup(-1, -1, Texture::CHAN_DEFAULT, Texture::FORMAT_DEFAULT, Texture::TARGET_DEFAULT);
-    mFbo.setup(TARGET_SIZE, TARGET_SIZE, true);
-    mFbo.attach(FBO::COLOR0, &mTexture);
+    if (mFbo.attachments.empty()) {
+        mFbo.setDisplay(mDisplay);
+        mTexture.setDisplay(mDisplay);
+        mTexture.setup(-1, -1, Texture::CHAN_DEFAULT, Texture::FORMAT_DEFAULT, Texture::TARGET_DEFAULT);
+        mFbo.setup(TARGET_SIZE, TARGET_SIZE, true);
+        mFbo.attach(FBO::COLOR0, &mTexture);
+    }
     mTexture.bind();
     mTexture.setRepeat(false);
     mTexture.unbind();
@@ -89,14 +88,12 @@ void Photon::update(float time, float delta, float) {
 
     const float r = 9.0f + 6.0f * sinf(0.01f * time);
     const Vector3f eye(r * sinf(0.3f * time), 4, r * cosf(0.3f * time));
-    setCamera(*mDisplay, eye, Vector3f(0, 1.5f, 0), 0.0f);
     for (Light* light : mLights)
         if (auto* point = dynamic_cast<PointLight*>(light)) {
             point->pos.x = 7.0f * sinf(0.15f * time);
             point->pos.z = 7.0f * cosf(0.15f * time);
         }
-    setPerspective(*mDisplay, PI / 2.0f, 0.1f, 1000.0f);
-    mDisplay->setTransform(Matrix4x4Col());
+    setView(*mDisplay, {PI / 2.0f, 0.1f, 1000.0f}, eye, Vector3f(0, 1.5f, 0));
     drawPhotons(NUM_PHOTONS, delta, eye);
 
     mFbo.unbind();
@@ -110,8 +107,8 @@ void Photon::update(float time, float delta, float) {
     mTexture.unbind();
 }
 
-// Nothing lies on the way to the eye. The way is taken as it is, not of unit length, from 0 to 1: the spheres
-// then cover more than they should, and are meant to.
+// Nothing is between the point and the eye. The direction is not of unit length, so that the spheres hide
+// more than they should: this is intended.
 bool Photon::isSeen(const Vector3f& point, const Vector3f& eye) const {
     const Vector3f way = eye - point;
     for (const trace::PrimScene::Instance& instance : mScene.instances)

@@ -1,12 +1,11 @@
-// Rays from a moving light, traced against a few spheres: each surface that one hits is a point of light, and
-// the points fade.
+// Rays from a moving light, traced against a few spheres: where one hits, a point of light appears and fades.
 #pragma once
 
 #include "dis_batch.h"
 #include "dis_fbo.h"
 #include "dis_texture.h"
 #include "effect_random.h"
-#include "kin_effect.h"
+#include "effect_script.h"
 #include "mb_vector3.h"
 #include "trc_primitive.h"
 
@@ -16,7 +15,7 @@
 namespace zentrak::kindler {
 
 // No splines, no triggers.
-class Photon : public Effect {
+class Photon : public ScriptedEffect {
 public:
     struct Material : trace::Material {
         mathbase::Vector3f color;
@@ -26,7 +25,7 @@ public:
 
     struct Light {
         virtual ~Light() {}
-        // What of its light gets to `p`.
+        // The light that reaches `p`.
         virtual mathbase::Vector3f eval(const mathbase::Vector3f& p) const = 0;
     };
 
@@ -36,7 +35,8 @@ public:
         mathbase::Vector3f col;
 
         PointLight(const mathbase::Vector3f& p, const mathbase::Vector3f& c) : pos(p), col(c) {}
-        mathbase::Vector3f eval(const mathbase::Vector3f& p) const override; // falls with the square
+        mathbase::Vector3f
+        eval(const mathbase::Vector3f& p) const override; // falls with the square of the distance
     };
 
     explicit Photon(Common* common);
@@ -49,8 +49,8 @@ protected:
     // Fills the scene, the lights and the materials, which are empty before.
     virtual void setupScene();
 
-    // Sends `count` photons from each light and draws those that `eye` sees, where they hit, as points in the
-    // matrices as they are.
+    // Sends `count` photons from each light and draws, as points under the current matrices, where they hit
+    // what `eye` sees.
     void drawPhotons(int count, float delta, const mathbase::Vector3f& eye);
 
     // Adds a sphere, which the effect then owns, to the scene.
@@ -60,8 +60,8 @@ protected:
     trace::PrimScene mScene;
     std::vector<Light*> mLights;       // owned
     std::vector<Material*> mMaterials; // owned
-    display::FBO mFbo;
-    display::Texture mTexture;
+    display::FBO mFbo{nullptr};
+    display::Texture mTexture{nullptr};
 
 private:
     void clearScene();

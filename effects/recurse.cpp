@@ -20,10 +20,9 @@ using mathbase::Vector4f;
 
 namespace {
 
-constexpr float PI = 3.14159265f;
 constexpr int TARGET_SIZE = 64; // pixels
 
-// A face of the cube: its outward normal, and the ways along which s and t rise.
+// A face of the cube: its outward normal, and the directions in which s and t rise.
 struct Face {
     Vector3f normal, right, up;
     Vector4f color;
@@ -40,16 +39,18 @@ const Face faces[6] = {
 
 } // namespace
 
-Recurse::Recurse(Common*)
-    : mFbos{FBO(nullptr), FBO(nullptr)}, mTextures{Texture(nullptr), Texture(nullptr)}, index(0) {}
+Recurse::Recurse(Common*) {}
 
 void Recurse::setup() {
     for (int i = 0; i < 2; ++i) {
-        mFbos[i].setDisplay(mDisplay);
-        mTextures[i].setDisplay(mDisplay);
-        mTextures[i].setup(-1, -1, Texture::CHAN_DEFAULT, Texture::FORMAT_DEFAULT, Texture::TARGET_DEFAULT);
-        mFbos[i].setup(TARGET_SIZE, TARGET_SIZE, false);
-        mFbos[i].attach(FBO::COLOR0, &mTextures[i]);
+        if (mFbos[i].attachments.empty()) {
+            mFbos[i].setDisplay(mDisplay);
+            mTextures[i].setDisplay(mDisplay);
+            mTextures[i].setup(-1, -1, Texture::CHAN_DEFAULT, Texture::FORMAT_DEFAULT,
+                               Texture::TARGET_DEFAULT);
+            mFbos[i].setup(TARGET_SIZE, TARGET_SIZE, false);
+            mFbos[i].attach(FBO::COLOR0, &mTextures[i]);
+        }
         mTextures[i].bind();
         mTextures[i].setRepeat(true);
         mTextures[i].unbind();
@@ -74,17 +75,14 @@ void Recurse::drawColorCube(display::Batch& batch, const Vector3f& centre, const
     batch.end();
 }
 
-/*
- * The eye never leaves the cube, so that its walls cover the target: nothing has to be cleared, and no depth
- * is needed.
- */
+// The eye never leaves the cube, whose walls thus cover the target: nothing is cleared, and no depth buffer
+// is needed.
 void Recurse::update(float time, float, float) {
     const Vector3f origin(0, 0, 0);
     mDisplay->resetStates();
     mFbos[index].bind();
-    setPerspective(*mDisplay, PI / 2.0f, 0.1f, 1000.0f);
-    mDisplay->setTransform(Matrix4x4Col());
-    setCamera(*mDisplay, Vector3f(sinf(time), cosf(0.5f * time), cosf(time)), origin, 0.0f);
+    setView(*mDisplay, {PI / 2.0f, 0.1f, 1000.0f}, Vector3f(sinf(time), cosf(0.5f * time), cosf(time)),
+            origin);
     GL_CALL(glEnable(GL_TEXTURE_2D));
     mTextures[1 - index].bind();
 

@@ -4,13 +4,13 @@
 #include "dis_batch.h"
 #include "dis_fbo.h"
 #include "dis_texture.h"
-#include "kin_effect.h"
+#include "effect_script.h"
 #include "mb_vector3.h"
 
 namespace zentrak::kindler {
 
 // No splines, no triggers.
-class Recurse : public Effect {
+class Recurse : public ScriptedEffect {
 public:
     explicit Recurse(Common* common);
 
@@ -25,9 +25,10 @@ public:
     int getIndex() const { return index; } // the target of the next frame
 
 private:
-    display::FBO mFbos[2];
-    display::Texture mTextures[2]; // attached to mFbos
-    int index;                     // the target of this frame, 0 or 1; the other holds the last one
+    display::FBO mFbos[2] = {display::FBO(nullptr), display::FBO(nullptr)};
+    display::Texture mTextures[2] = {display::Texture(nullptr),
+                                     display::Texture(nullptr)}; // attached to mFbos
+    int index = 0; // the target of this frame, 0 or 1; the other holds the last frame
     display::Batch mBatch;
 };
 

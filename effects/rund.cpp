@@ -16,7 +16,6 @@ using mathbase::Vector3f;
 
 namespace {
 
-constexpr float PI = 3.14159265f;
 constexpr int NUM_SPRITES = 20;
 constexpr int RING_STEPS = 80;
 
@@ -26,19 +25,23 @@ struct Sprite {
     float speed; // a second, -1 to 1
 };
 
-float alpha;
-float arne = 5.0f; // radius of the ring; there is none from 2 on
-Sprite rundData[NUM_SPRITES];
+struct State {
+    float alpha = 0;
+    float arne = 5; // radius of the ring, which shows below 2
+    Sprite rundData[NUM_SPRITES];
+} state;
 
 } // namespace
 
-Rund::Rund(Common*) : mTexture(nullptr) {}
+Rund::Rund(Common*) {
+    state = State();
+    bindSpline("alpha", state.alpha);
+    bindTrigger("shot", [](float, const std::string&) { state.arne = 0.5f; });
+}
 
 void Rund::setup() {
-    mTexture.setDisplay(mDisplay);
-    mTexture.load("rund/rund.png", true);
-    mTexture.init();
-    for (Sprite& sprite : rundData) {
+    mTexture.loadFile(*mDisplay, "rund/rund.png", true);
+    for (Sprite& sprite : state.rundData) {
         sprite.x = 2.4f * mRandom.uniform() - 1.2f;
         sprite.y = 2.4f * mRandom.uniform() - 1.2f;
         sprite.scale = mRandom.uniform() + 1.0f;
@@ -46,21 +49,11 @@ void Rund::setup() {
     }
 }
 
-void Rund::executeTrigger(float, const std::string& name, const std::string&) {
-    if (name == "shot")
-        arne = 0.5f;
-}
-
-void Rund::updateSpline(float, const std::string& name, float value) {
-    if (name == "alpha")
-        alpha = value;
-}
-
 void Rund::update(float time, float delta, float) {
-    arne += 0.5f * delta;
+    state.arne += 0.5f * delta;
     setClipSpace(*mDisplay);
     drawSprites(time, delta);
-    if (arne < 2.0f)
+    if (state.arne < 2.0f)
         drawRing(time);
     mDisplay->resetStates();
 }
@@ -77,7 +70,7 @@ void Rund::drawSprites(float time, float delta) {
     const float unitX = 2.0f * float(mTexture.getWidth()) / float(mDisplay->mWindowMode.width);
     const float unitY = 2.0f * float(mTexture.getHeight()) / float(mDisplay->mWindowMode.height);
     for (int i = 0; i < NUM_SPRITES; ++i) {
-        Sprite& sprite = rundData[i];
+        Sprite& sprite = state.rundData[i];
         sprite.x += delta * sprite.speed;
         if (sprite.x > 1.2f)
             sprite.x -= 3.4f;
@@ -87,7 +80,7 @@ void Rund::drawSprites(float time, float delta) {
         transform.buildPRS(Vector3f(sprite.x, sprite.y, 0),
                            Quatf(Eulerf(0, 0, float(i) + sprite.scale * time)), Vector3f(1, 1, 1));
         mBatch.setTransform(transform);
-        mBatch.color(1, 0, 0, 0.03f * sprite.scale * alpha + 0.03f);
+        mBatch.color(1, 0, 0, 0.03f * sprite.scale * state.alpha + 0.03f);
         mBatch.quad(Vector3f(0, h, 0), Vector3f(w, h, 0), Vector3f(w, 0, 0), Vector3f(0, 0, 0));
     }
     mBatch.flush();
@@ -96,16 +89,14 @@ void Rund::drawSprites(float time, float delta) {
     GL_CALL(glDisable(GL_TEXTURE_2D));
 }
 
-/*
- * Two bands of 80 steps, from a transparent inner rim to the bright line and on to a transparent outer rim.
- * The rims are a little ahead of the line, which gives the ring its twist.
- */
+// Two bands of 80 steps, from a transparent inner rim to the bright line and on to a transparent outer rim.
+// The rims are a little ahead of the line, which twists the ring.
 void Rund::drawRing(float time) {
     Matrix4x4Col transform;
     transform.buildPRS(Vector3f(0, 0, 0), Quatf(Eulerf(sinf(time) * PI, time, 0)), Vector3f(1, 1, 1));
     mBatch.setTransform(transform);
 
-    const float bright = -1.2f * arne + 1.3f;
+    const float bright = -1.2f * state.arne + 1.3f;
     const auto ringVertex = [this](float angle, float radius, float opacity) {
         mBatch.color(0.43f, 0, 0.34f, opacity);
         mBatch.vertex(0.625f * sinf(angle) * radius, cosf(angle) * radius, 0);
@@ -116,10 +107,10 @@ void Rund::drawRing(float time) {
             const float a = 2.0f * PI * float(k) / 80.0f;
             const float a2 = a + 0.03925f;
             if (inner)
-                ringVertex(a2, arne - 0.08f, 0);
-            ringVertex(a, arne, bright);
+                ringVertex(a2, state.arne - 0.08f, 0);
+            ringVertex(a, state.arne, bright);
             if (!inner)
-                ringVertex(a2, arne + 0.02f, 0);
+                ringVertex(a2, state.arne + 0.02f, 0);
         }
         mBatch.end();
     }

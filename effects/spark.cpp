@@ -13,17 +13,19 @@ using mathbase::Vector3f;
 
 namespace {
 
-constexpr float PI = 3.14159265f;
-
-sparks::EmitterInstance sun;
+struct State {
+    sparks::EmitterInstance sun;
+} state;
 
 } // namespace
 
-Spark::Spark(Common*) {}
+Spark::Spark(Common*) {
+    state = State();
+}
 
 Spark::~Spark() {
-    if (sun.engine == mEngine.get())
-        sun.engine = nullptr;
+    if (state.sun.engine == mEngine.get())
+        state.sun.engine = nullptr;
 }
 
 void Spark::setup() {
@@ -32,24 +34,19 @@ void Spark::setup() {
     const sparks::EmitterInstance* loaded = mEngine->getInstance("sun");
     if (!loaded)
         return;
-    sun = *loaded;
-    sun.engine = mEngine.get();
-    mEngine->active.push_back(&sun);
+    state.sun = *loaded;
+    state.sun.engine = mEngine.get();
+    mEngine->active.push_back(&state.sun);
 }
 
-/*
- * The camera looks along -z from wherever it is, and so at the centre. A point just ahead stands in for that,
- * since in the centre itself there would be nothing to look at.
- */
+// The camera looks along -z, and so at the origin: through a point just ahead, because at the start it is in
+// the origin itself.
 void Spark::update(float, float, float progress) {
-    setPerspective(*mDisplay, PI / 4.0f, 0.15f, 1000.0f);
     const Vector3f eye(0, 0, 1500.0f * progress * progress);
     const Vector3f target = eye - Vector3f(0, 0, 1);
-    Matrix4x4Col camera, cameraInverse;
-    camera.setCamera(eye, target, 0.0f);
+    Matrix4x4Col cameraInverse;
     cameraInverse.setCameraInv(eye, target, 0.0f);
-    mDisplay->setCamera(camera);
-    mDisplay->setTransform(Matrix4x4Col());
+    setView(*mDisplay, Lens(), eye, target);
     mEngine->update(float(mDisplay->getTime()));
     mEngine->draw(&cameraInverse);
 }

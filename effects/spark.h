@@ -1,7 +1,7 @@
 // A sun of particles, left backwards from its centre.
 #pragma once
 
-#include "kin_effect.h"
+#include "effect_script.h"
 
 #include <memory>
 
@@ -13,7 +13,7 @@ namespace zentrak::kindler {
 
 // No splines, no triggers. The particles run on the clock of the display, not on the time of the script. A
 // particle file without a "sun" is a line in the log, and nothing is drawn.
-class Spark : public Effect {
+class Spark : public ScriptedEffect {
 public:
     explicit Spark(Common* common);
     ~Spark() override;

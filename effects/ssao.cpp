@@ -18,7 +18,7 @@ constexpr float ZNEAR = 0.1f;    // the distances that the targets hold
 constexpr float ZFAR = 50.0f;
 constexpr float GLOW_THRESHOLD = 0.9f;
 
-// A constant of the material's program instead of a value of the material.
+// Sets a uniform of the material's program once, instead of at each bind of the material.
 void setConstant(Material& material, const char* name, float value) {
     material.removeAttrib(name);
     material.getProgram()->set(name, value);
@@ -32,22 +32,7 @@ void drawQuad(Batch& batch, float x0, float y0, float x1, float y1) {
 
 } // namespace
 
-SSAO::SSAO(Common*)
-    : base(nullptr),
-      combine(nullptr),
-      blurX(nullptr),
-      blurY(nullptr),
-      baseMaterial(nullptr),
-      combineMaterial(nullptr),
-      fboBlurX(nullptr),
-      fboBlurY(nullptr),
-      fboMain(nullptr),
-      texBlurX(nullptr),
-      texBlurY(nullptr),
-      tex0(nullptr),
-      tex1(nullptr),
-      mContext(-1),
-      mReady(false) {}
+SSAO::SSAO(Common*) {}
 
 void SSAO::setup() {
     mReady = false;
@@ -57,27 +42,21 @@ void SSAO::setup() {
     mReady = true;
 }
 
-// Once in a context.
 void SSAO::linkPrograms() {
-    if (mContext == mDisplay->mContextCount)
-        return;
-    for (ShaderProgram* program : {&base, &combine, &blurX, &blurY})
-        program->setDisplay(mDisplay);
-    base.link("ssao/basepass.vert", "ssao/basepass.frag");
+    base.linkFiles(*mDisplay, "ssao/basepass.vert", "ssao/basepass.frag");
     baseMaterial.setProgram(&base);
     setConstant(baseMaterial, "znear", ZNEAR);
     setConstant(baseMaterial, "zfar", ZFAR);
     setConstant(baseMaterial, "glowThresh", GLOW_THRESHOLD);
-    combine.link("ssao/combine.vert", "ssao/combine.frag");
+    combine.linkFiles(*mDisplay, "ssao/combine.vert", "ssao/combine.frag");
     combineMaterial.setProgram(&combine);
     setConstant(combineMaterial, "znear", ZNEAR);
     setConstant(combineMaterial, "zfar", ZFAR);
-    blurX.link("ssao/blur.vert", "ssao/blurX.frag");
-    blurY.link("ssao/blur.vert", "ssao/blurY.frag");
-    mContext = mDisplay->mContextCount;
+    blurX.linkFiles(*mDisplay, "ssao/blur.vert", "ssao/blurX.frag");
+    blurY.linkFiles(*mDisplay, "ssao/blur.vert", "ssao/blurY.frag");
 }
 
-// The targets are made here: one that made itself while a texture is bound for reading would unbind it.
+// A target makes itself at its first bind, which would unbind a texture that is to be read: so bind all now.
 void SSAO::setupTargets() {
     if (fboMain.attachments.empty())
         attachTextures();
@@ -109,7 +88,7 @@ void SSAO::update(float time, float, float) {
     GL_CALL(glEnable(GL_DEPTH_TEST));
     drawScene(time);
     GL_CALL(glDisable(GL_DEPTH_TEST));
-    GL_CALL(glDisable(GL_CULL_FACE)); // the last mesh's front faces may have been those of a mirrored one
+    GL_CALL(glDisable(GL_CULL_FACE)); // the last mesh may have been a mirrored one
     blur(blurX, tex1, fboBlurX);
     blur(blurY, texBlurX, fboBlurY);
     combineTargets();
@@ -125,7 +104,7 @@ void SSAO::drawScene(float time) {
     baseMaterial.bind();
     mKasper.render(time);
     baseMaterial.unbind();
-    // Before the unbind: the target keeps this state, and is to have one draw buffer again.
+    // Before the unbind, since the draw buffers belong to the target.
     GL_CALL(glDrawBuffer(GL_COLOR_ATTACHMENT0_EXT));
     fboMain.unbind();
 }
@@ -141,7 +120,7 @@ void SSAO::blur(ShaderProgram& program, Texture& source, FBO& target) {
     target.unbind();
 }
 
-// The projection is still that of the scene: the program works out places from distances by it.
+// The projection is still that of the scene, by which the program turns distances into positions.
 void SSAO::combineTargets() {
     combineMaterial.set("texture0", &tex0);
     combineMaterial.set("texture1", &tex1);

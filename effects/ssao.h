@@ -1,4 +1,4 @@
-// A scene with ambient occlusion and glow, both made on the screen from one pass over the scene.
+// A scene with ambient occlusion and glow, both made in screen space from one pass over the scene.
 #pragma once
 
 #include "dis_batch.h"
@@ -6,14 +6,15 @@
 #include "dis_material.h"
 #include "dis_shader.h"
 #include "dis_texture.h"
+#include "effect_resource.h"
+#include "effect_script.h"
 #include "kasper.h"
-#include "kin_effect.h"
 
 namespace zentrak::kindler {
 
-// The scene goes into two targets at once: its colours with the distance in the fourth channel, and what
-// glows, with the distance again. The second is blurred in two passes; the last pass puts all three together.
-class SSAO : public Effect {
+// The scene goes into two targets at once, each with the distance in its fourth channel: its colours, and
+// what glows. The second is blurred in two passes; the last pass combines all three.
+class SSAO : public ScriptedEffect {
 public:
     explicit SSAO(Common* common);
 
@@ -29,22 +30,21 @@ private:
     void combineTargets();
 
     Kasper mKasper;
-    display::ShaderProgram base;
-    display::ShaderProgram combine;
-    display::ShaderProgram blurX;
-    display::ShaderProgram blurY;
-    display::Material baseMaterial;
-    display::Material combineMaterial;
-    display::FBO fboBlurX;
-    display::FBO fboBlurY;
-    display::FBO fboMain;
-    display::Texture texBlurX;
-    display::Texture texBlurY;
-    display::Texture tex0; // of fboMain: colours and distance
-    display::Texture tex1; // of fboMain: what glows, and distance
+    EffectProgram base;
+    EffectProgram combine;
+    EffectProgram blurX;
+    EffectProgram blurY;
+    display::Material baseMaterial{nullptr};
+    display::Material combineMaterial{nullptr};
+    display::FBO fboBlurX{nullptr};
+    display::FBO fboBlurY{nullptr};
+    display::FBO fboMain{nullptr};
+    display::Texture texBlurX{nullptr};
+    display::Texture texBlurY{nullptr};
+    display::Texture tex0{nullptr}; // of fboMain: colours and distance
+    display::Texture tex1{nullptr}; // of fboMain: what glows, and distance
     display::Batch mBatch;
-    int mContext; // the opening of the window that the programs belong to
-    bool mReady;  // setup has come to its end
+    bool mReady = false; // setup() succeeded
 };
 
 } // namespace zentrak::kindler

@@ -16,40 +16,36 @@ using mathbase::Vector3f;
 
 namespace {
 
-constexpr float PI = 3.14159265f;
-
 const char* const SCENE = "sten/sten.o3d";
 
 } // namespace
 
-Sten::Sten(Common*) : mTexture(nullptr), mHeight(nullptr), mProgram(nullptr) {}
+Sten::Sten(Common*) {}
 
 Sten::~Sten() {
     removeMeshes(mMeshes);
 }
 
 void Sten::setup() {
-    mTexture.setDisplay(mDisplay);
-    mHeight.setDisplay(mDisplay);
-    mProgram.setDisplay(mDisplay);
-
+    removeMeshes(mMeshes);
+    mManager.clear();
     loadSceneFile(*mDisplay, mManager, SCENE);
     if (mManager.mScenes.empty())
         throw Exception("No scene in '%s'", SCENE);
     loadMeshes(*mDisplay, mManager, mMeshes);
 
-    mTexture.load("sten/sten.png", true);
-    mTexture.init();
-    am::Image height = mDisplay->mArchiveManager->loadImage("sten/height.png", -1, true);
-    filter(height);
-    mHeight.load(height, true);
-    mHeight.init();
-    mProgram.link("sten/sten.vert", "sten/sten.frag");
+    mTexture.loadFile(*mDisplay, "sten/sten.png", true);
+    if (!mHeight.isLoaded()) {
+        am::Image height = mDisplay->mArchiveManager->loadImage("sten/height.png", -1, true);
+        filter(height);
+        mHeight.setDisplay(mDisplay);
+        mHeight.load(height, true);
+        mHeight.init();
+    }
+    mProgram.linkFiles(*mDisplay, "sten/sten.vert", "sten/sten.frag");
 }
 
-/*
- * The offsets are those of the flat pixel number. They never leave the picture, whatever its size.
- */
+// Offsets count in pixels of the flat array. They never leave the picture, whatever its size.
 void Sten::filter(am::Image& image) {
     const int w = image->getWidth(), h = image->getHeight();
     unsigned char* pixels = image->getWriteData();

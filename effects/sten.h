@@ -3,16 +3,16 @@
 
 #include "am_image.h"
 #include "dis_batch.h"
-#include "dis_shader.h"
 #include "dis_texture.h"
+#include "effect_resource.h"
 #include "effect_scene.h"
-#include "kin_effect.h"
+#include "effect_script.h"
 #include "o3d_manager.h"
 
 namespace zentrak::kindler {
 
 // No splines, no triggers.
-class Sten : public Effect {
+class Sten : public ScriptedEffect {
 public:
     explicit Sten(Common* common);
     ~Sten() override;
@@ -23,15 +23,15 @@ public:
     void update(float time, float delta, float progress) override;
 
     // Turns a picture of heights (its red bytes) into one of normals in place: red, green and blue are 127 n
-    // + 127 of the unit normal, alpha keeps the height. At a border the neighbour is on the other side, in
-    // its own way: inside the picture the neighbour of both directions is the pixel to the left. Throws what
-    // ImageObject::getWriteData does; nothing for an image without pixels.
+    // + 127 of the unit normal, alpha the height. Both neighbours of a pixel are the one to its left, except
+    // at the borders, where they are on the opposite side. Throws what ImageObject::getWriteData does; an
+    // image without pixels stays as it is.
     static void filter(am::Image& image);
 
 private:
-    display::Texture mTexture;
-    display::Texture mHeight;
-    display::ShaderProgram mProgram;
+    EffectTexture mTexture;
+    display::Texture mHeight{nullptr};
+    EffectProgram mProgram;
     o3d::Manager mManager;
     SceneMeshes mMeshes;
     display::Batch mBatch;

@@ -17,20 +17,21 @@ using mathbase::Vector4f;
 
 namespace {
 
-constexpr float PI = 3.14159265f;
 constexpr int NUM_PATH = 1000;
 constexpr int NUM_RINGS = 153;
-constexpr int NUM_BLOCKS = 64;      // of a ring,
-constexpr int BLOCK_POSITIONS = 68; // which leaves an arc open
+constexpr int NUM_BLOCKS = 64;
+constexpr int BLOCK_POSITIONS = 68; // of a ring: four more than blocks, which leaves an arc open
 constexpr float DEPTH = 0.2f;       // of a block, to either side
 
 const char* const palette[8] = {"e39e89", "8688b0", "a4c28c", "d0bf7c",
                                 "9bc3b2", "c9a1af", "d6dc96", "c0ebc0"};
 
-Vector3f path[NUM_PATH]; // made once and not read
-std::vector<Tunnel::Ring> mongo;
+struct State {
+    Vector3f path[NUM_PATH]; // not read
+    std::vector<Tunnel::Ring> mongo;
+} state;
 
-// Where the blocks of every ring stand: the direction that each moves out in.
+// The direction in which each block of a ring moves out.
 struct Positions {
     float sine[NUM_BLOCKS], cosine[NUM_BLOCKS];
 
@@ -45,9 +46,10 @@ struct Positions {
 
 } // namespace
 
-// Corners 0 to 3 of a block at -depth, 4 to 7 at depth; faces counter-clockwise from outside: front, back,
+// Corners 0 to 3 of a block at -DEPTH, 4 to 7 at DEPTH; faces counter-clockwise from outside: front, back,
 // inner, outer, sides.
-Tunnel::Tunnel(Common*) : mTexture(nullptr), mProgram(nullptr), mBlockShape{} {
+Tunnel::Tunnel(Common*) {
+    state = State();
     static const unsigned char faces[6][4] = {{0, 3, 2, 1}, {4, 5, 6, 7}, {0, 1, 5, 4},
                                               {3, 7, 6, 2}, {1, 2, 6, 5}, {0, 4, 7, 3}};
     for (int i = 0; i < 8; ++i)
@@ -57,7 +59,7 @@ Tunnel::Tunnel(Common*) : mTexture(nullptr), mProgram(nullptr), mBlockShape{} {
 }
 
 const std::vector<Tunnel::Ring>& Tunnel::rings() {
-    return mongo;
+    return state.mongo;
 }
 
 Vector3f Tunnel::getPath(float t) {
@@ -67,15 +69,13 @@ Vector3f Tunnel::getPath(float t) {
 }
 
 void Tunnel::setup() {
-    mTexture.setDisplay(mDisplay);
-    mTexture.load("hurry/particle.png", true);
-    mTexture.init();
+    mTexture.loadFile(*mDisplay, "hurry/particle.png", true);
 
     for (int i = 0; i < NUM_PATH; ++i)
-        path[i] = getPath(float(i) / 100.0f) + mRandom.unitSphere();
+        state.path[i] = getPath(float(i) / 100.0f) + mRandom.unitSphere();
 
     // The first rings are thin, pale and grey-blue, the last thick and of full colour.
-    mongo.clear();
+    state.mongo.clear();
     for (int i = 0; i < NUM_RINGS; ++i) {
         Ring ring;
         const float t = (0.4f - 0.2f * float(i) / 153.0f) * float(i);
@@ -94,44 +94,37 @@ void Tunnel::setup() {
         const float j = float(s4 % 4 + 1);
         ring.inner = k * m + (1.0f - m);
         ring.outer = (j + k) * m + 1.5f * (1.0f - m);
-        mongo.push_back(ring);
+        state.mongo.push_back(ring);
     }
 
-    mProgram.setDisplay(mDisplay);
-    mProgram.link("tunnel/tunnel.vert", "tunnel/tunnel.frag");
+    mProgram.linkFiles(*mDisplay, "tunnel/tunnel.vert", "tunnel/tunnel.frag");
 }
 
 void Tunnel::update(float time, float delta, float) {
-    setPerspective(*mDisplay, PI / 4.0f, 0.015f, 1000.0f);
     const Vector3f eye = getPath(time - 1.0f);
     const Vector3f target = getPath(time + 1.0f);
-    mDisplay->setTransform(Matrix4x4Col());
     const float roll = 2.0f * sinf(0.5f * time);
-    setCamera(*mDisplay, eye, target, roll);
-    [[maybe_unused]] const Billboard board(eye, target, roll); // drawn by nothing; its assertion holds
+    setView(*mDisplay, {PI / 4.0f, 0.015f, 1000.0f}, eye, target, roll);
+    [[maybe_unused]] const Billboard board(eye, target, roll); // for its assertion
 
     GL_CALL(glEnable(GL_BLEND));
     GL_CALL(glEnable(GL_CULL_FACE));
     GL_CALL(glEnable(GL_DEPTH_TEST));
     mProgram.bind();
-    for (int i = 0; i < int(mongo.size()); ++i)
-        drawRing(mongo[size_t(i)], i, eye, delta);
+    for (int i = 0; i < int(state.mongo.size()); ++i)
+        drawRing(state.mongo[size_t(i)], i, eye, delta);
     mBatch.flush();
     mProgram.unbind();
 
     mDisplay->setTransform(Matrix4x4Col());
-    mTexture.bind(); // for sprites that there are none of
-    mTexture.unbind();
     GL_CALL(glDisable(GL_TEXTURE_2D));
     GL_CALL(glDisable(GL_CULL_FACE));
     GL_CALL(glDisable(GL_DEPTH_TEST));
     GL_CALL(glDisable(GL_BLEND));
 }
 
-/*
- * A ring is seen only ahead of the camera: at full strength within 15 units, faded out at 24.5. Its spin
- * takes a step for each block that is drawn, and so settles soon after it comes into view.
- */
+// A ring shows only ahead of the camera: at full strength within 15 units, faded out at 24.5. Its spin takes
+// a step for each block, and so settles soon after the ring comes into view.
 void Tunnel::drawRing(Ring& ring, int index, const Vector3f& eye, float delta) {
     static const Positions positions;
 
@@ -154,6 +147,7 @@ void Tunnel::drawRing(Ring& ring, int index, const Vector3f& eye, float delta) {
     twistY.setRotY(20.0f * sinf(0.0051f * dist));
     Matrix4x4Col plane;
     plane.buildPRS(ring.pos, twistX * twistY, Vector3f(1, 1, 1));
+    shapeBlock(ring.inner, ring.outer);
     mBatch.color(ring.col, a);
     for (int b = 0; b < NUM_BLOCKS; ++b) {
         if (index % 5 == 0 && (b == 0 || b == 15 || b == 31 || b == 47))
@@ -168,7 +162,7 @@ void Tunnel::drawRing(Ring& ring, int index, const Vector3f& eye, float delta) {
         const float c = cosf(angle), s = sinf(angle);
         const float sine = positions.sine[b], cosine = positions.cosine[b];
         const float out = 0.1f * 15.0f * dist;
-        // The x axis of the block, its y axis and its place, in the plane of the ring.
+        // The x axis of the block, its y axis and its position, in the plane of the ring.
         const float xx = c * cosine + s * sine, xy = s * cosine - c * sine;
         const float px = out * (c * sine - s * cosine), py = out * (s * sine + c * cosine);
         Matrix4x4Col block = plane;
@@ -179,24 +173,18 @@ void Tunnel::drawRing(Ring& ring, int index, const Vector3f& eye, float delta) {
             block.mData[12 + r] = plane.mData[12 + r] + right * px + up * py;
         }
         mBatch.setTransform(block);
-        drawCuboCono(BLOCK_POSITIONS, ring.inner, ring.outer, DEPTH);
+        mBatch.solid(mBlock);
     }
 }
 
-// One of the `n` blocks that a ring of these radii is cut into, around the y axis, from -depth to depth.
-// Those of a ring are one shape.
-void Tunnel::drawCuboCono(int n, float inner, float outer, float depth) {
-    const float shape[4] = {float(n), inner, outer, depth};
-    if (!std::equal(shape, shape + 4, mBlockShape)) {
-        std::copy(shape, shape + 4, mBlockShape);
-        const float h = PI / float(n);
-        const float c = cosf(h), s = sinf(h);
-        const float x[4] = {-s * inner, s * inner, s * outer, -s * outer};
-        const float y[4] = {c * inner, c * inner, c * outer, c * outer};
-        for (int i = 0; i < 8; ++i)
-            mBlock.setCorner(i, Vector3f(x[i & 3], y[i & 3], i < 4 ? -depth : depth));
-    }
-    mBatch.solid(mBlock);
+// One of the blocks that a ring of these radii is cut into, around the y axis.
+void Tunnel::shapeBlock(float inner, float outer) {
+    const float h = PI / float(BLOCK_POSITIONS);
+    const float c = cosf(h), s = sinf(h);
+    const float x[4] = {-s * inner, s * inner, s * outer, -s * outer};
+    const float y[4] = {c * inner, c * inner, c * outer, c * outer};
+    for (int i = 0; i < 8; ++i)
+        mBlock.setCorner(i, Vector3f(x[i & 3], y[i & 3], i < 4 ? -DEPTH : DEPTH));
 }
 
 } // namespace zentrak::kindler

@@ -1,11 +1,10 @@
 // A flight along a curve through 153 rings, each cut from 64 blocks that close up as the ring nears.
 #pragma once
 
-#include "dis_shader.h"
-#include "dis_texture.h"
 #include "effect_batch.h"
 #include "effect_random.h"
-#include "kin_effect.h"
+#include "effect_resource.h"
+#include "effect_script.h"
 #include "mb_vector3.h"
 
 #include <string>
@@ -13,7 +12,7 @@
 
 namespace zentrak::kindler {
 
-class Tunnel : public Effect {
+class Tunnel : public ScriptedEffect {
 public:
     struct Ring {
         mathbase::Vector3f pos;  // centre, on the curve
@@ -34,14 +33,13 @@ public:
 
 private:
     void drawRing(Ring& ring, int index, const mathbase::Vector3f& eye, float delta);
-    void drawCuboCono(int n, float inner, float outer, float depth);
+    void shapeBlock(float inner, float outer);
 
-    display::Texture mTexture;
+    EffectTexture mTexture;
     EffectRandom mRandom;
-    display::ShaderProgram mProgram;
+    EffectProgram mProgram;
     display::Batch& mBatch = sharedBatch();
-    display::Batch::Solid mBlock; // the last that was drawn,
-    float mBlockShape[4];         // made of these four
+    display::Batch::Solid mBlock; // of the ring that is drawn
 };
 
 } // namespace zentrak::kindler

@@ -5,11 +5,9 @@
 
 namespace zentrak::kindler {
 
-WaxOff::WaxOff(Common* common) : mCommon(common) {}
-
-void WaxOff::executeTrigger(float, const std::string& name, const std::string& value) {
-    if (name == "which")
-        which = value;
+WaxOff::WaxOff(Common* common) : mCommon(common) {
+    bindTrigger("which", TriggerNames::TARGET, {"vaddr"},
+                [this](float, const std::string& value) { which = value; });
 }
 
 void WaxOff::update(float, float, float) {

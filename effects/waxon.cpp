@@ -11,7 +11,10 @@ namespace zentrak::kindler {
 using display::FBO;
 using display::Texture;
 
-WaxOn::WaxOn(Common* common) : mCommon(common) {}
+WaxOn::WaxOn(Common* common) : mCommon(common) {
+    bindTrigger("which", TriggerNames::TARGET, {"vaddr"},
+                [this](float, const std::string& value) { which = value; });
+}
 
 WaxOn::~WaxOn() {
     const auto entry = mCommon->mFbos.find("vaddr");
@@ -31,11 +34,6 @@ void WaxOn::setup() {
     mTarget->mTexture.unbind();
     mCommon->mFbos["vaddr"] = mTarget.get();
     puts("WaxOn::setup:after()");
-}
-
-void WaxOn::executeTrigger(float, const std::string& name, const std::string& value) {
-    if (name == "which")
-        which = value;
 }
 
 void WaxOn::update(float, float, float) {

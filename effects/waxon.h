@@ -1,7 +1,7 @@
 // Makes a render target, and draws the spans nested in its own into it.
 #pragma once
 
-#include "kin_effect.h"
+#include "effect_script.h"
 
 #include <memory>
 #include <string>
@@ -9,7 +9,7 @@
 namespace zentrak::kindler {
 
 // Triggers: "which" (its value is the name of the target; none, and the nested spans draw to the screen).
-class WaxOn : public Effect {
+class WaxOn : public ScriptedEffect {
 public:
     static constexpr int WIDTH = 1280; // of the target, whatever the size of the display
     static constexpr int HEIGHT = 1024;
@@ -18,7 +18,6 @@ public:
     ~WaxOn() override;
 
     void setup() override; // makes "vaddr"
-    void executeTrigger(float time, const std::string& name, const std::string& value) override;
     void update(float time, float delta, float progress) override;
     void postUpdate(float time, float delta, float progress) override;
 

@@ -58,6 +58,25 @@ private:
     am::ArchiveManager* mBefore;
 };
 
+// What the call throws, or an empty text.
+inline std::string thrown(const std::function<void()>& call) {
+    try {
+        call();
+    } catch (const std::exception& exception) {
+        return exception.what();
+    }
+    return "";
+}
+
+// An opaque white picture.
+inline Picture whitePicture(int width, int height) {
+    Picture picture(width, height);
+    picture.rgba.assign(picture.rgba.size(), 255);
+    return picture;
+}
+
+constexpr const char* NULL_IMAGE = "Image::operator->() - Attempt to dereference (NULL)ImageObject!";
+
 // Programs that show the normals, 0 to 255 for -1 to 1, and that mirror the picture left to right, so that
 // the faces turned away become those that GL_CULL_FACE keeps.
 inline const std::string SHOW_NORMALS =

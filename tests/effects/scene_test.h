@@ -53,16 +53,6 @@ protected:
         camera->mAngle.mX.mValue = 0.78539816f;
         parent.addChild(camera.release());
     }
-
-    // What the call throws, or an empty text.
-    static std::string thrown(const std::function<void()>& call) {
-        try {
-            call();
-        } catch (const std::exception& exception) {
-            return exception.what();
-        }
-        return "";
-    }
 };
 
 } // namespace zentrak::test

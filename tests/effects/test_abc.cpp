@@ -206,23 +206,24 @@ TEST_F(AbcTest, SaysWhenItsMeshesGo) {
 TEST_F(AbcTest, AMissingSceneIsAnError) {
     am::ArchiveManager nothing;
     display().setArchive(&nothing);
-    EXPECT_EQ(thrown([&] { test::prepare(mAbc, display(), "abc"); }), "File 'abc/katedral.o3d' not found");
+    EXPECT_EQ(test::thrown([&] { test::prepare(mAbc, display(), "abc"); }),
+              "File 'abc/katedral.o3d' not found");
     EXPECT_EQ(countsOf(at(1)).ground, 400 * 250); // and draws nothing
     display().setArchive(nullptr);
-    EXPECT_EQ(thrown([&] { mAbc.setup(); }), "File 'abc/katedral.o3d' not found");
+    EXPECT_EQ(test::thrown([&] { mAbc.setup(); }), "File 'abc/katedral.o3d' not found");
 }
 
 TEST_F(AbcTest, AFileWithoutASceneIsAnError) {
     o3d::Manager manager;
     scene::addMaterial(manager, "stone", mathbase::Vector4f(1, 1, 1, 1));
     writeOwn(SCENE, scene::sceneFile(manager));
-    EXPECT_EQ(thrown([&] { test::prepare(mAbc, display(), "abc"); }), "No scene in 'abc/katedral.o3d'");
+    EXPECT_EQ(test::thrown([&] { test::prepare(mAbc, display(), "abc"); }), "No scene in 'abc/katedral.o3d'");
     EXPECT_EQ(countsOf(at(1)).ground, 400 * 250);
 }
 
 TEST_F(AbcTest, AFileThatIsNoSceneFileIsAnError) {
     writeOwn(SCENE, "no scene at all");
-    EXPECT_NE(thrown([&] { test::prepare(mAbc, display(), "abc"); }), "");
+    EXPECT_NE(test::thrown([&] { test::prepare(mAbc, display(), "abc"); }), "");
     EXPECT_EQ(countsOf(at(1)).ground, 400 * 250);
 }
 
@@ -231,7 +232,7 @@ TEST_F(AbcTest, AMissingShaderIsAnError) {
     am::ArchiveManager some;
     some.addArchive(mOwn.file("only"));
     display().setArchive(&some);
-    EXPECT_EQ(thrown([&] { test::prepare(mAbc, display(), "abc"); }),
+    EXPECT_EQ(test::thrown([&] { test::prepare(mAbc, display(), "abc"); }),
               "Display::Resource; File 'abc/abc.vert' could not be read");
     EXPECT_EQ(countsOf(at(1)).ground, 400 * 250);
     display().setArchive(&window().archives());
@@ -241,8 +242,10 @@ TEST_F(AbcTest, AMissingShaderIsAnError) {
 
 TEST_F(AbcTest, AShaderThatDoesNotCompileIsAnError) {
     writeOwn("abc/abc.frag", "this is no program\n");
-    EXPECT_EQ(
-        thrown([&] { test::prepare(mAbc, display(), "abc"); }).find("Could not compile 'abc/abc.frag'."), 0u);
+    EXPECT_EQ(test::thrown([&] {
+                  test::prepare(mAbc, display(), "abc");
+              }).find("Could not compile 'abc/abc.frag'."),
+              0u);
 }
 
 TEST_F(AbcTest, ASecondSetupLoadsAnew) {

@@ -140,6 +140,13 @@ TEST_F(FaceTest, TimesAndBrightnessThatAreNoNumbersDoNoHarm) {
     EXPECT_TRUE(test::samePicture(at(0), plainAt(0)));
 }
 
+TEST_F(FaceTest, ASecondSetupLoadsTheSceneInPlaceOfTheFirst) {
+    const Picture before = at(0);
+    mFace.setup();
+    EXPECT_EQ(mFace.getScene().mMeshes.size(), 1u);
+    EXPECT_EQ(test::comparePictures(at(0), before).mean, 0);
+}
+
 TEST_F(FaceTest, SaysHowManyMeshesThereAre) {
     test::CaptureStdout capture;
     Face face(&mCommon);

@@ -311,7 +311,7 @@ TEST_F(KasperTest, ASceneWithoutACameraIsAnError) {
         // One that is no direct child of the scene does not count.
         addCamera(*scene::addDummy(root, "holder", Vector3f(0, 0, 0)), Vector3f(0, 0, 10));
     });
-    EXPECT_EQ(thrown([&] { mKasper.loadScene(&display(), SCENE); }),
+    EXPECT_EQ(test::thrown([&] { mKasper.loadScene(&display(), SCENE); }),
               "No camera in scene 'yard' in 'own/scene.o3d'");
     EXPECT_EQ(drawn(at(0)), 0);
 }
@@ -320,7 +320,7 @@ TEST_F(KasperTest, AFileWithoutASceneIsAnError) {
     o3d::Manager manager;
     scene::addMaterial(manager, "stone", mathbase::Vector4f(1, 1, 1, 1));
     writeOwn(SCENE, scene::sceneFile(manager));
-    EXPECT_EQ(thrown([&] { mKasper.loadScene(&display(), SCENE); }), "No scene in 'own/scene.o3d'");
+    EXPECT_EQ(test::thrown([&] { mKasper.loadScene(&display(), SCENE); }), "No scene in 'own/scene.o3d'");
     EXPECT_EQ(drawn(at(0)), 0);
 }
 
@@ -329,7 +329,8 @@ TEST_F(KasperTest, AMissingFileIsAnErrorAndTheOldSceneIsGone) {
         scene::addInstance(root, "cube", box, Vector3f(0, 0, 0));
     });
     EXPECT_GT(drawn(at(0)), 0);
-    EXPECT_EQ(thrown([&] { mKasper.loadScene(&display(), "no/such.o3d"); }), "File 'no/such.o3d' not found");
+    EXPECT_EQ(test::thrown([&] { mKasper.loadScene(&display(), "no/such.o3d"); }),
+              "File 'no/such.o3d' not found");
     EXPECT_EQ(drawn(at(0)), 0);
 }
 
@@ -338,7 +339,7 @@ TEST_F(KasperTest, AMissingShaderIsAnError) {
     am::ArchiveManager some;
     some.addArchive(mOwn.file("only"));
     display().setArchive(&some);
-    EXPECT_EQ(thrown([&] { mKasper.loadScene(&display(), "scene.o3d"); }),
+    EXPECT_EQ(test::thrown([&] { mKasper.loadScene(&display(), "scene.o3d"); }),
               "Display::Resource; File 'kasper/apple.vert' could not be read");
     EXPECT_EQ(drawn(at(0)), 0);
     display().setArchive(&window().archives());

@@ -180,18 +180,10 @@ TEST_F(KubTest, ACubeRollsOverItsEdgeAndLiftsInTheMiddleOfItsStep) {
 
 // A picture of so many cubes that no attempt ever takes some of them.
 TEST_F(KubTest, ACubeThatNeverMovedStaysInItsPlaceAndIsDrawnThere) {
-    test::TempDir folder;
-    test::Picture wall(140, 140);
-    wall.rgba.assign(wall.rgba.size(), 200);
-    ASSERT_TRUE(test::writePng(folder.file("kub/kub.png"), wall));
-    am::ArchiveManager archives;
-    archives.addArchive(folder.path());
-    archives.addArchive(test::sourcePath("data"));
-    am::ArchiveManager* const before = display().mArchiveManager;
-    display().setArchive(&archives);
+    test::OwnFiles files(display());
+    files.write("kub/kub.png", test::whitePicture(140, 140));
     Kub kub(&mCommon);
     test::prepare(kub, display(), "kub");
-    display().setArchive(before);
 
     const std::vector<Kub::Poxel>& cubes = Kub::poxels();
     ASSERT_EQ(cubes.size(), 140u * 140u);
@@ -262,4 +254,20 @@ TEST_F(KubTest, AProgramThatMovesVerticesGetsAllFaces) {
     kub.updateSpline(0, "alpha", 0); // of the floor
     const Picture drawn = over(0, 0, 0, [&] { kub.update(0, 0, 0); });
     EXPECT_GT(test::covered(drawn, over(0, 0, 0, [] {})), 0.05);
+}
+
+TEST_F(KubTest, APictureOfTooManyCubesIsRefusedByName) {
+    test::OwnFiles files(display());
+    files.write("kub/kub.png", test::whitePicture(257, 256));
+    Kub kub(&mCommon);
+    EXPECT_EQ(test::thrown([&] { test::prepare(kub, display(), "kub"); }),
+              "Too many pixels in 'kub/kub.png': an effect draws at most 65536 of them as boxes");
+}
+
+TEST_F(KubTest, WithoutArchivesItsImageIsNull) {
+    am::ArchiveManager* const before = display().mArchiveManager;
+    display().setArchive(nullptr);
+    Kub kub(&mCommon);
+    EXPECT_EQ(test::thrown([&] { test::prepare(kub, display(), "kub"); }), test::NULL_IMAGE);
+    display().setArchive(before);
 }

@@ -268,14 +268,14 @@ TEST_F(SsaoTest, AsksForNoMemoryOnceWarm) {
 
 TEST_F(SsaoTest, ASceneWithoutACameraIsAnError) {
     writeScene(SCENE, [](o3d::Scene&, const o3d::Mesh&) {});
-    EXPECT_EQ(thrown([&] { prepare(); }), "No camera in scene 'yard' in 'ssao/scene.o3d'");
+    EXPECT_EQ(test::thrown([&] { prepare(); }), "No camera in scene 'yard' in 'ssao/scene.o3d'");
     EXPECT_EQ(brightness(at(1), 0, 0, 400, 250), 0); // and draws nothing
 }
 
 TEST_F(SsaoTest, AMissingSceneIsAnError) {
     am::ArchiveManager nothing;
     display().setArchive(&nothing);
-    EXPECT_EQ(thrown([&] { prepare(); }), "File 'ssao/scene.o3d' not found");
+    EXPECT_EQ(test::thrown([&] { prepare(); }), "File 'ssao/scene.o3d' not found");
     EXPECT_EQ(brightness(at(1), 0, 0, 400, 250), 0);
     display().setArchive(&window().archives());
 }
@@ -291,7 +291,7 @@ TEST_F(SsaoTest, AMissingShaderIsAnError) {
         some.addArchive(own.path());
         display().setArchive(&some);
         anew();
-        EXPECT_EQ(thrown([&] { prepare(); }),
+        EXPECT_EQ(test::thrown([&] { prepare(); }),
                   "Display::Resource; File 'ssao/" + std::string(missing) + "' could not be read");
         EXPECT_EQ(brightness(at(1), 0, 0, 400, 250), 0);
         display().setArchive(&window().archives());

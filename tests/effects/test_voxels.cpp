@@ -203,6 +203,19 @@ TEST_F(CreditsTest, AnyTimeIsHarmless) {
     drawAtAnyTime(credits);
 }
 
+TEST_F(CreditsTest, APictureOfTooManyPixelsIsRefusedByName) {
+    test::OwnFiles files(display());
+    Credits credits(&mCommon, "qark");
+    files.write("credits/credits_qark.png", test::whitePicture(256, 256));
+    EXPECT_EQ(test::thrown([&] { test::prepare(credits, display(), "credits_qark"); }), "");
+    EXPECT_EQ(credits.pixels.size(), 65536u);
+    files.write("credits/credits_orvo.png", test::whitePicture(257, 256));
+    Credits larger(&mCommon, "orvo");
+    EXPECT_EQ(
+        test::thrown([&] { test::prepare(larger, display(), "credits_orvo"); }),
+        "Too many pixels in 'credits/credits_orvo.png': an effect draws at most 65536 of them as boxes");
+}
+
 TEST_F(CreditsTest, APictureThatIsNotThereIsAnException) {
     Credits credits(&mCommon, "nobody");
     EXPECT_THROW(test::prepare(credits, display(), "credits_nobody"), std::exception);
@@ -233,22 +246,14 @@ TEST_F(GrandTest, TipsColumnByColumnAsOneCallPerVertexDraws) {
 
 // The columns from number 128 on are left out; the others stand where the whole width puts them.
 TEST_F(GrandTest, APictureWiderThan128LosesWhatIsPastIt) {
-    const int width = 160, height = 8;
-    test::TempDir folder;
-    test::Picture layer(width, height);
-    layer.rgba.assign(layer.rgba.size(), 255);
+    test::OwnFiles files(display());
     for (int n = 1; n <= 19; ++n) {
         char name[32];
         snprintf(name, sizeof name, "grand/grand%02d.png", n);
-        ASSERT_TRUE(test::writePng(folder.file(name), layer));
+        files.write(name, test::whitePicture(160, 8));
     }
-    am::ArchiveManager archives;
-    archives.addArchive(folder.path());
-    am::ArchiveManager* const before = display().mArchiveManager;
-    display().setArchive(&archives);
     Grand grand(&mCommon);
     test::prepare(grand, display(), "grand");
-    display().setArchive(before);
 
     grand.updateSpline(0, "alpha", 1);
     const Picture drawn = over(0, 0, 0, [&] { grand.update(0, 0.02f, 0); });
@@ -256,6 +261,19 @@ TEST_F(GrandTest, APictureWiderThan128LosesWhatIsPastIt) {
     // the left border, which column 13 crosses, to 0.715 of column 127, which is at pixel 343.
     for (int x = 0; x < 400; ++x)
         EXPECT_EQ(drawn.at(x, 125)[0] > 0, x < 343) << x;
+}
+
+// 19 layers of 128 x 32 pixels are 77824.
+TEST_F(GrandTest, LayersOfTooManyPixelsAreRefusedByName) {
+    test::OwnFiles files(display());
+    for (int n = 1; n <= 19; ++n) {
+        char name[32];
+        snprintf(name, sizeof name, "grand/grand%02d.png", n);
+        files.write(name, test::whitePicture(128, 32));
+    }
+    Grand grand(&mCommon);
+    EXPECT_EQ(test::thrown([&] { test::prepare(grand, display(), "grand"); }),
+              "Too many pixels in 'grand/grand17.png': an effect draws at most 65536 of them as boxes");
 }
 
 TEST_F(GrandTest, TipsWithinTheTimesOfTheSweep) {
@@ -335,18 +353,10 @@ TEST_F(GreetTest, AnyTimeIsHarmless) {
 
 // A picture that is no whole number of bands high, and narrower than the slab.
 TEST_F(GreetTest, APictureOfAnotherSizeIsStampedAsFarAsItGoes) {
-    test::TempDir folder;
-    test::Picture strip(100, 30);
-    strip.rgba.assign(strip.rgba.size(), 255);
-    ASSERT_TRUE(test::writePng(folder.file("greet/greet.png"), strip));
-    am::ArchiveManager archives;
-    archives.addArchive(folder.path());
-    archives.addArchive(test::sourcePath("data"));
-    am::ArchiveManager* const before = display().mArchiveManager;
-    display().setArchive(&archives);
+    test::OwnFiles files(display());
+    files.write("greet/greet.png", test::whitePicture(100, 30));
     Greet greet(&mCommon);
     test::prepare(greet, display(), "greet");
-    display().setArchive(before);
 
     const Picture empty = ground([] {});
     const auto draw = [&](float delta) { return ground([&] { greet.update(0, delta, 0); }); };
