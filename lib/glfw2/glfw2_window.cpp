@@ -3,14 +3,24 @@
 #define GLFW_INCLUDE_NONE
 #include <GLFW/glfw3.h>
 
+#include <X11/Xatom.h>
+#include <X11/Xlib.h>
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <tuple>
 #include <utility>
 
+// From GLFW/glfw3native.h, which would also need the headers of RandR.
+extern "C" {
+Display* glfwGetX11Display();
+::Window glfwGetX11Window(GLFWwindow*);
+}
+
 namespace zentrak::glfw2 {
 namespace {
+
+constexpr double LONGEST_WAIT = 5.0; // seconds until the window manager should have shown a window
 
 GLFWwindow* window = nullptr; // the open one
 bool initialised = false;
@@ -117,11 +127,34 @@ void run(void (*process)()) {
     }
 }
 
+// Shows a new window, with the focus, and waits for the window manager to do it: bounded, whereas
+// glfwCreateWindow and glfwShowWindow wait for ever, at full processor load, if it never does and there are
+// other events. Returns whether the window is visible.
+bool show(GLFWwindow* of, bool fullscreen) {
+    Display* const display = glfwGetX11Display();
+    if (fullscreen) { // from the first moment on
+        const Atom state = XInternAtom(display, "_NET_WM_STATE_FULLSCREEN", False);
+        XChangeProperty(display, glfwGetX11Window(of), XInternAtom(display, "_NET_WM_STATE", False), XA_ATOM,
+                        32, PropModeReplace, reinterpret_cast<const unsigned char*>(&state), 1);
+    }
+    XMapWindow(display, glfwGetX11Window(of));
+    const double start = glfwGetTime();
+    while (!glfwGetWindowAttrib(of, GLFW_VISIBLE)) {
+        const double left = start + LONGEST_WAIT - glfwGetTime();
+        if (left <= 0)
+            return false;
+        glfwWaitEventsTimeout(left);
+    }
+    glfwFocusWindow(of);
+    return true;
+}
+
 // The hints of GLFW 3 that the request sets. What it leaves out is right by default: two buffers, and the
 // newest compatibility profile there is.
 void setHints(const WindowRequest& request) {
     const auto orDefault = [](int bits) { return bits > 0 ? bits : 8; };
     glfwDefaultWindowHints();
+    glfwWindowHint(GLFW_VISIBLE, GLFW_FALSE);
     glfwWindowHint(GLFW_RESIZABLE, request.resizable);
     glfwWindowHint(GLFW_RED_BITS, orDefault(request.red));
     glfwWindowHint(GLFW_GREEN_BITS, orDefault(request.green));
@@ -189,7 +222,7 @@ bool Window::open(const WindowRequest& request, WindowEvents& events) {
     setHints(request);
     GLFWmonitor* const monitor = request.fullscreen ? glfwGetPrimaryMonitor() : nullptr;
     GLFWwindow* const opened =
-        glfwCreateWindow(request.width, request.height, "GLFW Window", monitor, nullptr);
+        glfwCreateWindow(request.width, request.height, "GLFW Window", nullptr, nullptr);
     if (!opened) {
         report("no window");
         return false;
@@ -200,6 +233,10 @@ bool Window::open(const WindowRequest& request, WindowEvents& events) {
         glfwDestroyWindow(opened);
         return false;
     }
+    if (!show(opened, monitor))
+        std::fprintf(stderr, "glfw2: the window manager has not shown the window yet: going on without it\n");
+    else if (monitor)
+        glfwSetWindowMonitor(opened, monitor, 0, 0, request.width, request.height, GLFW_DONT_CARE);
     glfwSetWindowUserPointer(opened, &events);
     connect(opened, true);
     if (monitor)

@@ -394,6 +394,22 @@ TEST(TheProgram, WithoutAScreenSaysSoAndStillSaves) {
     EXPECT_TRUE(contains(program.read("setup.local.xml"), "<music mute=\"off\"/>"));
 }
 
+TEST(TheProgram, AWindowManagerThatNeverShowsTheWindowDoesNotStopTheShow) {
+    for (const char* fullscreen : {"off", "on"}) {
+        Program program;
+        prepare(program, "<music filename=\"tune.wav\"/>",
+                std::string("width=\"320\" height=\"200\" fullscreen=\"") + fullscreen + "\"");
+        program.write("tune.wav", makeWav(800));
+        EXPECT_EQ(program.run("ZENTRAK_WM=none '" + sourcePath("tests/with_display") + "' '" +
+                              binaryPath("tests/support/never_maps") + "'"),
+                  0)
+            << program.output(); // ends with the music
+        EXPECT_TRUE(contains(program.output(), "glfw2: the window manager has not shown the window yet"))
+            << program.output();
+        EXPECT_TRUE(contains(program.output(), "name: color, value: white\n")) << program.output();
+    }
+}
+
 TEST(TheProgram, PlaysFromAZip) {
     Program program;
     program.write("script.xml", SCRIPT);
