@@ -1,9 +1,7 @@
 // Sound: a device, a file in memory, a source of samples decoded from it, and a stream that plays the source.
 //
-// Everything is called from one thread, and the library starts none of its own: a playing stream decodes as
-// it plays, inside the calls that its user makes every frame (isPlaying and getPosition). It keeps a second
-// and a half decoded ahead, so a slow frame isn't heard; after a longer one the music goes on where it fell
-// silent.
+// Every call is made from one thread. A playing stream decodes on a thread of its own, which keeps a second
+// and a half queued and ends with the stream: the music goes on while its user is busy or asleep.
 #pragma once
 
 #include <utility>
@@ -11,7 +9,7 @@
 namespace zentrak::audiere {
 
 // The base of all objects here: an object counts its references and deletes itself when the last one goes.
-// It is born with a count of 0; the RefPtr that an entry point returns is the first reference.
+// The count starts at 0; the RefPtr that an entry point returns is the first reference. Not thread-safe.
 class RefCounted {
 public:
     RefCounted(const RefCounted&) = delete;
@@ -61,39 +59,39 @@ private:
     T* mObject = nullptr;
 };
 
-// The form of one sample of one channel.
+// The type of one sample of one channel.
 enum SampleFormat {
-    SF_F32, // float, full scale is -1 to 1; louder peaks are kept
+    SF_F32, // float, full scale is -1 to 1; louder peaks are not clipped
 };
 
-// Bytes that can be read and sought.
+// A seekable sequence of bytes.
 class File : public RefCounted {
 public:
-    // From where seek counts.
+    // What seek counts from.
     enum SeekMode { BEGIN, CURRENT, END };
 
-    // Up to `size` bytes; returns how many: fewer only at the end of the file.
+    // Reads up to `size` bytes; returns how many: fewer only at the end of the file.
     virtual int read(void* buffer, int size) = 0;
 
-    // To a byte. False, and nothing moved, outside 0 to the size of the file.
+    // Moves to a byte. False, and nothing moved, outside 0 to the size of the file.
     virtual bool seek(int position, SeekMode mode) = 0;
 
     // Bytes from the beginning.
     virtual int tell() = 0;
 };
 
-// Decoded sound. Lengths and positions are in sample frames, a frame being one sample of each channel.
+// Decoded sound. Lengths and positions are in frames: one sample of each channel.
 class SampleSource : public RefCounted {
 public:
-    // One or two channels, frames per second, the form of a sample.
+    // One or two channels; frames per second; the type of a sample.
     virtual void getFormat(int& channelCount, int& sampleRate, SampleFormat& sampleFormat) = 0;
 
     virtual int getLength() = 0;
 
-    // Up to `frameCount` frames, their channels interleaved; returns how many: fewer only at the end.
+    // Reads up to `frameCount` frames, channels interleaved; returns how many: fewer only at the end.
     virtual int read(int frameCount, void* buffer) = 0;
 
-    // The next frame to be read; set exactly, and clamped to 0..length.
+    // The next frame to be read; exact, and clamped to 0..length.
     virtual void setPosition(int position) = 0;
     virtual int getPosition() = 0;
 };
@@ -104,11 +102,11 @@ class AudioDevice : public RefCounted {};
 // One sound on a device. It starts out stopped, at the beginning, at full volume.
 class OutputStream : public RefCounted {
 public:
-    // Goes on from the position that the stream has. A stream that ran out begins again from the start,
-    // unless setPosition has moved it since. No effect on a playing stream.
+    // Plays on from the current position. A stream that ran out starts again from the beginning, unless
+    // setPosition has moved it since. No effect on a playing stream.
     virtual void play() = 0;
 
-    // Falls silent and keeps the position. No effect on a stopped stream.
+    // Goes silent and keeps the position. No effect on a stopped stream.
     virtual void stop() = 0;
 
     // True from play until stop, or until the last frame was heard.
@@ -118,33 +116,33 @@ public:
     virtual void setVolume(float volume) = 0;
     virtual float getVolume() = 0;
 
-    // Moves to a frame, clamped to 0..length. A playing stream goes on from there at once, and at the length
-    // has run out; a stopped one stays stopped.
+    // Moves to a frame, clamped to 0..length. A playing stream plays on from there at once, and has run out
+    // if that is the length; a stopped one stays stopped.
     virtual void setPosition(int position) = 0;
 
-    // The frame now heard. Stands still while stopped, and is the length after the last frame (of a damaged
-    // file: the frame where it could not be read any further).
+    // The frame being heard. Constant while stopped, and the length after the last frame (for a damaged file:
+    // the first frame that could not be read).
     virtual int getPosition() = 0;
 
     virtual int getLength() = 0; // in frames
 };
 
-// Opens a sound device: the system's own for "autodetect", "" or null, else the one of that name.
-// `parameters` has no use here and may be null. Null when there is none.
+// Opens a sound device: the system's default for "autodetect", "" or null, else the one of that name.
+// `parameters` is not used and may be null. Null when there is none.
 RefPtr<AudioDevice> AdrOpenDevice(const char* name, const char* parameters);
 
-// A file that holds a copy of `size` bytes at `data`. Null when `size` is negative, or `data` null and `size`
-// not 0.
+// A file that holds a copy of the `size` bytes at `data`. Null when `size` is negative, or `data` is null and
+// `size` isn't 0.
 RefPtr<File> AdrCreateMemoryFile(const void* data, int size);
 
-// A source of what `file` holds: Vorbis, FLAC, WAV, MP3 or a tracker module, recognised by its bytes.
-// `format` is 0, the only choice there is. Sound of more than two channels is mixed down to two. The source
-// keeps the file alive and needs it for itself. Null when the file is null or can't be decoded.
+// A source that decodes `file`: Vorbis, FLAC, WAV, MP3 or a tracker module, recognised by its first bytes.
+// `format` must be 0. More than two channels are mixed down to two. The source keeps the file alive and must
+// be its only user. Null when the file is null or can't be decoded.
 RefPtr<SampleSource> AdrOpenSampleSourceFromFile(const RefPtr<File>& file, int format);
 
-// A stream that plays `source` on `device`; it keeps both alive and needs the source for itself. `streaming`
-// asks to decode while playing, which is done in either case. Null when one of them is null or the device
-// takes no more.
+// A stream that plays `source` on `device`; it keeps both alive and must be the only user of the source,
+// which it reads on its own thread. `streaming` is not used: every stream decodes while it plays. Null when
+// one of them is null or the device takes no more.
 RefPtr<OutputStream> AdrOpenSound(const RefPtr<AudioDevice>& device, const RefPtr<SampleSource>& source,
                                   bool streaming);
 

@@ -13,8 +13,8 @@
 namespace zentrak::audiere {
 
 RefPtr<AudioDevice> AdrOpenDevice(const char* name, const char*) {
-    bool any = !name || !*name || std::strcmp(name, "autodetect") == 0;
-    return OpenALDevice::adopt(alcOpenDevice(any ? nullptr : name), nullptr).get();
+    const bool any = !name || !*name || std::strcmp(name, "autodetect") == 0;
+    return OpenALDevice::open(any ? nullptr : name).get();
 }
 
 RefPtr<File> AdrCreateMemoryFile(const void* data, int size) {
@@ -23,7 +23,7 @@ RefPtr<File> AdrCreateMemoryFile(const void* data, int size) {
     return new MemoryFile(data, size);
 }
 
-// The marks of modules are weaker than those before them, and MP3 has next to none: hence the order.
+// In the order of how reliably a format is recognised: modules and MP3 least.
 RefPtr<SampleSource> AdrOpenSampleSourceFromFile(const RefPtr<File>& file, int format) {
     if (!file || format != 0)
         return nullptr;
@@ -33,7 +33,7 @@ RefPtr<SampleSource> AdrOpenSampleSourceFromFile(const RefPtr<File>& file, int f
     return nullptr;
 }
 
-// The device can be no other than one from AdrOpenDevice.
+// Every device comes from AdrOpenDevice.
 RefPtr<OutputStream> AdrOpenSound(const RefPtr<AudioDevice>& device, const RefPtr<SampleSource>& source,
                                   bool) {
     if (!device || !source)

@@ -1,4 +1,4 @@
-// What the sources that decode a file have in common.
+// What all sources that decode a file share.
 #pragma once
 
 #include "audiere.h"
@@ -24,8 +24,8 @@ protected:
     int mPosition = 0; // in frames
 };
 
-// Seeks as decoders ask for it, in the words of the C library: `whence` is SEEK_SET, SEEK_CUR or SEEK_END.
-// False, with nothing moved, where that is outside of the file.
+// Seeks in the manner of fseek: `whence` is SEEK_SET, SEEK_CUR or SEEK_END. False, with nothing moved, if
+// that is outside the file.
 bool seekFile(File& file, int64_t offset, int whence);
 
 } // namespace zentrak::audiere

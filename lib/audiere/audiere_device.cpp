@@ -2,10 +2,24 @@
 
 namespace zentrak::audiere {
 
-RefPtr<OpenALDevice> OpenALDevice::adopt(ALCdevice* device, const ALCint* attributes) {
+namespace {
+
+// Each thread has a context of its own: ALC_EXT_thread_local_context, which OpenAL Soft always has.
+PFNALCSETTHREADCONTEXTPROC setThreadContext() {
+    static const auto set =
+        reinterpret_cast<PFNALCSETTHREADCONTEXTPROC>(alcGetProcAddress(nullptr, "alcSetThreadContext"));
+    return set;
+}
+
+thread_local ALCcontext* current = nullptr;
+
+} // namespace
+
+RefPtr<OpenALDevice> OpenALDevice::open(const char* name) {
+    ALCdevice* const device = setThreadContext() ? alcOpenDevice(name) : nullptr;
     if (!device)
         return nullptr;
-    ALCcontext* context = alcCreateContext(device, attributes);
+    ALCcontext* const context = alcCreateContext(device, nullptr);
     if (!context) {
         alcCloseDevice(device);
         return nullptr;
@@ -16,15 +30,23 @@ RefPtr<OpenALDevice> OpenALDevice::adopt(ALCdevice* device, const ALCint* attrib
 OpenALDevice::OpenALDevice(ALCdevice* device, ALCcontext* context) : mDevice(device), mContext(context) {}
 
 OpenALDevice::~OpenALDevice() {
-    if (alcGetCurrentContext() == mContext)
-        alcMakeContextCurrent(nullptr);
+    releaseCurrent();
     alcDestroyContext(mContext);
     alcCloseDevice(mDevice);
 }
 
 void OpenALDevice::makeCurrent() {
-    if (alcGetCurrentContext() != mContext)
-        alcMakeContextCurrent(mContext);
+    if (current == mContext)
+        return;
+    setThreadContext()(mContext);
+    current = mContext;
+}
+
+void OpenALDevice::releaseCurrent() {
+    if (current != mContext)
+        return;
+    setThreadContext()(nullptr);
+    current = nullptr;
 }
 
 bool OpenALDevice::isConnected() {

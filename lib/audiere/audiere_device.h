@@ -11,18 +11,19 @@ namespace zentrak::audiere {
 
 class OpenALDevice : public AudioDevice {
 public:
-    // Takes over an open device; `attributes` are those of its context and may be null. Null, and the device
-    // closed, when the device is null or gives no context.
-    static RefPtr<OpenALDevice> adopt(ALCdevice* device, const ALCint* attributes);
+    // Null when there is no device of this name (null: the system's own), or it gives no context.
+    static RefPtr<OpenALDevice> open(const char* name);
 
-    // To be called before any call of OpenAL on behalf of this device.
+    // Makes the context the calling thread's; before any OpenAL call on behalf of this device.
     void makeCurrent();
+    // Before the thread ends, or the device.
+    void releaseCurrent();
 
     // False once the device was unplugged.
     virtual bool isConnected();
 
 protected:
-    OpenALDevice(ALCdevice* device, ALCcontext* context); // takes over both
+    OpenALDevice(ALCdevice* device, ALCcontext* context); // takes ownership of both
     ~OpenALDevice() override;
 
 private:

@@ -28,10 +28,10 @@ std::string Downmix::vorbisPlaces(int count) {
 }
 
 void Downmix::add(int channel, const float* in, int stride, int frames, float* out) const {
-    const float middle = 0.70710678f;
+    const float centre = 0.70710678f;
     char place = mPlaces[size_t(channel)];
-    float left = place == 'L' ? 1 : place == 'C' ? middle : 0;
-    float right = place == 'R' ? 1 : place == 'C' ? middle : 0;
+    float left = place == 'L' ? 1 : place == 'C' ? centre : 0;
+    float right = place == 'R' ? 1 : place == 'C' ? centre : 0;
     for (int frame = 0; frame < frames; ++frame, in += stride, out += 2) {
         out[0] += left * *in;
         out[1] += right * *in;

@@ -1,5 +1,6 @@
-// Brings sound of many channels to two: each channel goes to its side, one in the middle to both, 3 dB down,
-// and the subwoofer to none.
+// Mixes many channels down to two: each goes to its side, a centre channel to both, 3 dB down, and the
+// subwoofer to neither. OpenAL Soft can't do it: it takes only some numbers of channels, and before
+// version 1.20 it drops the centre unless everything is played through a virtual room.
 #pragma once
 
 #include <string>
@@ -10,11 +11,11 @@ class Downmix {
 public:
     Downmix() = default; // of no channels
 
-    // One letter per channel: L left, R right, C middle, S subwoofer.
+    // One letter per channel: L left, R right, C centre, S subwoofer.
     explicit Downmix(const std::string& places) : mPlaces(places) {}
 
-    // The places of `count` channels in the order that WAV and FLAC files have without saying so, and in that
-    // of Vorbis. More than eight are left and right by turns.
+    // The letters of `count` channels in the default order of WAV and FLAC, and in that of Vorbis. More than
+    // eight alternate between left and right.
     static std::string usualPlaces(int count);
     static std::string vorbisPlaces(int count);
 

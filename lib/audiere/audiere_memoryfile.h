@@ -1,4 +1,4 @@
-// A file that is a block of memory of its own.
+// A file that is a copy of a block of memory.
 #pragma once
 
 #include "audiere.h"

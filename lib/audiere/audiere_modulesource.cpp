@@ -10,10 +10,10 @@ namespace zentrak::audiere {
 
 namespace {
 
-const int SAMPLE_RATE = 48000;
-const int SKIP_FRAMES = 1024;               // rendered at a time where nobody listens
-const int LEAD_IN = 4096;                   // frames of full quality ahead of a position sought
-const int LONGEST_SKIP = 900 * SAMPLE_RATE; // about a second's work on a plain module
+constexpr int SAMPLE_RATE = 48000;
+constexpr int SKIP_FRAMES = 1024;               // rendered and dropped at a time
+constexpr int LEAD_IN = 4096;                   // frames of full quality before a position
+constexpr int LONGEST_SKIP = 900 * SAMPLE_RATE; // a second or so of work for a plain module
 
 std::vector<char> readAll(File& file) {
     file.seek(0, File::END);
@@ -23,7 +23,7 @@ std::vector<char> readAll(File& file) {
     return bytes;
 }
 
-// Takes libopenmpt's messages, which nobody wants to read.
+// Swallows libopenmpt's messages.
 std::ostream& nowhere() {
     static std::ostream stream(nullptr);
     return stream;
@@ -69,10 +69,10 @@ int ModuleSource::read(int frameCount, void* buffer) {
     return int(wanted);
 }
 
-// Only a rendering from the start sounds the same as having listened up to here, down to the sample;
-// libopenmpt's own seek lands on a row and forgets what rang on. So everything ahead of the position is
-// rendered and dropped, without interpolation, for speed, until shortly before it. Only a very long way is
-// cut short by that seek.
+// Only a rendering from the start is exact to the sample: libopenmpt's own seek lands on a row, up to a tenth
+// of a second away, and forgets the notes that ring on. So everything before the position is rendered and
+// dropped, without interpolation until shortly before it: a millisecond or two for each second of music. Only
+// a very long way is cut short by that seek.
 void ModuleSource::setPosition(int position) {
     position = std::clamp(position, 0, mLength);
     if (position == mLength) {
@@ -92,7 +92,7 @@ void ModuleSource::setPosition(int position) {
     skipTo(position, 0);
 }
 
-// Renders and drops; filterLength as libopenmpt counts it: 1 without interpolation, 0 its best choice.
+// Renders and drops. filterLength is libopenmpt's: 1 for no interpolation, 0 for its own choice.
 void ModuleSource::skipTo(int position, int filterLength) {
     float dropped[2 * SKIP_FRAMES];
     mModule.set_render_param(openmpt::module::RENDER_INTERPOLATIONFILTER_LENGTH, filterLength);

@@ -9,7 +9,7 @@ namespace zentrak::audiere {
 
 namespace {
 
-// What libmpg123 calls to reach the file.
+// libmpg123's access to the file.
 ssize_t fileRead(void* user, void* buffer, size_t size) {
     return static_cast<File*>(user)->read(buffer, int(std::min<size_t>(size, INT_MAX)));
 }
@@ -19,14 +19,31 @@ off_t fileSeek(void* user, off_t offset, int whence) {
     return seekFile(*file, offset, whence) ? file->tell() : -1;
 }
 
+// A tag, or the header of a frame of layer 3 whose fields are all valid. The library itself would search any
+// file for something that looks like one.
+bool beginsLikeMp3(File& file) {
+    unsigned char mark[4] = {};
+    file.seek(0, File::BEGIN);
+    if (file.read(mark, 4) < 4)
+        return false;
+    if (mark[0] == 'I' && mark[1] == 'D' && mark[2] == '3')
+        return true;
+    const int version = mark[1] >> 3 & 3, layer = mark[1] >> 1 & 3, bitrate = mark[2] >> 4,
+              rate = mark[2] >> 2 & 3;
+    return mark[0] == 0xFF && mark[1] >> 5 == 7 && version != 1 && layer == 1 && bitrate != 0 &&
+           bitrate != 15 && rate != 3;
+}
+
 } // namespace
 
 RefPtr<SampleSource> MpegSource::open(const RefPtr<File>& file) {
     return openAs<MpegSource>(file);
 }
 
-// The whole file is scanned for its frames, since a header's word on the length may be missing or wrong.
+// The whole file is scanned for its frames: the length in the header may be missing or wrong.
 MpegSource::MpegSource(const RefPtr<File>& file) : mFile(file) {
+    if (!beginsLikeMp3(*mFile))
+        return;
     mFile->seek(0, File::BEGIN);
     mDecoder = mpg123_new(nullptr, nullptr);
     long rate;
@@ -70,7 +87,7 @@ int MpegSource::read(int frameCount, void* buffer) {
     return frames;
 }
 
-// Where something that is no MP3 stands behind, the library may say that it landed far past the end.
+// If the MP3 is followed by something else, the library may report a position far past the end.
 void MpegSource::setPosition(int position) {
     position = std::clamp(position, 0, mLength);
     mPosition = int(std::clamp<off_t>(mpg123_seek(mDecoder, position, SEEK_SET), 0, mLength));

@@ -10,7 +10,7 @@ namespace {
 
 const int MIX_FRAMES = 1024; // mixed down at a time
 
-// What libsndfile calls to reach the file.
+// libsndfile's access to the file.
 sf_count_t fileLength(void* user) {
     File* file = static_cast<File*>(user);
     int position = file->tell();
@@ -37,7 +37,7 @@ sf_count_t fileWrite(const void*, sf_count_t, void*) {
     return 0;
 }
 
-// libsndfile knows many more formats, which aren't asked for.
+// libsndfile knows many more formats, which are not supported here.
 bool hasMark(File& file) {
     char mark[4] = {};
     file.seek(0, File::BEGIN);

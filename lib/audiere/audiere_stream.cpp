@@ -6,11 +6,12 @@ namespace zentrak::audiere {
 
 namespace {
 
-const ALint REMIX_UNMATCHED = 2; // AL_REMIX_UNMATCHED_SOFT, which older headers lack
-const int LOWEST_RATE = 1000;    // frames a second
-const int HIGHEST_RATE = 768000;
-const double LONGEST_DELAY = 0.5; // seconds; what a device tells beyond it is not believed
-const float LOUDEST = 8;          // samples beyond are the work of a damaged file
+constexpr ALint REMIX_UNMATCHED = 2; // AL_REMIX_UNMATCHED_SOFT, which older headers lack
+constexpr int LOWEST_RATE = 1000;    // frames per second
+constexpr int HIGHEST_RATE = 768000;
+constexpr double LONGEST_DELAY = 0.5;            // seconds; a device that reports more is not believed
+constexpr float LOUDEST = 8;                     // louder samples come from damaged files
+constexpr std::chrono::milliseconds PERIOD(100); // between top-ups; the queue lasts much longer
 
 } // namespace
 
@@ -25,7 +26,7 @@ RefPtr<OutputStream> OpenALStream::open(const RefPtr<OpenALDevice>& device,
 OpenALStream::OpenALStream(const RefPtr<OpenALDevice>& device, const RefPtr<SampleSource>& source)
     : mDevice(device), mSource(source) {}
 
-// False when the stream can't be had.
+// False if the stream can't be opened.
 bool OpenALStream::setup() {
     SampleFormat sampleFormat;
     mSource->getFormat(mChannelCount, mSampleRate, sampleFormat);
@@ -42,8 +43,7 @@ bool OpenALStream::setup() {
     alGenBuffers(BUFFER_COUNT, mBuffers);
     if (alGetError() != AL_NO_ERROR || !alIsExtensionPresent("AL_EXT_FLOAT32"))
         return false;
-    // The left channel goes to the left and the right one to the right, not through a room around the
-    // listener.
+    // Left goes to the left and right to the right, not through a virtual room around the listener.
     if (alIsExtensionPresent("AL_SOFT_direct_channels_remix"))
         alSourcei(mName, AL_DIRECT_CHANNELS_SOFT, REMIX_UNMATCHED);
     else if (alIsExtensionPresent("AL_SOFT_direct_channels"))
@@ -55,35 +55,60 @@ bool OpenALStream::setup() {
     return true;
 }
 
-// Deleting the name 0 is no error in OpenAL.
 OpenALStream::~OpenALStream() {
+    {
+        const std::lock_guard lock(mMutex);
+        mQuit = true;
+    }
+    mChanged.notify_one();
+    if (mThread.joinable())
+        mThread.join();
     mDevice->makeCurrent();
     if (mName)
         alDeleteSources(1, &mName);
-    alDeleteBuffers(BUFFER_COUNT, mBuffers);
+    alDeleteBuffers(BUFFER_COUNT, mBuffers); // 0 is a valid name here
+}
+
+// The thread: keeps the queue full while the stream plays.
+void OpenALStream::serve() {
+    std::unique_lock lock(mMutex);
+    while (!mQuit) {
+        if (mPlaying) {
+            update();
+            mChanged.wait_for(lock, PERIOD);
+        } else {
+            mChanged.wait(lock);
+        }
+    }
+    mDevice->releaseCurrent();
 }
 
 void OpenALStream::play() {
+    const std::lock_guard lock(mMutex);
     if (mPlaying)
         return;
     if (mRanOut)
-        setPosition(0);
+        moveTo(0);
     mPlaying = true;
     mUpdated = Clock::now();
     mDevice->makeCurrent();
     fill();
     alSourcePlay(mName);
+    if (!mThread.joinable())
+        mThread = std::thread(&OpenALStream::serve, this);
+    mChanged.notify_one();
 }
 
-// What the device holds back is still heard, so the position is where OpenAL stands, and not a delay behind
-// it.
+// What the device holds back is still heard, so the position is the one that OpenAL has reached, without the
+// delay.
 void OpenALStream::stop() {
+    const std::lock_guard lock(mMutex);
     update();
     if (!mPlaying)
         return;
     mPlaying = false;
     alSourcePause(mName);
-    double where = offset(false);
+    const double where = offset(false);
     ALint state;
     alGetSourcei(mName, AL_SOURCE_STATE, &state);
     if (state == AL_PAUSED)
@@ -91,22 +116,35 @@ void OpenALStream::stop() {
 }
 
 bool OpenALStream::isPlaying() {
+    const std::lock_guard lock(mMutex);
     update();
     return mPlaying;
 }
 
 int OpenALStream::getPosition() {
+    const std::lock_guard lock(mMutex);
     update();
     return mPosition;
 }
 
 void OpenALStream::setVolume(float volume) {
-    mVolume = volume > 0 ? std::min(volume, 1.0f) : 0.0f; // not a number is silence
+    const std::lock_guard lock(mMutex);
+    mVolume = volume > 0 ? std::min(volume, 1.0f) : 0.0f; // NaN is silence
     mDevice->makeCurrent();
     alSourcef(mName, AL_GAIN, mVolume);
 }
 
+float OpenALStream::getVolume() {
+    const std::lock_guard lock(mMutex);
+    return mVolume;
+}
+
 void OpenALStream::setPosition(int position) {
+    const std::lock_guard lock(mMutex);
+    moveTo(position);
+}
+
+void OpenALStream::moveTo(int position) {
     mDevice->makeCurrent();
     flush(std::clamp(position, 0, mLength));
     mRanOut = false;
@@ -116,8 +154,8 @@ void OpenALStream::setPosition(int position) {
     }
 }
 
-// Follows OpenAL: takes over how far it came, and tops up the queue. A source that ran dry because nobody
-// called for too long has played all that was queued, and goes on behind it.
+// Takes over how far OpenAL has come, and tops up the queue. A source that ran dry, because this was not
+// called for too long, has played all that was queued, and goes on after that.
 void OpenALStream::update() {
     if (!mPlaying)
         return;
@@ -127,7 +165,7 @@ void OpenALStream::update() {
         return;
     }
     mUpdated = Clock::now();
-    double where = offset(true); // before the state: a source that stops in between has the offset 0
+    const double where = offset(true); // before the state: a source that stops in between has the offset 0
     if (isRunning())
         advance(double(mQueuedAt) + where);
     else
@@ -141,7 +179,7 @@ void OpenALStream::update() {
     ALint processed;
     alGetSourcei(mName, AL_BUFFERS_PROCESSED, &processed);
     drop(processed);
-    int kept = mQueued;
+    const int kept = mQueued;
     fill();
     if (!isRunning()) {
         drop(kept); // played meanwhile
@@ -150,11 +188,10 @@ void OpenALStream::update() {
     }
 }
 
-// Without a device the show goes on in silence: time passes, and the sound ends when it would have.
+// Without a device the sound goes on in silence: time passes, and it ends when it would have.
 void OpenALStream::updateSilently() {
-    Clock::time_point now = Clock::now();
-    std::chrono::duration<double> passed = now - mUpdated;
-    int frames = int(std::min(passed.count() * mSampleRate, double(mEnd - mPosition)));
+    const std::chrono::duration<double> passed = Clock::now() - mUpdated;
+    const int frames = int(std::min(passed.count() * mSampleRate, double(mEnd - mPosition)));
     mUpdated += std::chrono::duration_cast<Clock::duration>(
         std::chrono::duration<double>(double(frames) / mSampleRate));
     flush(mPosition + frames);
@@ -176,7 +213,7 @@ void OpenALStream::fill() {
     }
 }
 
-// Fills mSamples with what comes next, and silence behind the end.
+// Fills mSamples with what comes next, and with silence after the end.
 void OpenALStream::decode() {
     int count = 0;
     if (mSource->getPosition() < mEnd) {
@@ -193,7 +230,7 @@ void OpenALStream::decode() {
     std::fill(end, mSamples.end(), 0.0f);
 }
 
-// Takes the oldest `count` buffers, all of them played, out of the queue.
+// Removes the oldest `count` buffers, all of them played, from the queue.
 void OpenALStream::drop(int count) {
     for (; count > 0 && mQueued > 0; --count) {
         ALuint buffer;
@@ -214,7 +251,7 @@ void OpenALStream::flush(int position) {
     mSource->setPosition(position);
 }
 
-// The position never goes back by itself: the delay of a device is an estimate that wavers.
+// The position never goes back by itself: the delay of a device is an estimate that fluctuates.
 void OpenALStream::advance(double position) {
     mPosition = int(std::min(std::max(position, double(mPosition)), double(mEnd)));
 }
@@ -225,7 +262,7 @@ bool OpenALStream::isRunning() const {
     return state == AL_PLAYING;
 }
 
-// Frames from the start of the queue to the one that is mixed now, or that is heard now.
+// Frames from the start of the queue to the one being mixed, or being heard.
 double OpenALStream::offset(bool heard) const {
     if (!heard || !mGetSource64) {
         ALint frames = 0;
@@ -234,7 +271,7 @@ double OpenALStream::offset(bool heard) const {
     }
     ALint64SOFT both[2] = {}; // frames in 32.32 fixed point, nanoseconds until they are heard
     mGetSource64(mName, AL_SAMPLE_OFFSET_LATENCY_SOFT, both);
-    double delay = std::clamp(double(both[1]) / 1e9, 0.0, LONGEST_DELAY);
+    const double delay = std::clamp(double(both[1]) / 1e9, 0.0, LONGEST_DELAY);
     return double(both[0]) / 4294967296.0 - delay * mSampleRate;
 }
 

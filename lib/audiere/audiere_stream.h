@@ -1,11 +1,18 @@
 // A stream on an OpenAL source: a ring of equal buffers, filled with what the sample source decodes, and with
-// silence behind its end. The silence lets the position run past the last frame, so that the end is known to
-// be heard, whatever delay the device has.
+// silence after its end. Because of that silence the position can run past the last frame, so that the end is
+// known to have been heard, whatever the delay of the device.
+//
+// A thread of the stream's own tops up the queue while it plays. Every public call does the same, so that
+// what it returns is current. All of them hold mMutex, which guards everything below it, OpenAL's source and
+// the sample source included.
 #pragma once
 
 #include "audiere_device.h"
 
 #include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
 #include <vector>
 
 namespace zentrak::audiere {
@@ -19,7 +26,7 @@ public:
     void stop() override;
     bool isPlaying() override;
     void setVolume(float volume) override;
-    float getVolume() override { return mVolume; }
+    float getVolume() override;
     void setPosition(int position) override;
     int getPosition() override;
     int getLength() override { return mLength; }
@@ -31,6 +38,8 @@ private:
     ~OpenALStream() override;
 
     bool setup();
+    void serve();
+    void moveTo(int position);
     void update();
     void updateSilently();
     void fill();
@@ -46,11 +55,15 @@ private:
         BUFFER_COUNT = 12, // a second and a half
     };
 
-    RefPtr<OpenALDevice> mDevice;
-    RefPtr<SampleSource> mSource;
+    const RefPtr<OpenALDevice> mDevice;
+    const RefPtr<SampleSource> mSource;
     int mChannelCount = 0; // of the source; two are played in any case
     int mSampleRate = 0;
     int mLength = 0;
+    std::mutex mMutex;
+    std::condition_variable mChanged; // mPlaying was set, or mQuit
+    std::thread mThread;              // starts with the first play
+    bool mQuit = false;
     int mBufferFrames = 0;
     std::vector<float> mSamples; // of one buffer, in stereo
     ALuint mName = 0;            // of the OpenAL source
@@ -59,7 +72,7 @@ private:
     int mQueued = 0;    // how many are, from mFirst on, round the ring
     long mQueuedAt = 0; // frame at the start of mFirst
     int mEnd = 0;       // frame at which the sound ends, as far as known
-    int mPosition = 0;  // frame last told, never past mEnd
+    int mPosition = 0;  // frame last reported, never past mEnd
     bool mPlaying = false;
     bool mRanOut = false; // played to the end and not moved since
     float mVolume = 1;

@@ -7,7 +7,7 @@ namespace zentrak::audiere {
 
 namespace {
 
-// What libvorbisfile calls to reach the file.
+// libvorbisfile's access to the file.
 size_t fileRead(void* buffer, size_t size, size_t count, void* user) {
     if (size == 0)
         return 0;
@@ -29,7 +29,7 @@ RefPtr<SampleSource> VorbisSource::open(const RefPtr<File>& file) {
     return openAs<VorbisSource>(file);
 }
 
-// Of several streams one after the other, those are played that go on in the format of the first.
+// Of several streams in a row, those in the format of the first are played, up to one that differs.
 VorbisSource::VorbisSource(const RefPtr<File>& file) : mFile(file) {
     const ov_callbacks access = {fileRead, fileSeek, nullptr, fileTell};
     mFile->seek(0, File::BEGIN);
@@ -61,7 +61,7 @@ void VorbisSource::getFormat(int& channelCount, int& sampleRate, SampleFormat& s
     sampleFormat = SF_F32;
 }
 
-// A hole in the data is stepped over, and what it lacks is not taken from a stream of another format behind.
+// A hole in the data is skipped, and not made up for from a following stream of another format.
 int VorbisSource::read(int frameCount, void* buffer) {
     int wanted = std::min(frameCount, mLength - mPosition);
     int done = 0;

@@ -4,13 +4,11 @@
 #include "program.h"
 
 #include <algorithm>
-#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <sstream>
-#include <thread>
 #include <vector>
 
 using namespace zentrak::test;
@@ -54,6 +52,36 @@ void playAndQuit(Program& program, const std::string& key = "Escape", const std:
 
 bool contains(const std::string& text, const std::string& part) {
     return text.find(part) != std::string::npos;
+}
+
+// What the key P has printed so far.
+std::vector<std::string> printedTimes(const Program& program) {
+    std::vector<std::string> times;
+    std::istringstream lines(program.output());
+    for (std::string line; std::getline(lines, line);)
+        if (!line.empty() && line.find_first_not_of("0123456789.") == std::string::npos)
+            times.push_back(line);
+    return times;
+}
+
+// Asks the show for its time once more; -1 if it doesn't answer.
+double askTime(Program& program) {
+    const size_t before = printedTimes(program).size();
+    program.key("p");
+    std::vector<std::string> times;
+    const bool answered = waitFor([&] {
+        times = printedTimes(program);
+        return times.size() > before || !program.running();
+    });
+    return answered && times.size() > before ? atof(times.back().c_str()) : -1;
+}
+
+// Whether the show plays on until `seconds`.
+bool reaches(Program& program, double seconds) {
+    double now = 0;
+    while (now >= 0 && now < seconds)
+        now = askTime(program);
+    return now >= seconds;
 }
 
 } // namespace
@@ -128,14 +156,10 @@ TEST(TheProgram, PPrintsTheTime) {
     program.key("p");
     program.key("Escape");
     EXPECT_EQ(program.wait(), 0);
-    std::vector<std::string> times;
-    std::istringstream lines(program.output());
-    for (std::string line; std::getline(lines, line);)
-        if (line.find_first_not_of("0123456789.") == std::string::npos)
-            times.push_back(line);
+    const std::vector<std::string> times = printedTimes(program);
     ASSERT_EQ(times.size(), 2u) << program.output();
     EXPECT_GT(atof(times[0].c_str()), 0.0);
-    EXPECT_EQ(times[0].size() - times[0].find('.'), 7u) << times[0]; // six digits behind the point
+    EXPECT_EQ(times[0].size() - times[0].find('.'), 7u) << times[0]; // six digits after the point
     EXPECT_EQ(times[0], times[1]);
 }
 
@@ -178,9 +202,10 @@ TEST(TheProgram, APauseIsNotTheEndOfTheMusic) {
     ASSERT_TRUE(program.focus());
     EXPECT_TRUE(waitFor([&] { return isWhite(program); }));
     program.key("space");
-    std::this_thread::sleep_for(std::chrono::seconds(1));
-    EXPECT_TRUE(program.running());
+    const double paused = askTime(program);
+    EXPECT_EQ(askTime(program), paused); // it goes on drawing and answering
     program.key("space");
+    EXPECT_TRUE(reaches(program, paused + 0.01));
     program.key("Escape");
     EXPECT_EQ(program.wait(), 0);
 }
@@ -192,8 +217,7 @@ TEST(TheProgram, ALoopPlaysOnPastTheEndOfTheMusic) {
     program.start();
     ASSERT_TRUE(program.focus());
     EXPECT_TRUE(waitFor([&] { return isWhite(program); }));
-    std::this_thread::sleep_for(std::chrono::seconds(1));
-    EXPECT_TRUE(program.running());
+    EXPECT_TRUE(reaches(program, 0.5)); // the music lasts a tenth of a second
     program.key("Escape");
     EXPECT_EQ(program.wait(), 0);
     EXPECT_TRUE(contains(program.read("setup.local.xml"), "loop=\"on\""));
@@ -207,18 +231,27 @@ TEST(TheProgram, WithoutSoundThereIsNoEndAndTheLastPictureStays) {
     program.start();
     ASSERT_TRUE(program.focus());
     EXPECT_TRUE(waitFor([&] { return isWhite(program); }));
-    std::this_thread::sleep_for(std::chrono::milliseconds(1500));
-    EXPECT_TRUE(program.running());
+    EXPECT_TRUE(reaches(program, 1));
     EXPECT_TRUE(isWhite(program));
     program.key("Escape");
     EXPECT_EQ(program.wait(), 0);
     EXPECT_FALSE(program.has("setup.local.xml"));
 }
 
-TEST(TheProgram, ShowsItsTitleAndFillsTheScreen) {
+TEST(TheProgram, PlaysInFullScreen) {
     Program program;
     prepare(program, NOSOUND, "width=\"640\" height=\"480\" fullscreen=\"on\"");
-    playAndQuit(program);
+    program.start();
+    ASSERT_TRUE(program.focus()) << program.output();
+    const std::string screen = runCommand("xdotool getdisplaygeometry").second; // "1400 1100"
+    EXPECT_TRUE(waitFor([&] {
+        Picture picture;
+        return program.grab(picture) &&
+               std::to_string(picture.width) + " " + std::to_string(picture.height) + "\n" == screen &&
+               picture.at(picture.width - 1, picture.height - 1)[0] == 255;
+    })) << screen;
+    program.key("Escape");
+    EXPECT_EQ(program.wait(), 0) << program.output();
     EXPECT_TRUE(contains(program.read("setup.local.xml"), "fullscreen=\"on\""));
 }
 
@@ -254,7 +287,7 @@ TEST(TheProgram, WithoutADisplayElementShowsNothingAndSaves) {
               "<demo>\n<music mute=\"off\"/>\n<time start=\"0.00\" loop=\"off\"/>\n</demo>\n");
 }
 
-TEST(TheProgram, ABrokenLocalFileIsToldAndKept) {
+TEST(TheProgram, ABrokenLocalFileIsReportedAndKept) {
     for (const char* text :
          {"", "<demo", "<demo><a", "<demo><a b", "<demo><a b=", "<demo><a b=\"", "<demo><a b=\"c\"",
           "<demo><a b=\"c\"/", "<demo><a/></demo", "<demo><!-- ", "<demo><?a ", "<demo>text", "<demo><!D",
@@ -269,7 +302,7 @@ TEST(TheProgram, ABrokenLocalFileIsToldAndKept) {
     }
 }
 
-TEST(TheProgram, AMissingScriptIsTold) {
+TEST(TheProgram, AMissingScriptIsReported) {
     Program program;
     program.write("setup.local.xml", setup(program, NOSOUND));
     EXPECT_EQ(program.run(), 0);
@@ -278,7 +311,7 @@ TEST(TheProgram, AMissingScriptIsTold) {
 }
 
 // The log names the file before the error ends the program.
-TEST(TheProgram, AFileThatCanNotBeReadIsNamed) {
+TEST(TheProgram, AFileThatCannotBeReadIsNamed) {
     const struct {
         const char* name;
         const char* bytes; // null: the file is missing
@@ -307,7 +340,7 @@ TEST(TheProgram, AFileThatCanNotBeReadIsNamed) {
     }
 }
 
-TEST(TheProgram, AnEffectThatCanNotLoadIsToldAndTheSetupSaved) {
+TEST(TheProgram, AnEffectThatCannotLoadIsReportedAndTheSetupSaved) {
     Program program;
     prepare(program);
     std::filesystem::remove(program.dir().file("border"));
@@ -335,7 +368,7 @@ TEST(TheProgram, LoadsEveryEffectOfTheTableOfNamesAndNoOtherInItsOrder) {
     EXPECT_TRUE(std::is_sorted(loaded.begin(), loaded.end()));
 }
 
-TEST(TheProgram, AScriptThatCanNotBeLoadedPlaysNothing) {
+TEST(TheProgram, AScriptThatCannotBeLoadedPlaysNothing) {
     Program program;
     prepare(program);
     program.write("script.xml",
@@ -343,7 +376,7 @@ TEST(TheProgram, AScriptThatCanNotBeLoadedPlaysNothing) {
                   "<trigger name=\"color\" value=\"white\"/><spline name=\"alpha\"/></effect></script>");
     program.start();
     ASSERT_TRUE(program.focus());
-    std::this_thread::sleep_for(std::chrono::milliseconds(700));
+    EXPECT_TRUE(reaches(program, 0.1));
     EXPECT_FALSE(isWhite(program));
     program.key("Escape");
     EXPECT_EQ(program.wait(), 0);
@@ -351,7 +384,7 @@ TEST(TheProgram, AScriptThatCanNotBeLoadedPlaysNothing) {
     EXPECT_TRUE(contains(program.read("setup.local.xml"), "<music mute=\"off\"/>"));
 }
 
-TEST(TheProgram, AScriptOfBrokenXmlIsTold) {
+TEST(TheProgram, AScriptOfBrokenXmlIsReported) {
     Program program;
     prepare(program);
     program.write("script.xml", "<script>\n<effect name=\"clear\n");
@@ -363,7 +396,7 @@ TEST(TheProgram, AScriptOfBrokenXmlIsTold) {
         << program.output();
 }
 
-TEST(TheProgram, MissingAndUndecodableMusicPlaysSilently) {
+TEST(TheProgram, MissingAndUndecodableMusicLeavesTheShowSilent) {
     for (const char* name : {"missing.ogg", "noise.ogg", "folder", ""}) {
         Program program;
         prepare(program, std::string("<music filename=\"") + name + "\"/>");
@@ -446,7 +479,7 @@ TEST(TheProgram, AWindowWithoutASizeGetsOne) {
     }
 }
 
-TEST(TheProgram, AnEnormousWindowIsToldAndNothingIsLost) {
+TEST(TheProgram, AnEnormousWindowIsReportedAndNothingIsLost) {
     for (const char* size : {"width=\"1000000000\" height=\"1000000000\"",
                              "width=\"320\" height=\"99999999999999\"", "width=\"40000\" height=\"2\""}) {
         Program program;
@@ -458,7 +491,7 @@ TEST(TheProgram, AnEnormousWindowIsToldAndNothingIsLost) {
     }
 }
 
-TEST(TheProgram, NumbersThatAreNoneHurtNothing) {
+TEST(TheProgram, NumbersThatAreNotNumbersHurtNothing) {
     Program program;
     prepare(program, NOSOUND + "<time start=\"nan\"/><osd show=\"on\" delay=\"nan\"/>");
     playAndQuit(program);

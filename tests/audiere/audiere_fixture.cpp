@@ -3,9 +3,11 @@
 #include "support.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <gtest/gtest.h>
 #include <map>
+#include <thread>
 
 namespace zentrak::test {
 
@@ -93,12 +95,12 @@ const std::map<std::string, std::string>& sounds() {
 // A device that can be unplugged.
 class LoopbackDevice : public OpenALDevice {
 public:
-    LoopbackDevice(ALCdevice* device, ALCcontext* context, const bool& connected)
+    LoopbackDevice(ALCdevice* device, ALCcontext* context, const std::atomic<bool>& connected)
         : OpenALDevice(device, context), mConnected(connected) {}
     bool isConnected() override { return mConnected; }
 
 private:
-    const bool& mConnected;
+    const std::atomic<bool>& mConnected;
 };
 
 } // namespace
@@ -135,6 +137,18 @@ std::vector<float> readAll(SampleSource& source) {
     }
 }
 
+bool waitFor(const std::function<bool()>& condition) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > end) {
+            ADD_FAILURE() << "waited in vain";
+            return false;
+        }
+        std::this_thread::yield();
+    }
+    return true;
+}
+
 CountingSource::CountingSource(int length, int channelCount, int rate, int readable)
     : mLength(length),
       mChannelCount(channelCount),
@@ -148,13 +162,16 @@ void CountingSource::getFormat(int& channelCount, int& sampleRate, SampleFormat&
 }
 
 int CountingSource::read(int frameCount, void* buffer) {
+    const std::lock_guard lock(mReading);
     float* out = static_cast<float*>(buffer);
-    int count = std::max(std::min(frameCount, mReadable - mPosition), 0);
-    for (int i = 0; i < count; ++i, ++mPosition) {
-        *out++ = sample(mPosition);
+    const int position = mPosition;
+    const int count = std::max(std::min(frameCount, mReadable - position), 0);
+    for (int i = 0; i < count; ++i) {
+        *out++ = sample(position + i);
         if (mChannelCount == 2)
-            *out++ = -sample(mPosition);
+            *out++ = -sample(position + i);
     }
+    mPosition = position + count;
     return count;
 }
 

@@ -5,6 +5,9 @@
 #include "audiere.h"
 #include "audiere_device.h"
 
+#include <atomic>
+#include <functional>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -28,7 +31,11 @@ audiere::RefPtr<audiere::SampleSource> openSource(const std::string& bytes);
 // Everything that the source gives from where it stands, in reads of odd sizes.
 std::vector<float> readAll(audiere::SampleSource& source);
 
-// Frame n is n / 2^20 on the left and its negative on the right, so that every frame heard can be told.
+// Waits until `condition` holds. False, and a failure, if it doesn't within a minute.
+bool waitFor(const std::function<bool()>& condition);
+
+// Frame n is n / 2^20 on the left and its negative on the right, so that every frame heard can be identified.
+// It may be read on a thread of the stream's.
 class CountingSource : public audiere::SampleSource {
 public:
     explicit CountingSource(int length, int channelCount = 2, int rate = RATE, int readable = -1);
@@ -41,12 +48,15 @@ public:
 
     static float sample(int frame) { return float(frame) / 1048576.0f; }
 
+    // While it is locked, nothing can be read.
+    std::mutex mReading;
+
 private:
     int mLength, mChannelCount, mRate, mReadable;
-    int mPosition = 0;
+    std::atomic<int> mPosition = 0;
 };
 
-// A device that plays into memory, as far as it is told to: time is what the test renders.
+// A device that plays into memory: time is what the test renders.
 class Loopback {
 public:
     explicit Loopback(int rate = RATE);
@@ -56,10 +66,10 @@ public:
     // What is heard in the next `frames`: left and right by turns.
     std::vector<float> render(int frames);
 
-    // The same in frames of the show, 60 a second, with the calls that the driver makes in each.
+    // The same in frames of the show, 60 per second, with the calls that the driver makes in each.
     std::vector<float> play(audiere::OutputStream& stream, int frames);
 
-    bool mConnected = true; // false: the device was unplugged
+    std::atomic<bool> mConnected = true; // false: the device was unplugged
 
 private:
     ALCdevice* mOpenAL;

@@ -62,8 +62,7 @@ void useUp(const std::string& bytes) {
 
 } // namespace
 
-// Every format
-// -----------------------------------------------------------------------------------------------------
+// -- every format
 
 class EverySound : public testing::TestWithParam<std::string> {};
 INSTANTIATE_TEST_SUITE_P(Formats, EverySound, testing::ValuesIn(soundNames()),
@@ -164,8 +163,7 @@ TEST_P(EverySound, DamagedItDoesNotCrash) {
     }
 }
 
-// What they sound like
-// ---------------------------------------------------------------------------------------------
+// -- what they sound like
 
 TEST(Source, LosslessFormatsGiveTheSameSamples) {
     std::vector<float> wav = readAll(*openSource(sound("wav")));
@@ -247,8 +245,7 @@ TEST(Source, SurroundIsMixedDownToTwoChannels) {
     }
 }
 
-// What is no sound
-// -------------------------------------------------------------------------------------------------
+// -- what is not sound
 
 TEST(Source, NoneOfANullFileAnEmptyFileOrAnUnknownFormat) {
     EXPECT_FALSE(AdrOpenSampleSourceFromFile(nullptr, 0));
@@ -269,6 +266,14 @@ TEST(Source, NoneOfOtherFiles) {
         noise += char(state >> 24);
     }
     EXPECT_FALSE(openSource(noise));
+}
+
+// A program of megabytes holds many bytes that look like the header of an MP3 frame; so does this.
+TEST(Source, NoneOfAFileWithAnMp3InTheMiddle) {
+    EXPECT_FALSE(openSource(readFile(binaryPath("tests/audiere/test_audiere"))));
+    EXPECT_FALSE(openSource(readFile("/bin/ls")));
+    EXPECT_FALSE(openSource("some words first: " + sound("mp3")));
+    EXPECT_TRUE(openSource(sound("mp3")));
 }
 
 TEST(Source, NoneOfASoundWithoutAFrame) {
