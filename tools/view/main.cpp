@@ -1,0 +1,184 @@
+// Shows a scene file in a window, or writes a picture of it.
+//   zentrak-view [OPTION...] FILE.o3d      --help lists the options
+// Ends with 0, with 1 where the file can't be read or the picture not be written, with 2 for a wrong call.
+
+#include "view/viewer.h"
+#include "view/virtual_display.h"
+
+#include "am_archivemanager.h"
+#include "command/command.h"
+#include "dis_display.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <exception>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+
+using namespace zentrak;
+
+namespace {
+
+constexpr const char* USAGE =
+    R"(usage: zentrak-view [OPTION...] FILE.o3d
+Shows a scene file, and again whenever it changes.
+  --time=SECONDS      starts there
+  --camera=NAME       looks through a camera of the scene
+  --edges             draws the triangles' edges too;  --wire draws nothing else
+  --normals           draws the normals
+  --no-panel          shows nothing but the picture; Tab brings the panel back
+  --size=WIDTHxHEIGHT of the window; else 1280x800
+  --picture=OUT.png   writes what the window would show and ends; needs no display where Xvfb is installed
+Mouse: drag turns, right drag moves, the wheel goes nearer.
+Keys: Space plays, arrows step (Shift: further), Home, End, C camera, F frame all or the selected,
+W edges, N normals, G grid, Tab panel, Escape ends.
+)";
+
+struct Call {
+    std::string file, picture, camera;
+    float time = 0;
+    bool panel = true, normals = false;
+    view::Viewer::Fill fill = view::Viewer::SHADED;
+    int width = 1280, height = 800;
+};
+
+bool readSize(const std::string& text, Call& call) {
+    const size_t cross = text.find('x');
+    return cross != std::string::npos &&
+           command::readNumber(text.substr(0, cross).c_str(), 64, 8192, call.width) &&
+           command::readNumber(text.substr(cross + 1).c_str(), 64, 8192, call.height);
+}
+
+bool readOption(const std::string& argument, Call& call) {
+    const size_t split = argument.find('=');
+    const std::string name = argument.substr(0, split);
+    const std::string value = split == std::string::npos ? "" : argument.substr(split + 1);
+    if (name == "--time" && !value.empty()) {
+        char* end = nullptr;
+        call.time = strtof(value.c_str(), &end);
+        return !*end;
+    }
+    if (name == "--camera")
+        return !(call.camera = value).empty();
+    if (name == "--picture")
+        return !(call.picture = value).empty();
+    if (name == "--size")
+        return readSize(value, call);
+    if (split != std::string::npos)
+        return false;
+    if (name == "--edges")
+        call.fill = view::Viewer::SHADED_AND_EDGES;
+    else if (name == "--wire")
+        call.fill = view::Viewer::EDGES;
+    else if (name == "--normals")
+        call.normals = true;
+    else if (name == "--no-panel")
+        call.panel = false;
+    else
+        return false;
+    return true;
+}
+
+bool readCall(int argc, char** argv, Call& call) {
+    for (int i = 1; i < argc; ++i) {
+        if (command::isOption(argv[i])) {
+            if (!readOption(argv[i], call)) {
+                fprintf(stderr, "zentrak-view: %s is no option, or its value is none\n", argv[i]);
+                return false;
+            }
+        } else if (call.file.empty()) {
+            call.file = argv[i];
+        } else {
+            return false;
+        }
+    }
+    call.height += call.height & 1; // a picture can be taken of an even height only
+    return !call.file.empty();
+}
+
+// Where the font lies: beside the program as it is installed, or in the tree that it was built from.
+std::string dataFolder() {
+    std::error_code problem;
+    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", problem);
+    for (const std::filesystem::path& folder :
+         {program.parent_path() / "../share/zentrak/data", program.parent_path() / "../share/zentrak",
+          std::filesystem::path(ZENTRAK_DATA)})
+        if (std::filesystem::exists(folder / "fonthelvete2.png", problem))
+            return folder.string();
+    throw std::runtime_error("the font fonthelvete2.png is in none of the folders of this program's data");
+}
+
+// The picture of the window, written by the archives' codec into the folder of the name.
+void writePicture(display::DisplayGL& display, const std::string& name) {
+    am::Image image(new am::ImageObject);
+    image->resize(display.mWindowMode.width, display.mWindowMode.height);
+    display.getScreenShot(image);
+    const std::filesystem::path path = std::filesystem::absolute(name);
+    am::ArchiveManager archives;
+    archives.addArchive(path.parent_path().string() + "/");
+    if (!archives.writeImage(path.filename().string(), image))
+        throw std::runtime_error(name + ": can't be written");
+}
+
+void show(const Call& call) {
+    std::optional<view::VirtualDisplay> screen;
+    if (view::VirtualDisplay::isNeeded()) {
+        if (call.picture.empty())
+            throw std::runtime_error("there is no display; --picture=OUT.png writes a picture without one");
+        screen.emplace(call.width, call.height);
+    }
+    am::ArchiveManager archives;
+    archives.addArchive(dataFolder());
+    display::WindowMode mode("zentrak-view " + call.file, call.width, call.height, false);
+    mode.canResize = true;
+    display::DisplayGL display(mode);
+    display.setArchive(&archives);
+    display.open();
+    view::Viewer viewer(&display, call.file);
+    viewer.setTime(call.time);
+    viewer.mFill = call.fill;
+    viewer.mNormals = call.normals;
+    viewer.showPanel(call.panel);
+    if (!call.camera.empty() && !viewer.chooseCamera(call.camera))
+        throw std::runtime_error(call.file + ": there is no camera '" + call.camera + "'");
+    if (call.picture.empty()) {
+        display.updateBlocking();
+        return;
+    }
+    // The window's manager may give it its size late.
+    for (int frame = 0; frame < 3; ++frame)
+        display.update();
+    writePicture(display, call.picture);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc == 2 && strcmp(argv[1], "--help") == 0) {
+        fputs(USAGE, stdout);
+        return 0;
+    }
+    Call call;
+    if (!readCall(argc, argv, call)) {
+        fputs(USAGE, stderr);
+        return 2;
+    }
+    try {
+        // Ahead of the window, so that a file that can't be shown opens none.
+        view::LoadedScene probe(call.file);
+    } catch (const std::exception& exception) {
+        fprintf(stderr, "%s: %s\n", call.file.c_str(), exception.what());
+        return 1;
+    }
+    try {
+        show(call);
+    } catch (const std::exception& exception) {
+        fprintf(stderr, "zentrak-view: %s\n", exception.what());
+        return 1;
+    }
+    return 0;
+}
