@@ -222,6 +222,8 @@ public:
         if (mManager.mScenes.size() != 1)
             throw std::runtime_error("it does not have one scene");
         for (o3d::Mesh* mesh : mManager.mMeshes) {
+            for (const std::string& fault : mesh->findFaults())
+                throw std::runtime_error("mesh '" + mesh->mName + "': " + fault);
             mesh->addNormals(); // ends the program where it can't
             for (const o3d::Submesh* submesh : mesh->mSubmeshes)
                 if (!mManager.getMaterial(mesh->getMaterial(submesh->mMaterial)))

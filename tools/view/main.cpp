@@ -100,16 +100,16 @@ bool readCall(int argc, char** argv, Call& call) {
     return !call.file.empty();
 }
 
-// Where the font lies: beside the program as it is installed, or in the tree that it was built from.
+// Where the font lies, seen from the program: as it is installed, or in the tree that it was built in.
 std::string dataFolder() {
     std::error_code problem;
     const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", problem);
-    for (const std::filesystem::path& folder :
-         {program.parent_path() / "../share/zentrak/data", program.parent_path() / "../share/zentrak",
-          std::filesystem::path(ZENTRAK_DATA)})
-        if (std::filesystem::exists(folder / "fonthelvete2.png", problem))
-            return folder.string();
-    throw std::runtime_error("the font fonthelvete2.png is in none of the folders of this program's data");
+    for (const char* const folder : {"../share/zentrak", "../../../data"}) {
+        const std::filesystem::path path = (program.parent_path() / folder).lexically_normal();
+        if (std::filesystem::exists(path / "fonthelvete2.png", problem))
+            return path.string();
+    }
+    throw std::runtime_error("the font fonthelvete2.png is in no folder of this program's data");
 }
 
 // The picture of the window, written by the archives' codec into the folder of the name.
