@@ -12,7 +12,6 @@
 
 namespace zentrak::kindler {
 
-using display::Batch;
 using mathbase::Matrix4x4Col;
 using mathbase::Quatf;
 using mathbase::Vector3f;
@@ -32,23 +31,40 @@ struct State {
     float zoom = 0, alpha = 0, bw = 0;
 } state;
 
-// A rod of radius 1 along the y axis: twelve sides, and the top around its centre, two of its triangles a
-// face.
-Batch::Solid rodOfRadiusOne() {
-    Batch::Solid rod;
-    for (int k = 0; k < SIDES; ++k) {
-        const float a = 2.0f * PI * float(k) / 12.0f;
-        rod.addCorner(Vector3f(sinf(a), -15, cosf(a)), LOWER);
-        rod.addCorner(Vector3f(sinf(a), 1, cosf(a)), UPPER);
+struct Circle {
+    float x[SIDES], z[SIDES];
+
+    Circle() {
+        for (int k = 0; k < SIDES; ++k) {
+            const float a = 2.0f * PI * float(k) / 12.0f;
+            x[k] = sinf(a);
+            z[k] = cosf(a);
+        }
     }
-    const int middle = rod.addCorner(Vector3f(0, 1, 0), UPPER);
-    const auto lower = [](int k) { return 2 * (k % SIDES); };
-    const auto upper = [](int k) { return 2 * (k % SIDES) + 1; };
-    for (int k = 0; k < SIDES; ++k)
-        rod.addFace(upper(k), lower(k), lower(k + 1), upper(k + 1));
-    for (int k = 0; k < SIDES; k += 2)
-        rod.addFace(middle, upper(k), upper(k + 1), upper(k + 2));
-    return rod;
+};
+
+// A rod of radius 1 along the y axis, in the colours of its lower end and its top: twelve sides, and the top
+// around its middle.
+void drawRod(display::Batch& batch, const Vector4f (&colors)[2]) {
+    static const Circle circle;
+    const auto vertex = [&](Color end, int k) {
+        batch.color(colors[end]);
+        batch.vertex(circle.x[k % SIDES], end == LOWER ? -15.0f : 1.0f, circle.z[k % SIDES]);
+    };
+    batch.begin(GL_QUADS);
+    for (int k = 0; k < SIDES; ++k) {
+        vertex(UPPER, k);
+        vertex(LOWER, k);
+        vertex(LOWER, k + 1);
+        vertex(UPPER, k + 1);
+    }
+    for (int k = 0; k < SIDES; k += 2) { // two triangles a quad
+        batch.vertex(0, 1, 0);
+        vertex(UPPER, k);
+        vertex(UPPER, k + 1);
+        vertex(UPPER, k + 2);
+    }
+    batch.end();
 }
 
 // The rotation from the y axis onto `axis`, of unit length. Asserts "length!=0" where they are one.
@@ -111,7 +127,6 @@ void Cubejox::update(float time, float delta, float) {
         colors[i][UPPER] = (top * (1.0f - state.bw) + grey) * shade;
     }
 
-    static Batch::Solid shape = rodOfRadiusOne();
     for (int i = 0; i < NUM_RODS; ++i) {
         Rod& rod = state.cj[i];
         rod.angle += 5.1f * delta * rod.spin;
@@ -125,7 +140,7 @@ void Cubejox::update(float time, float delta, float) {
             transform.mData[8 + r] = s * from[r] + c * from[8 + r];
         }
         mBatch.setTransform(transform);
-        mBatch.solid(shape, colors[i % KINDS]);
+        drawRod(mBatch, colors[i % KINDS]);
     }
     mBatch.flush();
 }

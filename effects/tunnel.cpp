@@ -5,7 +5,6 @@
 #include "effect_view.h"
 #include "mb_matrix4x4col.h"
 
-#include <algorithm>
 #include <cmath>
 
 namespace zentrak::kindler {
@@ -46,16 +45,8 @@ struct Positions {
 
 } // namespace
 
-// Corners 0 to 3 of a block at -DEPTH, 4 to 7 at DEPTH; faces counter-clockwise from outside: front, back,
-// inner, outer, sides.
 Tunnel::Tunnel(Common*) {
     state = State();
-    static const unsigned char faces[6][4] = {{0, 3, 2, 1}, {4, 5, 6, 7}, {0, 1, 5, 4},
-                                              {3, 7, 6, 2}, {1, 2, 6, 5}, {0, 4, 7, 3}};
-    for (int i = 0; i < 8; ++i)
-        mBlock.addCorner(Vector3f(0, 0, 0));
-    for (const unsigned char(&face)[4] : faces)
-        mBlock.addFace(face[0], face[1], face[2], face[3]);
 }
 
 const std::vector<Tunnel::Ring>& Tunnel::rings() {
@@ -173,18 +164,30 @@ void Tunnel::drawRing(Ring& ring, int index, const Vector3f& eye, float delta) {
             block.mData[12 + r] = plane.mData[12 + r] + right * px + up * py;
         }
         mBatch.setTransform(block);
-        mBatch.solid(mBlock);
+        drawBlock();
     }
 }
 
-// One of the blocks that a ring of these radii is cut into, around the y axis.
+// One of the blocks that a ring of these radii is cut into, around the y axis: corners 0 to 3 at -DEPTH, 4 to
+// 7 at DEPTH.
 void Tunnel::shapeBlock(float inner, float outer) {
     const float h = PI / float(BLOCK_POSITIONS);
     const float c = cosf(h), s = sinf(h);
     const float x[4] = {-s * inner, s * inner, s * outer, -s * outer};
     const float y[4] = {c * inner, c * inner, c * outer, c * outer};
     for (int i = 0; i < 8; ++i)
-        mBlock.setCorner(i, Vector3f(x[i & 3], y[i & 3], i < 4 ? -DEPTH : DEPTH));
+        mBlock[i] = Vector3f(x[i & 3], y[i & 3], i < 4 ? -DEPTH : DEPTH);
+}
+
+// Front, back, inner, outer, sides, each counter-clockwise from outside.
+void Tunnel::drawBlock() {
+    static constexpr int FACES[6][4] = {{0, 3, 2, 1}, {4, 5, 6, 7}, {0, 1, 5, 4},
+                                        {3, 7, 6, 2}, {1, 2, 6, 5}, {0, 4, 7, 3}};
+    mBatch.begin(GL_QUADS);
+    for (const auto& face : FACES)
+        for (const int corner : face)
+            mBatch.vertex(mBlock[corner]);
+    mBatch.end();
 }
 
 } // namespace zentrak::kindler

@@ -34,12 +34,13 @@ public:
 private:
     void drawRing(Ring& ring, int index, const mathbase::Vector3f& eye, float delta);
     void shapeBlock(float inner, float outer);
+    void drawBlock();
 
     EffectTexture mTexture;
     EffectRandom mRandom;
     EffectProgram mProgram;
     display::Batch& mBatch = sharedBatch();
-    display::Batch::Solid mBlock; // of the ring that is drawn
+    mathbase::Vector3f mBlock[8]; // the corners of a block of the ring that is drawn
 };
 
 } // namespace zentrak::kindler

@@ -12,7 +12,6 @@
 
 #include <GL/glew.h>
 #include <cstddef>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -23,7 +22,6 @@ class Image;
 
 namespace zentrak::display {
 
-class Batch;
 class IBO;
 class VBO;
 
@@ -101,6 +99,7 @@ public:
     void setTransform(const mathbase::Matrix4x4Col& matrix);
     void setProject(const mathbase::Matrix4x4Col& matrix); // into GL_PROJECTION; leaves the matrix mode there
     void setModelView();                                   // loads the two matrices as they stand
+    const mathbase::Matrix4x4Col& getProject() const { return mProjectMatrix; } // the last one set
 
     // The buffers that draw() uses, not owned; null for none. The old one is unbound, the new one bound.
     void setVBO(VBO* vbo);
@@ -226,11 +225,10 @@ private:
 
     static std::vector<std::string> sDeniedExtensions;
 
+    mathbase::MatrixGL mProjectMatrix;
     Walk* mWalks;       // the innermost walk going on, or null
     double mDeltaStart; // FPS_DELTA: the time that was set, and the frames since: no sum of rounded steps
     long long mDeltaFrames;
-
-    std::unique_ptr<Batch> mBatch; // what the shapes above are drawn with
 };
 
 } // namespace zentrak::display

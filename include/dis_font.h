@@ -1,7 +1,6 @@
 // Text from one image of 256 glyphs.
 #pragma once
 
-#include "dis_batch.h"
 #include "dis_resource.h"
 #include "dis_texture.h"
 #include "mb_box2.h"
@@ -73,7 +72,6 @@ private:
     mathbase::Box2 mInk[256];
     mathbase::Vector2f mSolid; // in texture coordinates
     Texture mTexture;
-    Batch mBatch;
 };
 
 } // namespace zentrak::display

@@ -50,8 +50,6 @@ Vector4f mix(const Vector4f& a, const Vector4f& b, float t) {
 // Setting up
 
 Render::Render() : mColorFirst(1, 1, 1, 1), mColorSecond(1, 1, 1, 1), mPixel(1, 1), mClip(UNCLIPPED) {
-    mBatch.setChannels(display::Batch::CHANNEL_TEXCOORD);
-    mBatch.setCulling(display::Batch::CULLING_OFF);
 }
 
 Render::~Render() {

@@ -90,10 +90,6 @@ bool Shapes::Corners::isOpaque() const {
 }
 
 Shapes::Shapes() {
-    mPlain.setChannels(display::Batch::CHANNEL_NONE);
-    mPlain.setCulling(display::Batch::CULLING_OFF);
-    mTextured.setChannels(display::Batch::CHANNEL_TEXCOORD);
-    mTextured.setCulling(display::Batch::CULLING_OFF);
     begin(Box2(), false);
 }
 

@@ -6,7 +6,6 @@
 #include "dis_texture.h"
 #include "dis_vbo.h"
 #include "gl_fixture.h"
-#include "plain_box.h"
 #include "support.h"
 #include "ztk_system.h"
 
@@ -35,13 +34,12 @@ public:
     void color(float r, float g, float b, float a = 1) { glColor4f(r, g, b, a); }
     void texCoord(float s, float t) { glTexCoord2f(s, t); }
     void normal(float x, float y, float z) { glNormal3f(x, y, z); }
-    void attrib(int slot, const Vector4f& v) { glVertexAttrib4f(GLuint(slot), v.x, v.y, v.z, v.w); }
     void begin(GLenum mode) { glBegin(mode); }
     void vertex(float x, float y, float z = 0) { glVertex3f(x, y, z); }
     void vertex(const Vector3f& v) { glVertex3f(v.x, v.y, v.z); }
     void end() { glEnd(); }
 
-    void box(const Vector3f& c, const Vector3f& h) { plainBox(c, h); }
+    void box(const Vector3f& c, const Vector3f& h) { mDisplay.drawBox(c, h); }
 
     void sprite(const Vector3f& p, const Vector3f& r, const Vector3f& u, float s0 = 0, float t0 = 0,
                 float s1 = 1, float t1 = 1) {
@@ -54,20 +52,6 @@ public:
         vertex(p - u + r);
         texCoord(s1, t0);
         vertex(p + u + r);
-        glEnd();
-    }
-
-    void octagon(const Vector3f& p, const Vector3f& r, const Vector3f& u, float s0 = 0, float t0 = 0,
-                 float s1 = 1, float t1 = 1) {
-        constexpr float side = 0.41421356f;
-        const auto corner = [&](float x, float y) {
-            texCoord(0.5f * (s0 + s1) + 0.5f * (s1 - s0) * x, 0.5f * (t0 + t1) + 0.5f * (t0 - t1) * y);
-            vertex(p + (r * x + u * y));
-        };
-        glBegin(GL_QUADS);
-        corner(-side, 1), corner(-1, side), corner(-1, -side), corner(-side, -1);
-        corner(-side, 1), corner(-side, -1), corner(side, -1), corner(side, 1);
-        corner(side, 1), corner(side, -1), corner(1, -side), corner(1, side);
         glEnd();
     }
 
@@ -125,27 +109,46 @@ Matrix4x4Col randomPlace(Random& random, float spread, float nearest, float fart
     return place;
 }
 
+// Counts the draw calls while it lives.
+struct DrawCounter {
+    DrawCounter() {
+        draws = 0;
+        real = __glewMultiDrawArrays;
+        __glewMultiDrawArrays = [](GLenum mode, const GLint* firsts, const GLsizei* counts, GLsizei ranges) {
+            ++draws;
+            real(mode, firsts, counts, ranges);
+        };
+    }
+    ~DrawCounter() { __glewMultiDrawArrays = real; }
+    DrawCounter(const DrawCounter&) = delete;
+    DrawCounter& operator=(const DrawCounter&) = delete;
+
+    static inline size_t draws;
+    static inline PFNGLMULTIDRAWARRAYSPROC real;
+};
+
 class BatchTest : public GlTest {
 protected:
     // Draws the scene both ways under the same state. A batch with no more than `draws` draw calls. The two
     // pictures may differ in the rounding of a channel and of an edge, and must show something.
     template <class State, class Scene>
-    void compare(State state, Scene scene, size_t draws = 1, double maxChanged = 0.0004) {
+    void compare(State state, Scene scene, size_t draws = 1, double maxChanged = 0.0004,
+                 double maxMean = 0.02) {
         const Picture plain = frame([&] {
             state();
             Plain painter(display());
             scene(painter);
             painter.flush();
         });
-        const size_t before = batch.getDraws();
+        const DrawCounter counter;
         const Picture batched = frame([&] {
             state();
             scene(batch);
             batch.flush();
         });
-        EXPECT_LE(batch.getDraws() - before, draws);
+        EXPECT_LE(counter.draws, draws);
         const PictureDifference difference = comparePictures(plain, batched);
-        EXPECT_LE(difference.mean, 0.02);
+        EXPECT_LE(difference.mean, maxMean);
         EXPECT_LE(difference.changed, maxChanged);
         size_t lit = 0;
         for (size_t i = 0; i < plain.rgba.size(); i += 4)
@@ -281,98 +284,6 @@ TEST_F(BatchTest, CulledFacesBothWays) {
                 [](auto& p) { drawBoxes(p, 150, 10, 15, 50, 1.5f); });
 }
 
-// The same shapes with and without what is left out and drawn apart: the same vertices, so the same picture.
-// Blended, so that a shape out of order shows: with the runs in reverse the mean is 17. Pixels on the edges
-// of faces may differ, since software OpenGL cuts quads the other way in a draw that it clips; how many, the
-// scene decides, which is another with each compiler.
-TEST_F(BatchTest, BoxesInsideTheViewAndAcrossItsEdgeStayInOrder) {
-    const auto draw = [&](Batch::Culling culling) {
-        return frame([&] {
-            perspective(display());
-            glEnable(GL_BLEND);
-            batch.setCulling(culling);
-            Random random;
-            for (int i = 0; i < 400; ++i) {
-                const bool across = i % 97 < 5 || i > 390; // between long runs inside
-                batch.setTransform(randomPlace(random, 4, 20, 30));
-                batch.color(random(0.2f, 1), random(0.2f, 1), random(0.2f, 1), 0.5f);
-                batch.box(Vector3f(across ? 12.0f : 0.0f, 0, 0),
-                          across ? Vector3f(6, 1, 1) : Vector3f(1, 1, 1));
-            }
-            batch.flush();
-        });
-    };
-    const Picture whole = draw(Batch::CULLING_OFF);
-    EXPECT_LE(comparePictures(draw(Batch::CULLING_ON), whole).mean, 0.05);
-    batch.setCulling(Batch::CULLING_AUTO);
-}
-
-// Turned every way, some of them around the eye.
-TEST_F(BatchTest, SeparateQuadsLoseTheFacesThatAreCulled) {
-    for (const GLenum culled : {GL_BACK, GL_FRONT}) {
-        const auto draw = [&](Batch::Culling culling) {
-            return frame([&] {
-                perspective(display());
-                glEnable(GL_CULL_FACE);
-                glCullFace(culled);
-                glEnable(GL_BLEND);
-                batch.setCulling(culling);
-                Random random;
-                for (int i = 0; i < 200; ++i) {
-                    batch.setTransform(randomPlace(random, 8, 0.5f, 30));
-                    batch.begin(GL_QUADS);
-                    for (int face = 0; face < 5; ++face) {
-                        const float z = random(-1, 1), side = face % 2 ? 1.0f : -1.0f;
-                        batch.color(random(0.2f, 1), random(0.2f, 1), random(0.2f, 1), 0.6f);
-                        for (const auto& [x, y] :
-                             {std::pair(-1, -1), std::pair(1, -1), std::pair(1, 1), std::pair(-1, 1)})
-                            batch.vertex(side * float(x), float(y), z);
-                    }
-                    batch.end();
-                }
-                EXPECT_EQ(batch.getVertices() < 3000, culling == Batch::CULLING_ON);
-                batch.flush();
-            });
-        };
-        const Picture whole = draw(Batch::CULLING_OFF);
-        EXPECT_LE(comparePictures(draw(Batch::CULLING_ON), whole).mean, 0.02);
-    }
-    batch.setCulling(Batch::CULLING_AUTO);
-}
-
-TEST_F(BatchTest, QuadsThatAreTurnedAwayCostNoVertex) {
-    frame([&] {
-        perspective(display());
-        glEnable(GL_CULL_FACE);
-        batch.begin(GL_QUADS);
-        for (const float side : {1.0f, -1.0f, 1.0f}) {
-            batch.vertex(-side, -1, -10);
-            batch.vertex(side, -1, -10);
-            batch.vertex(side, 1, -10);
-            batch.vertex(-side, 1, -10);
-        }
-        batch.end();
-        EXPECT_EQ(batch.getVertices(), 8u);
-        batch.begin(GL_TRIANGLE_FAN); // beside the view
-        for (int i = 0; i < 5; ++i)
-            batch.vertex(100 + float(i), float(i * i), -10);
-        batch.end();
-        EXPECT_EQ(batch.getVertices(), 8u);
-        batch.flush();
-    });
-}
-
-TEST_F(BatchTest, EverythingCulledDrawsNothing) {
-    frame([&] {
-        perspective(display());
-        glEnable(GL_CULL_FACE);
-        glCullFace(GL_FRONT_AND_BACK);
-        drawBoxes(batch, 50, 5, 20, 40, 1);
-        EXPECT_EQ(batch.getVertices(), 0u);
-        batch.flush();
-    });
-}
-
 TEST_F(BatchTest, MirroredTransformsTurnTheFacesAround) {
     compare(
         [&] {
@@ -488,43 +399,10 @@ TEST_F(BatchTest, SpritesQuadsAndRectsUnderATransform) {
                     p.setTransform(randomPlace(random, 6, 15, 30));
                     p.color(random(0.4f, 1), random(0.4f, 1), random(0.4f, 1), 0.7f);
                     p.sprite(Vector3f(1, 0, 0), Vector3f(1, 0, 0), Vector3f(0, 1, 0));
-                    p.octagon(Vector3f(-1, 1, 0), Vector3f(1, 0, 0), Vector3f(0, 1, 0), 0.5f, 0.25f, 1, 1);
                     p.quad({0, 0, 0}, {2, 0, 1}, {2, 2, 1}, {0, 2, 0}, 0.25f, 0, 1, 0.5f);
                     p.rect(-2, -2, -1, 0, 0, 1, 1, 0, 0.5f);
                 }
             });
-}
-
-// As many again lie outside the view, or are smaller than a pixel.
-TEST_F(BatchTest, OctagonsWithSpritesBetweenThem) {
-    display::Texture texture(&window().display());
-    loadTexture(texture);
-    compare([&] { blendTextured(display(), texture); },
-            [](auto& p) {
-                Random random;
-                for (int i = 0; i < 200; ++i) {
-                    const float z = i % 4 ? random(-30, -15) : random(-5, 20);
-                    const Vector3f place(random(-9, 9), random(-9, 9), z);
-                    const float size = i % 5 ? random(0.2f, 2) : 0.001f;
-                    p.color(random(0.4f, 1), random(0.4f, 1), random(0.4f, 1), 0.7f);
-                    if (i % 3)
-                        p.octagon(place, Vector3f(size, 0, 0), Vector3f(0, size, 0));
-                    else
-                        p.sprite(place, Vector3f(size, 0, 0), Vector3f(0, size, 0));
-                }
-            });
-}
-
-TEST_F(BatchTest, AnOctagonOutsideTheViewCostsNoVertex) {
-    frame([&] {
-        perspective(display());
-        batch.octagon({0, 0, 10}, {1, 0, 0}, {0, 1, 0}); // behind the eye
-        batch.octagon({900, 0, -10}, {1, 0, 0}, {0, 1, 0});
-        EXPECT_EQ(batch.getVertices(), 0u);
-        batch.octagon({0, 0, -10}, {1, 0, 0}, {0, 1, 0});
-        EXPECT_EQ(batch.getVertices(), 12u);
-        batch.clear();
-    });
 }
 
 TEST_F(BatchTest, ASpriteIsCounterClockwiseAsSeen) {
@@ -533,18 +411,15 @@ TEST_F(BatchTest, ASpriteIsCounterClockwiseAsSeen) {
         glEnable(GL_CULL_FACE);
         batch.color(1, 0, 0);
         batch.sprite({-0.5f, 0, 0}, {0.4f, 0, 0}, {0, 0.4f, 0});
-        batch.color(0, 0, 1);
-        batch.octagon({-0.5f, -0.7f, 0}, {0.2f, 0, 0}, {0, 0.2f, 0});
         batch.color(0, 1, 0);
         batch.rect(0.1f, -0.4f, 0.9f, 0.4f);
         batch.flush();
     });
     EXPECT_EQ(shown.at(160, 200)[0], 255);
     EXPECT_EQ(shown.at(480, 200)[1], 255);
-    EXPECT_EQ(shown.at(160, 340)[2], 255);
 }
 
-TEST_F(BatchTest, AllModesOfSurfacesInOneDraw) {
+TEST_F(BatchTest, AllModesOfSurfaces) {
     display::Texture texture(&window().display());
     loadTexture(texture);
     compare(
@@ -552,7 +427,7 @@ TEST_F(BatchTest, AllModesOfSurfacesInOneDraw) {
             flat(display());
             glEnable(GL_BLEND);
         },
-        [](auto& p) { drawModes(p, SURFACES); });
+        [](auto& p) { drawModes(p, SURFACES); }, SURFACES.size());
     compare(
         [&] {
             flat(display());
@@ -560,7 +435,7 @@ TEST_F(BatchTest, AllModesOfSurfacesInOneDraw) {
             glEnable(GL_TEXTURE_2D);
             texture.bind();
         },
-        [](auto& p) { drawModes(p, SURFACES, 8); });
+        [](auto& p) { drawModes(p, SURFACES, 8); }, SURFACES.size());
 }
 
 TEST_F(BatchTest, AllModesWithFlatShading) {
@@ -569,7 +444,7 @@ TEST_F(BatchTest, AllModesWithFlatShading) {
             flat(display());
             glShadeModel(GL_FLAT);
         },
-        [](auto& p) { drawModes(p, SURFACES); });
+        [](auto& p) { drawModes(p, SURFACES); }, SURFACES.size());
     compare(
         [&] {
             flat(display());
@@ -577,7 +452,7 @@ TEST_F(BatchTest, AllModesWithFlatShading) {
             glLineWidth(3);
             glPointSize(5);
         },
-        [](auto& p) { drawModes(p, ALL); }, 3);
+        [](auto& p) { drawModes(p, ALL); }, ALL.size());
 }
 
 TEST_F(BatchTest, EachModeAlone) {
@@ -611,7 +486,7 @@ TEST_F(BatchTest, PointsLinesAndSurfacesInTheOrderGiven) {
                 drawModes(p, {GL_TRIANGLE_STRIP, GL_LINE_STRIP, GL_QUADS, GL_POINTS, GL_LINE_LOOP,
                               GL_TRIANGLE_FAN});
         },
-        16);
+        18);
 }
 
 TEST_F(BatchTest, EdgesOfPolygonsAloneAndStippledLines) {
@@ -666,15 +541,13 @@ TEST_F(BatchTest, ManyStripsUnderTransforms) {
         });
 }
 
-const char* const VERTEX =
-    "attribute vec4 tangent0_vs;\n"
-    "varying vec3 shade;\n"
-    "void main() {\n"
-    "    gl_Position = gl_ModelViewProjectionMatrix * gl_Vertex;\n"
-    "    gl_FrontColor = gl_Color;\n"
-    "    gl_TexCoord[0] = gl_MultiTexCoord0;\n"
-    "    shade = normalize(gl_NormalMatrix * gl_Normal) * 0.5 + 0.5 + tangent0_vs.xyz;\n"
-    "}\n";
+const char* const VERTEX = "varying vec3 shade;\n"
+                           "void main() {\n"
+                           "    gl_Position = gl_ModelViewProjectionMatrix * gl_Vertex;\n"
+                           "    gl_FrontColor = gl_Color;\n"
+                           "    gl_TexCoord[0] = gl_MultiTexCoord0;\n"
+                           "    shade = normalize(gl_NormalMatrix * gl_Normal) * 0.5 + 0.5;\n"
+                           "}\n";
 const char* const FRAGMENT =
     "varying vec3 shade;\n"
     "void main() { gl_FragColor = vec4(shade * gl_Color.rgb + 0.2 * gl_TexCoord[0].xyx, 1.0); }\n";
@@ -691,7 +564,7 @@ protected:
     }
 };
 
-TEST_F(BatchProgramTest, AProgramGetsPositionsColoursTexturesNormalsAndAttributes) {
+TEST_F(BatchProgramTest, AProgramGetsPositionsColoursTextureCoordinatesAndNormals) {
     window();
     display::ShaderProgram program(&display());
     link(program);
@@ -705,7 +578,6 @@ TEST_F(BatchProgramTest, AProgramGetsPositionsColoursTexturesNormalsAndAttribute
         for (int i = 0; i < 60; ++i) {
             p.setTransform(randomPlace(random, 8, 20, 30));
             p.color(random(0.4f, 1), random(0.4f, 1), random(0.4f, 1));
-            p.attrib(6, Vector4f(random(0, 0.4f), random(0, 0.4f), 0, 0));
             p.box(Vector3f(0, 0, 0), Vector3f(1, 2, 1));
         }
         p.flush();
@@ -714,7 +586,8 @@ TEST_F(BatchProgramTest, AProgramGetsPositionsColoursTexturesNormalsAndAttribute
     compare(state, scene);
 }
 
-TEST_F(BatchProgramTest, UnderAProgramNothingIsLeftOutUnlessAskedFor) {
+// A vertex program may put its vertices anywhere.
+TEST_F(BatchProgramTest, UnderAProgramNothingIsLeftOut) {
     window();
     display::ShaderProgram program(&display());
     link(program);
@@ -722,23 +595,73 @@ TEST_F(BatchProgramTest, UnderAProgramNothingIsLeftOutUnlessAskedFor) {
         perspective(display());
         glEnable(GL_CULL_FACE);
         program.bind();
-        const auto boxes = [&] {
-            batch.box({0, 0, -10}, {1, 1, 1}); // one face, or two from the side
-            batch.box({0, 0, 50}, {1, 1, 1});  // behind the eye
-            batch.sprite({0, 0, 50}, {1, 0, 0}, {0, 1, 0});
-            const size_t vertices = batch.getVertices();
-            batch.clear();
-            return vertices;
-        };
-        EXPECT_EQ(boxes(), 24u + 24u + 4u);
-        batch.setCulling(Batch::CULLING_ON);
-        EXPECT_EQ(boxes(), 4u);
+        batch.box({0, 0, -10}, {1, 1, 1});
+        batch.box({0, 0, 50}, {1, 1, 1}); // behind the eye
+        EXPECT_EQ(batch.getVertices(), 48u);
+        batch.clear();
         program.unbind();
-        batch.setCulling(Batch::CULLING_AUTO);
-        EXPECT_EQ(boxes(), 4u);
-        batch.setCulling(Batch::CULLING_OFF);
-        EXPECT_EQ(boxes(), 24u + 24u + 4u);
+        batch.box({0, 0, -10}, {1, 1, 1}); // one face
+        batch.box({0, 0, 50}, {1, 1, 1});
+        EXPECT_EQ(batch.getVertices(), 4u);
+        batch.clear();
     });
+}
+
+// Also where the state that could read them is on another texture unit.
+TEST_F(BatchTest, TextureCoordinatesGoOutWhateverTheActiveUnit) {
+    display::Texture texture(&window().display());
+    loadTexture(texture);
+    compare(
+        [&] {
+            blendTextured(display(), texture);
+            glActiveTexture(GL_TEXTURE1);
+        },
+        [](auto& p) {
+            p.color(1, 1, 1, 0.8f);
+            p.box(Vector3f(0, 0, -4), Vector3f(1, 1, 1));
+            glActiveTexture(GL_TEXTURE0);
+        });
+}
+
+TEST_F(BatchTest, ABoxLeavesTheSameCurrentValuesWhetherItIsInViewOrNot) {
+    for (const float z : {-10.0f, 50.0f})
+        frame([&] {
+            perspective(display());
+            batch.color(0.25f, 0.5f, 0.75f);
+            batch.texCoord(0.3f, 0.4f);
+            batch.normal(1, 0, 0);
+            batch.box({0, 0, z}, {1, 1, 1});
+            batch.flush();
+            float color[4], normal[3], texture[4];
+            glGetFloatv(GL_CURRENT_COLOR, color);
+            glGetFloatv(GL_CURRENT_NORMAL, normal);
+            glGetFloatv(GL_CURRENT_TEXTURE_COORDS, texture);
+            EXPECT_EQ(color[1], 0.5f) << z;
+            EXPECT_EQ(normal[0], 0.0f) << z;
+            EXPECT_EQ(normal[2], 1.0f) << z;
+            EXPECT_EQ(texture[0], 0.0f) << z;
+            EXPECT_EQ(texture[1], 0.0f) << z;
+        });
+}
+
+// Blended: in reverse order the mean is 17. Software OpenGL cuts quads along the other diagonal in a draw
+// that it clips, which changes a few pixels on edges.
+TEST_F(BatchTest, ShapesInsideTheViewAndAcrossItsEdgeStayInOrder) {
+    compare(
+        [&] {
+            perspective(display());
+            glEnable(GL_BLEND);
+        },
+        [](auto& p) {
+            Random random;
+            for (int i = 0; i < 400; ++i) {
+                const bool across = i % 97 < 5 || i > 390; // between long runs inside
+                p.setTransform(randomPlace(random, 4, 20, 30));
+                p.color(random(0.2f, 1), random(0.2f, 1), random(0.2f, 1), 0.5f);
+                p.box(Vector3f(across ? 12.0f : 0.0f, 0, 0), across ? Vector3f(6, 1, 1) : Vector3f(1, 1, 1));
+            }
+        },
+        1, 0.005, 0.2);
 }
 
 TEST_F(BatchTest, BoxesOutsideTheViewCostNoVertex) {
@@ -746,436 +669,11 @@ TEST_F(BatchTest, BoxesOutsideTheViewCostNoVertex) {
         perspective(display());
         const Vector3f half(1, 1, 1);
         for (const Vector3f& centre : {Vector3f(0, 0, 10), Vector3f(100, 0, -10), Vector3f(-100, 0, -10),
-                                       Vector3f(0, 100, -10), Vector3f(0, -100, -10), Vector3f(0, 0, -2000)})
+                                       Vector3f(0, 100, -10), Vector3f(0, -100, -10)})
             batch.box(centre, half);
         EXPECT_EQ(batch.getVertices(), 0u);
         batch.clear();
     });
-}
-
-TEST_F(BatchTest, FacesBeyondTheEdgeOfTheViewCostNoVertex) {
-    frame([&] {
-        perspective(display());
-        batch.box(Vector3f(0, 0, -970), Vector3f(100, 100, 50)); // its back is behind the far plane
-        EXPECT_EQ(batch.getVertices(), 20u);
-        batch.box(Vector3f(0, 0, -4), Vector3f(1, 1, 5)); // its front is behind the eye
-        EXPECT_EQ(batch.getVertices(), 40u);
-        batch.box(Vector3f(100, 0, -10), Vector3f(99, 1, 1)); // its right side is out to the right
-        EXPECT_EQ(batch.getVertices(), 60u);
-        batch.clear();
-    });
-}
-
-// What covers the middle of no pixel is left out: the same vertices with and without, so the very same
-// picture.
-class BatchSampleTest : public BatchTest {
-protected:
-    // Draws the scene with and without what is left out; how many vertices each took, and the same picture.
-    template <class State, class Scene>
-    std::pair<size_t, size_t> same(State state, Scene scene) {
-        size_t vertices[2] = {0, 0};
-        const auto draw = [&](bool cull) {
-            return frame([&] {
-                state();
-                batch.setCulling(cull ? Batch::CULLING_ON : Batch::CULLING_OFF);
-                scene(batch);
-                vertices[cull] = batch.getVertices();
-                batch.flush();
-            });
-        };
-        const Picture whole = draw(false), culled = draw(true);
-        batch.setCulling(Batch::CULLING_AUTO);
-        size_t apart = 0;
-        for (size_t i = 0; i < whole.rgba.size(); i += 4)
-            apart += std::memcmp(&whole.rgba[i], &culled.rgba[i], 4) != 0;
-        EXPECT_EQ(apart, 0u) << "pixels differ";
-        size_t lit = 0;
-        for (size_t i = 0; i < whole.rgba.size(); i += 4)
-            lit += whole.rgba[i] || whole.rgba[i + 1] || whole.rgba[i + 2];
-        EXPECT_GT(lit, 20u) << "nothing is seen";
-        return {vertices[true], vertices[false]};
-    }
-
-    // One unit a pixel, from the lower left of the viewport on.
-    void pixels(float width = 640, float height = 400) {
-        Matrix4x4Col project;
-        project.setProjectOrtho(0, width, 0, height, -100, 100);
-        display().setProject(project);
-        display().setModelView();
-        glEnable(GL_BLEND);
-        glBlendFunc(GL_SRC_ALPHA, GL_ONE);
-    }
-};
-
-// A prism along y on a base of six corners, of two colours.
-Batch::Solid makePrism() {
-    Batch::Solid prism;
-    for (int k = 0; k < 6; ++k) {
-        const float a = 6.2831853f * float(k) / 6;
-        prism.addCorner(Vector3f(std::sin(a), -1, std::cos(a)), 0);
-        prism.addCorner(Vector3f(std::sin(a), 1, std::cos(a)), 1);
-    }
-    for (int k = 0; k < 6; ++k)
-        prism.addFace(2 * k, (2 * k + 2) % 12, (2 * k + 3) % 12, 2 * k + 1);
-    for (int k = 0; k < 6; k += 3) {
-        prism.addFace(2 * k + 1, 2 * k + 3, (2 * k + 5) % 12, (2 * k + 7) % 12);
-        prism.addFace((2 * k + 6) % 12, (2 * k + 4) % 12, (2 * k + 2) % 12, 2 * k);
-    }
-    return prism;
-}
-
-template <class Painter>
-void drawPrism(Painter& painter, const Vector4f (&colors)[2]) {
-    const auto corner = [&](int i) {
-        const float a = 6.2831853f * float(i / 2) / 6;
-        painter.color(colors[i % 2].x, colors[i % 2].y, colors[i % 2].z, colors[i % 2].w);
-        painter.vertex(std::sin(a), i % 2 ? 1.0f : -1.0f, std::cos(a));
-    };
-    painter.begin(GL_QUADS);
-    const auto face = [&](int a, int b, int c, int d) { corner(a), corner(b), corner(c), corner(d); };
-    for (int k = 0; k < 6; ++k)
-        face(2 * k, (2 * k + 2) % 12, (2 * k + 3) % 12, 2 * k + 1);
-    for (int k = 0; k < 6; k += 3) {
-        face(2 * k + 1, 2 * k + 3, (2 * k + 5) % 12, (2 * k + 7) % 12);
-        face((2 * k + 6) % 12, (2 * k + 4) % 12, (2 * k + 2) % 12, 2 * k);
-    }
-    painter.end();
-}
-
-template <class Painter>
-void drawTinyShapes(Painter& painter, float spread, float nearest, float farthest, float size) {
-    static Batch::Solid prism = makePrism();
-    Random random;
-    for (int i = 0; i < 3000; ++i) {
-        painter.setTransform(randomPlace(random, spread, nearest, farthest));
-        const Vector4f colors[2] = {Vector4f(random(0.2f, 1), random(0.2f, 1), random(0.2f, 1), 0.5f),
-                                    Vector4f(random(0.2f, 1), random(0.2f, 1), random(0.2f, 1), 0.5f)};
-        painter.color(colors[0].x, colors[0].y, colors[0].z, 0.5f);
-        const float s = size * random(0.02f, 1);
-        if (i % 3 == 0) {
-            painter.box(Vector3f(0, 0, 0), Vector3f(s, s * random(0, 1), i % 2 ? s : 8 * s));
-        } else if (i % 3 == 1) {
-            painter.sprite(Vector3f(0, 0, 0), Vector3f(s, 0.3f * s, 0), Vector3f(0, i % 2 ? s : 9 * s, 0));
-        } else {
-            Matrix4x4Col place = randomPlace(random, spread, nearest, farthest), scale;
-            scale.setScale(Vector3f(s, i % 2 ? s : 7 * s, s));
-            place *= scale;
-            painter.setTransform(place);
-            painter.solid(prism, colors);
-        }
-    }
-}
-
-TEST_F(BatchTest, SolidsAreTheirFacesInTheColoursGiven) {
-    static Batch::Solid prism = makePrism();
-    for (const bool cull : {false, true})
-        for (const GLenum front : {GL_CCW, GL_CW})
-            compare(
-                [&] {
-                    perspective(display());
-                    glEnable(GL_BLEND);
-                    if (cull)
-                        glEnable(GL_CULL_FACE);
-                    glFrontFace(front);
-                },
-                [](auto& p) {
-                    Random random;
-                    for (int i = 0; i < 150; ++i) {
-                        Matrix4x4Col m = randomPlace(random, 9, 1, 40);
-                        for (int k = 0; i % 3 == 0 && k < 3; ++k)
-                            m.mData[k] = -m.mData[k];
-                        p.setTransform(m);
-                        const Vector4f colors[2] = {
-                            Vector4f(random(0, 1), random(0, 1), random(0, 1), random(0.2f, 1)),
-                            Vector4f(random(0, 1), random(0, 1), random(0, 1), random(0.2f, 1))};
-                        if constexpr (std::is_same_v<decltype(p), Batch&>)
-                            p.solid(prism, colors);
-                        else
-                            drawPrism(p, colors);
-                    }
-                });
-}
-
-TEST_F(BatchTest, ASolidWithoutColoursHasTheCurrentOneAndLeavesTheLast) {
-    Batch::Solid prism = makePrism();
-    frame([&] {
-        perspective(display());
-        const auto current = [] {
-            Vector4f color;
-            glGetFloatv(GL_CURRENT_COLOR, &color.x);
-            return color;
-        };
-        Matrix4x4Col place;
-        place.setTranslation(Vector3f(0, 0, -10));
-        const Vector4f colors[2] = {Vector4f(0, 0.25f, 0, 1), Vector4f(0.5f, 0, 0, 1)};
-        batch.setTransform(place);
-        batch.solid(prism, colors);
-        batch.flush();
-        EXPECT_EQ(current(), colors[0]); // of the bottom, which is drawn last
-        batch.setTransform(place);
-        batch.color(0, 0, 0.75f);
-        batch.solid(prism);
-        batch.flush();
-        EXPECT_EQ(current(), Vector4f(0, 0, 0.75f, 1));
-        Batch::Solid none;
-        batch.solid(none, colors);
-        EXPECT_EQ(batch.getVertices(), 0u);
-        batch.clear();
-    });
-}
-
-TEST_F(BatchTest, ACornerOfASolidCanBeMoved) {
-    Batch::Solid solid;
-    for (int i = 0; i < 4; ++i)
-        solid.addCorner(Vector3f(0, 0, 0));
-    solid.addFace(0, 1, 2, 3);
-    const float x[4] = {-1, 1, 1, -1}, y[4] = {-1, -1, 1, 1};
-    frame([&] {
-        perspective(display());
-        glEnable(GL_CULL_FACE);
-        batch.solid(solid);
-        EXPECT_EQ(batch.getVertices(), 0u); // all at the eye
-        for (int i = 0; i < 4; ++i)
-            solid.setCorner(i, Vector3f(x[i], y[i], -10));
-        batch.solid(solid);
-        EXPECT_EQ(batch.getVertices(), 4u);
-        for (int i = 0; i < 4; ++i)
-            solid.setCorner(i, Vector3f(-x[i], y[i], -10)); // its back
-        batch.solid(solid);
-        EXPECT_EQ(batch.getVertices(), 4u);
-        batch.clear();
-    });
-}
-
-TEST_F(BatchTest, MoreThanASolidHoldsIsAsserted) {
-    testing::GTEST_FLAG(death_test_style) = "threadsafe";
-    Batch::Solid solid;
-    for (int i = 0; i < 32; ++i)
-        solid.addCorner(Vector3f(0, 0, 0));
-    for (int i = 0; i < 32; ++i)
-        solid.addFace(0, 1, 2, 3);
-    EXPECT_DEATH(solid.addCorner(Vector3f(0, 0, 0)), "mCorners < MOST");
-    EXPECT_DEATH(solid.addFace(0, 1, 2, 3), "mFaces < MOST");
-    EXPECT_DEATH(solid.setCorner(32, Vector3f(0, 0, 0)), "corner < mCorners");
-    Batch::Solid empty;
-    EXPECT_DEATH(empty.addFace(0, 1, 2, 3), "corners\\[i\\] < mCorners");
-}
-
-TEST_F(BatchTest, WhatLiesInABoxOutsideTheViewIsNotVisible) {
-    frame([&] {
-        perspective(display());
-        const Vector3f half(1, 1, 1);
-        EXPECT_TRUE(batch.isVisible(Vector3f(0, 0, -10), half));
-        EXPECT_TRUE(batch.isVisible(Vector3f(0, 0, 0), half));
-        EXPECT_FALSE(batch.isVisible(Vector3f(0, 0, 10), half));
-        EXPECT_FALSE(batch.isVisible(Vector3f(30, 0, -10), half));
-        EXPECT_TRUE(batch.isVisible(Vector3f(30, 0, -10), Vector3f(29, 1, 1)));
-        EXPECT_TRUE(batch.isVisible(Vector3f(NAN, 0, 0), half));
-        Matrix4x4Col place;
-        place.setTranslation(Vector3f(0, 0, -20));
-        batch.setTransform(place);
-        EXPECT_TRUE(batch.isVisible(Vector3f(0, 0, 10), half));
-        batch.clear();
-        batch.setCulling(Batch::CULLING_OFF);
-        EXPECT_TRUE(batch.isVisible(Vector3f(0, 0, 10), half));
-        batch.setCulling(Batch::CULLING_AUTO);
-        batch.clear();
-    });
-}
-
-TEST_F(BatchSampleTest, TinyShapesCoverThePixelsThatTheyCover) {
-    for (const bool cull : {false, true}) {
-        const auto [few, all] = same(
-            [&] {
-                perspective(display());
-                glEnable(GL_BLEND);
-                if (cull)
-                    glEnable(GL_CULL_FACE);
-            },
-            [](Batch& p) { drawTinyShapes(p, 30, 100, 400, 0.4f); });
-        EXPECT_LT(few, all * (cull ? 2 : 4) / 5);
-    }
-}
-
-TEST_F(BatchSampleTest, AViewportOfItsOwnAndAScissor) {
-    for (const int left : {37, -20})
-        same(
-            [&] {
-                perspective(display());
-                glEnable(GL_BLEND);
-                glViewport(left, 21, 101, 63);
-                glEnable(GL_SCISSOR_TEST);
-                glScissor(40, 30, 60, 50);
-            },
-            [](Batch& p) { drawTinyShapes(p, 30, 100, 400, 2); });
-    glViewport(0, 0, 640, 400);
-    glDisable(GL_SCISSOR_TEST);
-}
-
-TEST_F(BatchSampleTest, EdgesAndCornersAtTheVeryMiddlesOfPixels) {
-    // A little to either side, too: less than OpenGL tells apart, as much as it does, and more.
-    static const float off[] = {0,         1 / 1024.0f, -1 / 1024.0f, 1 / 256.0f, -1 / 256.0f,
-                                1 / 64.0f, -1 / 64.0f,  1 / 16.0f,    -1 / 16.0f};
-    for (const GLenum front : {GL_CCW, GL_CW})
-        same(
-            [&] {
-                pixels();
-                glEnable(GL_CULL_FACE);
-                glFrontFace(front);
-            },
-            [](Batch& p) {
-                int n = 0;
-                for (const float sizeX : {0.25f, 0.5f, 1.0f, 0.001f})
-                    for (const float sizeY : {0.25f, 0.5f, 1.0f})
-                        for (const float dx : off)
-                            for (const float dy : off) {
-                                const float x = 4 * float(n % 150) + 2.5f, y = 4 * float(n / 150) + 2.5f;
-                                ++n;
-                                p.color(0.5f, 0.25f, 0.75f, 0.5f);
-                                // Its right and top edge at the middle of a pixel, or else its left and lower
-                                // one.
-                                const float side = n % 2 ? 1.0f : -1.0f;
-                                const Vector3f centre(x - side * sizeX + dx, y - side * sizeY + dy, 0);
-                                p.sprite(centre, Vector3f(sizeX, 0, 0), Vector3f(0, sizeY, 0));
-                                p.box(centre + Vector3f(0, 200, 0), Vector3f(sizeX, sizeY, 1));
-                                // A corner there.
-                                p.sprite(Vector3f(x + dx - side * 0.5f, y + dy + 100, 0),
-                                         Vector3f(side * 0.25f, side * 0.25f, 0),
-                                         Vector3f(side * 0.25f, side * -0.25f, 0));
-                            }
-            });
-}
-
-TEST_F(BatchSampleTest, WhatLiesBetweenTheMiddlesOfPixelsCostsNoVertex) {
-    frame([&] {
-        pixels();
-        batch.box(Vector3f(100, 100, 0), Vector3f(0.4f, 0.4f, 0.4f));
-        batch.box(Vector3f(100, 100, 0), Vector3f(0.4f, 5, 5)); // a wall seen from the side
-        batch.sprite(Vector3f(100, 100, 0), Vector3f(0.4f, 0, 0), Vector3f(0, 0.4f, 0));
-        batch.sprite(Vector3f(100.5f, 100, 0), Vector3f(1, 0, 0), Vector3f(0, 0.4f, 0));
-        batch.sprite(Vector3f(101, 100.5f, 0), Vector3f(2, 2, 0), Vector3f(0.1f, -0.1f, 0)); // on the slant
-        EXPECT_EQ(batch.getVertices(), 0u);
-        batch.sprite(Vector3f(100.5f, 100.5f, 0), Vector3f(0.1f, 0, 0), Vector3f(0, 0.1f, 0));
-        EXPECT_EQ(batch.getVertices(), 4u);
-        batch.clear();
-    });
-}
-
-TEST_F(BatchSampleTest, LinesAndPointsOfPolygonsAreSeenWhereTheFaceIsNot) {
-    for (const GLenum mode : {GL_LINE, GL_POINT}) {
-        const auto [few, all] = same(
-            [&] {
-                perspective(display());
-                glPolygonMode(GL_FRONT_AND_BACK, mode);
-            },
-            [](Batch& p) { drawTinyShapes(p, 25, 100, 400, 0.4f); });
-        EXPECT_GT(few, all / 2);
-        same(
-            [&] {
-                pixels();
-                glPolygonMode(GL_FRONT_AND_BACK, mode);
-            },
-            [](Batch& p) { // edge-on
-                for (int i = 0; i < 50; ++i)
-                    p.box(Vector3f(10.5f + 4 * float(i), 100, 0), Vector3f(0, 5, 0));
-            });
-    }
-    glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
-}
-
-TEST_F(BatchSampleTest, WithManySamplesAPixelNothingIsLeftOutForMissingItsMiddle) {
-    window();
-    ASSERT_TRUE(GLEW_VERSION_3_0);
-    GLuint target = 0, color = 0;
-    glGenFramebuffers(1, &target);
-    glGenRenderbuffers(1, &color);
-    glBindRenderbuffer(GL_RENDERBUFFER, color);
-    glRenderbufferStorageMultisample(GL_RENDERBUFFER, 4, GL_RGBA8, 640, 400);
-    const auto [few, all] = same(
-        [&] {
-            pixels();
-            glBindFramebuffer(GL_FRAMEBUFFER, target);
-            glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, color);
-            ASSERT_EQ(glCheckFramebufferStatus(GL_FRAMEBUFFER), GLenum(GL_FRAMEBUFFER_COMPLETE));
-            glClear(GL_COLOR_BUFFER_BIT);
-        },
-        [&](Batch& p) {
-            for (int i = 0; i < 400; ++i)
-                p.sprite(Vector3f(20 + float(i % 40) * 3, 20 + float(i / 40) * 3, 0), Vector3f(0.45f, 0, 0),
-                         Vector3f(0, 0.45f, 0));
-            EXPECT_EQ(p.getVertices(), 1600u);
-            p.flush();
-            glBindFramebuffer(GL_READ_FRAMEBUFFER, target);
-            glBindFramebuffer(GL_DRAW_FRAMEBUFFER, 0);
-            glBlitFramebuffer(0, 0, 640, 400, 0, 0, 640, 400, GL_COLOR_BUFFER_BIT, GL_NEAREST);
-            glBindFramebuffer(GL_FRAMEBUFFER, 0);
-        });
-    EXPECT_EQ(few, all);
-    glDeleteFramebuffers(1, &target);
-    glDeleteRenderbuffers(1, &color);
-}
-
-// Behind the eye, in its plane, no numbers, endless and enormous: harmless, and what is among them is drawn.
-TEST_F(BatchSampleTest, PlacesOfAnyKind) {
-    static Batch::Solid prism = makePrism();
-    const float values[] = {0,     1e-30f, -1e-30f, 0.15f, -0.15f, 5,        -5,        1e6f,
-                            -1e6f, 1e19f,  -1e19f,  3e38f, -3e38f, INFINITY, -INFINITY, NAN};
-    for (const bool cull : {false, true}) {
-        frame([&] {
-            perspective(display());
-            if (cull)
-                glEnable(GL_CULL_FACE);
-            for (const float x : values)
-                for (const float z : values)
-                    for (const float s : values) {
-                        batch.box(Vector3f(x, 0, z), Vector3f(s, 1, s));
-                        batch.sprite(Vector3f(x, 0, z), Vector3f(s, 0, 0), Vector3f(0, s, 0));
-                        Matrix4x4Col place;
-                        place.setTranslation(Vector3f(x, s, z));
-                        place.mData[0] = s;
-                        batch.setTransform(place);
-                        batch.solid(prism);
-                        batch.resetTransform();
-                    }
-            batch.clear();
-        });
-    }
-    same([&] { perspective(display()), glEnable(GL_CULL_FACE), glEnable(GL_DEPTH_TEST); },
-         [&](Batch& p) {
-             Random random;
-             for (const float x : {0.0f, 3.0f, 1e6f, -1e19f})
-                 for (const float z : {0.0f, -0.15f, 5.0f, 1e6f, -1e6f}) {
-                     p.color(random(0.2f, 1), random(0.2f, 1), random(0.2f, 1));
-                     p.sprite(Vector3f(x, 0, z), Vector3f(0.1f, 0, 0), Vector3f(0, 0.1f, 0));
-                 }
-             p.box(Vector3f(0, 0, -10), Vector3f(1, 1, 1));
-         });
-}
-
-// Far from the middle, rounding moves what OpenGL makes of a corner by more than it tells apart.
-TEST_F(BatchSampleTest, FarFromTheMiddleOfThings) {
-    for (const float far : {1e3f, 1e4f, 1e5f}) {
-        SCOPED_TRACE(far);
-        same(
-            [&] {
-                Matrix4x4Col project;
-                project.setProject(0.7853982f, 1.6f, 0.15f, 1000);
-                display().setProject(project);
-                display().mCameraMatrix.setCamera(Vector3f(far, 10, far), Vector3f(far - 60, 0, far - 80),
-                                                  0.3f);
-                display().setModelView();
-            },
-            [&](Batch& p) {
-                Random random;
-                for (int i = 0; i < 2000; ++i) {
-                    const float s = random(0.01f, 0.2f);
-                    p.color(random(0.2f, 1), random(0.2f, 1), random(0.2f, 1));
-                    p.box(Vector3f(far - random(20, 120), random(-30, 30), far - random(20, 120)),
-                          Vector3f(s, s, s));
-                }
-            });
-    }
-    display().mCameraMatrix = Plain::identity();
 }
 
 TEST_F(BatchTest, DepthClampKeepsWhatIsBehindTheFarPlane) {
@@ -1270,19 +768,18 @@ TEST_F(BatchTest, VertexOutsideBeginAndEndIsIgnored) {
         EXPECT_EQ(batch.getVertices(), 2u);
         batch.flush();
         EXPECT_EQ(batch.getVertices(), 0u);
-        EXPECT_EQ(batch.getDraws(), 1u);
+        const DrawCounter counter;
         batch.flush(); // nothing to draw
-        EXPECT_EQ(batch.getDraws(), 1u);
+        EXPECT_EQ(counter.draws, 0u);
     });
 }
 
 TEST_F(BatchTest, PairsOfBeginAndEndAreAsserted) {
     window();
-    EXPECT_DEATH(batch.end(), "mMode != NOTHING");
-    EXPECT_DEATH((batch.begin(GL_LINES), batch.begin(GL_LINES)), "mMode == NOTHING");
-    EXPECT_DEATH((batch.begin(GL_LINES), batch.flush()), "mMode == NOTHING");
+    EXPECT_DEATH(batch.end(), "mMode != NO_MODE");
+    EXPECT_DEATH((batch.begin(GL_LINES), batch.begin(GL_LINES)), "mMode == NO_MODE");
+    EXPECT_DEATH((batch.begin(GL_LINES), batch.flush()), "mMode == NO_MODE");
     EXPECT_DEATH(batch.begin(GL_POLYGON + 1), "mode <= GL_POLYGON");
-    EXPECT_DEATH(batch.attrib(5, Vector4f(0, 0, 0, 0)), "i >= 0 && i < ATTRIBS");
 }
 
 TEST_F(BatchTest, AfterAFlushThatThrowsEverythingIsAsAfterOneThatDoesNot) {
@@ -1348,7 +845,7 @@ TEST_F(BatchTest, BoundBuffersStayAsTheyWere) {
             batch.vertex(1, -1);
             batch.vertex(1, 1);
             batch.end();
-            batch.begin(GL_TRIANGLES); // so that it goes by indices
+            batch.begin(GL_TRIANGLES);
             batch.vertex(0, 0.5f);
             batch.vertex(1, 0.5f);
             batch.vertex(1, 1);
@@ -1377,20 +874,16 @@ TEST_F(BatchTest, NothingIsAllocatedOnceWarm) {
         drawModes(batch, ALL);
         batch.flush();
     };
-    size_t memory = 0;
     frame([&] {
         scene();
-        memory = batch.getMemory();
         glFinish(); // what the driver allocates is not ours
         perspective(display());
         const size_t before = allocationCount();
         drawBoxes(batch, 500, 12, 20, 60, 1);
         drawSprites(batch, 500);
         EXPECT_EQ(allocationCount(), before);
-        batch.flush();
-        EXPECT_EQ(batch.getMemory(), memory);
+        batch.clear();
     });
-    EXPECT_GT(memory, 0u);
 }
 
 TEST_F(BatchTest, LivesThroughANewContext) {
@@ -1406,41 +899,6 @@ TEST_F(BatchTest, LivesThroughANewContext) {
     display().close();
     display().open();
     EXPECT_EQ(show().at(100, 100)[2], 255);
-}
-
-TEST_F(BatchTest, AMillionVerticesAndMore) {
-    frame([&] {
-        flat(display());
-        batch.color(1, 0, 0);
-        const size_t before = batch.getDraws();
-        for (int i = 0; i < 300000; ++i)
-            batch.rect(-1, -1, -0.9f, -0.9f);
-        batch.color(0, 1, 0);
-        batch.rect(-1, -1, -0.9f, -0.9f);
-        batch.flush();
-        EXPECT_EQ(batch.getDraws() - before, 2u); // the memory has a bound
-        EXPECT_EQ(grabPicture(display()).at(5, 395)[1], 255);
-        EXPECT_LT(batch.getMemory(), size_t(80) << 20);
-    });
-}
-
-TEST_F(BatchTest, ChannelsThatAreAskedFor) {
-    window();
-    frame([&] {
-        perspective(display());
-        batch.setChannels(Batch::CHANNEL_NONE);
-        glTexCoord2f(0.7f, 0.7f);
-        batch.box({0, 0, -10}, {1, 1, 1});
-        batch.flush();
-        float coordinates[4];
-        glGetFloatv(GL_CURRENT_TEXTURE_COORDS, coordinates);
-        EXPECT_EQ(coordinates[0], 0.7f);
-        batch.setChannels(Batch::CHANNEL_TEXCOORD);
-        batch.box({0, 0, -10}, {1, 1, 1});
-        batch.flush();
-        glGetFloatv(GL_CURRENT_TEXTURE_COORDS, coordinates);
-        EXPECT_EQ(coordinates[0], 0.0f); // the last corner of a face
-    });
 }
 
 } // namespace

@@ -1,6 +1,5 @@
 #include "dis_display.h"
 
-#include "dis_batch.h"
 #include "dis_glcheck.h"
 #include "dis_ibo.h"
 #include "dis_vbo.h"
@@ -26,7 +25,7 @@ static const double ICONIFIED_FRAME = 1.0 / 60;
 
 // Opening and closing
 
-DisplayGL::DisplayGL(const WindowMode& mode) : mBatch(new Batch) {
+DisplayGL::DisplayGL(const WindowMode& mode) {
     if (currentDisplay)
         throw Exception("Could not open another GLFW-device");
     mWindowMode = mode;
@@ -388,6 +387,7 @@ void DisplayGL::setModelView() {
 }
 
 void DisplayGL::setProject(const mathbase::Matrix4x4Col& matrix) {
+    mProjectMatrix = matrix;
     GL_CALL(glMatrixMode(GL_PROJECTION));
     GL_CALL(glLoadMatrixf(matrix.mData));
 }

@@ -1,6 +1,5 @@
 // Simple shapes, colours, and the picture read back.
 #include "am_image.h"
-#include "dis_batch.h"
 #include "dis_display.h"
 #include "dis_glcheck.h"
 
@@ -15,37 +14,62 @@ using mathbase::Vector2f;
 using mathbase::Vector3f;
 using mathbase::Vector4f;
 
-// Shapes
+// Shapes, one OpenGL call a vertex: for a single shape, a batch costs 15 to 30 times as much.
+
+static constexpr float CORNERS[4][2] = {{-1, -1}, {1, -1}, {1, 1}, {-1, 1}};
+
+// Each face from its lower left corner on, counter-clockwise from outside.
+static void drawSolidBox(const Vector3f& centre, const Vector3f& half) {
+    // The outward normal of a face, and what is right and up on it.
+    static constexpr float FACES[6][3][3] = {
+        {{0, 0, -1}, {-1, 0, 0}, {0, 1, 0}}, {{-1, 0, 0}, {0, 0, 1}, {0, 1, 0}},
+        {{1, 0, 0}, {0, 0, -1}, {0, 1, 0}},  {{0, -1, 0}, {1, 0, 0}, {0, 0, 1}},
+        {{0, 1, 0}, {1, 0, 0}, {0, 0, -1}},  {{0, 0, 1}, {1, 0, 0}, {0, 1, 0}},
+    };
+    glBegin(GL_QUADS);
+    for (const auto& [normal, right, up] : FACES) {
+        glNormal3fv(normal);
+        for (const auto& [s, t] : CORNERS) {
+            glTexCoord2f(0.5f + 0.5f * s, 0.5f - 0.5f * t);
+            glVertex3f(centre.x + half.x * (normal[0] + s * right[0] + t * up[0]),
+                       centre.y + half.y * (normal[1] + s * right[1] + t * up[1]),
+                       centre.z + half.z * (normal[2] + s * right[2] + t * up[2]));
+        }
+    }
+    GL_CALL(glEnd());
+}
+
+// Every pair of corners that differ in one direction: the twelve edges.
+static void drawWireBox(const Vector3f& centre, const Vector3f& half) {
+    glBegin(GL_LINES);
+    for (int corner = 0; corner < 8; ++corner)
+        for (int axis = 1; axis < 8; axis *= 2)
+            if (!(corner & axis))
+                for (const int end : {corner, corner | axis})
+                    glVertex3f(centre.x + (end & 1 ? half.x : -half.x),
+                               centre.y + (end & 2 ? half.y : -half.y),
+                               centre.z + (end & 4 ? half.z : -half.z));
+    GL_CALL(glEnd());
+}
 
 void DisplayGL::setColor(float r, float g, float b, float a) {
     GL_CALL(glColor4f(r, g, b, a));
 }
 
 void DisplayGL::drawLine(float x1, float y1, float x2, float y2) {
-    mBatch->begin(GL_LINES);
-    mBatch->vertex(x1, y1);
-    mBatch->vertex(x2, y2);
-    mBatch->end();
-    mBatch->flush();
+    glBegin(GL_LINES);
+    glVertex2f(x1, y1);
+    glVertex2f(x2, y2);
+    GL_CALL(glEnd());
 }
 
 void DisplayGL::drawBox(float x, float y, float halfWidth, float halfHeight, FillMode fill) {
-    const float left = x - halfWidth, right = x + halfWidth, bottom = y - halfHeight, top = y + halfHeight;
-    if (fill == SOLID)
-        mBatch->rect(left, bottom, right, top, 0, 1, 1, 0);
-    else {
-        mBatch->begin(GL_LINE_LOOP);
-        mBatch->texCoord(0, 1);
-        mBatch->vertex(left, bottom);
-        mBatch->texCoord(1, 1);
-        mBatch->vertex(right, bottom);
-        mBatch->texCoord(1, 0);
-        mBatch->vertex(right, top);
-        mBatch->texCoord(0, 0);
-        mBatch->vertex(left, top);
-        mBatch->end();
+    glBegin(fill == SOLID ? GL_QUADS : GL_LINE_LOOP);
+    for (const auto& [right, up] : CORNERS) {
+        glTexCoord2f(0.5f + 0.5f * right, 0.5f - 0.5f * up);
+        glVertex2f(x + right * halfWidth, y + up * halfHeight);
     }
-    mBatch->flush();
+    GL_CALL(glEnd());
 }
 
 void DisplayGL::drawBox(float x, float y, float z, float halfWidth, float halfHeight, float halfDepth,
@@ -55,20 +79,9 @@ void DisplayGL::drawBox(float x, float y, float z, float halfWidth, float halfHe
 
 void DisplayGL::drawBox(const Vector3f& centre, const Vector3f& halfSizes, FillMode fill) {
     if (fill == SOLID)
-        mBatch->box(centre, halfSizes);
-    else {
-        // Every pair of corners that differ in one direction: the twelve edges.
-        mBatch->begin(GL_LINES);
-        for (int corner = 0; corner < 8; ++corner)
-            for (int axis = 1; axis < 8; axis *= 2)
-                if (!(corner & axis))
-                    for (int end : {corner, corner | axis})
-                        mBatch->vertex(centre.x + (end & 1 ? halfSizes.x : -halfSizes.x),
-                                       centre.y + (end & 2 ? halfSizes.y : -halfSizes.y),
-                                       centre.z + (end & 4 ? halfSizes.z : -halfSizes.z));
-        mBatch->end();
-    }
-    mBatch->flush();
+        drawSolidBox(centre, halfSizes);
+    else
+        drawWireBox(centre, halfSizes);
 }
 
 void DisplayGL::drawCircle(float x, float y, float radius, FillMode fill) {
@@ -76,17 +89,15 @@ void DisplayGL::drawCircle(float x, float y, float radius, FillMode fill) {
 }
 
 void DisplayGL::drawCircle(float x, float y, float radiusX, float radiusY, FillMode fill) {
-    static const int segments = 64;
-    mBatch->begin(fill == WIRE ? GL_LINE_LOOP : GL_POLYGON);
-    for (int i = 0; i < segments; ++i) {
-        const float angle = float(i) * (2 * 3.14159265f / float(segments));
-        const float c = std::cos(angle);
-        const float s = std::sin(angle);
-        mBatch->texCoord(0.5f + 0.5f * c, 0.5f - 0.5f * s);
-        mBatch->vertex(x + radiusX * c, y + radiusY * s);
+    static constexpr int SEGMENTS = 64;
+    glBegin(fill == SOLID ? GL_POLYGON : GL_LINE_LOOP);
+    for (int i = 0; i < SEGMENTS; ++i) {
+        const float angle = float(i) * (2 * 3.14159265f / float(SEGMENTS));
+        const float c = std::cos(angle), s = std::sin(angle);
+        glTexCoord2f(0.5f + 0.5f * c, 0.5f - 0.5f * s);
+        glVertex2f(x + radiusX * c, y + radiusY * s);
     }
-    mBatch->end();
-    mBatch->flush();
+    GL_CALL(glEnd());
 }
 
 // Colours and the mouse

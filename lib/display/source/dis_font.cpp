@@ -154,15 +154,24 @@ void Font::draw(const std::string& text, mathbase::Vector2f scale, mathbase::Vec
     }
     const float h = float(mCharHeight) * mUnitSizeY * scale.y;
     const float width = scale.x * float(mCharWidth) * mUnitSizeX;
-    mBatch.color(color);
+    glBegin(GL_QUADS);
+    glColor4f(color.x, color.y, color.z, color.w);
+    const auto corner = [](float s, float t, float left, float bottom) {
+        glTexCoord2f(s, t);
+        glVertex2f(left, bottom);
+    };
     for (const char character : text) {
         const uint8_t c = uint8_t(character);
         const Cell cell = getCell(c);
-        if (c || !mSpotted)
-            mBatch.rect(x, -0.5f * h, x + width, 0.5f * h, cell.s0, cell.t1, cell.s1, cell.t0);
+        if (c || !mSpotted) {
+            corner(cell.s0, cell.t1, x, -0.5f * h);
+            corner(cell.s1, cell.t1, x + width, -0.5f * h);
+            corner(cell.s1, cell.t0, x + width, 0.5f * h);
+            corner(cell.s0, cell.t0, x, 0.5f * h);
+        }
         x += scale.x * mKerning[c];
     }
-    mBatch.flush();
+    GL_CALL(glEnd());
     mTexture.unbind();
     GL_CALL(glPopAttrib());
 }

@@ -200,7 +200,18 @@ void SpriteCut::drawReach(Batch& batch, const Vector3f& centre, float size, floa
         batch.sprite(centre, right, up, s - ds, t + dt, s + ds, t - dt);
         return;
     }
-    batch.octagon(centre, right, up, s - ds, t + dt, s + ds, t - dt);
+
+    // A regular octagon, as three quads: the left part, the middle and the right one.
+    static constexpr float SIDE = 0.41421356f; // half of one
+    static constexpr float CORNERS[12][2] = {{-SIDE, 1}, {-1, SIDE},  {-1, -SIDE}, {-SIDE, -1},
+                                             {-SIDE, 1}, {-SIDE, -1}, {SIDE, -1},  {SIDE, 1},
+                                             {SIDE, 1},  {SIDE, -1},  {1, -SIDE},  {1, SIDE}};
+    batch.begin(GL_QUADS);
+    for (const auto& [x, y] : CORNERS) {
+        batch.texCoord(s + ds * x, t + dt * y);
+        batch.vertex(centre + right * x + up * y);
+    }
+    batch.end();
 }
 
 } // namespace zentrak::display
