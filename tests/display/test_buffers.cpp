@@ -148,8 +148,9 @@ TEST_P(BufferTest, LockReturnsTheSamePointerUnderEmulation) {
     vbo.unlock();
     void* second = vbo.lock(true, false);
     vbo.unlock();
-    if (emulated())
+    if (emulated()) {
         EXPECT_EQ(first, second);
+    }
     EXPECT_NE(first, nullptr);
     EXPECT_NE(second, nullptr);
     vbo.unbind();

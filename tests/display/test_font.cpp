@@ -231,8 +231,9 @@ TEST_F(ShowsFont, AllOfLatin1) {
     Font font(&display());
     font.load("fonthelvete2.png", false, Vector2f(480, 240));
     for (int c = 33; c < 256; ++c)
-        if (c < 127 || (c > 160 && c != 173))
+        if (c < 127 || (c > 160 && c != 173)) {
             EXPECT_GT(font.getAdvance((unsigned char)c), 2.0f) << c;
+        }
     EXPECT_FLOAT_EQ(font.getHeight(), 16);
     const std::string lines[] = {"The quick brown fox jumps over the lazy dog.",
                                  "0123456789  (a+b)*c = {x}[y] / 100% #1 & @2",
