@@ -49,8 +49,7 @@ Vector4f mix(const Vector4f& a, const Vector4f& b, float t) {
 
 // Setting up
 
-Render::Render() : mColorFirst(1, 1, 1, 1), mColorSecond(1, 1, 1, 1), mPixel(1, 1), mClip(UNCLIPPED) {
-}
+Render::Render() : mColorFirst(1, 1, 1, 1), mColorSecond(1, 1, 1, 1), mPixel(1, 1), mClip(UNCLIPPED) {}
 
 Render::~Render() {
     delete mFont;
