@@ -81,7 +81,7 @@ std::string followLinks(std::string path) {
         if (length < 0)
             return path;
         std::string link(target, size_t(length));
-        path = link[0] == '/' ? link : folderOf(path) + link;
+        path = link[0] == '/' ? link : folderOf(path).append(link);
     }
     return std::string();
 }
