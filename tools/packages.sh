@@ -1,10 +1,10 @@
 # shellcheck shell=sh disable=SC2034
-# Sourced by ./run and ./test. need PACKAGE... installs what is missing of the Debian or Ubuntu packages named,
-# or says which they are and what to type where it may not.
+# Sourced by ./run and ./test. need PACKAGE... installs those of the given Debian or Ubuntu packages that are missing,
+# or says what to type if it may not install.
 
 need() {
     if ! command -v dpkg-query >/dev/null || ! command -v apt-get >/dev/null; then
-        echo "This is not a Debian or Ubuntu system, so I cannot tell whether all it takes is here."
+        echo "This is not a Debian or Ubuntu system, so I can't tell whether everything needed is installed."
         echo "The packages, by their Debian names: $*"
         return 0
     fi
@@ -25,7 +25,7 @@ need() {
         fi
     fi
     echo "Installing:$missing"
-    # The first try does without new package lists: where they are there already it is much quicker.
+    # Try without updating the package lists first: that is much quicker if they are there already.
     # shellcheck disable=SC2086
     $as_root env DEBIAN_FRONTEND=noninteractive apt-get install -qq -y --no-install-recommends $missing \
         >/dev/null 2>&1 && return 0

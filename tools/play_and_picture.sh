@@ -1,11 +1,10 @@
 #!/bin/sh
-# Plays the show in data/ on the display of the environment with a sound device that nobody hears, and writes a
-# picture of the screen every ten seconds:
+# Plays the show in data/ on the current display, silently, and saves a picture of the screen every ten seconds:
 #   tools/play_and_picture.sh FOLDER
 # The exit status is the show's, or 1 if it has not ended within a quarter of an hour.
 set -u
 if [ $# -ne 1 ] || [ ! -d "$1" ]; then
-    echo "usage: tools/play_and_picture.sh FOLDER     one that is there" >&2
+    echo "usage: tools/play_and_picture.sh FOLDER     (which must exist)" >&2
     exit 2
 fi
 pictures=$(cd "$1" && pwd)
@@ -21,7 +20,7 @@ export ALSOFT_DRIVERS
 show=$!
 trap 'kill $show 2>/dev/null' INT TERM
 
-# By the clock, since taking a picture takes time itself.
+# By the clock: taking a picture takes time, too.
 start=$(date +%s)
 next=10
 while kill -0 $show 2>/dev/null; do

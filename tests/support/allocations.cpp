@@ -31,7 +31,7 @@ size_t zentrak::test::allocationCount() {
     return allocations;
 }
 
-// Every form: a library that mixes them, as drivers do, must not get one of ours with one of another's.
+// All forms: drivers mix them, and memory from our `new` must not end in another's `delete`.
 // clang-format off
 void* operator new(size_t size) { return orThrow(plain(size)); }
 void* operator new[](size_t size) { return orThrow(plain(size)); }

@@ -1,4 +1,4 @@
-// How often the running program has asked for memory by `new`. Link zentrak_test_allocations.
+// Counts the calls of `new` since the start of the program. Link zentrak_test_allocations.
 #pragma once
 
 #include <cstddef>

@@ -12,8 +12,8 @@
 
 namespace zentrak::test {
 
-// A window of its own for as long as it lives; there can be one at a time. Frames come as fast as they are
-// drawn, and files come from the folder data/ of the source tree.
+// A window that is open for as long as this object lives; one at a time. Frames aren't paced, and files come
+// from data/ in the source tree.
 //
 //     GlWindow window(640, 400);
 //     Effect effect; effect.mDisplay = &window.display(); effect.setup();
@@ -28,9 +28,9 @@ public:
     display::DisplayGL& display() { return *mDisplay; }
     am::ArchiveManager& archives() { return mArchives; }
 
-    // Runs one whole frame of the display, with `draw` after its reset of the states, and gives what the
-    // window shows at its end. Nothing is cleared before `draw` unless `clear` is set: then to black, depth
-    // included. What `draw` throws comes out. Fails the running test if the window does not get to draw
+    // Runs one whole frame of the display, calling `draw` after the states are reset, and returns what the
+    // window shows at its end. With `clear` the picture is cleared to black first, and the depth buffer too.
+    // What `draw` throws is rethrown. Fails the running test if the window doesn't draw
     // within 20 seconds.
     Picture frame(const std::function<void()>& draw, bool clear = true);
 
@@ -42,7 +42,7 @@ private:
     std::unique_ptr<Painter> mPainter;
 };
 
-// The fixture of tests that need one window each: window() opens it at its first use.
+// A fixture for tests that need one window each: the first call of window() opens it.
 class GlTest : public ::testing::Test {
 protected:
     GlWindow& window(int width = 640, int height = 400);

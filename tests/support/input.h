@@ -1,10 +1,10 @@
-// A viewer in front of a window under test: real keys, a real mouse and the window manager of the display
-// that tests/with_display brings. Tests label themselves GL to get both the display and this.
+// A viewer at a window under test: real keys, a real mouse, and the window manager of the display that
+// tests/with_display provides. Tests marked GL get both.
 //
 // An operation returns when the X server has the event; the program under test has it once it has polled. A
 // test therefore waits for what it expects with `until`, and never sleeps. Events arrive in the order in
-// which they were sent: to show that something does not happen, send something that does after it, and wait
-// for that. A tool that fails or a deadline that passes fails the running test.
+// which they were sent: to show that something doesn't happen, send something after it that does happen, and
+// wait for that. A tool that fails or a deadline that passes fails the running test.
 #pragma once
 
 #include <functional>
@@ -23,8 +23,7 @@ public:
     Viewer(const Viewer&) = delete;
     Viewer& operator=(const Viewer&) = delete;
 
-    // Polls until `done` holds; whether it came to that before `seconds` were over. `what` names it in the
-    // failure.
+    // Polls until `done` holds; false if `seconds` pass first. `what` names it in the failure.
     bool until(const std::string& what, const std::function<bool()>& done, double seconds = 30.0);
 
     // Keys, by X keysym name ("a", "Return", "KP_Add", "shift+a", "ctrl+t") or by key code as a number from
@@ -65,7 +64,7 @@ private:
     bool mOtherLayout = false;
 };
 
-// A second window on the display, for the focus to go to; it closes at the end of its life.
+// A second window on the display, for the focus to go to; closed on destruction.
 class OtherWindow {
 public:
     OtherWindow();

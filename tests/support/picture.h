@@ -1,4 +1,4 @@
-// Pictures in tests: reading and writing PNG files, and holding what was drawn against a reference.
+// Pictures in tests: PNG files, and comparing what was drawn with a reference.
 #pragma once
 
 #include <cstdint>
@@ -8,7 +8,7 @@
 
 namespace zentrak::test {
 
-// 8-bit RGBA, rows from the top, each directly behind the last.
+// 8-bit RGBA, rows from the top, without padding.
 struct Picture {
     int width = 0;
     int height = 0;
@@ -26,16 +26,17 @@ struct Picture {
 bool readPng(const std::string& path, Picture& picture);        // any PNG, turned into 8-bit RGBA
 bool writePng(const std::string& path, const Picture& picture); // creates the folders it needs
 
-// How far two pictures of one size are apart, over the colour channels (alpha is left out).
+// How much two pictures of the same size differ, in their colour channels (alpha is ignored).
 struct PictureDifference {
     double mean = 0;    // mean absolute difference of a channel, 0 to 255
-    double changed = 0; // share of the pixels with a channel more than 24 apart, 0 to 1
+    double changed = 0; // share of pixels with a channel that differs by more than 24, 0 to 1
 };
 PictureDifference comparePictures(const Picture& a, const Picture& b);
 
-// Compares `drawn` with tests/pictures/NAME.png. Apart by more than either bound, of another size, or without
-// a reference, it fails, and leaves NAME.png, NAME.reference.png and NAME.difference.png in the build tree
-// under pictures-failed/. With ZENTRAK_UPDATE_PICTURES=1 in the environment the reference is written instead.
+// Compares `drawn` with tests/pictures/NAME.png. Fails if they differ by more than either bound or in
+// size, or if there is no reference, and leaves NAME.png, NAME.reference.png and NAME.difference.png in the
+// build tree under pictures-failed/. With ZENTRAK_UPDATE_PICTURES=1 in the environment the reference is
+// written instead.
 ::testing::AssertionResult matchesReference(const std::string& name, const Picture& drawn,
                                             double maxMean = 1.0, double maxChanged = 0.005);
 

@@ -1,4 +1,4 @@
-// A box the plain way, one OpenGL call for each vertex: what tests and benchmarks hold the batch against.
+// A box drawn with one OpenGL call per vertex: what tests and benchmarks compare the batch with.
 #pragma once
 
 #include "mb_vector3.h"

@@ -1,5 +1,4 @@
-// What several tests need: folders that clean up after themselves, whole files, other programs, and what the
-// program under test printed.
+// What tests share: temporary folders, whole files, child processes, and captured output.
 #pragma once
 
 #include <limits>
@@ -11,7 +10,7 @@ namespace zentrak::test {
 constexpr float ENDLESS = std::numeric_limits<float>::infinity();
 constexpr float NO_NUMBER = std::numeric_limits<float>::quiet_NaN();
 
-// An empty folder under the system's temporary one; removed with all that is in it at the end of its life.
+// An empty folder in the system's temporary folder, deleted with its contents on destruction.
 class TempDir {
 public:
     TempDir();
@@ -26,7 +25,7 @@ private:
     std::string mPath;
 };
 
-// Makes `path` the current folder for as long as it lives.
+// Makes `path` the current folder until destroyed.
 class WorkingDir {
 public:
     explicit WorkingDir(const std::string& path);
@@ -47,10 +46,10 @@ bool fileExists(const std::string& path);
 std::string sourcePath(const std::string& name);
 std::string binaryPath(const std::string& name);
 
-// Runs a shell command; its exit status and what it printed on both streams.
+// Runs a shell command; returns its exit status, and its stdout and stderr together.
 std::pair<int, std::string> runCommand(const std::string& command);
 
-// Collects what goes to file descriptor 1 while it lives, stdio and iostreams alike.
+// Captures what is written to file descriptor 1 until destroyed, by stdio and iostreams alike.
 class CaptureStdout {
 public:
     CaptureStdout();
