@@ -7,23 +7,11 @@
 
 #include <cstdio>
 #include <exception>
-#include <memory>
-#include <vector>
 
 using namespace zentrak;
 using namespace zentrak::kindler;
 
 namespace {
-
-// Destroys the effects in the reverse order of their making.
-struct Effects {
-    std::vector<std::unique_ptr<Effect>> list;
-
-    ~Effects() {
-        while (!list.empty())
-            list.pop_back();
-    }
-};
 
 // The effects come after the driver, so that they are destroyed while its window is still open.
 void show() {
@@ -31,11 +19,8 @@ void show() {
     kindler.setup();
 
     Common common;
-    Effects effects;
-    for (const CatalogueEntry& entry : effectCatalogue()) {
-        effects.list.push_back(entry.make(common));
-        kindler.addCallback(entry.name, *effects.list.back());
-    }
+    EffectSet effects(common);
+    effects.forEach([&](const char* name, Effect& effect) { kindler.addCallback(name, effect); });
     kindler.run();
 }
 

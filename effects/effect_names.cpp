@@ -74,6 +74,16 @@ const std::vector<CatalogueEntry>& effectCatalogue() {
     return catalogue;
 }
 
+EffectSet::EffectSet(Common& common) {
+    for (const CatalogueEntry& entry : effectCatalogue())
+        mEffects.push_back(entry.make(common));
+}
+
+EffectSet::~EffectSet() {
+    while (!mEffects.empty())
+        mEffects.pop_back();
+}
+
 // An effect declares its names in its constructor, which needs no window.
 const std::vector<EffectNames>& effectNames() {
     static const std::vector<EffectNames> names = [] {

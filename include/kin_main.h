@@ -97,6 +97,10 @@ public:
     // ends the process. No control of the editor reports here.
     virtual void controlAction(panorama::Control* control, panorama::Action action);
 
+protected:
+    // Sets up every effect that was added. The display must be open.
+    void loadEffects();
+
 private:
     struct Editor; // makes mGui, and deletes it
 
@@ -106,7 +110,6 @@ private:
     bool hasSound() const;
     [[noreturn]] void endProcess();
     bool editorVisible() const;
-    void loadEffects();
     void fitFrame(int width, int height);
 };
 

@@ -5,8 +5,16 @@
 
 #include <cmath>
 #include <cstdint>
+#include <optional>
 
 namespace zentrak::mathbase {
+
+// What a sequence that differs from run to run starts from: the processor time used so far, or the fixed
+// start.
+uint32_t randomStart();
+
+// From now on randomStart() gives `start`, for pictures that can be compared; nothing frees it again.
+void fixRandomStart(std::optional<uint32_t> start);
 
 struct Random {
     uint32_t mState = 0;

@@ -44,7 +44,7 @@ build_packages="build-essential cmake ninja-build pkg-config ccache libglfw3-dev
     libjpeg-dev zlib1g-dev"
 screen_packages="xvfb imagemagick"
 test_packages="libgtest-dev xvfb xdotool openbox x11-utils x11-xkb-utils x11-xserver-utils imagemagick zip sox
-    libsox-fmt-mp3 vorbis-tools flac lame libfreetype-dev fonts-dejavu-core libassimp-dev
+    libsox-fmt-mp3 vorbis-tools flac lame libfreetype-dev fonts-dejavu-core libassimp-dev ffmpeg
     assimp-testmodels"
 bench_packages="libbenchmark-dev libtinyxml2-dev libpugixml-dev"
 clang_packages="clang-14"

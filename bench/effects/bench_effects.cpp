@@ -208,7 +208,7 @@ private:
 
 int main(int count, char** arguments) {
     keepFreedMemory(); // as the program does
-    kindler::EffectRandom::fixStart(1);
+    mathbase::fixRandomStart(1);
     const bool small = count > 1 && std::strcmp(arguments[1], "small") == 0;
     if (small)
         --count, ++arguments;
@@ -399,6 +399,6 @@ int main(int count, char** arguments) {
         bench.alone("ssao", [&] { ssao.update(3, 0, 0); });
         bench.alone("kasper, light", [&] { kasper.renderLight(3, mathbase::Matrix4x4Col()); });
     }
-    kindler::EffectRandom::freeStart();
+    mathbase::fixRandomStart(std::nullopt);
     return 0;
 }

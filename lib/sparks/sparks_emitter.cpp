@@ -4,7 +4,6 @@
 #include <climits>
 #include <cmath>
 #include <cstdlib>
-#include <ctime>
 
 namespace zentrak::sparks {
 
@@ -93,7 +92,7 @@ void forEachRange(Emitter& e, const Visit& visit) {
 } // namespace
 
 mathbase::Random clockRandom() {
-    return mathbase::Random(uint32_t(clock()) * 475559465u + 345350u);
+    return mathbase::Random(mathbase::randomStart() * 475559465u + 345350u);
 }
 
 Emitter::Emitter() : random(clockRandom()) {}

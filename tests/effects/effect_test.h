@@ -17,8 +17,8 @@ namespace zentrak::test {
 // While it lives every effect that is built draws the same random numbers.
 class FixedRandom {
 public:
-    explicit FixedRandom(uint32_t start = 1) { kindler::EffectRandom::fixStart(start); }
-    ~FixedRandom() { kindler::EffectRandom::freeStart(); }
+    explicit FixedRandom(uint32_t start = 1) { mathbase::fixRandomStart(start); }
+    ~FixedRandom() { mathbase::fixRandomStart(std::nullopt); }
     FixedRandom(const FixedRandom&) = delete;
     FixedRandom& operator=(const FixedRandom&) = delete;
 };
