@@ -13,7 +13,7 @@ namespace zentrak::kindler {
 class Clear : public ScriptedEffect {
 public:
     mathbase::Vector4f color1; // of the flat background
-    mathbase::Vector4f color2; // kept and not drawn
+    mathbase::Vector4f color2; // not drawn
     std::string type;
     float alpha = 1.0f; // of the gradient
 

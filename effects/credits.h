@@ -13,13 +13,13 @@
 namespace zentrak::kindler {
 
 // Splines: "zoom" (0: far away but for the first to arrive; 1: all in place). Triggers: any name blows it
-// apart, for good. The picture is "credits/credits_" + key + ".png".
+// apart permanently. The picture is "credits/credits_" + key + ".png".
 class Credits : public ScriptedEffect {
 public:
     struct poxdata {
-        mathbase::Vector3f target; // place in the finished picture
-        mathbase::Vector3f start;  // place far away
-        mathbase::Vector3f side;   // kept and not used
+        mathbase::Vector3f target; // position in the finished picture
+        mathbase::Vector3f start;  // position far away
+        mathbase::Vector3f side;   // not used
         mathbase::Vector4f col;
         float delay; // the more, the sooner this pixel arrives
     };

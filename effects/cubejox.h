@@ -10,17 +10,17 @@
 
 namespace zentrak::kindler {
 
-// Splines: "alpha", "bw" (1: grey), "zoom" (faded from 0.25 on). Triggers: "drum1" to "drum4", which are kept
-// and not drawn.
+// Splines: "alpha", "bw" (1: grey), "zoom" (faded from 0.25 on). Triggers: "drum1" to "drum4", which have
+// no visible effect.
 class Cubejox : public ScriptedEffect {
 public:
     static constexpr int NUM_RODS = 1000;
 
     struct Rod {
         mathbase::Vector3f pos;
-        mathbase::Vector3f axis; // of unit length, from pos to the middle
+        mathbase::Vector3f axis; // of unit length, from pos to the origin
         float angle;             // about its own axis, radians
-        unsigned char sides;     // kept and not used: every rod has 12
+        unsigned char sides;     // not used: every rod has 12
         float radius;
         float spin; // 1 if it turns, else 0
     };

@@ -5,8 +5,8 @@
 
 namespace zentrak::kindler {
 
-// One for all of them, so that its memory is that of the largest. Whoever uses it leaves it flushed, and its
-// options as they are at the start.
+// One for all of them, so that it holds the memory of the largest only. Flush it after use, and reset its
+// options.
 display::Batch& sharedBatch();
 
 } // namespace zentrak::kindler

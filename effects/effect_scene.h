@@ -19,37 +19,38 @@ using SceneMeshes = std::map<std::string, gimli::Mesh*>;
 // meshes.
 void loadSceneFile(display::DisplayGL& display, o3d::Manager& manager, const std::string& name);
 
-// Makes the buffers of every mesh of `manager`; of two with one name those of the later. Throws and asserts
-// what gimli::Mesh::load does; what is made by then is in the map.
+// Makes the buffers of every mesh of `manager`; of two with one name, the later replaces the earlier. Throws
+// and asserts what gimli::Mesh::load does; the map then holds what was made so far.
 void loadMeshes(display::DisplayGL& display, const o3d::Manager& manager, SceneMeshes& meshes);
 void removeMeshes(SceneMeshes& meshes); // deletes them and empties the map
 
-// What the walk tells about.
+// Called for each node of a walk.
 class SceneVisitor {
 public:
-    // A node and its place in the world at the time of the walk. `flip` tells whether an odd number of nodes
-    // from the root to here mirrors. The matrix lasts for the call.
+    // `world` takes the node's coordinates to the world's, at the time of the walk, and lasts for the call.
+    // `flip`: an odd number of nodes from the root to this one mirror.
     virtual void visit(const o3d::SceneNode& node, const mathbase::Matrix4x4Col& world, bool flip) = 0;
 
 protected:
     ~SceneVisitor() = default;
 };
 
-// Visits `node`, whose parent lies at `parent` and is mirrored if `flip`, and all below it: each node ahead
-// of its children, these in their order. A camera is passed over, with all below it. A Scene's own tracks
-// play no part.
+// Visits `node` and all below it, each node before its children, children in order. `parent` is the parent's
+// transform to the world, `flip` whether it mirrors. A camera is skipped with all below it. A Scene's own
+// tracks have no effect.
 void walkScene(const o3d::SceneNode& node, const mathbase::Matrix4x4Col& parent, float time, bool flip,
                SceneVisitor& visitor);
 
-// The instance that a node is, or null; and its mesh, which asserts that there is one.
+// The node as an instance, or null if it is something else; and the mesh of an instance. Asserts that it
+// exists.
 const o3d::MeshInstance* asInstance(const o3d::SceneNode& node);
 const o3d::Mesh& meshOf(const o3d::Manager& manager, const o3d::MeshInstance& instance);
 
-// Draws the submeshes of `mesh` in their order under the matrices as they are, with the front faces clockwise
-// if `flip`; GL_CULL_FACE and the front face stay as set here. `instance` may be null. Nothing for a mesh
-// without submeshes or without an entry in the map. A submesh's material is looked up by the name that the
-// instance gives to its number, else by the mesh's: throws "drawmesh::trianglelist without material" where
-// both are empty, and asserts "m" where there is none of that name.
+// Draws the submeshes of `mesh` in order under the current matrices, with front faces clockwise if `flip`.
+// Leaves GL_CULL_FACE on and the front face as set. `instance` may be null. Draws nothing for a mesh without
+// submeshes or without an entry in the map. The material of a submesh has the name that the instance gives to
+// its number, or else the mesh: throws "drawmesh::trianglelist without material" if both are empty, and
+// asserts "m" if there is none of that name.
 void drawMesh(const o3d::Manager& manager, const SceneMeshes& meshes, const o3d::Mesh& mesh,
               const o3d::MeshInstance* instance, bool flip);
 

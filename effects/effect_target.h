@@ -7,8 +7,8 @@
 
 namespace zentrak::kindler {
 
-// The target of this name, which stays its maker's. Throws Exception "No render target of the name '%s'"
-// where there is none; the name is in the map from then on, with a null pointer.
+// The target of this name, owned by the effect that made it. Throws Exception "No render target of the name
+// '%s'" if there is none; the map then holds the name with a null pointer.
 Common::FBOData& findTarget(Common& common, const std::string& name);
 
 } // namespace zentrak::kindler

@@ -18,12 +18,12 @@
 
 namespace zentrak::kindler {
 
-// Spline: "alpha", the brightness. The blend function stays additive behind it.
+// Spline: "alpha", the brightness. Leaves blending on and additive.
 class Face : public ScriptedEffect {
 public:
     explicit Face(Common* common);
 
-    // Throws what a missing or foreign scene throws.
+    // Throws what a missing or invalid scene throws.
     void setup() override;
     void update(float time, float delta,
                 float progress) override; // asserts "length!=0" for a point at the origin

@@ -14,7 +14,7 @@
 
 namespace zentrak::kindler {
 
-// Splines: "ilvo marsten" (swings the camera), "alpha". Triggers: "turn2", "turn", "expand", each for good.
+// Splines: "ilvo marsten" (swings the camera), "alpha". Triggers: "turn2", "turn", "expand", each permanent.
 // The picture "kub/kub.png" is meant to be 64 by 32; its black pixels are left out.
 class Kub : public ScriptedEffect {
 public:
@@ -26,11 +26,11 @@ public:
 
     struct Poxel {
         std::vector<Mod> mods; // oldest first
-        int count = 0;         // moves that are not undone yet
+        int count = 0;         // moves not undone yet
         float x, y;            // grid cell
         mathbase::Vector3f col;
         mathbase::Vector3f rot;  // Euler angles now
-        mathbase::Vector3f draw; // place now: grid x, grid y, height
+        mathbase::Vector3f draw; // position now: grid x, grid y, height
         float amp = 0.15f;       // height of a roll
         float expand = 0;        // growth of the expansion
     };

@@ -1,4 +1,4 @@
-// Faint sprites that drift and turn, and a ring that runs out from the middle at each shot.
+// Faint sprites that drift and turn, and a ring that runs out from the centre at each shot.
 #pragma once
 
 #include "dis_batch.h"

@@ -24,7 +24,7 @@ public:
 private:
     Common* mCommon; // not owned
     std::string which;
-    std::unique_ptr<Common::FBOData> mTarget; // what stands under "vaddr"
+    std::unique_ptr<Common::FBOData> mTarget; // registered as "vaddr"
 };
 
 } // namespace zentrak::kindler

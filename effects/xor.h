@@ -12,7 +12,7 @@
 namespace zentrak::kindler {
 
 // Splines: "alpha". Triggers: "shot" (a flash of blue that fades in a second). The path lasts for 100
-// seconds; from then on the comet stands at its end.
+// seconds; after that the comet stays at its end.
 class Xor : public ScriptedEffect {
 public:
     explicit Xor(Common* common);

@@ -133,8 +133,8 @@ TEST(Arrows, NoIncludeRunsUp) {
 TEST(Arrows, AnEffectNeverIncludesAnotherEffect) {
     for (const Source& source : allSources()) {
         if (source.room == nullptr || std::string(source.room->name) != "effects" ||
-            source.path.begin()->string() != "effects")
-            continue;
+            source.path.begin()->string() != "effects" || source.path.stem() == "effect_names")
+            continue; // the catalogue makes them all
         for (const Include& include : includesOf(zentrak::test::sourcePath(source.path.string()))) {
             bool ofEffects =
                 !include.angled && fs::exists(zentrak::test::sourcePath("effects/" + include.name));

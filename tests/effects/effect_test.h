@@ -106,6 +106,53 @@ protected:
     }
 };
 
+// While it lives a program is bound that draws what fixed function would, so that the batch and SpriteCut
+// leave nothing out: whatever a program may move has to be sent.
+class SendEverything {
+public:
+    explicit SendEverything(bool textured) : mProgram(glCreateProgram()) {
+        const char* vertex = "void main() { gl_FrontColor = gl_Color; gl_TexCoord[0] = gl_MultiTexCoord0; "
+                             "gl_Position = ftransform(); }";
+        const char* plain = "void main() { gl_FragColor = gl_Color; }";
+        const char* modulated = "uniform sampler2D unit0; void main() { "
+                                "gl_FragColor = gl_Color * texture2D(unit0, gl_TexCoord[0].xy); }";
+        attach(GL_VERTEX_SHADER, vertex);
+        attach(GL_FRAGMENT_SHADER, textured ? modulated : plain);
+        glLinkProgram(mProgram);
+        glUseProgram(mProgram);
+    }
+    ~SendEverything() {
+        glUseProgram(0);
+        glDeleteProgram(mProgram);
+    }
+    SendEverything(const SendEverything&) = delete;
+    SendEverything& operator=(const SendEverything&) = delete;
+
+private:
+    void attach(GLenum kind, const char* text) {
+        const GLuint shader = glCreateShader(kind);
+        glShaderSource(shader, 1, &text, nullptr);
+        glCompileShader(shader);
+        glAttachShader(mProgram, shader);
+        glDeleteShader(shader);
+    }
+
+    GLuint mProgram;
+};
+
+// The mean of the three channels over the pixels from (x0, y0) up to, not including, (x1, y1), 0 to 255.
+inline double brightness(const Picture& picture, int x0, int y0, int x1, int y1) {
+    double sum = 0;
+    for (int y = y0; y < y1; ++y)
+        for (int x = x0; x < x1; ++x)
+            for (int c = 0; c < 3; ++c)
+                sum += picture.at(x, y)[c];
+    return sum / (3.0 * (x1 - x0) * (y1 - y0));
+}
+inline double brightness(const Picture& picture) {
+    return brightness(picture, 0, 0, picture.width, picture.height);
+}
+
 // Two ways to draw one picture: the same but for a rounding here and there.
 inline ::testing::AssertionResult samePicture(const Picture& drawn, const Picture& plain,
                                               double maxChanged = 0.0005) {

@@ -87,13 +87,6 @@ bool isBlack(const Picture& picture) {
     return true;
 }
 
-double brightness(const Picture& picture) {
-    double sum = 0;
-    for (size_t i = 0; i < picture.rgba.size(); i += 4)
-        sum += picture.rgba[i];
-    return sum / double(picture.rgba.size() / 4);
-}
-
 } // namespace
 
 TEST(CloudPath, WindsAndClimbsByThree) {
@@ -130,7 +123,7 @@ TEST_F(CloudTest, AnAlphaOfZeroDrawsNothingEarlyOrLate) {
 }
 
 TEST_F(CloudTest, BelowATenthsTwoAlphaOnlyScales) {
-    const double whole = brightness(at(0.15f, 0.2f)), half = brightness(at(0.15f, 0.1f));
+    const double whole = test::brightness(at(0.15f, 0.2f)), half = test::brightness(at(0.15f, 0.1f));
     EXPECT_GT(half, 1);
     EXPECT_NEAR(whole / half, 2, 0.3);
 }
@@ -138,8 +131,8 @@ TEST_F(CloudTest, BelowATenthsTwoAlphaOnlyScales) {
 TEST_F(CloudTest, LateInTheEntryAlphaThinsFromTheFarEndOfTheList) {
     // At 0.9 the eye is at 10 on the path and looks up along it: with an alpha of 0.05 only what lies up to 5
     // is left, and that is behind it.
-    EXPECT_LT(brightness(at(0.9f, 0.05f)), brightness(at(0.9f, 1)) / 4);
-    EXPECT_LT(brightness(at(0.9f, 0.3f)), brightness(at(0.9f, 1)));
+    EXPECT_LT(test::brightness(at(0.9f, 0.05f)), test::brightness(at(0.9f, 1)) / 4);
+    EXPECT_LT(test::brightness(at(0.9f, 0.3f)), test::brightness(at(0.9f, 1)));
 }
 
 TEST_F(CloudTest, AnAlphaOutsideOfItsRangeReadsNothingOutside) {

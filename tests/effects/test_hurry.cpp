@@ -28,13 +28,6 @@ protected:
     }
 };
 
-double brightness(const Picture& picture) {
-    double sum = 0;
-    for (size_t i = 0; i < picture.rgba.size(); i += 4)
-        sum += picture.rgba[i];
-    return sum / double(picture.rgba.size() / 4);
-}
-
 // Where the sprites are, by the order of the random numbers.
 std::vector<Vector3f> positions() {
     mathbase::Random random(475904815u); // a start of 1 and two draws
@@ -125,7 +118,7 @@ TEST_F(HurryTest, ABoltAtATimeThatIsNoNumberGoes) {
 TEST_F(HurryTest, TheLightsFlicker) {
     const float pi = 3.14159265f;
     const float bright = (0.5f * pi) / 10, dark = (1.5f * pi) / 10; // of the first light, 10 radians a second
-    EXPECT_GT(brightness(at(bright)), brightness(at(dark)) * 1.15);
+    EXPECT_GT(test::brightness(at(bright)), test::brightness(at(dark)) * 1.15);
 }
 
 TEST_F(HurryTest, LeavesTheStatesReset) {

@@ -52,13 +52,6 @@ protected:
     }
 };
 
-double brightness(const Picture& picture) {
-    double sum = 0;
-    for (size_t i = 0; i < picture.rgba.size(); ++i)
-        sum += i % 4 < 3 ? picture.rgba[i] : 0;
-    return sum / double(picture.rgba.size() / 4 * 3);
-}
-
 // The scene again, traced plainly.
 struct Sphere {
     Vector3f centre;
@@ -239,7 +232,7 @@ TEST_F(PhotonTest, WhatMissesEverythingDrawsNothing) {
     });
     prepare(photon);
     const uint32_t before = photon.mRandom.mState;
-    EXPECT_EQ(brightness(at(photon, 1)), 0);
+    EXPECT_EQ(test::brightness(at(photon, 1)), 0);
     uint32_t state = before;
     for (int i = 0; i < 2 * 15000; ++i)
         state = state * 69069u + 5u;
@@ -252,15 +245,15 @@ TEST_F(PhotonTest, WithoutLightsThePictureOnlyFades) {
     at(photon, 1);
     for (int i = 0; i < 10; ++i)
         at(photon, 1);
-    const double lit = brightness(at(photon, 1));
+    const double lit = test::brightness(at(photon, 1));
     EXPECT_GT(lit, 5);
     for (Photon::Light* light : photon.mLights)
         delete light;
     photon.mLights.clear();
     const uint32_t state = photon.mRandom.mState;
-    const double one = brightness(at(photon, 1));
+    const double one = test::brightness(at(photon, 1));
     EXPECT_NEAR(one / lit, 0.88, 0.01);
-    EXPECT_NEAR(brightness(at(photon, 1)) / one, 0.88, 0.01);
+    EXPECT_NEAR(test::brightness(at(photon, 1)) / one, 0.88, 0.01);
     EXPECT_EQ(photon.mRandom.mState, state);
 }
 
@@ -273,7 +266,7 @@ TEST_F(PhotonTest, OnlyFacesTowardsTheLightAndTheEyeAreSeen) {
     });
     prepare(photon);
     const auto from = [&](const Vector3f& eye) {
-        return brightness(frame([&] {
+        return test::brightness(frame([&] {
             glEnable(GL_BLEND);
             kindler::setPerspective(display(), PI / 2, 0.1f, 1000);
             kindler::setCamera(display(), eye, Vector3f(0, 0, 0), 0);
@@ -292,5 +285,5 @@ TEST_F(PhotonTest, TheLightInsideOfASphereIsNotSeen) {
     });
     prepare(photon);
     // The rays that leave the surface hit it from the inside, where the normal points along the ray.
-    EXPECT_EQ(brightness(at(photon, 1)), 0);
+    EXPECT_EQ(test::brightness(at(photon, 1)), 0);
 }

@@ -47,15 +47,6 @@ protected:
     }
 };
 
-double brightness(const Picture& picture, int x0, int y0, int x1, int y1) {
-    double sum = 0;
-    for (int y = y0; y < y1; ++y)
-        for (int x = x0; x < x1; ++x)
-            for (int c = 0; c < 3; ++c)
-                sum += picture.at(x, y)[c];
-    return sum / (3.0 * (x1 - x0) * (y1 - y0));
-}
-
 } // namespace
 
 TEST_F(SparkTest, LooksAsItShouldFromItsCentreAndFromAfar) {
@@ -69,9 +60,9 @@ TEST_F(SparkTest, LooksAsItShouldFromItsCentreAndFromAfar) {
 TEST_F(SparkTest, FromAfarIsADiscOnADarkGround) {
     burn(5);
     const Picture picture = at(1);
-    EXPECT_GT(brightness(picture, 240, 120, 400, 280), 40);
+    EXPECT_GT(test::brightness(picture, 240, 120, 400, 280), 40);
     for (const auto& [x, y] : {std::pair(0, 0), std::pair(600, 0), std::pair(0, 360), std::pair(600, 360)})
-        EXPECT_LT(brightness(picture, x, y, x + 40, y + 40), 1);
+        EXPECT_LT(test::brightness(picture, x, y, x + 40, y + 40), 1);
 }
 
 TEST_F(SparkTest, SitsInTheCentreOfTheEmitterAtTheStart) {
@@ -157,5 +148,5 @@ TEST_F(SparkTest, WithoutASunNothingIsDrawnAndTheLogSaysSo) {
         other.update(0, 0.04f, 0);
         other.update(1, 0.04f, 0.5f);
     });
-    EXPECT_EQ(brightness(picture, 0, 0, 640, 400), 0);
+    EXPECT_EQ(test::brightness(picture, 0, 0, 640, 400), 0);
 }

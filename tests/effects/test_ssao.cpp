@@ -27,21 +27,12 @@ std::string showing(const std::string& what) {
            what + ", gl_TexCoord[0].xy).rgb, 1.0); }\n";
 }
 
-double brightness(const Picture& picture, int x0, int y0, int x1, int y1) {
-    double sum = 0;
-    for (int y = y0; y < y1; ++y)
-        for (int x = x0; x < x1; ++x)
-            for (int c = 0; c < 3; ++c)
-                sum += picture.at(x, y)[c];
-    return sum / (3.0 * (x1 - x0) * (y1 - y0));
-}
-
 class SsaoTest : public test::SceneTest {
 protected:
     std::unique_ptr<SSAO> mSsao = std::make_unique<SSAO>(&mCommon);
 
     void prepare() { test::prepare(*mSsao, display(), "ssao"); }
-    void anew() { mSsao = std::make_unique<SSAO>(&mCommon); }
+    void makeNew() { mSsao = std::make_unique<SSAO>(&mCommon); }
     Picture at(float time) {
         return frame([&] { mSsao->update(time, 0.02f, 0.5f); });
     }
@@ -57,7 +48,7 @@ protected:
         writeOwn("ssao/basepass.vert", PLAIN_VERT);
         writeOwn("ssao/basepass.frag", MARKED_FRAG);
         writeOwn("ssao/combine.frag", showing(what));
-        anew();
+        makeNew();
         prepare();
         return at(0);
     }
@@ -85,8 +76,8 @@ TEST_F(SsaoTest, OnePassFillsBothTargets) {
     EXPECT_EQ(first.at(200, 125)[1], 0);
     EXPECT_EQ(second.at(200, 125)[0], 0);
     EXPECT_EQ(second.at(200, 125)[1], 255);
-    EXPECT_EQ(brightness(first, 0, 0, 50, 50), 0); // cleared
-    EXPECT_EQ(brightness(second, 0, 0, 50, 50), 0);
+    EXPECT_EQ(test::brightness(first, 0, 0, 50, 50), 0); // cleared
+    EXPECT_EQ(test::brightness(second, 0, 0, 50, 50), 0);
 }
 
 TEST_F(SsaoTest, TheBlurReadsTheSecondTargetOnly) {
@@ -142,7 +133,7 @@ TEST_F(SsaoTest, TheConstantsReachThePrograms) {
     writeOwn(
         "ssao/combine.frag",
         "uniform float znear, zfar;\nvoid main() { gl_FragColor = vec4(znear, zfar / 100.0, 0.0, 1.0); }\n");
-    anew();
+    makeNew();
     prepare();
     const Picture last = at(0);
     EXPECT_NEAR(last.at(10, 10)[0], 255 * 0.1, 1);
@@ -195,7 +186,7 @@ TEST_F(SsaoTest, TheCornerBetweenWallAndGroundIsDarker) {
     int darkest = 0;
     double least = 1e9;
     for (int y = 60; y < 240; ++y) {
-        const double b = brightness(picture, 180, y, 220, y + 1);
+        const double b = test::brightness(picture, 180, y, 220, y + 1);
         if (b < least) {
             least = b;
             darkest = y;
@@ -203,7 +194,7 @@ TEST_F(SsaoTest, TheCornerBetweenWallAndGroundIsDarker) {
     }
     EXPECT_GT(darkest, 80);
     EXPECT_LT(darkest, 200);
-    EXPECT_LT(least, 0.8 * brightness(picture, 180, darkest + 40, 220, darkest + 44)); // open floor
+    EXPECT_LT(least, 0.8 * test::brightness(picture, 180, darkest + 40, 220, darkest + 44)); // open floor
 }
 
 TEST_F(SsaoTest, WhatIsBrightGlowsBeyondItsEdge) {
@@ -218,13 +209,14 @@ TEST_F(SsaoTest, WhatIsBrightGlowsBeyondItsEdge) {
         std::string source = bright;
         source.replace(source.find("LEVEL"), 5, i == 0 ? "0.85" : "0.95");
         writeOwn("ssao/basepass.frag", source);
-        anew();
+        makeNew();
         prepare();
         pictures[i] = at(0);
     }
     // Beside the cube, whose near face ends 37 pixels from the middle.
-    EXPECT_GT(brightness(pictures[1], 245, 120, 250, 130), brightness(pictures[0], 245, 120, 250, 130) + 15);
-    EXPECT_NEAR(brightness(pictures[1], 0, 0, 20, 20), brightness(pictures[0], 0, 0, 20, 20), 1);
+    EXPECT_GT(test::brightness(pictures[1], 245, 120, 250, 130),
+              test::brightness(pictures[0], 245, 120, 250, 130) + 15);
+    EXPECT_NEAR(test::brightness(pictures[1], 0, 0, 20, 20), test::brightness(pictures[0], 0, 0, 20, 20), 1);
 }
 
 TEST_F(SsaoTest, LeavesTheStatesReset) {
@@ -269,14 +261,14 @@ TEST_F(SsaoTest, AsksForNoMemoryOnceWarm) {
 TEST_F(SsaoTest, ASceneWithoutACameraIsAnError) {
     writeScene(SCENE, [](o3d::Scene&, const o3d::Mesh&) {});
     EXPECT_EQ(test::thrown([&] { prepare(); }), "No camera in scene 'yard' in 'ssao/scene.o3d'");
-    EXPECT_EQ(brightness(at(1), 0, 0, 400, 250), 0); // and draws nothing
+    EXPECT_EQ(test::brightness(at(1), 0, 0, 400, 250), 0); // and draws nothing
 }
 
 TEST_F(SsaoTest, AMissingSceneIsAnError) {
     am::ArchiveManager nothing;
     display().setArchive(&nothing);
     EXPECT_EQ(test::thrown([&] { prepare(); }), "File 'ssao/scene.o3d' not found");
-    EXPECT_EQ(brightness(at(1), 0, 0, 400, 250), 0);
+    EXPECT_EQ(test::brightness(at(1), 0, 0, 400, 250), 0);
     display().setArchive(&window().archives());
 }
 
@@ -290,10 +282,10 @@ TEST_F(SsaoTest, AMissingShaderIsAnError) {
         am::ArchiveManager some;
         some.addArchive(own.path());
         display().setArchive(&some);
-        anew();
+        makeNew();
         EXPECT_EQ(test::thrown([&] { prepare(); }),
                   "Display::Resource; File 'ssao/" + std::string(missing) + "' could not be read");
-        EXPECT_EQ(brightness(at(1), 0, 0, 400, 250), 0);
+        EXPECT_EQ(test::brightness(at(1), 0, 0, 400, 250), 0);
         display().setArchive(&window().archives());
     }
 }
@@ -314,7 +306,7 @@ TEST_F(SsaoTest, SetUpAnewAfterTheWindowWasOpenedAnew) {
     const Picture second = at(2);
     ASSERT_EQ(first.width, second.width);
     EXPECT_LT(test::comparePictures(first, second).mean, 0.5);
-    EXPECT_GT(brightness(second, 0, 0, second.width, second.height), 10);
+    EXPECT_GT(test::brightness(second, 0, 0, second.width, second.height), 10);
 }
 
 TEST_F(SsaoTest, RunsAtAnyTime) {
@@ -330,6 +322,7 @@ class SsaoOddTest : public test::SceneTest {
 protected:
     void SetUp() override { window(333, 502).archives().addArchive(test::sourcePath("tests/data")); }
 };
+
 } // namespace
 
 TEST_F(SsaoOddTest, FillsAWindowOfOddSize) {
@@ -337,5 +330,5 @@ TEST_F(SsaoOddTest, FillsAWindowOfOddSize) {
     test::prepare(ssao, display(), "ssao");
     const Picture picture = frame([&] { ssao.update(2, 0.02f, 0.5f); });
     for (const auto& [x, y] : {std::pair(0, 0), std::pair(330, 0), std::pair(0, 499), std::pair(330, 499)})
-        EXPECT_GT(brightness(picture, x, y, x + 3, y + 3), 2);
+        EXPECT_GT(test::brightness(picture, x, y, x + 3, y + 3), 2);
 }
