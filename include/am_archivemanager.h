@@ -41,6 +41,10 @@ public:
 
     bool writeAllToArchive(const std::string& path); // does nothing and returns true
 
+    // The names of all files that are asked for from now on are added to `names`, which stays the caller's;
+    // null ends it.
+    void setRecorder(std::vector<std::string>* names) { mRecorder = names; }
+
     ImageManager* getImageManager() const { return mImageManager; } // owned by this manager
 
 private:
@@ -48,6 +52,7 @@ private:
     int add(ArchiveBase* archive);
 
     std::vector<ArchiveBase*> mArchives; // owned, in order of addition
+    std::vector<std::string>* mRecorder = nullptr; // not owned
     ImageManager* mImageManager;         // owned
 };
 

@@ -215,6 +215,14 @@ void Editor::set(const std::vector<int>& elements, const std::string& attribute,
     perform("Set " + attribute, std::move(changes));
 }
 
+void Editor::setLengths(const std::vector<int>& spans, double length) {
+    endGesture();
+    std::vector<Change> changes;
+    for (const int span : spans)
+        setNumber(changes, span, "end", mDocument[span].end, double(mDocument[span].start) + length);
+    perform("Set length", std::move(changes));
+}
+
 void Editor::rename(int element, const std::string& name) {
     endGesture();
     if (mDocument[element].kind != Kind::SECTION) {

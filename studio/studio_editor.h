@@ -55,7 +55,8 @@ public:
 
     // Values of elements: "name", "start", "end", "time", "value", "repeat", "delay", "type", "state"...
     void set(const std::vector<int>& elements, const std::string& attribute, const std::string& value);
-    void rename(int element, const std::string& name); // also a section
+    void setLengths(const std::vector<int>& spans, double length); // the starts stay
+    void rename(int element, const std::string& name);             // also a section
     // Moves what is selected, with all that is in it. Splines move all their keys; `value` is for keys. What
     // is not before its own time 0 does not come to be.
     void move(double seconds, double value);

@@ -75,6 +75,8 @@ ArchiveBase* ArchiveManager::archiveAt(int archive) const {
 
 // The archive that is asked for costs one more read; the order of addition decides all the same.
 File ArchiveManager::readFile(const std::string& name, int archive) {
+    if (mRecorder)
+        mRecorder->push_back(name);
     File file;
     if (ArchiveBase* asked = archiveAt(archive))
         file = asked->read(name);

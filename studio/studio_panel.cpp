@@ -1,0 +1,415 @@
+#include "studio_panel.h"
+
+#include "dis_key.h"
+#include "effect_names.h"
+#include "pan_alive.h"
+
+namespace zentrak::studio {
+
+using panorama::Event;
+
+namespace {
+
+constexpr float LABELS = 78; // pixels before a field
+constexpr float FIELD = 150; // its width
+constexpr float ROW = 25;
+constexpr float TOP = 52;
+
+const kindler::EffectNames* namesOf(const std::string& effect) {
+    for (const kindler::EffectNames& names : kindler::effectNames())
+        if (effect == names.name)
+            return &names;
+    return nullptr;
+}
+
+} // namespace
+
+// Field
+
+panorama::Control* Field::clone() {
+    return new Field;
+}
+
+void Field::show(const std::string& text) {
+    mShownText = text;
+    if (!mEditing)
+        setText(text);
+}
+
+void Field::edit() {
+    takeKeys();
+    mEditing = true;
+    select(0, getText().size());
+}
+
+void Field::finish() {
+    if (!mEditing)
+        return;
+    mEditing = false;
+    const std::string text = getText();
+    leaveKeys();
+    if (text != mShownText && mOnDone)
+        mOnDone(text);
+    else
+        setText(mShownText);
+}
+
+int Field::handleEvent(Event& event) {
+    if (event.type == "keydown" && mEditing && hasKeys()) {
+        if (event.key == display::KEY_ESC) {
+            setText(mShownText);
+            finish();
+            return 1;
+        }
+        if (event.key == display::KEY_ENTER || event.key == display::KEY_KP_ENTER) {
+            finish();
+            return 1;
+        }
+        if (event.key == display::KEY_TAB) {
+            finish();
+            if (mOnTab)
+                mOnTab(event.shift() ? -1 : 1);
+            return 1;
+        }
+        if (mOnArrow && (event.key == display::KEY_UP || event.key == display::KEY_DOWN)) {
+            finish();
+            mOnArrow(event.key == display::KEY_UP ? 1 : -1);
+            edit();
+            return 1;
+        }
+    }
+    panorama::Alive alive(*this);
+    const int result = TextInput::handleEvent(event);
+    if (!alive)
+        return result;
+    if (hasKeys() && !mEditing)
+        mEditing = true;
+    return result;
+}
+
+// Panel
+
+Panel::Panel(Editor& editor, Overlay& overlay) : mEditor(editor), mOverlay(overlay) {
+    mName = mType = "panel of numbers";
+    mRaiseOnFocus = false;
+    for (size_t i = 0; i < FIELDS; ++i) {
+        auto* const field = new Field;
+        field->mRaiseOnFocus = false;
+        field->setVisible(false);
+        field->mOnDone = [this, i](const std::string& text) { apply(i, text); };
+        field->mOnTab = [this, i](int step) {
+            const size_t count = mEntries.size();
+            if (count > 0)
+                mFields[(i + count + size_t(step)) % count]->edit();
+        };
+        mFields.push_back(field);
+        addControl(field, -1);
+    }
+    mRaiseOnFocus = false;
+}
+
+panorama::Control* Panel::clone() {
+    return nullptr;
+}
+
+bool Panel::hasKeys() const {
+    for (Field* field : mFields)
+        if (field->hasKeys())
+            return true;
+    return false;
+}
+
+void Panel::leaveKeys() {
+    for (Field* field : mFields)
+        field->finish();
+}
+
+Field* Panel::findField(const std::string& label) {
+    for (size_t i = 0; i < mEntries.size(); ++i)
+        if (mEntries[i].label == label)
+            return mFields[i];
+    return nullptr;
+}
+
+void Panel::editField(const std::string& label) {
+    update();
+    if (Field* const field = findField(label))
+        field->edit();
+}
+
+void Panel::update() {
+    if (mVersion == mEditor.getDocument().getVersion() && mFieldsOf == mEditor.getSelection())
+        return;
+    mVersion = mEditor.getDocument().getVersion();
+    mFieldsOf = mEditor.getSelection();
+    fill();
+    for (size_t i = 0; i < FIELDS; ++i) {
+        Field& field = *mFields[i];
+        const bool used = i < mEntries.size();
+        if (field.getVisible() != used)
+            field.setVisible(used);
+        if (!used)
+            continue;
+        field.show(mEntries[i].value);
+        field.mOnArrow = nullptr;
+        if (mEntries[i].number)
+            field.mOnArrow = [this, i](int step) { nudge(i, step); };
+    }
+}
+
+void Panel::addNumber(const std::vector<int>& elements, const std::string& label,
+                      const std::string& attribute, double (*get)(const Element&), const std::string& hint) {
+    const Document& document = mEditor.getDocument();
+    const std::string first = formatNumber(get(document[elements[0]]));
+    bool same = true;
+    for (const int index : elements)
+        same = same && formatNumber(get(document[index])) == first;
+    add({label, attribute, hint, same ? first : "", {}, true});
+}
+
+void Panel::addText(const std::vector<int>& elements, const std::string& label, const std::string& attribute,
+                    std::vector<std::string> choices) {
+    const auto get = [&](int index) {
+        return attribute == "value" ? mEditor.getDocument()[index].value : mEditor.getDocument()[index].name;
+    };
+    bool same = true;
+    for (const int index : elements)
+        same = same && get(index) == get(elements[0]);
+    add({label, attribute, "", same ? get(elements[0]) : "", std::move(choices), false});
+}
+
+void Panel::addSpan(const std::vector<int>& elements) {
+    std::vector<std::string> names;
+    for (const kindler::EffectNames& each : kindler::effectNames())
+        names.push_back(each.name);
+    addText(elements, "Effect", "name", std::move(names));
+    const bool nested = mEditor.getDocument()[elements[0]].parent > 0;
+    const double origin = mEditor.getDocument().getOrigin(elements[0]);
+    const std::string hint = nested ? "in its span; it begins at " + formatNumber(origin) : "seconds";
+    addNumber(
+        elements, "Start", "start", [](const Element& e) { return double(e.start); }, hint);
+    addNumber(elements, "End", "end", [](const Element& e) { return double(e.end); });
+    addNumber(elements, "Length", "", [](const Element& e) { return double(e.end) - double(e.start); });
+    const bool on = mEditor.getDocument()[elements[0]].enabled;
+    add({"State", "state", "", on ? "on" : "off", {"on", "off"}, false});
+}
+
+void Panel::addTrigger(const std::vector<int>& elements) {
+    const Document& document = mEditor.getDocument();
+    const Element& trigger = document[elements[0]];
+    std::vector<std::string> names, words;
+    if (const kindler::EffectNames* const effect = namesOf(document[trigger.parent].name))
+        for (const kindler::TriggerNames& each : effect->triggers) {
+            names.push_back(each.name);
+            if (trigger.name == each.name)
+                words.assign(each.words.begin(), each.words.end());
+        }
+    addText(elements, "Trigger", "name", std::move(names));
+    addText(elements, "Value", "value", std::move(words));
+    addNumber(
+        elements, "Start", "start", [](const Element& e) { return double(e.start); }, "seconds of its span");
+    addNumber(
+        elements, "Repeat", "repeat", [](const Element& e) { return double(e.repeat); }, "times in all");
+    addNumber(
+        elements, "Delay", "delay", [](const Element& e) { return double(e.delay); }, "seconds between");
+}
+
+void Panel::addKey(const std::vector<int>& elements) {
+    addNumber(
+        elements, "Time", "time", [](const Element& e) { return double(e.start); }, "seconds of its span");
+    addNumber(elements, "Value", "value", [](const Element& e) { return double(e.number); });
+}
+
+void Panel::addTempo() {
+    const Tempo tempo = mEditor.getDocument().getTempo();
+    add({"Tempo", "bpm", "beats a minute", formatNumber(double(tempo.bpm)), {}, true});
+    add({"Beats", "beats", "in a bar", std::to_string(tempo.beats), {}, true});
+    add({"First bar", "tempo start", "seconds", formatNumber(double(tempo.start)), {}, true});
+}
+
+// The panel is of the kind that was selected first, and of all of that kind.
+void Panel::fill() {
+    static const char* const KINDS[] = {"Script",  "Span",     "Trigger", "Curve", "Key",
+                                        "Section", "Bookmark", "Tempo",   "Other"};
+    mEntries.clear();
+    const Document& document = mEditor.getDocument();
+    std::vector<int> elements;
+    for (const uint32_t id : mEditor.getSelection())
+        if (const int index = document.find(id);
+            index > 0 && (elements.empty() || document[index].kind == document[elements[0]].kind))
+            elements.push_back(index);
+    if (elements.empty()) {
+        mTitle = "Show";
+        mSubtitle = "nothing is selected";
+        addTempo();
+        return;
+    }
+    const Element& first = document[elements[0]];
+    mTitle = KINDS[size_t(first.kind)];
+    if (elements.size() > 1)
+        mTitle = std::to_string(elements.size()) + " x " + mTitle;
+    mSubtitle = "line " + std::to_string(document.getLine(first.from));
+    if (first.parent > 0)
+        mSubtitle += ", of " + document[first.parent].name;
+    switch (first.kind) {
+    case Kind::SPAN:
+        addSpan(elements);
+        break;
+    case Kind::TRIGGER:
+        addTrigger(elements);
+        break;
+    case Kind::KEY:
+        addKey(elements);
+        break;
+    case Kind::SPLINE: {
+        std::vector<std::string> names;
+        if (const kindler::EffectNames* const effect = namesOf(document[first.parent].name))
+            names.assign(effect->splines.begin(), effect->splines.end());
+        addText(elements, "Curve", "name", std::move(names));
+        static const char* const MODES[] = {"square", "linear", "smooth"};
+        add({"Type",
+             "type",
+             "",
+             MODES[size_t(std::clamp(first.mode, 0, 2))],
+             {"square", "linear", "smooth"},
+             false});
+        break;
+    }
+    case Kind::SECTION:
+        addText(elements, "Name", "section", {});
+        break;
+    case Kind::BOOKMARK:
+        addText(elements, "Name", "name", {});
+        addNumber(
+            elements, "Time", "time", [](const Element& e) { return double(e.start); }, "seconds");
+        break;
+    default:
+        break;
+    }
+}
+
+void Panel::apply(size_t field, const std::string& text) {
+    if (field < mEntries.size()) {
+        const Entry entry = mEntries[field];
+        if (!entry.number || parseNumber(text))
+            applyTo(entry, text);
+    }
+    mVersion = 0; // shows what is there now, whether it was taken or not
+    update();
+}
+
+void Panel::applyTo(const Entry& entry, const std::string& text) {
+    const double number = parseNumber(text).value_or(0);
+    const std::string value = entry.number ? formatNumber(number) : text;
+    const Document& document = mEditor.getDocument();
+    if (entry.attribute == "bpm" || entry.attribute == "beats" || entry.attribute == "tempo start") {
+        Tempo tempo = document.getTempo();
+        if (entry.attribute == "bpm" && number >= 1 && number <= 1000)
+            tempo.bpm = float(number);
+        if (entry.attribute == "beats" && number >= 1 && number <= 64)
+            tempo.beats = int(number);
+        if (entry.attribute == "tempo start")
+            tempo.start = float(number);
+        mEditor.setTempo(tempo);
+        return;
+    }
+    std::vector<int> elements;
+    for (const int index : mEditor.getSelected())
+        if (document[index].kind == document[document.find(mEditor.getSelection()[0])].kind)
+            elements.push_back(index);
+    if (elements.empty())
+        return;
+    if (entry.attribute == "section")
+        mEditor.rename(elements[0], text);
+    else if (entry.label == "Length")
+        mEditor.setLengths(elements, number);
+    else if (entry.attribute == "repeat")
+        mEditor.set(elements, "repeat", std::to_string(int(std::clamp(number, 0.0, 1e6))));
+    else if (entry.attribute == "delay" && document[elements[0]].repeat == 1)
+        mEditor.set(elements, "delay", value); // counts once it is repeated
+    else
+        mEditor.set(elements, entry.attribute, value);
+}
+
+// Up and Down in a field: times by a hundredth, values too.
+void Panel::nudge(size_t field, int step) {
+    if (field >= mEntries.size())
+        return;
+    const Entry entry = mEntries[field];
+    const bool whole = entry.attribute == "repeat" || entry.attribute == "beats" || entry.attribute == "bpm";
+    const double by = (whole ? 1.0 : 0.01) * step;
+    applyTo(entry, formatNumber(parseNumber(entry.value).value_or(0) + by));
+    mVersion = 0;
+    update();
+}
+
+// Layout and input
+
+Box2 Panel::getRow(size_t entry) const {
+    const Box2& all = mArea.world;
+    const float y = all.y1 + TOP + ROW * float(entry);
+    return Box2(all.x1 + 12, y, all.x2 - 12, y + ROW - 3);
+}
+
+Box2 Panel::getChoiceButton(size_t entry) const {
+    const Box2 row = getRow(entry);
+    return Box2(row.x1 + LABELS + FIELD + 3, row.y1, row.x1 + LABELS + FIELD + 25, row.y2);
+}
+
+void Panel::buildChildArea() {
+    Control::buildChildArea();
+    for (size_t i = 0; i < mFields.size(); ++i) {
+        const float y = TOP + ROW * float(i);
+        mFields[i]->setArea(Box2(12 + LABELS, y, 12 + LABELS + FIELD, y + ROW - 3));
+    }
+}
+
+int Panel::handleEvent(Event& event) {
+    if (event.type == "mousedown") {
+        for (Field* field : mFields)
+            if (!contains(field->getAreaWorld(), event.mousePos))
+                field->finish();
+        for (size_t i = 0; i < mEntries.size(); ++i) {
+            if (mEntries[i].choices.empty() || !contains(getChoiceButton(i), event.mousePos))
+                continue;
+            std::vector<MenuItem> items;
+            for (const std::string& choice : mEntries[i].choices)
+                items.push_back({choice, "", [this, i, choice] { apply(i, choice); }});
+            const Box2 button = getChoiceButton(i);
+            mOverlay.openMenu(Vector2f(button.x1, button.y2), std::move(items));
+            return 1;
+        }
+    }
+    return Control::handleEvent(event);
+}
+
+void Panel::draw() {
+    panorama::Render* const render = getRender();
+    if (!render)
+        return;
+    Paint paint(*render);
+    const Box2& all = mArea.world;
+    paint.clip(all);
+    paint.box(all, color::panel);
+    paint.text(all.x1 + 12, all.y1 + 18, mTitle, color::accent);
+    paint.text(all.x1 + 12, all.y1 + 36, paint.fit(mSubtitle, all.getWidth() - 20), color::dim);
+    for (size_t i = 0; i < mEntries.size(); ++i) {
+        const Box2 row = getRow(i);
+        const float middle = (row.y1 + row.y2) / 2;
+        paint.text(row.x1, middle, mEntries[i].label, color::ink);
+        if (mEntries[i].choices.empty()) {
+            const float left = row.x1 + LABELS + FIELD + 6;
+            paint.text(left, middle, paint.fit(mEntries[i].hint, row.x2 - left), color::faint);
+            continue;
+        }
+        const Box2 button = getChoiceButton(i);
+        paint.box(button, color::raised);
+        for (int k = 0; k < 4; ++k)
+            paint.box(Box2(button.x1 + 7 + float(k), middle - 2 + float(k), button.x2 - 7 - float(k),
+                           middle - 1 + float(k)),
+                      color::ink);
+    }
+    Control::draw();
+}
+
+} // namespace zentrak::studio

@@ -1,0 +1,448 @@
+#include "studio_show.h"
+
+#include "am_imagemanager.h"
+#include "am_videofile.h"
+#include "dis_glcheck.h"
+#include "dis_key.h"
+#include "effect_make.h"
+#include "effect_names.h"
+#include "glfw2.h"
+#include "script_loadxml.h"
+#include "xml_parser.h"
+#include "ztk_system.h"
+
+#include <GL/glew.h>
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <sys/stat.h>
+
+namespace zentrak::studio {
+
+namespace {
+
+constexpr double REPLAY_STEP = 1.0 / 60; // seconds
+constexpr double REPLAY_SEEN = 1.5;   // the last seconds, which are drawn: they leave traces in the picture
+constexpr double REPLAY_SLICE = 0.03; // seconds of work in a frame
+constexpr double WAVE_SLICE = 0.003;  // the same, for the wave
+
+} // namespace
+
+// An effect as the engine sees it. It notes which files the effect reads, and keeps what it throws.
+class Show::Slot : public script::Callback {
+public:
+    std::unique_ptr<kindler::Effect> mEffect; // null: could not be made
+    std::set<std::string> mFiles;
+    std::string mFailure; // of the running effect: it is left out while there is one
+    std::string mBroken;  // of one that could not replace it
+
+    Slot(Show& show, std::string name) : mShow(show), mName(std::move(name)) {}
+
+    // A new effect in place of the old one, or, where that fails, none.
+    void make() {
+        std::unique_ptr<kindler::Effect> effect = kindler::makeEffect(mName, &mShow.mCommon);
+        effect->mDisplay = mShow.mKindler.mDisplay;
+        effect->mName = mName;
+        mBroken.clear();
+        record([&] {
+            try {
+                effect->setup();
+            } catch (const std::exception& exception) {
+                mBroken = exception.what();
+            }
+        });
+        if (!mBroken.empty())
+            return;
+        mEffect = std::move(effect);
+        mFailure.clear();
+    }
+
+    void resetTriggers() override {
+        guard([&] { mEffect->resetTriggers(); });
+    }
+    void executeTrigger(float time, const std::string& name, const std::string& value) override {
+        guard([&] { mEffect->executeTrigger(time, name, value); });
+    }
+    void updateSpline(float time, const std::string& name, float value) override {
+        guard([&] { mEffect->updateSpline(time, name, value); });
+    }
+    void update(float time, float delta, float progress) override {
+        guard([&] { mEffect->update(time, delta, progress); });
+    }
+    void postUpdate(float time, float delta, float progress) override {
+        guard([&] { mEffect->postUpdate(time, delta, progress); });
+    }
+
+private:
+    Show& mShow;
+    std::string mName;
+
+    template <class Work>
+    void record(const Work& work) {
+        mShow.mRecord.clear();
+        mShow.mKindler.mArchives.setRecorder(&mShow.mRecord);
+        work();
+        mShow.mKindler.mArchives.setRecorder(nullptr);
+        mFiles.insert(mShow.mRecord.begin(), mShow.mRecord.end());
+    }
+
+    template <class Work>
+    void guard(const Work& work) {
+        if (!mEffect || !mFailure.empty())
+            return;
+        record([&] {
+            try {
+                work();
+            } catch (const std::exception& exception) {
+                mFailure = exception.what();
+            }
+        });
+    }
+};
+
+Show::Show() = default;
+
+// The effects go while the window is still open; the settings are the player's to write.
+Show::~Show() {
+    mKindler.mSetupDone = false;
+    mSlots.clear();
+    mTarget.reset();
+}
+
+void Show::setup() {
+    mKindler.setup();
+    if (!mKindler.mSetupDone || mKindler.mScriptFile.empty())
+        throw Exception("The setup file names no script");
+    // Those before the last script stay as they are.
+    script::ScriptEngine last;
+    const am::File file = mKindler.mArchives.readFile(mKindler.mScriptFile);
+    script::LoadXML().loadMem(reinterpret_cast<const char*>(file->data), file->length, last);
+    mForeign =
+        mKindler.mScript.mEffects.size() - std::min(last.mEffects.size(), mKindler.mScript.mEffects.size());
+}
+
+std::string Show::getScriptFolder() const {
+    std::vector<std::string> folders = {"."};
+    for (const char* name : {"setup.local.xml", "setup.xml"}) {
+        am::ArchiveManager here;
+        here.addArchive("./");
+        const am::File file = here.readFile(name);
+        if (file.isNull())
+            continue;
+        xml::XmlParser parser;
+        parser.parse(reinterpret_cast<const char*>(file->data), int(file->length));
+        for (xml::Iterator it = parser.createIterator("archive"); ++it;)
+            folders.push_back(it->getValue("path"));
+        break;
+    }
+    for (const std::string& folder : folders) {
+        struct stat status {};
+        if (stat((folder + "/" + mKindler.mScriptFile).c_str(), &status) == 0 && S_ISREG(status.st_mode))
+            return folder;
+    }
+    return std::string();
+}
+
+void Show::open(int width, int height, const std::string& title) {
+    delete std::exchange(mKindler.mVideo, nullptr); // a dump is the player's
+    mKindler.openDisplay(width, height, false, title);
+    mKindler.mDisplayEnabled = true; // for the driver to delete it
+    mKindler.openSound(mKindler.mMusicFile.c_str());
+    mKindler.mPaused = true;
+    mKindler.mMusic.mPaused = true;
+    if (hasSound())
+        mKindler.mMusic.mStream->setVolume(isMuted() ? 0.0f : 1.0f);
+    if (!mKindler.mMusicFile.empty())
+        mWave.open(mKindler.mArchives.readFile(mKindler.mMusicFile));
+    for (const kindler::EffectNames& names : kindler::effectNames()) {
+        auto slot = std::make_unique<Slot>(*this, names.name);
+        slot->make();
+        mKindler.mScript.addCallback(names.name, slot.get());
+        mSlots[names.name] = std::move(slot);
+    }
+    seek(double(mKindler.mStartTime));
+}
+
+float Show::getAspect() const {
+    return mKindler.mWidth > 0 && mKindler.mHeight > 0 ? float(mKindler.mWidth) / float(mKindler.mHeight)
+                                                       : 1.6f;
+}
+
+// The document
+
+void Show::setDocument(const Document& document) {
+    script::ScriptEngine& engine = mKindler.mScript;
+    const std::map<uint32_t, script::Effect*> old = std::move(mSpans);
+    const std::vector<script::Effect*> gone(engine.mEffects.begin() + ptrdiff_t(mForeign),
+                                            engine.mEffects.end());
+    engine.mEffects.resize(mForeign);
+    mSpans.clear();
+    mCovers.clear();
+    for (int i = 1; i < document.getSize(); i = document[i].next) {
+        if (document[i].kind != Kind::SPAN)
+            continue;
+        engine.mEffects.push_back(makeSpan(document, i, mSpans));
+        if (document[i].enabled)
+            mCovers.emplace_back(document[i].start, document[i].end);
+    }
+    for (auto& [id, span] : mSpans)
+        if (const auto before = old.find(id); before != old.end())
+            carryOver(*before->second, *span);
+    for (script::Effect* span : gone)
+        delete span;
+    engine.init();
+    for (auto& [name, slot] : mSlots)
+        slot->mFailure.clear(); // it may be mended
+}
+
+script::Effect* Show::makeSpan(const Document& document, int index,
+                               std::map<uint32_t, script::Effect*>& spans) {
+    const Element& element = document[index];
+    auto* const span = new script::Effect;
+    span->mName = element.name;
+    span->mEnabled = element.enabled;
+    span->mStart = element.start;
+    span->mEnd = element.end;
+    for (int i = index + 1; i < element.next; i = document[i].next) {
+        const Element& inner = document[i];
+        if (inner.kind == Kind::SPAN)
+            span->mChildren.push_back(makeSpan(document, i, spans));
+        if (inner.kind == Kind::TRIGGER)
+            span->mTriggers.push_back(
+                new script::Trigger{0, inner.name, inner.value, inner.start, inner.repeat, inner.delay});
+        if (inner.kind != Kind::SPLINE)
+            continue;
+        auto* const spline = new script::Spline;
+        spline->mName = inner.name;
+        spline->mMode = inner.mode;
+        for (int k = i + 1; k < inner.next; k = document[k].next)
+            if (document[k].kind == Kind::KEY)
+                spline->addKey({document[k].start, document[k].number, 0, 0});
+        span->mSplines.push_back(spline);
+    }
+    spans[element.id] = span;
+    return span;
+}
+
+// What has fired stays fired. A span whose triggers have changed begins again: all that is due comes at once,
+// as after a jump.
+void Show::carryOver(const script::Effect& old, script::Effect& span) const {
+    bool same = old.mName == span.mName && old.mTriggers.size() == span.mTriggers.size();
+    for (size_t i = 0; same && i < span.mTriggers.size(); ++i) {
+        const script::Trigger &a = *old.mTriggers[i], &b = *span.mTriggers[i];
+        same = a.mName == b.mName && a.mValue == b.mValue && a.mStart == b.mStart && a.mRepeat == b.mRepeat &&
+               a.mDelay == b.mDelay;
+    }
+    if (!same || old.mStart != span.mStart)
+        return;
+    span.mNeedReset = old.mNeedReset;
+    for (size_t i = 0; i < span.mTriggers.size(); ++i)
+        span.mTriggers[i]->mFired = old.mTriggers[i]->mFired;
+}
+
+// All triggers of a span and of those in it are due again; of spans of one name alone if that is given.
+void Show::rewind(script::Effect& span, const std::string* name) {
+    if (!name || span.mName == *name)
+        span.reverse(0);
+    for (script::Effect* child : span.mChildren)
+        rewind(*child, name);
+}
+
+// Time
+
+double Show::getLength() const {
+    return hasSound() && mKindler.mMusic.mRate > 0 ? double(mKindler.mMusic.mLength) / mKindler.mMusic.mRate
+           : mWave.getLength() > 0                 ? mWave.getLength()
+                                                   : double(mKindler.mScript.mScriptLength);
+}
+
+// By the driver's own key: clock and music stop and go on together.
+void Show::setPlaying(bool on) {
+    if (on == isPlaying())
+        return;
+    if (on && mTime >= getLength())
+        seek(0);
+    mKindler.getTime();
+    display::KeyEvent event;
+    event.key = display::KEY_SPACE;
+    mKindler.onKeyDown(event);
+}
+
+void Show::setMuted(bool on) {
+    mKindler.mMuted = on;
+    if (hasSound())
+        mKindler.mMusic.mStream->setVolume(on ? 0.0f : 1.0f);
+}
+
+void Show::seek(double time) {
+    mKindler.setTime(float(std::max(0.0, time)));
+    mKindler.getTime();
+    mTime = double(mKindler.mRawTime);
+    mReplaying.reset();
+    if (mReplay)
+        startReplay();
+}
+
+void Show::startReplay() {
+    double from = mTime;
+    for (const auto& [start, end] : mCovers)
+        if (start <= mTime && mTime < end)
+            from = std::min(from, start);
+    if (mTime - from < REPLAY_STEP)
+        return;
+    setPlaying(false);
+    for (script::Effect* span : mKindler.mScript.mEffects)
+        rewind(*span, nullptr);
+    mReplaying = Replay{std::max(0.0, from), mTime, std::max(0.0, from), glfw2::glfwGetTime()};
+    mKindler.mScript.mPreviousTime = float(mReplaying->from);
+}
+
+std::optional<double> Show::getProgress() const {
+    if (!mReplaying)
+        return std::nullopt;
+    return (mReplaying->position - mReplaying->from) / (mReplaying->to - mReplaying->from);
+}
+
+void Show::playEngine(double time) {
+    mKindler.mScript.update(float(time));
+}
+
+// A slice of the replay. The display's own time goes along, since some effects follow it, and is set back to
+// where it was.
+void Show::advanceReplay() {
+    using Clock = std::chrono::steady_clock;
+    const auto end = Clock::now() + std::chrono::duration<double>(REPLAY_SLICE);
+    Replay& replay = *mReplaying;
+    const double now = glfw2::glfwGetTime();
+    const bool discards = display::DisplayGL::hasExtension("GL_VERSION_3_0");
+    while (replay.position < replay.to && Clock::now() < end) {
+        replay.position = std::min(replay.to, replay.position + REPLAY_STEP);
+        glfw2::glfwSetTime(std::max(0.0, replay.base - (replay.to - replay.position)));
+        const bool unseen = discards && replay.to - replay.position > REPLAY_SEEN;
+        if (unseen)
+            GL_CALL(glEnable(GL_RASTERIZER_DISCARD));
+        mKindler.mDisplay->resetStates();
+        playEngine(replay.position);
+        if (unseen)
+            GL_CALL(glDisable(GL_RASTERIZER_DISCARD));
+    }
+    const double reached = replay.to;
+    if (replay.position >= replay.to)
+        mReplaying.reset();
+    glfw2::glfwSetTime(now);
+    mKindler.setTime(float(reached));
+    mKindler.getTime();
+}
+
+void Show::update() {
+    mWave.decode(WAVE_SLICE);
+    if (isPlaying() && hasSound() && !mKindler.mMusic.mStream->isPlaying()) {
+        mKindler.getTime();
+        const double last = getLength();
+        setPlaying(false); // the music is over
+        mKindler.setTime(float(last));
+    }
+    mKindler.getTime();
+    mTime = double(mKindler.mRawTime);
+    if (isPlaying() && !hasSound() && mTime >= getLength()) {
+        setPlaying(false);
+        seek(getLength());
+    }
+    if (isPlaying() && mLoop && mTime >= mLoop->second && mLoop->second > mLoop->first)
+        seek(mLoop->first);
+}
+
+// Drawing
+
+void Show::fitTarget(int width, int height) {
+    if (mTarget && mTarget->getWidth() == width && mTarget->getHeight() == height)
+        return;
+    mTarget = std::make_unique<display::FBO>(mKindler.mDisplay);
+    mTarget->setup(width, height, true);
+    mPicture = mTarget->attach(display::FBO::COLOR0, display::Texture::CHAN_RGB);
+    mTarget->bind();
+    GL_CALL(glClearColor(0, 0, 0, 1));
+    GL_CALL(glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT));
+    mTarget->unbind();
+}
+
+// The picture goes into a target of its own: effects that draw over the frame before do not find the
+// interface there. Effects see a window of the size that the setup file gives, so that what they count in
+// pixels has the size that it has in the show.
+void Show::draw(const mathbase::Box2& box) {
+    display::DisplayGL& display = *mKindler.mDisplay;
+    fitTarget(std::max(2, int(box.getWidth())), std::max(2, int(box.getHeight())));
+    const display::WindowMode window = display.mWindowMode;
+    if (mKindler.mWidth > 0 && mKindler.mHeight > 0) {
+        display.mWindowMode.width = mKindler.mWidth;
+        display.mWindowMode.height = mKindler.mHeight;
+    }
+    mTarget->bind();
+    if (mReplaying) {
+        advanceReplay();
+    } else {
+        if (mTime > double(mKindler.mScript.mScriptLength)) {
+            GL_CALL(glClearColor(0, 0, 0, 1));
+            GL_CALL(glClear(GL_COLOR_BUFFER_BIT));
+        }
+        playEngine(mTime);
+    }
+    display.resetStates();
+    mTarget->unbind();
+    display.mWindowMode.width = window.width;
+    display.mWindowMode.height = window.height;
+    blit(box);
+}
+
+void Show::blit(const mathbase::Box2& box) {
+    display::DisplayGL& display = *mKindler.mDisplay;
+    const int height = display.mWindowMode.height;
+    mathbase::Matrix4x4Col identity;
+    identity.setIdentity();
+    display.setProject(identity);
+    display.setCamera(identity);
+    display.setTransform(identity);
+    GL_CALL(glViewport(int(box.x1), height - int(box.y1) - int(box.getHeight()), int(box.getWidth()),
+                       int(box.getHeight())));
+    GL_CALL(glDisable(GL_DEPTH_TEST));
+    GL_CALL(glDisable(GL_BLEND));
+    GL_CALL(glDisable(GL_CULL_FACE));
+    GL_CALL(glEnable(GL_TEXTURE_2D));
+    mPicture->bind();
+    mBatch.color(1, 1, 1, 1);
+    mBatch.rect(-1, -1, 1, 1, 0, 0, 1, 1);
+    mBatch.flush();
+    mPicture->unbind();
+    GL_CALL(glDisable(GL_TEXTURE_2D));
+    GL_CALL(glViewport(0, 0, display.mWindowMode.width, height));
+}
+
+// Reload
+
+void Show::reload(const std::vector<std::string>& names) {
+    am::ImageManager& images = *mKindler.mArchives.getImageManager();
+    for (const std::string& name : names)
+        if (!images.getImage(name).isNull())
+            images.removeImage(name);
+    for (auto& [name, slot] : mSlots) {
+        const auto reads = [&files = slot->mFiles](const std::string& file) { return files.contains(file); };
+        if (std::none_of(names.begin(), names.end(), reads))
+            continue;
+        slot->make();
+        for (script::Effect* span : mKindler.mScript.mEffects)
+            rewind(*span, &name);
+    }
+}
+
+std::vector<Show::Failure> Show::getFailures() const {
+    std::vector<Failure> failures;
+    for (const auto& [name, slot] : mSlots) {
+        if (!slot->mBroken.empty())
+            failures.push_back({name, slot->mBroken});
+        if (!slot->mFailure.empty())
+            failures.push_back({name, slot->mFailure});
+    }
+    return failures;
+}
+
+} // namespace zentrak::studio

@@ -1,0 +1,117 @@
+// The show that an author works on: the driver, its effects and the script engine, played from a document.
+#pragma once
+
+#include "dis_batch.h"
+#include "dis_fbo.h"
+#include "kin_effect.h"
+#include "kin_main.h"
+#include "studio_document.h"
+#include "studio_wave.h"
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace zentrak::studio {
+
+// Everything belongs to the main thread. What an effect throws ends that effect until something changes, and
+// not the program.
+class Show {
+public:
+    // Something that does not work, for the author to mend.
+    struct Failure {
+        std::string where; // an effect or a file
+        std::string text;
+        bool operator==(const Failure&) const = default;
+    };
+
+    Show();
+    ~Show();
+    Show(const Show&) = delete;
+    Show& operator=(const Show&) = delete;
+
+    // Reads the setup file of the current folder, as the player does; throws what that throws, and Exception
+    // without a script.
+    void setup();
+    const std::string& getScriptName() const { return mKindler.mScriptFile; }
+    std::string getScriptFolder() const; // the first that has the script; empty if it is in a zip file
+    std::string getMusicName() const { return mKindler.mMusicFile; }
+
+    // Opens the window, the sound and all effects. The show stands still at its start time.
+    void open(int width, int height, const std::string& title);
+    display::DisplayGL& getDisplay() { return *mKindler.mDisplay; }
+    float getAspect() const; // of the picture, width by height
+
+    // Makes the engine play `document` from the next frame on, at the same moment. Triggers that have fired
+    // stay so, unless they have changed.
+    void setDocument(const Document& document);
+
+    // Time, in seconds of the show.
+    double getTime() const { return mTime; }
+    double getLength() const; // of the music, or without any of the script
+    bool isPlaying() const { return !mKindler.mPaused; }
+    void setPlaying(bool on);
+    void seek(double time); // sound and all
+    bool isMuted() const { return mKindler.mMuted; }
+    void setMuted(bool on);
+    void setLoop(std::optional<std::pair<double, double>> loop) { mLoop = loop; }
+    const std::optional<std::pair<double, double>>& getLoop() const { return mLoop; }
+
+    // With it on, each seek replays the spans that cover the new time from their beginning, unseen, so that
+    // effects that gather state show what playing up to there would show.
+    bool isReplaying() const { return mReplay; }
+    void setReplaying(bool on) { mReplay = on; }
+    // How far a replay that goes on has come, 0 to 1.
+    std::optional<double> getProgress() const;
+
+    // Before a frame is drawn: time goes on, the wave is decoded.
+    void update();
+    // Draws the picture into a box of the window, pixels from its upper left corner.
+    void draw(const mathbase::Box2& box);
+
+    // Loads again what has read one of these files. What fails keeps what it had, and is a failure until
+    // it is mended.
+    void reload(const std::vector<std::string>& names);
+    std::vector<Failure> getFailures() const;
+
+    const Wave& getWave() const { return mWave; }
+
+private:
+    class Slot;
+    struct Replay {
+        double from, to, position, base;
+    };
+
+    kindler::Kindler mKindler; // first: the window has to outlive what is drawn in it
+    kindler::Common mCommon;
+    std::map<std::string, std::unique_ptr<Slot>> mSlots;
+    std::vector<std::string> mRecord;
+    std::map<uint32_t, script::Effect*> mSpans;     // of the engine, by element
+    std::vector<std::pair<double, double>> mCovers; // the outermost spans that are on
+    size_t mForeign = 0;                            // spans of other scripts, before those of the document
+    std::unique_ptr<display::FBO> mTarget;
+    display::Texture* mPicture = nullptr; // mTarget's
+    display::Batch mBatch;
+    Wave mWave;
+    double mTime = 0;
+    std::optional<std::pair<double, double>> mLoop;
+    bool mReplay = false;
+    std::optional<Replay> mReplaying;
+
+    bool hasSound() const { return !mKindler.mNoSound && mKindler.mMusic.mStream; }
+    void startReplay();
+    void advanceReplay();
+    void playEngine(double time);
+    void fitTarget(int width, int height);
+    void blit(const mathbase::Box2& box);
+    script::Effect* makeSpan(const Document& document, int index, std::map<uint32_t, script::Effect*>& spans);
+    void carryOver(const script::Effect& old, script::Effect& span) const;
+    void rewind(script::Effect& span, const std::string* name);
+};
+
+} // namespace zentrak::studio

@@ -1,0 +1,335 @@
+// What the mouse does on the timeline.
+
+#include "dis_key.h"
+#include "studio_timeline.h"
+
+#include <cstdio>
+
+namespace zentrak::studio {
+
+using panorama::Event;
+
+namespace {
+
+constexpr float THRESHOLD = 3; // pixels before a press becomes a drag
+
+} // namespace
+
+bool Timeline::acceptEvents(Event& event) {
+    return isDragging() || contains(mArea.world, event.mousePos);
+}
+
+int Timeline::handleEvent(Event& event) {
+    if (event.type == "reset") {
+        mHover = Place();
+        return 0;
+    }
+    if (event.isKey())
+        return 0;
+    update(); // the document may have changed since the last frame
+    mMouse = event.mousePos;
+    if (event.type == "mousedown")
+        press(event);
+    else if (event.type == "mouseup")
+        release(event);
+    else if (event.type == "mousemove")
+        move(event);
+    else if (event.type == "mousewheel")
+        wheel(event);
+    return 1;
+}
+
+void Timeline::wheel(const Event& event) {
+    if (event.ctrl())
+        zoom(std::pow(1.25, double(event.wheelDelta)), event.mousePos.x);
+    else if (event.shift())
+        mScrollTime -= double(event.wheelDelta) * 60 / mScale;
+    else
+        mScrollRows -= event.wheelDelta * 3 * BAR;
+    clampView();
+    mHover = find(mMouse);
+}
+
+void Timeline::press(const Event& event) {
+    if (isDragging()) {
+        if (event.button == display::MOUSE_RIGHT)
+            cancelDrag();
+        return;
+    }
+    mPress = event.mousePos;
+    mPressTime = toTime(mPress.x);
+    mPressScroll = mScrollTime;
+    mPressRows = mScrollRows;
+    mPressed = find(mPress);
+    if (event.button == display::MOUSE_MIDDLE) {
+        mDrag = Drag::PAN;
+        return;
+    }
+    const bool element = mPressed.part == Place::BODY || mPressed.part == Place::LEFT ||
+                         mPressed.part == Place::RIGHT || mPressed.part == Place::LABEL;
+    if (event.button == display::MOUSE_RIGHT) {
+        if (element && !mEditor.isSelected(getDocument()[mPressed.element].id))
+            mEditor.select({getDocument()[mPressed.element].id});
+        double value = 0;
+        if (mPressed.row >= 0 && mRows[size_t(mPressed.row)].type == Row::CURVE)
+            value = toValue(mPressed.row, getRange(mRows[size_t(mPressed.row)].element), mPress.y);
+        if (mOnMenu)
+            mOnMenu(mPress, mPressed.element, makeSnap(event.alt())(mPressTime), value);
+        return;
+    }
+    if (event.button != display::MOUSE_LEFT)
+        return;
+    if (event.doubleClick) {
+        doubleClick(mPressed);
+        return;
+    }
+    switch (mPressed.part) {
+    case Place::RULER:
+        mDrag = event.shift() ? Drag::LOOP : Drag::SEEK;
+        if (mDrag == Drag::SEEK)
+            mShow.seek(makeSnap(event.alt() || !event.ctrl())(mPressTime));
+        break;
+    case Place::FOLD:
+        setOpen(mPressed.element, !isOpen(mPressed.element));
+        break;
+    case Place::SCROLL:
+        mDrag = Drag::SCROLL;
+        break;
+    case Place::LANE:
+        mBoxBefore = event.shift() || event.ctrl() ? mEditor.getSelection() : std::vector<uint32_t>();
+        mEditor.select(mBoxBefore);
+        mDrag = Drag::BOX;
+        break;
+    case Place::NOTHING:
+        break;
+    default:
+        pressElement(event);
+        break;
+    }
+}
+
+void Timeline::pressElement(const Event& event) {
+    const Document& document = getDocument();
+    const uint32_t id = document[mPressed.element].id;
+    mSelectOnRelease = false;
+    if (document[mPressed.element].kind == Kind::SECTION && !event.ctrl()) {
+        // The head of a section stands for all that is in it.
+        std::vector<uint32_t> ids = {id};
+        for (int i = document[mPressed.element].next;
+             i < document.getSize() && document[i].kind != Kind::SECTION; i = document[i].next)
+            if (document[i].kind == Kind::SPAN)
+                ids.push_back(document[i].id);
+        if (event.shift())
+            ids.insert(ids.end(), mEditor.getSelection().begin(), mEditor.getSelection().end());
+        mEditor.select(ids);
+        return;
+    }
+    if (event.ctrl() || (event.shift() && (mPressed.part == Place::BODY || mPressed.part == Place::LABEL))) {
+        mEditor.toggle(id);
+        return;
+    }
+    if (mEditor.isSelected(id))
+        mSelectOnRelease = true;
+    else
+        mEditor.select({id});
+    if (mPressed.part == Place::LABEL)
+        return;
+    mStretch = event.shift();
+    mDrag = Drag::PRESSED;
+}
+
+void Timeline::doubleClick(const Place& place) {
+    const Document& document = getDocument();
+    if (place.part == Place::RULER) {
+        mShow.seek(makeSnap(false)(mPressTime));
+        mShow.setPlaying(true);
+        return;
+    }
+    if (place.part == Place::LABEL && mOnRename)
+        mOnRename(place.element);
+    if (place.element > 0 && document[place.element].kind == Kind::SPAN && place.part >= Place::BODY &&
+        place.part <= Place::RIGHT)
+        setOpen(place.element, !isOpen(place.element));
+    if (place.part == Place::LANE && place.row >= 0 && mRows[size_t(place.row)].type == Row::CURVE) {
+        const double time = makeSnap(false)(mPressTime) - document.getOrigin(place.element);
+        mEditor.addKey(place.element, time, toValue(place.row, getRange(place.element), mPress.y));
+    }
+}
+
+// A press becomes a drag: what it snaps to is found once.
+void Timeline::startDrag() {
+    const Document& document = getDocument();
+    mDrag = mPressed.part == Place::LEFT    ? Drag::LEFT
+            : mPressed.part == Place::RIGHT ? Drag::RIGHT
+                                            : Drag::MOVE;
+    mSelectOnRelease = false;
+    mTargets = getEdges(mEditor);
+    mTargets.push_back(mShow.getTime());
+    mTargets.push_back(0);
+    mTargets.push_back(mShow.getLength());
+    mDragEdges.clear();
+    const Element& held = document[mPressed.element];
+    const double origin = document.getOrigin(mPressed.element);
+    if (mDrag != Drag::RIGHT)
+        mDragEdges.push_back(origin + double(held.start));
+    if (held.kind == Kind::SPAN && mDrag != Drag::LEFT)
+        mDragEdges.push_back(origin + double(held.end));
+    mDragRange.reset();
+    if (held.kind == Kind::KEY) {
+        mDragRange = getRange(held.parent);
+        mDragCurve = document[held.parent].id;
+        for (int k = held.parent + 1; k < document[held.parent].next; k = document[k].next)
+            if (document[k].kind == Kind::KEY && !mEditor.isSelected(document[k].id))
+                mTargets.push_back(origin + double(document[k].start));
+    }
+    mEditor.beginGesture();
+}
+
+void Timeline::dragSelection(const Event& event) {
+    const double wanted = double(mMouse.x - mPress.x) / mScale + (mScrollTime - mPressScroll);
+    double seconds = makeSnap(event.alt()).shift(wanted, mDragEdges);
+    if (mDrag == Drag::LEFT || mDrag == Drag::RIGHT) {
+        const Editor::Edge edge = mDrag == Drag::LEFT ? Editor::Edge::LEFT : Editor::Edge::RIGHT;
+        if (mStretch)
+            mEditor.stretch(edge, seconds);
+        else
+            mEditor.resize(edge, seconds);
+    } else {
+        double value = 0;
+        if (mDragRange && mPressed.row >= 0) {
+            value =
+                toValue(mPressed.row, *mDragRange, mMouse.y) - toValue(mPressed.row, *mDragRange, mPress.y);
+            if (event.shift()) { // along one axis
+                if (std::fabs(mMouse.x - mPress.x) > std::fabs(mMouse.y - mPress.y))
+                    value = 0;
+                else
+                    seconds = 0;
+            }
+        }
+        mEditor.move(seconds, value);
+    }
+    showNumbers();
+}
+
+// The numbers of what is held.
+void Timeline::showNumbers() {
+    const Document& document = getDocument();
+    const Element& held = document[mPressed.element];
+    const double origin = document.getOrigin(mPressed.element), start = origin + double(held.start);
+    mNumbers = formatNumber(start);
+    if (held.kind == Kind::SPAN)
+        mNumbers += " - " + formatNumber(origin + double(held.end)) + "   length " +
+                    formatNumber(double(held.end) - double(held.start));
+    if (held.kind == Kind::KEY)
+        mNumbers += "   value " + formatNumber(double(held.number));
+    mNumbers += "   " + describeTime(mDrag == Drag::RIGHT ? origin + double(held.end) : start);
+}
+
+std::string Timeline::describeTime(double time) const {
+    const Tempo tempo = getDocument().getTempo();
+    const double beats = (time - double(tempo.start)) / tempo.getBeat() + 1e-4;
+    const double bar = std::floor(beats / tempo.beats);
+    char text[64];
+    snprintf(text, sizeof text, "bar %d, beat %.2f", int(std::clamp(bar, -1e6, 1e6)),
+             std::floor((beats - bar * tempo.beats + 1) * 100) / 100);
+    return text;
+}
+
+// Everything that a box touches is selected: bars, keys and triggers.
+void Timeline::dragBox(bool) {
+    const Document& document = getDocument();
+    const Box2 box(std::min(mPress.x, mMouse.x), std::min(mPress.y, mMouse.y), std::max(mPress.x, mMouse.x),
+                   std::max(mPress.y, mMouse.y));
+    std::vector<uint32_t> ids = mBoxBefore;
+    const auto touch = [&](int element) {
+        const Box2 own = getElementBox(element);
+        if (own.x1 < box.x2 && own.x2 > box.x1 && own.y1 < box.y2 && own.y2 > box.y1)
+            ids.push_back(document[element].id);
+    };
+    for (const Row& row : mRows) {
+        const float top = getAxis().y1 + row.y - mScrollRows;
+        if (top > box.y2 || top + row.height < box.y1)
+            continue;
+        if (row.type == Row::SPAN)
+            touch(row.element);
+        const Kind kind = row.type == Row::CURVE ? Kind::KEY : Kind::TRIGGER;
+        if (row.type == Row::CURVE || row.type == Row::TRIGGERS)
+            for (int i = row.element + 1; i < document[row.element].next; i = document[i].next)
+                if (document[i].kind == kind)
+                    touch(i);
+    }
+    mEditor.select(std::move(ids));
+}
+
+void Timeline::move(const Event& event) {
+    const float dx = mMouse.x - mPress.x, dy = mMouse.y - mPress.y;
+    switch (mDrag) {
+    case Drag::NONE:
+        mHover = find(mMouse);
+        break;
+    case Drag::PRESSED:
+        if (std::fabs(dx) < THRESHOLD && std::fabs(dy) < THRESHOLD)
+            break;
+        startDrag();
+        [[fallthrough]];
+    case Drag::MOVE:
+    case Drag::LEFT:
+    case Drag::RIGHT:
+        dragSelection(event);
+        break;
+    case Drag::BOX:
+        dragBox(event.shift());
+        break;
+    case Drag::SEEK:
+        mShow.seek(
+            std::clamp(makeSnap(event.alt() || !event.ctrl())(toTime(mMouse.x)), 0.0, mShow.getLength()));
+        mNumbers = formatTime(mShow.getTime()) + "   " + describeTime(mShow.getTime());
+        break;
+    case Drag::LOOP: {
+        const Snap snap = makeSnap(event.alt());
+        const double a = std::max(0.0, snap(mPressTime)), b = std::max(0.0, snap(toTime(mMouse.x)));
+        if (a != b)
+            mShow.setLoop(std::pair(std::min(a, b), std::max(a, b)));
+        mNumbers = formatNumber(std::min(a, b)) + " - " + formatNumber(std::max(a, b));
+        break;
+    }
+    case Drag::PAN:
+        mScrollTime = mPressScroll - double(dx) / mScale;
+        mScrollRows = mPressRows - dy;
+        clampView();
+        break;
+    case Drag::SCROLL: {
+        const float room = getAxis().getHeight() - getScrollHandle().getHeight();
+        mScrollRows = mPressRows + dy * (mRowsHeight + BAR - getAxis().getHeight()) / std::max(1.0f, room);
+        clampView();
+        break;
+    }
+    }
+}
+
+void Timeline::release(const Event& event) {
+    if (!isDragging() || event.button == display::MOUSE_RIGHT)
+        return;
+    mEditor.endGesture();
+    if (mDrag == Drag::PRESSED && mSelectOnRelease)
+        mEditor.select({getDocument()[mPressed.element].id});
+    if (mDrag == Drag::PRESSED && getDocument()[mPressed.element].kind == Kind::BOOKMARK)
+        mShow.seek(double(getDocument()[mPressed.element].start));
+    if (mDrag == Drag::LOOP && std::fabs(mMouse.x - mPress.x) < THRESHOLD)
+        mShow.setLoop(std::nullopt);
+    mDrag = Drag::NONE;
+    mNumbers.clear();
+    mTargets.clear();
+    mDragRange.reset();
+    mHover = find(mMouse);
+}
+
+void Timeline::cancelDrag() {
+    mEditor.cancelGesture();
+    mDrag = Drag::NONE;
+    mNumbers.clear();
+    mTargets.clear();
+    mDragRange.reset();
+}
+
+} // namespace zentrak::studio

@@ -1,0 +1,180 @@
+// The studio's window: the picture, the panel, the timeline, and the keys that work on them.
+#pragma once
+
+#include "pan_panorama.h"
+#include "studio_editor.h"
+#include "studio_files.h"
+#include "studio_overlay.h"
+#include "studio_panel.h"
+#include "studio_show.h"
+#include "studio_timeline.h"
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace zentrak::studio {
+
+class Window;
+
+// The line between the picture and the timeline: what goes on, and switches.
+class Bar : public panorama::Control {
+public:
+    static constexpr float HEIGHT = 26;
+
+    explicit Bar(Window& window);
+    panorama::Control* clone() override; // null: there is one
+    int handleEvent(panorama::Event& event) override;
+    void draw() override;
+    Box2 getBox(const std::string& label); // of a switch; for tests
+
+private:
+    struct Switch {
+        std::string label;
+        bool on;
+        void (Window::*command)();
+    };
+
+    Window& mWindow;
+
+    std::vector<Switch> getSwitches() const;
+    Box2 getSwitchBox(size_t index);
+};
+
+class Window : public panorama::Panorama {
+public:
+    // All of it has to outlive the window, and the show to be open.
+    Window(Show& show, Editor& editor, ScriptFile& file);
+    ~Window() override;
+
+    Editor& getEditor() { return mEditor; }
+    Show& getShow() { return mShow; }
+    Timeline& getTimeline() { return *mTimeline; }
+    Panel& getPanel() { return *mPanel; }
+    Overlay& getOverlay() { return *mOverlay; }
+    Bar& getBar() { return *mBar; }
+    float getScale() const { return mScale; } // pixels of the window in one of the interface
+    void setScale(float scale);               // 0.5 to 3
+    const std::string& getMessage() const { return mMessage; }
+    std::vector<std::string> getErrors() const;    // lines that stand on the picture
+    double getOwnTime() const { return mOwnTime; } // seconds of the last frame that were the studio's
+    void setWatching(bool on) { mWatching = on; }
+
+    int onMouseUp(const display::MouseButtonEvent& event) override;
+    int onMouseDown(const display::MouseButtonEvent& event) override;
+    int onMouseMove(const display::MouseMoveEvent& event) override;
+    int onMouseWheel(const display::MouseMoveEvent& event) override;
+    int onKeyDown(const display::KeyEvent& event) override;
+    int onCharDown(const display::CharEvent& event) override;
+    int onQuit() override;
+    void onResize(int oldWidth, int oldHeight) override;
+    void onDraw() override;
+
+    // Commands, each with its key (studio_keys.cpp).
+    void help();
+    void save();
+    void quit();
+    void undo();
+    void redo();
+    void togglePlay();
+    void playFromMouse();
+    void goToStart();
+    void goToEnd();
+    void nextBookmark();
+    void previousBookmark();
+    void addBookmark();
+    void addSection();
+    void openAddMenu();
+    void split();
+    void copy();
+    void cut();
+    void paste();
+    void duplicate();
+    void remove();
+    void selectAll();
+    void escape();
+    void rename();
+    void toggleEnabled();
+    void drawEarlier() { mEditor.reorder(-1); }
+    void drawLater() { mEditor.reorder(1); }
+    void toggleLoop();
+    void toggleSnap() { mTimeline->mSnapping = !mTimeline->mSnapping; }
+    void toggleFollow() { mTimeline->mFollow = !mTimeline->mFollow; }
+    void toggleReplay();
+    void toggleMute() { mShow.setMuted(!mShow.isMuted()); }
+    void togglePicture() { mPictureAlone = !mPictureAlone; }
+    void toggleOpen();
+    void openAll() { mTimeline->foldAll(true); }
+    void closeAll() { mTimeline->foldAll(false); }
+    void zoomIn() { mTimeline->zoom(1.5, mTimeline->toX(mShow.getTime())); }
+    void zoomOut() { mTimeline->zoom(1 / 1.5, mTimeline->toX(mShow.getTime())); }
+    void fit() { mTimeline->fit(); }
+    void larger() { setScale(mScale + 0.25f); }
+    void smaller() { setScale(mScale - 0.25f); }
+
+private:
+    struct Command {
+        int key; // display::Key
+        int modifiers;
+        const char* name;
+        const char* text; // empty: not in the help
+        void (Window::*command)();
+    };
+
+    Show& mShow;
+    Editor& mEditor;
+    ScriptFile& mFile;
+    FolderWatch mWatch;
+    bool mWatching = true;
+    double mLastPoll = 0;
+    Timeline* mTimeline; // these are the workspace's
+    Panel* mPanel;
+    Bar* mBar;
+    Overlay* mOverlay;
+    float mScale = 1;
+    bool mPictureAlone = false;
+    bool mQuitting = false;
+    bool mAskedRecovery = false; // the question is open: what was kept stays
+    uint32_t mPlayedVersion = 0; // of the document, as the show has it
+    uint32_t mKeptVersion = 0;   // as the recovery file has it
+    std::string mTitle;
+    std::string mMessage;
+    double mMessageTime = -100;
+    double mOwnTime = 0;
+    std::string mScriptError;
+    std::map<std::string, std::string> mFileErrors;
+
+    static const std::vector<Command>& getCommands();
+    void say(const std::string& message);
+    bool nudge(const display::KeyEvent& event);
+    void nudgeTime(double seconds);
+    void layout();
+    Box2 getPictureBox() const; // of the interface's pixels
+    void drawPictureGround();
+    void drawErrors();
+    void showTitle();
+    void offerRecovery();
+    void keepUnsaved();
+    void pollFiles();
+    void checkScript();
+    void checkFile(const std::string& name);
+    void askAboutDisk(const std::string& text);
+    bool write(bool overwrite);
+    void seekBookmark(int direction);
+    void openMenu(Vector2f place, int element, double time, double value);
+    void addElementItems(std::vector<MenuItem>& items, Vector2f place, int element, double time,
+                         double value);
+    void addSpanItems(std::vector<MenuItem>& items, Vector2f place, int span, double time);
+    void addRulerItems(std::vector<MenuItem>& items, double time);
+    void openEffectMenu(Vector2f place, int parent, double time);
+    void openTriggerMenu(Vector2f place, int span, double time);
+    void openCurveMenu(Vector2f place, int span);
+    void insertSection(int before);
+    void insertBookmark(double time);
+    void followDocument();
+    template <class EventType>
+    EventType scaled(EventType event) const;
+};
+
+} // namespace zentrak::studio
