@@ -28,7 +28,7 @@ const Room rooms[] = {
     {"glfw2", "glfw2", 1}, {"audiere", "audiere", 1}, {"display", "dis_", 2},
     {"o3d", "o3d_", 2},    {"script", "script_", 2},  {"panorama", "pan_", 3},
     {"gimli", "gml_", 3},  {"sparks", "sparks_", 3},  {"effects", "kin_effect", 4},
-    {"app", "kin_", 5},    {"studio", "studio_", 6},  {"tools", "", 6},
+    {"app", "kin_", 5},    {"author", "studio_", 6},  {"tools", "", 6},
 };
 
 const Room* roomNamed(const std::string& name) {
@@ -86,7 +86,7 @@ struct Source {
 std::vector<Source> allSources() {
     std::vector<Source> result;
     fs::path root = zentrak::test::sourcePath("");
-    for (const char* top : {"include", "lib", "effects", "app", "studio", "tools"}) {
+    for (const char* top : {"include", "lib", "effects", "app", "author", "tools"}) {
         for (const auto& entry : fs::recursive_directory_iterator(root / top)) {
             std::string extension = entry.path().extension().string();
             if (!entry.is_regular_file() || (extension != ".h" && extension != ".cpp"))
@@ -158,7 +158,7 @@ TEST(Arrows, OutsideLibrariesStayWhereTheyBelong) {
         {"minizip/", {"am"}},
         {"png", {"am"}},
         {"jpeglib", {"am"}},
-        {"GL/", {"display", "gimli", "panorama", "sparks", "effects", "app", "studio"}},
+        {"GL/", {"display", "gimli", "panorama", "sparks", "effects", "app", "author"}},
     };
     for (const Source& source : allSources()) {
         for (const Include& include : includesOf(zentrak::test::sourcePath(source.path.string()))) {

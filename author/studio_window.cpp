@@ -60,6 +60,10 @@ void Window::say(const std::string& message) {
     mMessageTime = seconds();
 }
 
+std::string Window::getMessage() const {
+    return seconds() - mMessageTime < MESSAGE ? mMessage : std::string();
+}
+
 // Layout. The picture is at the upper right in the shape of the show, the panel to the left of it.
 
 void Window::setScale(float scale) {
@@ -468,7 +472,14 @@ int Window::onMouseWheel(const display::MouseMoveEvent& source) {
     return mOverlay->handleEvent(event) ? BLOCK : WHATEVER;
 }
 
+int Window::onKeyUp(const display::KeyEvent& source) {
+    mKeyWasCommand = false;
+    return mPanel->hasKeys() ? Panorama::onKeyUp(source) : int(WHATEVER);
+}
+
 int Window::onCharDown(const display::CharEvent& source) {
+    if (mKeyWasCommand)
+        return BLOCK;
     if (!mOverlay->isOpen())
         return mPanel->hasKeys() ? Panorama::onCharDown(source) : int(WHATEVER);
     panorama::Event event = makeEvent(scaled(source), "keychardown");
@@ -477,6 +488,7 @@ int Window::onCharDown(const display::CharEvent& source) {
 }
 
 int Window::onKeyDown(const display::KeyEvent& source) {
+    mKeyWasCommand = false;
     if (mOverlay->isOpen()) {
         panorama::Event event = makeEvent(scaled(source), "keydown");
         event.key = source.key;
@@ -499,6 +511,7 @@ int Window::onKeyDown(const display::KeyEvent& source) {
             return BLOCK; // first the one gesture, then the other
         if (panel)
             mPanel->leaveKeys();
+        mKeyWasCommand = true;
         (this->*command.command)();
         return BLOCK;
     }

@@ -594,13 +594,22 @@ void Timeline::drawLabel(Paint& paint, int index) {
                paint.fit(element.name.empty() ? "(no name)" : element.name, right - textLeft), ink);
     if (row.type != Row::CURVE)
         return;
-    const Range range = getRange(row.element);
     paint.text(textLeft, middle + 16, script::Spline::getModeName(element.mode), color::faint);
-    for (const double value : {double(range.high), double(range.low), 0.0, 1.0}) {
-        const float y = toY(index, range, value);
-        if (y >= box.y1 && y <= box.y2)
-            paint.textRight(right + 2, std::clamp(y, box.y1 + 8, box.y2 - 8),
-                            formatNumber(std::round(value * 100) / 100), color::dim);
+    drawValueScale(paint, index);
+}
+
+// The lowest and the highest value that shows, and 0 and 1 where there is room.
+void Timeline::drawValueScale(Paint& paint, int index) {
+    const Box2 box = getRowBox(index);
+    const Range range = getRange(mRows[size_t(index)].element);
+    const double margin = double(range.high - range.low) * 0.08 / 1.16;
+    std::vector<float> drawn;
+    for (const double value : {double(range.high) - margin, double(range.low) + margin, 0.0, 1.0}) {
+        const float y = std::clamp(toY(index, range, value), box.y1 + 8, box.y2 - 8);
+        if (std::any_of(drawn.begin(), drawn.end(), [y](float other) { return std::fabs(other - y) < 14; }))
+            continue;
+        drawn.push_back(y);
+        paint.textRight(getAxis().x1 - 6, y, formatNumber(std::round(value * 100) / 100), color::dim);
     }
 }
 

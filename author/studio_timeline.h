@@ -160,6 +160,7 @@ private:
     void drawCurve(Paint& paint, int row);
     void drawCurveLine(Paint& paint, int row, const Range& range, double origin);
     void drawLabel(Paint& paint, int row);
+    void drawValueScale(Paint& paint, int row);
     void drawRuler(Paint& paint);
     void drawWave(Paint& paint);
     void drawBookmarks(Paint& paint);

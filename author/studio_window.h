@@ -54,9 +54,9 @@ public:
     Panel& getPanel() { return *mPanel; }
     Overlay& getOverlay() { return *mOverlay; }
     Bar& getBar() { return *mBar; }
-    float getScale() const { return mScale; } // pixels of the window in one of the interface
-    void setScale(float scale);               // 0.5 to 3
-    const std::string& getMessage() const { return mMessage; }
+    float getScale() const { return mScale; }      // pixels of the window in one of the interface
+    void setScale(float scale);                    // 0.5 to 3
+    std::string getMessage() const;                // what was said a moment ago, or nothing
     std::vector<std::string> getErrors() const;    // lines that stand on the picture
     double getOwnTime() const { return mOwnTime; } // seconds of the last frame that were the studio's
     void setWatching(bool on) { mWatching = on; }
@@ -66,6 +66,7 @@ public:
     int onMouseMove(const display::MouseMoveEvent& event) override;
     int onMouseWheel(const display::MouseMoveEvent& event) override;
     int onKeyDown(const display::KeyEvent& event) override;
+    int onKeyUp(const display::KeyEvent& event) override;
     int onCharDown(const display::CharEvent& event) override;
     int onQuit() override;
     void onResize(int oldWidth, int oldHeight) override;
@@ -135,6 +136,7 @@ private:
     float mScale = 1;
     bool mPictureAlone = false;
     bool mQuitting = false;
+    bool mKeyWasCommand = false; // the key that is down was: the character that it types is not text
     bool mAskedRecovery = false; // the question is open: what was kept stays
     uint32_t mPlayedVersion = 0; // of the document, as the show has it
     uint32_t mKeptVersion = 0;   // as the recovery file has it
