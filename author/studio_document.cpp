@@ -113,11 +113,9 @@ std::string quoted(std::string_view value, char quote) {
     return quote + clean + quote;
 }
 
-Kind kindOf(const xml::XmlTag& tag, Kind parent, int depth) {
-    if (parent == Kind::ROOT || parent == Kind::SPAN) {
-        if (tag.name == "effect")
-            return depth <= Document::MAX_DEPTH ? Kind::SPAN : Kind::OTHER;
-    }
+Kind kindOf(const xml::XmlTag& tag, Kind parent) {
+    if (tag.name == "effect" && (parent == Kind::ROOT || parent == Kind::SPAN))
+        return Kind::SPAN;
     if (parent == Kind::SPAN)
         return tag.name == "trigger" ? Kind::TRIGGER : tag.name == "spline" ? Kind::SPLINE : Kind::OTHER;
     if (parent == Kind::SPLINE && tag.name == "key")
@@ -198,7 +196,6 @@ private:
     struct Open {
         int index;
         std::string name;
-        int depth; // of spans
     };
     std::vector<Open> mOpen;
 
@@ -217,10 +214,10 @@ private:
             throw Exception("Root tag is closed!");
         if (mTag.name != "script")
             throw Exception("The root is '%.100s' and not 'script'", mTag.name.c_str());
-        add(Kind::ROOT, from, 0);
+        add(Kind::ROOT, from);
     }
 
-    void add(Kind kind, size_t from, int depth) {
+    void add(Kind kind, size_t from) {
         Element& element = mElements.emplace_back();
         element.kind = kind;
         element.parent = mOpen.empty() ? -1 : mOpen.back().index;
@@ -230,7 +227,7 @@ private:
         element.next = int(mElements.size());
         readValues(element, mTag);
         if (!mTag.closed)
-            mOpen.push_back({element.next - 1, mTag.name, depth});
+            mOpen.push_back({element.next - 1, mTag.name});
     }
 
     void scanTag() {
@@ -244,8 +241,7 @@ private:
             mOpen.pop_back();
             return;
         }
-        const int depth = open.depth + (mTag.name == "effect" ? 1 : 0);
-        add(kindOf(mTag, mElements[size_t(open.index)].kind, depth), from, depth);
+        add(kindOf(mTag, mElements[size_t(open.index)].kind), from);
     }
 };
 

@@ -59,8 +59,6 @@ struct Tempo {
 
 class Document {
 public:
-    static constexpr int MAX_DEPTH = 256; // of spans in spans, as the player has it
-
     // Bytes [at, at + length) become `text`.
     struct Change {
         size_t at = 0;

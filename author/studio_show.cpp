@@ -4,7 +4,6 @@
 #include "am_videofile.h"
 #include "dis_glcheck.h"
 #include "dis_key.h"
-#include "effect_make.h"
 #include "effect_names.h"
 #include "glfw2.h"
 #include "script_loadxml.h"
@@ -26,6 +25,27 @@ constexpr double REPLAY_SEEN = 1.5;   // the last seconds, which are drawn: they
 constexpr double REPLAY_SLICE = 0.03; // seconds of work in a frame
 constexpr double WAVE_SLICE = 0.003;  // the same, for the wave
 
+script::Effect* makeSpan(const Element& element) {
+    auto* const span = new script::Effect;
+    span->mName = element.name;
+    span->mEnabled = element.enabled;
+    span->mStart = element.start;
+    span->mEnd = element.end;
+    return span;
+}
+
+// A curve without keys is left out: the player refuses it, and the window says so.
+void addSpline(script::Effect& span, const Document& document, int index) {
+    auto spline = std::make_unique<script::Spline>();
+    spline->mName = document[index].name;
+    spline->mMode = document[index].mode;
+    for (int k = index + 1; k < document[index].next; k = document[k].next)
+        if (document[k].kind == Kind::KEY)
+            spline->addKey({document[k].start, document[k].number, 0, 0});
+    if (!spline->mKeys.empty())
+        span.mSplines.push_back(spline.release());
+}
+
 } // namespace
 
 // An effect as the engine sees it. It notes which files the effect reads, and keeps what it throws.
@@ -36,11 +56,11 @@ public:
     std::string mFailure; // of the running effect: it is left out while there is one
     std::string mBroken;  // of one that could not replace it
 
-    Slot(Show& show, std::string name) : mShow(show), mName(std::move(name)) {}
+    Slot(Show& show, const kindler::CatalogueEntry& entry) : mShow(show), mEntry(entry), mName(entry.name) {}
 
     // A new effect in place of the old one, or, where that fails, none.
     void make() {
-        std::unique_ptr<kindler::Effect> effect = kindler::makeEffect(mName, &mShow.mCommon);
+        std::unique_ptr<kindler::Effect> effect = mEntry.make(mShow.mCommon);
         effect->mDisplay = mShow.mKindler.mDisplay;
         effect->mName = mName;
         mBroken.clear();
@@ -75,6 +95,7 @@ public:
 
 private:
     Show& mShow;
+    const kindler::CatalogueEntry& mEntry;
     std::string mName;
 
     template <class Work>
@@ -154,11 +175,11 @@ void Show::open(int width, int height, const std::string& title) {
         mKindler.mMusic.mStream->setVolume(isMuted() ? 0.0f : 1.0f);
     if (!mKindler.mMusicFile.empty())
         mWave.open(mKindler.mArchives.readFile(mKindler.mMusicFile));
-    for (const kindler::EffectNames& names : kindler::effectNames()) {
-        auto slot = std::make_unique<Slot>(*this, names.name);
+    for (const kindler::CatalogueEntry& entry : kindler::effectCatalogue()) {
+        auto slot = std::make_unique<Slot>(*this, entry);
         slot->make();
-        mKindler.mScript.addCallback(names.name, slot.get());
-        mSlots[names.name] = std::move(slot);
+        mKindler.mScript.addCallback(entry.name, slot.get());
+        mSlots[entry.name] = std::move(slot);
     }
     seek(double(mKindler.mStartTime));
 }
@@ -178,12 +199,22 @@ void Show::setDocument(const Document& document) {
     engine.mEffects.resize(mForeign);
     mSpans.clear();
     mCovers.clear();
-    for (int i = 1; i < document.getSize(); i = document[i].next) {
-        if (document[i].kind != Kind::SPAN)
+    std::vector<script::Effect*> made(size_t(document.getSize()), nullptr);
+    for (int i = 1; i < document.getSize(); ++i) {
+        const Element& element = document[i];
+        script::Effect* const parent = made[size_t(element.parent)];
+        if (element.kind == Kind::TRIGGER)
+            parent->mTriggers.push_back(new script::Trigger{0, element.name, element.value, element.start,
+                                                            element.repeat, element.delay});
+        if (element.kind == Kind::SPLINE)
+            addSpline(*parent, document, i);
+        if (element.kind != Kind::SPAN)
             continue;
-        engine.mEffects.push_back(makeSpan(document, i, mSpans));
-        if (document[i].enabled)
-            mCovers.emplace_back(document[i].start, document[i].end);
+        script::Effect* const span = made[size_t(i)] = makeSpan(element);
+        mSpans[element.id] = span;
+        (parent ? parent->mChildren : engine.mEffects).push_back(span);
+        if (!parent && element.enabled)
+            mCovers.emplace_back(element.start, element.end);
     }
     for (auto& [id, span] : mSpans)
         if (const auto before = old.find(id); before != old.end())
@@ -193,35 +224,6 @@ void Show::setDocument(const Document& document) {
     engine.init();
     for (auto& [name, slot] : mSlots)
         slot->mFailure.clear(); // it may be mended
-}
-
-script::Effect* Show::makeSpan(const Document& document, int index,
-                               std::map<uint32_t, script::Effect*>& spans) {
-    const Element& element = document[index];
-    auto* const span = new script::Effect;
-    span->mName = element.name;
-    span->mEnabled = element.enabled;
-    span->mStart = element.start;
-    span->mEnd = element.end;
-    for (int i = index + 1; i < element.next; i = document[i].next) {
-        const Element& inner = document[i];
-        if (inner.kind == Kind::SPAN)
-            span->mChildren.push_back(makeSpan(document, i, spans));
-        if (inner.kind == Kind::TRIGGER)
-            span->mTriggers.push_back(
-                new script::Trigger{0, inner.name, inner.value, inner.start, inner.repeat, inner.delay});
-        if (inner.kind != Kind::SPLINE)
-            continue;
-        auto* const spline = new script::Spline;
-        spline->mName = inner.name;
-        spline->mMode = inner.mode;
-        for (int k = i + 1; k < inner.next; k = document[k].next)
-            if (document[k].kind == Kind::KEY)
-                spline->addKey({document[k].start, document[k].number, 0, 0});
-        span->mSplines.push_back(spline);
-    }
-    spans[element.id] = span;
-    return span;
 }
 
 // What has fired stays fired. A span whose triggers have changed begins again: all that is due comes at once,
@@ -240,12 +242,11 @@ void Show::carryOver(const script::Effect& old, script::Effect& span) const {
         span.mTriggers[i]->mFired = old.mTriggers[i]->mFired;
 }
 
-// All triggers of a span and of those in it are due again; of spans of one name alone if that is given.
-void Show::rewind(script::Effect& span, const std::string* name) {
-    if (!name || span.mName == *name)
-        span.reverse(0);
-    for (script::Effect* child : span.mChildren)
-        rewind(*child, name);
+// All triggers of all spans are due again; of those of one name alone if that is given.
+void Show::rewind(const std::string* name) {
+    for (auto& [id, span] : mSpans)
+        if (!name || span->mName == *name)
+            span->reverse(0);
 }
 
 // Time
@@ -291,8 +292,7 @@ void Show::startReplay() {
     if (mTime - from < REPLAY_STEP)
         return;
     setPlaying(false);
-    for (script::Effect* span : mKindler.mScript.mEffects)
-        rewind(*span, nullptr);
+    rewind(nullptr);
     mReplaying = Replay{std::max(0.0, from), mTime, std::max(0.0, from), glfw2::glfwGetTime()};
     mKindler.mScript.mPreviousTime = float(mReplaying->from);
 }
@@ -429,8 +429,7 @@ void Show::reload(const std::vector<std::string>& names) {
         if (std::none_of(names.begin(), names.end(), reads))
             continue;
         slot->make();
-        for (script::Effect* span : mKindler.mScript.mEffects)
-            rewind(*span, &name);
+        rewind(&name);
     }
 }
 

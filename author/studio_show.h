@@ -109,9 +109,8 @@ private:
     void playEngine(double time);
     void fitTarget(int width, int height);
     void blit(const mathbase::Box2& box);
-    script::Effect* makeSpan(const Document& document, int index, std::map<uint32_t, script::Effect*>& spans);
     void carryOver(const script::Effect& old, script::Effect& span) const;
-    void rewind(script::Effect& span, const std::string* name);
+    void rewind(const std::string* name);
 };
 
 } // namespace zentrak::studio

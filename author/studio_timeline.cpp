@@ -65,48 +65,48 @@ void Timeline::update() {
     clampView();
 }
 
+bool Timeline::hasTriggers(int span) const {
+    const Document& document = getDocument();
+    for (int i = span + 1; i < document[span].next; i = document[i].next)
+        if (document[i].kind == Kind::TRIGGER)
+            return true;
+    return false;
+}
+
+// What is in a span that is folded is passed over, as are the spans of a folded section.
 void Timeline::buildRows() {
     const Document& document = getDocument();
     mRows.clear();
+    mRowOf.assign(size_t(document.getSize()), -1);
     float y = 0;
     bool folded = false;
-    for (int i = 1; i < document.getSize(); i = document[i].next) {
-        if (document[i].kind == Kind::SECTION) {
-            mRows.push_back({Row::SECTION, i, 0, y, BAR});
-            y += BAR;
-            folded = mFolded.contains(document[i].id);
-        } else if (document[i].kind == Kind::SPAN && !folded) {
-            addSpanRows(i, 0, y);
+    const auto add = [&](Row::Type type, int element, int depth, float height) {
+        if (type != Row::TRIGGERS)
+            mRowOf[size_t(element)] = int(mRows.size());
+        mRows.push_back({type, element, depth, y, height});
+        y += height;
+    };
+    for (int i = 1; i < document.getSize();) {
+        const Element& element = document[i];
+        const int above = mRowOf[size_t(element.parent)];
+        const int depth = above < 0 ? 0 : mRows[size_t(above)].depth + 1;
+        int next = element.next;
+        if (element.kind == Kind::SECTION) {
+            add(Row::SECTION, i, 0, BAR);
+            folded = mFolded.contains(element.id);
+        } else if (element.kind == Kind::SPLINE) {
+            add(Row::CURVE, i, depth, CURVE);
+        } else if (element.kind == Kind::SPAN && !folded) {
+            add(Row::SPAN, i, depth, BAR);
+            if (mOpen.contains(element.id)) {
+                next = i + 1;
+                if (hasTriggers(i))
+                    add(Row::TRIGGERS, i, depth + 1, BAR);
+            }
         }
+        i = next;
     }
     mRowsHeight = y;
-    mRowOf.assign(size_t(document.getSize()), -1);
-    for (size_t i = 0; i < mRows.size(); ++i)
-        if (mRows[i].type != Row::TRIGGERS)
-            mRowOf[size_t(mRows[i].element)] = int(i);
-}
-
-void Timeline::addSpanRows(int element, int depth, float& y) {
-    const Document& document = getDocument();
-    mRows.push_back({Row::SPAN, element, depth, y, BAR});
-    y += BAR;
-    if (!mOpen.contains(document[element].id))
-        return;
-    bool triggers = false;
-    for (int i = element + 1; i < document[element].next; i = document[i].next)
-        triggers = triggers || document[i].kind == Kind::TRIGGER;
-    if (triggers) {
-        mRows.push_back({Row::TRIGGERS, element, depth + 1, y, BAR});
-        y += BAR;
-    }
-    for (int i = element + 1; i < document[element].next; i = document[i].next) {
-        if (document[i].kind == Kind::SPLINE) {
-            mRows.push_back({Row::CURVE, i, depth + 1, y, CURVE});
-            y += CURVE;
-        } else if (document[i].kind == Kind::SPAN) {
-            addSpanRows(i, depth + 1, y);
-        }
-    }
 }
 
 bool Timeline::isOpen(int element) const {

@@ -86,9 +86,9 @@ public:
     double getMouseTime() const { return toTime(mMouse.x); }
     bool isMouseInside() const { return contains(mArea.world, mMouse); }
 
-    // Input. While isDragging all mouse events have to come here.
     bool isDragging() const { return mDrag != Drag::NONE; }
-    void cancelDrag();
+    void cancelDrag(); // all is as it was before
+    void onCaptureLost() override;
     int handleEvent(panorama::Event& event) override;
     bool acceptEvents(panorama::Event& event) override;
     void draw() override;
@@ -129,7 +129,7 @@ private:
 
     const Document& getDocument() const { return mEditor.getDocument(); }
     void buildRows();
-    void addSpanRows(int element, int depth, float& y);
+    bool hasTriggers(int span) const;
     void clampView();
     float getRowTop(int row) const { return getAxis().y1 + mRows[size_t(row)].y - mScrollRows; }
     Range getRange(int spline) const;
@@ -140,6 +140,7 @@ private:
 
     // Mouse (studio_timeline_mouse.cpp)
     void press(const panorama::Event& event);
+    void pressPlace(const panorama::Event& event);
     void pressElement(const panorama::Event& event);
     void release(const panorama::Event& event);
     void move(const panorama::Event& event);

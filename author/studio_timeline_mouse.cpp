@@ -52,10 +52,15 @@ void Timeline::wheel(const Event& event) {
 
 void Timeline::press(const Event& event) {
     if (isDragging()) {
-        if (event.button == display::MOUSE_RIGHT)
-            cancelDrag();
+        cancelDrag();
         return;
     }
+    pressPlace(event);
+    if (isDragging())
+        captureMouse(event);
+}
+
+void Timeline::pressPlace(const Event& event) {
     mPress = event.mousePos;
     mPressTime = toTime(mPress.x);
     mPressScroll = mScrollTime;
@@ -310,6 +315,7 @@ void Timeline::move(const Event& event) {
 void Timeline::release(const Event& event) {
     if (!isDragging() || event.button == display::MOUSE_RIGHT)
         return;
+    releaseMouse();
     mEditor.endGesture();
     if (mDrag == Drag::PRESSED && mSelectOnRelease)
         mEditor.select({getDocument()[mPressed.element].id});
@@ -324,7 +330,14 @@ void Timeline::release(const Event& event) {
     mHover = find(mMouse);
 }
 
+void Timeline::onCaptureLost() {
+    cancelDrag();
+}
+
 void Timeline::cancelDrag() {
+    if (!isDragging())
+        return;
+    releaseMouse();
     mEditor.cancelGesture();
     mDrag = Drag::NONE;
     mNumbers.clear();

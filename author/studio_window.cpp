@@ -411,8 +411,6 @@ EventType Window::scaled(EventType event) const {
     return event;
 }
 
-// The timeline hears of everything while something is dragged on it, wherever the mouse is.
-
 namespace {
 
 panorama::Event makeEvent(const display::Event& source, const char* type) {
@@ -420,6 +418,15 @@ panorama::Event makeEvent(const display::Event& source, const char* type) {
     static_cast<display::Event&>(event) = source;
     event.type = type;
     return event;
+}
+
+// Keys that a field for text leaves to the program.
+bool isForEveryone(const display::KeyEvent& event) {
+    using namespace display;
+    if (event.key >= KEY_F1 && event.key <= KEY_F12)
+        return true;
+    return event.ctrl() &&
+           (event.key == KEY_s || event.key == KEY_q || event.key == KEY_z || event.key == KEY_y);
 }
 
 } // namespace
@@ -431,10 +438,6 @@ int Window::onMouseDown(const display::MouseButtonEvent& source) {
     event.doubleClick = here.doubleClick;
     if (mOverlay->isOpen())
         return mOverlay->handleEvent(event) ? BLOCK : WHATEVER;
-    if (mTimeline->isDragging()) {
-        mTimeline->handleEvent(event);
-        return BLOCK;
-    }
     if (!contains(mPanel->getAreaWorld(), here.mousePos))
         mPanel->leaveKeys();
     return Panorama::onMouseDown(here);
@@ -444,8 +447,6 @@ int Window::onMouseUp(const display::MouseButtonEvent& source) {
     const display::MouseButtonEvent here = scaled(source);
     panorama::Event event = makeEvent(here, "mouseup");
     event.button = here.button;
-    if (mTimeline->isDragging())
-        mTimeline->handleEvent(event);
     if (mOverlay->isOpen())
         return mOverlay->handleEvent(event) ? BLOCK : WHATEVER;
     return Panorama::onMouseUp(here);
@@ -456,8 +457,6 @@ int Window::onMouseMove(const display::MouseMoveEvent& source) {
     panorama::Event event = makeEvent(here, "mousemove");
     if (mOverlay->isOpen())
         mOverlay->handleEvent(event);
-    else if (mTimeline->isDragging())
-        mTimeline->handleEvent(event);
     else
         Panorama::onMouseMove(here);
     return WHATEVER;
@@ -495,7 +494,7 @@ int Window::onKeyDown(const display::KeyEvent& source) {
         return mOverlay->handleEvent(event) ? BLOCK : WHATEVER;
     }
     const bool panel = mPanel->hasKeys();
-    if (panel && Panorama::onKeyDown(source))
+    if (panel && !isForEveryone(source) && Panorama::onKeyDown(source))
         return BLOCK;
     int modifiers = 0;
     if (source.ctrl())

@@ -126,7 +126,11 @@ public:
         }
         attributes(root, {});
         bool any = false;
-        elements(root, {"effect"}, [&](const xml::XmlNode& child) {
+        elements(root, {"effect", "bookmark", "tempo"}, [&](const xml::XmlNode& child) {
+            if (child.getName() != "effect") {
+                note(child);
+                return;
+            }
             any = true;
             effect(child, {0, length}, nullptr, 1);
         });
@@ -135,6 +139,14 @@ public:
     }
 
 private:
+    // What the studio keeps with a show, and the player passes over.
+    void note(const xml::XmlNode& node) {
+        const bool tempo = node.getName() == "tempo";
+        attributes(node, tempo ? Words{"bpm", "beats", "start"} : Words{"name", "time"});
+        for (const char* name : {"bpm", "beats", "start", "time"})
+            get(node, name);
+    }
+
     void attributes(const xml::XmlNode& node, const Words& known) {
         for (const xml::XmlTag::Argument& argument : node.arguments)
             if (!contains(known, argument.name))
