@@ -388,12 +388,17 @@ void Editor::insert(const std::string& label, int parent, int after, const std::
 void Editor::addSpan(int parent, const std::string& name, double begin, double end) {
     endGesture();
     // After the selected sibling, so that it is drawn over it.
-    int after = -1;
+    int after = -1, under = -1;
     for (const int index : getSelected())
         if (mDocument[index].parent == parent &&
             (mDocument[index].kind == Kind::SPAN || mDocument[index].kind == Kind::SECTION))
             after = index;
-    insert("Add span", parent, after,
+    // Or else over what is drawn at its beginning.
+    for (int i = parent + 1; after < 0 && i < mDocument[parent].next; i = mDocument[i].next)
+        if (mDocument[i].kind == Kind::SPAN && double(mDocument[i].start) <= begin &&
+            begin < double(mDocument[i].end))
+            under = i;
+    insert("Add span", parent, after >= 0 ? after : under,
            writeTag("effect", {{"name", name}, {"start", formatNumber(begin)}, {"end", formatNumber(end)}},
                     false) +
                "\n</effect>");

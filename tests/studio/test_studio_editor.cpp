@@ -238,6 +238,15 @@ TEST_F(EditorTest, NewElementsGoWhereTheyBelong) {
     EXPECT_EQ(editor.getDocument().getTempo().beats, 3);
 }
 
+TEST_F(EditorTest, ANewSpanIsDrawnOverWhatRunsAtItsBeginning) {
+    editor.addSpan(0, "xor", 11, 13);
+    EXPECT_GT(index("xor"), index("waxon"));
+    EXPECT_LT(index("xor"), index("Finale"));
+    editor.select({});
+    editor.addSpan(0, "later", 100, 110);
+    EXPECT_GT(index("later"), index("drop"));
+}
+
 TEST_F(EditorTest, SectionsAndSpansAreRenamed) {
     editor.rename(index("Intro"), "Opening -- part 1");
     EXPECT_NE(text().find("<!-- Opening - part 1 -->"), std::string::npos);

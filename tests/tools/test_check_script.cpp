@@ -57,6 +57,14 @@ TEST_F(CheckScript, AWholeScriptHasNone) {
               nothing);
 }
 
+TEST_F(CheckScript, WhatTheStudioKeepsWithAShowIsKnown) {
+    EXPECT_EQ(check("<tempo bpm=\"126\" beats=\"4\" start=\"0.5\"/><bookmark name=\"drop\" time=\"12\"/>\n"
+                    "<effect name=\"grid\" end=\"1\"/>\n"),
+              nothing);
+    EXPECT_EQ(check("<tempo bpm=\"fast\"/>\n<effect name=\"grid\" end=\"1\"/>\n").first, 1);
+    EXPECT_EQ(check("<bookmark start=\"1\"/>\n<effect name=\"grid\" end=\"1\"/>\n").first, 1);
+}
+
 TEST_F(CheckScript, ASplineWithoutKeysIsNamedWithItsLine) {
     EXPECT_EQ(checkSpan("<trigger name=\"turn\"/>\n<spline name=\"alpha\"></spline>\n"),
               finding("s.xml:4: the spline 'alpha' has no keys: the whole script fails to load\n"));
