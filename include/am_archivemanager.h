@@ -51,9 +51,9 @@ private:
     ArchiveBase* archiveAt(int archive) const;
     int add(ArchiveBase* archive);
 
-    std::vector<ArchiveBase*> mArchives; // owned, in order of addition
+    std::vector<ArchiveBase*> mArchives;           // owned, in order of addition
     std::vector<std::string>* mRecorder = nullptr; // not owned
-    ImageManager* mImageManager;         // owned
+    ImageManager* mImageManager;                   // owned
 };
 
 } // namespace zentrak::am
