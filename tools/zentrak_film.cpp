@@ -3,13 +3,13 @@
 
 #include "am_imagecodecpng.h"
 #include "command/command.h"
+#include "command/virtual_display.h"
 #include "effect_names.h"
 #include "film/encoder.h"
 #include "film/options.h"
 #include "film/player.h"
 #include "film/sheet.h"
 #include "film/sound.h"
-#include "film/virtual_display.h"
 #include "mb_random.h"
 #include "ztk_system.h"
 
@@ -21,6 +21,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <unistd.h>
 
 using namespace zentrak;
@@ -139,7 +140,7 @@ int makeFilm(const Options& options) {
     std::filesystem::current_path(options.show, error);
     if (error)
         throw Exception("zentrak-film: can't enter '%s': %s", options.show.c_str(), error.message().c_str());
-    std::unique_ptr<VirtualDisplay> screen; // outlives the window
+    std::optional<command::VirtualDisplay> screen; // outlives the window
     if (options.seed)
         mathbase::fixRandomStart(*options.seed);
     Player player(options.rate);
@@ -150,10 +151,8 @@ int makeFilm(const Options& options) {
     kindler::EffectSet effects(common);
     effects.forEach([&](const char* name, kindler::Effect& effect) { player.addCallback(name, effect); });
 
-    const char* const display = getenv("DISPLAY");
-    if (options.onVirtualDisplay || !display || !*display)
-        screen = std::make_unique<VirtualDisplay>(std::max(options.width, player.mWidth),
-                                                  std::max(options.height, player.mHeight));
+    if (options.onVirtualDisplay || command::VirtualDisplay::isNeeded())
+        screen.emplace(std::max(options.width, player.mWidth), std::max(options.height, player.mHeight));
     player.open(options.width, options.height);
 
     Sound sound(player.mArchives.readFile(player.mMusicFile, -1));

@@ -2,8 +2,8 @@
 //   zentrak-view [OPTION...] FILE.o3d      --help lists the options
 // Ends with 0, with 1 where the file can't be read or the picture not be written, with 2 for a wrong call.
 
+#include "command/virtual_display.h"
 #include "view/viewer.h"
-#include "view/virtual_display.h"
 
 #include "am_archivemanager.h"
 #include "command/command.h"
@@ -125,8 +125,8 @@ void writePicture(display::DisplayGL& display, const std::string& name) {
 }
 
 void show(const Call& call) {
-    std::optional<view::VirtualDisplay> screen;
-    if (view::VirtualDisplay::isNeeded()) {
+    std::optional<command::VirtualDisplay> screen;
+    if (command::VirtualDisplay::isNeeded()) {
         if (call.picture.empty())
             throw std::runtime_error("there is no display; --picture=OUT.png writes a picture without one");
         screen.emplace(call.width, call.height);

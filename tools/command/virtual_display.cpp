@@ -1,4 +1,4 @@
-#include "view/virtual_display.h"
+#include "command/virtual_display.h"
 
 #include <cerrno>
 #include <csignal>
@@ -11,7 +11,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-namespace zentrak::view {
+namespace zentrak::command {
 
 namespace {
 
@@ -76,4 +76,4 @@ bool VirtualDisplay::isNeeded() {
     return !display || !*display;
 }
 
-} // namespace zentrak::view
+} // namespace zentrak::command

@@ -3,7 +3,7 @@
 
 #include <sys/types.h>
 
-namespace zentrak::view {
+namespace zentrak::command {
 
 // Starts Xvfb, which has to be installed, with a screen of this size, and makes it the display of this
 // process. Throws std::runtime_error where that fails. It ends with the object.
@@ -20,4 +20,4 @@ private:
     pid_t mServer;
 };
 
-} // namespace zentrak::view
+} // namespace zentrak::command
