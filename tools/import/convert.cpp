@@ -110,7 +110,7 @@ private:
 
     void lose(const Node& node, const std::string& text) { lose(node.name, text); }
     void lose(const std::string& node, const std::string& text) {
-        mResult.losses.push_back("node '" + node + "': " + text);
+        mResult.losses.push_back((node.empty() ? "a node without a name: " : "node '" + node + "': ") + text);
     }
 
     int findNode(const std::string& name) const {

@@ -27,6 +27,8 @@ namespace {
 constexpr float PANEL = 290; // width, pixels
 constexpr float BAR = 44;    // height
 constexpr float GAP = 12;
+constexpr int LEAST_WIDTH = 900; // of a window with controls
+constexpr int LEAST_HEIGHT = 400;
 constexpr float LINE = 18;   // height of a line of text
 constexpr size_t COUNTS = 4; // lines
 constexpr size_t DETAILS = 6;
@@ -152,7 +154,6 @@ void Viewer::setTime(float time) {
 
 void Viewer::showPanel(bool on) {
     mPanel = on;
-    mPanorama->mWorkspace.setVisible(on);
     layOut();
 }
 
@@ -196,18 +197,25 @@ void Viewer::buildControls() {
     mGridButton = button("Grid", true);
 }
 
+// A window that is too small for the controls has none.
+bool Viewer::hasPanel() const {
+    return mPanel && display->mWindowMode.width >= LEAST_WIDTH && display->mWindowMode.height >= LEAST_HEIGHT;
+}
+
 Box2 Viewer::getPicture() const {
     const float width = float(display->mWindowMode.width), height = float(display->mWindowMode.height);
-    if (!mPanel || width < PANEL * 1.5f || height < BAR * 3)
-        return Box2(0, 0, width, height);
-    return Box2(PANEL, 0, width, height - BAR);
+    return hasPanel() ? Box2(PANEL, 0, width, height - BAR) : Box2(0, 0, width, height);
 }
 
 void Viewer::layOut() {
     const float width = float(display->mWindowMode.width), height = float(display->mWindowMode.height);
     const float right = PANEL - GAP;
     mPanorama->mGround.clear();
-    if (!mPanel)
+    // Showing one may change their order.
+    const std::vector<Control*> controls = mPanorama->mWorkspace.mControls;
+    for (Control* control : controls)
+        control->setVisible(hasPanel());
+    if (!hasPanel())
         return;
     mPanorama->mGround.push_back({Box2(0, 0, PANEL, height), PANEL_COLOR});
     mPanorama->mGround.push_back({Box2(PANEL, height - BAR, width, height), BAR_COLOR});
@@ -446,7 +454,7 @@ void Viewer::frameAll(int row) {
     const float aspect = getPicture().getWidth() / std::max(1.0f, getPicture().getHeight());
     const float half = atanf(tanf(ANGLE / 2) * std::min(1.0f, aspect));
     mOrbit.target = (low + high) * 0.5f;
-    mOrbit.distance = radius / sinf(half) * 0.92f;
+    mOrbit.distance = radius / sinf(half);
 }
 
 void Viewer::moveTime() {
@@ -621,7 +629,7 @@ void Viewer::drawSelection() {
 void Viewer::onDraw() {
     checkFile();
     moveTime();
-    if (mPanel)
+    if (hasPanel())
         updateTexts();
     const float size = std::max((mLoaded->mHigh - mLoaded->mLow).length(), 1e-3f);
     display->setVBO(nullptr);

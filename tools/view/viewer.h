@@ -83,6 +83,7 @@ private:
     void frameAll(int row);
     void leaveCamera();
     void nextCamera();
+    bool hasPanel() const;
     mathbase::Box2 getPicture() const;
     void setView();
     void setLights();
