@@ -457,12 +457,12 @@ TEST(Import, OneOfSeveralAnimationsIsChosenByNameOrNumber) {
 
 TEST(Import, ATreeThatTheLoaderCouldNotTakeIsRefused) {
     Model model;
-    for (int i = 0; i < 2000; ++i) {
+    for (int i = 0; i < 2500; ++i) {
         model.nodes.emplace_back();
         model.nodes.back().parent = i - 1;
         model.nodes.back().matrix.a4 = 1;
     }
-    EXPECT_EQ("its nodes are nested more than 900 deep",
+    EXPECT_EQ("its nodes are nested more than 1900 deep",
               refusalOf([&] { convert(model, Options(), "scene"); }));
 }
 

@@ -4,6 +4,7 @@
 #include "import/geometry.h"
 #include "import/points.h"
 #include "import/transform.h"
+#include "o3d_chunk.h"
 #include "scene/scene_file.h"
 
 #include <algorithm>
@@ -23,9 +24,10 @@ using mathbase::Vector3f;
 
 namespace {
 
-constexpr size_t MAX_PARTS = 256;   // of a mesh: a byte numbers them
-constexpr int MAX_NODE_DEPTH = 900; // the loader takes 1000 chunks in each other
-constexpr double NEAREST = 0.5;     // what the effects' cameras see, units
+constexpr size_t MAX_PARTS = 256; // of a mesh: a byte numbers them
+// Some of what the loader takes is for the chunks in and around the nodes.
+constexpr int MAX_NODE_DEPTH = int(o3d::MAX_DEPTH) - 100;
+constexpr double NEAREST = 0.5; // what the effects' cameras see, units
 constexpr double FARTHEST = 1000;
 
 std::string format(const char* pattern, ...) __attribute__((format(printf, 1, 2)));
