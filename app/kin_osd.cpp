@@ -1,4 +1,4 @@
-// What the viewer does with keys, and the bar that answers.
+// The keys of the viewer, and the progress bar.
 
 #include "dis_batch.h"
 #include "dis_glcheck.h"
@@ -12,9 +12,7 @@
 
 namespace zentrak::kindler {
 
-/*
- * A seek sets mOsdTime to the time that it reached, and T puts it back to the time before.
- */
+// A seek sets mOsdTime to the time that it reached; T resets it to the time before.
 int Kindler::onKeyDown(const display::KeyEvent& event) {
     const bool ctrl = event.control & (display::KEYMOD_LCTRL | display::KEYMOD_RCTRL);
     const bool alt = event.control & (display::KEYMOD_LALT | display::KEYMOD_RALT);
@@ -76,10 +74,8 @@ int Kindler::onKeyDown(const display::KeyEvent& event) {
     return WHATEVER;
 }
 
-/*
- * The bar of the whole show, with a green marker at the start time and a white one at the time now. The
- * markers may leave the bar.
- */
+// A bar for the whole show, with a green marker at the start time and a white one at the current time, both
+// of which may lie outside the bar.
 void Kindler::drawOsd() {
     mathbase::Matrix4x4Col identity;
     identity.setIdentity();

@@ -1,4 +1,4 @@
-// The driver's setup file, read and written back.
+// Reads the setup file, and writes settings back to it.
 
 #include "am_videofile.h"
 #include "kin_main.h"

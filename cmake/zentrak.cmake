@@ -81,7 +81,7 @@ function(zentrak_test name)
         set_tests_properties(${name} PROPERTIES LABELS cpu)
     endif()
     set_tests_properties(${name} PROPERTIES TIMEOUT ${ARG_TIMEOUT} ENVIRONMENT
-        "LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0;UBSAN_OPTIONS=print_stacktrace=1;ALSOFT_DRIVERS=null")
+        "LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0;UBSAN_OPTIONS=print_stacktrace=1;TSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/tsan.supp;ALSOFT_DRIVERS=null")
 endfunction()
 
 # zentrak_bench(NAME SOURCES file... [LINK target...] [SMOKE argument...])

@@ -1,12 +1,11 @@
 // The window, its OpenGL context, input and time: the calls of GLFW 2 that the display is written against, on
-// top of GLFW 3. What each call relies on, and where it departs from GLFW 2, is told in docs/glfw2.md.
+// top of GLFW 3. docs/glfw2.md says what is relied on, and where this differs from GLFW 2.
 //
-// There is one window per program, and everything here belongs to the main thread. Every call may be made at
-// any time, before glfwInit, without a window and inside a callback; where there is nothing to act on it does
-// nothing.
+// There is one window per program, and all calls belong to the main thread. Each may be made at any time:
+// before glfwInit, without a window and inside a callback. Without anything to act on it does nothing.
 //
 // Callbacks run inside glfwPollEvents, glfwWaitEvents and, while GLFW_AUTO_POLL_EVENTS is enabled,
-// glfwSwapBuffers. What a callback throws comes out of that call; no further callback runs before it does.
+// glfwSwapBuffers. That call throws what a callback throws; no other callback runs before it does.
 #pragma once
 
 #ifdef GLFW_VERSION_MAJOR
@@ -17,16 +16,15 @@ namespace zentrak::glfw2 {
 
 // clang-format off
 
-// The state of a key or a button, and the action that a callback is told.
+// The state of a key or a button, as reported to callbacks.
 inline constexpr int GLFW_RELEASE = 0;
 inline constexpr int GLFW_PRESS   = 1;
 
-// Keys. A key that types a character of Latin-1 (32 to 255) on the keyboard's layout, unshifted, has that
-// character's code, letters in upper case: 'A', '1', 0xC9 for an e with an acute accent. The others have
-// these.
+// Keys. A key that types a character of Latin-1 (32 to 255), unshifted and by the keyboard's layout, has the code
+// of that character, letters in upper case: 'A', '1', 0xC9 for an e with an acute accent. The others have these.
 inline constexpr int GLFW_KEY_UNKNOWN     = -1;
 inline constexpr int GLFW_KEY_SPACE       = 32;
-inline constexpr int GLFW_KEY_SPECIAL     = 256;               // no key: the codes above it are not characters
+inline constexpr int GLFW_KEY_SPECIAL     = 256;               // not a key: the codes above are not characters
 inline constexpr int GLFW_KEY_ESC         = 257;
 inline constexpr int GLFW_KEY_F1          = 258;               // F1 to F25 in a row
 inline constexpr int GLFW_KEY_F25         = 282;
@@ -70,14 +68,14 @@ inline constexpr int GLFW_MOUSE_BUTTON_LAST   = 7;
 inline constexpr int GLFW_WINDOW     = 0x00010001;
 inline constexpr int GLFW_FULLSCREEN = 0x00010002;
 
-// What glfwGetWindowParam tells; the last one is also a hint.
+// For glfwGetWindowParam; the last one is also a hint.
 inline constexpr int GLFW_OPENED           = 0x00020001;
 inline constexpr int GLFW_ACTIVE           = 0x00020002; // it has the keyboard's focus
 inline constexpr int GLFW_ICONIFIED        = 0x00020003;
 inline constexpr int GLFW_WINDOW_NO_RESIZE = 0x00020012; // the user can't resize it
 
 // What glfwEnable and glfwDisable switch; glfwOpenWindow sets the defaults.
-inline constexpr int GLFW_STICKY_KEYS      = 0x00030002; // off; a key pressed reads so once, released or not
+inline constexpr int GLFW_STICKY_KEYS      = 0x00030002; // accepted, without effect: no call reads a key
 inline constexpr int GLFW_KEY_REPEAT       = 0x00030005; // off; a key held down sends further presses
 inline constexpr int GLFW_AUTO_POLL_EVENTS = 0x00030006; // on;  glfwSwapBuffers polls
 
@@ -98,21 +96,23 @@ typedef void (*GLFWmousewheelfun)(int position); // steps since the window was o
 typedef void (*GLFWkeyfun)(int key, int action);
 typedef void (*GLFWcharfun)(int character, int action); // Unicode; released with the key that typed it
 
-// The library. glfwInit gives 1, or 0 without a display to open windows on; a second one does nothing and
-// gives 1. It sets the time to 0. glfwTerminate closes the window; the library can be initialised again.
+// The library. glfwInit returns 1, or 0 without a display to open windows on, and sets the time to 0; a
+// second call does nothing and returns 1. glfwTerminate closes the window; the library can be initialised
+// again.
 int glfwInit();
 void glfwTerminate();
 
-// The version of the GLFW that does the work. A null pointer is skipped.
+// The version of GLFW 3 in use. A null pointer is skipped.
 void glfwGetVersion(int* major, int* minor, int* rev);
 
 // Opens the window and makes its context current: the compatibility profile of the newest version that the
-// driver has. Width and height in pixels up to 32767; one that is 0 or less follows from the other at 4:3,
-// both are 640 x 480. The bits are a wish, those of colour 0 for the driver's own; `mode` is GLFW_WINDOW or
-// GLFW_FULLSCREEN, the second with the video mode nearest to the size and without a mouse pointer. All
-// callbacks, switches and input start afresh. Gives 1, or 0 when there is a window already, when the library
-// is not initialised, when an argument is out of range or when no window can be had; the hints are back at
-// their defaults either way.
+// driver has. Width and height are in pixels, at most 32767; if one is 0 or less it follows from the other at
+// 4:3, if both are it is 640 x 480. The bits are a preference, 0 for the default colours; `mode` is
+// GLFW_WINDOW or GLFW_FULLSCREEN, the latter in the video mode nearest to the size and without a mouse
+// pointer. All callbacks, switches and input start fresh. Returns 1, or 0 if there is a window already, the
+// library is not initialised, an argument is out of range or no window can be opened; the hints are reset in
+// any case. A window that the window manager doesn't show within five seconds is open all the same, and shown
+// when it likes.
 int glfwOpenWindow(int width, int height, int redbits, int greenbits, int bluebits, int alphabits,
                    int depthbits, int stencilbits, int mode);
 void glfwOpenWindowHint(int target,
@@ -125,8 +125,8 @@ int glfwGetWindowParam(int param);               // 0 or 1, as of the last poll;
 void glfwSwapBuffers();
 void glfwSwapInterval(int interval); // 0 swaps at once, n at every n-th refresh; below 0 is 0
 
-// The callbacks, null for none. They are set on an open window and last until it closes; without a window the
-// call does nothing. Setting the size, position or wheel callback calls it once, with the present value.
+// The callbacks of the open window, null for none, until it closes. Setting the size, position or wheel
+// callback calls it once, with the present value.
 void glfwSetWindowSizeCallback(GLFWwindowsizefun callback);
 void glfwSetWindowCloseCallback(GLFWwindowclosefun callback);
 void glfwSetWindowRefreshCallback(GLFWwindowrefreshfun callback);
@@ -136,22 +136,20 @@ void glfwSetMouseButtonCallback(GLFWmousebuttonfun callback);
 void glfwSetMousePosCallback(GLFWmouseposfun callback);
 void glfwSetMouseWheelCallback(GLFWmousewheelfun callback);
 
-// Events. Waiting sleeps until there is at least one; both return at once without a window or inside a
+// Process events; the second waits for at least one. Both return at once without a window or inside a
 // callback. A close request that no callback refuses has closed the window when they return.
 void glfwPollEvents();
 void glfwWaitEvents();
 
-// The state of a key by its code: GLFW_PRESS or GLFW_RELEASE, the latter also for a code that is no key.
-int glfwGetKey(int key);
 void glfwEnable(int token);
 void glfwDisable(int token);
 
 // The video modes of the primary monitor, ascending by colour bits and then by area, each once. At most
-// `maxcount` are written to `list`; gives how many, 0 without a monitor.
+// `maxcount` are written to `list`; returns how many, 0 without a monitor.
 int glfwGetVideoModes(GLFWvidmode* list, int maxcount);
 
-// Seconds, monotonic, since glfwInit or as set. 0 while the library is not initialised; a time that is not
-// finite is not set. glfwSleep returns at once for 0, less, or what is not finite.
+// Seconds, monotonic, since glfwInit or as set. 0 while the library is not initialised; setting a time that
+// is not finite does nothing. glfwSleep returns at once unless its time is positive and finite.
 double glfwGetTime();
 void glfwSetTime(double time);
 void glfwSleep(double time);

@@ -1,4 +1,4 @@
-// What every effect of the show is, and the one record that they share.
+// The base of all effects, and the record that they share.
 #pragma once
 
 #include "dis_fbo.h"
@@ -14,21 +14,20 @@ class DisplayGL;
 
 namespace zentrak::kindler {
 
-// A callback of the timeline that draws. It is built before there is a window: its constructor must not touch
-// graphics, and all that it needs is loaded in setup(). Problems that it can't go on from are thrown as
-// Exception, from anywhere.
+// A callback of the timeline that draws. It is constructed before there is a window, so its constructor must
+// not use OpenGL; setup() loads all that it needs. Every function may throw Exception, which ends the show.
 class Effect : public script::Callback {
 public:
     display::DisplayGL* mDisplay = nullptr; // not owned; set just before setup()
-    std::string mName;                      // the name that it is registered under
+    std::string mName;                      // under which it is registered
 
-    // Once, with the window open, for every registered effect in ascending order of the names.
+    // Called once, with the window open, for every registered effect in ascending order of their names.
     virtual void setup() {}
 };
 
-// The named render targets through which one effect hands a picture to another.
+// The named render targets through which an effect passes a picture to another.
 struct Common {
-    // Both are made without a display: setDisplay() comes before all else.
+    // Both start without a display: call setDisplay() first.
     struct FBOData {
         display::FBO mFbo{nullptr};
         display::Texture mTexture{nullptr}; // attached to mFbo

@@ -34,56 +34,57 @@ public:
     std::string mMusicFile;
     bool mSetupDone = false;      // setup is complete, and the end saves
     bool mDisplayEnabled = false; // the setup file has a display element
-    bool mLoop = false;           // the end of the music is not the end of the show
-    bool mPaused = false;         // time stands still at mPausedTime
+    bool mLoop = false;           // the show outlasts the music
+    bool mPaused = false;         // time is frozen at mPausedTime
     float mStartTime = 0;         // seconds; where the show starts and where the key T goes
-    float mTime = 0;              // seconds of the music if there is sound, else mRawTime
+    float mTime = 0;              // seconds of the music if there is sound, otherwise mRawTime
     float mRawTime = 0;           // seconds of the script
     float mPausedTime = 0;
     bool mFullscreen = false;
     std::string mTitle;       // of the window
     int mHeight = 0;          // pixels
     int mWidth = 0;           // pixels
-    bool mOsdShow = true;     // the on-screen display may show at all
+    bool mOsdShow = true;     // whether the on-screen display may appear
     int mOsdLocation = 0;     // 0 top, 1 middle, 2 bottom
     float mOsdDelay = 2.0f;   // seconds that it stays up
-    float mOsdTime = -100.0f; // when it was raised last
-    bool mNoListener = true;  // openDisplay does not add the driver to the listeners
-    int mSetupWidth = 0;      // these four are kept from the setup file and read by nothing
+    float mOsdTime = -100.0f; // when it last appeared
+    bool mNoListener = true;  // openDisplay doesn't add the driver to the listeners
+    int mSetupWidth = 0;      // these four come from the setup file; nothing reads them
     int mSetupHeight = 0;
     std::string mSetupFilename;
     std::string mSetupTitle;
     std::string mScriptFile; // the last one loaded
     am::ArchiveManager mArchives;
-    am::VideoFile* mVideo = nullptr; // owned; set, every frame is written to a file
+    am::VideoFile* mVideo = nullptr; // owned; if set, every frame is written to a file
     am::Image mFrame;                // what mVideo writes
-    float mDumpRate = 0;             // frames a second
+    float mDumpRate = 0;             // frames per second
     script::ScriptEngine mScript;
 
     Kindler() = default;
-    ~Kindler() override; // saves the setup if it was read
+    ~Kindler() override; // calls saveXml if the setup was read
     Kindler(const Kindler&) = delete;
     Kindler& operator=(const Kindler&) = delete;
 
-    // Reads "setup.local.xml", or else "setup.xml", and loads what it names. Throws Exception without either
-    // of the two, and without the script. A root that is not "demo" changes nothing. Once it is done a second
-    // call does nothing.
+    // Reads "setup.local.xml", or "setup.xml" if there is none, and loads what it names. Throws Exception if
+    // both are missing, or a script is. A root that is not "demo" changes nothing. A second call does
+    // nothing.
     void setup();
-    // Writes what keys can change back into "setup.local.xml", if that is there.
+    // Writes what keys can change back into "setup.local.xml", if it exists; logs if it can't. Throws if the
+    // file isn't valid any more.
     void saveXml();
 
-    // Registers `effect`, which stays the caller's and must outlive run(), under `name`.
+    // Registers `effect` under `name`. It stays the caller's and must outlive run().
     void addCallback(std::string name, Effect& effect);
 
-    // The show, from opening the window to the end of the loop. At the end of the music the process exits.
+    // Plays the show, from opening the window to its end. At the end of the music the process exits.
     void run();
-    // Throws what the display throws; in a dump also on an odd height, which can't be grabbed.
+    // Throws what the display throws; when dumping, also for an odd height, which can't be grabbed.
     void openDisplay(int width, int height, bool fullscreen, const std::string& title);
-    // Opens the music; without any, mNoSound is set.
+    // Opens the music; on failure mNoSound is set.
     void openSound(const char* file);
     void openDevices();
 
-    // Goes to `t` seconds, or 0 if that is less. Music and clock meet here.
+    // Seeks to `t` seconds, or to 0 if it is less. This is where music and clock are synchronised.
     void setTime(float t);
     // Refreshes mRawTime and mTime.
     void getTime();
@@ -93,8 +94,8 @@ public:
     int onKeyDown(const display::KeyEvent& event) override;
     void onDraw() override;
 
-    // What the buttons of a launcher do when they are released: "button_run" closes the window, "button_exit"
-    // ends the process. No control of the editor reports here.
+    // What a launcher's buttons do when released: "button_run" closes the window, "button_exit" ends the
+    // process. The editor's controls don't report here.
     virtual void controlAction(panorama::Control* control, panorama::Action action);
 
 protected:
@@ -102,10 +103,10 @@ protected:
     void loadEffects();
 
 private:
-    struct Editor; // makes mGui, and deletes it
+    struct Editor; // creates mGui and deletes it
 
     display::Batch mOsd;
-    bool mEditing = false; // mGui is there
+    bool mEditing = false; // mGui exists
 
     bool hasSound() const;
     [[noreturn]] void endProcess();

@@ -1,4 +1,4 @@
-// The music of the show: the sound device, the stream that plays, and what turns its position into seconds.
+// The music of the show: the sound device, the stream, and what converts its position into seconds.
 #pragma once
 
 #include "am_file.h"
@@ -6,7 +6,7 @@
 
 namespace zentrak::kindler {
 
-// The driver plays through mStream itself. Seconds are mStream->getPosition() / mRate, both as floats; the
+// The driver controls mStream directly. Seconds are mStream->getPosition() / mRate, both as floats; the
 // length of the show is mLength / mRate.
 struct Music {
     int mLength = 0; // of the source, in sample frames
@@ -14,12 +14,12 @@ struct Music {
     audiere::RefPtr<audiere::OutputStream> mStream;
     audiere::RefPtr<audiere::SampleSource> mSource;
     audiere::RefPtr<audiere::File> mFile; // the bytes that mSource decodes
-    int mRate = 0;                        // of the source, in sample frames a second
-    bool mPaused = false;                 // stopped by the viewer, not by the end of the music
+    int mRate = 0;                        // of the source, in sample frames per second
+    bool mPaused = false;                 // stopped by the viewer, as opposed to having ended
 
-    // Opens all of it from a file in memory, whose bytes are copied; the stream is left at the beginning,
-    // stopped. False, with a line on standard output that says why, when there is no sound device, or the
-    // file is missing (an empty pointer) or can't be decoded.
+    // Opens all of it from a file in memory, whose bytes are copied; the stream is stopped, at the beginning.
+    // False, with a line on standard output that says why, if there is no sound device, or the file is
+    // missing (a null pointer) or can't be decoded.
     bool setup(am::TSmartPtr<am::FileStructure, am::TRefCount<am::FileStructure>> file);
 };
 

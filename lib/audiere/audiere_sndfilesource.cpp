@@ -74,7 +74,7 @@ SndfileSource::~SndfileSource() {
         sf_close(mDecoder);
 }
 
-// As the file tells them, else as is usual.
+// As given in the file, or the default.
 std::string SndfileSource::channelPlaces() {
     std::string places = Downmix::usualPlaces(mInfo.channels);
     std::vector<int> map(places.size());
@@ -128,7 +128,7 @@ int SndfileSource::read(int frameCount, void* buffer) {
     return count;
 }
 
-// As the decoder gives them, or mixed down; returns the frames written to `out`.
+// Decodes, and mixes down more than two channels; returns the frames written to `out`.
 int SndfileSource::decode(int frameCount, float* out) {
     if (mInfo.channels <= 2)
         return int(std::max<sf_count_t>(sf_readf_float(mDecoder, out, frameCount), 0));

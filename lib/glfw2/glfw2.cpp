@@ -29,7 +29,7 @@ struct Callbacks {
     GLFWmousewheelfun wheel = nullptr;
 };
 
-// All that belongs to an open window; it starts afresh with each.
+// All state of an open window; it starts fresh with each.
 struct Session {
     Callbacks callbacks;
     Input input;
@@ -38,7 +38,7 @@ struct Session {
     int mouseX = 0; // whole pixels
     int mouseY = 0;
     double wheelSum = 0.0; // steps
-    int wheel = 0;         // whole steps, as told
+    int wheel = 0;         // whole steps, as reported
     bool focused = false;
     bool iconified = false;
     bool noResize = false;
@@ -51,7 +51,7 @@ bool noResizeHint = false;
 double timeOffset = 0.0;   // seconds, added to the time of the library
 std::exception_ptr thrown; // by a callback, on its way out of the poll
 
-// Calls a callback, if there is one and none before it in this poll has thrown; 0 when it was not called.
+// Calls a callback, unless there is none or an earlier one in this poll has thrown; 0 if it was not called.
 template <typename Callback, typename... Arguments>
 int call(Callback callback, Arguments... arguments) {
     if (!callback || thrown)
@@ -62,13 +62,13 @@ int call(Callback callback, Arguments... arguments) {
         else
             return callback(arguments...);
     } catch (...) {
-        thrown = std::current_exception(); // GLFW 3 is no place to throw through
+        thrown = std::current_exception(); // GLFW 3 is C: nothing may be thrown through it
     }
     return 0;
 }
 
-// Tells of input, in order. A callback may close the window and open another, which has no part in the rest.
-void tell(const InputEvents& events) {
+// Reports input, in order. A callback may close the window and open another; the rest is not for that one.
+void report(const InputEvents& events) {
     const unsigned started = sessions;
     for (const InputEvent& event : events) {
         if (!Window::isOpen() || sessions != started)
@@ -91,7 +91,7 @@ int whole(double value) {
     return int(std::clamp(std::floor(value), -2147483648.0, 2147483647.0));
 }
 
-// What GLFW 3 reports, as GLFW 2 tells it.
+// Turns the events of GLFW 3 into those of GLFW 2.
 class Events final : public WindowEvents {
     void onSize(int width, int height) override {
         session.width = width;
@@ -109,8 +109,8 @@ class Events final : public WindowEvents {
     void onRefresh() override { call(session.callbacks.refresh); }
     void onIconify(bool iconified) override { session.iconified = iconified; }
 
-    // What is down when the focus is lost goes up elsewhere, so it is released here. GLFW 3 would do it next,
-    // but for the keys that it has no name for.
+    // What is down when the focus is lost is released here, since its release goes elsewhere. GLFW 3 does so
+    // too, but not for keys that it has no name for.
     void onFocus(bool focused) override {
         session.focused = focused;
         if (focused)
@@ -120,18 +120,18 @@ class Events final : public WindowEvents {
             const InputEvents events = session.input.releaseAny();
             if (events.empty())
                 return;
-            tell(events);
+            report(events);
         }
     }
 
     void onKey(int position, int scancode, bool down) override {
         const int key = position >= 0 ? position : NoScancode + scancode;
-        tell(down ? session.input.press(key, keyCode(position, Window::keyName(position, scancode)))
-                  : session.input.release(key));
+        report(down ? session.input.press(key, keyCode(position, Window::keyName(position, scancode)))
+                    : session.input.release(key));
     }
 
-    void onCharacter(unsigned character) override { tell(session.input.character(character)); }
-    void onButton(int button, bool down) override { tell(session.input.button(button, down)); }
+    void onCharacter(unsigned character) override { report(session.input.character(character)); }
+    void onButton(int button, bool down) override { report(session.input.button(button, down)); }
 
     void onMouseMove(double x, double y) override {
         const int wholeX = whole(x), wholeY = whole(y);
@@ -154,20 +154,17 @@ class Events final : public WindowEvents {
 
 Events events;
 
-// Lets out what a callback threw.
+// Throws on what a callback threw.
 void rethrow() {
     if (thrown)
         std::rethrow_exception(std::exchange(thrown, nullptr));
 }
 
-// Switches what glfwEnable and glfwDisable name.
+// glfwEnable and glfwDisable.
 void set(int token, bool enable) {
     if (!Window::isOpen())
         return;
     switch (token) {
-    case GLFW_STICKY_KEYS:
-        session.input.setStickyKeys(enable);
-        break;
     case GLFW_KEY_REPEAT:
         session.input.mKeyRepeat = enable;
         break;
@@ -358,9 +355,6 @@ void glfwWaitEvents() {
     rethrow();
 }
 
-int glfwGetKey(int key) {
-    return session.input.down(key) ? GLFW_PRESS : GLFW_RELEASE;
-}
 void glfwEnable(int token) {
     set(token, true);
 }

@@ -4,6 +4,7 @@
 #include "glfw2_keys.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace zentrak::glfw2 {
 
@@ -16,18 +17,16 @@ bool isIn(int index, int count) {
     return index >= 0 && index < count;
 }
 
-// What a text holds: no control characters, nothing beyond Unicode.
+// Neither a control character nor outside Unicode.
 bool isText(unsigned character) {
     return (character >= 32 && character <= 126) || (character >= 160 && character <= 0x10FFFF);
 }
 
 } // namespace
 
-// Tells of a press by code. A code that is down already repeats, also when another key has it.
+// Reports a press by its code. A code that is down already repeats, also if it is another key's.
 void Input::pressCode(InputEvents& events, int code) {
-    State& state = mCodes[size_t(code)];
-    const bool repeats = state == State::Down;
-    state = State::Down;
+    const bool repeats = std::exchange(mCodes[size_t(code)], true);
     if (!repeats || mKeyRepeat)
         events.add(InputEvent::Key, code, GLFW_PRESS);
 }
@@ -54,13 +53,8 @@ InputEvents Input::release(int key) {
     down.down = false;
     if (mLast == key)
         mLast = -1;
-    if (down.code != GLFW_KEY_UNKNOWN) {
-        State& state = mCodes[size_t(down.code)];
-        if (state == State::Down) {
-            state = mStickyKeys ? State::Sticking : State::Up;
-            events.add(InputEvent::Key, down.code, GLFW_RELEASE);
-        }
-    }
+    if (down.code != GLFW_KEY_UNKNOWN && std::exchange(mCodes[size_t(down.code)], false))
+        events.add(InputEvent::Key, down.code, GLFW_RELEASE);
     for (int i = 0; i < down.typed; ++i)
         events.add(InputEvent::Char, int(down.characters[size_t(i)]), GLFW_RELEASE);
     return events;
@@ -104,7 +98,7 @@ InputEvents Input::button(int button, bool down) {
 }
 
 InputEvents Input::releaseAny() {
-    // A key may be down with nothing to tell of it, so the search goes on until there is something.
+    // A key may be down without any event to report: the search goes on to the next.
     for (int key = 0; key < Keys; ++key) {
         const InputEvents events = release(key);
         if (!events.empty())
@@ -116,22 +110,6 @@ InputEvents Input::releaseAny() {
             return events;
     }
     return {};
-}
-
-bool Input::down(int code) {
-    if (!isIn(code, Codes))
-        return false;
-    State& state = mCodes[size_t(code)];
-    const bool down = state != State::Up;
-    if (state == State::Sticking)
-        state = State::Up;
-    return down;
-}
-
-void Input::setStickyKeys(bool enable) {
-    mStickyKeys = enable;
-    if (!enable)
-        std::replace(mCodes.begin(), mCodes.end(), State::Sticking, State::Up);
 }
 
 } // namespace zentrak::glfw2

@@ -4,7 +4,7 @@
 
 namespace {
 
-// GLFW 3 has macros by the names of these codes, so they are taken before its header comes in.
+// Taken before the header of GLFW 3 is included, which defines macros of the same names.
 constexpr int Unknown = zentrak::glfw2::GLFW_KEY_UNKNOWN;
 constexpr int FirstSpecial = zentrak::glfw2::GLFW_KEY_ESC;
 constexpr int LastSpecial = zentrak::glfw2::GLFW_KEY_LAST;
@@ -43,7 +43,7 @@ constexpr int specialKeys[] = {
 // clang-format on
 static_assert(std::size(specialKeys) == LastSpecial - FirstSpecial + 1);
 
-// The first character of a text in UTF-8 if it is in Latin-1, else 0.
+// The first character of a UTF-8 text if it is in Latin-1, else 0.
 unsigned firstOfLatin1(const char* text) {
     const auto first = static_cast<unsigned char>(text[0]);
     if (first < 0x80)
@@ -62,7 +62,7 @@ int keyCode(int position, const char* name) {
         return FirstSpecial + int(special - specialKeys);
     if (position == GLFW_KEY_SPACE)
         return GLFW_KEY_SPACE;
-    // The keys that type something stand below 256, on a US board those with ASCII codes.
+    // Keys that type something are below 256, those of a US keyboard in ASCII.
     if (position < 32 || position > 255)
         return Unknown;
     const int code = name ? characterCode(firstOfLatin1(name)) : Unknown;

@@ -6,8 +6,10 @@
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <thread>
 #include <tuple>
 #include <utility>
 
@@ -24,12 +26,11 @@ constexpr double LONGEST_WAIT = 5.0; // seconds until the window manager should 
 
 GLFWwindow* window = nullptr; // the open one
 bool initialised = false;
-bool polling = false;      // GLFW 3 is running events, in which it allows neither end of its own
+bool polling = false;      // inside an event, where GLFW 3 must neither destroy a window nor terminate
 bool terminateDue = false; // at the end of the poll
 char lastError[256];       // of GLFW 3
 
-// Windows that were closed while their events ran; destroyed at the end of the poll. GLFW 3 needs them until
-// then.
+// Windows that were closed inside an event; GLFW 3 needs them until the end of the poll.
 std::vector<GLFWwindow*> retired;
 
 void onError(int, const char* description) {
@@ -44,7 +45,7 @@ WindowEvents* eventsOf(GLFWwindow* of) {
     return static_cast<WindowEvents*>(glfwGetWindowUserPointer(of));
 }
 
-// GLFW 3's callbacks, each on to the events of its window.
+// GLFW 3's callbacks: each passes its event on.
 void onSize(GLFWwindow* of, int width, int height) {
     eventsOf(of)->onSize(width, height);
 }
@@ -76,7 +77,7 @@ void onKey(GLFWwindow* of, int position, int scancode, int action, int) {
     eventsOf(of)->onKey(position, scancode, action != GLFW_RELEASE);
 }
 
-// Connects the window's callbacks, or cuts them off.
+// Connects or disconnects the callbacks of a window.
 void connect(GLFWwindow* of, bool on) {
     glfwSetWindowSizeCallback(of, on ? onSize : nullptr);
     glfwSetWindowCloseCallback(of, on ? onClose : nullptr);
@@ -90,7 +91,7 @@ void connect(GLFWwindow* of, bool on) {
     glfwSetScrollCallback(of, on ? onWheel : nullptr);
 }
 
-// Takes a window from the screen, its monitor and the context, to be destroyed later.
+// Hides a window, and frees its monitor and the context; it is destroyed later.
 void retire(GLFWwindow* old) {
     connect(old, false);
     glfwMakeContextCurrent(nullptr);
@@ -103,7 +104,7 @@ void retire(GLFWwindow* old) {
     retired.push_back(old);
 }
 
-// A monitor that is left in another video mode would stay so, whatever way the program ends.
+// Otherwise the monitor would keep another video mode when the program ends by exit().
 void terminateAtExit() {
     if (initialised || terminateDue)
         glfwTerminate();
@@ -111,7 +112,7 @@ void terminateAtExit() {
     window = nullptr;
 }
 
-// Runs the events, and then what they put off.
+// Processes events, and then what they deferred.
 void run(void (*process)()) {
     if (!window || polling)
         return;
@@ -139,18 +140,17 @@ bool show(GLFWwindow* of, bool fullscreen) {
     }
     XMapWindow(display, glfwGetX11Window(of));
     const double start = glfwGetTime();
-    while (!glfwGetWindowAttrib(of, GLFW_VISIBLE)) {
-        const double left = start + LONGEST_WAIT - glfwGetTime();
-        if (left <= 0)
+    while (!glfwGetWindowAttrib(of, GLFW_VISIBLE)) { // asks the server: no event is lost to the callbacks
+        if (glfwGetTime() - start > LONGEST_WAIT)
             return false;
-        glfwWaitEventsTimeout(left);
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
     glfwFocusWindow(of);
     return true;
 }
 
-// The hints of GLFW 3 that the request sets. What it leaves out is right by default: two buffers, and the
-// newest compatibility profile there is.
+// The hints of a request. The defaults are right for everything else: two buffers, and the newest
+// compatibility profile.
 void setHints(const WindowRequest& request) {
     const auto orDefault = [](int bits) { return bits > 0 ? bits : 8; };
     glfwDefaultWindowHints();
@@ -166,7 +166,7 @@ void setHints(const WindowRequest& request) {
 
 } // namespace
 
-// GLFW 3 tells a mode once for each refresh rate.
+// GLFW 3 lists a mode once for each refresh rate.
 std::vector<VideoMode> inOrder(std::vector<VideoMode> modes) {
     const auto rank = [](const VideoMode& mode) {
         return std::tuple(mode.red + mode.green + mode.blue, mode.width * mode.height, mode.width, mode.red,
@@ -188,7 +188,7 @@ bool Window::initialise() {
     }
     glfwSetErrorCallback(onError);
 #ifdef GLFW_PLATFORM_X11
-    // From GLFW 3.4 on the platform is chosen at run time, and GLEW finds the context through GLX alone.
+    // From 3.4 on GLFW chooses the platform at run time, but GLEW finds the context through GLX only.
     glfwInitHint(GLFW_PLATFORM, GLFW_PLATFORM_X11);
 #endif
     initialised = glfwInit() == GLFW_TRUE;
@@ -242,7 +242,7 @@ bool Window::open(const WindowRequest& request, WindowEvents& events) {
     if (monitor)
         glfwSetInputMode(opened, GLFW_CURSOR, GLFW_CURSOR_HIDDEN);
     window = opened;
-    // After the driver has come in, so that this is called before what the driver does at the exit.
+    // Registered after the OpenGL driver was loaded, so that it runs before the driver's own exit handlers.
     [[maybe_unused]] static const int registered = std::atexit(terminateAtExit);
     return true;
 }

@@ -1,4 +1,4 @@
-// The one window on GLFW 3, and its library. Whoever includes this needs to know nothing of GLFW 3.
+// The window and the library on GLFW 3, for callers that know nothing of GLFW 3.
 #pragma once
 
 #include <vector>
@@ -14,20 +14,19 @@ struct VideoMode {
     bool operator==(const VideoMode&) const = default;
 };
 
-// Modes as they are told: ascending by the sum of their bits and then by area, each once.
+// Sorted as glfwGetVideoModes reports them: ascending by the sum of their bits and then by area, each once.
 std::vector<VideoMode> inOrder(std::vector<VideoMode> modes);
 
-// What a window is asked to be.
+// What is asked of a new window.
 struct WindowRequest {
     int width, height;         // pixels, 1 to 32767
-    int red, green, blue;      // bits, a wish; 0 for the driver's own
-    int alpha, depth, stencil; // bits, a wish
-    bool fullscreen;           // on the primary monitor; as a window where there is none
+    int red, green, blue;      // bits, a preference; 0 for the default
+    int alpha, depth, stencil; // bits, a preference
+    bool fullscreen;           // on the primary monitor; a window if there is none
     bool resizable;            // by the user
 };
 
-// What happens to the window. Called inside Window::poll and Window::wait only; may call everything in
-// Window.
+// What happens to the window. Called only inside Window::poll and Window::wait; may call all of Window.
 class WindowEvents {
 public:
     virtual void onSize(int width, int height) = 0;
@@ -35,7 +34,7 @@ public:
     virtual void onRefresh() = 0;
     virtual void onFocus(bool focused) = 0;
     virtual void onIconify(bool iconified) = 0;
-    virtual void onKey(int position, int scancode, bool down) = 0; // position -1 where it has no name
+    virtual void onKey(int position, int scancode, bool down) = 0; // position -1: the key has no name
     virtual void onCharacter(unsigned character) = 0;              // after onKey of the key that typed it
     virtual void onButton(int button, bool down) = 0;              // left 0, right 1, middle 2
     virtual void onMouseMove(double x, double y) = 0;              // pixels
@@ -45,21 +44,21 @@ protected:
     ~WindowEvents() = default;
 };
 
-// All static: there is one. Every operation that acts on the window does nothing while none is open.
+// All static: there is one window. Without an open one, whatever acts on it does nothing.
 class Window {
 public:
-    static bool initialise(); // the library; whether it is
+    static bool initialise(); // the library; returns whether it is ready
     static bool isInitialised();
-    static void terminate(); // closes the window; put off until the end of a poll that is going on
+    static void terminate(); // closes the window; inside a poll, at its end
     static void version(int& major, int& minor, int& revision);
 
-    // Whether there is a window now, its context current; why not goes to the standard error stream. `events`
-    // lives at least as long as the window.
+    // Opens the window and makes its context current. On failure it returns false, and the reason goes to the
+    // standard error stream. `events` must outlive the window.
     static bool open(const WindowRequest& request, WindowEvents& events);
     static void close();
     static bool isOpen();
 
-    // Runs the events; both return at once inside one of them.
+    // Process events; both return at once when called inside one.
     static void poll();
     static void wait();
 

@@ -32,7 +32,8 @@ public:
     std::string read(const std::string& name) const { return readFile(mDir.file(name)); }
     bool has(const std::string& name) const { return fileExists(mDir.file(name)); }
 
-    // With music on a device that nobody hears. `environment` is what else env(1) takes.
+    // With music on a silent device. `environment` goes to env(1): variables, or a command to run the show
+    // under.
     void start(const std::string& environment = "");
     bool running();
     int wait(); // its exit status; -1 if it does not end in time, or by a signal

@@ -1,4 +1,4 @@
-// The driver on a real window, with music on a sound device that nobody hears.
+// The driver on a real window, with music on a silent sound device.
 #include "allocations.h"
 #include "am_archivemanager.h"
 #include "am_videofile.h"
@@ -77,7 +77,7 @@ protected:
     }
 };
 
-// Music goes to a device that nobody hears, unless it is told otherwise.
+// Music goes to a silent device unless the environment says otherwise.
 const int NULL_DEVICE = setenv("ALSOFT_DRIVERS", "null", 0);
 
 constexpr const char* NOSOUND = "<music mute=\"nosound\"/>";
@@ -124,7 +124,7 @@ TEST_F(Show, ASecondRegistrationReplacesTheFirst) {
     EXPECT_EQ(mProbe.setups, 1);
 }
 
-TEST_F(Show, OpensTheWindowThatTheSetupTells) {
+TEST_F(Show, OpensTheWindowOfTheSetupFile) {
     writeShow(NOSOUND);
     Kindler kindler;
     mProbe.onUpdate = [&](float) {
@@ -135,7 +135,7 @@ TEST_F(Show, OpensTheWindowThatTheSetupTells) {
         EXPECT_TRUE(kindler.mDisplay->mWindowMode.canResize);
         EXPECT_EQ(kindler.mDisplay->mFpsType, display::DisplayGL::FPS_VSYNC);
         EXPECT_EQ(kindler.mDisplay->mArchiveManager, &kindler.mArchives);
-        ASSERT_EQ(kindler.mDisplay->mListeners.size(), 3u); // with the editor and its controls behind
+        ASSERT_EQ(kindler.mDisplay->mListeners.size(), 3u); // the editor and its controls come after it
         EXPECT_EQ(kindler.mDisplay->mListeners[0], &kindler);
     };
     run(kindler, 1);
@@ -169,14 +169,14 @@ TEST_F(Show, AnExceptionWhileLoadingLeavesRunAndStillSaves) {
     writeShow(NOSOUND);
     write("setup.local.xml", test::readFile("setup.xml"));
     mProbe.onSetup = [] { throw Exception("no such picture: %d%%", 7); };
-    std::string told;
+    std::string message;
     try {
         Kindler kindler;
         run(kindler, 1);
     } catch (const std::exception& e) {
-        told = e.what();
+        message = e.what();
     }
-    EXPECT_EQ(told, "no such picture: 7%");
+    EXPECT_EQ(message, "no such picture: 7%");
     EXPECT_EQ(display::DisplayGL::currentDisplay, nullptr); // the window is closed
     EXPECT_NE(test::readFile("setup.local.xml").find("mute=\"off\""), std::string::npos);
 }
@@ -234,7 +234,7 @@ TEST_F(Show, ANegativeStartTimeStartsAtZeroAndKeepsItsValue) {
     EXPECT_EQ(kindler.mStartTime, -30.0f);
 }
 
-TEST_F(Show, AStartTimeThatIsNoNumberStartsAtZero) {
+TEST_F(Show, AStartTimeThatIsNotANumberStartsAtZero) {
     writeShow(std::string("<time start=\"nan\"/>") + NOSOUND);
     Kindler kindler;
     run(kindler, 1);
@@ -571,7 +571,7 @@ TEST_F(Show, TheBarIsDrawnInItsThreePlacesWithItsMarkers) {
         kindler.drawOsd();
         const Picture picture = test::grabPicture(*kindler.mDisplay);
         const int y = location == 0 ? 14 : location == 1 ? 200 : 386; // the middle of the bar
-        // Behind the bar 0.4 of the ground is left.
+        // Under the bar 0.4 of the background shows.
         EXPECT_NEAR(picture.at(100, y)[0], 0.5 * 0.4 * 255, 2);
         EXPECT_NEAR(picture.at(100, y)[2], 0.7 * 0.4 * 255, 2);
         // The markers, three pixels at most, at a quarter and at three fifths.
@@ -593,7 +593,7 @@ TEST_F(Show, MarkersPastTheEndLeaveTheBar) {
     kindler.mDisplay->resetAllStates();
     glClear(GL_COLOR_BUFFER_BIT);
     kindler.mDemoLength = 100;
-    kindler.mTime = 100.9f; // x = 0.99764, behind the bar's end at 0.98
+    kindler.mTime = 100.9f; // x = 0.99764, past the bar's end at 0.98
     kindler.drawOsd();
     EXPECT_GT(test::grabPicture(*kindler.mDisplay).at(639, 14)[0], 180);
     for (float length : {0.0f, -1.0f, NAN}) { // and no length hurts
@@ -674,11 +674,11 @@ TEST_F(Show, ADumpDrawsTheOnScreenDisplayWhateverItsSwitchSays) {
 TEST_F(Show, ADumpOfOddHeightIsRefused) {
     writeShow("<dump name=\"frame.png\"/>", "width=\"320\" height=\"201\"");
     Kindler kindler;
-    std::string told;
+    std::string message;
     try {
         run(kindler, 1);
     } catch (const std::exception& e) {
-        told = e.what();
+        message = e.what();
     }
-    EXPECT_EQ(told, "[Kindler] A dump needs an even height of the window, not 201");
+    EXPECT_EQ(message, "[Kindler] A dump needs an even height of the window, not 201");
 }

@@ -30,14 +30,14 @@ protected:
     // What the setup throws, or "" if it does not. What it prints is in mPrinted.
     std::string problem(Kindler& kindler) {
         CaptureStdout out;
-        std::string told;
+        std::string message;
         try {
             kindler.setup();
         } catch (const std::exception& e) {
-            told = e.what();
+            message = e.what();
         }
         mPrinted = out.text();
-        return told;
+        return message;
     }
     std::string mPrinted;
 };
@@ -52,7 +52,7 @@ struct Demo : Kindler {
 
 } // namespace
 
-TEST_F(SetupFile, TheDriverStartsInItsToldState) {
+TEST_F(SetupFile, TheDriverStartsInItsInitialState) {
     const Kindler kindler;
     EXPECT_EQ(kindler.mDisplay, nullptr);
     EXPECT_FALSE(kindler.mNoSound);
@@ -177,7 +177,7 @@ TEST_F(SetupFile, OnIsWrittenInLowerCase) {
     EXPECT_FALSE(setup.mMuted);
 }
 
-TEST_F(SetupFile, ADelayOfZeroIsTwoSecondsAndABelowZeroOneStands) {
+TEST_F(SetupFile, ADelayOfZeroIsTwoSecondsAndANegativeOneIsKept) {
     EXPECT_EQ(Demo("<osd delay=\"0\"/>").mOsdDelay, 2.0f);
     EXPECT_EQ(Demo("<osd delay=\"0.0\"/>").mOsdDelay, 2.0f);
     EXPECT_EQ(Demo("<osd delay=\"word\"/>").mOsdDelay, 2.0f);
@@ -249,7 +249,7 @@ TEST_F(SetupFile, ADumpWithoutANameGoesToUntitled) {
     EXPECT_FALSE(kindler.mSetupDone);
 }
 
-TEST_F(SetupFile, ADumpThatNobodyWritesIsAProblem) {
+TEST_F(SetupFile, ADumpOfAnUnknownFormatIsAProblem) {
     write("setup.xml", "<demo><dump name=\"film.avi\"/></demo>");
     Kindler kindler;
     EXPECT_EQ(problem(kindler), "Could not find something that could write to 'film.avi'");
@@ -281,7 +281,7 @@ TEST_F(SetupFile, WithoutEitherFileTheSetupThrows) {
               "[error][Exception], [Kindler] Could not load 'setup.[local.]xml' (ztk_system:171)\n");
 }
 
-TEST_F(SetupFile, AFolderInItsPlaceIsNoSetupFile) {
+TEST_F(SetupFile, AFolderOfThatNameIsNotASetupFile) {
     std::filesystem::create_directory(mDir.file("setup.local.xml"));
     std::filesystem::create_directory(mDir.file("setup.xml"));
     Kindler kindler;
@@ -308,7 +308,7 @@ TEST_F(SetupFile, AnotherRootIsNoSetupAndNoProblem) {
     EXPECT_EQ(kindler.mDisplay, nullptr);
 }
 
-TEST_F(SetupFile, BrokenXmlIsToldWithItsPlace) {
+TEST_F(SetupFile, BrokenXmlIsReportedWithItsPosition) {
     const struct {
         const char* text;
         const char* problem;
@@ -324,10 +324,10 @@ TEST_F(SetupFile, BrokenXmlIsToldWithItsPlace) {
         {"<?xml ?a?><demo></demo>",
          "(error at line 1, col 7); Xml: Ill formed <?xml?> tag (when reading tag at 1:1)"},
     };
-    for (const auto& [text, told] : cases) {
+    for (const auto& [text, expected] : cases) {
         write("setup.xml", text);
         Kindler kindler;
-        EXPECT_EQ(problem(kindler), told) << text;
+        EXPECT_EQ(problem(kindler), expected) << text;
         EXPECT_FALSE(kindler.mSetupDone);
     }
 }
@@ -402,7 +402,7 @@ TEST_F(SetupFile, ASecondSetupDoesNothing) {
 
 // -- saving
 
-TEST_F(SetupFile, SavingChangesTheToldValuesAndNothingElse) {
+TEST_F(SetupFile, SavingChangesItsOwnValuesAndNothingElse) {
     write("setup.local.xml",
           "<?xml version=\"1.0\"?>\n<demo>\n<!-- mine -->\n<time start=\"1\" note=\"n\"/>\n"
           "<time start=\"2\"/>\n<archive path=\"data\"/>\n"

@@ -28,7 +28,7 @@ const std::vector<std::string>& soundNames();
 audiere::RefPtr<audiere::File> memoryFile(const std::string& bytes);
 audiere::RefPtr<audiere::SampleSource> openSource(const std::string& bytes);
 
-// Everything that the source gives from where it stands, in reads of odd sizes.
+// All that the source has from its position on, in reads of odd sizes.
 std::vector<float> readAll(audiere::SampleSource& source);
 
 // Waits until `condition` holds. False, and a failure, if it doesn't within a minute.

@@ -138,7 +138,7 @@ TEST_P(EverySound, CutShortItIsNoneOrWhatIsLeft) {
 
 // Streams that follow each other in one file may differ in channels and rate; a hole in the first must not
 // lead into the second.
-TEST_P(EverySound, AnotherOneBehindItDoesNotCrash) {
+TEST_P(EverySound, AnotherOneAfterItDoesNotCrash) {
     for (const std::string& next : soundNames()) {
         SCOPED_TRACE(next);
         std::string bytes = sound(GetParam());
@@ -196,7 +196,7 @@ TEST(Source, AModulePlaysOnceThrough) {
 }
 
 // A lost page leaves the first stream shorter than the file says: what is missing must not be read from the
-// stream behind it, which has fewer channels.
+// following stream, which has fewer channels.
 TEST(Source, AStreamOfAnotherFormatIsNotReachedThroughAHole) {
     TempDir folder;
     writeFile(folder.file("mono.wav"), sound("wavmono"));

@@ -263,43 +263,10 @@ TEST(Input, NumbersOutOfRangeAreIgnored) {
         EXPECT_EQ(text(input.press(number, 'A')), "");
         EXPECT_EQ(text(input.release(number)), "");
         EXPECT_EQ(text(input.button(number, true)), "");
-        EXPECT_FALSE(input.down(number));
         EXPECT_EQ(text(input.press(5, number)), "");
         EXPECT_EQ(text(input.release(5)), "");
     }
     EXPECT_EQ(text(input.button(8, true)), "");
-}
-
-TEST(Input, AStickyKeyReadsPressedOnceAfterItsRelease) {
-    Input input;
-    input.setStickyKeys(true);
-    input.press(1, 'A');
-    EXPECT_TRUE(input.down('A'));
-    EXPECT_TRUE(input.down('A'));
-    EXPECT_EQ(text(input.release(1)), "key 65 0");
-    EXPECT_TRUE(input.down('A'));
-    EXPECT_FALSE(input.down('A'));
-}
-
-TEST(Input, AKeyThatSticksIsPressedAnewNotRepeated) {
-    Input input;
-    input.setStickyKeys(true);
-    input.press(1, 'A');
-    input.release(1);
-    EXPECT_EQ(text(input.press(1, 'A')), "key 65 1");
-}
-
-TEST(Input, WithoutStickyKeysAKeyReadsAsItIs) {
-    Input input;
-    input.press(1, 'A');
-    EXPECT_TRUE(input.down('A'));
-    input.release(1);
-    EXPECT_FALSE(input.down('A'));
-    input.setStickyKeys(true);
-    input.press(1, 'A');
-    input.release(1);
-    input.setStickyKeys(false);
-    EXPECT_FALSE(input.down('A'));
 }
 
 // Video modes.
@@ -349,8 +316,6 @@ TEST_F(WithoutDisplay, EveryCallDoesNothing) {
     }
     for (int param : {GLFW_OPENED, GLFW_ACTIVE, GLFW_ICONIFIED, GLFW_WINDOW_NO_RESIZE, -1})
         EXPECT_EQ(glfwGetWindowParam(param), 0);
-    for (int key : {-1, 0, 65, GLFW_KEY_LAST, GLFW_KEY_LAST + 1})
-        EXPECT_EQ(glfwGetKey(key), GLFW_RELEASE);
 
     int width = -5, height = -5;
     glfwGetWindowSize(&width, &height);

@@ -67,7 +67,7 @@ struct Timeline : ScriptEngine {
 
 } // namespace
 
-TEST(ScriptRecords, StartInTheirToldState) {
+TEST(ScriptRecords, StartInTheirInitialState) {
     const ScriptEngine engine;
     EXPECT_EQ(engine.mPreviousTime, 0);
     EXPECT_EQ(engine.mScriptLength, 0);
