@@ -24,18 +24,18 @@ public:
     virtual void unbind(); // asserts "mBound"
     virtual void clear();  // frees everything; a bound buffer is unbound, a current one leaves its display
 
-    // Makes `numEntities` entries of `entitySize` bytes; `data` holds them all, or is null. Nothing is bound
+    // Makes `count` entries of `entitySize` bytes; `data` holds them all, or is null. Nothing is bound
     // afterwards. What was held before is not freed: clear() does that.
-    void initBO(GLenum target, int entitySize, int numEntities, void* data);
+    void initBO(GLenum target, int entitySize, int count, void* data);
 
-    // The entries' memory, for writing, reading or both, until unlock(); null if OpenGL refuses. Asserts
-    // "write==true || read==true" and "mBound".
+    // The entries' memory, for writing, reading or both, until unlock(); null if OpenGL refuses or there are
+    // no entries. Asserts "write==true || read==true" and "mBound".
     void* lock(bool write, bool read);
     void unlock(); // a damaged buffer is a warning: "Buffer object corrupted?!"
 
-    // Copies `numEntities` entries from `data` behind the first `firstEntity` ones. Asserts "mBound". A range
+    // Replaces `count` entries from `first` on by those in `data`. Asserts "mBound". A range
     // outside the buffer throws Exception.
-    void replace(int firstEntity, int numEntities, void* data);
+    void replace(int first, int count, void* data);
 
     int getEntitySize() const { return mEntitySize; } // bytes
     int getSize() const { return mEntities; }         // entries
@@ -52,6 +52,7 @@ protected:
     GLenum mTarget;
 
 private:
+    void unmap() noexcept;
     void release() noexcept;
 
     int mContext; // the opening of the window that the buffer belongs to

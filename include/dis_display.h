@@ -66,8 +66,7 @@ public:
     void setFullscreen(bool on);
 
     // Frames a second for FPS_FIXED and FPS_DELTA; without meaning for the others. A rate that is not above 0
-    // does not wait (FPS_FIXED) or stands still (FPS_DELTA); no frame waits longer than ten seconds. Asserts
-    // "mOpened".
+    // doesn't wait (FPS_FIXED) or stands still (FPS_DELTA). Asserts "mOpened".
     void setFps(FpsMode mode, float fps);
 
     // The modes of the primary monitor as full-screen window modes, smallest first, 2048 at most.
@@ -171,6 +170,10 @@ public:
     float mFpsCountFrames;
     am::ArchiveManager* mArchiveManager; // not owned; null until setArchive
 
+    // Which opening of a window is current: a number that no other opening in this process has; 0 while
+    // closed.
+    int getContext() const { return mOpened ? mContext : 0; }
+
     static DisplayGL* currentDisplay; // the one instance, or null; what GLFW's callbacks reach
 
 private:
@@ -226,9 +229,9 @@ private:
     static std::vector<std::string> sDeniedExtensions;
 
     mathbase::MatrixGL mProjectMatrix;
-    Walk* mWalks;       // the innermost walk going on, or null
-    double mDeltaStart; // FPS_DELTA: the time that was set, and the frames since: no sum of rounded steps
-    long long mDeltaFrames;
+    Walk* mWalks;      // the innermost walk going on, or null
+    double mDeltaTime; // FPS_DELTA: mFpsLastTime before rounding, so that rounded steps don't add up
+    int mContext = 0;  // of the last opening
 };
 
 } // namespace zentrak::display

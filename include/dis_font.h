@@ -43,7 +43,8 @@ public:
     Texture& getTexture() { return mTexture; }
     // What of a character's cell shows anything, from the cell's upper left corner, at scale 1.
     const mathbase::Box2& getInk(unsigned char c) const { return mInk[c]; }
-    // Where the texture is white and opaque, for shapes that are drawn along with text.
+    // Where the texture is white and opaque, for shapes that are drawn along with text. In a picture without
+    // an empty cell or two by two opaque pixels, where it is most opaque.
     mathbase::Vector2f getSolid() const { return mSolid; }
     int getAlignment() const { return mAlign; }
 
@@ -55,6 +56,7 @@ private:
     void measureInk(const uint8_t* cell, mathbase::Box2& ink) const;
     void placeSolid(uint8_t* pixels);
     bool findSolid(const uint8_t* pixels);
+    void findMostSolid(const uint8_t* pixels);
     void setSolid(int left, int top, int width, int height);
 
     uint32_t mWidth; // of the image, in pixels
@@ -68,7 +70,7 @@ private:
     float mLetterWidth; // one cell, in texture coordinates
     float mLetterHeight;
     uint8_t* mData; // null after load
-    bool mSpotted;  // the cell of byte 0 holds the solid spot, and no glyph
+    int mSpot;      // the byte whose empty cell holds the solid spot; -1 for none
     mathbase::Box2 mInk[256];
     mathbase::Vector2f mSolid; // in texture coordinates
     Texture mTexture;

@@ -99,7 +99,10 @@ public:
     void set(const std::string& name, const mathbase::Vector2f* values, int count);
 
 private:
+    friend class Material;
+
     void createHandle();
+    void release() noexcept; // unbind without a check
     template <class Upload>
     void setUniform(const std::string& name, Upload upload);
 

@@ -90,7 +90,7 @@ private:
                           int y1, bool transpose);
     std::string sourceName() const;
 
-    int mContextCount;         // the display's, when the texture was made
+    int mContextCount;         // DisplayGL::getContext, when the texture was made
     std::string mLoadFilename; // empty if there is no file
     am::Image mLoadImage;      // possibly null
     bool mInited;

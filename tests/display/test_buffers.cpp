@@ -573,6 +573,60 @@ TEST_F(RealBufferTest, TwoTangentsCountAsFourUnits) {
     EXPECT_EQ(vbo.getSize(), 4);
 }
 
+TEST_F(RealBufferTest, LockingAnEmptyBufferGivesNothingAndLeavesNoError) {
+    VBO vbo(&display());
+    vbo.setup(VertexP3::format, 0, nullptr);
+    vbo.bind();
+    EXPECT_EQ(vbo.lock(true, true), nullptr);
+    EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
+    vbo.unlock();
+    vbo.unbind();
+    vbo.clear();
+    EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
+}
+
+// A pending error surfaces under the text of the call that is checked next.
+TEST_F(RealBufferTest, ChecksHaveTheTextsOfTheirCalls) {
+    VBO vbo(&display());
+    const auto thrownAt = [&](auto& function, auto broken, const auto& call) {
+        const auto real = function;
+        function = broken;
+        const std::string thrown = thrownBy(call);
+        function = real;
+        const size_t from = thrown.find("Line: ") + 6;
+        return thrown.substr(from, thrown.find('\n', from) - from);
+    };
+    EXPECT_EQ(thrownAt(
+                  __glewBufferDataARB, [](GLenum, GLsizeiptrARB, const void*, GLenum) { glEnable(0xFFFF); },
+                  [&] { vbo.setup(VertexP3N3T2A4A4::format, 4, nullptr); }),
+              "glBufferDataARB( mTarget, mEntitySize*numEntities, data, usage )");
+    vbo.setup(VertexP3N3T2A4A4::format, 4, nullptr);
+    EXPECT_EQ(thrownAt(
+                  __glewEnableVertexAttribArrayARB, [](GLuint) { glEnable(0xFFFF); }, [&] { vbo.bind(); }),
+              "glEnableVertexAttribArrayARB(6 + i)");
+    vbo.clear();
+    vbo.setup(VertexP3N3T2A4A4::format, 4, nullptr);
+    EXPECT_EQ(thrownAt(
+                  __glewVertexAttribPointerARB,
+                  [](GLuint, GLint, GLenum, GLboolean, GLsizei, const void*) { glEnable(0xFFFF); },
+                  [&] { vbo.bind(); }),
+              "glVertexAttribPointerARB(6 + i, numChannels, type, false, mFormat->size, offset)");
+    vbo.clear();
+    vbo.setup(VertexP3N3T2A4A4::format, 4, nullptr);
+    vbo.bind();
+    float vertices[64] = {};
+    EXPECT_EQ(thrownAt(
+                  __glewBufferSubData, [](GLenum, GLintptr, GLsizeiptr, const void*) { glEnable(0xFFFF); },
+                  [&] { vbo.replace(0, 1, vertices); }),
+              "glBufferSubData(mTarget, firstEntity*mEntitySize, numEntities*mEntitySize, data)");
+    vbo.unbind();
+    EXPECT_EQ(
+        thrownAt(
+            __glewDeleteBuffersARB, [](GLsizei, const GLuint*) { glEnable(0xFFFF); }, [&] { vbo.clear(); }),
+        "glDeleteBuffersARB(1, &mID)");
+    EXPECT_EQ(vbo.getSize(), 0);
+}
+
 TEST_F(RealBufferTest, ADamagedBufferIsAWarning) {
     VBO vbo(&display());
     vbo.setup(VertexP3::format, 4, nullptr);

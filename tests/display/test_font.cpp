@@ -142,12 +142,22 @@ TEST_F(FontTest, ByteZeroIsDrawnLikeAnyOtherWhereItHasAGlyph) {
     expectSolid();
 }
 
-TEST_F(FontTest, AFontWithNothingSolidGivesUpItsByteZero) {
+TEST_F(FontTest, ByteZeroIsDrawnInAPictureWithNothingSolid) {
     writeImage("made.png", makeImage(16 * CELL, 16 * CELL, [](int, int) { return 0xfe000000u; }));
     load();
     EXPECT_FLOAT_EQ(font.getAdvance(0), 10 + 2);
-    EXPECT_EQ(font.getInk(0), mathbase::Box2());
-    EXPECT_EQ(drawn(std::string(1, '\0'), Font::ALIGN_LEFT), "nothing");
+    EXPECT_EQ(font.getInk(0), mathbase::Box2(0, 0, 10, 10));
+    EXPECT_EQ(drawn(std::string(1, '\0'), Font::ALIGN_LEFT), "100 95 109 104");
+}
+
+TEST_F(FontTest, WithNothingSolidAnotherEmptyCellHoldsTheWhiteSpot) {
+    writeImage("made.png", makeImage(16 * CELL, 16 * CELL, [](int x, int y) {
+                   return x / CELL == 3 && y / CELL == 1 ? 0u : 0xfe000000u; // byte 19 is empty
+               }));
+    load();
+    EXPECT_EQ(drawn(std::string(1, '\0'), Font::ALIGN_LEFT), "100 95 109 104");
+    EXPECT_EQ(drawn(std::string(1, '\x13'), Font::ALIGN_LEFT), "nothing");
+    EXPECT_EQ(font.getSolid(), Vector2f(35.0f / 160, 15.0f / 160));
     expectSolid();
 }
 

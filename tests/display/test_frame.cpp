@@ -49,6 +49,17 @@ TEST_F(Frame, InDeltaTimeGoesOnFromWhereItIsSet) {
     EXPECT_EQ(double(0.02f), display().getTime());
 }
 
+TEST_F(Frame, InDeltaWhatIsWrittenToTheTimeCounts) {
+    display().setFps(DisplayGL::FPS_DELTA, 25);
+    display().update();
+    display().mFpsLastTime = 10;
+    display().update();
+    EXPECT_EQ(double(10.04f), display().getTime());
+    display().mFps = 50;
+    display().update();
+    EXPECT_EQ(double(10.06f), display().getTime());
+}
+
 TEST_F(Frame, InDeltaARateThatMakesNoSenseStandsStill) {
     for (float fps : {0.0f, -25.0f, NAN, INFINITY, -INFINITY}) {
         display().setFps(DisplayGL::FPS_DELTA, fps);

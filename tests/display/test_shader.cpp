@@ -235,6 +235,34 @@ TEST_F(ShaderTest, EveryTypeOfUniform) {
     program.unbind();
 }
 
+TEST_F(ShaderTest, ASetThatThrowsLeavesNoProgramBound) {
+    link(program, VERTEX, FRAGMENT);
+    glEnable(0xFFFF); // a pending error
+    EXPECT_NE(thrownBy([&] { program.set("value", 1.0f); }), "nothing");
+    const auto uniform = __glewUniform1f;
+    __glewUniform1f = [](GLint, GLfloat) { glEnable(0xFFFF); };
+    EXPECT_NE(thrownBy([&] { program.set("value", 1.0f); }), "nothing");
+    __glewUniform1f = uniform;
+    EXPECT_FALSE(program.isBound());
+    GLint bound = -1;
+    glGetIntegerv(GL_CURRENT_PROGRAM, &bound);
+    EXPECT_EQ(bound, 0);
+}
+
+TEST_F(ShaderTest, AMaterialThatThrowsLeavesNoProgramBound) {
+    link(program, VERTEX, FRAGMENT);
+    Texture missing(&display());
+    missing.load("none.png", false);
+    Material material(&program);
+    material.set("missing", &missing);
+    EXPECT_NE(thrownBy([&] { material.bind(); }), "nothing");
+    EXPECT_FALSE(program.isBound());
+    GLint bound = -1;
+    glGetIntegerv(GL_CURRENT_PROGRAM, &bound);
+    EXPECT_EQ(bound, 0);
+    glActiveTexture(GL_TEXTURE0);
+}
+
 TEST_F(ShaderTest, TangentsHaveTheirSlotsAndAMissingAttributeAsserts) {
     link(program,
          "attribute vec4 other, tangent1_vs, tangent0_vs;\n"

@@ -339,6 +339,17 @@ TEST_F(TextureTest, AnImageWithoutPixelsIsAnEmptyTexture) {
     EXPECT_EQ(readTexture(GL_TEXTURE_2D).width, 4);
 }
 
+TEST_F(TextureTest, WithMipmapsAndNoImageWiderThanTheDriverTakesIsScaledDown) {
+    FakeLimits limits{{GL_MAX_TEXTURE_SIZE, 64}};
+    texture.load(am::Image(), true);
+    texture.setup(100000, 8, Texture::CHAN_RGBA, Texture::FORMAT_UINT8, Texture::TARGET_2D);
+    texture.bind();
+    GLint width = 0;
+    glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_WIDTH, &width);
+    EXPECT_EQ(width, 64);
+    texture.unbind();
+}
+
 TEST_F(TextureTest, GenerateMipmapsNeedsATextureAndMakesThem) {
     EXPECT_DEATH(texture.generateMipmaps(), "mInited==true");
     texture.load(halves(16, 16), false);

@@ -1,6 +1,7 @@
 // Opening, closing, full screen, and what the display says about itself.
 #include "dis_clock.h"
 #include "dis_display.h"
+#include "dis_texture.h"
 #include "glfw2.h"
 #include "input.h"
 #include "recorder.h"
@@ -9,6 +10,7 @@
 
 #include <cmath>
 #include <gtest/gtest.h>
+#include <memory>
 #include <regex>
 
 using namespace zentrak;
@@ -34,6 +36,26 @@ static std::string shownSize(Viewer& viewer) {
     return std::regex_search(text, match, std::regex("WIDTH=([0-9]+)\nHEIGHT=([0-9]+)"))
                ? match[1].str() + "x" + match[2].str()
                : text;
+}
+
+TEST(Window, ResourcesOfAnEarlierDisplayLeaveThoseOfALaterOneAlone) {
+    const auto make = [](DisplayGL& display) {
+        auto texture = std::make_unique<Texture>(&display);
+        texture->setup(4, 4, Texture::CHAN_RGBA, Texture::FORMAT_UINT8, Texture::TARGET_2D);
+        texture->bind();
+        return texture;
+    };
+    auto earlier = std::make_unique<DisplayGL>(WINDOW);
+    earlier->open();
+    auto old = make(*earlier);
+    earlier.reset();
+    DisplayGL later(WINDOW);
+    later.open();
+    const auto texture = make(later);
+    GLint name = 0;
+    glGetIntegerv(GL_TEXTURE_BINDING_2D, &name);
+    old.reset();
+    EXPECT_TRUE(glIsTexture(GLuint(name)));
 }
 
 TEST(Window, OpensClosesAndOpensAgainWithANewContext) {

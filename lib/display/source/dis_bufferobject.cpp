@@ -27,14 +27,15 @@ bool BufferObject::isSupported() {
     return DisplayGL::hasExtension("GL_ARB_vertex_buffer_object");
 }
 
-void BufferObject::initBO(GLenum target, int entitySize, int numEntities, void* data) {
+void BufferObject::initBO(GLenum target, int entitySize, int count, void* data) {
+    const GLsizeiptrARB numEntities = count; // as wide as its product with the size may be
     mEntitySize = entitySize;
-    mEntities = numEntities;
+    mEntities = count;
     mTarget = target;
     if (!isSupported()) {
         if (entitySize < 0 || numEntities < 0) {
             mEntities = 0;
-            throw Exception("BufferObject; A buffer of %d entries of %d bytes can not be made", numEntities,
+            throw Exception("BufferObject; A buffer of %d entries of %d bytes can not be made", count,
                             entitySize);
         }
         const size_t bytes = size_t(entitySize) * size_t(numEntities);
@@ -49,7 +50,7 @@ void BufferObject::initBO(GLenum target, int entitySize, int numEntities, void* 
     GL_CALL(glGenBuffersARB(1, &mID));
     mContext = currentContext();
     GL_CALL(glBindBufferARB(mTarget, mID));
-    GL_CALL(glBufferDataARB( mTarget, GLsizeiptrARB(mEntitySize)*mEntities, data, usage ));
+    GL_CALL(glBufferDataARB( mTarget, mEntitySize*numEntities, data, usage ));
     GL_CALL(glBindBufferARB(mTarget, 0));
 }
 
@@ -70,12 +71,16 @@ void BufferObject::unbind() {
 void* BufferObject::lock(bool write, bool read) {
     assert(write==true || read==true);
     assert(mBound);
-    mMapped = true;
-    if (!mID)
+    if (!mID) {
+        mMapped = true;
         return mCompPtr;
+    }
+    if (!mEntities || !mEntitySize)
+        return nullptr; // OpenGL maps no empty buffer
     const GLenum access = !write ? GL_READ_ONLY : read ? GL_READ_WRITE : GL_WRITE_ONLY;
     void* memory = nullptr;
     GL_CALL(memory = glMapBuffer(mTarget, access));
+    mMapped = memory != nullptr;
     return memory;
 }
 
@@ -95,35 +100,46 @@ bool BufferObject::inRange(int firstEntity, int numEntities) const {
            firstEntity <= mEntities - numEntities;
 }
 
-void BufferObject::replace(int firstEntity, int numEntities, void* data) {
+void BufferObject::replace(int first, int count, void* data) {
     assert(mBound);
-    if (!inRange(firstEntity, numEntities))
-        throw Exception("BufferObject; Entries %d and %d more are not in a buffer of %d", firstEntity,
-                        numEntities, mEntities);
-    if (!data || !numEntities)
+    if (!inRange(first, count))
+        throw Exception("BufferObject; Entries %d and %d more are not in a buffer of %d", first, count,
+                        mEntities);
+    if (!data || !count)
         return;
+    const GLintptr firstEntity = first, numEntities = count; // as wide as their products may be
     if (mID)
-        GL_CALL(glBufferSubData(mTarget, GLintptr(firstEntity)*mEntitySize, GLsizeiptr(numEntities)*mEntitySize, data));
+        GL_CALL(glBufferSubData(mTarget, firstEntity*mEntitySize, numEntities*mEntitySize, data));
     else
         std::memcpy(mCompPtr + size_t(firstEntity) * size_t(mEntitySize), data,
                     size_t(numEntities) * size_t(mEntitySize));
 }
 
 void BufferObject::clear() {
-    release();
+    struct Released {
+        BufferObject& buffer;
+        ~Released() { buffer.release(); }
+    } released{*this};
+    unmap();
+    if (mID && contextIsCurrent(mContext))
+        GL_CALL(glDeleteBuffersARB(1, &mID));
+}
+
+void BufferObject::unmap() noexcept {
+    if (mID && mMapped && contextIsCurrent(mContext)) {
+        glBindBufferARB(mTarget, mID);
+        glUnmapBuffer(mTarget);
+        if (!mBound)
+            glBindBufferARB(mTarget, 0);
+    }
+    mMapped = false;
 }
 
 // What clear does, without a check: it also ends the object's life.
 void BufferObject::release() noexcept {
-    if (mID && contextIsCurrent(mContext)) {
-        if (mMapped) {
-            glBindBufferARB(mTarget, mID);
-            glUnmapBuffer(mTarget);
-            if (!mBound)
-                glBindBufferARB(mTarget, 0);
-        }
-        glDeleteBuffersARB(1, &mID); // a bound name goes back to 0 with it
-    }
+    unmap();
+    if (mID && contextIsCurrent(mContext))
+        glDeleteBuffersARB(1, &mID); // a bound name goes back to 0 with it; one that is gone is ignored
     delete[] mCompPtr;
     mEntities = mEntitySize = 0;
     mID = 0;

@@ -5,11 +5,11 @@
 
 namespace zentrak::display {
 
-// The opening of the window that is current, counted as DisplayGL::mContextCount; 0 while there is none.
-// Names made under another number are gone, and may by now belong to something else: they are never deleted.
+// The opening of a window that is current (DisplayGL::getContext); 0 while there is none. Names made under
+// another number are gone, and may by now belong to something else: they are never deleted.
 inline int currentContext() {
     const DisplayGL* display = DisplayGL::currentDisplay;
-    return display && display->mOpened ? display->mContextCount : 0;
+    return display ? display->getContext() : 0;
 }
 
 inline bool contextIsCurrent(int context) {

@@ -19,7 +19,6 @@ std::vector<std::string> DisplayGL::sDeniedExtensions;
 
 static const int MAX_WINDOW_SIZE = 32767;   // what the window system can count, pixels a side
 static const int MAX_WINDOW_AREA = 1 << 28; // pixels; a picture of more does not get through to it
-static const double MAX_FRAME_WAIT = 10.0;  // seconds
 static const double SPIN_TIME = 0.005;      // seconds at the end of a wait that sleeping would not hit
 static const double ICONIFIED_FRAME = 1.0 / 60;
 
@@ -134,6 +133,8 @@ void DisplayGL::openWindow() {
                         mWindowMode.fullscreen ? GLFW_FULLSCREEN : GLFW_WINDOW))
         throw Exception("Could not open window");
     ++mContextCount;
+    static int openings = 0;
+    mContext = ++openings;
 
     // Without an X display, as under Wayland, only the extensions of GLX itself are missing, and none is
     // used.
@@ -251,8 +252,7 @@ void DisplayGL::setFps(FpsMode mode, float fps) {
 
 void DisplayGL::setLastTime(double t) {
     mFpsLastTime = float(t);
-    mDeltaStart = t;
-    mDeltaFrames = 0;
+    mDeltaTime = t;
 }
 
 // The frame step
@@ -334,7 +334,7 @@ void DisplayGL::drawListeners() {
 // Waits until a frame's time has passed since the last one: sleeping first, then on the spot. Never longer
 // than one frame from now, should the clock have been set back.
 void DisplayGL::paceFixed() {
-    const double period = mFps > 0 ? std::min(1.0 / mFps, MAX_FRAME_WAIT) : 0.0;
+    const double period = mFps > 0 ? 1.0 / mFps : 0.0;
     const double start = glfwGetTime();
     const double due = std::min(mFpsLastTime + period, start + period);
     const double rest = due - start - SPIN_TIME;
@@ -346,11 +346,14 @@ void DisplayGL::paceFixed() {
     setLastTime(now);
 }
 
-// The time is counted from whole frames: a sum of rounded steps would drift.
+// Adds to what the public field holds, but for its rounding: a sum of rounded steps would drift.
 void DisplayGL::stepDelta() {
-    ++mDeltaFrames;
-    if (mFps > 0)
-        mFpsLastTime = float(mDeltaStart + double(mDeltaFrames) / mFps);
+    if (!(mFps > 0))
+        return;
+    if (mFpsLastTime != float(mDeltaTime))
+        mDeltaTime = mFpsLastTime;
+    mDeltaTime += 1.0 / mFps;
+    mFpsLastTime = float(mDeltaTime);
 }
 
 void DisplayGL::countFrame() {

@@ -108,12 +108,12 @@ void FBO::init() {
         throw;
     }
     mSetup = true;
-    mContextCount = getDisplay()->mContextCount;
+    mContextCount = currentContext();
 }
 
 void FBO::bind() {
     assert(getDisplay());
-    if (mSetup && mContextCount != getDisplay()->mContextCount) {
+    if (mSetup && !contextIsCurrent(mContextCount)) {
         std::puts("Reloading fbo");
         mSetup = false;
         mFrameBuffer = 0;

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 
 namespace zentrak::display {
 
@@ -30,7 +31,7 @@ Font::Font(DisplayGL* display)
       mLetterWidth(1.0f / GRID),
       mLetterHeight(1.0f / GRID),
       mData(nullptr),
-      mSpotted(false),
+      mSpot(-1),
       mTexture(display) {}
 
 void Font::load(const std::string& filename, bool mipmaps, mathbase::Vector2f size) {
@@ -74,20 +75,34 @@ void Font::measureInk(const uint8_t* cell, mathbase::Box2& ink) const {
                              float(bottom) * mUnitSizeY);
 }
 
-// Finds or makes a spot that is opaque: one in the middle of the cell of byte 0, where that is empty and is
-// not drawn then; else the first in the picture. Where there is none either, byte 0 loses its glyph.
+// Finds a spot that is opaque, or makes one in an empty cell, which is not drawn then. Byte 0, which texts
+// don't hold, comes first.
 void Font::placeSolid(uint8_t* pixels) {
     const auto isEmpty = [](const mathbase::Box2& ink) { return ink.x1 == ink.x2; };
+    mSpot = -1;
     if (!isEmpty(mInk[0]) && findSolid(pixels))
         return;
-    mInk[0] = mathbase::Box2();
-    mSpotted = true;
+    const auto* const empty = std::find_if(std::begin(mInk), std::end(mInk), isEmpty);
+    if (empty == std::end(mInk))
+        return findMostSolid(pixels);
     const int width = std::min(SPOT, mCharWidth), height = std::min(SPOT, mCharHeight);
-    const int left = (mCharWidth - width) / 2, top = (mCharHeight - height) / 2;
+    if (width == 0 || height == 0)
+        return;
+    mSpot = int(empty - mInk);
+    const int left = mSpot % GRID * mCharWidth + (mCharWidth - width) / 2;
+    const int top = mSpot / GRID * mCharHeight + (mCharHeight - height) / 2;
     for (int y = top; y < top + height; ++y)
         std::memset(pixels + (size_t(y) * mWidth + size_t(left)) * 4, 0xFF, size_t(width) * 4);
-    if (width > 0 && height > 0)
-        setSolid(left, top, width, height);
+    setSolid(left, top, width, height);
+}
+
+// The pixel with the most alpha: no glyph is given up for the spot.
+void Font::findMostSolid(const uint8_t* pixels) {
+    size_t best = 0;
+    for (size_t i = 0; i < size_t(mWidth) * mHeight; ++i)
+        if (pixels[i * 4 + 3] > pixels[best * 4 + 3])
+            best = i;
+    setSolid(int(best % mWidth), int(best / mWidth), 1, 1);
 }
 
 // The middle of two by two pixels, which is looked up from these alone.
@@ -163,7 +178,7 @@ void Font::draw(const std::string& text, mathbase::Vector2f scale, mathbase::Vec
     for (const char character : text) {
         const uint8_t c = uint8_t(character);
         const Cell cell = getCell(c);
-        if (c || !mSpotted) {
+        if (c != mSpot) {
             corner(cell.s0, cell.t1, x, -0.5f * h);
             corner(cell.s1, cell.t1, x + width, -0.5f * h);
             corner(cell.s1, cell.t0, x + width, 0.5f * h);

@@ -53,8 +53,13 @@ void Material::bind() {
     assert(mProgram);
     mProgram->bind();
     int usedTextureChannels = 0;
-    for (const auto& [name, attrib] : mAttribs)
-        attrib->set(name, *mProgram, usedTextureChannels);
+    try {
+        for (const auto& [name, attrib] : mAttribs)
+            attrib->set(name, *mProgram, usedTextureChannels);
+    } catch (...) {
+        mProgram->release();
+        throw;
+    }
 }
 
 void Material::unbind() {

@@ -45,7 +45,7 @@ void Shader::compile(const char* filename, const std::string& prefix) {
     compile(reinterpret_cast<const unsigned char*>(text.data()), int(text.size()), name);
 }
 
-void Shader::compile(const unsigned char* data, int length, const char* name) {
+void Shader::compile(const unsigned char* data, int size, const char* name) {
     assert(data);
     requireShaders();
     if (mHandle == 0 || !contextIsCurrent(mContext)) {
@@ -53,20 +53,20 @@ void Shader::compile(const unsigned char* data, int length, const char* name) {
         mContext = currentContext();
     }
     const GLchar* dataBajs = reinterpret_cast<const GLchar*>(data);
-    GLint dataLength = std::max(length, 0);
+    GLint dataLength = std::max(size, 0);
     GLint compiled = 0, maxLength = 0;
-    GLsizei messageLength = 0;
+    GLsizei length = 0;
     GL_CALL(glShaderSource(mHandle, 1, &dataBajs, (const GLint*) &dataLength));
     GL_CALL(glCompileShader(mHandle));
     GL_CALL(glGetShaderiv(mHandle, GL_COMPILE_STATUS, &compiled));
     GL_CALL(glGetShaderiv(mHandle, GL_INFO_LOG_LENGTH, &maxLength));
     std::vector<GLchar> compileMessage(size_t(std::max(maxLength, 0)) + 1);
-    GL_CALL(glGetShaderInfoLog(mHandle, maxLength, &messageLength, &compileMessage[0]));
+    GL_CALL(glGetShaderInfoLog(mHandle, maxLength, &length, &compileMessage[0]));
     const char* shown = name ? name : "";
     if (!compiled)
         throw Exception("Could not compile '%s'.\nCompile message:\n%s", shown, &compileMessage[0]);
-    if (messageLength > 0)
-        ZTK_LOG("info", "display", "Shader '%s' compiled with message (%d chars):\n%s", shown, messageLength,
+    if (length > 0)
+        ZTK_LOG("info", "display", "Shader '%s' compiled with message (%d chars):\n%s", shown, length,
                 &compileMessage[0]);
 }
 
@@ -148,7 +148,12 @@ void ShaderProgram::bind() {
     assert(mHandle);
     assert(mLinked);
     assert(!mBound);
-    GL_CALL(glUseProgram(mHandle));
+    try {
+        GL_CALL(glUseProgram(mHandle));
+    } catch (...) { // an error was pending
+        glUseProgram(0);
+        throw;
+    }
     mBound = true;
 }
 
@@ -169,6 +174,11 @@ GLint ShaderProgram::getAttrib(const std::string& name) const {
     return res;
 }
 
+void ShaderProgram::release() noexcept {
+    glUseProgram(0);
+    mBound = false;
+}
+
 // Looks the uniform up and uploads its value, with the program bound for as long as that takes.
 template <class Upload>
 void ShaderProgram::setUniform(const std::string& name, Upload upload) {
@@ -176,9 +186,15 @@ void ShaderProgram::setUniform(const std::string& name, Upload upload) {
     const bool borrowed = !mBound;
     if (borrowed)
         bind();
-    GLint location = -1;
-    GL_CALL(location = glGetUniformLocation(mHandle, name.c_str()));
-    upload(location);
+    try {
+        GLint location = -1;
+        GL_CALL(location = glGetUniformLocation(mHandle, name.c_str()));
+        upload(location);
+    } catch (...) {
+        if (borrowed)
+            release();
+        throw;
+    }
     if (borrowed)
         unbind();
 }

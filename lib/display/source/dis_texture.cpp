@@ -97,7 +97,7 @@ std::string Texture::sourceName() const {
 
 void Texture::bind(int side) {
     assert(getDisplay());
-    if (!mInited || mContextCount != getDisplay()->mContextCount) {
+    if (!mInited || !contextIsCurrent(mContextCount)) {
         ZTK_LOG("info", "display", "Reloading texture from '%s'.",
                 mLoadFilename.empty() ? "am::Image" : mLoadFilename.c_str());
         mInited = false;
@@ -169,7 +169,7 @@ void Texture::init() {
         throw;
     }
     mInited = true;
-    mContextCount = getDisplay()->mContextCount;
+    mContextCount = currentContext();
     GL_CALL(glBindTexture(mTarget, 0));
     if (!mLoadFilename.empty())
         mLoadImage.release();
@@ -278,11 +278,16 @@ void Texture::bindAndLoadImage(const am::Image& image, GLenum target, GLenum int
     GLenum dataFormat = GL_BGRA, dataType = GL_UNSIGNED_BYTE;
     const void* data = nullptr;
     std::vector<uint32_t> region, scaled;
+    int uploadWidth = mWidth, uploadHeight = mHeight;
     if (image.isNull()) {
         GLint most = 0;
         GL_CALL(glGetIntegerv(GL_MAX_TEXTURE_SIZE, &most));
-        if (mWidth > 0 && mHeight > 0 && mWidth <= most && mHeight <= most)
-            region.assign(size_t(mWidth) * size_t(mHeight), 0);
+        if (mMipmaps) { // which are scaled down to what the driver takes, and zeros scale to zeros
+            uploadWidth = std::min(mWidth, most);
+            uploadHeight = std::min(mHeight, most);
+        }
+        if (uploadWidth > 0 && uploadHeight > 0 && uploadWidth <= most && uploadHeight <= most)
+            region.assign(size_t(uploadWidth) * size_t(uploadHeight), 0);
         data = region.data(); // sizes that OpenGL refuses need no pixels
         if (mChannels == CHAN_DEPTH) {
             dataFormat = GL_DEPTH_COMPONENT;
@@ -319,9 +324,10 @@ void Texture::bindAndLoadImage(const am::Image& image, GLenum target, GLenum int
 
     GLint error = 0;
     if (mMipmaps && mTarget == TARGET_1D)
-        error = gluBuild1DMipmaps(target, GLint(internal), mWidth, dataFormat, dataType, data);
+        error = gluBuild1DMipmaps(target, GLint(internal), uploadWidth, dataFormat, dataType, data);
     else if (mMipmaps)
-        error = gluBuild2DMipmaps(target, GLint(internal), mWidth, mHeight, dataFormat, dataType, data);
+        error =
+            gluBuild2DMipmaps(target, GLint(internal), uploadWidth, uploadHeight, dataFormat, dataType, data);
     else if (mTarget == TARGET_1D)
         GL_CALL(glTexImage1D(target, 0, GLint(internal), mWidth, 0, dataFormat, dataType, data));
     else

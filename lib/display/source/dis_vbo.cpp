@@ -91,10 +91,12 @@ void VBO::bind() {
             GL_CALL(glClientActiveTexture(GL_TEXTURE0));
             offset += VertexDef::channelsSize(uv);
         }
-    for (int i = 0; i < VertexDef::VAS; ++i)
+    for (GLuint i = 0; i < VertexDef::VAS; ++i)
         if (const VertexDef::CHANNEL va = mFormat->va[i]; VertexDef::present(va)) {
-            GL_CALL(glEnableVertexAttribArrayARB(FIRST_ATTRIB + GLuint(i)));
-            GL_CALL(glVertexAttribPointerARB(FIRST_ATTRIB + GLuint(i), VertexDef::channels(va), VertexDef::channelGL(va), false, mFormat->size, offset));
+            const GLint numChannels = VertexDef::channels(va);
+            const GLenum type = VertexDef::channelGL(va);
+            GL_CALL(glEnableVertexAttribArrayARB(6 + i));
+            GL_CALL(glVertexAttribPointerARB(6 + i, numChannels, type, false, mFormat->size, offset));
             offset += VertexDef::channelsSize(va);
         }
 }
