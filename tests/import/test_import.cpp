@@ -91,6 +91,21 @@ std::string floats(const std::vector<float>& values) {
     return bytes;
 }
 
+// A node that moves to 1, 1, 1 and 3, 3, 3 at the seconds 1 and 2.
+std::string movingNode(const std::string& interpolation, const std::vector<float>& values) {
+    const std::string data = floats({0, 1, 2}) + floats(values);
+    return R"({"asset":{"version":"2.0"},"scene":0,"scenes":[{"nodes":[0]}],"nodes":[{"name":"lamp \"A\""}],
+        "buffers":[{"byteLength":)" +
+           std::to_string(data.size()) + R"(,"uri":"data:application/octet-stream;base64,)" + base64(data) +
+           R"("}],"bufferViews":[{"buffer":0,"byteLength":12},{"buffer":0,"byteOffset":12,"byteLength":)" +
+           std::to_string(data.size() - 12) + R"(}],
+        "accessors":[{"bufferView":0,"componentType":5126,"count":3,"type":"SCALAR","min":[0],"max":[2]},
+            {"bufferView":1,"componentType":5126,"count":)" +
+           std::to_string(values.size() / 3) + R"(,"type":"VEC3"}],
+        "animations":[{"samplers":[{"input":0,"output":1,"interpolation":")" +
+           interpolation + R"("}],"channels":[{"sampler":0,"target":{"node":0,"path":"translation"}}]}]})";
+}
+
 // A camera on an arm of 3 units that turns about y, a quarter a second.
 std::string turningCamera() {
     const float half = float(std::numbers::sqrt2 / 2);
@@ -300,6 +315,27 @@ TEST(Import, AJumpOfTheKeysStaysAJump) {
     EXPECT_NEAR(2.0f, rotation.mY.getValue(1.001f), 1e-5f);
     for (size_t i = 1; i < position.mX.mKeys.size(); ++i)
         EXPECT_LT(position.mX.mKeys[i - 1].mTime, position.mX.mKeys[i].mTime);
+}
+
+TEST(Import, KeysOfGltfAreJoinedAsTheyAskFor) {
+    const test::TempDir folder;
+    const auto positionOf = [&](const Conversion& conversion, float time) {
+        const auto manager = load(conversion);
+        return manager->mScenes[0]->mChildren.back()->mPosition.getValue(time);
+    };
+    test::writeFile(folder.file("step.gltf"), movingNode("STEP", {0, 0, 0, 1, 1, 1, 3, 3, 3}));
+    const Conversion step = import(folder.file("step.gltf"));
+    EXPECT_TRUE(step.losses.empty());
+    EXPECT_NEAR(0.0f, positionOf(step, 0.99f).y, 1e-5f);
+    EXPECT_NEAR(1.0f, positionOf(step, 1.01f).y, 1e-5f);
+    EXPECT_NEAR(1.0f, positionOf(step, 1.99f).y, 1e-5f);
+    EXPECT_NEAR(3.0f, positionOf(step, 2.01f).y, 1e-5f);
+    test::writeFile(folder.file("line.gltf"), movingNode("LINEAR", {0, 0, 0, 1, 1, 1, 3, 3, 3}));
+    EXPECT_NEAR(0.5f, positionOf(import(folder.file("line.gltf")), 0.5f).y, 1e-5f);
+    const std::vector<float> curve = {0, 0, 0,  0, 0, 0, 0, 9, 0, 0, 9, 0, 1, 1,
+                                      1, 0, -9, 0, 0, 0, 0, 3, 3, 3, 0, 0, 0};
+    test::writeFile(folder.file("curve.gltf"), movingNode("CUBICSPLINE", curve));
+    EXPECT_TRUE(contains(import(folder.file("curve.gltf")).losses, "it moves on curves between its keys"));
 }
 
 TEST(Import, WhatRepeatsRepeatsAndWhatCantIsSaid) {

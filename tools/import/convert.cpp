@@ -381,6 +381,8 @@ private:
             std::vector<std::string> losses;
             if (mChannels[number]->disordered)
                 losses.push_back("its keys are in disorder: they are taken by their times");
+            if (mChannels[number]->curved)
+                losses.push_back("it moves on curves between its keys: in straight lines now");
             setTracks(*mChannels[number], mSpace, outer->mPosition, outer->mRotation, outer->mScale, losses);
             for (const std::string& loss : losses)
                 lose(node, loss);

@@ -94,6 +94,7 @@ struct Channel {
     std::vector<QuaternionKey> rotations;
     Beyond before = Beyond::HOLD, after = Beyond::HOLD;
     uint8_t disordered = 0; // the keys had to be sorted
+    uint8_t curved = 0;     // between keys, which is lost
 };
 
 struct Animation {

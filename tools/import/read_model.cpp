@@ -1,6 +1,7 @@
 #include "import/read_model.h"
 
 #include "import/child.h"
+#include "import/gltf_modes.h"
 #include "import/transfer.h"
 
 #include <algorithm>
@@ -273,6 +274,34 @@ Animation toAnimation(const aiAnimation& source) {
     return animation;
 }
 
+// Each value stays until the next key.
+template <class Key>
+void hold(std::vector<Key>& keys) {
+    std::vector<Key> held;
+    for (const Key& key : keys) {
+        if (!held.empty())
+            held.push_back({key.time, held.back().value});
+        held.push_back(key);
+    }
+    keys = held;
+}
+
+void setKeyModes(const std::vector<KeyModes>& modes, Animation& animation) {
+    for (const KeyModes& mode : modes)
+        for (Channel& channel : animation.channels) {
+            if (channel.node != mode.node)
+                continue;
+            if (mode.mode == KeyMode::CUBIC)
+                channel.curved = 1;
+            else if (mode.path == "translation")
+                hold(channel.positions);
+            else if (mode.path == "rotation")
+                hold(channel.rotations);
+            else if (mode.path == "scale")
+                hold(channel.scales);
+        }
+}
+
 // Only FBX says how it lies; the readers of the other formats turn the root themselves.
 void setAxes(const aiScene& scene, Model& model) {
     if (!scene.mMetaData)
@@ -327,6 +356,11 @@ Model read(const std::string& path) {
     addCameras(*scene, model);
     for (unsigned i = 0; i < scene->mNumAnimations; ++i)
         model.animations.push_back(toAnimation(*scene->mAnimations[i]));
+    if (model.format.find("glTF2") != std::string::npos && !model.animations.empty()) {
+        const auto modes = readKeyModes(path);
+        for (size_t i = 0; i < std::min(modes.size(), model.animations.size()); ++i)
+            setKeyModes(modes[i], model.animations[i]);
+    }
     return model;
 }
 

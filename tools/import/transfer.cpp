@@ -131,7 +131,7 @@ void fields(S& s, LightData& l) {
 
 template <class S>
 void fields(S& s, Channel& c) {
-    s(c.node, c.positions, c.scales, c.rotations, c.before, c.after, c.disordered);
+    s(c.node, c.positions, c.scales, c.rotations, c.before, c.after, c.disordered, c.curved);
 }
 
 template <class S>

@@ -62,7 +62,7 @@ std::string count(size_t number, const char* what) {
 }
 
 std::string vectorText(const char* name, const Vector3f& v) {
-    return text("%-9s %.3f  %.3f  %.3f", name, double(v.x), double(v.y), double(v.z));
+    return text("%s: %.3f, %.3f, %.3f", name, double(v.x), double(v.y), double(v.z));
 }
 
 void setInk(Control& control, const Vector4f& color) {
@@ -314,10 +314,10 @@ void Viewer::updateDetails() {
         lines.push_back(vectorText("turn", node.mRotation.getValue(mTime).angles));
         lines.push_back(vectorText("scale", node.mScale.getValue(mTime)));
         if (const auto* const camera = dynamic_cast<const o3d::Camera*>(&node))
-            lines.push_back(text("angle     %.1f degrees",
-                                 double(camera->mAngle.getValue(mTime)) * 180 / std::numbers::pi));
+            lines.push_back(
+                text("angle: %.1f degrees", double(camera->mAngle.getValue(mTime)) * 180 / std::numbers::pi));
         if (const auto* const instance = dynamic_cast<const o3d::MeshInstance*>(&node))
-            lines.push_back("mesh      " + instance->mMeshName);
+            lines.push_back("mesh: " + instance->mMeshName);
         lines.push_back(node.isStatic() ? "stands still"
                                         : text("moves until %.2f s", double(node.getAnimationLength())));
     }
@@ -598,7 +598,6 @@ void Viewer::drawSelection() {
     if (mSelected <= 0 || mSelected >= int(mLoaded->mRows.size()))
         return;
     Vector3f low, high;
-    const float size = std::max((mLoaded->mHigh - mLoaded->mLow).length(), 1e-3f);
     if (mLoaded->getBox(size_t(mSelected), mTime, low, high)) {
         glColor4f(1, 0.76f, 0.36f, 0.9f);
         glBegin(GL_LINES);
@@ -611,13 +610,14 @@ void Viewer::drawSelection() {
     }
     const Matrix4x4Col world = mLoaded->getWorld(size_t(mSelected), mTime);
     const Vector3f origin(world.mData[12], world.mData[13], world.mData[14]);
+    const float away = (display->mCameraMatrix * origin).length();
     glDisable(GL_DEPTH_TEST);
     glBegin(GL_LINES);
     for (int i = 0; i < 3; ++i) {
         Vector3f axis(world.mData[i * 4], world.mData[i * 4 + 1], world.mData[i * 4 + 2]);
         if (!(axis.length() > 0))
             continue;
-        const Vector3f end = origin + axis.getNormalized() * (size * 0.07f);
+        const Vector3f end = origin + axis.getNormalized() * (away * 0.1f);
         glColor4f(i == 0 ? 1 : 0.3f, i == 1 ? 1 : 0.3f, i == 2 ? 1 : 0.35f, 1);
         glVertex3f(origin.x, origin.y, origin.z);
         glVertex3f(end.x, end.y, end.z);
@@ -645,8 +645,10 @@ void Viewer::onDraw() {
     if (mFill != EDGES) {
         setLights();
         glEnable(GL_LIGHTING);
-        glEnable(GL_POLYGON_OFFSET_FILL);
-        glPolygonOffset(1, 1);
+        // Makes room for the edges, and more of it than there has to be shows at corners.
+        if (mFill == SHADED_AND_EDGES)
+            glEnable(GL_POLYGON_OFFSET_FILL);
+        glPolygonOffset(0.5f, 1);
         glPointSize(2);
         mLoaded->draw(LoadedScene::FILLED, mTime, 0);
         glDisable(GL_POLYGON_OFFSET_FILL);
