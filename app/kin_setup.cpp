@@ -6,6 +6,7 @@
 #include "xml_iterator.h"
 #include "xml_parser.h"
 #include "ztk_system.h"
+#include "ztk_text.h"
 
 #include <algorithm>
 #include <climits>
@@ -22,10 +23,6 @@ constexpr const char* DEFAULT_FILE = "setup.xml";
 
 int toInt(const std::string& text) {
     return int(std::clamp(strtol(text.c_str(), nullptr, 0), long(INT_MIN), long(INT_MAX)));
-}
-
-float toFloat(const std::string& text) {
-    return float(atof(text.c_str()));
 }
 
 // Towards 0; clamped to the range of int, and 0 for NaN.
@@ -97,7 +94,7 @@ void Kindler::setup() {
         return;
 
     for (xml::Iterator it = parser.createIterator("time"); ++it;) {
-        mStartTime = toFloat(it->getValue("start"));
+        mStartTime = float(toNumber(it->getValue("start")));
         if (it->getValue("loop") == "on")
             mLoop = true;
     }
@@ -118,7 +115,7 @@ void Kindler::setup() {
         if (it->getValue("show") != "on")
             mOsdShow = false;
         mOsdLocation = location == "middle" ? 1 : location == "bottom" ? 2 : 0;
-        mOsdDelay = toFloat(it->getValue("delay"));
+        mOsdDelay = float(toNumber(it->getValue("delay")));
         if (mOsdDelay == 0.0f)
             mOsdDelay = 2.0f;
     }
@@ -141,7 +138,7 @@ void Kindler::setup() {
         std::string target = it->getValue("name");
         if (target.empty())
             target = "untitled";
-        mDumpRate = rate.empty() ? 60.0f : toFloat(rate);
+        mDumpRate = rate.empty() ? 60.0f : float(toNumber(rate));
         am::VideoFile::Format format;
         format.mRate = truncate(mDumpRate);
         format.mScale = 1;

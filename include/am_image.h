@@ -7,8 +7,7 @@ namespace zentrak::am {
 
 class ImageManager;
 
-// A block of pixels: 4 bytes each in the order blue, green, red, alpha, rows from the top, each directly
-// behind the last.
+// A block of pixels: 4 bytes each in the order blue, green, red, alpha; rows from the top, without padding.
 class ImageObject {
 public:
     ImageObject() = default;
@@ -21,8 +20,8 @@ public:
     const std::string& getId() const { return mId; }
     void setId(const std::string& id) { mId = id; }
 
-    // Sets the size and gives the image new pixels for it, all zero; none, and the size 0 by 0 for a negative
-    // side, when either side is 0.
+    // Sets the size and makes new pixels, all zero. With a side of 0 there are none; with a negative one the
+    // size becomes 0 by 0.
     void resize(int width, int height);
 
     // Takes over an array of width * height * 4 bytes made with new[], or null; the old one is freed. The
@@ -56,8 +55,8 @@ public:
     void addRef() { ++mRef; }
     int getRef() const { return mRef; }
 
-    // Gives one reference back. When the cache's is the only one left, the image leaves the cache; when none
-    // is left, the object and this counter are deleted.
+    // Drops a reference. When only the cache's is left, the image leaves the cache; when none is left, the
+    // object and this counter are deleted.
     void decRef(ImageObject* object);
 
     ImageObject* getObject() const { return mObject; }

@@ -1,4 +1,4 @@
-// Holds the place of a TGA reader, so that a failure says so.
+// Stands in for a TGA reader, so that the failure says that there is none.
 #pragma once
 
 #include "am_imagecodec.h"

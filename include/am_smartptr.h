@@ -1,4 +1,4 @@
-// A counted pointer whose count lies beside the object, in a block of its own.
+// A counted pointer whose count is in a block of its own, apart from the object.
 #pragma once
 
 #include <memory>
@@ -21,7 +21,7 @@ private:
     unsigned long mRefCount = 1;
 };
 
-// Shares one object on the heap; the last pointer that goes deletes it.
+// Shares one object on the heap; the last pointer to be destroyed deletes it.
 template <class T, class Count = TRefCount<T>>
 class TSmartPtr {
 public:
@@ -63,7 +63,7 @@ public:
             destroy(block);
     }
 
-    // One more reference, which somebody has to give back; nothing for an empty pointer.
+    // Adds a reference that the caller has to drop again; nothing for an empty pointer.
     void addRef() {
         if (mBlock)
             mBlock->mCount.addRef();

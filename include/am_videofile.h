@@ -32,7 +32,7 @@ public:
                               ArchiveManager* archive); // false
 
     virtual void attach(Image& image); // the image that readFrame fills and writeFrame writes
-    virtual void close();              // lets go of image and archive
+    virtual void close();              // drops image and archive
 
     virtual int getWidth() const;  // 0 until opened
     virtual int getHeight() const; // 0 until opened
@@ -46,7 +46,7 @@ public:
     static VideoFile* createForRead(const unsigned char* data, int length);
 
 protected:
-    static VideoFile* getImpl(int index); // a new object, or null behind the last implementation
+    static VideoFile* getImpl(int index); // a new object, or null past the last implementation
 };
 
 static_assert(sizeof(VideoFile::Format) == 16);

@@ -1,4 +1,4 @@
-// Walks a stream of nested chunks that lies whole in memory.
+// Walks a stream of nested chunks in memory.
 #pragma once
 
 #include <cstdint>

@@ -36,8 +36,8 @@ public:
     void openChunk(unsigned short pId);
     void closeChunk();
 
-    // Both copy `pLength` bytes to the end of the stream, or over what stands at `pPosition`. Where those
-    // bytes do not lie in the stream, store() does nothing and storeType() asserts.
+    // Both copy `pLength` bytes to the end of the stream, or overwrite those at `pPosition`. Where that is
+    // outside the stream, store() does nothing and storeType() asserts.
     void store(const void* pData, size_t pLength, uint32_t pPosition = APPEND);
     void storeType(const void* pData, size_t pLength, uint32_t pPosition = APPEND);
 

@@ -12,9 +12,9 @@
 
 namespace zentrak::gimli {
 
-// One buffer of vertices (display::VertexP3N3T2A4A4) and one of indices for all Submeshes, one behind the
-// other. It keeps nothing of the o3d::Mesh that it was loaded from. A context that goes takes the buffers
-// with it: load again after the window was opened anew.
+// One buffer of vertices (display::VertexP3N3T2A4A4) and one of indices for all Submeshes, one after the
+// other. The o3d::Mesh is not needed after loading. The buffers are lost with their context: load again after
+// the window was reopened.
 class Mesh {
 public:
     // What one Submesh takes of the buffers. One without triangles or without indices takes nothing.
@@ -38,7 +38,7 @@ public:
 
     explicit Mesh(display::DisplayGL* display);
 
-    // Makes the buffers, in place of older ones. The first form makes the normals that are missing: see
+    // Makes the buffers, replacing older ones. The first form makes missing normals: see
     // o3d::Mesh::addNormals for what that throws and asserts. With the second, normals that are missing are a
     // warning and undefined. The number plays no part. Needs the window to be open; asserts "mDisplay!=0" and
     // "uv!=0". Throws what o3d::Mesh::checkIndices throws, and an Exception with the mesh's name where the
@@ -47,7 +47,7 @@ public:
     void load(const o3d::Mesh* mesh, int);
 
     // Nothing for an index that there is not, and for a Submesh that takes nothing. The buffers stay the
-    // display's current ones. The second form takes `mode` in place of the Submesh's own.
+    // display's current ones. The second form uses `mode` instead of the Submesh's own.
     void drawSubmesh(int index);
     void drawSubmesh(int index, unsigned int mode);
     void superDraw(); // all of them, in order

@@ -3,6 +3,6 @@
 
 #include <cassert>
 
-// As assert, but the failure is reported under `text`, `file` and `line` instead of this place.
+// As assert, but the failure is reported with `text`, `file` and `line` instead of its own.
 #define MB_ASSERT_AT(expression, text, file, line)                                                           \
     (bool(expression) ? void() : __assert_fail(text, file, line, __func__))

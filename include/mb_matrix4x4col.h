@@ -1,5 +1,5 @@
-// A 4 x 4 matrix in the order that OpenGL takes: element (row r, column c) is mData[c * 4 + r]. Vectors are
-// columns, so that in A x B the right one works first. Angles are radians.
+// A 4 x 4 matrix, stored column by column as OpenGL takes it: element (row r, column c) is mData[c * 4 + r].
+// Vectors are columns, so A x B applies B first. Angles are in radians.
 #pragma once
 
 #include "mb_quat.h"
@@ -21,7 +21,7 @@ struct Matrix4x4Col {
     constexpr void setIdentity() { setDiagonal(1, 1, 1, 1); }
     constexpr void setZero() { setDiagonal(0, 0, 0, 0); }
 
-    // Rotations about one axis. X and Z are right-handed; Y turns the other way, and is meant to.
+    // Rotations about one axis. X and Z are right-handed; Y turns the other way, on purpose.
     void setRotX(float angle) {
         const float c = cosf(angle), s = sinf(angle);
         setDiagonal(1, c, c, 1);
@@ -126,7 +126,7 @@ struct Matrix4x4Col {
         rotation.setRotZ(-roll);
         multiplyFromLeft(rotation);
     }
-    // The inverse of setCamera's matrix: the columns are the camera's right, up, backward and place.
+    // The inverse of setCamera's matrix: the columns are the camera's right, up, backward and position.
     void setCameraInv(const Vector3f& eye, const Vector3f& target, float roll) {
         const CameraFrame frame(eye, target);
         setColumn(0, frame.side.x, frame.side.y, frame.side.z, 0);
@@ -201,7 +201,7 @@ struct Matrix4x4Col {
     constexpr Vector3f operator*(const Vector3f& v) const { return multiply(v); }
     constexpr Vector4f operator*(const Vector4f& v) const { return multiply(v); }
 
-    // A direction: the upper left 3 x 3 alone, and the same transposed.
+    // A direction: by the upper left 3 x 3 only, and by its transpose.
     constexpr Vector3f multiplyVector(const Vector3f& v) const {
         return Vector3f(mData[0] * v.x + mData[4] * v.y + mData[8] * v.z,
                         mData[1] * v.x + mData[5] * v.y + mData[9] * v.z,
@@ -277,10 +277,10 @@ private:
 
     // Columns 0 to 2.
     constexpr void setRotationPart(const Quatf& q) {
-        const float w = q.w, x = q.x, y = q.y, z = q.z;
-        setColumn(0, 1.0f - 2.0f * (y * y + z * z), 2.0f * (x * y + w * z), 2.0f * (x * z - w * y), 0);
-        setColumn(1, 2.0f * (x * y - w * z), 1.0f - 2.0f * (z * z + x * x), 2.0f * (y * z + w * x), 0);
-        setColumn(2, 2.0f * (x * z + w * y), 2.0f * (y * z - w * x), 1.0f - 2.0f * (x * x + y * y), 0);
+        for (int c = 0; c < 3; ++c) {
+            const Vector3f column = q.getColumn(c);
+            setColumn(c, column.x, column.y, column.z, 0);
+        }
     }
 
     static constexpr Matrix4x4Col product(const Matrix4x4Col& a, const Matrix4x4Col& b) {
@@ -297,17 +297,5 @@ private:
 };
 
 using MatrixGL = Matrix4x4Col;
-
-inline Vector3f Quatf::operator*(const Vector3f& v) const {
-    Matrix4x4Col rotation;
-    rotation.setRot(*this);
-    return rotation.multiply(v);
-}
-
-inline Vector4f Quatf::operator*(const Vector4f& v) const {
-    Matrix4x4Col rotation;
-    rotation.setRot(*this);
-    return rotation.multiply(v);
-}
 
 } // namespace zentrak::mathbase

@@ -1,4 +1,4 @@
-// A quaternion, w first. One of unit length is a rotation, right-handed about its axis; angles are radians.
+// A quaternion, w first. One of unit length is a right-handed rotation about its axis. Angles are in radians.
 #pragma once
 
 #include "mb_assert.h"
@@ -28,8 +28,8 @@ struct Quatf {
         return *this;
     }
 
-    // The product of the rotations about the three axes, left to right as the order spells. Asserts that the
-    // order is one of the six.
+    // The product of the rotations about the three axes, in the order's spelling: XYZ is Rx x Ry x Rz, which
+    // turns about z first. Asserts that the order is one of the six.
     void setEuler(const Eulerf& euler) {
         const float halfX = euler.angles.x * 0.5f;
         const float halfY = euler.angles.y * 0.5f;
@@ -96,7 +96,7 @@ struct Quatf {
         axis = s != 0 ? Vector3f(x / s, y / s, z / s) : Vector3f(1, 0, 0);
     }
 
-    // As a vector of four numbers.
+    // Component by component.
     constexpr Quatf operator+(const Quatf& q) const { return Quatf(w + q.w, x + q.x, y + q.y, z + q.z); }
     constexpr Quatf operator-(const Quatf& q) const { return Quatf(w - q.w, x - q.x, y - q.y, z - q.z); }
     constexpr Quatf operator*(float s) const { return Quatf(w * s, x * s, y * s, z * s); }
@@ -114,14 +114,28 @@ struct Quatf {
     }
     constexpr Quatf& operator*=(const Quatf& q) { return *this = *this * q; }
 
-    // Rotates the vector, by way of the rotation's matrix; w of a Vector4f stays as it is.
-    Vector3f operator*(const Vector3f& v) const;
-    Vector4f operator*(const Vector4f& v) const;
+    // Column 0, 1 or 2 of the 3 x 3 matrix of the rotation.
+    constexpr Vector3f getColumn(int i) const {
+        if (i == 0)
+            return Vector3f(1.0f - 2.0f * (y * y + z * z), 2.0f * (x * y + w * z), 2.0f * (x * z - w * y));
+        if (i == 1)
+            return Vector3f(2.0f * (x * y - w * z), 1.0f - 2.0f * (z * z + x * x), 2.0f * (y * z + w * x));
+        return Vector3f(2.0f * (x * z + w * y), 2.0f * (y * z - w * x), 1.0f - 2.0f * (x * x + y * y));
+    }
+
+    // The rotated vector; w of a Vector4f is unchanged.
+    constexpr Vector3f operator*(const Vector3f& v) const {
+        return getColumn(0) * v.x + getColumn(1) * v.y + getColumn(2) * v.z;
+    }
+    constexpr Vector4f operator*(const Vector4f& v) const {
+        const Vector3f turned = *this * Vector3f(v.x, v.y, v.z);
+        return Vector4f(turned.x, turned.y, turned.z, v.w);
+    }
 
     float length() const { return sqrtf(length2()); }
     constexpr float length2() const { return w * w + x * x + y * y + z * z; }
 
-    // Makes it one long. Asserts that it has a length.
+    // Scales it to unit length. Asserts "length!=0".
     void normalize() {
         const float length = this->length();
         assert(length!=0);
@@ -140,5 +154,3 @@ struct Quatf {
 };
 
 } // namespace zentrak::mathbase
-
-#include "mb_matrix4x4col.h" // the bodies that need a matrix stand behind it

@@ -18,7 +18,7 @@ struct SplineBaseKey {
     VALUETYPE tangentOut = 0; // both tangents are scaled to the segment they belong to
 };
 
-// What mCurrent holds when a time lies in no segment.
+// What mCurrent is when a time is in no segment.
 enum SplineBaseOutcome { SPLINE_BEFORE = -1, SPLINE_AFTER = -2, SPLINE_EMPTY = -3 };
 
 // The values of mMode.
@@ -34,7 +34,7 @@ public:
     std::vector<KEYTYPE> mKeys; // ascending by time
     bool mAutoTangents = true;  // recomputed at each change, in smooth mode
 
-    // Inserts behind all keys of the same or an earlier time and returns the new key's index.
+    // Inserts after all keys of the same or an earlier time and returns the new key's index.
     int addKey(const KEYTYPE& key) {
         const int found = findSegment(key.time);
         const int count = getNumKeys();

@@ -106,7 +106,7 @@ struct Vector4f {
         return Vector4f(x * v.x, y * v.y, z * v.z, w * v.w);
     }
     constexpr float dot(const Vector4f& v) const { return x * v.x + y * v.y + z * v.z + w * v.w; }
-    // Of x, y and z alone.
+    // Of x, y and z only.
     constexpr float dot(const Vector3f& v) const { return x * v.x + y * v.y + z * v.z; }
 
     float length() const { return sqrtf(length2()); }

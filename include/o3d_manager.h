@@ -46,7 +46,7 @@ public:
     Image* getImage(const std::string& name);
     const Image* getImage(const std::string& name) const;
 
-    // The place in the list, or -1.
+    // The index in the list, or -1.
     int getMeshIndex(const std::string& name) const;
     int getMaterialIndex(const std::string& name) const;
     int getImageIndex(const std::string& name) const;

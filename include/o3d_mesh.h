@@ -11,8 +11,8 @@ namespace zentrak::o3d {
 
 class Mesh;
 
-// Triangles of one material, with vertex numbers of their own: local vertex i lies at position mIndices[i] of
-// the Mesh. Two local vertices may share a position and differ in texture coordinates: that makes a seam.
+// Triangles of one material, with vertex numbers of their own: local vertex i is at position mIndices[i] of
+// the Mesh. Two local vertices with one position and different texture coordinates make a seam.
 class Submesh {
 public:
     Submesh();
@@ -52,7 +52,7 @@ public:
     void loadChunk(chunklib::ReadBuffer& buffer);
     void writeChunk(chunklib::WriteBuffer& buffer) const;
 
-    // Has every Submesh tangent spaces? True where there is no Submesh.
+    // Does every Submesh have tangent spaces? True without any Submesh.
     bool hasNormals() const;
     // Makes the tangent spaces of all Submeshes. Normals are smooth over all triangles at a position, of any
     // Submesh, without weights; tangents are smooth where the texture coordinates are closer than 0.1. Logs
@@ -68,9 +68,9 @@ public:
     void updateBox();
     // Throws Exception, with the Mesh's name and what is wrong, where a triangle uses a local vertex that its
     // Submesh has not, an index a position that the Mesh has not, or the first texture coordinate list is
-    // shorter than the index list. A file may hold such a Mesh; whoever follows its numbers calls this first.
+    // shorter than the index list. A file may hold such a Mesh: call this before following its numbers.
     void checkIndices() const;
-    void checkIndices(size_t submesh) const; // of one alone, counted from 0
+    void checkIndices(size_t submesh) const; // of one of them, counted from 0
 
     // The name of material number `i`; empty where there is none.
     const std::string& getMaterial(int i) const;
@@ -78,7 +78,7 @@ public:
     // Weights of a group. Asserts that there is such a group, which no file brings.
     BoneGroupWeightList& getBoneGroup(int groupID);
     const BoneGroupWeightList& getBoneGroup(int groupID) const;
-    // Never true: the comparison stands the wrong way round on purpose.
+    // Never true: the comparison is the wrong way round on purpose.
     bool hasBoneGroup(int groupID) const;
 
     std::string mName;

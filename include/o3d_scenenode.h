@@ -9,15 +9,15 @@
 
 namespace zentrak::o3d {
 
-// A tree of nodes holds nothing that changes with time: whoever draws it walks it with the time to be shown,
-// and a node answers with its own transform at that time, which says nothing about its parents.
+// Nodes hold no state that changes with time. To draw a tree, walk it with the time to be shown: each node
+// returns its local transform at that time, which leaves out its parents'.
 class SceneNode {
 public:
     SceneNode();
     SceneNode(const SceneNode&) = delete;
     SceneNode& operator=(const SceneNode&) = delete;
 
-    // The ID of the node's chunk, which tells the classes apart (o3d_chunk.h).
+    // The ID of the node's chunk, one for each class (o3d_chunk.h).
     virtual int getType() const = 0;
     virtual ~SceneNode();
     // Back to the state of a new node; the children are destroyed.
@@ -25,7 +25,7 @@ public:
     // Reads the chunk that is open, or writes the whole chunk.
     virtual void loadChunk(chunklib::ReadBuffer& buffer) = 0;
     virtual void writeChunk(chunklib::WriteBuffer& buffer) = 0;
-    // Do the node's own tracks stand still? Children are not asked.
+    // Are the node's own tracks constant? Children don't count.
     virtual bool isStatic() const;
     // The greatest time of a last key among the node's own tracks and those of all below it; never below 0.
     virtual float getAnimationLength() const;
@@ -42,7 +42,7 @@ public:
     // The transform tracks, except of a Scene, and every child.
     void writeCommonChunks(chunklib::WriteBuffer& buffer);
 
-    // The local transform at `time`: translation x rotation x scale. `flipped` tells whether it mirrors.
+    // The local transform at `time`: translation x rotation x scale. `flipped` is set to whether it mirrors.
     void calculateMatrix(float time, mathbase::Matrix4x4Col& result) const;
     void calculateMatrix(float time, mathbase::Matrix4x4Col& result, bool& flipped) const;
 
@@ -53,7 +53,7 @@ public:
     std::vector<SceneNode*> mChildren; // owned
 };
 
-// The root of a tree. Its transform tracks play no part.
+// The root of a tree. Its transform tracks have no effect.
 class Scene : public SceneNode {
 public:
     int getType() const override;

@@ -28,7 +28,7 @@ public:
         INTERPOLATION_BEZIER = 2
     };
 
-    enum Extrapolation { // outside the keys' span; with any other value the nearest segment goes on
+    enum Extrapolation { // outside the keys' span; with any other value the nearest segment continues
         EXTRAPOLATION_CONSTANT = 0,
         EXTRAPOLATION_LINEAR = 1,
         EXTRAPOLATION_CYCLIC = 2,

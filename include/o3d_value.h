@@ -58,8 +58,8 @@ struct StructList {
     const T& operator[](size_t i) const { return mList[i]; }
 };
 
-// One value as it lies on file, from the innermost open chunk. A value that no longer fits is left as it was,
-// as far as its parts do not fit; a string asserts "false" where the chunk ends before its zero byte.
+// Read one value from the innermost open chunk. Parts of it that no longer fit keep their value; a string
+// asserts "false" where the chunk ends before its zero byte.
 void loadValue(chunklib::ReadBuffer& buffer, std::string* value);
 void loadValue(chunklib::ReadBuffer& buffer, Index* value);
 void loadValue(chunklib::ReadBuffer& buffer, Triangle* value);
@@ -70,7 +70,7 @@ void loadValue(chunklib::ReadBuffer& buffer, float* value);
 void loadValue(chunklib::ReadBuffer& buffer, Vector3f* value);
 void loadValue(chunklib::ReadBuffer& buffer, Vector2f* value);
 
-// The same bytes, appended to the innermost open chunk.
+// Append the same bytes to the innermost open chunk.
 void writeValue(chunklib::WriteBuffer& buffer, const std::string& value);
 void writeValue(chunklib::WriteBuffer& buffer, const Index& value);
 void writeValue(chunklib::WriteBuffer& buffer, const Triangle& value);

@@ -47,7 +47,7 @@ struct Emitter {
     // is 0.
     void load(xml::IteratorConst& it);
 
-    // Adds a child "emitter" behind the one that the iterator is on, and moves onto it.
+    // Adds a child "emitter" after the one that the iterator is on, and moves onto it.
     void save(xml::Iterator& it) const;
 
     // Draws everything but position and time of a new particle: fifteen random numbers.
@@ -60,10 +60,10 @@ private:
     float draw(const Range<float>& range);
 };
 
-// Colours as six hexadecimal digits, "rrggbb", of either case. What is no digit or is missing counts as 0.
+// Colours as six hexadecimal digits, "rrggbb", of either case. Digits that are missing or invalid count as 0.
 mathbase::Vector3f hex2vec(const std::string& text);
-// Lower case, and cut: 0.5 is "7f". Only the low 8 bits count, so that a value above 1 wraps; what is no
-// number is "00".
+// Lower case, and cut: 0.5 is "7f". Only the low 8 bits count, so that a value above 1 wraps; NaN
+// is "00".
 std::string f2hex(float value);
 std::string vec2hex(mathbase::Vector3f color);
 

@@ -1,4 +1,4 @@
-// A thing in the world that gives off particles: a named group of emitters under one matrix.
+// A source of particles: a named group of emitters with one matrix.
 #pragma once
 
 #include "mb_matrix4x4col.h"
@@ -17,10 +17,10 @@ class Engine;
 // A copy shares its emitters, and what is left of their counts.
 class EmitterInstance {
 public:
-    // What one update emits at most, over all emitters; the rest is left out.
+    // The most that one update emits, over all emitters; the rest is dropped.
     static constexpr int MAX_EMISSION = 200000;
 
-    mathbase::Matrix4x4Col matrix;  // place in the world of particles that are yet to be born
+    mathbase::Matrix4x4Col matrix;  // transform of new particles into the world
     Engine* engine = nullptr;       // takes the particles; not owned
     std::vector<Emitter*> emitters; // those loaded are owned, jointly with all copies; others are not
     std::string name = "default";
@@ -31,7 +31,7 @@ public:
     // Reads the tag that the iterator is on, and adds its emitters.
     void load(xml::IteratorConst& it);
 
-    // Adds a child "instance" behind the one that the iterator is on, and moves onto it.
+    // Adds a child "instance" after the one that the iterator is on, and moves onto it.
     void save(xml::Iterator& it) const;
 
     // Gives `e`, which stays the caller's, these three and appends it.
@@ -40,7 +40,7 @@ public:
     // Takes out every entry of this emitter; it is not destroyed.
     void removeEmitter(Emitter* e);
 
-    // Emits what is due in `dt` seconds; `time` plays no part. Throws "EmitterInstance::update; '%s' has no
+    // Emits what is due in `dt` seconds; `time` is unused. Throws "EmitterInstance::update; '%s' has no
     // engine" at the first particle for none.
     void update(float time, float dt);
 

@@ -56,22 +56,22 @@ public:
 
     void setup(); // names the texture, which is made at the first draw; done by update and draw as needed
 
-    // Emits, steps and buries; `time` in seconds. The first one sets the clock.
+    // Emits, moves and removes particles; `time` in seconds. The first call sets the clock.
     void update(float time);
 
-    // Draws over what is there, adding light. `cameraInverse` is the place of the camera; asserts "length!=0"
-    // of its right and up. Leaves GL_BLEND, GL_POINT_SMOOTH and the blend function set, and the depth state
+    // Draws additively. `cameraInverse` is the transform of the camera into the world; asserts "length!=0" of
+    // its right and up. Leaves GL_BLEND, GL_POINT_SMOOTH and the blend function set, and the depth state
     // as it was.
     void draw(const mathbase::Matrix4x4Col* cameraInverse);
 
-    void clear() { active.clear(); } // no more is emitted; what lives flies on
+    void clear() { active.clear(); } // emits no more; living particles fly on
 
     void addSpark(const Spark& spark); // copied
 
     // A particle off the free list, or a new zeroed one; owned by the engine. Null at MAX_ALLOCATED.
     Spark* getFreeElement();
 
-    // For the one line about something left out because there was too much of it.
+    // Logs, once, that `who` dropped particles beyond `limit`.
     void reportLimit(const std::string& who, int limit);
 
 private:

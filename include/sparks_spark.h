@@ -6,8 +6,7 @@
 
 namespace zentrak::sparks {
 
-// Two cache lines.
-struct alignas(64) Spark {
+struct Spark {
     mathbase::Vector3f position; // world units
     mathbase::Vector3f velocity; // world units per second
     float mass = 0;              // above 0.01 it falls
@@ -16,14 +15,13 @@ struct alignas(64) Spark {
     float energydecay = 0;       // per second: energy falls by e^(-energydecay * t)
     float size = 0;              // world units; below 0.8 it dies
     float sizedecay = 0;         // per second
-    float rotation = 0;          // has no reader
+    float rotation = 0;          // unused
     mathbase::Vector3f colour;   // red, green, blue, 0 to 1
     float noise = 0;             // 0 to 1: how much of its alpha a flicker takes
     float time = 0;              // when it was added, on the clock of the display
-    float timeoffset = 0;        // seconds from then on for which it does not show
+    float timeoffset = 0;        // seconds from then on during which it is not drawn
     Spark* next = nullptr;       // in the engine's lists; not owned
     int texture = 0;             // cell of the strip of sprites
-    Spark* ahead = nullptr;      // one some way down the list, or once there; only to be fetched early
 };
 
 // A generator of random numbers that starts from the processor time used so far.

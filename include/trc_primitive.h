@@ -44,7 +44,7 @@ public:
     // Asserts that the hit's normal has a length.
     virtual void convertIntersection(const PreIntersection& pi, Intersection& i, const Vector3f& origin,
                                      const Vector3f& direction) const;
-    // The nearest hit between the distances `tmin` and `tmax`, both included. On a miss `pi` is left alone.
+    // The nearest hit between the distances `tmin` and `tmax`, both included. On a miss `pi` is unchanged.
     virtual bool trace(PreIntersection& pi, const Vector3f& origin, const Vector3f& direction, float tmin,
                        float tmax) const = 0;
     // Whether there is any hit between the two distances.
@@ -77,7 +77,7 @@ public:
     // The nearest hit of all; of two at the same distance the later one in the list.
     bool trace(PreIntersection& pi, const Vector3f& origin, const Vector3f& direction, float tmin,
                float tmax) const override;
-    // The same, converted by the primitive that was hit. Without a hit `i` is left alone. Asserts that every
+    // The same, converted by the primitive that was hit. Without a hit `i` is unchanged. Asserts that every
     // primitive keeps to the bounds that it is given.
     virtual bool trace(Intersection& i, const Vector3f& origin, const Vector3f& direction, float tmin,
                        float tmax) const;

@@ -1,4 +1,4 @@
-// The reading state of the XML parser: a text in memory, the place in it, and that place as line and column.
+// The reading state of the XML parser: a text in memory and the position in it, also as line and column.
 #pragma once
 
 #include "ztk_system.h"

@@ -21,8 +21,8 @@ public:
 
     IteratorConst(const XmlNode* aRoot, const std::string& criteria);
 
-    // Steps to the next match and says whether there was one. Behind the last child `index` becomes the
-    // number of children without criteria and stays on the last match with them. Throws when called again
+    // Steps to the next match and says whether there was one. After the last one `index` is the
+    // number of children without criteria, and stays on the last match with them. Throws when called again
     // after that.
     bool operator++();
 
@@ -53,7 +53,7 @@ public:
 
     Iterator createIterator(const std::string& criteria) const;
 
-    // Adds a copy of `tag` behind the current child and moves onto it, also past the end. The result walks
+    // Adds a copy of `tag` after the current child and moves onto it, also past the end. The result walks
     // the children of the new one.
     Iterator addChild(const XmlTag& tag);
     // The same with a node that the walked one owns from then on. Returns it.

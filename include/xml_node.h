@@ -33,8 +33,8 @@ public:
     XmlNode* getChildren(int index);
     const XmlNode* getChildren(int index) const;
 
-    // Adds a copy of `tag` before the child now at `position`, or behind all for -1 and for any position that
-    // there is not. Opens this node. The result walks the children of the new one.
+    // Adds a copy of `tag` before the child now at `position`, or after all of them for -1 and for any
+    // position out of range. Opens this node. The result walks the children of the new one.
     Iterator addChild(const XmlTag& tag, int position);
     // The same with a node that is owned here from then on, such as one that was detached. Returns it.
     XmlNode* adoptChild(std::unique_ptr<XmlNode> child, int position);

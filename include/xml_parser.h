@@ -1,4 +1,4 @@
-// A document: the root element with its children, and the prolog. This one header brings the whole library.
+// A document: the root element with its children, and the prolog. This header includes the whole library.
 #pragma once
 
 #include "xml_bufferreader.h"
@@ -17,14 +17,14 @@ public:
 
     XmlParser();
 
-    // Read a document into this empty parser. They throw Exception with the place in the text, as in "(error
-    // at line 3, col 7); EOF (when reading tag at 2:9)"; the tree then holds what was read so far. What
-    // stands behind the root's end tag is not looked at. Depth is limited by memory alone.
+    // Read a document into this empty parser. They throw Exception with the position in the text, as in
+    // "(error at line 3, col 7); EOF (when reading tag at 2:9)"; the tree then holds what was read so far.
+    // Anything after the root's end tag is ignored. Depth is limited only by memory.
     void parse(const char* text, int length);
     void parse(const std::string& text);
-    // The same without the place in the failure.
+    // The same without the position in the message.
     void parse(BufferReader& reader);
-    // Reads the children of the node that `it` walks, up to that node's end tag. `top` plays no part.
+    // Reads the children of the node that `it` walks, up to that node's end tag. `top` is unused.
     void parseRecurse(BufferReader& reader, Iterator& it, Iterator& top);
 
     // Write prolog and tree, each level one `indent` further in.

@@ -12,7 +12,7 @@
 
 namespace zentrak::xml {
 
-// What a missing attribute gives. A missing and an empty one can't be told apart, and callers build on that.
+// The value of a missing attribute. Missing and empty ones can't be distinguished, and callers rely on that.
 inline const std::string emptyString;
 
 class TagReader;
@@ -36,7 +36,7 @@ public:
     };
 
     Type type = Normal;
-    bool closed = true; // without children and without an end tag of its own
+    bool closed = true; // has no children and no end tag of its own
     std::string name;
     std::vector<Argument> arguments; // in order of first insertion
 
@@ -48,7 +48,7 @@ public:
     // it is.
     const std::string& getValue(std::string_view argument) const;
 
-    // Replaces the value of the first argument of this name, at its place, or appends one.
+    // Replaces the value of the first argument of this name, or appends one.
     void setValue(const std::string& argument, const std::string& value);
     void setValue(const std::string& argument, double value); // as "%.25g"
     void setValue(const std::string& argument, int value);    // as "%0d"
@@ -65,7 +65,7 @@ public:
     // the tag is reset.
     void parse(BufferReader& reader);
 
-    // Its parts, which add to the tag as it is. The reader stands behind "<" for parseNormal, on the "!" or
+    // Its parts, which add to the tag as it is. The reader is after the "<" for parseNormal, on the "!" or
     // "?" for the special ones, and on the first byte for text. A failure leaves the tag as it was.
     void parseNormal(BufferReader& reader);
     void parseComment(BufferReader& reader);

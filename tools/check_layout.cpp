@@ -1,4 +1,4 @@
-// Says what the loader of layout and style files passes over without a word: types and attributes that it
+// Reports what the loader of layout and style files ignores silently: types and attributes that it
 // does not know, words that it does not take, numbers and colours that are none, classes without a style, and
 // the names that the timeline editor looks for.
 //   zentrak-check-layout [--editor] FILE...   one line a finding; gives 1 if there are any, 2 if a file can't

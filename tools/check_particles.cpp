@@ -1,5 +1,5 @@
-// Says what the loader of particle files passes over without a word: what is missing, what it does not know,
-// and what is no number or colour.
+// Reports what the loader of particle files ignores silently: what is missing, what it does not know, and
+// numbers and colours that aren't any.
 //   zentrak-check-particles FILE...     one line a finding; gives 1 if there are any, 2 if a file can't be
 //   read
 

@@ -1,4 +1,4 @@
-// Says what the show passes over without a word in its script: names that no effect answers to, spans that
+// Reports what the show ignores silently in its script: names that no effect answers to, spans that
 // are never active, triggers that never fire, what lies past the end, what makes the whole script fail to
 // load.
 //   zentrak-check-script [--length SECONDS] FILE...   one line a finding; gives 1 if there are any, 2 if a

@@ -38,8 +38,8 @@ unsigned char* ImageObject::getWriteData() {
     return mImageData;
 }
 
-// Taking the image out of its cache gives the cache's reference back through this very function, and deletes
-// the counter: nothing of it is touched behind that.
+// Removing the image from its cache calls this function again for the cache's reference, which deletes the
+// counter: nothing of it may be used after that.
 void ImageRefCounter::decRef(ImageObject*) {
     if (mRef > 0)
         --mRef;
@@ -63,8 +63,8 @@ Image::Image(const Image& other) {
 
 Image::Image(Image&& other) noexcept : mObjectRef(std::exchange(other.mObjectRef, nullptr)) {}
 
-// An image whose name or manager was changed by hand is in no cache: leaving it fails, which is logged, and
-// the reference is given back all the same.
+// An image whose name or manager was changed by hand is in no cache: removing it fails, which is logged. The
+// reference is dropped all the same.
 Image::~Image() {
     try {
         release();

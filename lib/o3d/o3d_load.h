@@ -14,7 +14,7 @@ namespace zentrak::o3d {
 // May a node or a bone be nested as deep as the open chunk? Logs where it may not.
 bool checkDepth(const chunklib::ReadBuffer& buffer);
 
-// A name at the start of a chunk. Unlike loadValue() it stops in silence where the chunk ends before the zero
+// A name at the start of a chunk. Unlike loadValue() it stops silently where the chunk ends before the zero
 // byte.
 std::string loadName(chunklib::ReadBuffer& buffer);
 
@@ -22,7 +22,7 @@ std::string loadName(chunklib::ReadBuffer& buffer);
 void loadFlag(chunklib::ReadBuffer& buffer, bool& flag);
 void writeFlag(chunklib::WriteBuffer& buffer, unsigned short id, bool flag);
 
-// The bytes of a chunk that are there: what it claims, or what the stream has left of it.
+// The size of a chunk that is really there: what it claims, or what the stream has left of it.
 inline size_t presentSize(const chunklib::ReadBuffer& buffer) {
     return std::min(buffer.currentChunkSize(), buffer.remaining());
 }

@@ -77,7 +77,7 @@ void Manager::loadChunkMain(chunklib::ReadBuffer& buffer) {
                 break;
             }
         } catch (...) {
-            // The object is gone, and nothing is said of it; what follows may still be read.
+            // The object is dropped silently; what follows may still be read.
         }
         buffer.closeChunk();
     }
@@ -139,7 +139,7 @@ Scene* Manager::getScene(const std::string& name) {
     return const_cast<Scene*>(static_cast<const Manager*>(this)->getScene(name));
 }
 
-// The place that a name is bound to, or -1; so is one that the list does not reach.
+// The index that a name is bound to; -1 without one, and for an index past the end of the list.
 template <typename T>
 static int indexOf(const std::map<std::string, int>& names, const std::vector<T*>& list,
                    const std::string& name) {

@@ -91,7 +91,7 @@ void SceneNode::loadChunkItem(int id, chunklib::ReadBuffer& buffer) {
     try {
         child->loadChunk(buffer);
     } catch (...) {
-        // Its place among the children stays taken, by what is left of it: a node in its first state.
+        // It stays among the children, as a node in its first state.
         child->clear();
     }
     mChildren.push_back(child.get());

@@ -161,8 +161,8 @@ size_t TrackBlenderFloat::findSegment(float time) const {
         return 0;
     }
 
-    // The remembered place. The comparisons stand the wrong way round on purpose: on ascending keys neither
-    // holds, and the search below does the work.
+    // The segment of the last call. The comparisons are the wrong way round on purpose: on ascending keys
+    // neither holds, and the search below does the work.
     if (mIndex >= 0) {
         const int c = mIndex;
         if (c + 1 < count && mKeys[c].mTime >= time && time > mKeys[c + 1].mTime)

@@ -1,13 +1,12 @@
 // Numbers in layout files, and places between pixels.
 #pragma once
 
+#include "ztk_text.h"
+
 #include <cmath>
 #include <string>
 
 namespace zentrak::panorama {
-
-// As atof, whatever the locale: "1.5" is one and a half, and what is no number is 0.
-double toNumber(const std::string& text);
 
 // Sets `value` to the number in `text`, unless that is empty or the number is not finite.
 void readNumber(const std::string& text, float& value);

@@ -2,6 +2,7 @@
 
 #include "xml_parser.h"
 #include "ztk_system.h"
+#include "ztk_text.h"
 
 #include <climits>
 #include <cstdio>
@@ -15,16 +16,12 @@ namespace zentrak::script {
 
 namespace {
 
-float toFloat(const std::string& text) {
-    return float(atof(text.c_str()));
-}
-
 // A span without its nested ones.
 bool loadSpan(LoadXML& loader, xml::IteratorConst& element, Effect* effect) {
     effect->mName = element->getValue("name");
     effect->mEnabled = element->getValue("state") != "off";
-    effect->mStart = toFloat(element->getValue("start"));
-    effect->mEnd = toFloat(element->getValue("end"));
+    effect->mStart = float(toNumber(element->getValue("start")));
+    effect->mEnd = float(toNumber(element->getValue("end")));
 
     xml::IteratorConst triggers = element.createIterator("trigger");
     while (++triggers) {
@@ -112,7 +109,7 @@ bool LoadXML::loadEffect(xml::IteratorConst& element, Effect* effect) {
 bool LoadXML::loadTrigger(xml::IteratorConst& element, Trigger* trigger) {
     trigger->mName = element->getValue("name");
     trigger->mValue = element->getValue("value");
-    trigger->mStart = toFloat(element->getValue("start"));
+    trigger->mStart = float(toNumber(element->getValue("start")));
     trigger->mRepeat = 1;
     trigger->mDelay = 0;
 
@@ -120,7 +117,7 @@ bool LoadXML::loadTrigger(xml::IteratorConst& element, Trigger* trigger) {
     if (!repeat.empty()) {
         const std::string& delay = element->getValue("delay");
         trigger->mRepeat = atoi(repeat.c_str());
-        trigger->mDelay = toFloat(delay.empty() ? "0.1" : delay);
+        trigger->mDelay = float(toNumber(delay.empty() ? "0.1" : delay));
     }
     return true;
 }
@@ -133,7 +130,8 @@ bool LoadXML::loadSpline(xml::IteratorConst& element, Spline* spline) {
     std::vector<mathbase::SplineBaseKey<float>> keys;
     xml::IteratorConst key = element.createIterator("key");
     while (++key)
-        keys.push_back({toFloat(key->getValue("time")), toFloat(key->getValue("value")), 0, 0});
+        keys.push_back(
+            {float(toNumber(key->getValue("time"))), float(toNumber(key->getValue("value"))), 0, 0});
     spline->setKeys(std::move(keys));
     return !spline->mKeys.empty();
 }

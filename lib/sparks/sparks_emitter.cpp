@@ -1,5 +1,7 @@
 #include "sparks_emitter.h"
 
+#include "ztk_text.h"
+
 #include <algorithm>
 #include <climits>
 #include <cmath>
@@ -14,7 +16,7 @@ namespace {
 
 constexpr float TWO_PI = 6.2831855f;
 
-// Decimal, or octal behind "0" and hexadecimal behind "0x"; it ends where the number does.
+// Decimal, octal after "0" or hexadecimal after "0x"; what follows the number is ignored.
 long toInteger(const std::string& text) {
     return strtol(text.c_str(), nullptr, 0);
 }
@@ -23,19 +25,8 @@ int toInt(const std::string& text) {
     return int(std::clamp<long>(toInteger(text), INT_MIN, INT_MAX));
 }
 
-float toFloat(const std::string& text) {
-    return float(atof(text.c_str()));
-}
-
 int digitOf(const std::string& text, size_t index) {
-    const char c = index < text.size() ? text[index] : '0';
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    if (c >= 'a' && c <= 'f')
-        return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F')
-        return c - 'A' + 10;
-    return 0;
+    return index < text.size() ? hexDigit(text[index]) : 0;
 }
 
 // The first child `name` of the tag that `it` is on.
@@ -43,8 +34,8 @@ void loadRange(const IteratorConst& it, const char* name, Range<float>& range) {
     IteratorConst child = it.createIterator(name);
     if (!++child)
         return;
-    range.v1 = toFloat(child->getValue("v1"));
-    range.v2 = toFloat(child->getValue("v2"));
+    range.v1 = float(toNumber(child->getValue("v1")));
+    range.v2 = float(toNumber(child->getValue("v2")));
 }
 
 void loadRange(const IteratorConst& it, const char* name, Range<Vector3f>& range) {
@@ -126,12 +117,10 @@ Vector3f Emitter::getRandom(Vector3f& a, Vector3f& b) {
     return a + (b - a) * r;
 }
 
-/*
- * The order of the draws is the picture. The direction is even over the band of the sphere between the two
- * angles.
- */
+// The order of the draws decides the picture. Directions are spread evenly over the band of the sphere
+// between the two angles.
 void Emitter::fillSpark(Spark& spark) {
-    random.draw(); // a first direction, which is thrown away on purpose
+    random.draw(); // of a first direction that is never used
     random.draw();
 
     const float r1 = random.uniform();

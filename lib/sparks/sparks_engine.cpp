@@ -27,22 +27,10 @@ constexpr int CELLS = 8;             // of the strip
 constexpr float CELL_WIDTH = 0.125f; // in texture coordinates
 constexpr float PI = 3.1415927f;
 
-// powf(2.7182817f, exponent): the base is that float, not e, so this is 2 to the power of its logarithm times
-// the exponent. Double precision rounds to the same float as powf, one unit in the last place aside.
+// powf(2.7182817f, exponent), whose base is that float and not e, within one unit in the last place.
 float decay(float exponent) {
     constexpr double LOG2_BASE = 1.4426949970774024;
     return float(exp2(LOG2_BASE * double(exponent)));
-}
-
-// The list is in no order of memory: what is some way ahead is fetched while the particles before it are
-// being worked on. A particle of long ago does no harm there, since all memory is kept.
-constexpr unsigned AHEAD = 8; // particles
-
-void fetch(const Spark* spark) {
-    if (!spark)
-        return;
-    __builtin_prefetch(spark);
-    __builtin_prefetch(reinterpret_cast<const char*>(spark) + 64);
 }
 
 Vector3f halfAxis(const Matrix4x4Col& cameraInverse, const Vector3f& axis) {
@@ -62,7 +50,7 @@ float Engine::now() const {
 }
 
 void Engine::load(std::string name) {
-    if (name.substr(name.size() - 4) != EXTENSION) // a shorter name throws here, and is meant to
+    if (name.substr(name.size() - 4) != EXTENSION) // throws for a shorter name, on purpose
         name += EXTENSION;
     ztk_print("Sparks: Loading %s\n", name.c_str());
     if (!display || !display->mArchiveManager)
@@ -114,9 +102,7 @@ void Engine::setup() {
         texture.load("sparks.png", true);
 }
 
-/*
- * What is no number counts as too small, so that it dies too.
- */
+// A particle whose size or energy is NaN dies too.
 void Engine::update(float time) {
     if (lastTime < 0)
         lastTime = time;
@@ -125,15 +111,8 @@ void Engine::update(float time) {
         instance->update(time, dt);
     if (!isSetup)
         setup();
-    Spark* behind[AHEAD] = {}; // the last ones of the walk
-    unsigned step = 0;
     for (Spark** link = &live; *link;) {
         Spark& spark = **link;
-        fetch(spark.ahead);
-        Spark*& last = behind[step++ % AHEAD];
-        if (last)
-            last->ahead = &spark;
-        last = &spark;
         if (spark.mass > FALLING_MASS)
             spark.velocity.y += GRAVITY * dt;
         spark.position += spark.velocity * dt;
@@ -150,9 +129,7 @@ void Engine::update(float time) {
     lastTime = time;
 }
 
-/*
- * A sprite stands on its head: the strip's top row is at its lower edge, on purpose.
- */
+// Sprites are upside down on purpose: the strip's top row is at their lower edge.
 void Engine::draw(const Matrix4x4Col* cameraInverse) {
     if (!isSetup)
         setup();
@@ -171,7 +148,6 @@ void Engine::draw(const Matrix4x4Col* cameraInverse) {
     mCut.look(right, -up);
     const float time = now();
     for (const Spark* spark = live; spark; spark = spark->next) {
-        fetch(spark->ahead);
         const float age = time - (spark->time + spark->timeoffset);
         if (!(age > 0))
             continue;

@@ -70,7 +70,7 @@ Iterator Iterator::createIterator(const std::string& criteria) const {
 XmlNode* Iterator::adoptChild(std::unique_ptr<XmlNode> child) {
     atEnd = false;
     atBegin = false;
-    index = std::min(index + 1, getRoot()->getNumChildren()); // past the end there is no place to insert at
+    index = std::min(index + 1, getRoot()->getNumChildren()); // past the end it is appended
     return getRoot()->adoptChild(std::move(child), index);
 }
 

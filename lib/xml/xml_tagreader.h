@@ -1,5 +1,5 @@
-// Reads one tag without copying it: names and values are pieces of the text that is read. The parser turns
-// them into strings once, where they stay.
+// Reads one tag without copying it: names and values are views of the text. The parser copies them once, to
+// where they stay.
 #pragma once
 
 #include "xml_tag.h"
@@ -25,10 +25,10 @@ public:
     std::string_view name;
     std::vector<Attribute> attributes; // no name twice
 
-    // Reads the next tag of any type, from nothing.
+    // Reads the next tag of any type, in place of the last one.
     void read(BufferReader& reader);
 
-    // Its parts, which add to what was read; the reader stands as told for XmlTag.
+    // Its parts, which add to what was read; the reader is where XmlTag says.
     void readNormal(BufferReader& reader);
     void readComment(BufferReader& reader);
     void readText(BufferReader& reader);
@@ -42,7 +42,7 @@ public:
     void storeAttributes(XmlTag& tag) const;
 
 private:
-    std::deque<std::string> mRewritten;                  // values that don't stand in the text as they are
+    std::deque<std::string> mRewritten;                  // values that differ from the text
     std::unordered_map<std::string_view, size_t> mIndex; // attributes by name, of a tag with many
 
     void reset();

@@ -2,6 +2,7 @@
 // of it. Positions of sliders must stay between their ends, and what is selected must be there.
 
 #include "dis_key.h"
+#include "mb_random.h"
 #include "pan_button.h"
 #include "pan_checkbox.h"
 #include "pan_controlfactory.h"
@@ -79,10 +80,8 @@ void play(Workspace& root, const uint8_t* data, size_t size) {
     uint32_t state = 2166136261u;
     for (size_t i = 0; i < size; ++i)
         state = (state ^ data[i]) * 16777619u;
-    const auto next = [&](uint32_t below) {
-        state = state * 69069 + 5;
-        return (state >> 8) % below;
-    };
+    mathbase::Random random(state);
+    const auto next = [&random](uint32_t below) { return (random.draw() >> 8) % below; };
     mathbase::Vector2f place;
     for (int i = 0; i < 300; ++i) {
         Event event;

@@ -1,3 +1,4 @@
+#include "mb_random.h"
 #include "mb_splinebase.h"
 
 #include <cmath>
@@ -291,8 +292,8 @@ TEST(Spline, KeysOfEqualTimeJumpFromTheEarlierToTheLater) {
 }
 
 TEST(Spline, KeysSetAtOnceAreThoseAddedOneByOne) {
-    uint32_t state = 1;
-    const auto draw = [&state](int below) { return int((state = state * 69069 + 5) >> 16) % below; };
+    Random random(1);
+    const auto draw = [&random](int below) { return int(random.draw() >> 16) % below; };
     for (int count = 0; count < 40; ++count) {
         for (const int mode : {0, 1, 2}) {
             std::vector<Key> keys;

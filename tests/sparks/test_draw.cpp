@@ -119,10 +119,10 @@ TEST_F(DrawTest, FlickersByTheLowestBitOfTheEngine) {
     Spark spark = longLived();
     spark.noise = 0.6f;
     add(spark);
-    uint32_t state = 1;
+    mathbase::Random random(1);
     int dark = 0;
     for (int i = 0; i < 8; ++i) {
-        state = state * 69069u + 5u;
+        const uint32_t state = random.draw();
         dark += state & 1;
         EXPECT_NEAR(redAt(1), alphaOf(float(state & 1), spark, 1), 0.005f) << i;
         EXPECT_EQ(engine().random.mState, state);
@@ -202,13 +202,13 @@ TEST_F(DrawTest, IsThePictureOfOneCallPerVertex) {
             glBlendFunc(GL_SRC_ALPHA, GL_ONE);
             glEnable(GL_TEXTURE_2D);
             engine().texture.bind();
-            uint32_t state = 1;
+            mathbase::Random flicker(1);
             glBegin(GL_QUADS);
             for (const Spark* s = engine().live; s; s = s->next) {
                 const float age = 1 - (s->time + s->timeoffset);
                 if (age <= 0)
                     continue;
-                state = state * 69069u + 5u;
+                const uint32_t state = flicker.draw();
                 const float u0 = 0.125f * float(s->texture), u1 = u0 + 0.125f;
                 glColor4f(s->colour.x, s->colour.y, s->colour.z, alphaOf(float(state & 1), *s, age));
                 glTexCoord2f(u0, 0);

@@ -16,7 +16,7 @@ namespace {
 
 using chunklib::ReadBuffer;
 
-// Where a chunk may stand, one bit each.
+// Where a chunk may be, one bit each.
 enum Place : unsigned {
     TOP = 1,
     MAIN = 2,
@@ -37,7 +37,7 @@ enum Place : unsigned {
     TRACK4 = 65536
 };
 
-// What stands in the payload before the children.
+// What the payload has before the children.
 enum Payload {
     NOTHING,
     NAME,     // a text
@@ -58,7 +58,7 @@ struct Kind {
     const char* name;
     unsigned parents; // places where the loader takes it
     Payload payload;
-    unsigned inside; // what its own children stand in; 0: it has none
+    unsigned inside; // the place that it is for its own children; 0: it has none
 };
 
 const Kind kinds[] = {
@@ -192,7 +192,7 @@ private:
         return nullptr;
     }
 
-    // What the payload of the open chunk says, in a few words; remarks on it are left in mPending.
+    // A few words about the payload of the open chunk; remarks on it are left in mPending.
     std::string describe(const Kind& kind) {
         switch (kind.payload) {
         case NOTHING:
@@ -375,7 +375,7 @@ private:
             remark(depth + 1, "%u bytes at its end are no chunk", mBuffer.remaining());
     }
 
-    // What is right by itself and wrong together: names that lead nowhere, numbers outside their lists.
+    // What is only wrong in its context: names that lead nowhere, numbers outside their lists.
     void references() {
         o3d::Manager manager;
         try {

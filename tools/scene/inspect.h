@@ -6,7 +6,7 @@
 namespace zentrak::scene {
 
 struct Inspection {
-    std::string text; // a line for each chunk, indented by its depth, and remarks behind "! "
+    std::string text; // a line for each chunk, indented by its depth, and remarks after "! "
     int remarks;      // what a loader skips, misses or stumbles over
 };
 

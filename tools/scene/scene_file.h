@@ -28,7 +28,7 @@ o3d::Mesh* addMesh(o3d::Manager& manager, std::unique_ptr<o3d::Mesh> mesh);
 o3d::Material* addMaterial(o3d::Manager& manager, const std::string& name, const mathbase::Vector4f& color);
 
 // A new child that shows the mesh at `position`, turned by `angles` (radians, order YZX). It overrides each
-// material by the Mesh's own, for whoever asks the instance only.
+// material by the Mesh's own, for those who only ask the instance.
 o3d::MeshInstance* addInstance(o3d::SceneNode& parent, const std::string& name, const o3d::Mesh& mesh,
                                const Vector3f& position, const Vector3f& angles = Vector3f(0.0f, 0.0f, 0.0f));
 o3d::Dummy* addDummy(o3d::SceneNode& parent, const std::string& name, const Vector3f& position);

@@ -7,7 +7,7 @@
 
 namespace zentrak::scene {
 
-static constexpr float GRID = 1e-5f; // places closer than this are one
+static constexpr float GRID = 1e-5f; // points closer than this are one
 
 static long cell(float value) {
     return lroundf(value / GRID);

@@ -2,6 +2,7 @@
 #include "am_image.h"
 #include "dis_display.h"
 #include "dis_glcheck.h"
+#include "ztk_text.h"
 
 #include <algorithm>
 #include <cassert>
@@ -101,16 +102,6 @@ void DisplayGL::drawCircle(float x, float y, float radiusX, float radiusY, FillM
 }
 
 // Colours and the mouse
-
-static int hexDigit(char c) {
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    if (c >= 'a' && c <= 'f')
-        return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F')
-        return c - 'A' + 10;
-    return 0;
-}
 
 Vector4f DisplayGL::hex2vec(const std::string& text) {
     const size_t start = !text.empty() && text[0] == '#' ? 1 : 0;
