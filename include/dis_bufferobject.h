@@ -1,4 +1,4 @@
-// A buffer of OpenGL with entries of one size, or plain memory where there are no buffers.
+// An OpenGL buffer of entries of one size, or plain memory where buffers are not supported.
 #pragma once
 
 #include "dis_resource.h"
@@ -8,8 +8,8 @@
 
 namespace zentrak::display {
 
-// Without GL_ARB_vertex_buffer_object the entries lie in memory of the process behind the same calls. A
-// buffer does not outlive its context: after the window was opened anew its owner sets it up again.
+// Without GL_ARB_vertex_buffer_object the entries lie in process memory, with the same interface. A
+// buffer doesn't outlive its context: when the window is opened again, its owner sets it up again.
 class BufferObject : public Resource {
 public:
     explicit BufferObject(

@@ -4,7 +4,7 @@
 namespace zentrak::display {
 
 // Runs freely until the first update(); from then on it stands still between updates. Seconds, in single
-// precision. It may be made before a display is.
+// precision. It can be made before a display.
 class Clock {
 public:
     Clock(); // runs from 0

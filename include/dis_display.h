@@ -53,26 +53,26 @@ public:
     // and stored. Throws "Could not open window", also for a side above 32767 or more than 2^28 pixels, or
     // "DisplayGL: Could not initialize GLEW!".
     void open();
-    void close(); // asserts "mOpened"; GL objects die with the context, and resources are not told
+    void close(); // asserts "mOpened"; GL objects die with the context, and resources are not notified
 
-    // One frame: events, drawing, pacing, swap. Gives whether to go on: false once the window is closed, and
-    // once after a quit was asked for and not vetoed. What a listener throws comes out of it.
+    // One frame: events, drawing, pacing, swap. Returns whether to go on: false once the window is closed,
+    // and once after a quit that was requested and not vetoed. Exceptions from listeners propagate.
     bool update();
-    void updateBlocking(); // update until it gives false
+    void updateBlocking(); // update until it returns false
 
     // Closes the window and opens it in the other kind, with the time kept. Textures and framebuffers rebuild
-    // themselves; buffers, shaders and programs have to be set up anew by their owner. Nothing if it is so
-    // already.
+    // themselves; buffers, shaders and programs have to be set up again by their owner. Does nothing if it
+    // already is.
     void setFullscreen(bool on);
 
-    // Frames a second for FPS_FIXED and FPS_DELTA; without meaning for the others. A rate that is not above 0
+    // Frames a second for FPS_FIXED and FPS_DELTA; ignored by the others. A rate that is not above 0
     // doesn't wait (FPS_FIXED) or stands still (FPS_DELTA). Asserts "mOpened".
     void setFps(FpsMode mode, float fps);
 
     // The modes of the primary monitor as full-screen window modes, smallest first, 2048 at most.
     void getModes(std::vector<WindowMode>& modes) const;
 
-    // Seconds since the window was opened, or as set. In FPS_DELTA the frames so far divided by the rate.
+    // Seconds since the window was opened, or as set. In FPS_DELTA mFpsLastTime.
     double getTime() const;
     void setTime(double t);     // a time that is not finite is not set
     void sleep(double t) const; // seconds; nothing for 0, less, or what is not finite
@@ -97,7 +97,7 @@ public:
     void setCamera(const mathbase::Matrix4x4Col& matrix);
     void setTransform(const mathbase::Matrix4x4Col& matrix);
     void setProject(const mathbase::Matrix4x4Col& matrix); // into GL_PROJECTION; leaves the matrix mode there
-    void setModelView();                                   // loads the two matrices as they stand
+    void setModelView();                                   // loads the product of the two matrices
     const mathbase::Matrix4x4Col& getProject() const { return mProjectMatrix; } // the last one set
 
     // The buffers that draw() uses, not owned; null for none. The old one is unbound, the new one bound.
@@ -118,7 +118,7 @@ public:
 
     // Shapes in the current colour under the current matrices. A flat box or circle lies in the plane z = 0.
     // Boxes are given by their centre and half their size, circles by their centre and radius, or radii along
-    // x and y. Solid boxes with depth bring outward normals and the whole texture upright on each face.
+    // x and y. Solid boxes with depth have outward normals and the whole texture upright on each face.
     void drawLine(float x1, float y1, float x2, float y2);
     void drawBox(float x, float y, float halfWidth, float halfHeight, FillMode fill = SOLID);
     void drawBox(float x, float y, float z, float halfWidth, float halfHeight, float halfDepth,
@@ -129,7 +129,7 @@ public:
     void drawCircle(float x, float y, float radiusX, float radiusY, FillMode fill = SOLID);
 
     // A colour from "rrggbb" or "rrggbbaa", with or without a "#" before it, in digits and letters of either
-    // case; each channel 0 to 1. Missing digits and characters that are no digits are 0, a missing alpha is
+    // case; each channel 0 to 1. Missing digits and characters that aren't digits are 0, a missing alpha is
     // 1, and what follows is ignored.
     static mathbase::Vector4f hex2vec(const std::string& text);
 
@@ -180,7 +180,7 @@ private:
     friend struct DisplayCallbacks; // tests call back with what no keyboard and no mouse sends
 
     // One walk over the listeners that is going on. Walks nest, and live on the stack; whoever joins or
-    // leaves in the middle of one corrects them all.
+    // leaves during one corrects them all.
     struct Walk {
         explicit Walk(DisplayGL& display, bool forward);
         ~Walk();

@@ -40,7 +40,7 @@ public:
 
     // Before the first bind. A texture gets the target's size, where that is set, and loses its mipmaps. The
     // first form takes a texture of the caller's, who keeps it alive; it asserts "texture!=0". The second
-    // makes one, which belongs to the target, and gives it back for drawing with.
+    // makes one, which belongs to the target, and returns it for drawing.
     void attach(Attachment attachment, Texture* texture);
     Texture* attach(Attachment attachment, Texture::Channels channels = Texture::CHAN_DEFAULT,
                     Texture::ChannelFormat format = Texture::FORMAT_DEFAULT);

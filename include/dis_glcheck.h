@@ -1,4 +1,4 @@
-// The check behind every OpenGL call: a pending error becomes an exception that names the place and the call.
+// The check after every OpenGL call: a pending error becomes an exception that names the place and the call.
 #pragma once
 
 namespace zentrak::display {
@@ -11,7 +11,7 @@ void GL_REPORT_ERROR(const char* file, int line, const char* text);
 // "GL_INVALID_ENUM" and the like for the seven codes that are reported, null for any other.
 const char* glErrorName(unsigned int code);
 
-// The part of a path behind its last separator.
+// The part of a path after its last separator.
 consteval const char* fileNameOf(const char* path) {
     const char* name = path;
     for (const char* c = path; *c; ++c)
@@ -30,6 +30,6 @@ consteval const char* fileNameOf(const char* path) {
         ::zentrak::display::GL_REPORT_ERROR(::zentrak::display::fileNameOf(__FILE__), __LINE__, #call);      \
     } while (false)
 
-// Where no single call can be named: catches what whoever ran before has left behind.
+// Where no single call can be named: catches what earlier code left pending.
 #define GL_CHECK_STATUS()                                                                                    \
     ::zentrak::display::GL_REPORT_ERROR(::zentrak::display::fileNameOf(__FILE__), __LINE__, "Checking status")

@@ -44,8 +44,8 @@ public:
     // What it is to be; for the next time it is made. A width or height of 0 or -1 is taken from the image.
     void setup(int width, int height, Channels channels, ChannelFormat format, Target target);
 
-    // Where its pixels come from: a file, which is read when the texture is made; an image, which is kept; or
-    // bytes in memory, which are decoded at once (`name` tells their kind by its extension) and stay the
+    // The source of its pixels: a file, which is read when the texture is made; an image, which is kept; or
+    // bytes in memory, which are decoded at once (the extension of `name` gives their format) and stay the
     // caller's. Throws "Texture; File already loaded, when loading '%s'" (the first) and "Texture already
     // loaded!" (the others). A cube map is cut out of a cross, 3 faces wide and 4 high.
     void load(const std::string& filename, bool mipmaps);

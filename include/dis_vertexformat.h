@@ -10,7 +10,7 @@
 
 namespace zentrak::display {
 
-// The layout of one vertex: the channels that are present lie directly behind each other, in the order of the
+// The layout of one vertex: the channels that are present follow each other without gaps, in the order of the
 // fields below.
 struct VertexDef {
     // Group of types times 4, plus the number of components less 1.

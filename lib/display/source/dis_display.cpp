@@ -151,7 +151,7 @@ void DisplayGL::openWindow() {
     glfwSetTime(0);
     glfwEnable(GLFW_KEY_REPEAT);
 
-    // A new window has heard of no key and no turn of the wheel yet.
+    // No key is down and no wheel turned in a new window.
     std::fill(std::begin(mPressed), std::end(mPressed), false);
     mMouseWheel = 0;
     mLastClickTime = -1;
@@ -299,7 +299,7 @@ void DisplayGL::updateBlocking() {
     }
 }
 
-// Tells the listeners when the window was iconified or restored, and when it got or lost the focus.
+// Notifies the listeners when the window was iconified or restored, and when it got or lost the focus.
 void DisplayGL::readWindowState() {
     const bool iconified = glfwGetWindowParam(GLFW_ICONIFIED) == 1;
     const bool focused = glfwGetWindowParam(GLFW_ACTIVE) == 1;
@@ -307,8 +307,8 @@ void DisplayGL::readWindowState() {
     tellChange(mFocused, focused, &Listener::onChangeFocus);
 }
 
-// What was before stands in the display until all listeners have heard. One of them may have opened the
-// window anew, with a state of its own.
+// The display keeps the old state until all listeners have been called. One of them may have reopened the
+// window, with a state of its own.
 void DisplayGL::tellChange(bool& state, bool now, void (Listener::*operation)(bool)) {
     if (now == state)
         return;
@@ -331,8 +331,8 @@ void DisplayGL::drawListeners() {
     }
 }
 
-// Waits until a frame's time has passed since the last one: sleeping first, then on the spot. Never longer
-// than one frame from now, should the clock have been set back.
+// Waits until a frame's time has passed since the last one: sleeping first, then spinning. Never longer
+// than one frame from now, in case the clock was set back.
 void DisplayGL::paceFixed() {
     const double period = mFps > 0 ? 1.0 / mFps : 0.0;
     const double start = glfwGetTime();

@@ -8,8 +8,8 @@
 
 namespace zentrak::display {
 
-// Shortens `count` to what lies behind `first` in a buffer of `size` entries: 0 if that is nothing. OpenGL
-// itself reports a negative count.
+// Clips `count` entries from `first` on to a buffer of `size` entries. A negative count is left to OpenGL to
+// report.
 static int countInside(int first, int count, int size) {
     return first < 0 || first >= size ? 0 : std::min(count, size - first);
 }

@@ -1,4 +1,4 @@
-// The way of events from the window system's callbacks to the listeners.
+// Events, from the window system's callbacks to the listeners.
 #include "dis_display.h"
 #include "glfw2.h"
 
@@ -19,7 +19,7 @@ void DisplayGL::dispatch(int (Listener::*operation)(const EventType&), const Eve
             return;
 }
 
-// Acts on a listener's answer. Gives whether the event goes no further.
+// Acts on a listener's answer. Returns whether the event stops here.
 bool DisplayGL::shallStop(int result) {
     bool stop = false;
     if (result & Listener::DIRTY)
@@ -37,7 +37,7 @@ bool DisplayGL::shallStop(int result) {
     return stop;
 }
 
-// Asks all listeners, the last one to join first. Gives whether none of them vetoes.
+// Asks all listeners, the last one to join first. Returns whether none of them vetoes.
 bool DisplayGL::askQuit() {
     bool veto = false;
     Walk walk(*this, false);

@@ -55,8 +55,8 @@ void Listener::onDraw() {}
 void Listener::onIconify(bool) {}
 void Listener::onChangeFocus(bool) {}
 
-// Walks over the listeners of a display. They stand apart from their users: compilers that see both warn of
-// the address that stays in the display, though the destructor takes it back.
+// Walks over the listeners of a display. They are out of line because compilers that inline them warn of
+// the address that stays in the display, though the destructor removes it.
 
 DisplayGL::Walk::Walk(DisplayGL& display, bool forward)
     : mDisplay(display),
