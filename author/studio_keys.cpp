@@ -22,7 +22,7 @@ const std::vector<Window::Command>& Window::getCommands() {
         {KEY_m, 0, "M", "mute", &W::toggleMute},
         {KEY_r, 0, "R", "replay spans unseen after a seek", &W::toggleReplay},
         {KEY_f, 0, "F", "the timeline follows the time", &W::toggleFollow},
-        {KEY_n, 0, "N", "snapping; Alt holds it off", &W::toggleSnap},
+        {KEY_n, 0, "N", "snapping; Alt pressed in a drag holds it off", &W::toggleSnap},
         {KEY_TAB, 0, "Tab", "the picture alone, and back", &W::togglePicture},
         {0, 0, "Left, Right", "by a step of the grid (Ctrl 0.01 s, Shift a bar)", nullptr},
         {0, 0, "Up, Down", "a key's value by 0.01 (Shift: 0.1, Ctrl: 1)", nullptr},

@@ -1,0 +1,69 @@
+// The studio on a real window over a copy of the show, with a viewer in front of it: real keys, a real mouse.
+#pragma once
+
+#include "input.h"
+#include "picture.h"
+#include "studio_window.h"
+#include "support.h"
+
+#include <gtest/gtest.h>
+#include <memory>
+#include <string>
+
+namespace zentrak::test {
+
+// Opens the studio in a folder of its own at the first use of window(). The folder has what the effects load,
+// a setup file without music, and `script`.
+class StudioTest : public ::testing::Test {
+protected:
+    StudioTest();
+    ~StudioTest() override;
+
+    std::string mScript; // to be set before the first use
+    int mWidth = 1280;
+    int mHeight = 800;
+
+    const TempDir& dir() const { return mDir; }
+    std::string script() const { return readFile(mDir.file("script.xml")); } // on disk
+
+    studio::Window& window();
+    studio::Editor& editor() { return window().getEditor(); }
+    studio::Show& show() { return window().getShow(); }
+    studio::Timeline& timeline() { return window().getTimeline(); }
+    studio::Overlay& overlay() { return window().getOverlay(); }
+    Viewer& viewer();
+    void close();  // as if it were closed without a question
+    void killed(); // as close, but it has no chance to tidy up
+
+    // One frame at least, with all events that were sent before it.
+    void frame();
+    bool until(const std::string& what, const std::function<bool()>& done) {
+        return viewer().until(what, done);
+    }
+
+    int element(const std::string& name, int nth = 0); // its index
+    const studio::Element& at(const std::string& name, int nth = 0) {
+        return editor().getDocument()[element(name, nth)];
+    }
+
+    // The mouse, in pixels of the interface. A click is two moves, so that no two become a double click.
+    void moveTo(mathbase::Vector2f place);
+    void click(mathbase::Vector2f place, int button = 1);
+    void click(const std::string& name); // its bar, key or trigger
+    void drag(mathbase::Vector2f from, float dx, float dy, const std::string& held = "");
+    mathbase::Vector2f middle(int element);
+    void choose(const std::string& label); // a row of the menu, or a button of the question
+    void key(const std::string& name) { viewer().key(name); }
+    Picture picture(); // what the window shows
+
+private:
+    TempDir mDir;
+    std::unique_ptr<WorkingDir> mHere;
+    std::unique_ptr<studio::Show> mShow;
+    std::unique_ptr<studio::ScriptFile> mFile;
+    std::unique_ptr<studio::Editor> mEditor;
+    std::unique_ptr<studio::Window> mWindow;
+    std::unique_ptr<Viewer> mViewer;
+};
+
+} // namespace zentrak::test
