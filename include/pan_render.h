@@ -1,7 +1,6 @@
 // The few shapes that controls are made of.
 #pragma once
 
-#include "dis_batch.h"
 #include "dis_display.h"
 #include "dis_font.h"
 #include "mb_box2.h"
@@ -81,10 +80,6 @@ public:
 
     void flush(); // draws what is collected
 
-    // Off: all is drawn in its order and nothing left out, for comparison. On at the start.
-    void setSorted(bool sorted) { mShapes.setSorted(sorted); }
-    const Shapes::Counts& getCounts() const { return mShapes.getCounts(); } // of this frame
-
 private:
     void drawPolygon(const mathbase::Vector2f* points, int count);
     void drawQuad(const mathbase::Box2& box, const mathbase::Vector4f& upperLeft,
@@ -94,9 +89,10 @@ private:
 
     float mMargin = 0;         // pixels, of this frame
     mathbase::Vector2f mPixel; // a pixel of the window in units of the view: 1 without a margin
+    mathbase::Box2 mView;      // all that the window shows
     mathbase::Box2 mClip;      // in units of the view; its edges are those of pixels
+    bool mWhole = true;        // whole numbers are edges of pixels
     Shapes mShapes;
-    display::Batch mBatch;                    // of a texture
     std::vector<mathbase::Vector2f> mPolygon; // while it is cut
     std::vector<mathbase::Vector2f> mCut;
 };

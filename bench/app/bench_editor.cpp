@@ -1,10 +1,10 @@
 // What the timeline editor takes of a frame, over scripts of several sizes, in turn in one run:
 //     tests/with_display build/bench/bench/app/bench_editor [FRAMES]
 // Each line is one script: milliseconds of a frame's editor, open and closed (the pixels are waited for),
-// what building the rows took, and what a move of the mouse takes: medians by the clock and, in brackets, by
-// processor time; of the open one also by that of the thread that draws. The wanted: 5 ms open and 0.05
-// closed over 500 spans and 2,000 splines; and what is clipped away costs nothing, so that the size of the
-// script does not show.
+// what building the rows took, and what a move of the mouse and a step of its wheel take: medians by the
+// clock and, in brackets, by processor time; of the open one also by that of the thread that draws. The
+// wanted: 5 ms open and 0.05 closed over 500 spans and 2,000 splines; and what is clipped away costs nothing,
+// so that the size of the script does not show.
 #include "am_archivemanager.h"
 #include "dis_display.h"
 #include "kin_gui.h"
@@ -106,18 +106,22 @@ public:
         }));
         if (!open)
             return;
+        static int moves = 0; // of all editors: a move to the same pixel is none
+        ++moves;
         display::MouseMoveEvent event;
-        event.mousePos = mathbase::Vector2f(300 + float(mOpen.size() % 700), 420 + float(mOpen.size() % 300));
+        event.mousePos = mathbase::Vector2f(300 + float(moves % 700), 420 + float(moves % 300));
         mMoves.push_back(milliseconds([&] { mGui->mPanorama.onMouseMove(event); }));
+        event.mouseDeltaWheel = mOpen.size() % 20 < 10 ? -1 : 1;
+        mWheels.push_back(milliseconds([&] { mGui->mPanorama.onMouseWheel(event); }));
     }
 
     void print() const {
         const Taken open = median(mOpen), closed = median(mClosed), move = median(mMoves);
-        printf("%5d spans, %5d splines: open %.3f (%.3f, %.3f), closed %.4f (%.4f), a move %.3f (%.3f), rows "
-               "built in "
-               "%.0f (%.0f)\n",
+        const Taken wheel = median(mWheels);
+        printf("%5d spans, %5d splines: open %.3f (%.3f, %.3f), closed %.4f (%.4f), a move %.3f (%.3f), "
+               "a step of the wheel %.3f (%.3f), rows built in %.0f (%.0f)\n",
                mSpans, mSpans * 4, open.wall, open.processor, open.thread, closed.wall, closed.processor,
-               move.wall, move.processor, mBuilt.wall, mBuilt.processor);
+               move.wall, move.processor, wheel.wall, wheel.processor, mBuilt.wall, mBuilt.processor);
     }
 
 private:
@@ -127,7 +131,7 @@ private:
     std::unique_ptr<kindler::Gui> mGui;
     panorama::Control* mMain = nullptr;
     Taken mBuilt;
-    std::vector<Taken> mOpen, mClosed, mMoves;
+    std::vector<Taken> mOpen, mClosed, mMoves, mWheels;
 };
 
 } // namespace

@@ -11,11 +11,15 @@
 #include "dis_glcheck.h"
 #include "pan_button.h"
 #include "pan_context.h"
+#include "pan_controlfactory.h"
+#include "pan_flow.h"
+#include "pan_layoutstack.h"
 #include "pan_menubar.h"
 #include "pan_scrollbars.h"
 #include "pan_slider.h"
 #include "pan_window.h"
 #include "pan_workspace.h"
+#include "xml_parser.h"
 
 #include <algorithm>
 #include <cmath>
@@ -283,10 +287,37 @@ void compareDrawing(Root& root, int rounds, const char* name) {
     std::printf("\n");
 }
 
+// A layout of so many buttons in a container of this type; deleted again.
+void loadButtons(const char* type, int count) {
+    std::string text = std::string("<panorama><") + type + "><child>";
+    for (int i = 0; i < count; ++i)
+        text += "<button/>";
+    xml::XmlParser document;
+    document.parse(text + "</child></" + type + "></panorama>");
+    xml::IteratorConst it = static_cast<const xml::XmlParser&>(document).createIterator(type);
+    ++it;
+    Workspace root;
+    root.setArea(Box2(0, 0, WIDTH, HEIGHT));
+    Control* const container = controlFactory.create(type);
+    root.addControl(container, -1);
+    container->load(it);
+}
+
+void measureButtons() {
+    for (Control* prototype :
+         std::initializer_list<Control*>{new Button, new Flow, new LayoutStack, new Scrollbars})
+        controlFactory.addControlType(prototype);
+    for (const char* type : {"flow", "layoutstack", "scrollbar"})
+        for (const int count : {25000, 100000})
+            std::printf("%-32s %8.1f\n", (std::to_string(count) + " buttons in a " + type).c_str(),
+                        measure(1, [&](int) { loadButtons(type, count); }));
+}
+
 } // namespace
 
 int main(int count, char** arguments) {
     const int rounds = count > 1 ? std::max(1, std::atoi(arguments[1])) : 31;
+    measureButtons();
     am::ArchiveManager archives;
     archives.addArchive("data");
     display::DisplayGL window(display::WindowMode("bench", WIDTH, HEIGHT, false));
@@ -338,9 +369,6 @@ int main(int count, char** arguments) {
         root.setContext(menu);
         compareDrawing(root, rounds, "with a menu open");
         std::printf("%-32s %8.4f\n", "share of pixels that differ", difference(root));
-        const Shapes::Counts& counts = root.mRender.getCounts();
-        std::printf("%-32s %d shapes, %d hidden, %d mixed, %d calls\n", "of these", counts.shapes,
-                    counts.hidden, counts.mixed, counts.draws);
         glEnable(GL_RASTERIZER_DISCARD);
         compareDrawing(root, rounds, "without pixels");
         glDisable(GL_RASTERIZER_DISCARD);

@@ -21,8 +21,6 @@ constexpr float FAR_AWAY = 1e6f;  // pixels; no window is as large
 constexpr int MAX_SEGMENTS = 720; // of a circle: more than can be seen
 constexpr float SPACE = 3.0f;     // pixels, the advance of a blank
 
-const Box2 UNCLIPPED(-FAR_AWAY, -FAR_AWAY, FAR_AWAY, FAR_AWAY);
-
 // As a cast to int, for any number.
 float toInt(float value) {
     return value > FAR_AWAY    ? FAR_AWAY
@@ -49,7 +47,7 @@ Vector4f mix(const Vector4f& a, const Vector4f& b, float t) {
 
 // Setting up
 
-Render::Render() : mColorFirst(1, 1, 1, 1), mColorSecond(1, 1, 1, 1), mPixel(1, 1), mClip(UNCLIPPED) {}
+Render::Render() : mColorFirst(1, 1, 1, 1), mColorSecond(1, 1, 1, 1), mPixel(1, 1) {}
 
 Render::~Render() {
     delete mFont;
@@ -73,11 +71,10 @@ void Render::setupDraw(Vector2f size, Vector2f offset, float margin) {
     mMargin = margin;
     mPixel = Vector2f(size.x > 0 ? (size.x + 2 * margin) / size.x : 1.0f,
                       size.y > 0 ? (size.y + 2 * margin) / size.y : 1.0f);
-    mClip = UNCLIPPED;
-    mBatch.clear();
-    mShapes.begin(
-        Box2(offset.x - margin, offset.y - margin, size.x + offset.x + margin, size.y + offset.y + margin),
-        margin == 0 && isWhole(offset.x) && isWhole(offset.y) && isWhole(size.x) && isWhole(size.y));
+    mView = mClip =
+        Box2(offset.x - margin, offset.y - margin, size.x + offset.x + margin, size.y + offset.y + margin);
+    mWhole = margin == 0 && isWhole(offset.x) && isWhole(offset.y) && isWhole(size.x) && isWhole(size.y);
+    mShapes.clear();
 
     mDisplay->resetStates();
     GL_CALL(glEnable(GL_BLEND));
@@ -102,7 +99,7 @@ void Render::setColor(const Vector4f& first, const Vector4f& second) {
 // rows are counted from below, so that is where a fraction of a pixel is lost.
 void Render::setClipArea(Box2 area) {
     if (area.y2 == -1) {
-        mClip = UNCLIPPED;
+        mClip = mView;
         return;
     }
     const float left = toInt(area.x1 - mDrawOffset.x), right = left + toInt(area.x2 - area.x1);
@@ -110,14 +107,14 @@ void Render::setClipArea(Box2 area) {
     const float top = bottom - toInt(area.y2 - area.y1);
     const auto x = [this](float pixel) { return pixel * mPixel.x + mDrawOffset.x - mMargin; };
     const auto y = [this](float pixel) { return pixel * mPixel.y + mDrawOffset.y - mMargin; };
-    mClip = Box2(x(left), y(top), x(right), y(bottom));
+    mClip = cut(Box2(x(left), y(top), x(right), y(bottom)), mView);
 }
 
 // Drawing
 
 void Render::flush() {
     if (!mShapes.isEmpty())
-        mShapes.draw(mFont);
+        mShapes.draw(mFont ? &mFont->getTexture() : nullptr, mWhole);
 }
 
 // A box with a colour at each corner, changing along one axis alone.
@@ -127,7 +124,7 @@ void Render::drawQuad(const Box2& box, const Vector4f& upperLeft, const Vector4f
     if (!hasExtent(seen) || !hasExtent(box))
         return;
     Shapes::Corners corners = {upperLeft, upperRight, lowerRight, lowerLeft};
-    if (!corners.isFlat() && !(seen == box)) {
+    if (!(seen == box)) {
         const float left = share(seen.x1 - box.x1, box.getWidth());
         const float right = share(seen.x2 - box.x1, box.getWidth());
         const float top = share(seen.y1 - box.y1, box.getHeight());
@@ -279,7 +276,7 @@ void Render::drawText(const std::string& text, Vector2f position) {
     if (!(std::min(y + height, mClip.y2) > std::max(y, mClip.y1)) || !std::isfinite(x))
         return;
 
-    mShapes.beginText(mColorFirst);
+    mShapes.beginText();
     for (const char character : text) {
         if (x >= mClip.x2)
             break;
@@ -289,11 +286,10 @@ void Render::drawText(const std::string& text, Vector2f position) {
             const display::Font::Cell cell = mFont->getCell(c);
             const float s = (cell.s1 - cell.s0) / width, t = (cell.t1 - cell.t0) / height;
             mShapes.addGlyph(glyph, cell.s0 + (glyph.x1 - x) * s, cell.t0 + (glyph.y1 - y) * t,
-                             cell.s0 + (glyph.x2 - x) * s, cell.t0 + (glyph.y2 - y) * t);
+                             cell.s0 + (glyph.x2 - x) * s, cell.t0 + (glyph.y2 - y) * t, mColorFirst);
         }
         x += mFont->getAdvance(c);
     }
-    mShapes.endText();
 }
 
 void Render::drawTexture(display::Texture& texture, const Box2& box) {
@@ -301,15 +297,11 @@ void Render::drawTexture(display::Texture& texture, const Box2& box) {
     if (!hasExtent(seen) || !hasExtent(box))
         return;
     flush();
-    texture.bind();
-    GL_CALL(glEnable(GL_TEXTURE_2D));
-    mBatch.color(mColorFirst);
-    mBatch.rect(seen.x1, seen.y1, seen.x2, seen.y2, share(seen.x1 - box.x1, box.getWidth()),
-                share(seen.y1 - box.y1, box.getHeight()), share(seen.x2 - box.x1, box.getWidth()),
-                share(seen.y2 - box.y1, box.getHeight()));
-    mBatch.flush();
-    GL_CALL(glDisable(GL_TEXTURE_2D));
-    texture.unbind();
+    mShapes.beginText();
+    mShapes.addGlyph(seen, share(seen.x1 - box.x1, box.getWidth()), share(seen.y1 - box.y1, box.getHeight()),
+                     share(seen.x2 - box.x1, box.getWidth()), share(seen.y2 - box.y1, box.getHeight()),
+                     mColorFirst);
+    mShapes.draw(&texture, false);
 }
 
 float Render::getTextLength(const std::string& text) {

@@ -305,7 +305,7 @@ bool TreeView::handleKey(const Event& event) {
     while (index != -1 && getRow(index) == -1)
         index = mNodes[size_t(index)].parent;
     const int row = index == -1 ? -1 : getRow(index), last = getRowCount() - 1;
-    const int page = std::max(1, int(getView().getHeight() / mSize) - 1);
+    const float page = std::max(1.0f, std::floor(getView().getHeight() / mSize) - 1); // may exceed any int
     const Node* node = getItem(index);
     const bool inner = node && node->next > index + 1;
     switch (event.key) {
@@ -316,10 +316,10 @@ bool TreeView::handleKey(const Event& event) {
         goToRow(std::min(last, row + 1));
         return true;
     case KEY_PAGEUP:
-        goToRow(std::max(0, row - page));
+        goToRow(int(std::max(0.0f, float(row) - page)));
         return true;
     case KEY_PAGEDOWN:
-        goToRow(std::min(last, std::max(0, row) + page));
+        goToRow(int(std::min(float(last), float(std::max(0, row)) + page)));
         return true;
     case KEY_HOME:
         goToRow(0);

@@ -121,7 +121,8 @@ int Workspace::handleCaptured(Event& event) {
 
 // An open menu hears everything first. The release of the click that opened it leaves it open, the next one
 // closes it, and so does Esc. All but a menu bar's keeps the event from the controls. What a menu takes, as a
-// list takes keys, it keeps even if it has closed by then.
+// list takes keys, it keeps even if it has closed by then. Keys other than Tab go no further than the menu:
+// the next listener would quit on one that was meant for it.
 int Workspace::handleEvent(Event& event) {
     int taken = 0;
     if (mContext) {
@@ -131,12 +132,15 @@ int Workspace::handleEvent(Event& event) {
             resetContext();
         else
             mContextFresh = false;
-        if (mContext && !taken && event.type == "keydown" && event.key == display::KEY_ESC) {
+        const bool down = event.type == "keydown";
+        if (mContext && !taken && down && event.key == display::KEY_ESC) {
             resetContext();
             return 1;
         }
+        if (mContext && !(mContext->getParent() && mContext->getParent()->getType() == "menubar"))
+            return taken || (event.isKey() && !(down && event.key == display::KEY_TAB));
     }
-    if (taken || (mContext && !(mContext->getParent() && mContext->getParent()->getType() == "menubar")))
+    if (taken)
         return taken;
 
     if (mCapture && !mCapture->isShown())

@@ -58,9 +58,9 @@ public:
         mEnded = true;
         mDone.notify_all();
     }
-    bool isRunning() {
+    bool hasEnded() {
         std::unique_lock lock(mMutex);
-        return mFrames > 0;
+        return mEnded;
     }
 
 private:
@@ -124,6 +124,7 @@ void EditedShow::play(const std::function<void()>& use) {
     std::thread viewer([&] {
         mHook->waitForFrames(1);
         mViewer->focus();
+        moveTo(Vector2f(1, 1)); // a move to where the mouse was at the end of another show is none
         if (!::testing::Test::HasFatalFailure())
             use();
         mViewer.reset(); // lets go of all that is held
@@ -166,6 +167,10 @@ bool EditedShow::until(const std::string& what, const std::function<bool()>& don
 
 void EditedShow::settle() {
     mHook->waitForFrames(3);
+}
+
+bool EditedShow::ends() {
+    return mViewer->until("the end of the show", [&] { return mHook->hasEnded(); });
 }
 
 void EditedShow::open() {

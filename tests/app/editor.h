@@ -62,6 +62,7 @@ public:
     Viewer& viewer() { return *mViewer; }
     bool until(const std::string& what, const std::function<bool()>& done); // asked on the show's thread
     void settle(); // all that was sent has been handled and drawn
+    bool ends();   // waits until the show has ended by itself; not for long
 
     void open(); // the editor, by Tab
     void close();

@@ -5,6 +5,7 @@
 
 #include "dis_display.h"
 #include "dis_key.h"
+#include "pan_controlfactory.h"
 #include "pan_label.h"
 #include "pan_slider.h"
 #include "pan_stat.h"
@@ -433,6 +434,82 @@ TEST(TheEditor, KeysWithTheFocusDoNotReachTheShowUntilEsc) {
     });
 }
 
+TEST(TheEditor, ClicksOnWhatUsesNoKeysLeaveThemToTheShow) {
+    EditedShow show(TWO_SPANS);
+    show.play([&] {
+        show.setTime(30);
+        show.open();
+        float time = 30;
+        const Vector2f places[] = {Vector2f(960, 200), // the picture
+                                   Vector2f(250, 325), // the help
+                                   Vector2f(300, 100), // the graph
+                                   middle(show.box(show.control("timeslider")))};
+        for (const Vector2f& place : places) {
+            show.click(middle(show.box(show.bar(0)))); // the row has them,
+            show.click(place);                         // and now no longer
+            show.viewer().key("Right");
+            time += 5;
+            EXPECT_TRUE(show.until("a seek", [&] { return show.kindler().mRawTime == time; }))
+                << place.x << " " << place.y;
+        }
+    });
+}
+
+// Escape ends the show, and all edits with it, only when the keys are the show's.
+TEST(TheEditor, EscClosesAMenuThenGivesTheKeysBackThenEndsTheShow) {
+    EditedShow show(TWO_SPANS);
+    bool ended = false;
+    show.play([&] {
+        show.open();
+        show.click(middle(show.box(show.curve(2))), 3);
+        const auto menu = [&] { return show.gui().mPanorama.mWorkspace.mContext; };
+        show.frame([&] { EXPECT_EQ(menu(), &show.curve(2)->mContextEmpty); });
+        show.viewer().key("q"); // meant for the menu, if for anything
+        show.settle();
+        show.frame([&] { EXPECT_EQ(menu(), &show.curve(2)->mContextEmpty); });
+        show.viewer().key("Escape");
+        show.settle();
+        show.frame([&] {
+            EXPECT_EQ(menu(), nullptr);
+            EXPECT_NE(show.gui().mPanorama.mWorkspace.getFocus(), nullptr);
+        });
+        show.viewer().key("Escape");
+        show.settle();
+        show.frame([&] { EXPECT_EQ(show.gui().mPanorama.mWorkspace.getFocus(), nullptr); });
+        show.viewer().key("Escape");
+        ended = show.ends();
+    });
+    EXPECT_TRUE(ended);
+}
+
+TEST(TheEditor, TheFirstKeyOfACurveIsGrabbedAtItsWholeWidth) {
+    EditedShow show(TWO_SPANS);
+    show.play([&] {
+        show.open();
+        const Vector2f key = show.keyPlace(2, 0);
+        show.drag(Vector2f(key.x - 3, key.y), 23, 10);
+        show.frame([&] {
+            EXPECT_FLOAT_EQ(show.curve(2)->mSpline->mKeys[0].time, 0.1f);
+            EXPECT_EQ(show.curve(2)->mSelected, 0);
+        });
+        show.viewer().key("Delete"); // the curve has the keys
+        show.until("one key less", [&] { return show.curve(2)->mSpline->getNumKeys() == 2; });
+    });
+}
+
+TEST(TheEditor, TheRulersPrototypeIsRegisteredOnce) {
+    const auto count = [] {
+        int rulers = 0;
+        for (panorama::Control* control : panorama::ControlFactory::mControl)
+            rulers += control->getType() == "timeruler";
+        return rulers;
+    };
+    for (int i = 0; i < 2; ++i) {
+        EditedShow show(TWO_SPANS);
+        show.play([&] { show.frame([&] { EXPECT_EQ(count(), 1); }); });
+    }
+}
+
 TEST(TheEditor, AClickThatHitsTheEditorDoesNotReachTheDriver) {
     // In front of the editor, where the driver is.
     struct Driver : display::Listener {
@@ -638,6 +715,27 @@ TEST(ALayout, ThatLacksWhatTheEditorNeedsIsRefusedWithTheNames) {
     EXPECT_EQ(failure(workspace(main + effects + slider)), lacks + "a stat \"fps_stat\"");
     EXPECT_EQ(failure(workspace(main + effects + "<label id=\"timeslider\"/>" + stat)),
               lacks + "a slider \"timeslider\"");
+}
+
+TEST(ALayout, MayGiveTheTimeSliderARangeOfItsOwn) {
+    EditedShow show(TWO_SPANS);
+    std::string layout = readFile(sourcePath("data/layout.xml"));
+    const std::string tag = "<slider id=\"timeslider\" ";
+    ASSERT_NE(layout.find(tag), std::string::npos);
+    layout.replace(layout.find(tag), tag.size(), tag + "min=\"-100\" max=\"300\" ");
+    writeFile(show.dir().file("layout.xml"), layout);
+    show.play([&] {
+        show.open();
+        const Box2 box = show.box(show.control("timeslider"));
+        show.press(Vector2f(box.x1 + 45 * box.getWidth() / 100, box.y1 + 10)); // beside the handle
+        show.release();
+        show.frame([&] {
+            auto* const slider = dynamic_cast<panorama::Slider*>(show.control("timeslider"));
+            EXPECT_EQ(slider->mMin, -100);
+            EXPECT_EQ(slider->mMax, 300);
+            EXPECT_NEAR(show.gui().mScroll, -20 / (slider->getArea().getWidth() - 36), 1e-3);
+        });
+    });
 }
 
 TEST(AScript, WithoutEffectsGivesAnEmptyEditorWithItsFrameRate) {

@@ -761,6 +761,13 @@ TEST_F(ControlTest, EscClosesAnOpenMenuAndGoesNoFurther) {
     button.setContext(&menu);
     Event escape = makeEvent("keydown");
     escape.key = display::KEY_ESC;
+    for (const auto& [key, taken] :
+         {std::pair(int(display::KEY_q), 1), std::pair(int(display::KEY_TAB), 0)}) {
+        Event other = makeEvent("keydown");
+        other.key = key;
+        EXPECT_EQ(root.handleEvent(other), taken) << key;
+        EXPECT_EQ(root.mContext, &menu);
+    }
     EXPECT_EQ(root.handleEvent(escape), 1);
     EXPECT_EQ(root.mContext, nullptr);
     EXPECT_EQ(root.handleEvent(escape), 0);

@@ -384,8 +384,8 @@ TEST_F(MenuTextTest, DrawingACutCaptionAllocatesNothingOnceWarm) {
         menu.addOption("a caption that is much longer than the menu is wide " + std::to_string(i), "");
     owner.setContext(&menu);
     move(20, 22);
-    shown();
-    shown();
+    for (int i = 0; i < 6; ++i) // the driver allocates in the first frames
+        shown();
     size_t allocated = 1;
     frame([&] {
         const size_t start = allocationCount();

@@ -4,6 +4,7 @@
 #include "pan_flow.h"
 #include "pan_panel.h"
 #include "pan_panorama.h"
+#include "pan_textinput.h"
 
 #include "allocations.h"
 #include "gl_fixture.h"
@@ -27,8 +28,6 @@ using mathbase::Vector4f;
 namespace {
 
 constexpr int WIDTH = 400, HEIGHT = 300;
-
-const Vector4f NO_COLOR(0, 0, 0, -1);
 
 // The plain way, shape by shape and one call per vertex, cut by the scissor test.
 class PlainRender : public Render {
@@ -667,8 +666,11 @@ TEST_F(PersonTest, AClickThatHitsAControlGoesNoFurtherAndOneOnTheBackgroundDoes)
     EXPECT_GT(behind.moves, 0);
 }
 
-TEST_F(PersonTest, AKeyGoesToTheFocusAndFromTheBackgroundOnToTheNext) {
+TEST_F(PersonTest, AKeyGoesToTheFocusAndOnToTheNextUnlessTheFocusUsesKeys) {
     Plain& control = add(Box2(20, 20, 120, 120));
+    TextInput* const field = new TextInput;
+    field->mArea.area = Box2(200, 20, 300, 40);
+    toolkit->addControl(field);
     click(50, 50);
     viewer.key("a");
     ASSERT_TRUE(viewer.until("the key",
@@ -676,12 +678,16 @@ TEST_F(PersonTest, AKeyGoesToTheFocusAndFromTheBackgroundOnToTheNext) {
     EXPECT_EQ(std::count(control.heard.begin(), control.heard.end(), "keydown"), 1);
     EXPECT_EQ(std::count(control.heard.begin(), control.heard.end(), "keyup"), 1);
     EXPECT_EQ(std::count(control.heard.begin(), control.heard.end(), "keychardown"), 1);
-    EXPECT_EQ(behind.keys, 0);
+    EXPECT_EQ(behind.keys, 1);
+    click(250, 30);
+    viewer.key("b");
+    ASSERT_TRUE(viewer.until("the text", [&] { return field->getText() == "b"; }));
+    EXPECT_EQ(behind.keys, 1);
     viewer.key("Tab"); // everybody's
-    ASSERT_TRUE(viewer.until("Tab behind", [&] { return behind.keys == 1; }));
+    ASSERT_TRUE(viewer.until("Tab behind", [&] { return behind.keys == 2; }));
     click(300, 200);
     viewer.key("a");
-    ASSERT_TRUE(viewer.until("the key behind", [&] { return behind.keys == 2; }));
+    ASSERT_TRUE(viewer.until("the key behind", [&] { return behind.keys == 3; }));
 }
 
 TEST_F(PersonTest, TheWheelAndTheDoubleClickArrive) {

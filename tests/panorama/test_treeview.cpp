@@ -272,6 +272,17 @@ TEST_F(TreeViewTest, WithInactiveSetNothingIsSelected) {
     EXPECT_EQ(takeActions(), Actions());
 }
 
+TEST_F(TreeViewTest, APageOfAnEnormousTreeReachesItsEnds) {
+    tree(1e30f);
+    click(100, row(0));
+    key(KEY_RIGHT); // opens it
+    key(KEY_DOWN);
+    key(KEY_PAGEDOWN);
+    EXPECT_EQ(selected(), "e");
+    key(KEY_PAGEUP);
+    EXPECT_EQ(selected(), "a");
+}
+
 TEST_F(TreeViewTest, MayBeDeletedByItsOwnAction) {
     struct Deleter : Callback {
         Workspace* root = nullptr;
