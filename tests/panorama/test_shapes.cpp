@@ -153,10 +153,8 @@ private:
     }
     Box2 part(const Box2& of) {
         const float x1 = any(of.x1 - 10, of.x2), y1 = any(of.y1 - 10, of.y2);
-        Box2 box(x1, y1, any(x1, of.x2 + 10), any(y1, of.y2 + 10));
-        if (often(0.85f))
-            box = Box2(std::floor(box.x1), std::floor(box.y1), std::floor(box.x2), std::floor(box.y2));
-        return box;
+        const Box2 box(x1, y1, any(x1, of.x2 + 10), any(y1, of.y2 + 10));
+        return Box2(std::floor(box.x1), std::floor(box.y1), std::floor(box.x2), std::floor(box.y2));
     }
     static Box2 common(const Box2& a, const Box2& b) {
         const Box2 box(std::max(a.x1, b.x1), std::max(a.y1, b.y1), std::min(a.x2, b.x2),
