@@ -385,7 +385,8 @@ void Editor::insert(const std::string& label, int parent, int after, const std::
         perform(label, {std::move(*change)}, true);
 }
 
-void Editor::addSpan(int parent, const std::string& name, double begin, double end) {
+void Editor::addSpan(int parent, const std::string& name, double begin, double end,
+                     const std::vector<std::string>& curves) {
     endGesture();
     // After the selected sibling, so that it is drawn over it.
     int after = -1, under = -1;
@@ -398,10 +399,12 @@ void Editor::addSpan(int parent, const std::string& name, double begin, double e
         if (mDocument[i].kind == Kind::SPAN && double(mDocument[i].start) <= begin &&
             begin < double(mDocument[i].end))
             under = i;
-    insert("Add span", parent, after >= 0 ? after : under,
-           writeTag("effect", {{"name", name}, {"start", formatNumber(begin)}, {"end", formatNumber(end)}},
-                    false) +
-               "\n</effect>");
+    std::string text = writeTag(
+        "effect", {{"name", name}, {"start", formatNumber(begin)}, {"end", formatNumber(end)}}, false);
+    for (const std::string& curve : curves)
+        text += "\n\t" + writeTag("spline", {{"name", curve}, {"type", "linear"}}, false) + "\n\t\t" +
+                writeTag("key", {{"time", "0"}, {"value", "1"}}) + "\n\t</spline>";
+    insert("Add span", parent, after >= 0 ? after : under, text + "\n</effect>");
 }
 
 void Editor::addTrigger(int span, const std::string& name, const std::string& value, double time) {

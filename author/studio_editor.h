@@ -66,7 +66,9 @@ public:
     void reorder(int step);                  // the one span or section that is selected: -1 earlier, 1 later
 
     // New elements; they are selected. `parent` is 0 (the script) or a span; `time` is in the parent's time.
-    void addSpan(int parent, const std::string& name, double start, double end);
+    // The span gets a curve of the value 1 for each of `curves`.
+    void addSpan(int parent, const std::string& name, double start, double end,
+                 const std::vector<std::string>& curves = {});
     void addTrigger(int span, const std::string& name, const std::string& value, double time);
     void addSpline(int span, const std::string& name, double value);
     void addKey(int spline, double time, double value);

@@ -35,7 +35,7 @@ const std::vector<Window::Command>& Window::getCommands() {
         {KEY_UP, ALT, "Alt+Up, Alt+Down", "draw earlier, later", &W::drawEarlier},
         {KEY_DOWN, ALT, "", "", &W::drawLater},
         {KEY_b, 0, "B", "bookmark at the time now", &W::addBookmark},
-        {KEY_g, 0, "G", "section before the selected span", &W::addSection},
+        {KEY_g, 0, "G", "section before the selected span, or at the time now", &W::addSection},
         {KEY_ENTER, 0, "Return", "unfold and fold the selection", &W::toggleOpen},
         {KEY_RIGHT, ALT, "Alt+Right, Alt+Left", "unfold all, fold all", &W::openAll},
         {KEY_LEFT, ALT, "", "", &W::closeAll},
@@ -203,13 +203,15 @@ void Window::insertSection(int before) {
 }
 
 void Window::addSection() {
+    const Document& document = mEditor.getDocument();
     int before = 0;
-    for (const int index : mEditor.getSelected()) {
-        before = index;
-        while (mEditor.getDocument()[before].parent > 0)
-            before = mEditor.getDocument()[before].parent;
-        break;
-    }
+    for (int i = 1; i < document.getSize() && before == 0; i = document[i].next)
+        if (document[i].kind == Kind::SPAN && double(document[i].start) >= mShow.getTime())
+            before = i;
+    if (const std::vector<int> spans = mEditor.getSelected(Kind::SPAN); !spans.empty())
+        before = spans[0];
+    while (before > 0 && document[before].parent > 0)
+        before = document[before].parent;
     insertSection(before);
 }
 
@@ -427,21 +429,28 @@ void Window::addSpanItems(std::vector<MenuItem>& items, Vector2f place, int span
 }
 
 void Window::openEffectMenu(Vector2f place, int parent, double time) {
+    const double start = std::max(0.0, time);
+    const auto add = [this, parent, start](const std::string& name, const std::vector<std::string>& curves) {
+        double end = start + 4 * mEditor.getDocument().getTempo().getBar();
+        if (parent > 0) {
+            const Element& span = mEditor.getDocument()[parent];
+            end = std::max(start + 1, double(span.end) - double(span.start));
+        }
+        mEditor.addSpan(parent, name, start, end, curves);
+        if (const std::vector<int> made = mEditor.getSelected(); !made.empty())
+            mTimeline->reveal(made[0]);
+    };
     std::vector<MenuItem> items;
-    for (const kindler::EffectNames& names : kindler::effectNames())
-        items.push_back({names.name, "", [this, parent, time, name = std::string(names.name)] {
-                             double end = std::max(0.0, time) + 4 * mEditor.getDocument().getTempo().getBar();
-                             if (parent > 0) {
-                                 const Element& span = mEditor.getDocument()[parent];
-                                 end = std::max(time + 1, double(span.end) - double(span.start));
-                             }
-                             mEditor.addSpan(parent, name, std::max(0.0, time), end);
-                             if (const std::vector<int> made = mEditor.getSelected(); !made.empty())
-                                 mTimeline->reveal(made[0]);
-                         }});
-    items.push_back({"(group)", "", [this, parent, time] {
-                         mEditor.addSpan(parent, "group", std::max(0.0, time), std::max(0.0, time) + 8);
-                     }});
+    for (const kindler::EffectNames& names : kindler::effectNames()) {
+        // Without a curve of this name the effect would not be seen.
+        std::vector<std::string> curves;
+        for (const char* spline : names.splines)
+            if (std::string(spline) == "alpha")
+                curves.push_back(spline);
+        items.push_back(
+            {names.name, "", [add, curves, name = std::string(names.name)] { add(name, curves); }});
+    }
+    items.push_back({"(group)", "", [add] { add("group", {}); }});
     mOverlay->openMenu(place, std::move(items));
 }
 

@@ -222,7 +222,7 @@ void Panel::addKey(const std::vector<int>& elements) {
 
 void Panel::addTempo() {
     const Tempo tempo = mEditor.getDocument().getTempo();
-    add({"Tempo", "bpm", "beats a minute", formatNumber(double(tempo.bpm)), {}, true});
+    add({"Tempo", "bpm", "beats/min", formatNumber(double(tempo.bpm)), {}, true});
     add({"Beats", "beats", "in a bar", std::to_string(tempo.beats), {}, true});
     add({"First bar", "tempo start", "seconds", formatNumber(double(tempo.start)), {}, true});
 }

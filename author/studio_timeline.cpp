@@ -475,9 +475,15 @@ void Timeline::drawTriggers(Paint& paint, int span, float y, bool names) {
         const float x = toX(start);
         if (x < axis.x1 - 200 || x > axis.x2 + KEY)
             continue;
-        if (names)
-            paint.text(x + 8, y, trigger.value.empty() ? trigger.name : trigger.name + " = " + trigger.value,
-                       selected ? color::selected : color::dim);
+        if (names) {
+            float room = axis.x2 - x; // up to the next one
+            for (int k = span + 1; k < document[span].next; k = document[k].next)
+                if (document[k].kind == Kind::TRIGGER && document[k].start > trigger.start)
+                    room = std::min(room, toX(document.getOrigin(k) + double(document[k].start)) - x);
+            const std::string text =
+                trigger.value.empty() ? trigger.name : trigger.name + " = " + trigger.value;
+            paint.text(x + 8, y, paint.fit(text, room - 16), selected ? color::selected : color::dim);
+        }
         paint.diamond(x, y, KEY + 1, color::edge);
         paint.diamond(x, y, KEY, selected ? color::selected : color::accent);
     }

@@ -145,6 +145,30 @@ TEST(TheProgram, KeysChangeWhatIsSaved) {
     EXPECT_LT(atof(saved.c_str() + at + 7), 500.0) << saved;
 }
 
+// Whatever is done to the show, also in its editor, the settings are all that is written.
+TEST(TheProgram, WritesNothingButItsSettings) {
+    Program program;
+    prepare(program);
+    const auto files = [&] {
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(program.dir().path()))
+            names.push_back(entry.path().filename().string());
+        std::sort(names.begin(), names.end());
+        std::erase(names, "output");
+        std::erase(names, "grab.png");
+        return names;
+    };
+    const std::vector<std::string> before = files();
+    program.start();
+    ASSERT_TRUE(program.focus()) << program.output();
+    EXPECT_TRUE(waitFor([&] { return isWhite(program); })) << program.output();
+    for (const char* key : {"Tab", "ctrl+s", "ctrl+t", "space", "Delete", "Tab", "Escape"})
+        program.key(key);
+    EXPECT_EQ(program.wait(), 0) << program.output();
+    EXPECT_EQ(files(), before);
+    EXPECT_EQ(program.read("script.xml"), SCRIPT);
+}
+
 TEST(TheProgram, PPrintsTheTime) {
     Program program;
     prepare(program);

@@ -243,7 +243,8 @@ TEST_F(EditorTest, ANewSpanIsDrawnOverWhatRunsAtItsBeginning) {
     EXPECT_GT(index("xor"), index("waxon"));
     EXPECT_LT(index("xor"), index("Finale"));
     editor.select({});
-    editor.addSpan(0, "later", 100, 110);
+    editor.addSpan(0, "later", 100, 110, {"alpha"});
+    EXPECT_EQ(editor.evaluate(index("later") + 1, 5), 1);
     EXPECT_GT(index("later"), index("drop"));
 }
 
