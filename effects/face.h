@@ -25,8 +25,8 @@ public:
 
     // Throws what a missing or invalid scene throws.
     void setup() override;
-    void update(float time, float delta,
-                float progress) override; // asserts "length!=0" for a point at the origin
+    // Asserts "length!=0" for a point at the origin.
+    void update(float time, float delta, float progress) override;
 
     const o3d::Manager& getScene() const { return mScene; }
 
@@ -34,13 +34,11 @@ private:
     // A vertex that glows.
     struct Point {
         mathbase::Vector3f place;
-        mathbase::Vector3f seen; // to the right, up, and into the depth of the camera
-        float light;             // above 0, at most 1
+        float light; // above 0, at most 1
     };
 
-    void collect(const o3d::Mesh& mesh, const mathbase::Vector3f& eye, const Billboard& board,
-                 const mathbase::Matrix4x4Col& cameraInverse);
-    void drawSprite(const Point& point, const Billboard& board, float size, const mathbase::Vector4f& color);
+    // Fills mPoints.
+    void collect(const o3d::Mesh& mesh, const mathbase::Matrix4x4Col& cameraInverse);
 
     am::Image mImage; // never set
     EffectTexture mTexture;
