@@ -10,9 +10,15 @@ zentrak_install_program(zentrak ${CMAKE_INSTALL_LIBEXECDIR}/zentrak)
 file(RELATIVE_PATH ZENTRAK_PLAYER_FROM_BIN
     ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBEXECDIR}/zentrak/zentrak)
 file(RELATIVE_PATH ZENTRAK_DATA_FROM_BIN ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_DATADIR}/zentrak)
-configure_file(cmake/zentrak.sh.in ${CMAKE_BINARY_DIR}/installed/zentrak @ONLY)
-install(PROGRAMS ${CMAKE_BINARY_DIR}/installed/zentrak DESTINATION ${CMAKE_INSTALL_BINDIR})
+configure_file(cmake/zentrak.sh.in ${PROJECT_BINARY_DIR}/installed/zentrak @ONLY)
+install(PROGRAMS ${PROJECT_BINARY_DIR}/installed/zentrak DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(DIRECTORY data/ DESTINATION ${CMAKE_INSTALL_DATADIR}/zentrak PATTERN setup.local.xml EXCLUDE)
+
+# zentrak-new, and the project that it makes.
+configure_file(tools/zentrak-new ${PROJECT_BINARY_DIR}/installed/zentrak-new @ONLY)
+install(PROGRAMS ${PROJECT_BINARY_DIR}/installed/zentrak-new DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(DIRECTORY tools/template DESTINATION ${CMAKE_INSTALL_DATADIR}/zentrak USE_SOURCE_PERMISSIONS
+    PATTERN build EXCLUDE PATTERN setup.local.xml EXCLUDE)
 
 install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zentrak)
 install(DIRECTORY effects/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zentrak/effects FILES_MATCHING PATTERN "*.h")
@@ -21,12 +27,12 @@ install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR})
 
 # find_package(zentrak)
 set(package ${CMAKE_INSTALL_LIBDIR}/cmake/zentrak)
-configure_package_config_file(cmake/zentrak-config.cmake.in ${CMAKE_BINARY_DIR}/installed/zentrak-config.cmake
+configure_package_config_file(cmake/zentrak-config.cmake.in ${PROJECT_BINARY_DIR}/installed/zentrak-config.cmake
     INSTALL_DESTINATION ${package} PATH_VARS CMAKE_INSTALL_DATADIR)
-write_basic_package_version_file(${CMAKE_BINARY_DIR}/installed/zentrak-config-version.cmake
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/installed/zentrak-config-version.cmake
     COMPATIBILITY SameMajorVersion)
-install(FILES ${CMAKE_BINARY_DIR}/installed/zentrak-config.cmake
-    ${CMAKE_BINARY_DIR}/installed/zentrak-config-version.cmake DESTINATION ${package})
+install(FILES ${PROJECT_BINARY_DIR}/installed/zentrak-config.cmake
+    ${PROJECT_BINARY_DIR}/installed/zentrak-config-version.cmake DESTINATION ${package})
 install(EXPORT zentrak NAMESPACE zentrak:: FILE zentrak-targets.cmake DESTINATION ${package})
 
 # pkg-config: everything in one module, linked from the top floor down. What the libraries use themselves is needed
@@ -37,12 +43,12 @@ foreach(library IN LISTS ZENTRAK_LIBRARIES)
     list(APPEND ZENTRAK_PC_LIBS -lzentrak_${library})
 endforeach()
 list(JOIN ZENTRAK_PC_LIBS " " ZENTRAK_PC_LIBS)
-set(ZENTRAK_PC_PRIVATE "openal, sndfile, vorbisfile, libmpg123, libopenmpt, minizip, libpng, libjpeg, zlib, glfw3")
+set(ZENTRAK_PC_PRIVATE "openal, sndfile, vorbisfile, libmpg123, libopenmpt, minizip, libpng, libjpeg, zlib, glfw3, x11")
 if(BUILD_SHARED_LIBS)
     set(ZENTRAK_PC_REQUIRES "glew, glu, gl")
 else()
     set(ZENTRAK_PC_REQUIRES "glew, glu, gl, ${ZENTRAK_PC_PRIVATE}")
 endif()
 file(RELATIVE_PATH ZENTRAK_PC_PREFIX ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
-configure_file(cmake/zentrak.pc.in ${CMAKE_BINARY_DIR}/installed/zentrak.pc @ONLY)
-install(FILES ${CMAKE_BINARY_DIR}/installed/zentrak.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+configure_file(cmake/zentrak.pc.in ${PROJECT_BINARY_DIR}/installed/zentrak.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/installed/zentrak.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

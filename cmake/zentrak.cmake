@@ -8,7 +8,7 @@ target_compile_options(zentrak_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow
 # Bounds of containers are checked, too.
 target_compile_definitions(zentrak_flags INTERFACE _GLIBCXX_ASSERTIONS)
 # No trace of where the sources were: two clones give the same program.
-target_compile_options(zentrak_flags INTERFACE -ffile-prefix-map=${CMAKE_SOURCE_DIR}/=)
+target_compile_options(zentrak_flags INTERFACE -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=)
 target_link_options(zentrak_flags INTERFACE -Wl,-z,relro,-z,now $<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:-pie>)
 if(ZENTRAK_WERROR)
     target_compile_options(zentrak_flags INTERFACE -Werror)
@@ -31,7 +31,7 @@ function(zentrak_library name)
         EXPORT_NAME ${name} VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
     target_compile_features(zentrak_${name} PUBLIC cxx_std_20)
     target_include_directories(zentrak_${name} PUBLIC
-        $<BUILD_INTERFACE:${CMAKE_SOURCE_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/zentrak>)
+        $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/zentrak>)
     # What uses the installed libraries keeps its assertions, too: some are in inline functions of the headers.
     target_compile_options(zentrak_${name} INTERFACE $<INSTALL_INTERFACE:-UNDEBUG>)
     target_link_libraries(zentrak_${name} PUBLIC ${ARG_LINK}

@@ -1,0 +1,9 @@
+// zentrak-film with the effects of this demo.
+
+#include "effects.h"
+#include "zentrak_film.h"
+
+int main(int argc, char** argv) {
+    return zentrak::film::run(
+        argc, argv, [](zentrak::kindler::Kindler& kindler) { return std::make_shared<Effects>(kindler); });
+}
