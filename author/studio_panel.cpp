@@ -11,7 +11,7 @@ using panorama::Event;
 namespace {
 
 constexpr float LABELS = 78; // pixels before a field
-constexpr float FIELD = 150; // its width
+constexpr float FIELD = 130; // its width
 constexpr float ROW = 25;
 constexpr float TOP = 52;
 

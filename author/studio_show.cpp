@@ -175,6 +175,9 @@ void Show::open(int width, int height, const std::string& title) {
         mKindler.mMusic.mStream->setVolume(isMuted() ? 0.0f : 1.0f);
     if (!mKindler.mMusicFile.empty())
         mWave.open(mKindler.mArchives.readFile(mKindler.mMusicFile));
+    // The list of names is found by making every effect once, which resets what they share: so before they
+    // run.
+    kindler::effectNames();
     for (const kindler::CatalogueEntry& entry : kindler::effectCatalogue()) {
         auto slot = std::make_unique<Slot>(*this, entry);
         slot->make();
