@@ -4,6 +4,7 @@
 #include "am_videofile.h"
 #include "dis_glcheck.h"
 #include "dis_key.h"
+#include "dis_shader.h"
 #include "effect_names.h"
 #include "glfw2.h"
 #include "script_loadxml.h"
@@ -58,7 +59,25 @@ public:
 
     Slot(Show& show, const kindler::CatalogueEntry& entry) : mShow(show), mEntry(entry), mName(entry.name) {}
 
-    // A new effect in place of the old one, or, where that fails, none.
+    // Checks a file that has changed, so that a broken one does not cost the running effect the state that it
+    // shares with its successor. Whether it can be used.
+    bool check(const std::string& name) {
+        mBroken.clear();
+        display::DisplayGL* const display = mShow.mKindler.mDisplay;
+        try {
+            if (name.ends_with(".frag"))
+                display::FragmentShader(display).compile(name.c_str(), "");
+            if (name.ends_with(".vert"))
+                display::VertexShader(display).compile(name.c_str(), "");
+            if (name.ends_with(".png") || name.ends_with(".jpg"))
+                mShow.mKindler.mArchives.loadImage(name, -1, true);
+        } catch (const std::exception& exception) {
+            mBroken = exception.what();
+        }
+        return mBroken.empty();
+    }
+
+    // A new effect in place of the old one, which stays where that fails.
     void make() {
         std::unique_ptr<kindler::Effect> effect = mEntry.make(mShow.mCommon);
         effect->mDisplay = mShow.mKindler.mDisplay;
@@ -430,6 +449,9 @@ void Show::reload(const std::vector<std::string>& names) {
     for (auto& [name, slot] : mSlots) {
         const auto reads = [&files = slot->mFiles](const std::string& file) { return files.contains(file); };
         if (std::none_of(names.begin(), names.end(), reads))
+            continue;
+        if (!std::all_of(names.begin(), names.end(),
+                         [&](const std::string& file) { return !reads(file) || slot->check(file); }))
             continue;
         slot->make();
         rewind(&name);

@@ -339,6 +339,37 @@ TEST_F(StudioTest, AShaderIsLoadedAgainAndABrokenOneNamesItsLine) {
     until("no error", [&] { return window().getErrors().empty(); });
 }
 
+// What the effects share is theirs alone: neither a click on a span nor a file that can't be used changes it.
+TEST_F(StudioTest, ASelectionAndABrokenShaderLeaveThePictureAlone) {
+    std::filesystem::remove(dir().file("kub"));
+    std::filesystem::copy(sourcePath("data/kub"), dir().file("kub"));
+    mScript.replace(mScript.find("name=\"grid\""), 11, "name=\"kub\"");
+    window();
+    show().seek(8);
+    frame();
+    const Picture before = picture();
+    click("overlay");
+    key("Escape");
+    until("nothing selected", [&] { return editor().getSelection().empty(); });
+    const auto same = [&](const Picture& after) {
+        size_t differ = 0;
+        for (int y = -170; y < 170; y += 2)
+            for (int x = -280; x < 280; x += 2)
+                differ += std::abs(int(pictureAt(before, x, y)[0]) - int(pictureAt(after, x, y)[0])) > 24;
+        return differ < 200;
+    };
+    EXPECT_TRUE(same(picture()));
+    writeFile(dir().file("kub/kub.frag"), "nonsense");
+    until("the error", [&] { return !window().getErrors().empty(); });
+    EXPECT_EQ(window().getErrors()[0].substr(0, 11), "effect kub:");
+    EXPECT_LT(window().getErrors().size(), 8u);
+    Picture after = picture();
+    EXPECT_GT(int(pictureAt(after, 0, 100)[0]), 150) << "the cubes' floor is still drawn";
+    std::filesystem::remove_all(dir().file("kub"));
+    std::filesystem::copy(sourcePath("data/kub"), dir().file("kub"));
+    until("no error", [&] { return window().getErrors().empty(); });
+}
+
 TEST_F(StudioTest, ABrokenLayoutIsNamed) {
     window();
     const std::string good = readFile(dir().file("layout.xml"));
