@@ -31,7 +31,7 @@ public:
     bool isOpen() const { return mFd >= 0; }
     int get() const { return mFd; }
 
-    // False if the system could not write all that was given to it.
+    // False if the system could not write everything.
     bool close() {
         bool ok = mFd < 0 || ::close(mFd) == 0;
         mFd = -1;
@@ -42,7 +42,7 @@ private:
     int mFd;
 };
 
-// Reads until `data` holds `length` bytes or the file ends; the number of bytes read, or -1.
+// Reads until `data` holds `length` bytes or the file ends. Returns the number of bytes read, or -1.
 long readAll(int fd, unsigned char* data, long length) {
     long done = 0;
     while (done < length) {
@@ -71,8 +71,7 @@ bool writeAll(int fd, const unsigned char* data, long length) {
     return true;
 }
 
-// Follows symbolic links at the end of `path`, to a target that need not be there. Empty for links that go in
-// circles.
+// Follows symbolic links at the end of `path`; the target need not exist. Empty for a cycle of links.
 std::string followLinks(std::string path) {
     constexpr int maxLinks = 40; // as many as the kernel follows
     for (int links = 0; links < maxLinks; ++links) {
@@ -90,8 +89,8 @@ Descriptor openFolder(const std::string& path) {
     return Descriptor(::open(path.empty() ? "." : path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
 }
 
-// The folder of `name`, which starts at `base`, with what is missing of it created. No link below `base` is
-// followed.
+// Opens the folder of `name`, relative to `base`, and creates what is missing of it. Follows no link below
+// `base`.
 Descriptor openFolderWithoutLinks(const std::string& base, const std::string& name) {
     Descriptor folder = openFolder(base);
     const std::string parents = folderOf(name);
@@ -106,7 +105,7 @@ Descriptor openFolderWithoutLinks(const std::string& base, const std::string& na
     return folder;
 }
 
-// Creates a file for writing under a name that nothing in `folder` has; the name goes to `name`.
+// Creates a file under an unused name in `folder` and returns the name in `name`.
 Descriptor createTemporary(int folder, std::string& name) {
     constexpr int maxTries = 1000;
     for (int i = 0; i < maxTries; ++i) {
@@ -119,19 +118,19 @@ Descriptor createTemporary(int folder, std::string& name) {
 }
 
 // Writes the bytes into the temporary file `fd` and gives it the owner and mode of `old`, if there is one.
-// The bytes have to be on the disk before the old file's name points at them.
+// The bytes have to be on disk before the old name points at them.
 bool fill(int fd, const FileStructure& file, const struct stat* old) {
     if (!writeAll(fd, file.data, file.length))
         return false;
     if (!old)
         return true;
-    bool owned = ::fchown(fd, old->st_uid, old->st_gid) == 0; // kept where the system lets us
+    bool owned = ::fchown(fd, old->st_uid, old->st_gid) == 0; // if we are allowed to
     mode_t bits = old->st_mode & (owned ? 07777 : 0777);
     return ::fchmod(fd, bits) == 0 && ::fsync(fd) == 0;
 }
 
-// Room for all bytes is taken before the first of the old ones is overwritten, so that a full disk leaves the
-// file as it is.
+// Reserves space for all bytes before the first of the old ones is overwritten, so that a full disk leaves
+// the file as it is.
 bool writeInPlace(int fd, const FileStructure& file, off_t oldLength) {
     if (file.length > oldLength && ::posix_fallocate(fd, 0, file.length) != 0) {
         if (::ftruncate(fd, oldLength) != 0)
@@ -143,8 +142,8 @@ bool writeInPlace(int fd, const FileStructure& file, off_t oldLength) {
 
 // Writes the file as `name` in `folder`; a link of that name is replaced.
 bool replaceFile(int folder, const std::string& name, const FileStructure& file) {
-    // What is there must be a regular file that could be written in place. Opening does not wait for the
-    // other end of a pipe.
+    // An existing target must be a regular file that we may write. O_NONBLOCK: opening a pipe must not wait
+    // for its other end.
     constexpr int flags = O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC | O_NOFOLLOW;
     Descriptor old(::openat(folder, name.c_str(), flags));
     struct stat status {};
@@ -155,7 +154,7 @@ bool replaceFile(int folder, const std::string& name, const FileStructure& file)
     std::string temporaryName;
     Descriptor temporary = createTemporary(folder, temporaryName);
     if (temporary.isOpen()) {
-        // Renamed only when whole: at every moment the target is the old file or the new one.
+        // Renamed only when complete: the target is always either the old file or the new one.
         bool full = fill(temporary.get(), file, old.isOpen() ? &status : nullptr);
         full = temporary.close() && full;
         if (full && ::renameat(folder, temporaryName.c_str(), folder, name.c_str()) == 0)
@@ -164,7 +163,7 @@ bool replaceFile(int folder, const std::string& name, const FileStructure& file)
         if (!full)
             return false;
     }
-    // A folder that takes no new file, or a file that is a mount of its own.
+    // The folder takes no new file, or the file is a mount point.
     return old.isOpen() && writeInPlace(old.get(), file, status.st_size);
 }
 
@@ -175,7 +174,7 @@ bool isWritable(const File& file) {
 
 } // namespace
 
-// Also "data/" becomes "data//", which names the same directory.
+// "data/" becomes "data//", which names the same directory.
 ArchiveDirectory::ArchiveDirectory(const std::string& directory) : path(directory + "/") {}
 
 File ArchiveDirectory::read(const std::string& name) {
@@ -195,7 +194,7 @@ File ArchiveDirectory::read(const std::string& name) {
     file->data = new (std::nothrow) unsigned char[size_t(status.st_size)];
     if (!file->data)
         return File();
-    file->length = readAll(fd.get(), file->data, status.st_size); // less if the file shrinks meanwhile
+    file->length = readAll(fd.get(), file->data, status.st_size); // less if the file has shrunk
     if (file->length < 0)
         return File();
     return File(file.release());
@@ -223,7 +222,7 @@ bool ArchiveDirectory::writeWithoutLinks(File file) {
 
 bool ArchiveDirectory::createFullDirectory(const std::string& path) {
     size_t i = path.find_first_not_of("./\\");
-    for (; i < path.size(); ++i) // npos, when there is nothing else, is above the size
+    for (; i < path.size(); ++i) // skipped if i is npos
         if (isSeparator(path[i]) && ::mkdir(path.substr(0, i).c_str(), 0777) != 0 && errno != EEXIST)
             return false;
     return true;

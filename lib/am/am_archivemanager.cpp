@@ -12,7 +12,7 @@ namespace {
 const char cProtocolMark[] = "://";
 const size_t cProtocolMarkLength = sizeof cProtocolMark - 1;
 
-// Where "://" starts after the first word of `path`, or npos.
+// Where "://" follows the first word of `path`, or npos.
 size_t findProtocol(const std::string& path) {
     for (size_t i = 0; i < path.size() && !isSeparator(path[i]); ++i)
         if (path.compare(i, cProtocolMarkLength, cProtocolMark) == 0)
@@ -20,7 +20,7 @@ size_t findProtocol(const std::string& path) {
     return std::string::npos;
 }
 
-// The extension of the last component, with its dot, or nothing. Because of the dot it is never "zip": a zip
+// The extension of the last component with its dot, or nothing. Because of the dot it is never "zip": a zip
 // file is only added by its protocol.
 std::string findType(const std::string& path) {
     size_t i = path.find_last_of("./\\");
@@ -62,18 +62,18 @@ int ArchiveManager::addArchive(const std::string& path) {
     return -1;
 }
 
-// Takes over the archive; its index.
+// Takes ownership; returns the index.
 int ArchiveManager::add(ArchiveBase* archive) {
     mArchives.push_back(archive);
     return int(mArchives.size()) - 1;
 }
 
-// Null for an index that no archive has.
+// Null if there is no such archive.
 ArchiveBase* ArchiveManager::archiveAt(int archive) const {
     return archive >= 0 && size_t(archive) < mArchives.size() ? mArchives[size_t(archive)] : nullptr;
 }
 
-// The archive that is asked for costs one more read; the order of addition decides all the same.
+// Reading the requested archive as well costs one more read: the order of addition still decides.
 File ArchiveManager::readFile(const std::string& name, int archive) {
     if (mRecorder)
         mRecorder->push_back(name);

@@ -23,7 +23,8 @@ std::string cleanName(const std::string& name) {
     return name.substr(start);
 }
 
-// Reads the open entry to its end, or until `room` is full; the number of bytes, or -1 for damaged data.
+// Reads the open entry to its end or until `room` is full. Returns the number of bytes, or -1 for damaged
+// data.
 long readEntry(unzFile zip, unsigned char* data, unsigned long room) {
     unsigned long done = 0;
     while (done < room) {
@@ -41,7 +42,7 @@ long readEntry(unzFile zip, unsigned char* data, unsigned long room) {
 
 ArchiveZIP::ArchiveZIP(const std::string& path) {
     struct stat status {};
-    if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) // a pipe would be waited for
+    if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) // opening a pipe would block
         return;
     mSize = static_cast<unsigned long>(status.st_size);
     mZip = unzOpen(path.c_str());
@@ -62,7 +63,7 @@ File ArchiveZIP::read(const std::string& name) {
     if (unzGetCurrentFileInfo(mZip, &info, entryName, sizeof entryName, nullptr, 0, nullptr, 0) != UNZ_OK)
         return File();
 
-    // The header may claim any size. Nothing packs by more than 1032 to 1.
+    // The header may claim any size, but deflate packs no better than 1032 to 1.
     constexpr unsigned long ratio = 1032;
     const unsigned long room =
         std::min(info.uncompressed_size, ratio * std::min(info.compressed_size, mSize));
@@ -70,7 +71,7 @@ File ArchiveZIP::read(const std::string& name) {
         reportLength(name);
         return File();
     }
-    constexpr unsigned long encrypted = 1; // bit of the flags
+    constexpr unsigned long encrypted = 1; // flag bit
     if ((info.flag & encrypted) || unzOpenCurrentFilePassword(mZip, nullptr) != UNZ_OK)
         return File();
 
@@ -79,7 +80,7 @@ File ArchiveZIP::read(const std::string& name) {
     file->data = new (std::nothrow) unsigned char[room];
     file->length = file->data ? readEntry(mZip, file->data, room) : -1;
     bool ok = unzCloseCurrentFile(mZip) == UNZ_OK && file->length >= 0;
-    // The library only checks the sum of an entry that is as long as it claims.
+    // The library verifies the checksum only of an entry that is as long as it claims.
     const unsigned long length = static_cast<unsigned long>(file->length);
     ok = ok && (length == info.uncompressed_size || crc32_z(0, file->data, length) == info.crc);
     return ok ? File(file.release()) : File();

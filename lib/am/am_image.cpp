@@ -39,7 +39,7 @@ unsigned char* ImageObject::getWriteData() {
 }
 
 // Removing the image from its cache calls this function again for the cache's reference, which deletes the
-// counter: nothing of it may be used after that.
+// counter: don't touch members after that.
 void ImageRefCounter::decRef(ImageObject*) {
     if (mRef > 0)
         --mRef;
@@ -63,8 +63,8 @@ Image::Image(const Image& other) {
 
 Image::Image(Image&& other) noexcept : mObjectRef(std::exchange(other.mObjectRef, nullptr)) {}
 
-// An image whose name or manager was changed by hand is in no cache: removing it fails, which is logged. The
-// reference is dropped all the same.
+// An image whose name or manager was changed by hand is in no cache. Removing it fails, which is logged, but
+// the reference is dropped all the same.
 Image::~Image() {
     try {
         release();

@@ -13,7 +13,7 @@
 
 #include <jerror.h>
 
-// The handlers throw through the library's frames: on x86-64 C functions have unwind tables too.
+// The handlers throw through libjpeg's frames: on x86-64 C functions have unwind tables too.
 
 namespace zentrak::am {
 
@@ -32,7 +32,7 @@ struct Decompress : jpeg_decompress_struct {
     throw Exception("Internal jpeglib error; %s", text);
 }
 
-// Warnings come here too, and are as fatal.
+// Warnings end up here too and are just as fatal.
 [[noreturn]] void ImageCodec_JPEG_output_message(j_common_ptr cinfo) {
     char text[JMSG_LENGTH_MAX];
     cinfo->err->format_message(cinfo, text);
@@ -48,8 +48,8 @@ void ImageCodec_JPEG_init_source(j_decompress_ptr) {}
 
 void ImageCodec_JPEG_term_source(j_decompress_ptr) {}
 
-// The whole file was there from the start, so a request for more means that it ends too soon. The warning
-// ends the decoding; the marker is for a library that goes on all the same.
+// The whole file is in memory, so a request for more means that it is truncated. The warning ends the
+// decoding; the marker is for a library that carries on regardless.
 boolean ImageCodec_JPEG_fill_input_buffer(j_decompress_ptr cinfo) {
     static const JOCTET endOfImage[] = {0xff, JPEG_EOI};
     cinfo->src->next_input_byte = endOfImage;
@@ -71,25 +71,25 @@ unsigned long pixelsOf(const jpeg_decompress_struct& cinfo) {
     return static_cast<unsigned long>(cinfo.image_width) * cinfo.image_height;
 }
 
-// A few bytes can hold a scan of the whole picture, so that a small file could keep us busy for hours. The
-// largest picture may have 64 scans, which is more than encoders make, and smaller ones more.
+// A scan of the whole picture can take a few bytes, so a small file could keep us busy for hours. The largest
+// picture may have 64 scans, more than any encoder makes; smaller ones may have more.
 void limitScans(j_common_ptr common) {
     constexpr unsigned long maxScans = 500;
-    constexpr unsigned long maxPixels = 64 * ImageCodec::MAX_PIXELS; // of all scans
+    constexpr unsigned long maxPixels = 64 * ImageCodec::MAX_PIXELS; // over all scans
     const jpeg_decompress_struct& cinfo = *reinterpret_cast<j_decompress_ptr>(common);
     const unsigned long scans = static_cast<unsigned long>(cinfo.input_scan_number);
     if (scans > maxScans || scans * pixelsOf(cinfo) > maxPixels)
         fail(common, "Too many scans");
 }
 
-// Can a file of this length hold the picture? Each block takes at least a bit, and one that is drawn four
-// times as wide and high covers 32 by 32 pixels. Arithmetic coding packs closer.
+// Can a file of this length hold the picture? Each block takes at least one bit, and with 4x subsampling in
+// both directions it covers 32 by 32 pixels. Arithmetic coding is denser.
 bool fits(const jpeg_decompress_struct& cinfo, unsigned long length) {
     constexpr unsigned long pixelsPerByte = 32 * 32 * 8;
     return cinfo.arith_code || pixelsOf(cinfo) <= length * pixelsPerByte;
 }
 
-// The library converts colour and gray to our order of bytes; CMYK is converted here.
+// The library converts colour and gray to our byte order; CMYK is converted here.
 void chooseOutput(jpeg_decompress_struct& cinfo) {
     switch (cinfo.jpeg_color_space) {
     case JCS_GRAYSCALE:

@@ -10,8 +10,8 @@
 #include <png.h>
 #include <vector>
 
-// The library reports errors by a long jump, which runs no destructors. So each jump stays within `readPng`
-// or `writePng`, which have only plain variables; what has to be freed is held by their callers.
+// libpng reports errors by longjmp, which runs no destructors. So each jump stays within `readPng` or
+// `writePng`, which have only trivial variables; their callers own everything that has to be freed.
 
 namespace zentrak::am {
 
@@ -19,14 +19,14 @@ namespace {
 
 constexpr size_t cSignatureLength = 8;
 
-// The bytes of a file and how far they were read.
+// The bytes of a file and the read position.
 struct Source {
     const unsigned char* mData;
     size_t mLength;
     size_t mPosition;
 };
 
-// The bytes of the file that is being written, and the pixels that go there.
+// The file being written, and its pixels.
 struct Target {
     std::vector<unsigned char> mBytes;
     std::vector<unsigned char> mRow; // one row, red first
@@ -55,7 +55,7 @@ struct WriteStruct {
     ~WriteStruct() { png_destroy_write_struct(&mPng, &mInfo); }
 };
 
-// Instead of the library's own handlers, which print.
+// Replace the library's own handlers, which print.
 void pngError(png_structp png, png_const_charp) {
     png_longjmp(png, 1);
 }
@@ -75,7 +75,7 @@ void pngWriteData(png_structp png, png_bytep from, png_size_t count) {
     try {
         target.mBytes.insert(target.mBytes.end(), from, from + count);
     } catch (const std::bad_alloc&) {
-        ok = false; // the jump may not leave the handler of an exception
+        ok = false; // longjmp must not leave a catch block
     }
     if (!ok)
         png_error(png, "out of memory");
@@ -87,9 +87,8 @@ unsigned bigEndian(const unsigned char* bytes) {
     return unsigned(bytes[0]) << 24 | unsigned(bytes[1]) << 16 | unsigned(bytes[2]) << 8 | bytes[3];
 }
 
-// What the header claims.
 struct Header {
-    unsigned long mWidth = 0; // 0 where there is no header
+    unsigned long mWidth = 0; // 0 without a header
     unsigned long mHeight = 0;
     unsigned long mBitsPerPixel = 0;
 
@@ -104,8 +103,8 @@ struct Header {
         mBitsPerPixel = channels[data[colourType] & 7] * (data[depth] & 31);
     }
 
-    // Can a file of this length hold as many pixels? Nothing packs by more than 1032 to 1, and the library
-    // takes memory for all of them before it reads the first.
+    // Can a file of this length hold as many pixels? Deflate packs no better than 1032 to 1, and libpng
+    // allocates all of them before it reads the first.
     bool fits(unsigned long length) const { return mWidth * mHeight * mBitsPerPixel / 8 <= 1032 * length; }
 };
 
@@ -114,8 +113,8 @@ bool readPng(png_structp png, png_infop info, Source* source) {
         return false;
     png_set_read_fn(png, source, pngReadData);
     png_set_sig_bytes(png, int(cSignatureLength));
-    // Only the pixels are wanted. For a text, a profile and the like the library would take, and clear, as
-    // much memory as the chunk claims to be long.
+    // Only the pixels are wanted. For text, profiles and the like libpng would allocate and clear as much
+    // memory as the chunk claims to need.
     png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_NEVER, nullptr, -1);
     png_read_png(png, info, PNG_TRANSFORM_IDENTITY, nullptr);
     return true;

@@ -32,7 +32,7 @@ void swapRedBlue(unsigned char* __restrict to, const unsigned char* __restrict f
 void expandRgb(unsigned char* __restrict to, const unsigned char* __restrict from, size_t count) {
     if (count == 0)
         return;
-    // A word holds a pixel and the first byte of the next one, which the last pixel doesn't have.
+    // A word holds a pixel and the first byte of the next one, which the last pixel lacks.
     for (size_t i = 0; i + 1 < count; ++i)
         store(to + i * 4, (__builtin_bswap32(load(from + i * 3)) >> 8) | 0xff000000u);
     const unsigned char* last = from + (count - 1) * 3;

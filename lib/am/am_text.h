@@ -1,11 +1,11 @@
-// Pieces of names and paths.
+// Helpers for names and paths.
 #pragma once
 
 #include <string>
 
 namespace zentrak::am {
 
-// A to Z only, whatever the locale.
+// ASCII only, whatever the locale.
 inline std::string toLower(std::string text) {
     for (char& c : text)
         if (c >= 'A' && c <= 'Z')
@@ -17,12 +17,12 @@ inline bool isSeparator(char c) {
     return c == '/' || c == '\\';
 }
 
-// The system would cut a name at a zero byte, and open another file.
+// A name with a zero byte would be cut there, and open another file.
 inline bool isWholeName(const std::string& name) {
     return name.find('\0') == std::string::npos;
 }
 
-// The path up to its last "/", that included; empty without one.
+// The path up to and including its last "/"; empty without one.
 inline std::string folderOf(const std::string& path) {
     return path.substr(0, path.rfind('/') + 1);
 }
@@ -38,7 +38,7 @@ inline std::string extensionOf(const std::string& name, const std::string& none)
     return dot == std::string::npos ? none : name.substr(dot + 1);
 }
 
-// Does the name stay in the folder that it is used in? Not an absolute one, and none with a "..".
+// Does the name stay in its folder? Not if it is absolute or contains "..".
 inline bool staysInFolder(const std::string& name) {
     if (!isWholeName(name) || name.empty() || isSeparator(name[0]))
         return false;

@@ -23,7 +23,7 @@ RefPtr<File> AdrCreateMemoryFile(const void* data, int size) {
     return new MemoryFile(data, size);
 }
 
-// In the order of how reliably a format is recognised: modules and MP3 least.
+// The most reliably recognised formats first, modules and MP3 last.
 RefPtr<SampleSource> AdrOpenSampleSourceFromFile(const RefPtr<File>& file, int format) {
     if (!file || format != 0)
         return nullptr;

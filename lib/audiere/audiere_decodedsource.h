@@ -1,4 +1,4 @@
-// What all sources that decode a file share.
+// Base of all sources that decode a file.
 #pragma once
 
 #include "audiere.h"
@@ -13,7 +13,7 @@ public:
     int getPosition() override { return mPosition; }
 
 protected:
-    // A new Source of the file. Null when the file is of another kind, or holds nothing to play.
+    // Creates a Source for the file. Null if the file is of another kind or empty.
     template <class Source>
     static RefPtr<SampleSource> openAs(const RefPtr<File>& file) {
         const RefPtr<Source> source = new Source(file);
@@ -24,8 +24,8 @@ protected:
     int mPosition = 0; // in frames
 };
 
-// Seeks in the manner of fseek: `whence` is SEEK_SET, SEEK_CUR or SEEK_END. False, with nothing moved, if
-// that is outside the file.
+// Like fseek: `whence` is SEEK_SET, SEEK_CUR or SEEK_END. Returns false and moves nothing if the target is
+// outside the file.
 bool seekFile(File& file, int64_t offset, int whence);
 
 } // namespace zentrak::audiere

@@ -4,7 +4,7 @@ namespace zentrak::audiere {
 
 namespace {
 
-// Each thread has a context of its own: ALC_EXT_thread_local_context, which OpenAL Soft always has.
+// Each thread has its own current context: ALC_EXT_thread_local_context, which OpenAL Soft always has.
 PFNALCSETTHREADCONTEXTPROC setThreadContext() {
     static const auto set =
         reinterpret_cast<PFNALCSETTHREADCONTEXTPROC>(alcGetProcAddress(nullptr, "alcSetThreadContext"));

@@ -1,4 +1,4 @@
-// An OpenAL device with the one context in which its streams live.
+// An OpenAL device and the one context that its streams use.
 #pragma once
 
 #include "audiere.h"
@@ -11,15 +11,15 @@ namespace zentrak::audiere {
 
 class OpenALDevice : public AudioDevice {
 public:
-    // Null when there is no device of this name (null: the system's own), or it gives no context.
+    // `name` null means the default device. Null if there is no such device or it provides no context.
     static RefPtr<OpenALDevice> open(const char* name);
 
-    // Makes the context the calling thread's; before any OpenAL call on behalf of this device.
+    // Makes the context current on the calling thread; required before any OpenAL call for this device.
     void makeCurrent();
-    // Before the thread ends, or the device.
+    // Call before the thread or the device ends.
     void releaseCurrent();
 
-    // False once the device was unplugged.
+    // False once the device has been unplugged.
     virtual bool isConnected();
 
 protected:

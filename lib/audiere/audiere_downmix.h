@@ -1,6 +1,6 @@
-// Mixes many channels down to two: each goes to its side, a centre channel to both, 3 dB down, and the
-// subwoofer to neither. OpenAL Soft can't do it: it takes only some numbers of channels, and before
-// version 1.20 it drops the centre unless everything is played through a virtual room.
+// Mixes any number of channels down to two: each goes to its side, a centre channel to both at -3 dB, and the
+// subwoofer to neither. OpenAL Soft can't do it: it supports only some channel counts, and before version
+// 1.20 it drops the centre unless everything is played through a virtual room.
 #pragma once
 
 #include <string>
@@ -19,7 +19,7 @@ public:
     static std::string usualPlaces(int count);
     static std::string vorbisPlaces(int count);
 
-    // Adds `frames` samples of a channel, `stride` apart, to the two channels interleaved in `out`.
+    // Mixes `frames` samples of one channel, `stride` apart, into the stereo buffer `out`.
     void add(int channel, const float* in, int stride, int frames, float* out) const;
 
 private:

@@ -1,4 +1,4 @@
-// A file that is a copy of a block of memory.
+// A file in memory.
 #pragma once
 
 #include "audiere.h"

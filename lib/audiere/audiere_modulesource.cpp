@@ -11,9 +11,9 @@ namespace zentrak::audiere {
 namespace {
 
 constexpr int SAMPLE_RATE = 48000;
-constexpr int SKIP_FRAMES = 1024;               // rendered and dropped at a time
+constexpr int SKIP_FRAMES = 1024;               // rendered and discarded per call
 constexpr int LEAD_IN = 4096;                   // frames of full quality before a position
-constexpr int LONGEST_SKIP = 900 * SAMPLE_RATE; // a second or so of work for a plain module
+constexpr int LONGEST_SKIP = 900 * SAMPLE_RATE; // about a second of work for a plain module
 
 std::vector<char> readAll(File& file) {
     file.seek(0, File::END);
@@ -23,7 +23,7 @@ std::vector<char> readAll(File& file) {
     return bytes;
 }
 
-// Swallows libopenmpt's messages.
+// Discards libopenmpt's messages.
 std::ostream& nowhere() {
     static std::ostream stream(nullptr);
     return stream;
@@ -53,7 +53,7 @@ void ModuleSource::getFormat(int& channelCount, int& sampleRate, SampleFormat& s
     sampleFormat = SF_F32;
 }
 
-// The length is that of the score. A rendering that stops short of it is followed by silence.
+// The length is that of the score; if rendering ends earlier, the rest is silent.
 int ModuleSource::read(int frameCount, void* buffer) {
     size_t wanted = size_t(std::max(std::min(frameCount, mLength - mPosition), 0));
     float* out = static_cast<float*>(buffer);
@@ -69,10 +69,10 @@ int ModuleSource::read(int frameCount, void* buffer) {
     return int(wanted);
 }
 
-// Only a rendering from the start is exact to the sample: libopenmpt's own seek lands on a row, up to a tenth
-// of a second away, and forgets the notes that ring on. So everything before the position is rendered and
-// dropped, without interpolation until shortly before it: a millisecond or two for each second of music. Only
-// a very long way is cut short by that seek.
+// Only rendering from the start is sample-exact: libopenmpt's own seek lands on a row, up to a tenth of a
+// second away, and loses the notes still ringing. So everything before the position is rendered and
+// discarded, without interpolation until shortly before it, which takes a millisecond or two per second of
+// music. Only very long skips use that seek.
 void ModuleSource::setPosition(int position) {
     position = std::clamp(position, 0, mLength);
     if (position == mLength) {
@@ -92,7 +92,7 @@ void ModuleSource::setPosition(int position) {
     skipTo(position, 0);
 }
 
-// Renders and drops. filterLength is libopenmpt's: 1 for no interpolation, 0 for its own choice.
+// Renders and discards. filterLength is libopenmpt's: 1 for no interpolation, 0 for its default.
 void ModuleSource::skipTo(int position, int filterLength) {
     float dropped[2 * SKIP_FRAMES];
     mModule.set_render_param(openmpt::module::RENDER_INTERPOLATIONFILTER_LENGTH, filterLength);

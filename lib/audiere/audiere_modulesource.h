@@ -9,7 +9,7 @@ namespace zentrak::audiere {
 
 class ModuleSource : public DecodedSource {
 public:
-    // Null when the file is of another kind, or holds nothing to play.
+    // Null if the file is of another kind or empty.
     static RefPtr<SampleSource> open(const RefPtr<File>& file);
 
     void getFormat(int& channelCount, int& sampleRate, SampleFormat& sampleFormat) override;

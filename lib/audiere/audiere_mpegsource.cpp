@@ -9,7 +9,7 @@ namespace zentrak::audiere {
 
 namespace {
 
-// libmpg123's access to the file.
+// File callbacks for libmpg123.
 ssize_t fileRead(void* user, void* buffer, size_t size) {
     return static_cast<File*>(user)->read(buffer, int(std::min<size_t>(size, INT_MAX)));
 }
@@ -19,8 +19,8 @@ off_t fileSeek(void* user, off_t offset, int whence) {
     return seekFile(*file, offset, whence) ? file->tell() : -1;
 }
 
-// A tag, or the header of a frame of layer 3 whose fields are all valid. The library itself would search any
-// file for something that looks like one.
+// A tag, or a valid layer 3 frame header. The library itself would search any file for something that looks
+// like one.
 bool beginsLikeMp3(File& file) {
     unsigned char mark[4] = {};
     file.seek(0, File::BEGIN);
@@ -40,7 +40,7 @@ RefPtr<SampleSource> MpegSource::open(const RefPtr<File>& file) {
     return openAs<MpegSource>(file);
 }
 
-// The whole file is scanned for its frames: the length in the header may be missing or wrong.
+// Scans the whole file: the length in the header may be missing or wrong.
 MpegSource::MpegSource(const RefPtr<File>& file) : mFile(file) {
     if (!beginsLikeMp3(*mFile))
         return;
@@ -62,7 +62,7 @@ MpegSource::MpegSource(const RefPtr<File>& file) : mFile(file) {
 }
 
 MpegSource::~MpegSource() {
-    mpg123_delete(mDecoder); // null is fine
+    mpg123_delete(mDecoder); // null is allowed
 }
 
 void MpegSource::getFormat(int& channelCount, int& sampleRate, SampleFormat& sampleFormat) {
@@ -87,7 +87,7 @@ int MpegSource::read(int frameCount, void* buffer) {
     return frames;
 }
 
-// If the MP3 is followed by something else, the library may report a position far past the end.
+// If other data follows the MP3, the library may report a position far past the end.
 void MpegSource::setPosition(int position) {
     position = std::clamp(position, 0, mLength);
     mPosition = int(std::clamp<off_t>(mpg123_seek(mDecoder, position, SEEK_SET), 0, mLength));

@@ -8,9 +8,9 @@ namespace zentrak::audiere {
 
 namespace {
 
-const int MIX_FRAMES = 1024; // mixed down at a time
+const int MIX_FRAMES = 1024; // per mixing step
 
-// libsndfile's access to the file.
+// File callbacks for libsndfile.
 sf_count_t fileLength(void* user) {
     File* file = static_cast<File*>(user);
     int position = file->tell();
@@ -37,7 +37,7 @@ sf_count_t fileWrite(const void*, sf_count_t, void*) {
     return 0;
 }
 
-// libsndfile knows many more formats, which are not supported here.
+// libsndfile reads many more formats, which we don't support.
 bool hasMark(File& file) {
     char mark[4] = {};
     file.seek(0, File::BEGIN);
@@ -74,7 +74,7 @@ SndfileSource::~SndfileSource() {
         sf_close(mDecoder);
 }
 
-// As given in the file, or the default.
+// From the file, or the default.
 std::string SndfileSource::channelPlaces() {
     std::string places = Downmix::usualPlaces(mInfo.channels);
     std::vector<int> map(places.size());

@@ -9,7 +9,7 @@ namespace {
 constexpr ALint REMIX_UNMATCHED = 2; // AL_REMIX_UNMATCHED_SOFT, which older headers lack
 constexpr int LOWEST_RATE = 1000;    // frames per second
 constexpr int HIGHEST_RATE = 768000;
-constexpr double LONGEST_DELAY = 0.5;            // seconds; a device that reports more is not believed
+constexpr double LONGEST_DELAY = 0.5;            // seconds; a device that reports more is wrong
 constexpr float LOUDEST = 8;                     // louder samples come from damaged files
 constexpr std::chrono::milliseconds PERIOD(100); // between top-ups; the queue lasts much longer
 
@@ -43,7 +43,7 @@ bool OpenALStream::setup() {
     alGenBuffers(BUFFER_COUNT, mBuffers);
     if (alGetError() != AL_NO_ERROR || !alIsExtensionPresent("AL_EXT_FLOAT32"))
         return false;
-    // Left goes to the left and right to the right, not through a virtual room around the listener.
+    // Left to left and right to right, not through a virtual room around the listener.
     if (alIsExtensionPresent("AL_SOFT_direct_channels_remix"))
         alSourcei(mName, AL_DIRECT_CHANNELS_SOFT, REMIX_UNMATCHED);
     else if (alIsExtensionPresent("AL_SOFT_direct_channels"))
@@ -99,8 +99,7 @@ void OpenALStream::play() {
     mChanged.notify_one();
 }
 
-// What the device holds back is still heard, so the position is the one that OpenAL has reached, without the
-// delay.
+// What the device has buffered will still be heard, so the position is where OpenAL is, ignoring the latency.
 void OpenALStream::stop() {
     const std::lock_guard lock(mMutex);
     update();
@@ -154,8 +153,8 @@ void OpenALStream::moveTo(int position) {
     }
 }
 
-// Takes over how far OpenAL has come, and tops up the queue. A source that ran dry, because this was not
-// called for too long, has played all that was queued, and goes on after that.
+// Reads how far OpenAL has come, and tops up the queue. A source that ran dry, because this was not called
+// for too long, has played everything queued and continues from there.
 void OpenALStream::update() {
     if (!mPlaying)
         return;
@@ -165,7 +164,8 @@ void OpenALStream::update() {
         return;
     }
     mUpdated = Clock::now();
-    const double where = offset(true); // before the state: a source that stops in between has the offset 0
+    // Before the state: a source that stops in between reports offset 0.
+    const double where = offset(true);
     if (isRunning())
         advance(double(mQueuedAt) + where);
     else
@@ -188,7 +188,7 @@ void OpenALStream::update() {
     }
 }
 
-// Without a device the sound goes on in silence: time passes, and it ends when it would have.
+// Without a device the stream continues silently: time passes, and it ends when it would have.
 void OpenALStream::updateSilently() {
     const std::chrono::duration<double> passed = Clock::now() - mUpdated;
     const int frames = int(std::min(passed.count() * mSampleRate, double(mEnd - mPosition)));
@@ -201,7 +201,7 @@ void OpenALStream::updateSilently() {
     }
 }
 
-// Decodes into every buffer that is free, and queues it.
+// Fills and queues every free buffer.
 void OpenALStream::fill() {
     while (mQueued < BUFFER_COUNT) {
         decode();
@@ -213,7 +213,7 @@ void OpenALStream::fill() {
     }
 }
 
-// Fills mSamples with what comes next, and with silence after the end.
+// Decodes the next block into mSamples, with silence after the end.
 void OpenALStream::decode() {
     int count = 0;
     if (mSource->getPosition() < mEnd) {
@@ -251,7 +251,7 @@ void OpenALStream::flush(int position) {
     mSource->setPosition(position);
 }
 
-// The position never goes back by itself: the delay of a device is an estimate that fluctuates.
+// The position never goes back by itself: a device's latency is a fluctuating estimate.
 void OpenALStream::advance(double position) {
     mPosition = int(std::min(std::max(position, double(mPosition)), double(mEnd)));
 }
@@ -262,14 +262,14 @@ bool OpenALStream::isRunning() const {
     return state == AL_PLAYING;
 }
 
-// Frames from the start of the queue to the one being mixed, or being heard.
+// Frames from the start of the queue to the one being mixed or, if `heard`, the one being heard.
 double OpenALStream::offset(bool heard) const {
     if (!heard || !mGetSource64) {
         ALint frames = 0;
         alGetSourcei(mName, AL_SAMPLE_OFFSET, &frames);
         return frames;
     }
-    ALint64SOFT both[2] = {}; // frames in 32.32 fixed point, nanoseconds until they are heard
+    ALint64SOFT both[2] = {}; // frames in 32.32 fixed point; latency in ns
     mGetSource64(mName, AL_SAMPLE_OFFSET_LATENCY_SOFT, both);
     const double delay = std::clamp(double(both[1]) / 1e9, 0.0, LONGEST_DELAY);
     return double(both[0]) / 4294967296.0 - delay * mSampleRate;

@@ -1,10 +1,10 @@
-// A stream on an OpenAL source: a ring of equal buffers, filled with what the sample source decodes, and with
-// silence after its end. Because of that silence the position can run past the last frame, so that the end is
-// known to have been heard, whatever the delay of the device.
+// A stream on an OpenAL source: a ring of equal buffers, filled from the sample source and, after its end,
+// with silence. Thanks to that silence the position can pass the last frame, which shows that the end has
+// been heard, whatever the latency of the device.
 //
-// A thread of the stream's own tops up the queue while it plays. Every public call does the same, so that
-// what it returns is current. All of them hold mMutex, which guards everything below it, OpenAL's source and
-// the sample source included.
+// Each stream has a thread that tops up the queue while it plays. Every public call does the same, so that
+// what it returns is current. All of them hold mMutex, which guards everything below it, including the OpenAL
+// source and the sample source.
 #pragma once
 
 #include "audiere_device.h"
@@ -19,7 +19,7 @@ namespace zentrak::audiere {
 
 class OpenALStream : public OutputStream {
 public:
-    // Null when the device takes no more sources, or the sample rate is beyond reason.
+    // Null if the device has no more sources or the sample rate is out of range.
     static RefPtr<OutputStream> open(const RefPtr<OpenALDevice>& device, const RefPtr<SampleSource>& source);
 
     void play() override;
@@ -57,7 +57,7 @@ private:
 
     const RefPtr<OpenALDevice> mDevice;
     const RefPtr<SampleSource> mSource;
-    int mChannelCount = 0; // of the source; two are played in any case
+    int mChannelCount = 0; // of the source; output is always stereo
     int mSampleRate = 0;
     int mLength = 0;
     std::mutex mMutex;
@@ -69,15 +69,15 @@ private:
     ALuint mName = 0;            // of the OpenAL source
     ALuint mBuffers[BUFFER_COUNT] = {};
     int mFirst = 0;     // index of the oldest buffer queued
-    int mQueued = 0;    // how many are, from mFirst on, round the ring
+    int mQueued = 0;    // number of buffers queued from mFirst
     long mQueuedAt = 0; // frame at the start of mFirst
     int mEnd = 0;       // frame at which the sound ends, as far as known
     int mPosition = 0;  // frame last reported, never past mEnd
     bool mPlaying = false;
-    bool mRanOut = false; // played to the end and not moved since
+    bool mRanOut = false; // played to the end, position not set since
     float mVolume = 1;
     Clock::time_point mUpdated;                   // time of the last update, while playing
-    LPALGETSOURCEI64VSOFT mGetSource64 = nullptr; // null without the extension for the device's delay
+    LPALGETSOURCEI64VSOFT mGetSource64 = nullptr; // null without the latency extension
 };
 
 } // namespace zentrak::audiere

@@ -7,7 +7,7 @@ namespace zentrak::audiere {
 
 namespace {
 
-// libvorbisfile's access to the file.
+// File callbacks for libvorbisfile.
 size_t fileRead(void* buffer, size_t size, size_t count, void* user) {
     if (size == 0)
         return 0;
@@ -29,7 +29,7 @@ RefPtr<SampleSource> VorbisSource::open(const RefPtr<File>& file) {
     return openAs<VorbisSource>(file);
 }
 
-// Of several streams in a row, those in the format of the first are played, up to one that differs.
+// Of chained streams, plays the leading ones that share the format of the first.
 VorbisSource::VorbisSource(const RefPtr<File>& file) : mFile(file) {
     const ov_callbacks access = {fileRead, fileSeek, nullptr, fileTell};
     mFile->seek(0, File::BEGIN);
@@ -61,7 +61,7 @@ void VorbisSource::getFormat(int& channelCount, int& sampleRate, SampleFormat& s
     sampleFormat = SF_F32;
 }
 
-// A hole in the data is skipped, and not made up for from a following stream of another format.
+// A hole in the data is skipped; the missing frames are not taken from a following stream of another format.
 int VorbisSource::read(int frameCount, void* buffer) {
     int wanted = std::min(frameCount, mLength - mPosition);
     int done = 0;
@@ -80,7 +80,7 @@ int VorbisSource::read(int frameCount, void* buffer) {
     return done;
 }
 
-// Interleaves, and mixes down what has more than two channels.
+// Interleaves, mixing down more than two channels.
 void VorbisSource::write(float** channels, int frames, float* out) const {
     if (mFileChannels > 2) {
         std::fill_n(out, 2 * frames, 0.0f);

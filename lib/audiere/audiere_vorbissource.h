@@ -11,7 +11,7 @@ namespace zentrak::audiere {
 
 class VorbisSource : public DecodedSource {
 public:
-    // Null when the file is of another kind, or holds nothing to play.
+    // Null if the file is of another kind or empty.
     static RefPtr<SampleSource> open(const RefPtr<File>& file);
 
     void getFormat(int& channelCount, int& sampleRate, SampleFormat& sampleFormat) override;
@@ -29,7 +29,7 @@ private:
     RefPtr<File> mFile;
     OggVorbis_File mDecoder = {};
     bool mIsOpen = false;
-    int mLinks = 0; // streams from the first on that are of its format
+    int mLinks = 0; // leading streams in the format of the first
     int mFileChannels = 0;
     int mSampleRate = 0;
     Downmix mDownmix; // used for more than two channels

@@ -8,7 +8,7 @@ namespace zentrak::chunklib {
 static_assert(std::endian::native == std::endian::little,
               "the stream is little-endian and is copied as it stands");
 
-// How many times its own length a stream may be read again after chunks that reach past their parents.
+// Chunks that reach past their parents make parts of a stream be read again: the limit, in stream lengths.
 static constexpr uint64_t MAX_REREAD = 4;
 
 int impliedSize(uint16_t id) {
@@ -63,7 +63,7 @@ uint16_t ReadBuffer::openChunk() {
             return 0;
         loadType(&size, 4);
     }
-    // A sum that 32 bits can't hold would send closeChunk() backwards, and the walk with it, for ever.
+    // If the sum overflowed 32 bits, closeChunk() would go backwards and the caller would loop forever.
     const uint64_t end = std::min<uint64_t>(uint64_t(mPosition) + size, UINT32_MAX);
     mChunks.push_back({id, size, uint32_t(end)});
     return id;

@@ -24,7 +24,7 @@ void WriteBuffer::writeHeader() {
     storeType(&mVersionSecond, 1);
 }
 
-// Does the chunk's ID say its size, so that there is no size field?
+// Does the ID imply the size, so that no size field is written?
 static bool isTyped(uint32_t flags, uint16_t id) {
     return (flags & WriteBuffer::FLAG_TYPETAG) != 0 && impliedSize(id) >= 0;
 }

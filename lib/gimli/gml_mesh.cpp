@@ -18,7 +18,7 @@ using mathbase::Vector4f;
 
 namespace {
 
-// The smallest numbers that name so many vertices.
+// The smallest index type for this many vertices.
 IBO::Format indexFormat(int vertices) {
     return vertices <= 255 ? IBO::FORMAT_UINT8 : vertices <= 65535 ? IBO::FORMAT_UINT16 : IBO::FORMAT_UINT32;
 }
@@ -61,7 +61,7 @@ void Mesh::load(const o3d::Mesh* mesh, int) {
     }
 }
 
-// Where each Submesh lies in the two buffers.
+// Computes where each Submesh lies in the two buffers.
 void Mesh::layOut(const o3d::Mesh& mesh) {
     int64_t vertices = 0, indices = 0;
     for (const o3d::Submesh* part : mesh.mSubmeshes) {
@@ -112,7 +112,7 @@ void Mesh::fillIndices(const o3d::Mesh& mesh) {
     mIBO.unbind();
 }
 
-// What a mesh does not have stays as the memory was.
+// Attributes that the mesh lacks are left uninitialised.
 void Mesh::fillVertices(const o3d::Mesh& mesh) {
     mVBO.bind();
     auto* vertex = static_cast<VertexP3N3T2A4A4*>(mVBO.lock(true, false));

@@ -15,8 +15,8 @@
 namespace zentrak::glfw2 {
 namespace {
 
-constexpr int MaxSize = 32767;  // the largest side of an X window, pixels
-constexpr int NoScancode = 512; // keys that GLFW 3 has no name for are numbered from here, by scancode
+constexpr int MaxSize = 32767;  // of an X window, pixels
+constexpr int NoScancode = 512; // keys unknown to GLFW 3 are numbered from here, by scancode
 
 struct Callbacks {
     GLFWwindowsizefun size = nullptr;
@@ -29,7 +29,7 @@ struct Callbacks {
     GLFWmousewheelfun wheel = nullptr;
 };
 
-// All state of an open window; it starts fresh with each.
+// The state of an open window; each starts fresh.
 struct Session {
     Callbacks callbacks;
     Input input;
@@ -46,12 +46,13 @@ struct Session {
 };
 
 Session session;
-unsigned sessions = 0; // how many there have been
+unsigned sessions = 0; // opened so far
 bool noResizeHint = false;
-double timeOffset = 0.0;   // seconds, added to the time of the library
-std::exception_ptr thrown; // by a callback, on its way out of the poll
+double timeOffset = 0.0;   // seconds, added to GLFW 3's time
+std::exception_ptr thrown; // by a callback; rethrown after the poll
 
-// Calls a callback, unless there is none or an earlier one in this poll has thrown; 0 if it was not called.
+// Calls a callback, unless it is null or an earlier one in this poll has thrown. Returns 0 if it was not
+// called.
 template <typename Callback, typename... Arguments>
 int call(Callback callback, Arguments... arguments) {
     if (!callback || thrown)
@@ -62,12 +63,12 @@ int call(Callback callback, Arguments... arguments) {
         else
             return callback(arguments...);
     } catch (...) {
-        thrown = std::current_exception(); // GLFW 3 is C: nothing may be thrown through it
+        thrown = std::current_exception(); // GLFW 3 is C: exceptions must not pass through it
     }
     return 0;
 }
 
-// Reports input, in order. A callback may close the window and open another; the rest is not for that one.
+// Reports input in order. A callback may close the window and open another, which must not get the rest.
 void report(const InputEvents& events) {
     const unsigned started = sessions;
     for (const InputEvent& event : events) {
@@ -91,7 +92,7 @@ int whole(double value) {
     return int(std::clamp(std::floor(value), -2147483648.0, 2147483647.0));
 }
 
-// Turns the events of GLFW 3 into those of GLFW 2.
+// Translates GLFW 3 events to those of GLFW 2.
 class Events final : public WindowEvents {
     void onSize(int width, int height) override {
         session.width = width;
@@ -99,7 +100,7 @@ class Events final : public WindowEvents {
         call(session.callbacks.size, width, height);
     }
 
-    // Without a callback a request closes the window; a callback that throws has refused it.
+    // Without a callback a close request closes the window; a callback that throws refuses it.
     void onClose() override {
         const bool close = session.callbacks.close ? call(session.callbacks.close) != 0 : !thrown;
         if (close)
@@ -109,8 +110,8 @@ class Events final : public WindowEvents {
     void onRefresh() override { call(session.callbacks.refresh); }
     void onIconify(bool iconified) override { session.iconified = iconified; }
 
-    // What is down when the focus is lost is released here, since its release goes elsewhere. GLFW 3 does so
-    // too, but not for keys that it has no name for.
+    // Keys and buttons that are down when the focus is lost are released here, because their release goes to
+    // another window. GLFW 3 does so too, but not for keys that it has no name for.
     void onFocus(bool focused) override {
         session.focused = focused;
         if (focused)
@@ -154,7 +155,6 @@ class Events final : public WindowEvents {
 
 Events events;
 
-// Throws on what a callback threw.
 void rethrow() {
     if (thrown)
         std::rethrow_exception(std::exchange(thrown, nullptr));
@@ -176,7 +176,7 @@ void set(int token, bool enable) {
     }
 }
 
-// Stores a callback of the open window; whether there is one.
+// Stores a callback of the open window. Returns true if there is a window and the callback isn't null.
 template <typename Callback>
 bool setCallback(Callback& slot, Callback callback) {
     if (!Window::isOpen())
@@ -386,7 +386,7 @@ void glfwSetTime(double time) {
 void glfwSleep(double time) {
     if (!std::isfinite(time) || time <= 0.0)
         return;
-    constexpr double Longest = 1e9; // seconds, some thirty years: what the clock can count
+    constexpr double Longest = 1e9; // seconds, about 30 years: the range of the clock
     std::this_thread::sleep_for(std::chrono::duration_cast<std::chrono::nanoseconds>(
         std::chrono::duration<double>(std::min(time, Longest))));
 }

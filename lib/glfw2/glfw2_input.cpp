@@ -24,7 +24,7 @@ bool isText(unsigned character) {
 
 } // namespace
 
-// Reports a press by its code. A code that is down already repeats, also if it is another key's.
+// Reports a press by its code. A code that is already down repeats, even if another key pressed it.
 void Input::pressCode(InputEvents& events, int code) {
     const bool repeats = std::exchange(mCodes[size_t(code)], true);
     if (!repeats || mKeyRepeat)
@@ -98,7 +98,7 @@ InputEvents Input::button(int button, bool down) {
 }
 
 InputEvents Input::releaseAny() {
-    // A key may be down without any event to report: the search goes on to the next.
+    // A key may be down without any event to report: continue with the next.
     for (int key = 0; key < Keys; ++key) {
         const InputEvents events = release(key);
         if (!events.empty())

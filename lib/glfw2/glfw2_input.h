@@ -1,5 +1,5 @@
-// Which keys and buttons are down, what they typed, and which events follow from a change. Nothing is called
-// here: each operation returns the events to report, in order. Nothing allocates.
+// Tracks which keys and buttons are down and what they typed, and derives the events of each change. It makes
+// no callbacks: each operation returns the events to report, in order. Nothing allocates.
 #pragma once
 
 #include <array>
@@ -15,7 +15,7 @@ struct InputEvent {
     int action; // 1 press, 0 release
 };
 
-// The events of one operation; there is room for the most that one returns.
+// The events of one operation, with room for the largest number that one returns.
 class InputEvents {
 public:
     void add(InputEvent::Kind kind, int code, int action) { mEvents[mCount++] = {kind, code, action}; }
@@ -33,29 +33,28 @@ private:
 
 class Input {
 public:
-    static constexpr int Keys = 1024; // keys are numbered by the caller
+    static constexpr int Keys = 1024; // the caller numbers the keys
     static constexpr int Codes = 319; // 0 to GLFW_KEY_LAST
     static constexpr int Buttons = 8;
 
     bool mKeyRepeat = false; // a key held down sends further presses and characters
 
-    // The key goes down, or repeats while it is down. With the code -1 it takes that of the character that it
+    // The key goes down, or repeats if it is down. With code -1 it takes the code of the character that it
     // types, if any.
     InputEvents press(int key, int code);
     // The key goes up: its own release, then that of each character it typed.
     InputEvents release(int key);
-    // A character, typed by the key that last went down or repeated. If that key is up, it is released at
-    // once.
+    // A character typed by the key that last went down or repeated. If that key is up, it is released
+    // immediately.
     InputEvents character(unsigned character);
-    // A button goes down or up.
     InputEvents button(int button, bool down);
-    // Releases one key or button that is down; empty if none is.
+    // Releases one key or button that is down; returns nothing if none is.
     InputEvents releaseAny();
 
 private:
     struct Down {
         bool down = false;
-        int code = -1; // since it went down, whatever the layout is now
+        int code = -1; // as when it went down, whatever the layout is now
         int typed = 0; // how many characters
         std::array<unsigned, 8> characters{};
     };
@@ -66,7 +65,7 @@ private:
     std::array<bool, Codes> mCodes{}; // whether a key with this code is down
     std::array<bool, Buttons> mButtons{};
     int mLast = -1;          // the key that went down or repeated last
-    bool mRepeating = false; // it repeated
+    bool mRepeating = false; // mLast has repeated
 };
 
 } // namespace zentrak::glfw2

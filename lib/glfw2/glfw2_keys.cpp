@@ -4,7 +4,7 @@
 
 namespace {
 
-// Taken before the header of GLFW 3 is included, which defines macros of the same names.
+// Defined before GLFW 3's header is included, which has macros of the same names.
 constexpr int Unknown = zentrak::glfw2::GLFW_KEY_UNKNOWN;
 constexpr int FirstSpecial = zentrak::glfw2::GLFW_KEY_ESC;
 constexpr int LastSpecial = zentrak::glfw2::GLFW_KEY_LAST;
@@ -43,7 +43,7 @@ constexpr int specialKeys[] = {
 // clang-format on
 static_assert(std::size(specialKeys) == LastSpecial - FirstSpecial + 1);
 
-// The first character of a UTF-8 text if it is in Latin-1, else 0.
+// The first character of a UTF-8 string if it is in Latin-1, otherwise 0.
 unsigned firstOfLatin1(const char* text) {
     const auto first = static_cast<unsigned char>(text[0]);
     if (first < 0x80)
@@ -62,7 +62,7 @@ int keyCode(int position, const char* name) {
         return FirstSpecial + int(special - specialKeys);
     if (position == GLFW_KEY_SPACE)
         return GLFW_KEY_SPACE;
-    // Keys that type something are below 256, those of a US keyboard in ASCII.
+    // Keys that type something are below 256, those on a US keyboard are ASCII.
     if (position < 32 || position > 255)
         return Unknown;
     const int code = name ? characterCode(firstOfLatin1(name)) : Unknown;
@@ -72,8 +72,9 @@ int keyCode(int position, const char* name) {
 }
 
 int characterCode(unsigned character) {
-    const bool lower = (character >= 'a' && character <= 'z') ||
-                       (character >= 0xE0 && character <= 0xFE && character != 0xF7); // but the division sign
+    const bool lower =
+        (character >= 'a' && character <= 'z') ||
+        (character >= 0xE0 && character <= 0xFE && character != 0xF7); // except the division sign
     if (lower)
         return int(character - 32);
     const bool printable = (character >= 32 && character <= 126) || (character >= 160 && character <= 255);

@@ -1,4 +1,4 @@
-// The codes of GLFW 2 for the keys of GLFW 3.
+// Maps GLFW 3 keys to GLFW 2 codes.
 #pragma once
 
 namespace zentrak::glfw2 {
@@ -10,8 +10,8 @@ namespace zentrak::glfw2 {
 // keyboard, so that every layout can reach the letters of a shortcut.
 int keyCode(int position, const char* name);
 
-// The code of a key that types a character of Latin-1: that of its upper case if it has one in Latin-1. -1
-// for other characters.
+// The code of a key that types this Latin-1 character: its upper case, if that is Latin-1 too. -1 for other
+// characters.
 int characterCode(unsigned character);
 
 } // namespace zentrak::glfw2

@@ -13,7 +13,7 @@
 #include <tuple>
 #include <utility>
 
-// From GLFW/glfw3native.h, which would also need the headers of RandR.
+// From GLFW/glfw3native.h, which would also require the RandR headers.
 extern "C" {
 Display* glfwGetX11Display();
 ::Window glfwGetX11Window(GLFWwindow*);
@@ -22,15 +22,15 @@ Display* glfwGetX11Display();
 namespace zentrak::glfw2 {
 namespace {
 
-constexpr double LONGEST_WAIT = 5.0; // seconds until the window manager should have shown a window
+constexpr double LONGEST_WAIT = 5.0; // seconds for the window manager to show a window
 
 GLFWwindow* window = nullptr; // the open one
 bool initialised = false;
-bool polling = false;      // inside an event, where GLFW 3 must neither destroy a window nor terminate
+bool polling = false; // inside an event handler, where GLFW 3 must neither destroy a window nor terminate
 bool terminateDue = false; // at the end of the poll
 char lastError[256];       // of GLFW 3
 
-// Windows that were closed inside an event; GLFW 3 needs them until the end of the poll.
+// Windows closed inside an event handler; GLFW 3 needs them until the end of the poll.
 std::vector<GLFWwindow*> retired;
 
 void onError(int, const char* description) {
@@ -45,7 +45,6 @@ WindowEvents* eventsOf(GLFWwindow* of) {
     return static_cast<WindowEvents*>(glfwGetWindowUserPointer(of));
 }
 
-// GLFW 3's callbacks: each passes its event on.
 void onSize(GLFWwindow* of, int width, int height) {
     eventsOf(of)->onSize(width, height);
 }
@@ -77,7 +76,6 @@ void onKey(GLFWwindow* of, int position, int scancode, int action, int) {
     eventsOf(of)->onKey(position, scancode, action != GLFW_RELEASE);
 }
 
-// Connects or disconnects the callbacks of a window.
 void connect(GLFWwindow* of, bool on) {
     glfwSetWindowSizeCallback(of, on ? onSize : nullptr);
     glfwSetWindowCloseCallback(of, on ? onClose : nullptr);
@@ -104,7 +102,7 @@ void retire(GLFWwindow* old) {
     retired.push_back(old);
 }
 
-// Otherwise the monitor would keep another video mode when the program ends by exit().
+// Without this, a program that ends by exit() would leave the monitor in another video mode.
 void terminateAtExit() {
     if (initialised || terminateDue)
         glfwTerminate();
@@ -112,7 +110,7 @@ void terminateAtExit() {
     window = nullptr;
 }
 
-// Processes events, and then what they deferred.
+// Processes events, then does what they deferred.
 void run(void (*process)()) {
     if (!window || polling)
         return;
@@ -128,19 +126,19 @@ void run(void (*process)()) {
     }
 }
 
-// Shows a new window, with the focus, and waits for the window manager to do it: bounded, whereas
-// glfwCreateWindow and glfwShowWindow wait for ever, at full processor load, if it never does and there are
-// other events. Returns whether the window is visible.
+// Shows a new window with the focus and waits for the window manager to map it, with a timeout:
+// glfwCreateWindow and glfwShowWindow would spin forever if it never does while other events arrive. Returns
+// whether the window is visible.
 bool show(GLFWwindow* of, bool fullscreen) {
     Display* const display = glfwGetX11Display();
-    if (fullscreen) { // from the first moment on
+    if (fullscreen) { // from the start
         const Atom state = XInternAtom(display, "_NET_WM_STATE_FULLSCREEN", False);
         XChangeProperty(display, glfwGetX11Window(of), XInternAtom(display, "_NET_WM_STATE", False), XA_ATOM,
                         32, PropModeReplace, reinterpret_cast<const unsigned char*>(&state), 1);
     }
     XMapWindow(display, glfwGetX11Window(of));
     const double start = glfwGetTime();
-    while (!glfwGetWindowAttrib(of, GLFW_VISIBLE)) { // asks the server: no event is lost to the callbacks
+    while (!glfwGetWindowAttrib(of, GLFW_VISIBLE)) { // asks the server, so no event is lost
         if (glfwGetTime() - start > LONGEST_WAIT)
             return false;
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
@@ -149,7 +147,7 @@ bool show(GLFWwindow* of, bool fullscreen) {
     return true;
 }
 
-// The hints of a request. The defaults are right for everything else: two buffers, and the newest
+// Sets the hints of a request. The defaults are right for the rest: double buffering and the newest
 // compatibility profile.
 void setHints(const WindowRequest& request) {
     const auto orDefault = [](int bits) { return bits > 0 ? bits : 8; };
@@ -166,7 +164,7 @@ void setHints(const WindowRequest& request) {
 
 } // namespace
 
-// GLFW 3 lists a mode once for each refresh rate.
+// GLFW 3 lists a mode once per refresh rate.
 std::vector<VideoMode> inOrder(std::vector<VideoMode> modes) {
     const auto rank = [](const VideoMode& mode) {
         return std::tuple(mode.red + mode.green + mode.blue, mode.width * mode.height, mode.width, mode.red,
@@ -181,14 +179,14 @@ std::vector<VideoMode> inOrder(std::vector<VideoMode> modes) {
 bool Window::initialise() {
     if (initialised)
         return true;
-    if (terminateDue) { // the library is still there
+    if (terminateDue) { // the library is still initialised
         terminateDue = false;
         glfwSetTime(0.0);
         return initialised = true;
     }
     glfwSetErrorCallback(onError);
 #ifdef GLFW_PLATFORM_X11
-    // From 3.4 on GLFW chooses the platform at run time, but GLEW finds the context through GLX only.
+    // Since 3.4 GLFW chooses the platform at run time, but GLEW only finds contexts through GLX.
     glfwInitHint(GLFW_PLATFORM, GLFW_PLATFORM_X11);
 #endif
     initialised = glfwInit() == GLFW_TRUE;

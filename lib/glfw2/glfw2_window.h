@@ -1,4 +1,4 @@
-// The window and the library on GLFW 3, for callers that know nothing of GLFW 3.
+// The window and library functions on GLFW 3, for callers that know nothing of GLFW 3.
 #pragma once
 
 #include <vector>
@@ -14,10 +14,9 @@ struct VideoMode {
     bool operator==(const VideoMode&) const = default;
 };
 
-// Sorted as glfwGetVideoModes reports them: ascending by the sum of their bits and then by area, each once.
+// Sorted as glfwGetVideoModes reports them: ascending by total bits, then by area, without duplicates.
 std::vector<VideoMode> inOrder(std::vector<VideoMode> modes);
 
-// What is asked of a new window.
 struct WindowRequest {
     int width, height;         // pixels, 1 to 32767
     int red, green, blue;      // bits, a preference; 0 for the default
@@ -26,7 +25,7 @@ struct WindowRequest {
     bool resizable;            // by the user
 };
 
-// What happens to the window. Called only inside Window::poll and Window::wait; may call all of Window.
+// Events of the window. Called only inside Window::poll and Window::wait; handlers may call all of Window.
 class WindowEvents {
 public:
     virtual void onSize(int width, int height) = 0;
@@ -35,7 +34,7 @@ public:
     virtual void onFocus(bool focused) = 0;
     virtual void onIconify(bool iconified) = 0;
     virtual void onKey(int position, int scancode, bool down) = 0; // position -1: the key has no name
-    virtual void onCharacter(unsigned character) = 0;              // after onKey of the key that typed it
+    virtual void onCharacter(unsigned character) = 0;              // follows the onKey that typed it
     virtual void onButton(int button, bool down) = 0;              // left 0, right 1, middle 2
     virtual void onMouseMove(double x, double y) = 0;              // pixels
     virtual void onWheel(double steps) = 0;                        // up is positive
@@ -44,16 +43,16 @@ protected:
     ~WindowEvents() = default;
 };
 
-// All static: there is one window. Without an open one, whatever acts on it does nothing.
+// All static: there is one window. Without an open one, calls that act on it do nothing.
 class Window {
 public:
-    static bool initialise(); // the library; returns whether it is ready
+    static bool initialise(); // initialises GLFW; returns whether it is ready
     static bool isInitialised();
-    static void terminate(); // closes the window; inside a poll, at its end
+    static void terminate(); // closes the window; inside a poll, takes effect at its end
     static void version(int& major, int& minor, int& revision);
 
-    // Opens the window and makes its context current. On failure it returns false, and the reason goes to the
-    // standard error stream. `events` must outlive the window.
+    // Opens the window and makes its context current. On failure returns false after writing the reason to
+    // standard error. `events` must outlive the window.
     static bool open(const WindowRequest& request, WindowEvents& events);
     static void close();
     static bool isOpen();
@@ -72,7 +71,7 @@ public:
     static void swapInterval(int interval);
 
     static const char* keyName(int position, int scancode); // UTF-8, null for none; until the next call
-    static std::vector<VideoMode> videoModes();             // of the primary monitor, inOrder
+    static std::vector<VideoMode> videoModes();             // of the primary monitor, sorted by inOrder
     static double time();                                   // seconds since initialise, 0 before
 };
 

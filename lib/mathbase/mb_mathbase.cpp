@@ -1,4 +1,4 @@
-// Everything here is in line; this compiles each header by itself and the templates as they are used.
+// The library is header-only. This compiles each header by itself and instantiates the templates.
 #include "mb_assert.h"
 #include "mb_box2.h"
 #include "mb_euler.h"

@@ -28,7 +28,7 @@ void Armature::Bone::loadChunk(chunklib::ReadBuffer& buffer) {
                     mChildren.push_back(child.get());
                     child.release();
                 } catch (...) {
-                    // The child is dropped; its siblings may still be read.
+                    // The child is dropped; its siblings may still be readable.
                 }
             }
         } else if (id == CHUNK_BONEROTATION) {
@@ -96,7 +96,7 @@ void BoneGroup::clear() {
 
 void BoneGroup::loadChunk(chunklib::ReadBuffer& buffer) {
     constexpr size_t weightSize = 8;
-    // The chunk's size includes the group number, so that half a weight at the end counts as a whole one.
+    // The chunk size includes the group number, so half a weight at the end counts as a whole one.
     const size_t count = std::min(buffer.currentChunkSize(), buffer.remaining()) / weightSize;
     int32_t group = mGroup;
     buffer.loadType(&group, 4);

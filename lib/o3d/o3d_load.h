@@ -1,4 +1,4 @@
-// What the chunk loaders and writers share.
+// Helpers of the chunk loaders and writers.
 #pragma once
 
 #include "cl_readbuffer.h"
@@ -11,23 +11,23 @@
 
 namespace zentrak::o3d {
 
-// May a node or a bone be nested as deep as the open chunk? Logs where it may not.
+// May a node or a bone be nested as deep as the open chunk? Logs if not.
 bool checkDepth(const chunklib::ReadBuffer& buffer);
 
-// A name at the start of a chunk. Unlike loadValue() it stops silently where the chunk ends before the zero
-// byte.
+// Reads a name at the start of a chunk. Unlike loadValue() it stops silently if the chunk ends before the
+// zero byte.
 std::string loadName(chunklib::ReadBuffer& buffer);
 
-// True when the byte is exactly 1; `flag` stays as it was where there is none.
+// Sets `flag` to whether the byte is exactly 1; leaves it alone if there is no byte.
 void loadFlag(chunklib::ReadBuffer& buffer, bool& flag);
 void writeFlag(chunklib::WriteBuffer& buffer, unsigned short id, bool flag);
 
-// The size of a chunk that is really there: what it claims, or what the stream has left of it.
+// The bytes of the chunk actually present: its size, limited to what is left of the stream.
 inline size_t presentSize(const chunklib::ReadBuffer& buffer) {
     return std::min(buffer.currentChunkSize(), buffer.remaining());
 }
 
-// Fills the list with what is left of the chunk, for elements that lie on file as they do in memory.
+// Fills the list with the rest of the chunk, for elements whose file layout is that in memory.
 template <typename T>
 void loadPlainList(chunklib::ReadBuffer& buffer, std::vector<T>& list) {
     static_assert(std::is_trivially_copyable_v<T>);

@@ -30,7 +30,7 @@ void Manager::load(const unsigned char* data, int length) {
     buffer.closeChunk();
 }
 
-// Makes the next push_back() one that can't fail, and keeps the growth of the list geometric.
+// Ensures that the next push_back() can't fail, with geometric growth.
 template <typename T>
 static void makeRoom(std::vector<T*>& list) {
     if (list.size() == list.capacity())
@@ -45,7 +45,7 @@ static void loadScene(chunklib::ReadBuffer& buffer, std::vector<T*>& list) {
     list.push_back(object.release());
 }
 
-// Loads one object and binds its name to it, also where an older one had the name.
+// Loads one object and binds its name to it, even if an older object has that name.
 template <typename T>
 static void loadNamed(chunklib::ReadBuffer& buffer, std::vector<T*>& list,
                       std::map<std::string, int>& names) {
@@ -77,7 +77,7 @@ void Manager::loadChunkMain(chunklib::ReadBuffer& buffer) {
                 break;
             }
         } catch (...) {
-            // The object is dropped silently; what follows may still be read.
+            // The object is dropped silently; what follows may still be readable.
         }
         buffer.closeChunk();
     }
@@ -139,7 +139,7 @@ Scene* Manager::getScene(const std::string& name) {
     return const_cast<Scene*>(static_cast<const Manager*>(this)->getScene(name));
 }
 
-// The index that a name is bound to; -1 without one, and for an index past the end of the list.
+// The index bound to a name; -1 if there is none or if it is past the end of the list.
 template <typename T>
 static int indexOf(const std::map<std::string, int>& names, const std::vector<T*>& list,
                    const std::string& name) {

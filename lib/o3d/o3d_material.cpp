@@ -75,7 +75,8 @@ void Image::writeChunk(chunklib::WriteBuffer& buffer) const {
 
 // Material::Attribute
 
-// A Texture is never destroyed: this keeps those of dead attributes reachable until the process ends.
+// A Texture is never destroyed: this keeps the textures of destroyed attributes reachable until the process
+// ends.
 static Texture* keepTexture(std::unique_ptr<Texture> texture) {
     static std::vector<std::unique_ptr<Texture>> kept;
     kept.push_back(std::move(texture));
@@ -93,7 +94,7 @@ void Material::Attribute::loadChunk(chunklib::ReadBuffer& buffer) {
                 texture->loadChunk(buffer);
                 mTextures.push_back(keepTexture(std::move(texture)));
             } catch (...) {
-                // The texture is gone; what follows may still be read.
+                // The texture is lost; what follows may still be readable.
             }
         } else {
             ZTK_LOG("warning", "o3d", "material-attribute: Unknown chunk with ID=0x%X\n", id);
@@ -149,7 +150,7 @@ void Material::loadChunk(chunklib::ReadBuffer& buffer) {
                 mAttributes.push_back(attribute.get());
                 attribute.release();
             } catch (...) {
-                // The attribute is gone; what follows may still be read.
+                // The attribute is lost; what follows may still be readable.
             }
             break;
         default:

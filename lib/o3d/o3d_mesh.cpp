@@ -9,8 +9,8 @@
 
 namespace zentrak::o3d {
 
-// Bytes of names for each byte of a name list. Each name starts with the one before it, so that the names
-// could grow with the square of the list; this is room for the 256 names that a Submesh can number.
+// Limit on the bytes of names per byte of a name list. Each name starts with the one before it, so they could
+// grow with the square of the list; this leaves room for the 256 names that a Submesh can refer to.
 static constexpr size_t MAX_NAME_GROWTH = 256;
 
 Mesh::Mesh() {
@@ -35,7 +35,7 @@ void Mesh::clear() {
     mBoxMax = Vector3f(0.0f, 0.0f, 0.0f);
 }
 
-// Appends the names of a list. Each name starts with the one before it: the text is not emptied in between.
+// Appends the names of a list. Each name starts with the one before it: the string is not cleared in between.
 static void loadMaterialNames(chunklib::ReadBuffer& buffer, Mesh& mesh) {
     const size_t limit = presentSize(buffer) * MAX_NAME_GROWTH;
     size_t total = 0;
@@ -98,7 +98,7 @@ void Mesh::writeChunk(chunklib::WriteBuffer& buffer) const {
     for (const Submesh* submesh : mSubmeshes)
         submesh->writeChunk(buffer);
 
-    // A count, and a numbered chunk for each name; the loader reads bare names.
+    // A count, then a numbered chunk per name, although the loader reads bare names.
     buffer.openChunk(CHUNK_MATERIALNAMES);
     const uint32_t count = uint32_t(mMaterials.size());
     buffer.storeType(&count, 4);
@@ -147,7 +147,8 @@ const BoneGroupWeightList& Mesh::getBoneGroup(int groupID) const {
 bool Mesh::hasBoneGroup(int groupID) const {
     if (groupID < int(mBoneGroup.size()))
         return false;
-    return false; // the entry that the comparison asks for lies past the end of the list: there is none
+    // The comparison asks for the entry past the end of the list, which doesn't exist.
+    return false;
 }
 
 bool Mesh::hasNormals() const {

@@ -7,7 +7,7 @@
 
 namespace zentrak::o3d {
 
-// The full angles that a Camera and a Light start with, radians.
+// Initial full angles of a Camera and a Light, radians.
 static constexpr float CAMERA_ANGLE = 1.57079633f;
 static constexpr float LIGHT_ANGLE = 0.78539816f;
 
@@ -172,7 +172,7 @@ void MeshInstance::clear() {
     mMaterials.clear();
 }
 
-// One material number and the name that replaces it; the list grows to hold it.
+// Reads a material number and the name that overrides it; the list grows to fit.
 static void loadOverride(chunklib::ReadBuffer& buffer, std::vector<std::string>& materials) {
     unsigned char number = 0;
     buffer.loadType(&number, 1);

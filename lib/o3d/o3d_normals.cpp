@@ -9,11 +9,11 @@ namespace zentrak::o3d {
 
 namespace {
 
-// Additions to tangents that addNormals() will make: some seconds of work.
+// Limit on the tangent additions of addNormals(): a few seconds of work.
 constexpr uint64_t MAX_TANGENT_SUMS = 2000000000;
 
-// The local vertices of a Submesh at each position, in ascending order. One map serves all Submeshes of a
-// Mesh in turn, so that a small Submesh of a large Mesh costs what the Submesh costs.
+// The local vertices of a Submesh at each position, in ascending order. All Submeshes of a Mesh share one
+// map, so that a small Submesh of a large Mesh stays cheap.
 class CopyMap {
 public:
     explicit CopyMap(size_t positions) : mCount(positions, 0), mStart(positions, 0) {}
@@ -50,7 +50,7 @@ private:
     std::vector<int> mUsed;  // positions with a count
 };
 
-// Makes the tangent spaces of a Mesh, and counts what is wrong with its geometry.
+// Computes the tangent spaces of a Mesh and counts the defects of its geometry.
 class NormalMaker {
 public:
     // Throws as Mesh::addNormals() does.
@@ -72,7 +72,7 @@ public:
 
     std::vector<std::vector<TangentSpace>> mSpaces; // by Submesh
 
-    // Does a vector without length have to be normalised?
+    // Would a zero vector have to be normalised?
     bool isFatal() const {
         return mFlatTriangles + mLonePositions + mFoldedPositions + mLoneCoords + mFoldedCoords > 0;
     }
@@ -96,7 +96,7 @@ public:
     }
 
 private:
-    // Throws where the copies of positions would make the work take hours.
+    // Throws if shared positions would make the work take hours.
     void checkCopies() {
         uint64_t sums = 0;
         for (const Submesh* submesh : mMesh.mSubmeshes) {
@@ -111,7 +111,7 @@ private:
             throw Exception("Mesh '%s': too many vertices share a position", mMesh.mName.c_str());
     }
 
-    // False, with the vector left as it is, where it has no length.
+    // Returns false and leaves the vector as it is if it has no length.
     static bool normalise(Vector3f& vector) {
         if (vector.length() == 0.0f)
             return false;
@@ -120,7 +120,7 @@ private:
     }
 
     // Adds the unit normals of all triangles to their positions, and their tangents and binormals to the
-    // tangent spaces of the vertices at the same position and about the same place in the texture.
+    // tangent spaces of vertices with the same position and nearly the same texture coordinates.
     void addTriangles(const Submesh& submesh, std::vector<TangentSpace>& spaces) {
         const StructList<Vector3f>* uv = submesh.mTexCoords.empty() ? nullptr : submesh.mTexCoords[0];
         for (const Triangle& triangle : submesh.mTriangles) {

@@ -52,7 +52,7 @@ void SceneNode::addChild(SceneNode* child) {
         mChildren.push_back(child);
 }
 
-// A new node of the class that the chunk ID stands for, or nothing.
+// A new node of the class for this chunk ID, or null.
 static std::unique_ptr<SceneNode> createNode(int id) {
     switch (id) {
     case CHUNK_CAMERA:
@@ -91,7 +91,7 @@ void SceneNode::loadChunkItem(int id, chunklib::ReadBuffer& buffer) {
     try {
         child->loadChunk(buffer);
     } catch (...) {
-        // It stays among the children, as a node in its first state.
+        // It stays among the children, reset to its initial state.
         child->clear();
     }
     mChildren.push_back(child.get());

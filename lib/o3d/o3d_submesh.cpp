@@ -29,7 +29,7 @@ void Submesh::clear() {
     mBoxMax = Vector3f(0.0f, 0.0f, 0.0f);
 }
 
-// Triangles lie on file without the padding that they have in memory.
+// In a file, triangles lack the padding that they have in memory.
 static void loadTriangles(chunklib::ReadBuffer& buffer, std::vector<Triangle>& list) {
     static constexpr size_t BLOCK = 256;
     unsigned char bytes[BLOCK * TRIANGLE_SIZE];
@@ -53,7 +53,7 @@ void Submesh::loadChunk(chunklib::ReadBuffer& buffer) {
     mMaterial = material;
 
     while (const uint16_t id = buffer.openChunk()) {
-        // A list that there is no memory for ends up empty, and the loading goes on.
+        // A list that doesn't fit in memory ends up empty, and loading goes on.
         switch (id) {
         case CHUNK_TRIANGLES:
             try {
@@ -93,7 +93,7 @@ void Submesh::writeChunk(chunklib::WriteBuffer& buffer) const {
     buffer.openChunk(CHUNK_SUBMESH);
     writeValue(buffer, float(mMaterial)); // the loader reads a byte
 
-    // A list without elements leaves no chunk.
+    // An empty list writes no chunk.
     buffer.openChunk(CHUNK_TRIANGLES);
     for (const Triangle& triangle : mTriangles)
         writeValue(buffer, triangle);

@@ -9,12 +9,11 @@
 
 namespace zentrak::o3d {
 
-// Component lists in the order of the key list chunks: three components start at CHUNK_KEYS1, four at
-// CHUNK_KEYS0.
+// Component lists in the order of their chunks: three components start at CHUNK_KEYS1, four at CHUNK_KEYS0.
 static constexpr uint16_t KEYS_OF_THREE[] = {CHUNK_KEYS1, CHUNK_KEYS2, CHUNK_KEYS3};
 static constexpr uint16_t KEYS_OF_FOUR[] = {CHUNK_KEYS0, CHUNK_KEYS1, CHUNK_KEYS2, CHUNK_KEYS3};
 
-// Reads the key list if it is one of these; a chunk ID that is not is left alone.
+// Reads the key list if `id` is one of these; does nothing otherwise.
 static void loadKeysOf(chunklib::ReadBuffer& buffer, uint16_t id, const uint16_t* ids,
                        TrackBlenderFloat* const* tracks, size_t count) {
     for (size_t i = 0; i < count; ++i)
@@ -205,11 +204,12 @@ void TrackQuatf::loadChunk(chunklib::ReadBuffer& buffer) {
         if (id == CHUNK_DEFAULT4) {
             Quatf value(1.0f, 0.0f, 0.0f, 0.0f);
             loadValue(buffer, &value);
-            // A file may say what has no direction, such as zero: that leaves the identity.
+            // A file may hold a quaternion without direction, such as zero: fall back to the identity.
             if (!(value.length() > 0.0f && value.length() < INFINITY))
                 value = Quatf(1.0f, 0.0f, 0.0f, 0.0f);
             value.normalize();
-            value.normalize(); // the first leaves a rounding that the second takes away
+            // The second call removes the rounding error of the first.
+            value.normalize();
             mW.mValue = value.w;
             mX.mValue = value.x;
             mY.mValue = value.y;

@@ -36,8 +36,8 @@ void TrackBlenderFloat::loadKeys(chunklib::ReadBuffer& buffer) {
         correctHandles();
 }
 
-// Shortens the handles of each pair of neighbours that together reach further than the span between the keys,
-// in proportion and keeping their direction, so that the curve stays a function of time.
+// Where the handles of two neighbouring keys together exceed the span between them, shortens both in
+// proportion, keeping their direction, so that the curve stays a function of time.
 void TrackBlenderFloat::correctHandles() {
     for (size_t i = 1; i < mKeys.size(); ++i) {
         Key& left = mKeys[i - 1];
@@ -68,7 +68,7 @@ void TrackBlenderFloat::writeChunk(chunklib::WriteBuffer& buffer, unsigned short
     buffer.closeChunk();
 }
 
-// How many whole spans `time` lies from the first key. What no int can hold becomes 0.
+// The number of whole spans from the first key to `time`; 0 if no int can hold it.
 static int countSpans(float time, float first, float span) {
     const float spans = floorf((time - first) / span);
     return spans >= -2147483648.0f && spans < 2147483648.0f ? int(spans) : 0;
@@ -90,8 +90,7 @@ float TrackBlenderFloat::getValue(float time) const {
         case EXTRAPOLATION_CONSTANT:
             return before ? first.mValue : last.mValue;
         case EXTRAPOLATION_LINEAR:
-            // The key's time, not its value, is mixed with the handle's value: that is how the files are
-            // meant.
+            // Mixes the key's time, not its value, with the handle's value: files are made for that.
             if (before) {
                 if (mInterpolation == INTERPOLATION_CONSTANT)
                     return first.mValue;
@@ -124,7 +123,7 @@ float TrackBlenderFloat::getValue(float time) const {
         }
     }
     if (count == 1)
-        return first.mValue; // there is no segment to go on from
+        return first.mValue; // no segment to extrapolate
 
     const size_t segment = findSegment(time);
     const Key& a = mKeys[segment];
@@ -153,7 +152,7 @@ float TrackBlenderFloat::getValue(float time) const {
     }
 }
 
-// The left key of the segment that holds `time`, of at least two keys; the nearest to it where none does.
+// The left key of the segment that holds `time`, of at least two keys; outside all segments, the nearest one.
 size_t TrackBlenderFloat::findSegment(float time) const {
     const int count = int(mKeys.size());
     if (count == 2) {
@@ -161,8 +160,8 @@ size_t TrackBlenderFloat::findSegment(float time) const {
         return 0;
     }
 
-    // The segment of the last call. The comparisons are the wrong way round on purpose: on ascending keys
-    // neither holds, and the search below does the work.
+    // Try the segment of the last call. The comparisons are deliberately the wrong way round: on ascending
+    // keys neither holds, and the search below does the work.
     if (mIndex >= 0) {
         const int c = mIndex;
         if (c + 1 < count && mKeys[c].mTime >= time && time > mKeys[c + 1].mTime)
@@ -190,7 +189,7 @@ size_t TrackBlenderFloat::findSegment(float time) const {
     return size_t(std::min(mid, count - 2));
 }
 
-// Does the candidate count as a root? The bounds are not the floats next to them.
+// Does the candidate count as a root? Slightly outside 0 to 1 does.
 static bool isRoot(float candidate) {
     const double value = candidate;
     return value >= -1e-10 && value <= 1.000001;
@@ -202,7 +201,7 @@ int TrackBlenderFloat::solveForTime(const Key& a, const Key& b, float time, floa
     const float q2 = b.mHandleInTime;
     const float q3 = b.mTime;
 
-    // In single precision up to here, in double from here on.
+    // Single precision up to here, double from here on.
     const double c0 = q0 - time;
     const double c1 = 3.0f * (q1 - q0);
     const double c2 = 3.0f * (q0 - 2.0f * q1 + q2);

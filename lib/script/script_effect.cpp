@@ -2,7 +2,7 @@
 
 namespace zentrak::script {
 
-// Takes nested spans apart one by one, since a nest may be deeper than the call stack.
+// Destroys nested spans iteratively: the nesting may be deeper than the call stack.
 Effect::~Effect() {
     for (Trigger* trigger : mTriggers)
         delete trigger;
@@ -36,7 +36,7 @@ void Effect::update(const float& time, float delta, std::map<std::string, Callba
     }
 }
 
-// Drives this span up to its nested spans. Without a callback there is nothing to drive.
+// Runs this span itself: its triggers, splines and update, but not its nested spans.
 void Effect::enter(Effect* parent, float time, float delta,
                    const std::map<std::string, Callback*>& callbacks) {
     const float local = time - mStart;
@@ -62,8 +62,8 @@ void Effect::reverse(float) {
     mNeedReset = true;
 }
 
-// Firings are not sorted by their times: after a jump all that is due of the first trigger comes first, then
-// all of the second.
+// Firings are not sorted by time: after a jump all due firings of the first trigger come first, then those of
+// the second.
 void Effect::executeTriggers(float time, Callback* callback) {
     for (size_t i = 0; i < mTriggers.size(); ++i) {
         Trigger& trigger = *mTriggers[i];

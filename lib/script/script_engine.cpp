@@ -13,7 +13,7 @@ void ScriptEngine::addCallback(const std::string& name, Callback* callback) {
     mCallbacks[name] = callback;
 }
 
-// The number of spans is read again in each round: a callback may change the timeline.
+// The size is read again on each iteration: a callback may change the timeline.
 bool ScriptEngine::update(const float& time) {
     if (time < 0)
         return true;

@@ -16,7 +16,7 @@ namespace zentrak::script {
 
 namespace {
 
-// A span without its nested ones.
+// Loads a span without its children.
 bool loadSpan(LoadXML& loader, xml::IteratorConst& element, Effect* effect) {
     effect->mName = element->getValue("name");
     effect->mEnabled = element->getValue("state") != "off";
@@ -93,7 +93,7 @@ bool LoadXML::loadEffect(xml::IteratorConst& element, Effect* effect) {
         }
         auto child = std::make_unique<Effect>();
         if (!loadSpan(*this, level.children, child.get())) {
-            if (levels.size() > 1) { // none of those that hold it is complete
+            if (levels.size() > 1) { // its ancestors are incomplete too
                 delete effect->mChildren.back();
                 effect->mChildren.pop_back();
             }
@@ -105,7 +105,7 @@ bool LoadXML::loadEffect(xml::IteratorConst& element, Effect* effect) {
     return true;
 }
 
-// A delay without a repeat is not read. A repeat without a delay gets a tenth of a second.
+// A delay without a repeat is not read. A repeat without a delay gets a delay of 0.1 s.
 bool LoadXML::loadTrigger(xml::IteratorConst& element, Trigger* trigger) {
     trigger->mName = element->getValue("name");
     trigger->mValue = element->getValue("value");
@@ -125,7 +125,8 @@ bool LoadXML::loadTrigger(xml::IteratorConst& element, Trigger* trigger) {
 bool LoadXML::loadSpline(xml::IteratorConst& element, Spline* spline) {
     const std::string& type = element->getValue("type");
     spline->mName = element->getValue("name");
-    spline->mMode = type == "square" ? 0 : type == "smooth" ? 2 : 1; // before the keys: tangents depend on it
+    // Before the keys, whose tangents depend on it.
+    spline->mMode = type == "square" ? 0 : type == "smooth" ? 2 : 1;
 
     std::vector<mathbase::SplineBaseKey<float>> keys;
     xml::IteratorConst key = element.createIterator("key");

@@ -16,7 +16,7 @@ namespace {
 
 constexpr float TWO_PI = 6.2831855f;
 
-// Decimal, octal after "0" or hexadecimal after "0x"; what follows the number is ignored.
+// Decimal, octal after "0", hexadecimal after "0x"; ignores what follows the number.
 long toInteger(const std::string& text) {
     return strtol(text.c_str(), nullptr, 0);
 }
@@ -63,7 +63,7 @@ void saveRange(xml::Iterator& it, const char* name, const Range<Vector3f>& range
     it.addChild(rangeTag(name, vec2hex(range.v1), vec2hex(range.v2)));
 }
 
-// What an emitter and its form in a file have in common, in the order of the file.
+// The fields that an emitter and its form in a file share, in file order.
 template <class Emitter, class Visit>
 void forEachRange(Emitter& e, const Visit& visit) {
     visit("speed", e.speed);
@@ -117,10 +117,10 @@ Vector3f Emitter::getRandom(Vector3f& a, Vector3f& b) {
     return a + (b - a) * r;
 }
 
-// The order of the draws decides the picture. Directions are spread evenly over the band of the sphere
-// between the two angles.
+// The order of the draws determines the picture. Directions are uniform over the band of the sphere between
+// the two angles.
 void Emitter::fillSpark(Spark& spark) {
-    random.draw(); // of a first direction that is never used
+    random.draw(); // for an unused direction
     random.draw();
 
     const float r1 = random.uniform();
@@ -153,7 +153,7 @@ Vector3f hex2vec(const std::string& text) {
 std::string f2hex(float value) {
     static const char digits[] = "0123456789abcdef";
     const float scaled = value * 255.0f;
-    const bool fits = scaled > -2147483648.0f && scaled < 2147483648.0f; // also false for a NaN
+    const bool fits = scaled > -2147483648.0f && scaled < 2147483648.0f; // false for NaN
     const unsigned byte = fits ? unsigned(int(scaled)) : 0;
     return {digits[byte >> 4 & 15], digits[byte & 15]};
 }

@@ -40,14 +40,13 @@ void EmitterInstance::removeEmitter(Emitter* e) {
     std::erase(emitters, e);
 }
 
-// A fraction of a particle is emitted with that probability, so that nothing is carried over to the next
-// update.
+// A fractional particle is emitted with that probability: nothing carries over to the next update.
 void EmitterInstance::update(float, float dt) {
     int left = MAX_EMISSION;
     for (Emitter* emitter : emitters) {
         if (!emitter->active || emitter->num == 0)
             continue;
-        const float due = dt * emitter->rate; // perhaps below 0, or NaN
+        const float due = dt * emitter->rate; // may be negative, or NaN
         const bool tooMany = due > float(left);
         int count = tooMany ? left : due > 0 ? int(due) : 0;
         if (random.uniform() < due - float(count) && count < left)

@@ -23,11 +23,11 @@ constexpr float FALLING_MASS = 0.01f;
 constexpr float LEAST_SIZE = 0.8f;
 constexpr float LEAST_ENERGY = 0.1f;
 constexpr float FADE_IN = 0.2f;      // seconds
-constexpr int CELLS = 8;             // of the strip
+constexpr int CELLS = 8;             // in the strip
 constexpr float CELL_WIDTH = 0.125f; // in texture coordinates
 constexpr float PI = 3.1415927f;
 
-// powf(2.7182817f, exponent), whose base is that float and not e, within one unit in the last place.
+// powf(2.7182817f, exponent), with that float as the base rather than e, to within one ulp.
 float decay(float exponent) {
     constexpr double LOG2_BASE = 1.4426949970774024;
     return float(exp2(LOG2_BASE * double(exponent)));
@@ -129,7 +129,7 @@ void Engine::update(float time) {
     lastTime = time;
 }
 
-// Sprites are upside down on purpose: the strip's top row is at their lower edge.
+// Sprites are deliberately upside down: the strip's top row is at their lower edge.
 void Engine::draw(const Matrix4x4Col* cameraInverse) {
     if (!isSetup)
         setup();

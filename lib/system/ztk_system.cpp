@@ -10,15 +10,15 @@ namespace {
 
 char logBuffer[2048];
 
-// printf into `buffer`, cut to `size` bytes including the terminating 0. A format that can't be printed
-// leaves what was written before the failure.
+// printf into `buffer`, truncated to `size` bytes including the terminating 0. If printing fails, keeps what
+// was written so far.
 void formatBounded(char* buffer, size_t size, const char* format, va_list arguments) {
     buffer[0] = 0;
     vsnprintf(buffer, size, format ? format : "", arguments);
     buffer[size - 1] = 0;
 }
 
-// The last component of a path in either style.
+// The last component of a path with either kind of separator.
 const char* withoutDirectories(const char* file) {
     const char* name = file;
     for (const char* c = file; *c; ++c)
@@ -37,7 +37,7 @@ const char* orEmpty(const char* text) {
     return text ? text : "";
 }
 
-// The end of the conversion that starts at the "%" `c` if it prints nothing but "%"; otherwise null.
+// If the conversion at the "%" `c` prints just "%", its end; otherwise null.
 const char* endOfPercentConversion(const char* c) {
     ++c;
     c += strspn(c, "-+ #0'I");
@@ -49,7 +49,7 @@ const char* endOfPercentConversion(const char* c) {
     return *c == '%' ? c + 1 : nullptr;
 }
 
-// Formats `text` in place, as printf would without any arguments.
+// Formats `text` in place like printf with no arguments.
 void printWithoutArguments(char* text) {
     char* out = text;
     for (const char* c = text; *c;) {

@@ -1,4 +1,4 @@
-// The dialect's kinds of bytes.
+// Character classes of the dialect.
 #pragma once
 
 #include <array>
@@ -11,7 +11,7 @@ enum CharKind : uint8_t {
     CHAR_SPACE = 2,       // space, tab, carriage return, line feed
     CHAR_COLON = 4,       // also part of an element's name
     CHAR_GREATER = 8,     // also part of a processing instruction's name
-    CHAR_VALUE_STOP = 16, // what a run of plain bytes in a quoted value ends at
+    CHAR_VALUE_STOP = 16, // ends a run of plain bytes in a quoted value
     CHAR_TEXT_STOP = 32,  // the same for character data
 };
 

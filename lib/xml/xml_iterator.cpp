@@ -29,14 +29,15 @@ bool IteratorConst::operator++() {
     }
     atEnd = true;
     if (searchCriteria.empty())
-        index = count; // with criteria it stays on the last match
+        index = count; // with criteria, stay on the last match
     return false;
 }
 
 const XmlNode* IteratorConst::current(const char* beforeFirst, const char* afterLast) const {
     if (atBegin)
         throw Exception("%s", beforeFirst);
-    if (atEnd || index < 0 || index >= childCount(root)) // the last: children were taken away meanwhile
+    // Out of range if children were removed meanwhile.
+    if (atEnd || index < 0 || index >= childCount(root))
         throw Exception("%s", afterLast);
     return root->children[size_t(index)];
 }
@@ -70,7 +71,7 @@ Iterator Iterator::createIterator(const std::string& criteria) const {
 XmlNode* Iterator::adoptChild(std::unique_ptr<XmlNode> child) {
     atEnd = false;
     atBegin = false;
-    index = std::min(index + 1, getRoot()->getNumChildren()); // past the end it is appended
+    index = std::min(index + 1, getRoot()->getNumChildren()); // appends past the end
     return getRoot()->adoptChild(std::move(child), index);
 }
 

@@ -72,7 +72,7 @@ void XmlNode::clear() {
     deleteChildren();
 }
 
-// Deletes from the leaves up, so that no depth of tree needs a depth of calls.
+// Deletes from the leaves up: recursion would overflow the stack on a deep tree.
 void XmlNode::deleteChildren() {
     XmlNode* node = this;
     for (;;) {

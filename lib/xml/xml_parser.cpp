@@ -24,8 +24,8 @@ void parseWithPlace(XmlParser& parser, BufferReader reader) {
     }
 }
 
-// Of several prologs a later one replaces the values of an earlier one. There may be any number of them, so
-// their attributes are looked up by name.
+// A later prolog replaces the values of an earlier one. There may be many, so their attributes are indexed by
+// name.
 void addToProlog(XmlTag& header, std::unordered_map<std::string, size_t>& places, const XmlTag& prolog) {
     header.type = prolog.type;
     header.name = prolog.name;
@@ -80,7 +80,7 @@ void XmlParser::parse(BufferReader& reader) {
     parseRecurse(reader, it, it);
 }
 
-// Goes down and up the tree by its own pointers, so that no depth of text needs a depth of calls.
+// Walks the tree through its own pointers: recursion would overflow the stack on deep nesting.
 void XmlParser::parseRecurse(BufferReader& reader, Iterator& it, Iterator&) {
     XmlNode* const first = it.getRoot();
     XmlNode* node = first;

@@ -158,7 +158,7 @@ void XmlTag::parseAttribute(BufferReader& reader, const std::string&, bool requi
     raw.storeAttributes(*this);
 }
 
-// Takes what one of the parts has read; the type is the caller's to set.
+// Takes over what a reader has read; the caller sets the type.
 void XmlTag::add(const TagReader& raw) {
     closed = raw.closed;
     name = raw.name;

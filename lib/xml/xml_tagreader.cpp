@@ -7,10 +7,10 @@ namespace zentrak::xml {
 namespace {
 
 const char contentName[] = "content";
-const size_t indexFrom = 64; // so many attributes are sooner searched than indexed
+const size_t indexFrom = 64; // below this many attributes a linear search is faster
 
-// Takes the longest run of bytes that are of the given kinds, or of none of them. The run must hold no line
-// end and no tab.
+// Takes the longest run of bytes of the given kinds, or of none of them. The run must not contain a line end
+// or a tab.
 template <bool WITHIN>
 std::string_view readRun(BufferReader& reader, int kinds) {
     const std::string_view rest = reader.rest();
@@ -108,7 +108,7 @@ void TagReader::readComment(BufferReader& reader) {
     const std::string_view content = rest.substr(0, rest.find("-->"));
     for (const char c : content)
         if (c == '\r')
-            reader.consumePlain(1); // in a comment it has a column of its own
+            reader.consumePlain(1); // in a comment it counts as one column
         else
             reader.consume();
     reader.requireMore();
@@ -185,7 +185,7 @@ void TagReader::readAttribute(BufferReader& reader, bool requireEquals) {
     setValue(attribute, c == '"' || c == '\'' ? readQuoted(reader) : readRunOf(reader, CHAR_WORD));
 }
 
-// The value up to the closing quote, which is taken too.
+// Reads the value and its closing quote.
 std::string_view TagReader::readQuoted(BufferReader& reader) {
     const char quote = reader.consume();
     const size_t start = reader.pos;
@@ -204,7 +204,7 @@ std::string_view TagReader::readQuoted(BufferReader& reader) {
     return plain ? value : rewritten(value);
 }
 
-// The bytes as they are kept: a tab as four spaces, a carriage return not at all.
+// Tabs become four spaces, carriage returns are dropped.
 std::string_view TagReader::rewritten(std::string_view text) {
     std::string& kept = mRewritten.emplace_back();
     for (const char c : text)

@@ -1,5 +1,5 @@
-// Reads one tag without copying it: names and values are views of the text. The parser copies them once, to
-// where they stay.
+// Reads one tag without copying: names and values are views of the text. The parser copies them once, into
+// the tree.
 #pragma once
 
 #include "xml_tag.h"
@@ -12,7 +12,7 @@
 
 namespace zentrak::xml {
 
-// All pieces live until the next read and as long as the text.
+// All views are valid until the next read, as long as the text lives.
 class TagReader {
 public:
     struct Attribute {
@@ -23,12 +23,12 @@ public:
     XmlTag::Type type = XmlTag::Normal;
     bool closed = true;
     std::string_view name;
-    std::vector<Attribute> attributes; // no name twice
+    std::vector<Attribute> attributes; // names are unique
 
-    // Reads the next tag of any type, in place of the last one.
+    // Reads the next tag of any type and replaces the last one.
     void read(BufferReader& reader);
 
-    // Its parts, which add to what was read; the reader is where XmlTag says.
+    // The parts of read(), which add to what was read; XmlTag says where the reader has to be.
     void readNormal(BufferReader& reader);
     void readComment(BufferReader& reader);
     void readText(BufferReader& reader);
@@ -36,14 +36,14 @@ public:
     void readSpecialQuestion(BufferReader& reader);
     void readAttribute(BufferReader& reader, bool requireEquals);
 
-    // Makes `tag` the one that was read.
+    // Makes `tag` a copy of what was read.
     void store(XmlTag& tag) const;
-    // Sets the attributes that were read on `tag`.
+    // Sets only the attributes on `tag`.
     void storeAttributes(XmlTag& tag) const;
 
 private:
     std::deque<std::string> mRewritten;                  // values that differ from the text
-    std::unordered_map<std::string_view, size_t> mIndex; // attributes by name, of a tag with many
+    std::unordered_map<std::string_view, size_t> mIndex; // attributes by name, for a tag with many
 
     void reset();
     void setValue(std::string_view attribute, std::string_view value);
