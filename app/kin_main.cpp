@@ -13,7 +13,7 @@
 
 namespace zentrak::kindler {
 
-// Also runs when an exception ends the show: a failure to save leaves the setup file as it was.
+// Also runs when an exception ends the show; if saving fails, the setup file stays as it was.
 Kindler::~Kindler() {
     if (mSetupDone) {
         try {
@@ -33,8 +33,8 @@ void Kindler::addCallback(std::string name, Effect& effect) {
     effect.mDisplay = mDisplay;
 }
 
-// The editor joins the listeners after the driver, so it is drawn over the picture. Deleted also when an
-// exception ends the show.
+// Listens after the driver, so the editor is drawn over the picture. Also destroyed when an exception ends
+// the show.
 struct Kindler::Editor {
     explicit Editor(Kindler& owner) : kindler(owner), gui(new Gui(owner.mDisplay, &owner.mScript)) {
         kindler.mGui = gui.get();
@@ -71,7 +71,7 @@ void Kindler::run() {
     mDisplay->updateBlocking();
 }
 
-// All effects load, in the order of their names, whether or not the script uses them.
+// Loads all effects in order of name, whether or not the script uses them.
 void Kindler::loadEffects() {
     for (const auto& [name, callback] : mScript.mCallbacks) {
         Effect* const effect = dynamic_cast<Effect*>(callback);
@@ -87,7 +87,7 @@ void Kindler::loadEffects() {
     }
 }
 
-// The driver is the first listener: they draw in the order in which they joined.
+// Listeners draw in the order in which they joined; the driver is first.
 void Kindler::openDisplay(int width, int height, bool fullscreen, const std::string& title) {
     display::WindowMode mode(title, width, height, fullscreen);
     mode.canResize = true;
@@ -104,7 +104,7 @@ void Kindler::openDisplay(int width, int height, bool fullscreen, const std::str
     mDisplay->setArchive(&mArchives);
 }
 
-// Makes the image that the dump grabs into. A window of odd height can't be grabbed.
+// Allocates the image that the dump grabs into. A window of odd height can't be grabbed.
 void Kindler::fitFrame(int width, int height) {
     if (height & 1)
         throw Exception("[Kindler] A dump needs an even height of the window, not %d", height);
@@ -134,7 +134,7 @@ bool Kindler::hasSound() const {
     return !mNoSound && mMusic.mStream;
 }
 
-// The clock takes the position that the stream has really reached.
+// Sets the clock to the position that the stream has actually reached.
 void Kindler::setTime(float t) {
     t = std::max(0.0f, t);
     if (hasSound()) {
@@ -153,7 +153,7 @@ void Kindler::getTime() {
     mTime = hasSound() ? float(mMusic.mStream->getPosition()) / float(mMusic.mRate) : mRawTime;
 }
 
-// While the editor is up, the picture goes to the upper right quarter of the window.
+// While the editor is visible, the picture goes to the upper right quarter of the window.
 bool Kindler::editorVisible() const {
     return mEditing && mGui->isVisible();
 }
@@ -167,17 +167,17 @@ void Kindler::controlAction(panorama::Control* control, panorama::Action action)
         endProcess();
 }
 
-// The sound device has to be closed while the sound library is still there.
+// Closes the sound device while the sound library still exists.
 void Kindler::endProcess() {
     mMusic = Music();
     exit(0);
 }
 
-// One frame. The editor and the toolkit draw after this, over the picture.
+// Draws one frame. The editor and the toolkit draw after this, over the picture.
 void Kindler::onDraw() {
     if (hasSound() && !mMusic.mStream->isPlaying() && !mMusic.mPaused) {
         if (mLoop)
-            mMusic.mStream->setPosition(0); // doesn't restart it: the show is silent from here on
+            mMusic.mStream->setPosition(0); // doesn't restart it: silent from now on
         else
             endProcess();
     }

@@ -7,7 +7,7 @@
 
 namespace zentrak::kindler {
 
-// A missing file, or one too long for the sound library, counts as one that can't be decoded.
+// A file that is missing or too long for the sound library counts as one that can't be decoded.
 bool Music::setup(am::TSmartPtr<am::FileStructure, am::TRefCount<am::FileStructure>> file) {
     *this = Music();
     mDevice = audiere::AdrOpenDevice("autodetect", nullptr);

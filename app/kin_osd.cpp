@@ -1,4 +1,4 @@
-// The keys of the viewer, and the progress bar.
+// The viewer's keys and the progress bar.
 
 #include "dis_batch.h"
 #include "dis_glcheck.h"
@@ -12,7 +12,7 @@
 
 namespace zentrak::kindler {
 
-// A seek sets mOsdTime to the time that it reached; T resets it to the time before.
+// A seek sets mOsdTime to the time reached; T resets it to the time before.
 int Kindler::onKeyDown(const display::KeyEvent& event) {
     const bool ctrl = event.control & (display::KEYMOD_LCTRL | display::KEYMOD_RCTRL);
     const bool alt = event.control & (display::KEYMOD_LALT | display::KEYMOD_RALT);
@@ -74,8 +74,8 @@ int Kindler::onKeyDown(const display::KeyEvent& event) {
     return WHATEVER;
 }
 
-// A bar for the whole show, with a green marker at the start time and a white one at the current time, both
-// of which may lie outside the bar.
+// Draws a bar for the whole show with a green marker at the start time and a white one at the current time,
+// either of which may lie outside the bar.
 void Kindler::drawOsd() {
     mathbase::Matrix4x4Col identity;
     identity.setIdentity();

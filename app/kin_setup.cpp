@@ -1,4 +1,4 @@
-// Reads the setup file, and writes settings back to it.
+// Reads the setup file and writes settings back to it.
 
 #include "am_videofile.h"
 #include "kin_main.h"
@@ -25,7 +25,7 @@ int toInt(const std::string& text) {
     return int(std::clamp(strtol(text.c_str(), nullptr, 0), long(INT_MIN), long(INT_MAX)));
 }
 
-// Towards 0; clamped to the range of int, and 0 for NaN.
+// Truncates towards 0; clamps to the range of int, and gives 0 for NaN.
 int truncate(float value) {
     if (!(value > -2147483648.0f))
         return value < 0 ? INT_MIN : 0;
@@ -48,9 +48,8 @@ void parse(xml::XmlParser& parser, const am::File& file, const std::string& name
     });
 }
 
-// The writer puts every value between double quotes, and those of a declaration between none, without
-// escaping anything. A value that would end early and go on as elements of its own is changed; such a
-// declaration is left out.
+// The writer escapes nothing: it puts values between double quotes, and those of a declaration between none.
+// Changes values that would end early and continue as elements; leaves out such declarations.
 void makeWritable(xml::XmlNode& root) {
     std::vector<xml::XmlNode*> nodes{&root};
     while (!nodes.empty()) {
@@ -75,8 +74,8 @@ void makeWritable(xml::XmlNode& root) {
 
 } // namespace
 
-// The elements are read kind by kind in a fixed order, not in that of the file: archives come before the
-// script, which may be in one of them, and the dump before the music, which it silences.
+// Reads the elements kind by kind in a fixed order rather than in file order: archives before the script,
+// which may be in one of them, and the dump before the music, which it silences.
 void Kindler::setup() {
     if (mSetupDone)
         return;
@@ -166,7 +165,7 @@ void Kindler::setup() {
     mSetupDone = true;
 }
 
-// Changes values in the local file and keeps the rest of it. Without a local file nothing is saved.
+// Changes values in the local file and keeps the rest. Without a local file nothing is saved.
 void Kindler::saveXml() {
     static const char* const LOCATIONS[] = {"top", "middle", "bottom"};
 

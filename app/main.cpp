@@ -13,7 +13,7 @@ using namespace zentrak::kindler;
 
 namespace {
 
-// The effects come after the driver, so that they are destroyed while its window is still open.
+// Declared after the driver, so that the effects are destroyed while its window is still open.
 void show() {
     Kindler kindler;
     kindler.setup();
@@ -27,7 +27,7 @@ void show() {
 } // namespace
 
 int main() {
-    setvbuf(stdout, nullptr, _IOLBF, 0); // a log in a file is complete however the program ends
+    setvbuf(stdout, nullptr, _IOLBF, 0); // so that a redirected log is complete however the program ends
     zentrak::keepFreedMemory();
     try {
         show();

@@ -1,10 +1,10 @@
-// Reports what the loader of layout and style files ignores silently: types and attributes that it
-// does not know, words that it does not take, numbers and colours that are none, classes without a style, and
-// the names that the timeline editor looks for.
-//   zentrak-check-layout [--editor] FILE...   one line a finding; gives 1 if there are any, 2 if a file can't
-//   be read
+// Reports what the loader of layout and style files ignores silently: unknown types, attributes and words,
+// bad numbers and colours, classes without a style, and missing controls that the timeline editor looks up by
+// name.
+//   zentrak-check-layout [--editor] FILE...
+// Prints one line per finding. Exits with 1 if there are any, 2 if a file can't be read.
 //
-// A file with a "workspace" is a layout: its style and its pictures are looked for in its own folder, and the
+// A file with a "workspace" is a layout: its style and pictures are looked for in its own folder, and the
 // style is checked along with it. Any other file is a style. With --editor a layout must hold what the editor
 // needs.
 
@@ -33,15 +33,15 @@ bool contains(const Words& words, const std::string& word) {
     return std::any_of(words.begin(), words.end(), [&](const char* w) { return word == w; });
 }
 
-// What an element below a control may be, with its own attributes.
+// An element that may appear below a control, with its own attributes.
 struct Part {
     const char* name;
     Words attributes;
-    bool nests;   // it may hold parts of its kind
-    bool control; // it is read as a control too: with the common attributes and children
+    bool nests;   // may hold parts of its own kind
+    bool control; // also read as a control, with the common attributes and children
 };
 
-// A type of control: what it reads beyond the common attributes.
+// A type of control: what it reads in addition to the common attributes.
 struct Type {
     const char* name;
     Words attributes;
@@ -88,9 +88,9 @@ const Type* typeOf(const std::string& name) {
     return nullptr;
 }
 
-// The words that an attribute takes; an attribute that is not here takes anything.
+// The words that an attribute accepts; attributes not listed here accept anything.
 struct Choice {
-    const char* type; // null: of any type
+    const char* type; // null for any type
     const char* attribute;
     Words words;
     const char* otherwise; // what any other word means
@@ -115,7 +115,7 @@ const Choice choices[] = {
 
 const Words numbers = {"x", "y", "width", "height", "w", "h", "size", "percent", "min", "max"};
 
-// What the editor looks for, and of which type it has to be; null for any.
+// The controls that the editor looks up, and their types; null for any.
 struct Needed {
     const char* name;
     const char* type;
@@ -135,8 +135,8 @@ class Checker : public Findings {
 public:
     using Findings::Findings;
 
-    // What holds for a control of a type, and for a style; null for a style of a name of its own, in which
-    // the attributes of all types may stand. `inFlow` says that the control is a child of a flow.
+    // `type` is that of a control or style; null for a style with a name of its own, which may have the
+    // attributes of all types. `inFlow`: the control is a child of a flow.
     void control(const xml::XmlNode& node, const Type* type, bool inFlow) {
         const std::string name = "'" + node.getName() + "'";
         if (mDepth == deepest) {
@@ -171,7 +171,7 @@ public:
         --mDepth;
     }
 
-    // Called for every control that stands in a 'child', before what is in it.
+    // Called for every control in a 'child', before its contents.
     virtual void found(const xml::XmlNode&) {}
 
 protected:
@@ -311,17 +311,17 @@ private:
         }
     }
 
-    static constexpr int deepest = 1000; // elements in elements
+    static constexpr int deepest = 1000; // nested elements
 
     int mDepth = 0;
 };
 
-// A style file, as the layout that uses it sees it.
+// A style file as seen by the layout that uses it.
 class StyleChecker final : public Checker {
 public:
     using Checker::Checker;
 
-    // `used` holds the classes of the layout; null where no layout is known.
+    // `used` holds the classes of the layout; null if no layout is known.
     void document(const std::set<std::string>* used) {
         const xml::XmlNode& root = mDocument.root();
         if (root.getName() != "panorama") {
@@ -348,7 +348,7 @@ class LayoutChecker final : public Checker {
 public:
     using Checker::Checker;
 
-    // False where the style can't be read.
+    // False if the style can't be read.
     bool document(bool editor) {
         const xml::XmlNode& root = mDocument.root();
         bool readable = true;
@@ -384,7 +384,7 @@ private:
             say(node, "the picture '" + picture + "' is not there");
     }
 
-    // The style of a workspace, and whether it has a style for each class.
+    // Checks the style of a workspace, and that it has a style for each class.
     bool style(const xml::XmlNode& workspace) {
         const std::string& name = workspace.getValue("style");
         if (name.empty()) {
@@ -417,12 +417,12 @@ private:
     }
 
     std::map<std::string, const xml::XmlNode*> mControls; // by name, the first of each
-    std::vector<const xml::XmlNode*> mUses;               // of a class
+    std::vector<const xml::XmlNode*> mUses;               // controls with a class
     std::set<std::string> mClasses;
     int mStyleFindings = 0;
 };
 
-// 0 for a file without findings, 1 for one with some, 2 for one that can't be read.
+// Returns 0 without findings, 1 with some, 2 if the file can't be read.
 int checkFile(const char* path, bool editor) {
     Document document;
     if (!document.read(path))

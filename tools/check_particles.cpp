@@ -1,7 +1,7 @@
-// Reports what the loader of particle files ignores silently: what is missing, what it does not know, and
-// numbers and colours that aren't any.
-//   zentrak-check-particles FILE...     one line a finding; gives 1 if there are any, 2 if a file can't be
-//   read
+// Reports what the loader of particle files ignores silently: missing and unknown elements, and bad numbers
+// and colours.
+//   zentrak-check-particles FILE...
+// Prints one line per finding. Exits with 1 if there are any, 2 if a file can't be read.
 
 #include "check/document.h"
 #include "command/command.h"
@@ -71,7 +71,7 @@ private:
             say(node, "the instance has no emitter: it gives off nothing");
     }
 
-    // The number of a text in the way that the loader reads it. Says what it leaves out.
+    // Parses a number as the loader does, and reports what that ignores.
     long integer(const xml::XmlNode& node, const char* name, const char* ifMissing) {
         const std::string& text = node.getValue(name);
         if (text.empty()) {
@@ -141,7 +141,7 @@ private:
     }
 };
 
-// 0 for a file without findings, 1 for one with some, 2 for one that can't be read.
+// Returns 0 without findings, 1 with some, 2 if the file can't be read.
 int checkFile(const char* path) {
     Document document;
     if (!document.read(path))

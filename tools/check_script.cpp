@@ -1,12 +1,9 @@
-// Reports what the show ignores silently in its script: names that no effect answers to, spans that
-// are never active, triggers that never fire, what lies past the end, what makes the whole script fail to
-// load.
-//   zentrak-check-script [--length SECONDS] FILE...   one line a finding; gives 1 if there are any, 2 if a
-//   file can't be
-//                                             read
+// Reports what the show ignores silently in its script: unknown effects, spans that are never active,
+// triggers that never fire, anything past the end, and what makes the whole script fail to load.
+//   zentrak-check-script [--length SECONDS] FILE...
+// Prints one line per finding. Exits with 1 if there are any, 2 if a file can't be read.
 //
-// With --length nothing is seen from that time on, as at the end of the music. Each file is checked on its
-// own.
+// --length is the length of the music: nothing is seen after it. Each file is checked on its own.
 
 #include "check/document.h"
 #include "command/command.h"
@@ -32,7 +29,7 @@ namespace {
 
 using Words = std::vector<const char*>;
 
-// Seconds: what times that were rounded to a few digits may be off by.
+// Tolerance in seconds for times that were rounded to a few digits.
 constexpr double SLACK = 0.001;
 constexpr int MAX_DEPTH = 256; // of the checker, not of the show
 
@@ -40,8 +37,8 @@ bool contains(const Words& words, const std::string& word) {
     return std::any_of(words.begin(), words.end(), [&](const char* w) { return word == w; });
 }
 
-// How many letters have to be put in, taken out, changed or swapped with the next to make one word of the
-// other.
+// Edit distance: the number of letters to insert, delete, change or swap with the next to turn one word into
+// the other.
 size_t distance(const std::string& one, const std::string& other) {
     std::vector<std::vector<size_t>> d(one.size() + 1, std::vector<size_t>(other.size() + 1));
     for (size_t y = 0; y <= one.size(); ++y) {
@@ -59,7 +56,7 @@ size_t distance(const std::string& one, const std::string& other) {
     return d[one.size()][other.size()];
 }
 
-// What is most like a word of unknown meaning, or null if nothing is.
+// The known word most like `word`, or null if none is close.
 const char* likely(const Words& words, const std::string& word) {
     const char* best = nullptr;
     size_t least = std::min<size_t>(3, word.size());
@@ -108,7 +105,7 @@ const Words& allEffects() {
     return names;
 }
 
-// When something runs: from `start` up to, and not including, `end`; not at all where that is not above.
+// The time something runs, from `start` up to but excluding `end`; never if that is not above `start`.
 struct Window {
     double start, end;
     bool empty() const { return !(end > start); }
@@ -139,7 +136,7 @@ public:
     }
 
 private:
-    // What the studio keeps with a show, and the player passes over.
+    // Notes that the studio keeps with a show and the player ignores.
     void note(const xml::XmlNode& node) {
         const bool tempo = node.getName() == "tempo";
         attributes(node, tempo ? Words{"bpm", "beats", "start"} : Words{"name", "time"});
@@ -154,7 +151,7 @@ private:
                               " is ignored" + perhaps(known, argument.name));
     }
 
-    // Each child element of a name that is known with `visit`.
+    // Calls `visit` for each child element with a known name.
     void elements(const xml::XmlNode& node, const Words& known,
                   const std::function<void(const xml::XmlNode&)>& visit) {
         eachElement(node, [&](const xml::XmlNode& child) {
@@ -166,21 +163,21 @@ private:
         });
     }
 
-    // A time or a value; 0 without one, as the loader has it.
+    // A time or a value; 0 if it is missing, as in the loader.
     double get(const xml::XmlNode& node, const char* name) {
         const std::string& text = node.getValue(name);
         return text.empty() ? 0 : number(node, quoted(name) + " of " + quoted(node.getName()), text);
     }
 
-    // The same where there has to be one.
+    // The same for a required attribute.
     double need(const xml::XmlNode& node, const char* name) {
         if (node.getValue(name).empty())
             say(node, "no " + quoted(name) + " of " + quoted(node.getName()) + ": it is 0");
         return get(node, name);
     }
 
-    // `inside` is when the parent runs, in its own time; null stands for the show as the parent. A parent
-    // that never runs has said so.
+    // `inside` is when the parent runs, in its own time; a null parent is the show itself. For a parent that
+    // never runs there has been a finding already.
     void effect(const xml::XmlNode& node, const Window& inside, const xml::XmlNode* parent, int depth) {
         if (depth > MAX_DEPTH) {
             say(node, "effects are nested more than " + std::to_string(MAX_DEPTH) +
@@ -210,7 +207,8 @@ private:
         });
     }
 
-    // The effect that draws a span; null, with a finding unless it can be meant, for one that only groups.
+    // The effect that draws a span. Null for one that only groups, with a finding unless that can be
+    // intended.
     const EffectNames* name(const xml::XmlNode& node) {
         const std::string& name = node.getValue("name");
         const EffectNames* const names = namesOf(name);
@@ -238,7 +236,7 @@ private:
             say(node, "'state' of " + quoted(state) + " is neither 'on' nor 'off': the span is on");
     }
 
-    // Where a span lies in what is around it, whose own time `inside` is.
+    // Checks where a span lies in its parent, which runs `inside` in its own time.
     void place(const xml::XmlNode& node, const Window& given, const Window& inside,
                const xml::XmlNode* parent) {
         const std::string around = parent ? "its parent " + quoted(parent->getValue("name")) : "the show";
@@ -295,7 +293,7 @@ private:
                           " times at once: its 'delay' is " + seconds(delay));
     }
 
-    // A number of firings, as atoi reads it.
+    // Parses a number of firings as atoi does.
     double integer(const xml::XmlNode& node, const char* name, const std::string& text) {
         char* end = nullptr;
         const long value = strtol(text.c_str(), &end, 10);
@@ -305,7 +303,7 @@ private:
         return double(value);
     }
 
-    // Whether the effect knows a trigger, and its value.
+    // Checks that the effect knows a trigger, and its value.
     void value(const xml::XmlNode& node, const EffectNames& names) {
         const std::string& name = node.getValue("name");
         const std::string& value = node.getValue("value");
@@ -358,7 +356,7 @@ private:
     }
 };
 
-// 0 for a file without findings, 1 for one with some, 2 for one that can't be read.
+// Returns 0 without findings, 1 with some, 2 if the file can't be read.
 int checkFile(const char* path, double length) {
     Document document;
     if (!document.read(path))

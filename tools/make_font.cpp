@@ -17,10 +17,10 @@ namespace {
 
 constexpr int GRID = 16;
 
-// Stems stand on whole columns: a thin one keeps a pixel that is bright enough to be measured.
+// Hints stems to whole columns: a thin one keeps a pixel bright enough to be measured.
 constexpr FT_Int32 LOADING = FT_LOAD_RENDER | FT_LOAD_FORCE_AUTOHINT | FT_LOAD_TARGET_NORMAL;
 
-// An outline font, open as long as this lives.
+// An outline font, closed on destruction.
 class Outline {
 public:
     Outline() = default;
@@ -41,12 +41,12 @@ private:
     FT_Face mFace = nullptr;
 };
 
-// What of Latin-1 is a character to be seen: no controls, no spaces, no soft hyphen.
+// Is the Latin-1 character visible? Not controls, spaces and the soft hyphen.
 bool isPrinted(int c) {
     return (c > 32 && c < 127) || (c > 160 && c != 173);
 }
 
-// The tallest and the deepest ink of all characters, in pixels from the baseline.
+// The highest and lowest ink of all characters, in pixels from the baseline.
 struct Extent {
     int above = 0, below = 0, wide = 0;
 };
@@ -64,7 +64,7 @@ Extent measure(FT_Face face) {
 }
 
 // The screen takes a glyph to be as wide as its last column with a value above 200. Where more than one
-// column of ink lies behind that one, the last of them is made bright enough to count.
+// column of ink follows that one, the last of them is brightened enough to count.
 void brightenEdge(Canvas& canvas, int left, int top, int cell) {
     const auto brightest = [&](int x) {
         float most = 0;

@@ -15,7 +15,7 @@ using namespace zentrak::music;
 
 namespace {
 
-// The tracks, by what is done to them: the drums stay as they are, the others make way for the kick.
+// Tracks by their processing: the drums stay as they are, the others are ducked under the kick.
 struct Tracks {
     explicit Tracks(int frames)
         : drums(frames),
@@ -32,12 +32,12 @@ int frameOf(int bar, int step = 0) {
     return bar * BAR + step * STEP;
 }
 
-// The loudness of a stroke from its digit, and a point for none.
+// Loudness of a stroke from its digit; a point is a rest.
 float strength(char stroke) {
     return stroke == '.' ? 0 : float(stroke - '0') / 9;
 }
 
-// The loudness or brightness of a layer from its digit in a chart: 0.1 to 1.
+// Loudness or brightness of a layer from its digit in a chart: 0.1 to 1.
 float chartLevel(char digit) {
     return digit == '.' ? 0 : float(digit - '0' + 1) / 10;
 }
@@ -69,11 +69,11 @@ std::vector<int> playDrums(Tracks& tracks, int bars) {
     return kicks;
 }
 
-// What leads from one section into the next: toms in the last half bar, noise that rises before it and falls
-// after it, and a deep stroke on its first beat.
+// Transitions between sections: toms in the last half bar, noise that rises before the change and falls after
+// it, and a boom on the first beat.
 void playTransitions(Tracks& tracks) {
     const float TOMS[] = {50, 50, 47, 45, 45, 43, 40, 38};
-    const int SLOWEST = 4; // bars that a riser takes
+    const int SLOWEST = 4; // bars, the longest riser
     int bar = 0;
     for (const Section& section : sections()) {
         if (bar > 0) {
@@ -115,7 +115,7 @@ void playBass(Tracks& tracks, const Chord& chord) {
     }
 }
 
-// One long note for as many chords in a row as are the same.
+// One long note for consecutive equal chords.
 void playPad(Tracks& tracks, const std::vector<Chord>& chords, size_t first) {
     const Chord& chord = chords[first];
     float soft = chartLevel(charts().pad[size_t(chord.step / STEPS_PER_BAR)]);
@@ -128,7 +128,7 @@ void playPad(Tracks& tracks, const std::vector<Chord>& chords, size_t first) {
         pad(tracks.chords, chord.step * STEP, steps * STEP, voice, 0.16f + 0.16f * soft, soft);
 }
 
-// On every beat anew, as the kick makes room.
+// Restarts on every beat, where the kick leaves room.
 void playSaws(Tracks& tracks, const Chord& chord) {
     float bright = chartLevel(charts().saws[size_t(chord.step / STEPS_PER_BAR)]);
     for (int step = 0; bright > 0 && step < chord.steps; step += 4)
@@ -136,7 +136,7 @@ void playSaws(Tracks& tracks, const Chord& chord) {
             saws(tracks.chords, (chord.step + step) * STEP, 4 * STEP - 400, voice, 0.30f * bright, bright);
 }
 
-// Up and down through the chord over two octaves, in a pattern of three against four.
+// Up and down the chord over two octaves, three against four.
 void playArpeggio(Tracks& tracks, const Chord& chord) {
     const int ORDER[] = {0, 2, 4, 1, 3, 5, 2, 4, 6, 3, 5, 7, 4, 2, 5, 3};
     float level = chartLevel(charts().arp[size_t(chord.step / STEPS_PER_BAR)]);
@@ -179,8 +179,7 @@ void playLine(Tracks& tracks, const Line& line, int end) {
     }
 }
 
-// Plays all of it, and brings it together. The melody, the plucks and the chords go to the room and the echo
-// too.
+// Plays and mixes everything. The melody, the plucks and the chords also go to the reverb and the echo.
 Track perform(int bars) {
     const int FRAMES = bars * BAR;
     Tracks tracks(FRAMES);

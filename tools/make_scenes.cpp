@@ -1,5 +1,5 @@
 // Makes the scenes of the show and of the tests.
-//   make_scenes NAME FILE      one of face, cathedral, courtyard, stone into this file
+//   make_scenes NAME FILE      NAME is face, cathedral, courtyard or stone
 
 #include "command/command.h"
 #include "scene/scenes.h"

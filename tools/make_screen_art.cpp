@@ -19,10 +19,8 @@ const Colour ink = {0.055f, 0.05f, 0.075f, 1};
 const Colour bone = {0.96f, 0.94f, 0.88f, 1};
 const Colour ember = {0.98f, 0.52f, 0.22f, 1};
 
-/*
- * A frame for a picture of 16 by 10: dark worn edges that open to the middle, a hairline with cut corners,
- * and register marks.
- */
+// A frame for a 16:10 picture: dark worn edges that fade to the middle, a hairline with cut corners, and
+// register marks.
 Canvas border() {
     Canvas canvas(1280, 800);
     const float width = 1280, height = 800;
@@ -60,7 +58,7 @@ Canvas border() {
     return canvas;
 }
 
-// A disc of rings with a bright rim, white, its shape in the alpha channel; the effects tint it.
+// White concentric rings with a bright rim, the shape in the alpha channel; the effects tint it.
 Canvas rund() {
     Canvas canvas(256, 256);
     canvas.paint([](float x, float y) {
@@ -78,7 +76,7 @@ Canvas rund() {
     return canvas;
 }
 
-// Text in `colour` with its middle at (x, y), over a soft dark halo.
+// Text in `colour`, centred at (x, y), over a soft dark halo.
 void letter(Canvas& canvas, const std::string& text, float x, float y, float height, float weight,
             float tracking, const Colour& colour, float halo) {
     const Lettering line(text, height, tracking);
@@ -90,7 +88,7 @@ void letter(Canvas& canvas, const std::string& text, float x, float y, float hei
     canvas.fill(colour, [&](float px, float py) { return line.distance(px - left, py - top) - weight / 2; });
 }
 
-// The logo, for a light ground: four cubes and the name between two rules.
+// The logo, for a light background: four cubes and the name between two rules.
 Canvas logo() {
     Canvas canvas(704, 192);
     for (int i = 0; i < 4; ++i) {

@@ -38,8 +38,8 @@ float cloudNoise(float x, float y, unsigned seed) {
     return sum;
 }
 
-// Light of one sprite: 0 to 1. Each is dark well before the cell's edge, so that no cell bleeds into the
-// next.
+// Brightness of a sprite, 0 to 1. Each fades out well before the edge of its cell, so that no cell bleeds
+// into the next.
 
 float glow(Point p) {
     const float r = p.radius();
@@ -51,7 +51,7 @@ float core(Point p) {
     return expf(-r * r * 90) + 0.45f * expf(-r * 9) + 0.1f * expf(-r * r * 6);
 }
 
-// A cell of convection: bright and lumpy, with darker lanes.
+// A convection cell: bright and lumpy, with darker lanes.
 float granule(Point p) {
     const float warp = 0.16f * cloudNoise(3 * p.x, 3 * p.y, 11);
     const float r = p.radius() * (1.15f + warp);
@@ -59,7 +59,7 @@ float granule(Point p) {
     return smoothstep(0, 0.8f, 0.9f - r) * (0.5f + 0.5f * lanes);
 }
 
-// Tongues that lick outwards.
+// Tongues of flame.
 float flame(Point p) {
     const float r = p.radius();
     const float x = p.x / (r + 0.05f), y = p.y / (r + 0.05f);
@@ -83,7 +83,7 @@ float ray(Point p) {
            0.5f * expf(-(p.x * p.x + p.y * p.y) * 40);
 }
 
-// A glint with four points.
+// A four-pointed glint.
 float star(Point p) {
     const float ax = fabsf(p.x), ay = fabsf(p.y);
     const float cross = expf(-ax * 34 - ay * 2.6f) + expf(-ay * 34 - ax * 2.6f);
@@ -111,14 +111,14 @@ Canvas strip() {
     return canvas;
 }
 
-// One emitter of the particle file. All fly out from the centre; the energy is far above 1 at first, so that
-// a particle shines evenly until it is about as far out as the sun is to reach, and then goes out quickly.
+// One emitter of the particle file. All particles fly out from the centre; the energy starts far above 1, so
+// that they shine evenly until about the radius of the sun and then go out quickly.
 struct Stream {
     const char* name;
     int texture, rate;
     float speed[2]; // units per second
     float reach[2]; // units from the centre at which it has gone out
-    float fade;     // units before that over which it goes out
+    float fade;     // units before that over which it fades
     const char* color[2];
     float size[2]; // units
     float sizedecay[2];
@@ -165,7 +165,8 @@ void writeStream(std::ostream& out, const Stream& s) {
     writePair(out, "speed", s.speed[0], s.speed[1]);
     writePair(out, "angle", s.angle[0], s.angle[1]);
     out << "\t\t\t<color v1=\"" << s.color[0] << "\" v2=\"" << s.color[1] << "\"/>\n";
-    // Energy falls from 1 to 0.1 on the last `fade` units, and so by the same factor on each like way before.
+    // Energy falls from 1 to 0.1 over the last `fade` units, and by the same factor over every such distance
+    // before.
     const float speed = (s.speed[0] + s.speed[1]) / 2;
     const float decay = logf(10) * speed / s.fade;
     writePair(out, "energy", 0.1f * expf(decay * s.reach[0] / speed),
@@ -180,7 +181,7 @@ void writeStream(std::ostream& out, const Stream& s) {
 }
 
 bool writeParticles(const std::filesystem::path& path) {
-    std::error_code without; // what is missing then shows when the file is written
+    std::error_code without; // a failure shows when the file is written
     std::filesystem::create_directories(path.parent_path(), without);
     std::ostringstream out;
     out << "<?xml version=\"1.0\"?>\n<!-- The particles of the show. Made by make_spark_art. -->\n<spark>\n"

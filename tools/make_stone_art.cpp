@@ -24,7 +24,7 @@ struct Point {
     float dot(const Point& p) const { return x * p.x + y * p.y + z * p.z; }
 };
 
-// Noise over a surface in space, several octaves, about -1 to 1.
+// 3D noise on a surface, several octaves, about -1 to 1.
 float rough(const Point& p, float scale, unsigned seed) {
     float sum = 0, weight = 0.5f;
     for (unsigned octave = 0; octave < 5; ++octave) {
@@ -39,14 +39,14 @@ float rough(const Point& p, float scale, unsigned seed) {
     return sum;
 }
 
-// The direction from the centre that a point of the pictures lies in. They go round the stone once, from its
-// top to its bottom.
+// The direction from the centre for a point of the pictures, which wrap round the stone once, from top to
+// bottom.
 Point direction(float s, float t) {
     const float phi = 2 * PI * (1 - s), theta = PI * t;
     return {sinf(theta) * cosf(phi), cosf(theta), sinf(theta) * sinf(phi)};
 }
 
-// The middles of the plates: evenly over a ball, then pushed about.
+// The centres of the plates: evenly distributed over a sphere, then jittered.
 std::vector<Point> middles() {
     std::vector<Point> points;
     for (int i = 0; i < PLATES; ++i) {
@@ -61,7 +61,7 @@ std::vector<Point> middles() {
     return points;
 }
 
-// Where a point lies among the plates.
+// The position of a point among the plates.
 struct Place {
     int plate;
     float edge; // distance from the plate's edge, in radii

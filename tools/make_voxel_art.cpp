@@ -1,7 +1,6 @@
 // Paints the pictures of the set pieces, whose pixels become boxes, and the small textures that they share.
-//   make_voxel_art FOLDER       writes kub/, credits/, grand/, greet/, vul/, cubemap/ and hurry/ below the
-//   show's
-//                               data folder
+//   make_voxel_art FOLDER
+// Writes kub/, credits/, grand/, greet/, vul/, cubemap/ and hurry/ below the show's data folder.
 
 #include "canvas.h"
 #include "command/command.h"
@@ -22,9 +21,7 @@ const Colour bone = {0.97f, 0.94f, 0.86f, 1};
 const Colour ember = {0.98f, 0.48f, 0.20f, 1};
 const Colour teal = {0.18f, 0.62f, 0.66f, 1};
 
-/*
- * An eye, 64 by 32: each pixel is a cube, and black ones are left out. Lashes stand around the lids.
- */
+// An eye with lashes, 64 by 32: each pixel is a cube, and black ones are left out.
 Canvas eye() {
     Canvas canvas(64, 32);
     canvas.paint([](float x, float y) {
@@ -62,7 +59,7 @@ Canvas eye() {
     return canvas;
 }
 
-// One face of a lit box: pale in the middle, darker towards the edges, and a bright bevel.
+// One face of a lit box: pale in the middle, darker towards the edges, with a bright bevel.
 Canvas tile(float dark, float bevel) {
     Canvas canvas(64, 64);
     canvas.paint([=](float x, float y) {
@@ -75,7 +72,7 @@ Canvas tile(float dark, float bevel) {
     return canvas;
 }
 
-// A role in the upper half or a name in the lower one, 160 by 64, so that one of each can be seen at once.
+// A role in the upper half or a name in the lower one, 160 by 64, so that one of each fits on the screen.
 Canvas credit(const std::string& text, bool role) {
     Canvas canvas(160, 64);
     Lettering line(text, role ? 15.0f : 20.0f, 0.34f);
@@ -108,7 +105,8 @@ float island(float x, float y) {
     return clamp01(shore * 0.42f + ground * 0.30f * clamp01(shore + 0.25f) + peak * 0.75f);
 }
 
-// One of the nineteen layers of the island's height: what stands above it, but for what the next layer hides.
+// One of the nineteen layers of the island: the parts that reach above it, except where the next layer hides
+// them.
 Canvas islandLayer(int layer) {
     Canvas canvas(128, 80);
     const float floor = 0.06f + 0.048f * float(layer), next = floor + 0.048f;
@@ -125,7 +123,7 @@ Canvas islandLayer(int layer) {
             const float h = island(float(x), float(y));
             if (h < floor)
                 continue;
-            // Hidden where the layer above stands on it and on all its neighbours.
+            // Hidden where the next layer covers it and all its neighbours.
             bool hidden = true;
             for (const int d : {-1, 1})
                 hidden = hidden && island(float(x + d), float(y)) >= next &&
@@ -149,7 +147,7 @@ Canvas islandLayer(int layer) {
     return canvas;
 }
 
-// The greetings: bands of 192 by 24, one below the other.
+// The greetings: strips of 192 by 24, one below the other.
 Canvas greetings() {
     const char* const texts[] = {"GREETINGS TO", "NIGHT OWLS",    "PIXEL BAKERS",  "BIT WEAVERS",
                                  "SINE RIDERS",  "LOOP KEEPERS",  "CUBE HERDERS",  "WAX MOTHS",
@@ -178,7 +176,7 @@ Canvas greetings() {
     return canvas;
 }
 
-// A sky for reflections, as a vertical cross of six faces of 64 by 64.
+// A sky for reflections: a vertical cross of six 64 by 64 faces.
 Canvas sky() {
     const int s = 64;
     Canvas canvas(3 * s, 4 * s);
@@ -209,7 +207,7 @@ Canvas sky() {
     return canvas;
 }
 
-// A glowing point: white, its light in the alpha channel and in the colours alike.
+// A glowing point: white, with its brightness in the alpha channel and in the colours.
 Canvas particle() {
     Canvas canvas(64, 64);
     canvas.paint([](float x, float y) {

@@ -1,6 +1,6 @@
 // Prints what a scene file holds, as a tree, and what a loader would skip or miss.
-//   zentrak-show-scene FILE...         ends with 1 where there is something to remark, with 2 where a file
-//   can't be read
+//   zentrak-show-scene FILE...
+// Exits with 1 if there are remarks, with 2 if a file can't be read.
 
 #include "command/command.h"
 #include "scene/inspect.h"

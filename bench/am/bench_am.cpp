@@ -1,5 +1,5 @@
-// Pictures of 1280 by 1024: decoding and encoding beside the library's own bare way, and the order of the
-// bytes of a pixel beside a loop over bytes.
+// Pictures of 1280 by 1024: decoding and encoding compared with the bare library, and byte-order conversion
+// compared with a loop over bytes.
 #include "../../lib/am/am_swizzle.h"
 #include "am_archivemanager.h"
 #include "am_imagecodecpng.h"
@@ -21,7 +21,7 @@ namespace {
 constexpr int cWidth = 1280;
 constexpr int cHeight = 1024;
 
-// Smooth colours, a few hard edges and some noise: about what a frame of the show looks like to a packer.
+// Smooth colours, a few hard edges and some noise: compresses about as well as a frame of the show.
 void paint(ImageObject& image) {
     image.resize(cWidth, cHeight);
     unsigned char* to = image.getWriteData();
@@ -67,7 +67,7 @@ void readFromCursor(png_structp png, png_bytep to, size_t count) {
     cursor->at += count;
 }
 
-// The library alone: rows in the order of the file, nothing done with them.
+// The library alone, rows in file order, without conversion.
 void decodeRaw(benchmark::State& state) {
     const std::vector<unsigned char> file = makePng(state.range(0) != 0);
     std::vector<unsigned char> pixels(size_t(cWidth) * cHeight * 4);
@@ -156,7 +156,7 @@ void expandOurs(benchmark::State& state) {
 }
 BENCHMARK(expandOurs)->Name("RGB to BGRA, as words")->Unit(benchmark::kMicrosecond);
 
-// The library alone, with the same settings, from pixels already in the order of the file.
+// The library alone, with the same settings, from pixels already in file order.
 void encodeRaw(benchmark::State& state) {
     ImageObject image;
     paint(image);
@@ -183,7 +183,7 @@ void encodeRaw(benchmark::State& state) {
 }
 BENCHMARK(encodeRaw)->Name("png encode, libpng alone")->Unit(benchmark::kMillisecond);
 
-// One frame of the dump, with the write to disk.
+// One dumped frame, including the write to disk.
 void dumpFrame(benchmark::State& state) {
     char pattern[] = "/tmp/zentrak-bench-XXXXXX";
     if (!mkdtemp(pattern)) {

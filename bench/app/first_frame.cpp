@@ -1,5 +1,5 @@
-// Put in front of the window library, tells when the show's first frame is on the screen and how much memory
-// it has needed at its end. See start_and_memory.
+// Preloaded before the window library: reports when the show's first frame is on the screen and, at its end,
+// the peak memory. See start_and_memory.
 
 #include <GLFW/glfw3.h>
 #include <chrono>

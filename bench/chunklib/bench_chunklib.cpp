@@ -1,5 +1,5 @@
-// Chunk streams: skipping chunks beside reading them, a list read at once beside its values one by one, and
-// writing.
+// Chunk streams: skipping chunks compared with reading them, a list read at once compared with value by
+// value, and writing.
 
 #include "cl_readbuffer.h"
 #include "cl_writebuffer.h"

@@ -1,11 +1,10 @@
-// Thousands of boxes and sprites through Batch beside the same ones by glBegin, glVertex3f and glEnd, the two
-// ways in turn in one run:
+// Thousands of boxes and sprites through Batch, compared with the same ones by glBegin, glVertex3f and glEnd,
+// alternating within one run:
 //     tests/with_display build/bench/bench/display/bench_batch [ROUNDS]
-// Each line is one scene (boxes and sprites are about 7 pixels, small ones 2.4): milliseconds of a frame by
-// each way and how many times faster the batch is, first by the clock, then by processor time over all
-// threads (on a busy machine the steadier of the two), then with the pixels thrown away
-// (GL_RASTERIZER_DISCARD), which leaves what it takes to get the shapes to the rasteriser; and what
-// collecting alone costs the batch.
+// One line per scene (boxes and sprites are about 7 pixels, small ones 2.4): milliseconds per frame each way
+// and the speedup of the batch, first by the clock, then by processor time over all threads (steadier on a
+// busy machine), then with GL_RASTERIZER_DISCARD, which leaves the cost of getting the shapes to the
+// rasteriser; and the batch's cost of collecting alone.
 #include "am_image.h"
 #include "dis_batch.h"
 #include "dis_display.h"
@@ -46,7 +45,7 @@ struct Shape {
     Vector3f place;
 };
 
-// Shapes in a slab across the view, turned every way; `spread` above 1 puts some outside of it.
+// Randomly rotated shapes in a slab across the view; with `spread` above 1 some lie outside it.
 std::vector<Shape> makeShapes(float spread) {
     std::vector<Shape> shapes(COUNT);
     for (Shape& shape : shapes) {
@@ -63,7 +62,7 @@ std::vector<Shape> makeShapes(float spread) {
     return shapes;
 }
 
-// The plain way: one call for each vertex, as much as the scene's state reads and no more.
+// One call per vertex, with only the attributes that the state of the scene uses.
 void plainBoxes(const std::vector<Shape>& shapes, const Vector3f& half, bool textured) {
     for (const Shape& shape : shapes) {
         glLoadMatrixf(shape.transform.mData);
@@ -84,8 +83,7 @@ void batchBoxes(Batch& batch, const std::vector<Shape>& shapes, const Vector3f& 
     }
 }
 
-// The way of effects that draw box by box: the display's matrices, checked calls, and a box with normals and
-// texture.
+// As effects that draw box by box do: the display's matrices, checked calls, normals and texture coordinates.
 void displayBoxes(display::DisplayGL& window, const std::vector<Shape>& shapes, const Vector3f& half) {
     for (const Shape& shape : shapes) {
         window.setTransform(shape.transform);
@@ -98,7 +96,7 @@ void displayBoxes(display::DisplayGL& window, const std::vector<Shape>& shapes, 
     window.setTransform(identity);
 }
 
-// The greetings as they decay: three boxes in four have shrunk to nothing.
+// The greetings as they decay: three in four boxes have shrunk to nothing.
 float decayed(size_t i) {
     return i % 4 ? 0.0f : 0.75f;
 }
@@ -137,7 +135,7 @@ void plainSprites(const std::vector<Shape>& shapes, float s) {
     glEnd();
 }
 
-// Sprites whose places are turned by a matrix each, as a shape of its own each.
+// Sprites each with its own matrix and its own shape.
 void plainTurnedSprites(const std::vector<Shape>& shapes, float s) {
     for (const Shape& shape : shapes) {
         glLoadMatrixf(shape.transform.mData);

@@ -1,6 +1,5 @@
-// What one frame costs apart from its picture: the whole empty frame step beside the bare swap of the same
-// window, and the reset of the states with a check behind each call beside the same calls without. Run it as
-// tests/with_display build/bench/bench/display/bench_frame
+// The overhead of a frame: an empty frame step compared with the bare buffer swap, and the state reset with
+// and without a check after each call. Run it as tests/with_display build/bench/bench/display/bench_frame
 #include "dis_display.h"
 #include "dis_glcheck.h"
 #include "glfw2.h"
@@ -13,7 +12,7 @@ using namespace zentrak::display;
 
 namespace {
 
-// A listener that asks for nothing.
+// A listener that does nothing.
 class Still : public Listener {
     void onDraw() override {}
 };

@@ -1,9 +1,8 @@
-// The update of each effect that draws many shapes, and of those that draw scenes:
+// The update of each effect that draws many shapes or a scene:
 //     tests/with_display build/bench/bench/effects/bench_effects [small] [ROUNDS [WHICH]]
-// from the root of the source tree. With "small" the window is 16 by 10 pixels, so that filling hides
-// nothing; WHICH is a part of the names of the lines wanted. Milliseconds of a frame up to the finished
+// from the root of the source tree. With "small" the window is 16 by 10 pixels, so that fill time hides
+// nothing; WHICH selects the lines whose names contain it. Median milliseconds per frame up to the finished
 // picture, by the clock and as processor time of all threads; and "own", the update without the draw calls.
-// Medians.
 #include "abc.h"
 #include "am_archivemanager.h"
 #include "credits.h"
@@ -50,7 +49,7 @@ Function* next(const char* name) {
 
 } // namespace
 
-// In front of OpenGL's own.
+// Override OpenGL's own.
 extern "C" void glDrawArrays(GLenum mode, GLint first, GLsizei count) {
     static const auto real = next<void(GLenum, GLint, GLsizei)>("glDrawArrays");
     if (!muted)
@@ -105,7 +104,7 @@ public:
     }
     bool wants(const char* name) const { return std::strstr(name, wanted) != nullptr; }
 
-    // A whole frame, and what of it is ours.
+    // A whole frame, and our own part of it.
     void measure(const char* name, const std::function<void()>& effect) {
         if (!wants(name))
             return;

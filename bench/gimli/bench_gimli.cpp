@@ -1,9 +1,8 @@
-// The head of the show drawn from its buffers beside one call per vertex, and how long the buffers take to
-// make:
+// The head of the show drawn from buffers and by one call per vertex, and the time to build the buffers:
 //     tests/with_display build/bench/bench/gimli/bench_gimli [ROUNDS]
-// from the root of the source tree. Milliseconds of processor time of all threads up to the finished picture,
-// and of the drawing thread alone until it has handed everything over; medians. The pixels are thrown away
-// (GL_RASTERIZER_DISCARD), since filling them costs both ways the same.
+// from the root of the source tree. Median milliseconds of processor time, of all threads up to the finished
+// picture and of the drawing thread until it has submitted everything. GL_RASTERIZER_DISCARD is on, since
+// filling pixels costs the same both ways.
 #include "am_archivemanager.h"
 #include "dis_display.h"
 #include "gml_mesh.h"
@@ -34,7 +33,7 @@ double median(std::vector<double>& values) {
     return values[values.size() / 2];
 }
 
-// What the buffers hold, one call each.
+// Draws what the buffers hold, one call per vertex.
 void drawPlainly(const o3d::Mesh& mesh) {
     for (const o3d::Submesh* submesh : mesh.mSubmeshes) {
         glBegin(GL_TRIANGLES);

@@ -1,5 +1,5 @@
-// Loading a scene of 100 MB beside loading it value by value, normals beside a search for the copies of a
-// vertex, and sampling a thousand nodes beside finding each time by bisection.
+// Loading a 100 MB scene compared with loading it value by value, normals compared with a linear search for
+// the copies of a vertex, and sampling a thousand nodes compared with bisection.
 
 #include "cl_readbuffer.h"
 #include "cl_writebuffer.h"
@@ -21,7 +21,7 @@
 using namespace zentrak;
 using o3d::Vector3f;
 
-// What is allocated, and the most that ever was.
+// Bytes allocated, now and at the peak.
 
 namespace {
 
@@ -65,7 +65,7 @@ void operator delete[](void* memory, size_t) noexcept {
 
 namespace {
 
-// A grid of side * side quads, textured, with vertices of its own for each row of the texture.
+// A textured grid of side * side quads with separate vertices for each row of the texture.
 void addGrid(o3d::Mesh& mesh, int side) {
     auto* const submesh = new o3d::Submesh;
     submesh->mParent = &mesh;
@@ -84,7 +84,7 @@ void addGrid(o3d::Mesh& mesh, int side) {
                 uv->mList.emplace_back(u * 0.3f, v * 0.3f + 5.0f * float(copy), 0.0f);
             }
         }
-    // Local numbers of a row: its own triangles use the first copy below, the second above a seam.
+    // Local indices of a row: its own triangles use the first copy below, the second above a seam.
     std::vector<int> row(size_t(side) + 2, 0);
     for (int y = 0; y <= side; ++y)
         row[size_t(y) + 1] = row[size_t(y)] + (side + 1) * (y % 4 == 0 ? 2 : 1);
@@ -103,8 +103,8 @@ void addGrid(o3d::Mesh& mesh, int side) {
             submesh->mTriangles.push_back(a);
             submesh->mTriangles.push_back(b);
         }
-    // The first row's first copies and the last row's second ones have no triangle: let them lie where the
-    // others do.
+    // The first copies of the first row and the second copies of the last row have no triangle: put them
+    // where the others are.
     for (int x = 0; x <= side; ++x) {
         uv->mList[size_t(local(x, 0, 0))] = uv->mList[size_t(local(x, 0, 1))];
         if (side % 4 == 0)
@@ -155,8 +155,7 @@ const std::string& sceneOf(size_t size) {
 
 constexpr size_t HUNDRED_MEGABYTES = 100000000;
 
-// Load of a 100 MB scene. "memory" is the most that was held, the file's image among it, as a multiple of the
-// file.
+// Loads a 100 MB scene. "memory" is the peak, including the file image, as a multiple of the file size.
 void load(benchmark::State& state) {
     const std::string& image = sceneOf(HUNDRED_MEGABYTES);
     double memory = 0;
@@ -175,7 +174,7 @@ void load(benchmark::State& state) {
 }
 BENCHMARK(load)->Unit(benchmark::kMillisecond);
 
-// The same lists, each value with its own bounds check, the lists grown as they are read.
+// The same lists with a bounds check per value, growing as they are read.
 template <typename T>
 void loadList(chunklib::ReadBuffer& buffer, std::vector<T>& list, uint32_t size) {
     for (uint32_t i = buffer.currentChunkSize() / size; i > 0; --i) {
@@ -244,7 +243,7 @@ void addNormals(benchmark::State& state) {
 }
 BENCHMARK(addNormals)->Arg(32)->Arg(700)->Unit(benchmark::kMillisecond);
 
-// The tangents alone, the copies of each corner found by going through all vertices.
+// The tangents alone, finding the copies of each corner by searching all vertices.
 void tangentsBySearch(benchmark::State& state) {
     o3d::Mesh mesh;
     addGrid(mesh, int(state.range(0)));
@@ -319,7 +318,7 @@ void sampleNodes(benchmark::State& state) {
 }
 BENCHMARK(sampleNodes)->Unit(benchmark::kMillisecond);
 
-// The same tracks, each time found by halving until single precision has no more to give.
+// The same tracks, each time found by bisection to the limit of single precision.
 float bisect(const o3d::TrackBlenderFloat& track, float time) {
     size_t segment = 0;
     while (segment + 2 < track.mKeys.size() && track.mKeys[segment + 1].mTime <= time)

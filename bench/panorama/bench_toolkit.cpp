@@ -1,11 +1,11 @@
 // The GUI toolkit with a tree of 2,000 controls: windows with scroll bars around buttons and sliders, a menu
 // bar and an open menu.
 //     tests/with_display build/bench/bench/panorama/bench_toolkit [ROUNDS]
-// from the root of the source tree. First what layout and a mouse move cost; then drawing, beside the same
-// tree drawn with one call per vertex, the two ways in turn in one run and with the same picture (which is
-// checked): by the clock until the last pixel is there, by processor time over all threads, and by that of
-// the thread that calls, without those of the driver that fill pixels. Then the same with the pixels thrown
-// away (GL_RASTERIZER_DISCARD), which leaves what it takes to get the shapes to the rasteriser. Medians.
+// from the root of the source tree. First layout and a mouse move; then drawing, compared with the same tree
+// drawn by one call per vertex, alternating within one run and checked to give the same picture: by the clock
+// up to the last pixel, by processor time over all threads, and by that of the calling thread, without the
+// driver's threads that fill pixels. Then the same with GL_RASTERIZER_DISCARD, which leaves the cost of
+// getting the shapes to the rasteriser. Medians.
 #include "am_archivemanager.h"
 #include "dis_display.h"
 #include "dis_glcheck.h"
@@ -43,7 +43,7 @@ constexpr int WIDTH = 1280, HEIGHT = 800;
 constexpr int COLUMNS = 5, ROWS = 2; // of windows
 constexpr int CELLS_ACROSS = 6, CELLS_DOWN = 33;
 
-// The plain way: each shape and each text at once, one call per vertex, cut by the scissor test.
+// Draws each shape and text immediately, one call per vertex, clipped by the scissor test.
 class PlainRender : public Render {
 public:
     void setupDraw(Vector2f size, Vector2f offset, float margin) override {
@@ -144,7 +144,7 @@ public:
     }
 
 private:
-    static void forgetRender(Control& control) { // which one it was
+    static void forgetRender(Control& control) {
         control.mRender = nullptr;
         for (Control* child : control.mControls)
             forgetRender(*child);
@@ -256,7 +256,7 @@ std::vector<unsigned char> grab() {
     return pixels;
 }
 
-// The share of pixels in which the two ways differ by more than a shade.
+// The share of pixels that differ by more than one level.
 double difference(Root& root) {
     Cost ignored;
     drawOnce(root, true, ignored);

@@ -1,6 +1,6 @@
 // One frame of the timeline: 10,000 top-level spans, a tenth of them active with five splines of ten keys
-// each. Beside it the plain way: every span's callback is looked for whether the span is active or not, in a
-// list, and every spline is walked from its first key.
+// each. Compared with a naive engine that searches a list for every span's callback, active or not, and walks
+// every spline from its first key.
 #include "script_engine.h"
 
 #include <benchmark/benchmark.h>
@@ -17,7 +17,7 @@ constexpr int SPLINES = 5;
 constexpr int KEYS = 10;
 constexpr float LENGTH = 200.0f;
 
-// Adds up what it is given, so that none of the work can be left out.
+// Adds up its arguments, so that nothing can be optimised away.
 struct Sum : Callback {
     float sum = 0;
     long updates = 0;
@@ -105,7 +105,7 @@ void updatePlainly(Show& show, float time, float delta) {
     }
 }
 
-// Goes through the show again and again, one frame of a sixtieth of a second each.
+// Plays the show repeatedly in frames of a sixtieth of a second.
 template <typename Update>
 void play(benchmark::State& state, Update update) {
     Show show;

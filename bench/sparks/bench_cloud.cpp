@@ -1,5 +1,5 @@
-// The 10,000 sprites of Cloud, beside the same with one call per vertex: in a window so small that filling
-// pixels does not hide the rest, and (...Filled) in one of 1280 by 800, where it is nearly all.
+// The 10,000 sprites of Cloud, compared with one call per vertex: in a window so small that fill time hides
+// nothing, and (...Filled) at 1280 by 800, where it is nearly everything.
 #include "am_archivemanager.h"
 #include "cloud.h"
 #include "dis_display.h"

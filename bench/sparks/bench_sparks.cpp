@@ -1,9 +1,9 @@
-// 50,000 live particles: one update, one draw, and both, beside the plain way of one call per vertex over the
-// same list with powf and a check behind each call. Run it as
+// 50,000 live particles: one update, one draw, and both, compared with one call per vertex over the same
+// list, with powf and a check after each call. Run it as
 //     tests/with_display build/release/bench/sparks/bench_sparks
-// The sprites are smaller than a pixel, since filling pixels costs the same either way and depends on the
-// driver alone. ...Submitted leaves out what the driver does with the vertices afterwards (rasterizer
-// discard).
+// The sprites are smaller than a pixel, since fill time is the same either way and depends only on the
+// driver.
+// ...Submitted leaves out what the driver does with the vertices afterwards (GL_RASTERIZER_DISCARD).
 #include "am_archivemanager.h"
 #include "dis_display.h"
 #include "dis_glcheck.h"
@@ -29,8 +29,8 @@ struct Setup {
     Matrix4x4Col cameraInverse;
     float time = 1;
 
-    // The camera is so many units from the middle of the particles: far off it sees them all, in the middle
-    // as many as the effect's does.
+    // `distance`: from the camera to the centre of the particles. From far away it sees them all, from the
+    // centre as many as the effect's camera does.
     explicit Setup(float distance = 4000) {
         archives.addArchive("data");
         display.setArchive(&archives);
@@ -38,7 +38,7 @@ struct Setup {
         display.setFps(display::DisplayGL::FPS_VARIABLE, 0);
         display.update();
         mathbase::Random random(1);
-        for (int i = 0; i < PARTICLES; ++i) { // they last as long as the measurement does
+        for (int i = 0; i < PARTICLES; ++i) { // they outlive the measurement
             Spark spark;
             spark.position = random.unitSphere() * (20 * random.uniform());
             spark.velocity = random.unitSphere() * 1e-4f;
@@ -64,7 +64,7 @@ struct Setup {
         display.setCamera(matrix);
     }
 
-    // The list as it is after a while of births and deaths: in no order of memory.
+    // Shuffles the list as births and deaths do: in no memory order.
     void shuffle(mathbase::Random& random) {
         std::vector<Spark*> all;
         for (Spark* s = engine.live; s; s = s->next)

@@ -1,4 +1,4 @@
-// Rays against three spheres: the nearest hit, converted once, beside the plain way of converting every hit.
+// Rays against three spheres: converting only the nearest hit, compared with converting every hit.
 
 #include "mb_random.h"
 #include "trc_primitive.h"

@@ -69,7 +69,7 @@ void Canvas::blend(int x, int y, const Colour& colour) {
 }
 
 bool Canvas::write(const std::filesystem::path& path) const {
-    std::error_code without; // what is missing then shows when the file is written
+    std::error_code without; // a failure shows when the file is written
     std::filesystem::create_directories(path.parent_path(), without);
 
     std::vector<uint8_t> bytes;
@@ -84,7 +84,7 @@ bool Canvas::write(const std::filesystem::path& path) const {
     image.width = png_uint_32(mWidth);
     image.height = png_uint_32(mHeight);
     image.format = PNG_FORMAT_RGBA;
-    // To memory first: libpng deletes the file that it can't write.
+    // Encodes to memory first: libpng deletes a file that it can't write.
     png_alloc_size_t size = PNG_IMAGE_PNG_SIZE_MAX(image);
     std::vector<uint8_t> file(size);
     if (!png_image_write_to_memory(&image, file.data(), &size, 0, bytes.data(), 0, nullptr)) {

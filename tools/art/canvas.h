@@ -1,5 +1,4 @@
-// A picture being painted, for the programs that make the show's art: floats in, a PNG file out, the same
-// bytes each time.
+// A canvas for the programs that make the show's art: floats in, a PNG file out, reproducible to the byte.
 #pragma once
 
 #include <filesystem>
@@ -23,7 +22,7 @@ inline Colour mix(const Colour& a, const Colour& b, float t) {
 }
 // 0 below `from`, 1 above `to`, smooth in between.
 float smoothstep(float from, float to, float f);
-// Smooth noise of unit cells, -1 to 1, the same on every machine.
+// Smooth noise on a unit grid, -1 to 1, the same on every machine.
 float noise(float x, float y, unsigned seed);
 
 class Canvas {
@@ -36,16 +35,16 @@ public:
     const Colour& at(int x, int y) const { return mPixels[size_t(y) * size_t(mWidth) + size_t(x)]; }
     Colour& at(int x, int y) { return mPixels[size_t(y) * size_t(mWidth) + size_t(x)]; }
 
-    // Sets every pixel to what `paint` gives for its centre, in pixels from the upper left corner.
+    // Sets every pixel to what `paint` returns for its centre, in pixels from the upper left corner.
     void paint(const std::function<Colour(float x, float y)>& paint);
     // Lays `colour` over the pixels where `distance`, in pixels, is below 0, with an edge one pixel wide; or
     // with an edge `soft` pixels wide.
     void fill(const Colour& colour, const std::function<float(float x, float y)>& distance, float soft = 1);
-    // Lays one colour over a pixel.
+    // Blends a colour over a pixel.
     void blend(int x, int y, const Colour& colour);
 
-    // Writes 8-bit RGBA, and makes the folder that the file needs. False, with a line on standard error,
-    // where the file can't be written.
+    // Writes 8-bit RGBA and creates missing folders. Returns false, after a line on standard error, if the
+    // file can't be written.
     bool write(const std::filesystem::path& path) const;
 
 private:
@@ -53,7 +52,7 @@ private:
     std::vector<Colour> mPixels;
 };
 
-// Distances to shapes, in the units of their points; below 0 inside.
+// Signed distances to shapes, in the units of their points; negative inside.
 float distanceToSegment(float x, float y, float x0, float y0, float x1, float y1);
 float distanceToBox(float x, float y, float cx, float cy, float halfWidth, float halfHeight, float round);
 

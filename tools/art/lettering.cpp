@@ -9,8 +9,8 @@ namespace zentrak::art {
 
 namespace {
 
-// Strokes on a grid 6 high, y up: points as two digits, x and y, strokes parted by blanks. A stroke of one
-// point is a dot.
+// Strokes on a grid 6 high, y up. Points are pairs of digits, x and y; strokes are separated by blanks. A
+// stroke of one point is a dot.
 struct Glyph {
     char letter;
     int width;
@@ -72,7 +72,7 @@ const Glyph glyphs[] = {
     {'>', 2, "052301"},
 };
 
-constexpr int GAP = 3; // of a blank, and of what has no letter
+constexpr int GAP = 3; // for a blank or a missing letter
 
 const Glyph* glyphOf(char c) {
     const char upper = char(toupper(static_cast<unsigned char>(c)));

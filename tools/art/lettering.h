@@ -1,22 +1,22 @@
-// The show's own lettering: letters drawn as strokes with cut corners, at any size and weight.
+// The show's lettering: letters drawn as strokes with cut corners, at any size and weight.
 #pragma once
 
 #include <string>
 
 namespace zentrak::art {
 
-// A line of text set between two heights. Capitals, digits and . , - + ! ? ' : & / # * ( ) < >; small letters
-// are set as capitals, and what it has no letter for is a gap.
+// A line of text. Capitals, digits and . , - + ! ? ' : & / # * ( ) < >; lower case is set as capitals, and
+// any other character is a gap.
 class Lettering {
 public:
-    // `height` is that of a capital in pixels, `tracking` the gap between letters as a part of it.
+    // `height` is that of a capital in pixels, `tracking` the gap between letters as a fraction of it.
     Lettering(const std::string& text, float height, float tracking = 0.3f);
 
-    float width() const { return mWidth; } // pixels, from the first stroke's middle to the last one's
+    float width() const { return mWidth; } // pixels, between the centre lines of the outer strokes
     float height() const { return mHeight; }
 
-    // The distance of (x, y) to the nearest stroke's middle line, in pixels; (0, 0) is the upper left corner
-    // of the first letter, y goes down. Less half the weight it is the distance to the letters' edge.
+    // The distance from (x, y) to the nearest centre line, in pixels; (0, 0) is the upper left corner of the
+    // first letter, y goes down. Subtract half the weight for the distance to the edge of the letters.
     float distance(float x, float y) const;
 
 private:

@@ -39,13 +39,11 @@ std::string Document::folder() const {
     return slash == std::string::npos ? std::string() : mPath.substr(0, slash + 1);
 }
 
-/*
- * Reads the tags once more, one at a time, and goes through the tree beside them.
- */
+// Reads the tags again, one at a time, and walks the tree in step with them.
 void Document::findLines(const std::string& text) {
     xml::BufferReader reader(text.data(), text.size());
     const xml::XmlNode* node = nullptr; // the open element
-    std::vector<size_t> next;           // of each open element, the child to come
+    std::vector<size_t> next;           // the next child of each open element
     while (true) {
         reader.skipSpaces(0);
         const int line = reader.line;

@@ -1,4 +1,4 @@
-// What the checkers of XML files share: a document that knows its lines, and how a finding is said.
+// For the checkers of XML files: a document with line numbers, and the output of findings.
 #pragma once
 
 #include "xml_parser.h"
@@ -12,14 +12,13 @@ namespace zentrak::check {
 // A parsed file that knows the line of each of its elements.
 class Document {
 public:
-    // False, with a line on the standard error stream that says why, for a file that can't be read or is no
-    // XML.
+    // Returns false, after a line on standard error that says why, if the file can't be read or isn't XML.
     bool read(const std::string& path);
 
     const std::string& path() const { return mPath; }
     const xml::XmlNode& root() const { return mRoot; }
     int line(const xml::XmlNode& node) const; // from 1; 0 for a node of another document
-    std::string folder() const;               // of the file, with a slash at its end, or empty
+    std::string folder() const;               // of the file, with a trailing slash, or empty
 
 private:
     void findLines(const std::string& text);
@@ -29,7 +28,7 @@ private:
     std::unordered_map<const xml::XmlNode*, int> mLines;
 };
 
-// What is found in one document, printed as it comes: "PATH:LINE: TEXT".
+// The findings in one document, printed immediately: "PATH:LINE: TEXT".
 class Findings {
 public:
     explicit Findings(const Document& document) : mDocument(document) {}
@@ -37,11 +36,11 @@ public:
     int count() const { return mCount; }
     void say(const xml::XmlNode& node, const std::string& what);
 
-    // Each element in `node` with `visit`; text, which no loader reads, is a finding.
+    // Calls `visit` for each child element of `node`. Text, which no loader reads, is a finding.
     void eachElement(const xml::XmlNode& node, const std::function<void(const xml::XmlNode&)>& visit);
 
-    // A text that stands for a number, as atof reads it. Says what is none, or none that is finite. `name` is
-    // how a finding calls it.
+    // Parses a number as atof does. Reports text that isn't a number, or isn't finite; `name` names it in the
+    // finding.
     double number(const xml::XmlNode& node, const std::string& name, const std::string& text);
 
 protected:

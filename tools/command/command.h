@@ -1,4 +1,4 @@
-// What the programs here share: what they are given, and how they say that it is none.
+// Shared by the command-line programs: arguments and whole files.
 #pragma once
 
 #include <cstddef>
@@ -6,18 +6,17 @@
 
 namespace zentrak::command {
 
-// Whether an argument is written as an option. None of the programs takes one for the name of a file, so that
-// a
-// "--help" asks for the usage and makes no file of that name; "./-x" is a file.
+// Does the argument look like an option? No program takes one for a file name: "--help" asks for the usage
+// and creates no file of that name; "./-x" is a file.
 bool isOption(const char* argument);
 
-// Whether any of the arguments from `first` on is one.
+// Does any argument from `first` on look like an option?
 bool hasOption(int argc, char** argv, int first);
 
-// A whole decimal number from `least` to `most`; false for all else.
+// Parses a decimal integer from `least` to `most`; false for anything else.
 bool readNumber(const char* argument, int least, int most, int& number);
 
-// All of a file. False, with a line on the standard error stream that says why, where it can't be read.
+// Reads a whole file. Returns false, after a line on standard error that says why, if it can't be read.
 bool readFile(const std::string& path, std::string& bytes);
 
 // Writes a file, or over one. False, with a line on the standard error stream that says why, where that

@@ -17,7 +17,7 @@ namespace {
 
 constexpr int START_SECONDS = 20;
 
-// The server writes its number, and a line end, once it takes connections.
+// The server writes its number and a newline once it accepts connections.
 std::string readNumber(int file) {
     std::string number;
     pollfd wait{file, POLLIN, 0};

@@ -1,12 +1,12 @@
-// A display that nobody sees, for a machine without one.
+// An invisible display, for a machine without one.
 #pragma once
 
 #include <sys/types.h>
 
 namespace zentrak::command {
 
-// Starts Xvfb, which has to be installed, with a screen of this size, and makes it the display of this
-// process. Throws std::runtime_error where that fails. It ends with the object.
+// Starts Xvfb, which must be installed, with a screen of this size and makes it the display of this process.
+// Throws std::runtime_error if that fails. The destructor stops it.
 class VirtualDisplay {
 public:
     VirtualDisplay(int width, int height);
@@ -14,7 +14,7 @@ public:
     VirtualDisplay(const VirtualDisplay&) = delete;
     VirtualDisplay& operator=(const VirtualDisplay&) = delete;
 
-    static bool isNeeded(); // no display is named in the environment
+    static bool isNeeded(); // true if DISPLAY is not set
 
 private:
     pid_t mServer;

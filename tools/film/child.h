@@ -1,4 +1,4 @@
-// Programs that the film tool starts.
+// Child processes of the film tool.
 #pragma once
 
 #include <csignal>
@@ -8,13 +8,13 @@
 
 namespace zentrak::film {
 
-// Starts the program arguments[0], found by PATH, in a process group of its own: a Ctrl-C in the terminal
-// does not reach it. Its standard input is the file descriptor `input` (nothing for -1), its standard output
-// goes nowhere, and its standard error neither if `quiet`. `unwanted` is closed in it. A program that can't
-// be started ends at once with the status 127.
+// Starts the program arguments[0], found by PATH, in its own process group: Ctrl-C in the terminal does not
+// reach it. Standard input is the file descriptor `input` (empty for -1); standard output is discarded, and
+// so is standard error if `quiet`. `unwanted` is closed in the child. A program that can't be started exits
+// immediately with status 127.
 pid_t startChild(const std::vector<std::string>& arguments, int input, bool quiet, int unwanted);
 
-// Waits for its end; returns the exit status, or 128 plus the number of the signal that ended it.
+// Waits for the child to end; returns its exit status, or 128 plus the number of the signal that ended it.
 int waitForChild(pid_t child);
 
 } // namespace zentrak::film

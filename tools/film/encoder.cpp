@@ -13,7 +13,7 @@ namespace {
 
 using Words = std::vector<std::string>;
 
-// How ffmpeg is to encode a file of this ending; empty for one that is not known.
+// The ffmpeg options for a file with this extension; empty if it is unknown.
 Words codecsFor(const std::string& ending) {
     if (ending == ".mp4" || ending == ".mov" || ending == ".mkv")
         return {"-c:v",    "libx264", "-preset", "medium", "-crf", "18",        "-pix_fmt",

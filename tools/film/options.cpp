@@ -53,7 +53,7 @@ std::string absolute(const char* path) {
     return std::filesystem::absolute(path).string();
 }
 
-// One option with its value. False if the value makes no sense.
+// Parses one option and its value. False if the value is invalid.
 bool readOption(const std::string& name, const char* value, Options& options) {
     double seconds = 0;
     if (name == "--size")
@@ -89,7 +89,7 @@ bool takesValue(const std::string& name) {
     return false;
 }
 
-// What is wrong with the options as a whole, or null.
+// What is wrong with the combination of options, or null.
 const char* findContradiction(const Options& options) {
     if (options.still &&
         (!options.frames.empty() || !options.sheet.empty() || options.to || options.from > 0))

@@ -23,8 +23,8 @@ struct Options {
     bool help = false;
 };
 
-// Reads the arguments. Paths of files to write come out absolute, so that they survive a change of folder.
-// Nothing, with a line on standard error that says why, if they make no sense.
+// Parses the arguments. Output paths come out absolute, so that they survive a change of directory. Returns
+// nothing, after a line on standard error that says why, if they are invalid.
 std::optional<Options> readOptions(int argc, char** argv);
 
 extern const char* const USAGE;

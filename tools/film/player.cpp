@@ -18,7 +18,7 @@ Player::~Player() {
 }
 
 void Player::open(int width, int height) {
-    delete mVideo; // a dump of the setup file's
+    delete mVideo; // a dump from the setup file
     mVideo = nullptr;
     mNoListener = false;
     openDisplay(width > 0 ? width : mWidth, height > 0 ? height : mHeight, false, "zentrak-film");

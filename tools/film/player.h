@@ -1,4 +1,4 @@
-// The show frame by frame, each at its exact time, however long it takes to draw.
+// Plays the show frame by frame, each at its exact time, however long it takes to draw.
 #pragma once
 
 #include "am_image.h"
@@ -6,27 +6,27 @@
 
 namespace zentrak::film {
 
-// Frame n is the picture at n / rate seconds. Sound is not played, and settings are not saved.
+// Frame n is the picture at n / rate seconds. No sound is played and no settings are saved.
 class Player : public kindler::Kindler {
 public:
     explicit Player(int rate); // frames a second
     ~Player() override;
 
-    // Opens the window and loads the effects that have been added; setup() and addCallback() come before. A
-    // width or height of 0 is that of the setup file.
+    // Opens the window and loads the added effects; call setup() and addCallback() first. A width or height
+    // of 0 means that of the setup file.
     void open(int width, int height);
 
     int getWidth() const { return mSize[0]; }
     int getHeight() const { return mSize[1]; }
 
-    // Plays the next frame, from 0 on. An unseen one goes through all motions but draws no pixel. False if
-    // the viewer has closed the window or pressed Esc.
+    // Plays the next frame, starting at 0. With `seen` false it does everything but draw pixels. Returns
+    // false if the viewer has closed the window or pressed Esc.
     bool playFrame(bool seen);
 
-    long getNextFrame() const { return mNext; } // the number of the frame that playFrame() will play
+    long getNextFrame() const { return mNext; } // the frame that playFrame() will play
 
-    // The picture of the frame played last, if it was seen. It belongs to the player and is overwritten by
-    // the next call.
+    // The picture of the last frame played, if it was seen. The player owns it and overwrites it in the next
+    // call.
     am::Image& grab();
 
     int onKeyDown(const display::KeyEvent& event) override;

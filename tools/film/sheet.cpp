@@ -20,7 +20,7 @@ int rowsFor(long frames) {
     return int(std::min<long>(Sheet::ROWS, (frames + Sheet::COLUMNS - 1) / Sheet::COLUMNS));
 }
 
-// The mean colour of the pixels of `frame` under the pixel (x, y) of a small picture of the size `cell`.
+// The mean colour of the pixels of `frame` under pixel (x, y) of a thumbnail of size `cell`.
 art::Colour meanColour(const am::Image& frame, int x, int y, const int* cell) {
     const int width = frame->getWidth(), height = frame->getHeight();
     const int left = int(int64_t(x) * width / cell[0]), top = int(int64_t(y) * height / cell[1]);

@@ -1,4 +1,4 @@
-// A contact sheet: small pictures of a film in rows, each with its time.
+// A contact sheet: thumbnails of a film in rows, each with its time.
 #pragma once
 
 #include "am_image.h"
@@ -13,21 +13,21 @@ class Sheet {
 public:
     static constexpr int COLUMNS = 6, ROWS = 4;
 
-    // Of the frames from `first` up to `last`, of the given size in pixels: COLUMNS * ROWS of them, each from
-    // the middle of its part, or all where there are fewer.
+    // Covers the frames `first` to `last`, of the given size in pixels, with COLUMNS * ROWS thumbnails, each
+    // from the middle of its part of the film, or with all frames if there are fewer.
     Sheet(long first, long last, int width, int height);
 
     bool wants(long frame) const;
 
-    // Adds a frame that it wants, the next one in order. `time` is in seconds.
+    // Adds a frame that the sheet wants, in order. `time` is in seconds.
     void add(const am::Image& frame, double time);
 
-    // Writes a PNG. False, with a line on standard error, if that failed.
+    // Writes a PNG. Returns false, after a line on standard error, if that failed.
     bool write(const std::string& path) const;
 
 private:
     std::vector<long> mFrames;
-    int mCell[2]; // width and height of a small picture
+    int mCell[2]; // width and height of a thumbnail
     size_t mAdded = 0;
     art::Canvas mCanvas;
 };

@@ -1,4 +1,4 @@
-// The music of a film, decoded by the sound library that plays it in the show.
+// The music of a film, decoded as in the show.
 #pragma once
 
 #include "am_file.h"
@@ -10,15 +10,16 @@ namespace zentrak::film {
 
 class Sound {
 public:
-    explicit Sound(const am::File& file); // an empty pointer, or a file that is no music, gives silence
+    // A null pointer, or a file that isn't music, gives silence.
+    explicit Sound(const am::File& file);
     ~Sound();
     Sound(const Sound&) = delete;
     Sound& operator=(const Sound&) = delete;
 
     double getLength() const; // seconds, 0 for silence
 
-    // Writes the sound from one time to another, exact to the sample, into a temporary file that lives as
-    // long as this. Returns its name; empty for silence. Throws Exception if it can't be written.
+    // Writes the sound between two times, exact to the sample, to a temporary file that is deleted with this
+    // object. Returns its name; empty for silence. Throws Exception if it can't be written.
     std::string writeFile(double from, double to);
 
 private:

@@ -8,7 +8,7 @@ namespace zentrak::music {
 
 namespace {
 
-// A line that gives back what was put in `length` samples ago.
+// A delay line of `length` samples.
 class Delay {
 public:
     explicit Delay(int length) : mSamples(size_t(length)) {}
@@ -23,7 +23,7 @@ private:
     size_t mAt = 0;
 };
 
-// Smears a sound in time and leaves its colour as it is.
+// Smears a sound in time and keeps its spectrum.
 class AllPass {
 public:
     explicit AllPass(int length) : mDelay(length) {}
@@ -98,7 +98,7 @@ void reverb(Track& into, const Track& send, float seconds, float level) {
             out[line] = gains[line] * damping[line].next(lines[line].read());
             sum += out[line];
         }
-        // each line gets all of them, mirrored: nothing is lost or gained
+        // A lossless feedback matrix: each line gets all of them, mirrored.
         for (size_t line = 0; line < 8; ++line)
             lines[line].write((line % 2 ? inRight : inLeft) + 0.25f * sum - out[line]);
         into.add(i, level * (out[0] + out[2] - out[4] - out[6]), level * (out[1] + out[3] - out[5] - out[7]));
@@ -107,7 +107,7 @@ void reverb(Track& into, const Track& send, float seconds, float level) {
 
 void duck(Track& track, const std::vector<int>& strokes, float depth) {
     const int LENGTH = 4 * STEP;
-    const int EDGE = 120; // frames to go down in, so that it does not click
+    const int EDGE = 120; // frames of attack, so that it does not click
     const size_t COUNT = strokes.size();
     for (size_t stroke = 0; stroke < COUNT; ++stroke) {
         int end = std::min(strokes[stroke] + LENGTH, track.frames());
@@ -148,12 +148,12 @@ void saturate(Track& track, float drive) {
             sample = std::tanh(drive * sample) / std::tanh(drive);
 }
 
-// The gain at a frame is the least that any frame in the window around it asks for, smoothed over the
-// window's first half, so that it has come down by the time that the peak is there.
+// The gain of a frame is the lowest that any frame in the window around it requires, smoothed over the first
+// half of the window, so that it is down before the peak.
 void limit(Track& track, float ceiling) {
     const int AHEAD = 200; // frames, 4.5 ms
     const float BACK = std::exp(-1.0f / (0.09f * RATE));
-    std::deque<std::pair<int, float>> least; // of the frames ahead, rising
+    std::deque<std::pair<int, float>> least; // of the frames ahead, ascending
     std::vector<float> smooth(AHEAD, 1.0f);
     double sum = AHEAD;
     float held = 1;

@@ -1,4 +1,4 @@
-// What is done to whole tracks: room, echo, ducking under the kick, and the last steps before the file.
+// Effects on whole tracks: reverb, echo, ducking under the kick, and mastering.
 #pragma once
 
 #include "synth.h"
@@ -7,26 +7,27 @@ namespace zentrak::music {
 
 void mix(Track& into, const Track& track, float level);
 
-// The echo goes from side to side every `frames`, darker each time. Adds it to `into`.
+// Adds an echo to `into`, every `frames`, alternating between the sides and darker each time.
 void echo(Track& into, const Track& send, int frames, float feedback, float level);
 
-// A hall: eight delays that feed each other. `seconds` is the time to fall by 60 dB.
+// A hall reverb: eight delays in a feedback network. `seconds` is the time to decay by 60 dB.
 void reverb(Track& into, const Track& send, float seconds, float level);
 
-// Makes way for each of the strokes, at once, and comes back within a beat. Depth from 0 (not at all) to 1.
+// Ducks the track at each stroke, immediately, and recovers within a beat. Depth from 0 (none) to 1.
 void duck(Track& track, const std::vector<int>& strokes, float depth);
 
-// Takes away what is below `frequency`.
+// Removes what is below `frequency`.
 void highPass(Track& track, float frequency);
 
-// Makes what is above `frequency` louder by a factor of 1 or more.
+// Boosts what is above `frequency` by a factor of 1 or more.
 void brighten(Track& track, float frequency, float factor);
 
-// Rounds off peaks as a driven amplifier does, and keeps all that is left below `ceiling` by looking ahead.
+// saturate() rounds off peaks like an overdriven amplifier; limit() keeps the rest below `ceiling` by looking
+// ahead.
 void saturate(Track& track, float drive);
 void limit(Track& track, float ceiling);
 
-// Fades the first and the last frames to nothing.
+// Fades in over the first frames and out over the last.
 void fadeEnds(Track& track, int in, int out);
 
 } // namespace zentrak::music

@@ -8,7 +8,7 @@ namespace zentrak::music {
 
 namespace {
 
-const int CONTROL = 16; // frames between two settings of a filter
+const int CONTROL = 16; // frames between filter updates
 
 float seconds(int frames) {
     return float(frames) / RATE;
@@ -22,18 +22,18 @@ float fade(float time, float constant) {
     return std::exp(-time / constant);
 }
 
-// Every note has phases of its own, and the same ones each time.
+// Each note has its own phases, the same on every run.
 unsigned seedOf(int frame, int pitch) {
     return unsigned(frame) * 31u + unsigned(pitch);
 }
 
-// Several saws a little out of tune with each other, spread from left to right.
+// Several detuned saws, spread from left to right.
 template <int COUNT>
 class Swarm {
 public:
     Swarm(float pitch, float detune, float width, unsigned seed) {
         Noise noise(seed);
-        float offset = -1; // to 1
+        float offset = -1; // -1 to 1
         for (Voice& voice : mVoices) {
             voice.frequency = pitchToFrequency(pitch + detune * (offset + 0.1f * noise.next()));
             voice.saw = Saw(noise.unit());
@@ -62,7 +62,7 @@ private:
     std::array<Voice, COUNT> mVoices;
 };
 
-// A pair of equal filters, for left and right, two in a row: 24 dB an octave.
+// A stereo pair of two equal filters in series: 24 dB per octave.
 class StereoLowPass {
 public:
     void set(float frequency, float resonance) {
@@ -80,7 +80,7 @@ private:
     Filter mLeft1, mLeft2, mRight1, mRight2;
 };
 
-// Six squares at frequencies that don't fit: the ring of cymbals.
+// Six squares at inharmonic frequencies: the ring of cymbals.
 class Metal {
 public:
     float next() {
@@ -100,7 +100,7 @@ private:
 
 } // namespace
 
-// A sine that falls from a click to a thump at 47 Hz.
+// A sine that drops from a click to a thump at 47 Hz.
 void kick(Track& track, int frame, float level) {
     Sine body;
     Noise noise(1);
@@ -114,7 +114,8 @@ void kick(Track& track, int frame, float level) {
     }
 }
 
-// Hands and a snare drum at once: three short bursts of noise before the long one, and a body at 190 Hz.
+// Hand claps and a snare drum together: three short bursts of noise before the long one, and a body at 190
+// Hz.
 void clap(Track& track, int frame, float level) {
     const float BURSTS[] = {0, 0.011f, 0.021f, 0.031f};
     Noise left(11), right(23);
@@ -224,7 +225,7 @@ void boom(Track& track, int frame, float level) {
     }
 }
 
-// A saw and its octave through a filter that snaps shut, over a sine that carries the ground.
+// A saw and its octave through a filter that snaps shut, over a sine for the fundamental.
 void bass(Track& track, int frame, int length, int pitch, float level, float brightness) {
     const Envelope loud = {0.004f, 0.25f, 0.75f, 0.05f};
     float frequency = pitchToFrequency(float(pitch));
@@ -300,7 +301,7 @@ void pluck(Track& track, int frame, int length, int pitch, float level, float br
     }
 }
 
-// Frequency modulation: a tine that is struck, over a soft fundamental.
+// Frequency modulation: a struck tine over a soft fundamental.
 void bell(Track& track, int frame, int length, int pitch, float level) {
     const Envelope loud = {0.003f, 0.9f, 0.15f, 0.8f};
     float frequency = pitchToFrequency(float(pitch)), held = seconds(length);
@@ -342,7 +343,7 @@ void lead(Track& track, int frame, int length, int from, int pitch, float level)
     }
 }
 
-// Warm and dark, as of strings, below the lead.
+// Warm and dark like strings, below the lead.
 void counter(Track& track, int frame, int length, int pitch, float level) {
     const Envelope loud = {0.06f, 0.8f, 0.85f, 0.25f};
     Swarm<5> swarm(float(pitch), 0.12f, 0.8f, seedOf(frame, pitch) + 2);

@@ -1,5 +1,5 @@
-// The instruments. Each call adds one note or stroke to a track: from a frame on, for a number of frames (and
-// its own dying away after them), at a level from 0 to about 1.
+// The instruments. Each call adds one note or stroke to a track: from a frame on, for a number of frames
+// (plus its decay), at a level from 0 to about 1.
 #pragma once
 
 #include "synth.h"
@@ -12,10 +12,10 @@ void hat(Track& track, int frame, float level, bool open);
 void tom(Track& track, int frame, float level, float pitch, float place);
 void crash(Track& track, int frame, float level);
 
-// A wash of noise that rises, or one that falls, over some frames.
+// A sweep of noise, rising or falling, over some frames.
 void riser(Track& track, int frame, int frames, float level);
 void fall(Track& track, int frame, int frames, float level);
-void boom(Track& track, int frame, float level); // a deep stroke under a new section
+void boom(Track& track, int frame, float level); // a deep stroke at the start of a section
 
 // Brightness goes from 0 (dark) to 1.
 void bass(Track& track, int frame, int frames, int pitch, float level, float brightness);
@@ -24,7 +24,7 @@ void saws(Track& track, int frame, int frames, int pitch, float level, float bri
 void pluck(Track& track, int frame, int frames, int pitch, float level, float brightness, float place);
 void bell(Track& track, int frame, int frames, int pitch, float level);
 
-// `from` is the pitch that the note slides up or down from; the same as `pitch` for none.
+// `from` is the pitch that the note slides from; equal to `pitch` for no slide.
 void lead(Track& track, int frame, int frames, int from, int pitch, float level);
 void counter(Track& track, int frame, int frames, int pitch, float level);
 

@@ -16,11 +16,11 @@ const std::vector<Section> SECTIONS = {
     {"second theme", 16}, {"finale", 16}, {"outro", 8},
 };
 
-// From this bar on everything is a tone higher: the second half of the finale, and the outro.
+// From this bar on everything is a whole tone higher: the second half of the finale, and the outro.
 const int LIFT_BAR = 68;
 const int LIFT_SEMITONES = 2;
 
-// Chords by name: the bass, and four voices that move as little as they can.
+// Chords by name: the bass, and four voices with minimal movement.
 const std::map<std::string, Chord> CHORDS = {
     {"Dm", {0, 0, 38, {57, 62, 65, 69}}},  {"Dm9", {0, 0, 38, {57, 62, 64, 65}}},
     {"Bb", {0, 0, 34, {58, 62, 65, 69}}},  {"Bb+", {0, 0, 34, {58, 62, 65, 70}}},
@@ -32,13 +32,13 @@ const std::map<std::string, Chord> CHORDS = {
     {"Dm+", {0, 0, 38, {62, 65, 69, 74}}}, {"end", {0, 0, 38, {57, 62, 65, 69, 76}}},
 };
 
-// A bar each, or half a bar each where two are joined by a comma.
+// One bar each, or half a bar each for two joined by a comma.
 const char* const HARMONY =
     // intro
     " Dm9  Dm9 Bb  Bb   Gm  Gm  Asus  A "
     // build
     " Dm   Bb  F   C    Gm  Bb+ C+    Asus,A "
-    // main theme, twice the eight bars
+    // main theme: eight bars, twice
     " Dm   Bb  F   C    Gm  Bb+ C+    Asus,A "
     " Dm   Bb  F   C/E  Gm  Bb+ C+    Asus,A "
     // break
@@ -47,14 +47,14 @@ const char* const HARMONY =
     // second theme, twice
     " Bb+  C   Dm  F/A  Bb+ C+  Am    Dm+ "
     " Bb+  C   Dm  F/A  Bb+ C+  Am    Asus,A "
-    // finale: the main theme, and the way up into it once more
+    // finale: the main theme, and once more the climb into it
     " Dm   Bb  F   C/E  Gm  Bb+ C+    Asus,B7 "
     " Dm   Bb  F   C/E  Gm  Bb+ C+    Asus,A "
     // outro
     " Bb+  C+  Gm  Asus,A "
     " end  end end end ";
 
-// The arrangement: a character a bar, blanks only to see the sections and their halves.
+// The arrangement: one character per bar; blanks only separate the sections and their halves.
 const Charts CHARTS = {
     //         intro    build    main theme        break         second theme      finale            outro
     /*kick */ "....hhhh fffffffs fffffffbfffffffs  ............  fffffffbfffffffs  fffffffsfffffffs  "
@@ -113,7 +113,7 @@ const char* const COUNTER_SECOND =
     "F4:8 D4:8                      | E4:8 G4:8                 | A4:8 F4:8                | A4:8 C5:8 | "
     "D5:8 Bb4:8                     | C5:8 E5:8                 | E5:8 C5:8                | A4:16";
 
-// The hook far away, before it is known.
+// The hook from afar, before it is introduced.
 const char* const OMEN = "-:16 | A4:3 D5:3 F5:2 E5:8     | -:16                      | F5:3 D5:3 C5:2 D5:8 | "
                          "-:16 | Bb4:3 D5:3 G5:2 F5:8    | -:16                      | -:16";
 
@@ -151,14 +151,14 @@ const std::vector<Line> LINES = {
 };
 
 const std::vector<Rhythm> KICK = {
-    {'h', "9.........5....."},                            // a heart beat
+    {'h', "9.........5....."},                            // a heartbeat
     {'f', "9...9...9...9..."},                            // four on the floor
-    {'b', "9...9...9...9.67"}, {'s', "9...9..........."}, // makes room for a fill
+    {'b', "9...9...9...9.67"}, {'s', "9...9..........."}, // leaves room for a fill
     {'1', "9..............."},
 };
 
 const std::vector<Rhythm> CLAP = {
-    {'c', "....9.......9..."}, {'l', "....9.......9.46"}, {'q', "2...3...3...4..."}, // a roll that closes in
+    {'c', "....9.......9..."}, {'l', "....9.......9.46"}, {'q', "2...3...3...4..."}, // an accelerating roll
     {'e', "3.3.4.4.4.5.5.5."}, {'r', "....7..5.6675789"},
 };
 
@@ -173,7 +173,7 @@ const std::vector<Rhythm> OPEN_HAT = {
     {'d', "..7...7...7..7.6"},
 };
 
-// The digit is the loudness; the octave is for the instrument to choose.
+// The digit is the loudness; the instrument chooses the octave.
 const std::vector<Rhythm> BASS = {
     {'p', "6.5.6.5.6.5.6.5."},                                                       // a pulse
     {'a', "..8.8.8...8.8.87"},                                                       // between the kicks
@@ -234,7 +234,7 @@ std::vector<Chord> harmony() {
         std::string name;
         while (std::getline(names, name, ',')) {
             Chord chord = CHORDS.at(name);
-            // the chord before the lift is written in the key that it leads to
+            // The chord before the key change is written in the new key.
             int lift = transposition(step / STEPS_PER_BAR);
             chord.step = step;
             chord.steps = steps;

@@ -1,4 +1,4 @@
-// The piece as it is written: sections, harmony, melodies and rhythms. Nothing here makes a sound.
+// The score: sections, harmony, melodies and rhythms. Nothing here makes a sound.
 #pragma once
 
 #include <string>
@@ -6,7 +6,7 @@
 
 namespace zentrak::music {
 
-// Time. At 126 beats a minute and 44100 frames a second a bar is a whole number of frames.
+// Timing. At 126 beats a minute and 44100 frames a second a bar is a whole number of frames.
 const int RATE = 44100;
 const int STEPS_PER_BAR = 16;
 const int STEP = 5250; // frames of a sixteenth note
@@ -23,7 +23,7 @@ struct Note {
     int step, steps, pitch;
 };
 
-// A melody at its place in the piece, and the instrument that plays it.
+// A melody at its position in the piece, and the instrument that plays it.
 struct Line {
     enum Instrument { LEAD, COUNTER, BELL, PLUCK };
 
@@ -45,7 +45,7 @@ struct Charts {
     std::string kick, clap, hat, crash, bass, pad, saws, arp;
 };
 
-// A rhythm of one bar: a digit from 1 to 9 is a stroke and how hard it is, a point a rest.
+// A rhythm of one bar: a digit from 1 to 9 is a stroke of that strength, a point a rest.
 struct Rhythm {
     char name;
     const char* strokes;
@@ -54,14 +54,14 @@ struct Rhythm {
 const std::vector<Section>& sections();
 int barCount();
 
-// Bars that the piece is transposed by from its key, D minor, in semitones.
+// The transposition of a bar in semitones, relative to D minor.
 int transposition(int bar);
 
 std::vector<Chord> harmony();
 const Charts& charts();
 const std::vector<Line>& lines();
 
-// The strokes of a rhythm by its letter: of the drum or bass that `table` belongs to.
+// The strokes of a rhythm by its letter; `table` is that of the drum or bass.
 const char* strokes(const std::vector<Rhythm>& table, char name);
 const std::vector<Rhythm>& kickRhythms();
 const std::vector<Rhythm>& clapRhythms();
@@ -69,8 +69,8 @@ const std::vector<Rhythm>& hatRhythms(); // closed; see openHatRhythms
 const std::vector<Rhythm>& openHatRhythms();
 const std::vector<Rhythm>& bassRhythms();
 
-// Reads a line like "A4:3 D5:13 | -:16": notes and rests with their length in steps. Every bar has to add up
-// to 16 steps; throws std::runtime_error where one does not, or where a note can't be read.
+// Parses a line like "A4:3 D5:13 | -:16": notes and rests with their length in steps. Every bar must add up
+// to 16 steps. Throws std::runtime_error if one does not, or for a bad note.
 std::vector<Note> readLine(const std::string& text);
 
 } // namespace zentrak::music

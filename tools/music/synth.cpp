@@ -9,7 +9,7 @@ namespace {
 
 const float TURN = 6.28318531f;
 
-// What to add to a step at phase 0 so that it is a smooth one over two samples.
+// The correction that turns a step at phase 0 into a smooth one over two samples.
 float roundedStep(float phase, float increment) {
     if (phase < increment) {
         float t = phase / increment;
@@ -55,7 +55,7 @@ float Sine::next(float frequency, float modulation) {
     return std::sin((mPhase + modulation) * TURN);
 }
 
-// The topology-preserving state variable filter.
+// A topology-preserving state variable filter.
 void Filter::set(float frequency, float resonance) {
     mG = std::tan(0.5f * TURN * std::clamp(frequency, 10.0f, 0.45f * RATE) / RATE);
     mK = 2 - 1.95f * resonance;

@@ -1,5 +1,4 @@
-// The parts that instruments are made of. Frequencies are in Hz, times in seconds; every part makes one
-// sample a call.
+// Building blocks of the instruments. Frequencies are in Hz, times in seconds; each call produces one sample.
 #pragma once
 
 #include "score.h"
@@ -8,17 +7,17 @@
 
 namespace zentrak::music {
 
-// Two channels of sound, the length of the piece, that notes are added to.
+// A stereo track as long as the piece, to which notes are added.
 struct Track {
     explicit Track(int frames) : left(size_t(frames)), right(size_t(frames)) {}
 
     int frames() const { return int(left.size()); }
-    void add(int frame, float toLeft, float toRight); // beyond the end it is lost
+    void add(int frame, float toLeft, float toRight); // ignored past the end
 
     std::vector<float> left, right;
 };
 
-// Where a sound stands between left (-1) and right (1), at equal power.
+// Equal-power panning from left (-1) to right (1).
 struct Pan {
     explicit Pan(float place);
     float left, right;
@@ -26,7 +25,7 @@ struct Pan {
 
 float pitchToFrequency(float pitch); // MIDI
 
-// White noise from -1 to 1; the same seed gives the same noise.
+// White noise from -1 to 1, determined by the seed.
 class Noise {
 public:
     explicit Noise(unsigned seed) : mState(seed * 2654435761u + 1) {}
@@ -37,7 +36,7 @@ private:
     unsigned mState;
 };
 
-// A sawtooth from -1 to 1, its edge rounded so that it does not alias. The phase starts from 0 to 1.
+// A sawtooth from -1 to 1 with rounded edges against aliasing. The initial phase is from 0 to 1.
 class Saw {
 public:
     explicit Saw(float phase = 0) : mPhase(phase) {}
@@ -55,7 +54,8 @@ private:
     float mPhase = 0;
 };
 
-// A two-pole filter that may be swept at every sample. The resonance goes from 0 (none) to 1 (it rings).
+// A two-pole filter that can be swept at every sample. The resonance goes from 0 (none) to 1
+// (self-oscillation).
 class Filter {
 public:
     void set(float frequency, float resonance);
@@ -70,8 +70,8 @@ private:
     float mLow = 0, mBand = 0, mHigh = 0;
 };
 
-// Rises in `attack`, falls towards `sustain` with the time constant `decay`, and to nothing within `release`
-// after `held` seconds.
+// Rises in `attack`, decays towards `sustain` with the time constant `decay`, and falls to nothing within
+// `release` after `held` seconds.
 struct Envelope {
     float attack, decay, sustain, release;
     float at(float time, float held) const;

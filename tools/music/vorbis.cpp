@@ -9,7 +9,7 @@ namespace zentrak::music {
 
 namespace {
 
-const int SERIAL = 126; // of the stream; any number will do, as long as it is the same each time
+const int SERIAL = 126; // of the stream: any constant will do
 const int BLOCK = 1024;
 
 void writePage(std::ofstream& out, const ogg_page& page) {
@@ -17,7 +17,7 @@ void writePage(std::ofstream& out, const ogg_page& page) {
     out.write(reinterpret_cast<const char*>(page.body), page.body_len);
 }
 
-// Takes over the packets that are ready, and writes the pages that are full.
+// Writes the full pages of the packets that are ready.
 void drain(std::ofstream& out, ogg_stream_state& stream, vorbis_dsp_state& encoder, vorbis_block& block) {
     ogg_packet packet;
     ogg_page page;
@@ -55,7 +55,7 @@ void writeVorbis(const std::string& path, const Track& track, float quality, con
     for (ogg_packet& header : headers)
         ogg_stream_packetin(&stream, &header);
     ogg_page page;
-    while (ogg_stream_flush(&stream, &page)) // sound begins on a page of its own
+    while (ogg_stream_flush(&stream, &page)) // audio starts on a new page
         writePage(out, page);
 
     for (int frame = 0; frame < track.frames(); frame += BLOCK) {

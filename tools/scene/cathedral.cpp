@@ -13,7 +13,7 @@ namespace {
 // The plan, in units of about a third of a metre; x across, y up, z along.
 constexpr int BAYS = 10;
 constexpr float BAY = 14.0f;     // from pillar to pillar
-constexpr float NAVE = 12.0f;    // half width, to the middle of the pillars
+constexpr float NAVE = 12.0f;    // half width, to the pillar centres
 constexpr float AISLE = 24.0f;   // to the outer walls
 constexpr float SPRING = 13.0f;  // where the arches between the pillars start
 constexpr float GALLERY = 24.0f; // where the wall with the upper windows starts
@@ -21,7 +21,7 @@ constexpr float CORNICE = 36.0f; // where the vault starts
 constexpr float CROWN = 46.0f;   // its ridge
 constexpr float EAST = 70.0f;    // the end wall
 
-// Added to the texture coordinate u: the kind of surface. Stone has none.
+// Added to the texture coordinate u to mark the kind of surface; stone adds nothing.
 constexpr float GLASS = 16.0f;
 constexpr float LAMP = 32.0f;
 constexpr float FLOOR = -16.0f;
@@ -31,7 +31,7 @@ float pillarZ(int i) {
     return (float(i) - BAYS / 2.0f) * BAY;
 }
 
-// The mesh of a shape, centred on its box; `centre` is where its node goes.
+// Adds the mesh of a shape, centred on its bounding box; `centre` returns the position for its node.
 o3d::Mesh& addCentred(o3d::Manager& manager, const Shape& shape, const std::string& name, Vector3f& centre) {
     auto mesh = shape.build(name, {"stone"});
     centre = (mesh->mBoxMin + mesh->mBoxMax) * 0.5f;
@@ -43,7 +43,7 @@ o3d::Mesh& addCentred(o3d::Manager& manager, const Shape& shape, const std::stri
     return *addMesh(manager, std::move(mesh));
 }
 
-// Places one mesh along both sides of the church, turned so that its front looks inwards.
+// Places one mesh along both sides of the church, turned to face inwards.
 struct Placer {
     o3d::Manager& manager;
     o3d::SceneNode& parent;
@@ -67,17 +67,18 @@ void makePillar(Shape& shape) {
     shape.box(0, Vector3f(-2.2f, SPRING - 0.7f, -2.2f), Vector3f(2.2f, SPRING, 2.2f));
 }
 
-// The rectangle from (-w, bottom) up, over and down to (w, bottom), at as many points as the arch in it has.
+// The rectangle from (-w, bottom) up, over and down to (w, bottom), with as many points as the arch in it
+// has.
 std::vector<Vector3f> frameOf(const std::vector<Vector3f>& arch, float w, float bottom, float top) {
     std::vector<Vector3f> frame;
     for (const Vector3f& p : arch) {
-        // Along the ray from the foot of the axis: where it leaves the rectangle.
+        // Where the ray from the foot of the axis leaves the rectangle.
         const float x = p.x, y = p.y - bottom;
         const float scale =
             std::min(fabsf(x) > 1e-4f ? w / fabsf(x) : 1e9f, y > 1e-4f ? (top - bottom) / y : 1e9f);
         frame.emplace_back(x * scale, bottom + y * scale, 0.0f);
     }
-    // The corners lie between two points: the nearest goes there.
+    // A corner lies between two points: move the nearest there.
     for (const float side : {-1.0f, 1.0f}) {
         const Vector3f corner(side * w, top, 0.0f);
         *std::min_element(frame.begin() + 1, frame.end() - 1, [&](const Vector3f& a, const Vector3f& b) {
@@ -87,8 +88,7 @@ std::vector<Vector3f> frameOf(const std::vector<Vector3f>& arch, float w, float 
     return frame;
 }
 
-// The wall over one bay of pillars, with the arch below it; across the nave it stands in the plane of the
-// pillars.
+// The arcade wall of one bay, with its arch; across the nave it lies in the plane of the pillars.
 void makeArcade(Shape& shape) {
     const auto arch = pointedArch(BAY / 2 - 1.7f, SPRING, BAY - 4.4f, 12);
     shape.band(0, arch, frameOf(arch, BAY / 2, SPRING, GALLERY - 0.8f), false, 2.2f);
@@ -103,7 +103,7 @@ void makeArcade(Shape& shape) {
     shape.box(0, Vector3f(-BAY / 2, GALLERY - 0.8f, -1.5f), Vector3f(BAY / 2, GALLERY, 1.5f));
 }
 
-// The closed outline of a window: clockwise, so that the wall lies to its left.
+// The closed outline of a window, clockwise, so that the wall lies to its left.
 std::vector<Vector3f> windowOutline(float halfWidth, float sill, float spring, float radius, int steps) {
     std::vector<Vector3f> outline = pointedArch(halfWidth, spring, radius, steps);
     outline.emplace_back(halfWidth, sill, 0.0f);
@@ -111,7 +111,7 @@ std::vector<Vector3f> windowOutline(float halfWidth, float sill, float spring, f
     return outline;
 }
 
-// A wall with one window in it, between `bottom` and `top`, with tracery and glass.
+// A wall with one window, between `bottom` and `top`, with tracery and glass.
 void makeWindowWall(Shape& shape, float halfBay, float bottom, float top, float halfWidth, float sill,
                     float spring) {
     const float depth = 1.8f;
@@ -123,7 +123,7 @@ void makeWindowWall(Shape& shape, float halfBay, float bottom, float top, float 
     wall.emplace_back(halfBay, bottom, 0.0f);
     shape.band(0, hole, wall, true, depth);
 
-    // Mullions up to two smaller arches, and a round one over them.
+    // Mullions up to two smaller arches and a round one above them.
     const float thin = 0.35f;
     shape.box(0, Vector3f(-thin / 2, sill, -0.3f), Vector3f(thin / 2, spring + halfWidth * 0.45f, 0.3f));
     for (const float side : {-0.5f, 0.5f}) {
@@ -142,8 +142,8 @@ void makeWindowWall(Shape& shape, float halfBay, float bottom, float top, float 
     for (float y = sill + 2.0f; y < spring - 1.0f; y += 2.5f)
         shape.box(0, Vector3f(-halfWidth, y, -0.12f), Vector3f(halfWidth, y + 0.2f, 0.12f));
 
-    // The panes: a slab in the hole. Its inner face is well ahead of the outer one, so that it covers an
-    // outline that is drawn of it.
+    // The panes: a slab in the hole. Its inner face is well in front of the outer one, so that it covers the
+    // outline drawn around it.
     shape.mTextureOffset = GLASS;
     const Vector3f outside(0.0f, 0.0f, 0.9f), inside(0.0f, 0.0f, -0.05f);
     const int front = shape.newGroup(), back = shape.newGroup();
@@ -156,7 +156,7 @@ void makeWindowWall(Shape& shape, float halfBay, float bottom, float top, float 
     shape.mTextureOffset = 0.0f;
 }
 
-// One bay of the vault: two pointed barrels that cross, and the ribs along their creases.
+// One bay of the vault: two crossing pointed barrels, and ribs along their creases.
 float barrel(float x) { // 0 at the sides, 1 at the ridge: a pointed arc
     const float t = 1.0f - std::min(1.0f, fabsf(x));
     return sqrtf(std::max(0.0f, 1.0f - (1.0f - t) * (1.0f - t) * (0.65f + 0.35f * (1.0f - t))));
@@ -210,7 +210,7 @@ void makeRibs(Shape& shape) {
     rib(-1, -1, 1, -1, 1.2f); // the arch from wall to wall
 }
 
-// The shaft on the wall that carries a rib, from the pillar up to the vault.
+// The shaft on the wall that carries a rib, from pillar to vault.
 void makeShaft(Shape& shape) {
     shape.lathe(0, {{0.75f, SPRING}, {0.75f, CORNICE - 2.0f}}, 16);
     shape.lathe(0, {{0.9f, CORNICE - 2.0f}, {0.8f, CORNICE - 1.6f}, {1.3f, CORNICE - 0.6f}, {1.3f, CORNICE}},
@@ -320,7 +320,7 @@ std::string makeCathedral() {
     const auto at = [&](float x, float y, float z) { return c + Vector3f(x, y, z); };
     const float quarter = 1.57079633f;
 
-    // Both sides are one group of nodes; the second is its mirror image.
+    // Both sides are one group of nodes; the second mirrors the first.
     const auto side = [&](float mirror) {
         o3d::Dummy* const group = addDummy(*scene, mirror > 0 ? "north" : "south", Vector3f(0, 0, 0));
         setValue(group->mScale, Vector3f(mirror, 1, 1));
@@ -395,7 +395,7 @@ std::string makeCathedral() {
         middle.put(lancet, at(float(i) * NAVE * 2 / 3, 0, EAST), Vector3f(0, 0, 0));
     o3d::Mesh& altar = make("altar", makeAltar, c);
     middle.put(altar, at(0, 0, 56.0f));
-    // Lamps on long cords, which swing.
+    // Swinging lamps on long cords.
     o3d::Mesh& lamp = make("lamp", makeLamp, c);
     for (int i = 0; i < 5; ++i) {
         o3d::Dummy* const hook =

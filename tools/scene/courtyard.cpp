@@ -11,7 +11,7 @@ namespace zentrak::scene {
 
 namespace {
 
-// Added to the texture coordinate u: the kind of surface. Paving and walls have none.
+// Added to the texture coordinate u to mark the kind of surface; paving and walls add nothing.
 constexpr float LAMP = 16.0f; // what glows
 constexpr float WOOD = 32.0f;
 constexpr float GLAZE = 48.0f;
@@ -22,7 +22,7 @@ o3d::Mesh& make(o3d::Manager& manager, const std::string& name, const Shape& sha
     return *addMesh(manager, shape.build(name, {"stone"}));
 }
 
-// A ball of squares on a cube blown up, so that it has no poles.
+// A sphere from a subdivided cube, so that it has no poles.
 void makeBall(Shape& shape, float radius, int steps, float roughness) {
     const int group = shape.newGroup();
     const auto blown = [&](const Vector3f& p) {
@@ -58,7 +58,7 @@ std::string makeCourtyard() {
 
     Shape ground;
     ground.box(0, Vector3f(-13, -1, -13), Vector3f(13, 0, 13));
-    for (const float side : {-1.0f, 1.0f}) { // walls with a ledge, all round
+    for (const float side : {-1.0f, 1.0f}) { // four walls with a ledge
         ground.box(0, Vector3f(-13, 0, side * 12.5f - 0.5f), Vector3f(13, 2.2f, side * 12.5f + 0.5f));
         ground.box(0, Vector3f(-13, 2.2f, side * 12.4f - 0.7f), Vector3f(13, 2.6f, side * 12.4f + 0.7f));
         ground.box(0, Vector3f(side * 12.5f - 0.5f, 0, -12), Vector3f(side * 12.5f + 0.5f, 2.2f, 12));
@@ -67,7 +67,7 @@ std::string makeCourtyard() {
     }
     addInstance(*scene, "ground", make(manager, "ground", ground), Vector3f(0, 0, 0));
 
-    // Four flights of steps up to a round platform in the middle.
+    // Four flights of steps up to a round platform in the centre.
     Shape steps;
     steps.mTextureOffset = PLAIN;
     for (int i = 0; i < 6; ++i) {
@@ -76,7 +76,7 @@ std::string makeCourtyard() {
     }
     addInstance(*scene, "steps", make(manager, "steps", steps), Vector3f(0, 0, 0));
 
-    // A colonnade: columns in two corners and, mirrored, in the two others, with arches from one to the next.
+    // A colonnade: columns in two corners, mirrored into the other two, linked by arches.
     Shape column;
     column.mTextureOffset = PLAIN;
     column.box(0, Vector3f(-0.65f, 0, -0.65f), Vector3f(0.65f, 0.4f, 0.65f));
@@ -112,7 +112,7 @@ std::string makeCourtyard() {
         }
     }
 
-    // Crates against the walls and in heaps: corners for the dark to lie in.
+    // Crates against the walls and in heaps: dark corners for the occlusion.
     Shape crate;
     crate.mTextureOffset = WOOD;
     crate.box(0, Vector3f(-0.5f, 0, -0.5f), Vector3f(0.5f, 1, 0.5f));
@@ -148,7 +148,7 @@ std::string makeCourtyard() {
         setValue(instance->mScale, Vector3f(size, size, size));
     }
 
-    // On the platform a knot of rings that turn within each other, and a lamp in the middle.
+    // On the platform a knot of rotating rings with a lamp in the middle.
     Shape ringShape;
     ringShape.mTextureOffset = BRASS;
     const int around = 72, across = 14;
@@ -181,7 +181,7 @@ std::string makeCourtyard() {
     o3d::Mesh& lampMesh = make(manager, "lamp", lamp);
     addInstance(*holder, "heart", lampMesh, Vector3f(0, 0, 0));
 
-    // Lamps between the columns, and some that float up and down on their own; those throw no shadow.
+    // Lamps between the columns, and some that float up and down by themselves; those cast no shadow.
     for (int i = 0; i < 5; ++i)
         for (const float mirror : {-1.0f, 1.0f})
             addInstance(*scene, "lantern" + std::to_string(i), lampMesh,
@@ -194,7 +194,7 @@ std::string makeCourtyard() {
         setCurve(spark->mPosition.mY, {2.2f, 4.0f, 2.2f}, 1.5f + 0.25f * float(i), true);
     }
 
-    // Once round in 24 seconds, now near and low, now far and high.
+    // Once round in 24 seconds, alternately near and low and far and high.
     auto camera = std::make_unique<o3d::Camera>();
     camera->mName = "camera";
     std::vector<float> x, y, z, pitch, heading;
@@ -209,7 +209,7 @@ std::string makeCourtyard() {
         y.push_back(eye.y);
         z.push_back(eye.z);
         pitch.push_back(angles.x);
-        // The angle goes on where it would jump by a turn.
+        // Unwrap the angle where it would jump by a turn.
         heading.push_back(i == 0 ? angles.y : before + remainderf(angles.y - before, 6.2831853f));
         before = heading.back();
     }
@@ -231,7 +231,7 @@ std::string makeCourtyard() {
 }
 
 std::string makeStone() {
-    // A boulder: a ball dented by a sum of waves, its texture wrapped round it.
+    // A boulder: a sphere dented by a sum of waves, with its texture wrapped round it.
     const int rings = 60, segments = 102;
     const auto place = [&](int ring, int segment) {
         const float theta = 3.14159265f * float(ring) / rings;
@@ -249,7 +249,7 @@ std::string makeStone() {
     auto submesh = std::make_unique<o3d::Submesh>();
     submesh->mParent = mesh.get();
     auto list = std::make_unique<o3d::StructList<Vector3f>>();
-    // The poles are one position each; every ring has one local vertex more than positions, for the seam.
+    // Each pole is one position; every ring has one more local vertex than positions, for the seam.
     mesh->mVertices.push_back(place(0, 0));
     mesh->mVertices.push_back(place(rings, 0));
     for (int ring = 1; ring < rings; ++ring)

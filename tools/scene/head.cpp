@@ -16,7 +16,7 @@ constexpr int RINGS = 140;    // from the middle of the face to the back of the 
 constexpr int SEGMENTS = 160; // around that axis
 constexpr int STRIDE = 28;    // of the vertices that glow
 
-// Signed distances, negative inside; near enough to be marched along.
+// Approximate signed distances, negative inside; accurate enough for ray marching.
 
 float ellipsoid(const Vector3f& p, const Vector3f& centre, const Vector3f& radii) {
     const Vector3f q = p - centre;
@@ -91,7 +91,7 @@ Vector3f skin(const Vector3f& direction) {
     return centre + direction * r;
 }
 
-// The lines of a face, drawn in the plane of the picture (x, y) for one half; the other is its mirror.
+// The lines of a face in the picture plane (x, y), for one half; the other mirrors it.
 struct Line {
     float weight; // of the vertices near it
     float width;
@@ -166,14 +166,14 @@ float distanceToLine(const Line& line, float x, float y) {
     return nearest;
 }
 
-// How many of the glowing vertices an area here should get.
+// The desired density of glowing vertices at a point.
 float weight(const Vector3f& p) {
     const float x = fabsf(p.x);
     const float front = smoothstep(-0.05f, 0.12f, p.z);
     float result = 0.7f + 2.3f * front;
     if (p.y < -0.46f)
         result *= 0.5f;
-    // The outline of the skull from in front, and the ears.
+    // The front outline of the skull, and the ears.
     result += 7.0f * expf(-p.z * p.z / (2 * 0.03f * 0.03f)) * (p.y > 0.05f ? 1.0f : 0.3f);
     if (x > 0.31f)
         result += 9.0f * smoothstep(0.31f, 0.345f, x);
@@ -185,8 +185,7 @@ float weight(const Vector3f& p) {
     return result;
 }
 
-// Chooses `count` of the places so that each keeps a distance from the others that shrinks with the weight
-// there.
+// Chooses `count` positions, each at a distance from the others that shrinks with the weight there.
 std::vector<int> choose(const std::vector<Vector3f>& places, size_t count) {
     std::vector<float> size(places.size());
     for (size_t i = 0; i < places.size(); ++i)
@@ -196,7 +195,7 @@ std::vector<int> choose(const std::vector<Vector3f>& places, size_t count) {
     mathbase::Random random(2017);
     for (size_t i = order.size() - 1; i > 0; --i)
         std::swap(order[i], order[random.draw() / 7 % (i + 1)]);
-    // What weighs most is placed first, so that the lines are closed before the fields are filled.
+    // The heaviest positions first, so that the lines are complete before the areas are filled.
     std::stable_sort(order.begin(), order.end(), [&](int a, int b) {
         return lroundf(log2f(size[size_t(a)]) * 2) < lroundf(log2f(size[size_t(b)]) * 2);
     });
@@ -221,14 +220,14 @@ std::vector<int> choose(const std::vector<Vector3f>& places, size_t count) {
         if (chosen.size() <= count)
             best = chosen;
     }
-    // The search ends a few short: fill up with what is left.
+    // The search ends a few short: fill up with the rest.
     for (size_t i = 0; best.size() < count; ++i)
         if (std::find(best.begin(), best.end(), order[i]) == best.end())
             best.push_back(order[i]);
     return best;
 }
 
-// Puts the chosen vertices at every STRIDE-th place, from the first.
+// Moves the chosen vertices to every STRIDE-th index, from the first.
 void reorder(o3d::Mesh& mesh) {
     const size_t count = mesh.mVertices.size();
     const std::vector<int> chosen = choose(mesh.mVertices, (count + STRIDE - 1) / STRIDE);
@@ -259,7 +258,7 @@ void reorder(o3d::Mesh& mesh) {
 } // namespace
 
 std::string makeFace() {
-    // Rings around the axis that looks out of the face, closer together at the front.
+    // Rings around the axis that points out of the face, denser at the front.
     std::vector<Vector3f> places;
     for (int ring = 0; ring <= RINGS; ++ring)
         for (int segment = 0; segment < SEGMENTS; ++segment) {
@@ -283,7 +282,7 @@ std::string makeFace() {
     addMaterial(manager, "skin", mathbase::Vector4f(0.9f, 0.75f, 0.65f, 1.0f));
     o3d::Mesh& mesh = *addMesh(manager, shape.build("face", {"skin"}));
     reorder(mesh);
-    // What is drawn is seen from 1.3 away, through an angle that the whole head just fills.
+    // The viewer looks from 1.3 away with a field of view that the whole head just fills.
     for (Vector3f& vertex : mesh.mVertices)
         vertex = vertex * 0.88f + Vector3f(0.0f, 0.03f, 0.0f);
     for (o3d::Submesh* submesh : mesh.mSubmeshes)

@@ -16,7 +16,7 @@ namespace {
 
 using chunklib::ReadBuffer;
 
-// Where a chunk may be, one bit each.
+// Where a chunk may appear, one bit each.
 enum Place : unsigned {
     TOP = 1,
     MAIN = 2,
@@ -37,7 +37,7 @@ enum Place : unsigned {
     TRACK4 = 65536
 };
 
-// What the payload has before the children.
+// The payload before the children.
 enum Payload {
     NOTHING,
     NAME,     // a text
@@ -47,7 +47,7 @@ enum Payload {
     VECTORS,
     TRIANGLES,
     INDICES,
-    TEXTS,    // back to back, each added to the one before
+    TEXTS,    // back to back, each appended to the one before
     NUMBERED, // a byte and a text
     KEYS,
     BONEVALUES
@@ -56,9 +56,9 @@ enum Payload {
 struct Kind {
     uint16_t id;
     const char* name;
-    unsigned parents; // places where the loader takes it
+    unsigned parents; // where the loader accepts it
     Payload payload;
-    unsigned inside; // the place that it is for its own children; 0: it has none
+    unsigned inside; // the place of its own children; 0 for none
 };
 
 const Kind kinds[] = {
@@ -121,7 +121,7 @@ std::string format(const char* pattern, ...) {
     return text;
 }
 
-// A name as it may be printed: without control characters, and not for ever.
+// A printable name: without control characters, and truncated.
 std::string quoted(const std::string& name) {
     std::string result = "'";
     for (const char character : name.substr(0, 100))
@@ -171,7 +171,7 @@ private:
     }
     void remark(size_t depth, const char* text) { remark(depth, "%s", text); }
 
-    // The loader's way: up to the zero byte or the end of the chunk.
+    // As in the loader: up to the zero byte or the end of the chunk.
     std::string name() {
         std::string result;
         while (mBuffer.checkBoundaries(1)) {
@@ -192,7 +192,7 @@ private:
         return nullptr;
     }
 
-    // A few words about the payload of the open chunk; remarks on it are left in mPending.
+    // Describes the payload of the open chunk; leaves remarks on it in mPending.
     std::string describe(const Kind& kind) {
         switch (kind.payload) {
         case NOTHING:
@@ -325,7 +325,7 @@ private:
         return text;
     }
 
-    // The chunk that is open, and what is in it.
+    // The open chunk and its contents.
     void chunk(uint16_t id, unsigned place, size_t depth) {
         const std::string indent(2 * std::min<size_t>(depth, 40), ' ');
         const Kind* const kind = find(id, place);
@@ -366,7 +366,7 @@ private:
             mBuffer.closeChunk();
             open = mBuffer.depth();
         }
-        // As in the loader, a chunk with ID 0 stays open: it is what the caller closes instead of this one.
+        // As in the loader, a chunk with ID 0 stays open: the caller closes it instead of this one.
         if (mBuffer.depth() > open)
             remark(depth + 1, depth == 0 ? "a chunk with ID 0 ends the loading here"
                                          : "a chunk with ID 0: what follows it is read as part of the chunk "
@@ -375,7 +375,7 @@ private:
             remark(depth + 1, "%u bytes at its end are no chunk", mBuffer.remaining());
     }
 
-    // What is only wrong in its context: names that lead nowhere, numbers outside their lists.
+    // Errors that only show in context: names without a target, indices out of range.
     void references() {
         o3d::Manager manager;
         try {
@@ -447,7 +447,7 @@ private:
             checkNode(manager, scene, *child, belowCamera || isCamera);
     }
 
-    // Whoever draws an instance looks up the material of each Submesh, first the instance's own.
+    // Drawing an instance looks up the material of each Submesh, first the instance's own.
     void checkInstance(const o3d::Manager& manager, const o3d::MeshInstance& instance) {
         const std::string name = quoted(instance.mName);
         const o3d::Mesh* mesh = manager.getMesh(instance.mMeshName);

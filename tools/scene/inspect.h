@@ -1,4 +1,4 @@
-// What a scene file holds, as a text.
+// Describes a scene file as text.
 #pragma once
 
 #include <string>
@@ -6,12 +6,12 @@
 namespace zentrak::scene {
 
 struct Inspection {
-    std::string text; // a line for each chunk, indented by its depth, and remarks after "! "
-    int remarks;      // what a loader skips, misses or stumbles over
+    std::string text; // one line per chunk, indented by depth, and remarks after "! "
+    int remarks;      // number of remarks: what a loader would skip, miss or fail on
 };
 
 // The file image as a tree: every chunk with its ID and size, names, counts, key ranges, and what the loader
-// would skip or miss. Any bytes will do; nothing throws or crashes.
+// would skip or miss. Accepts any bytes; never throws.
 Inspection inspect(const std::string& image);
 
 } // namespace zentrak::scene

@@ -46,8 +46,8 @@ void writeSubmesh(chunklib::WriteBuffer& buffer, const o3d::Mesh& mesh, const o3
     buffer.closeChunk();
 }
 
-// The loader does not empty its text between the names of a list: where a name starts with the one before it,
-// only what it has more is written; any other begins a list of its own.
+// The loader does not clear its string between the names of a list: if a name starts with the one before it,
+// only the rest is written; otherwise a new list begins.
 void writeNames(chunklib::WriteBuffer& buffer, const o3d::Mesh& mesh) {
     buffer.openChunk(o3d::CHUNK_MATERIALNAMES);
     std::string before;
@@ -158,8 +158,7 @@ void setValue(o3d::TrackEulerf& track, const Vector3f& value) {
 
 void setCurve(o3d::TrackBlenderFloat& track, const std::vector<float>& values, float step, bool closed) {
     track.mInterpolation = o3d::TrackBlenderFloat::INTERPOLATION_BEZIER;
-    // An angle that goes round ends whole turns away from where it starts: those are the offset of the
-    // repetition.
+    // A full rotation ends whole turns from where it starts: they become the offset of the repetition.
     track.mExtrapolation = closed ? o3d::TrackBlenderFloat::EXTRAPOLATION_CYCLIC_OFFSET
                                   : o3d::TrackBlenderFloat::EXTRAPOLATION_CONSTANT;
     track.mKeys.clear();
@@ -182,7 +181,7 @@ Vector3f lookAt(const Vector3f& eye, const Vector3f& target) {
     const Vector3f back = (eye - target).getNormalized();
     const Vector3f right = Vector3f(0.0f, 1.0f, 0.0f).cross(back).getNormalized();
     const Vector3f up = back.cross(right);
-    // The node's axes in the world are right, back and down; right stays level, so that nothing turns about
+    // The node's axes in the world are right, back and down; right stays level, so there is no rotation about
     // z.
     return Vector3f(atan2f(up.y, back.y), atan2f(-right.z, right.x), 0.0f);
 }

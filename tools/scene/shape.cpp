@@ -7,7 +7,7 @@
 
 namespace zentrak::scene {
 
-static constexpr float GRID = 1e-5f; // points closer than this are one
+static constexpr float GRID = 1e-5f; // points closer than this are merged
 
 static long cell(float value) {
     return lroundf(value / GRID);
@@ -49,8 +49,8 @@ void Shape::triangle(int part, int group, const Vector3f& a, const Vector3f& b, 
     const float x = fabsf(normal.x), y = fabsf(normal.y), z = fabsf(normal.z);
     int corner = 0;
     for (const Vector3f* place : {&a, &b, &c}) {
-        // The third coordinate, which no picture sees, tells the planes apart: tangents of one must not be
-        // summed with those of another.
+        // The third coordinate, which no texture lookup uses, separates the planes: their tangents must not
+        // be summed.
         Vector3f texCoords(place->x, place->y, 0.0f); // faces along z
         if (y >= x && y >= z)
             texCoords = Vector3f(place->x, place->z, 1.0f);
@@ -173,7 +173,7 @@ size_t Shape::triangleCount() const {
 
 std::vector<Vector3f> pointedArch(float halfWidth, float spring, float radius, int steps) {
     std::vector<Vector3f> points;
-    // The left arc has its centre to the right of the axis, on the springing line.
+    // The centre of the left arc is to the right of the axis, on the springing line.
     const float centre = radius - halfWidth;
     const float end = acosf(centre / radius);
     for (int i = 0; i <= steps; ++i) {

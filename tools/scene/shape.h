@@ -1,4 +1,4 @@
-// Solids put together from triangles, as a mesh of a scene file.
+// Solids built from triangles, as a mesh of a scene file.
 #pragma once
 
 #include "o3d_mesh.h"
@@ -14,32 +14,32 @@ namespace zentrak::scene {
 using mathbase::Vector3f;
 
 // Collects triangles, counterclockwise from outside, in parts of one material each: part i becomes Submesh i
-// with material number i. Corners at one place (to 1e-5) in one smoothing group share a position, so that the
-// surface is round there; another group at the same place makes an edge. A triangle without area is left out,
-// and with it every position that no other uses: such a mesh has normals.
+// with material number i. Corners within 1e-5 in the same smoothing group share a position, so that the
+// surface is smooth there; different groups make an edge. Degenerate triangles are left out, with every
+// position that no other triangle uses, so that the mesh has valid normals.
 class Shape {
 public:
-    // Texture coordinates are those of the plane that the triangle faces most, in units of `mTextureSize`,
-    // plus `mTextureOffset` in u.
+    // Texture coordinates are those of the axis plane that the triangle faces most, in units of
+    // `mTextureSize`, plus `mTextureOffset` in u.
     void triangle(int part, int group, const Vector3f& a, const Vector3f& b, const Vector3f& c);
     void quad(int part, int group, const Vector3f& a, const Vector3f& b, const Vector3f& c,
               const Vector3f& d);
 
-    // A group that no triangle had yet: for a face with edges all round.
+    // A new smoothing group: for a face with hard edges.
     int newGroup() { return ++mLastGroup; }
 
     // Box with six flat faces.
     void box(int part, const Vector3f& lowest, const Vector3f& highest);
-    // The profile (radius, height), upwards, turned round the y axis and closed at both ends; the radius
-    // swells by the share `flute` at each of the `flutes` ridges. Ring i to i + 1 is smooth; the profile's
-    // corners are edges.
+    // Revolves the profile (radius, height), listed upwards, round the y axis and closes both ends; the
+    // radius swells by the fraction `flute` at each of the `flutes` ridges. Ring i to i + 1 is smooth;
+    // corners of the profile are edges.
     void lathe(int part, const std::vector<std::pair<float, float>>& profile, int segments, int flutes = 0,
                float flute = 0.0f);
-    // The band between two curves of as many points in the plane z = 0, thickened by `depth` around it.
-    // `inner` runs so that `outer` lies to its left. Closed curves join their ends; open ones get end faces.
+    // The band between two curves of equally many points in the plane z = 0, extruded by `depth` around it.
+    // `outer` must lie to the left of `inner`. Closed curves join their ends; open ones get end faces.
     void band(int part, const std::vector<Vector3f>& inner, const std::vector<Vector3f>& outer, bool closed,
               float depth);
-    // A bar of rectangular section along a curve; `up` is roughly across it.
+    // A bar of rectangular section along a curve; `up` is roughly perpendicular to it.
     void bar(int part, const std::vector<Vector3f>& curve, float width, float height, const Vector3f& up);
 
     // The mesh, which the caller owns. The names are those of the parts' materials.
@@ -68,11 +68,11 @@ private:
     int mLastGroup = 0;
 };
 
-// A pointed arch from (-halfWidth, spring) over its top to (halfWidth, spring), of 2 * steps + 1 points.
-// `radius` is that of its two arcs; twice the half width makes them meet at 60 degrees.
+// A pointed arch from (-halfWidth, spring) over its apex to (halfWidth, spring), with 2 * steps + 1 points.
+// `radius` is that of its two arcs; at twice the half width they meet at 60 degrees.
 std::vector<Vector3f> pointedArch(float halfWidth, float spring, float radius, int steps);
 
-// Hermite's blend: 0 below `low`, 1 above `high`.
+// Hermite interpolation: 0 below `low`, 1 above `high`.
 float smoothstep(float low, float high, float x);
 
 } // namespace zentrak::scene
