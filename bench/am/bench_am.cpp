@@ -4,6 +4,7 @@
 #include "am_archivemanager.h"
 #include "am_imagecodecpng.h"
 #include "am_videofile.h"
+#include "mb_random.h"
 
 #include <benchmark/benchmark.h>
 #include <cstdlib>
@@ -25,11 +26,11 @@ constexpr int cHeight = 1024;
 void paint(ImageObject& image) {
     image.resize(cWidth, cHeight);
     unsigned char* to = image.getWriteData();
-    unsigned state = 5;
+    zentrak::mathbase::Random random(5);
     for (int y = 0; y < cHeight; ++y)
         for (int x = 0; x < cWidth; ++x, to += 4) {
-            state = state * 69069 + 5;
-            unsigned noise = (x / 160 + y / 128) % 3 == 0 ? state >> 30 : 0;
+            const unsigned draw = random.draw();
+            const unsigned noise = (x / 160 + y / 128) % 3 == 0 ? draw >> 30 : 0;
             to[0] = static_cast<unsigned char>(x * 255 / cWidth + int(noise));
             to[1] = static_cast<unsigned char>(y * 255 / cHeight);
             to[2] = static_cast<unsigned char>((x / 64 + y / 64) % 2 ? 200 : (x * y) >> 13);

@@ -10,6 +10,7 @@
 #include "dis_display.h"
 #include "dis_glcheck.h"
 #include "dis_texture.h"
+#include "mb_random.h"
 #include "plain_box.h"
 #include "ztk_memory.h"
 #include "ztk_system.h"
@@ -34,9 +35,8 @@ namespace {
 constexpr int WIDTH = 1280, HEIGHT = 800, COUNT = 10000;
 
 float uniform(float low, float high) {
-    static uint32_t state = 12345;
-    state = state * 69069 + 5;
-    return low + (high - low) * float(state >> 8) / float(1 << 24);
+    static mathbase::Random random(12345);
+    return low + (high - low) * float(random.draw() >> 8) / float(1 << 24);
 }
 
 struct Shape {

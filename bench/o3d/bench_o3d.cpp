@@ -4,6 +4,7 @@
 #include "cl_readbuffer.h"
 #include "cl_writebuffer.h"
 #include "mb_matrix4x4col.h"
+#include "mb_random.h"
 #include "o3d_chunk.h"
 #include "o3d_manager.h"
 
@@ -281,19 +282,15 @@ struct Nodes {
     float length = 38.0f;
 
     Nodes() : nodes(1000) {
-        unsigned state = 1;
+        mathbase::Random random(1);
         for (o3d::Dummy& node : nodes)
             for (auto* track : tracksOf(node))
                 for (int i = 0; i < 20; ++i) {
-                    const auto random = [&] {
-                        state = state * 69069u + 5u;
-                        return float(state) * 0x1p-32f;
-                    };
-                    const float time = 2.0f * float(i), reach = 0.2f + 0.8f * random();
-                    const float value = 0.5f + random();
+                    const float time = 2.0f * float(i), reach = 0.2f + 0.8f * random.uniform();
+                    const float value = 0.5f + random.uniform();
                     track->mInterpolation = 2;
-                    track->mKeys.push_back(
-                        {time - reach, value - random(), time, value, time + reach, value + random()});
+                    track->mKeys.push_back({time - reach, value - random.uniform(), time, value, time + reach,
+                                            value + random.uniform()});
                 }
     }
 

@@ -1,4 +1,4 @@
-// What the tests of the assets share: the fixtures, whole texts of exceptions, and pixels as numbers.
+// Shared by the tests of assets: fixtures, exception texts, and pixels as numbers.
 #pragma once
 
 #include "am_file.h"
@@ -42,7 +42,7 @@ inline std::string thrownBy(const std::function<void()>& call) {
     return "(nothing)";
 }
 
-// A file without a disk under it, for tests that need thousands.
+// An in-memory file, for tests that need thousands.
 class MemoryFile {
 public:
     explicit MemoryFile(const std::string& bytes) : mFd(memfd_create("zentrak", MFD_CLOEXEC)) {
@@ -58,7 +58,7 @@ private:
     int mFd;
 };
 
-// A pixel as 0xAARRGGBB, which is its four bytes blue, green, red, alpha as one word.
+// A pixel as 0xAARRGGBB: its four bytes blue, green, red, alpha as one word.
 inline unsigned pixel(const am::ImageObject& image, int x, int y) {
     const unsigned char* p = image.getData() + (size_t(y) * size_t(image.getWidth()) + size_t(x)) * 4;
     return unsigned(p[3]) << 24 | unsigned(p[2]) << 16 | unsigned(p[1]) << 8 | p[0];

@@ -25,7 +25,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// An archive manager with an empty folder as the current one.
+// An archive manager, in an empty current folder.
 class Archives : public ::testing::Test {
 protected:
     TempDir mFolder;
@@ -52,7 +52,7 @@ void packZip(const std::string& zip, const std::string& options, const std::stri
     ASSERT_EQ(status, 0) << text;
 }
 
-// Runs `work` in a process of its own; its exit status, or the negative signal that ended it.
+// Runs `work` in a child process; returns its exit status, or minus the signal that ended it.
 int inChild(const std::function<int()>& work) {
     pid_t child = fork();
     if (child == 0)
@@ -63,13 +63,13 @@ int inChild(const std::function<int()>& work) {
 }
 
 // From here on no file of this process grows beyond `bytes`: writes come up short, and then the system sends
-// SIGXFSZ or, with that ignored, fails as on a full disk.
+// SIGXFSZ or, if that is ignored, fails as on a full disk.
 void limitFiles(unsigned long bytes) {
     rlimit limit{bytes, bytes};
     setrlimit(RLIMIT_FSIZE, &limit);
 }
 
-// From here on this process takes at most `bytes` more from the system. A sanitizer needs its own terabytes.
+// From here on this process allocates at most `bytes` more. A sanitizer needs its terabytes of address space.
 void limitMemory([[maybe_unused]] unsigned long bytes) {
 #if !defined(__SANITIZE_ADDRESS__)
     unsigned long pages = std::stoul(readFile("/proc/self/statm"));
@@ -79,7 +79,7 @@ void limitMemory([[maybe_unused]] unsigned long bytes) {
 #endif
 }
 
-// Overwrites a number in little-endian order at every place where `mark` stands, `offset` bytes behind it.
+// Overwrites a little-endian number `offset` bytes after every occurrence of `mark`.
 void patchAfter(std::string& bytes, const std::string& mark, size_t offset, unsigned long value,
                 size_t size) {
     for (size_t at = bytes.find(mark); at != std::string::npos; at = bytes.find(mark, at + 1))
@@ -180,7 +180,7 @@ TEST_F(Archives, TheOrderOfAdditionDecidesBetweenDirectoryAndZip) {
     reversed.addArchive("data/");
     EXPECT_EQ(bytesOf(mManager.readFile("hello.txt")), "from the directory");
     EXPECT_EQ(bytesOf(reversed.readFile("hello.txt")), "hello zip\n");
-    EXPECT_EQ(bytesOf(mManager.readFile("Upper.TXT")), "Upper\n"); // what the first lacks, the second gives
+    EXPECT_EQ(bytesOf(mManager.readFile("Upper.TXT")), "Upper\n"); // the first lacks it, the second has it
 }
 
 TEST_F(Archives, TheArchiveAskedForDoesNotDecide) {
@@ -312,7 +312,7 @@ TEST_F(Directory, APipeIsNotWaitedFor) {
     EXPECT_FALSE(mDirectory.write(makeFile("pipe", "x")));
     EXPECT_TRUE(fs::is_fifo("pipe"));
     int reader = open("pipe", O_RDONLY | O_NONBLOCK);
-    EXPECT_FALSE(mDirectory.write(makeFile("pipe", "x"))); // with somebody at the other end too
+    EXPECT_FALSE(mDirectory.write(makeFile("pipe", "x"))); // even with a reader at the other end
     close(reader);
     EXPECT_TRUE(fs::is_fifo("pipe"));
 }
@@ -528,7 +528,7 @@ TEST_F(Directory, WritingNoFileFails) {
     EXPECT_EQ(namesIn("."), std::set<std::string>());
 }
 
-// A file that its owner has closed to writing is not replaced behind his back.
+// A read-only file is not replaced behind its owner's back.
 TEST_F(Directory, WritingOverAReadOnlyFileFails) {
     fs::permissions(".", fs::perms(0777));
     writeFile("x", "old");
@@ -571,7 +571,7 @@ TEST_F(Directory, AFullDiskLeavesNoNewFile) {
 TEST_F(Directory, AKillInMidWriteLeavesTheOldFileWhole) {
     writeFile("setup.local.xml", "<demo>old</demo>");
     EXPECT_EQ(inChild([&] {
-                  limitFiles(4096); // the write after the first 4096 bytes is what kills
+                  limitFiles(4096); // the write after the first 4096 bytes is fatal
                   rlimit none{0, 0};
                   setrlimit(RLIMIT_CORE, &none);
                   signal(SIGXFSZ, SIG_DFL);
@@ -580,7 +580,8 @@ TEST_F(Directory, AKillInMidWriteLeavesTheOldFileWhole) {
               }),
               -SIGXFSZ);
     EXPECT_EQ(readFile("setup.local.xml"), "<demo>old</demo>");
-    EXPECT_TRUE(mDirectory.write(makeFile("setup.local.xml", "<demo>new</demo>"))); // and the way is free
+    EXPECT_TRUE(
+        mDirectory.write(makeFile("setup.local.xml", "<demo>new</demo>"))); // and nothing is in the way
     EXPECT_EQ(readFile("setup.local.xml"), "<demo>new</demo>");
 }
 
@@ -589,7 +590,7 @@ TEST_F(Directory, FullDirectoriesAreCreatedFromTheSecondComponentOn) {
     EXPECT_TRUE(fs::is_directory("one/two"));
     EXPECT_FALSE(fileExists("one/two/file"));
     EXPECT_TRUE(ArchiveDirectory::createFullDirectory("./one/two/file")); // again
-    EXPECT_TRUE(ArchiveDirectory::createFullDirectory(".//..//./\\"));    // nothing behind the start
+    EXPECT_TRUE(ArchiveDirectory::createFullDirectory(".//..//./\\"));    // nothing after the start
     EXPECT_TRUE(ArchiveDirectory::createFullDirectory(""));
     EXPECT_TRUE(ArchiveDirectory::createFullDirectory("back\\slash"));
     EXPECT_TRUE(fs::is_directory("back"));
@@ -626,7 +627,7 @@ TEST_F(Zip, AZipMadeByTheStockToolIsRead) {
     EXPECT_EQ(bytesOf(ArchiveZIP("s").read("text")), longText());
 }
 
-// Written into a pipe, in the form for large files, with a comment, and behind a program.
+// Zip files written to a pipe, in the large-file format, with a comment, and appended to a program.
 TEST_F(Zip, EveryFormThatTheStockToolWritesIsRead) {
     writeFile("text", longText());
     for (const char* command :
@@ -675,7 +676,7 @@ TEST_F(Zip, WhatIsNoFileIsNotFound) {
          {std::string(""), std::string("."), std::string("/"), std::string("./"), std::string("sub"),
           std::string("none"), std::string("hello.txt\0x", 11), std::string(100000, 'x')})
         EXPECT_TRUE(zip.read(name).isNull()) << name.substr(0, 20);
-    EXPECT_EQ(bytesOf(zip.read("hello.txt")), "hello zip\n"); // the cursor is none the worse
+    EXPECT_EQ(bytesOf(zip.read("hello.txt")), "hello zip\n"); // the cursor is unaffected
 }
 
 TEST_F(Zip, AFolderIsAFileOfNoBytes) {
@@ -720,7 +721,7 @@ TEST_F(Zip, ABadChecksumIsNotRead) {
     }
 }
 
-// Whatever is missing at the end, an entry is given whole or not at all.
+// However much is missing at the end, an entry is returned complete or not at all.
 TEST_F(Zip, TruncatedAtEveryByteItGivesNothingWrong) {
     for (const char* name : {"stored.zip", "deflated.zip"}) {
         const std::string bytes = fixture(name);
@@ -733,7 +734,7 @@ TEST_F(Zip, TruncatedAtEveryByteItGivesNothingWrong) {
             ++found;
             ASSERT_EQ(bytesOf(file), fixture("rgba.png")) << name << " " << length;
         }
-        EXPECT_GE(found, 1) << name; // the whole file at the least
+        EXPECT_GE(found, 1) << name; // at least in the whole file
     }
 }
 
@@ -755,8 +756,8 @@ TEST_F(Zip, WithAnyByteChangedItGivesNothingWrong) {
     }
 }
 
-// A header may claim any size: what is taken from the system follows what really comes. The child has room
-// for the bytes and not for the claim.
+// A header may claim any size: memory use follows the actual data. The child has room for the bytes but not
+// for the claim.
 TEST_F(Zip, AClaimOfGigabytesIsNotAllocated) {
     for (unsigned long claim : {0x7fffffffUL, 0xfffffff0UL}) {
         std::string bytes = fixture("deflated.zip");
@@ -780,7 +781,7 @@ TEST_F(Zip, AnEntryLongerThanAnyFileIsRefusedByName) {
               std::string::npos);
 }
 
-// The stream ends before the claimed size does: its checksum still says whether it is whole.
+// The stream ends before the claimed size: its checksum still shows whether it is complete.
 TEST_F(Zip, AnEntryThatEndsEarlyIsAsLongAsItsBytes) {
     std::string bytes = fixture("deflated.zip");
     patchAfter(bytes, cLocalMark, 22, 250000, 4);

@@ -35,7 +35,7 @@ const unsigned char* asBytes(const std::string& text) {
     return reinterpret_cast<const unsigned char*>(text.data());
 }
 
-// Decodes from an array of just that size, so that the sanitizers see every byte read too far.
+// Decodes from an array of exactly that size, so that sanitizers see every byte read past it.
 void decode(ImageCodec&& codec, const std::string& bytes, ImageObject& image) {
     std::unique_ptr<unsigned char[]> exact(new unsigned char[bytes.size()]);
     if (!bytes.empty())
@@ -43,7 +43,7 @@ void decode(ImageCodec&& codec, const std::string& bytes, ImageObject& image) {
     codec.decodeImage(exact.get(), bytes.size(), image);
 }
 
-// What the codec throws for these bytes; whatever it is, the image stays as it was.
+// The exception text for these bytes; in any case the image must be unchanged.
 template <class Codec>
 std::string refusal(const std::string& bytes) {
     ImageObject image;
@@ -63,7 +63,7 @@ void expectFixture(const ImageObject& image, bool alpha, const std::string& name
             ASSERT_EQ(pixel(image, x, y), fixturePixel(x, y, alpha)) << name << " at " << x << ", " << y;
 }
 
-// The largest distance of a colour channel from `expected`; alpha has to be 255.
+// The largest difference of a colour channel from `expected`; alpha must be 255.
 int distance(const ImageObject& image, unsigned (*expected)(int x, int y)) {
     EXPECT_EQ(image.getWidth(), cFixtureWidth);
     EXPECT_EQ(image.getHeight(), cFixtureHeight);
@@ -89,7 +89,7 @@ unsigned fixtureGray(int x, int y) {
     return v << 16 | v << 8 | v;
 }
 
-// Puts another width and height into a PNG file, with a good checksum.
+// Patches the width and height of a PNG file and fixes the checksum.
 std::string withPngSize(std::string bytes, unsigned width, unsigned height) {
     for (int i = 0; i < 4; ++i) {
         bytes[size_t(16 + i)] = char(width >> (24 - 8 * i));
@@ -101,7 +101,7 @@ std::string withPngSize(std::string bytes, unsigned width, unsigned height) {
     return bytes;
 }
 
-// Puts another width and height into the frame header of a JPEG file.
+// Patches the width and height in the frame header of a JPEG file.
 std::string withJpegSize(std::string bytes, unsigned width, unsigned height) {
     size_t at = std::min(bytes.find("\xff\xc0"), bytes.find("\xff\xc2"));
     EXPECT_NE(at, std::string::npos);
@@ -112,8 +112,8 @@ std::string withJpegSize(std::string bytes, unsigned width, unsigned height) {
     return bytes;
 }
 
-// A picture of `value` throughout, with that many components, written by the library itself. `tune` changes
-// its settings.
+// A picture filled with `value`, with this many components, written by the library itself. `tune` changes its
+// settings.
 std::string makeJpeg(
     int width, int height, int components, J_COLOR_SPACE space, int value,
     const std::function<void(jpeg_compress_struct&)>& tune = [](jpeg_compress_struct&) {}) {
@@ -143,7 +143,7 @@ std::string makeJpeg(
     return file;
 }
 
-// The most memory that this process has had at once since the peak was last reset, in KiB.
+// The peak memory of this process since it was last reset, in KiB.
 long residentPeak() {
     std::string status = readFile("/proc/self/status");
     size_t at = status.find("VmHWM:");
@@ -154,7 +154,7 @@ void resetResidentPeak() {
     writeFile("/proc/self/clear_refs", "5");
 }
 
-// Collects what goes to the error stream while it lives.
+// Captures standard error while it lives.
 class CaptureStderr {
 public:
     CaptureStderr() { ::testing::internal::CaptureStderr(); }
@@ -230,7 +230,7 @@ TEST(Png, TruncatedAtEveryByteItThrowsTheDecodingText) {
             ASSERT_EQ(refusal<ImageCodecPNG>(bytes.substr(0, length)), length < 8 ? cHeader : cDecoding)
                 << name << " " << length;
     }
-    EXPECT_EQ(errors.text(), ""); // the library's own words stay inside
+    EXPECT_EQ(errors.text(), ""); // the library's own messages are suppressed
 }
 
 TEST(Png, WithAnyByteChangedItLoadsOrIsRefusedAndTakesNoMemory) {
@@ -291,7 +291,7 @@ TEST(Png, ThatPacksAsFarAsCanBeLoads) {
     unsigned long length = 0;
     ASSERT_TRUE(ImageCodecPNG().encodeImage(&data, &length, image));
     std::unique_ptr<unsigned char[]> file(data);
-    EXPECT_GT(image.getWidth() * image.getHeight() * 4UL, 900 * length); // near the most that is possible
+    EXPECT_GT(image.getWidth() * image.getHeight() * 4UL, 900 * length); // close to the maximum ratio
     ImageObject back;
     ImageCodecPNG().decodeImage(data, length, back);
     EXPECT_EQ(back.getWidth(), 4096);
@@ -359,7 +359,8 @@ TEST(Png, AnImageWithoutPixelsIsNotEncoded) {
     EXPECT_FALSE(ImageCodecPNG().encodeImage(&data, &length, image));
     image.resize(5, 0);
     EXPECT_FALSE(ImageCodecPNG().encodeImage(&data, &length, image));
-    image.setData(new unsigned char[4], 2000000, 1); // wider than the library takes; it looks before it reads
+    image.setData(new unsigned char[4], 2000000,
+                  1); // wider than the library accepts; checked before the pixels are read
     EXPECT_FALSE(ImageCodecPNG().encodeImage(&data, &length, image));
     EXPECT_EQ(data, &dummy);
     EXPECT_EQ(length, 17u);
@@ -435,7 +436,7 @@ TEST(Jpeg, TruncatedAtEveryByteItThrows) {
 
 TEST(Jpeg, AWarningIsFatal) {
     std::string bytes = fixture("baseline.jpg");
-    bytes.insert(2, "\x01\x02"); // garbage between two markers, which the library would step over
+    bytes.insert(2, "\x01\x02"); // garbage between two markers, which the library would skip
     EXPECT_EQ(refusal<ImageCodecJPEG>(bytes),
               "Internal jpeglib error; Corrupt JPEG data: 2 extraneous bytes before marker 0xe0");
 }
@@ -476,15 +477,15 @@ TEST(Jpeg, TooManyPixelsAreRefusedInATextOfTheirOwnAndTakeNoMemory) {
     EXPECT_LT(residentPeak() - before, 16 * 1024);
 }
 
-// A few bytes a scan, each over the whole picture: such a file would keep us busy for long. Here each of the
-// coefficients comes in two scans of its own, that of the first bit and a refining one.
+// A few bytes per scan, each over the whole picture: such a file would keep us busy for long. Here each
+// coefficient has two scans of its own, one for the first bit and one that refines it.
 std::string makeManyScans(int size, int coefficients) {
     const std::vector<jpeg_scan_info> scans{{1, {0}, 0, 0, 0, 0}, {1, {0}, 1, 1, 0, 1}, {1, {0}, 1, 1, 1, 0}};
     std::string bytes = makeJpeg(size, size, 1, JCS_GRAYSCALE, 200, [&](jpeg_compress_struct& cinfo) {
         cinfo.scan_info = scans.data();
         cinfo.num_scans = int(scans.size());
     });
-    // There is nothing in these coefficients, so that the scans of the first do for all with another number.
+    // These coefficients are all zero, so the first one's scans serve all others with another index.
     const std::string tables("\xff\xc4"), scan("\xff\xda"), end("\xff\xd9");
     const size_t first = bytes.find(scan), pair = bytes.find(tables, first), last = bytes.rfind(end);
     std::string file = bytes.substr(0, pair), both = bytes.substr(pair, last - pair);
@@ -505,7 +506,7 @@ TEST(Jpeg, TooManyScansAreRefused) {
               tooMany); // 65, one more than this size is allowed
 }
 
-// Small pictures have a limit too: each bit of each coefficient here has its own scan.
+// Small pictures have a limit too: here each bit of each coefficient has its own scan.
 TEST(Jpeg, MoreThanFiveHundredScansAreRefused) {
     auto withBits = [](int bits) {
         std::vector<jpeg_scan_info> scans{{1, {0}, 0, 0, 0, 0}};
@@ -546,7 +547,7 @@ TEST(Tga, SaysThatItIsNotDone) {
     EXPECT_EQ(ImageCodecTGA().getFormatString(), "tga");
 }
 
-// ---- the order of bytes
+// ---- byte order
 
 TEST(Swizzle, EveryCountGivesWhatThePlainWayGives) {
     std::vector<unsigned char> from(67 * 4);

@@ -113,7 +113,7 @@ TEST(Image, CopiesShareOneObject) {
     third.assign(Image());
     EXPECT_TRUE(third.isNull());
     EXPECT_EQ(first.getRef(), 1);
-    second.release(); // nothing more to give
+    second.release(); // already released
     EXPECT_EQ(second.getRef(), 0);
 }
 
@@ -147,7 +147,7 @@ TEST(Image, MovesAndTakesOverObjects) {
 TEST_F(Images, SharedLoadsGiveOneObjectAndWritableLoadsTwo) {
     Image a = mManager.loadImage("a.png", mFile, false), b = mManager.loadImage("a.png", mFile, false);
     EXPECT_EQ(&*a, &*b);
-    EXPECT_EQ(a.getRef(), 3); // the cache's is one of them
+    EXPECT_EQ(a.getRef(), 3); // including the cache's
     Image c = mManager.loadImage("a.png", mFile, true), d = mManager.loadImage("a.png", mFile, true);
     EXPECT_NE(&*c, &*d);
     EXPECT_NE(&*c, &*a);
@@ -283,8 +283,7 @@ TEST_F(Images, RemovingWhatIsNotThereThrows) {
               "ImageManager::removeImage, Image none not found!");
 }
 
-// An image that was given a manager or another name by hand is in no cache: dropping it must not end the
-// program.
+// An image whose manager or name was changed by hand is in no cache: dropping it must not end the program.
 TEST_F(Images, AForgedImageIsDroppedAllTheSame) {
     Image forged(new ImageObject()), copy(forged);
     forged->setId("forged");

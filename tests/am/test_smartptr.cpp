@@ -10,7 +10,7 @@ using zentrak::am::TSmartPtr;
 
 namespace {
 
-// Counts how many of it live.
+// Counts its live instances.
 struct Tracked {
     static inline int live = 0;
     Tracked() { ++live; }
@@ -94,7 +94,8 @@ TEST(SmartPtr, AddRefKeepsTheObjectBeyondTheLastPointer) {
         static void operator delete(void*) { ADD_FAILURE() << "deleted"; }
     };
     static Static object;
-    static const auto* keeper = new TSmartPtr<Static>(&object); // reachable to the end, as its block is
+    static const auto* keeper =
+        new TSmartPtr<Static>(&object); // reachable until exit, like its control block
     TSmartPtr<Static> pointer(*keeper);
     pointer.addRef();
     EXPECT_EQ(keeper->getRefCount(), 3u);

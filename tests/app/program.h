@@ -1,4 +1,4 @@
-// The real executable as a child process, in a folder of its own, with real keys from the virtual keyboard.
+// The real executable as a child process, in its own folder, with real keys from the virtual keyboard.
 #pragma once
 
 #include "input.h"
@@ -12,14 +12,14 @@
 
 namespace zentrak::test {
 
-// How long a test waits for what has to come, on a slow machine with sanitizers.
+// Timeout for what must happen, on a slow machine with sanitizers.
 constexpr double DEADLINE = 60.0;
 
-// Tries `condition` until it holds; false if it does not within `seconds`.
+// Polls `condition` until it holds; false if it does not within `seconds`.
 bool waitFor(const std::function<bool()>& condition, double seconds = DEADLINE);
 
-// The show's executable, started in a folder that the test fills first. What the effects load is there
-// already: the folders of data/, and of its files those of the editor.
+// The show's executable, started in a folder that the test fills first. It already has what the effects load:
+// the subfolders of data/, and of its files those of the editor.
 class Program {
 public:
     Program();
@@ -32,21 +32,21 @@ public:
     std::string read(const std::string& name) const { return readFile(mDir.file(name)); }
     bool has(const std::string& name) const { return fileExists(mDir.file(name)); }
 
-    // With music on a silent device. `environment` goes to env(1): variables, or a command to run the show
-    // under.
+    // Plays music on a silent device. `environment` is passed to env(1): variables, or a command to run the
+    // show under.
     void start(const std::string& environment = "");
     bool running();
-    int wait(); // its exit status; -1 if it does not end in time, or by a signal
+    int wait();                                    // its exit status; -1 after a timeout or a signal
     int run(const std::string& environment = "") { // start and wait
         start(environment);
         return wait();
     }
-    std::string output() const; // everything that it has printed and flushed so far; all of it once ended
+    std::string output() const; // everything flushed so far
     pid_t pid() const { return mPid; }
 
-    // For the setup file: each program has a title of its own.
+    // For the setup file: each program has a unique title.
     const std::string& title() const { return mTitle; }
-    // Waits for its window and gives it the keyboard. False if it ends before.
+    // Waits for its window and gives it the keyboard focus. False if the program ends first.
     bool focus();
     void key(const std::string& name) { mViewer->key(name); } // "Escape", "ctrl+t"
     void closeWindow() { mViewer->requestClose(); }           // as its close button does

@@ -1,4 +1,4 @@
-// The show in data/ with the effects that draw most of it, for a driver that a test runs from inside.
+// The show in data/ with the effects that draw most of it, for a driver inside a test.
 #pragma once
 
 #include "border.h"
@@ -24,7 +24,7 @@ inline std::string realScript() {
 
 class RealEffects {
 public:
-    // They have to outlive the driver's run.
+    // The effects must outlive the driver's run.
     explicit RealEffects(kindler::Kindler& kindler) {
         clear.type = "gradient";
         kindler.addCallback("clear", clear);

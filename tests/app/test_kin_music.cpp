@@ -1,4 +1,4 @@
-// What the driver opens its music with.
+// How the driver opens its music.
 #include "kin_music.h"
 #include "support.h"
 
@@ -29,7 +29,7 @@ std::string wav() {
     return bytes;
 }
 
-// Runs in a process of its own, since OpenAL looks for its drivers once: 0 when all is as it should be.
+// Run in a child process, since OpenAL looks for its drivers once. Returns 0 if all is well.
 int setupWithoutADevice() {
     setenv("ALSOFT_DRIVERS", "none-of-this-name", 1);
     Music music;

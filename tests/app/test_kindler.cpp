@@ -1,4 +1,4 @@
-// The driver on a real window, with music on a silent sound device.
+// The driver with a real window, and with music on a silent sound device.
 #include "allocations.h"
 #include "am_archivemanager.h"
 #include "am_videofile.h"
@@ -23,7 +23,7 @@ using test::Picture;
 
 namespace {
 
-// An effect that does in each frame what the test wants done, and keeps what it was called with.
+// An effect that does in each frame what the test wants, and records its calls.
 struct Probe : kindler::Effect {
     std::function<void(float time)> onUpdate = [](float) {};
     std::function<void()> onSetup = [] {};
@@ -40,7 +40,7 @@ struct Probe : kindler::Effect {
     }
 };
 
-// A show of `music` and one span of an effect "probe" from 0 to 1000, in a folder of its own.
+// A show of `music` and one span of the effect "probe" from 0 to 1000, in its own folder.
 class Show : public ::testing::Test {
 protected:
     test::TempDir mDir;
@@ -56,7 +56,7 @@ protected:
                                "/><script filename=\"show.xml\"/>" + more + "</demo>");
     }
 
-    // Runs the show until the effect has been called `frames` times, or for ever where it is not.
+    // Runs the show until the effect has been called `frames` times, or forever if it never is.
     void run(Kindler& kindler, int frames) {
         const auto inner = mProbe.onUpdate;
         mProbe.onUpdate = [&kindler, inner, frames, this](float time) {
@@ -151,7 +151,7 @@ TEST_F(Show, WithoutADisplayElementNothingIsShownOrPlayed) {
     kindler.run();
     EXPECT_EQ(kindler.mDisplay, nullptr);
     EXPECT_EQ(mProbe.setups, 0);
-    EXPECT_FALSE(kindler.mNoSound); // it was opened, and not played
+    EXPECT_FALSE(kindler.mNoSound); // opened but not played
     EXPECT_FALSE(kindler.mMusic.mStream->isPlaying());
 }
 
@@ -268,7 +268,7 @@ TEST_F(Seek, BeyondTheEndOfTheMusicGoesToItsEnd) {
     }
 }
 
-// Numbers of frames above 2^24 are not all floats.
+// Frame numbers above 2^24 are not all floats.
 TEST_F(Seek, OneFrameBeforeTheEndOfLongMusicIsNotItsEnd) {
     open(true, (1 << 24) + 1);
     mKindler.mPaused = true;
@@ -369,7 +369,7 @@ TEST_F(Keys, SpacePausesTheMusicAndGoesOnFromThere) {
     EXPECT_EQ(mKindler.mPausedTime, 4.0f);
     EXPECT_EQ(mKindler.mOsdTime, 4.0f);
     EXPECT_FALSE(mKindler.mMusic.mStream->isPlaying());
-    EXPECT_TRUE(mKindler.mMusic.mPaused); // so that a frame does not take it for the end
+    EXPECT_TRUE(mKindler.mMusic.mPaused); // so that a frame does not mistake it for the end
     mKindler.getTime();
     EXPECT_EQ(mKindler.mRawTime, 4.0f);
 
@@ -566,15 +566,15 @@ TEST_F(Show, TheBarIsDrawnInItsThreePlacesWithItsMarkers) {
         glClearColor(0.5f, 0.6f, 0.7f, 1);
         glClear(GL_COLOR_BUFFER_BIT);
         kindler.mOsdLocation = location;
-        glEnable(GL_CULL_FACE); // what an effect may have left behind
+        glEnable(GL_CULL_FACE); // as an effect may have left it
         glEnable(GL_DEPTH_TEST);
         kindler.drawOsd();
         const Picture picture = test::grabPicture(*kindler.mDisplay);
         const int y = location == 0 ? 14 : location == 1 ? 200 : 386; // the middle of the bar
-        // Under the bar 0.4 of the background shows.
+        // Through the bar 0.4 of the background is visible.
         EXPECT_NEAR(picture.at(100, y)[0], 0.5 * 0.4 * 255, 2);
         EXPECT_NEAR(picture.at(100, y)[2], 0.7 * 0.4 * 255, 2);
-        // The markers, three pixels at most, at a quarter and at three fifths.
+        // The markers, at most three pixels wide, at a quarter and at three fifths.
         EXPECT_GT(picture.at(164, y)[1], 150);
         EXPECT_LT(picture.at(164, y)[0], 60);
         EXPECT_GT(picture.at(383, y)[0], 180);
@@ -596,7 +596,7 @@ TEST_F(Show, MarkersPastTheEndLeaveTheBar) {
     kindler.mTime = 100.9f; // x = 0.99764, past the bar's end at 0.98
     kindler.drawOsd();
     EXPECT_GT(test::grabPicture(*kindler.mDisplay).at(639, 14)[0], 180);
-    for (float length : {0.0f, -1.0f, NAN}) { // and no length hurts
+    for (float length : {0.0f, -1.0f, NAN}) { // any length is harmless
         kindler.mDemoLength = length;
         kindler.drawOsd();
     }

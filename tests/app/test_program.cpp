@@ -1,4 +1,4 @@
-// The whole program as its users start it: files in a folder, a window, keys, and what is left behind.
+// The whole program as users start it: files in a folder, a window, keys, and what it leaves behind.
 #include "effect_names.h"
 #include "music.h"
 #include "program.h"
@@ -15,7 +15,7 @@ using namespace zentrak::test;
 
 namespace {
 
-// A window of 320 by 200 with a white background that stays for 1000 seconds.
+// A 320 by 200 window with a white background for 1000 seconds.
 constexpr const char* SCRIPT =
     "<script><effect name=\"clear\" end=\"1000\">"
     "<trigger name=\"type\" value=\"flat\"/><trigger name=\"color\" value=\"white\"/>"
@@ -29,7 +29,7 @@ std::string setup(const Program& program, const std::string& more,
 
 const std::string NOSOUND = "<music mute=\"nosound\"/>";
 
-// A show whose setup is in the local file.
+// A show with its setup in the local file.
 void prepare(Program& program, const std::string& more = NOSOUND,
              const std::string& display = "width=\"320\" height=\"200\"") {
     program.write("script.xml", SCRIPT);
@@ -41,7 +41,7 @@ bool isWhite(Program& program) {
     return program.grab(picture) && picture.at(picture.width / 2, picture.height / 2)[0] == 255;
 }
 
-// Waits until the show is drawn, and leaves it by a key.
+// Waits until the show draws, and quits it with a key.
 void playAndQuit(Program& program, const std::string& key = "Escape", const std::string& environment = "") {
     program.start(environment);
     ASSERT_TRUE(program.focus()) << program.output();
@@ -54,7 +54,7 @@ bool contains(const std::string& text, const std::string& part) {
     return text.find(part) != std::string::npos;
 }
 
-// What the key P has printed so far.
+// What P has printed so far.
 std::vector<std::string> printedTimes(const Program& program) {
     std::vector<std::string> times;
     std::istringstream lines(program.output());
@@ -64,7 +64,7 @@ std::vector<std::string> printedTimes(const Program& program) {
     return times;
 }
 
-// Asks the show for its time once more; -1 if it doesn't answer.
+// Asks the show for its time again; -1 if it doesn't answer.
 double askTime(Program& program) {
     const size_t before = printedTimes(program).size();
     program.key("p");
@@ -76,7 +76,7 @@ double askTime(Program& program) {
     return answered && times.size() > before ? atof(times.back().c_str()) : -1;
 }
 
-// Whether the show plays on until `seconds`.
+// Does the show reach `seconds`?
 bool reaches(Program& program, double seconds) {
     double now = 0;
     while (now >= 0 && now < seconds)
@@ -175,7 +175,7 @@ TEST(TheProgram, PPrintsTheTime) {
     program.start();
     ASSERT_TRUE(program.focus());
     EXPECT_TRUE(waitFor([&] { return isWhite(program); }));
-    program.key("space"); // stands still, so that both are the same
+    program.key("space"); // pauses, so that both are equal
     program.key("p");
     program.key("p");
     program.key("Escape");
@@ -183,7 +183,7 @@ TEST(TheProgram, PPrintsTheTime) {
     const std::vector<std::string> times = printedTimes(program);
     ASSERT_EQ(times.size(), 2u) << program.output();
     EXPECT_GT(atof(times[0].c_str()), 0.0);
-    EXPECT_EQ(times[0].size() - times[0].find('.'), 7u) << times[0]; // six digits after the point
+    EXPECT_EQ(times[0].size() - times[0].find('.'), 7u) << times[0]; // six decimals
     EXPECT_EQ(times[0], times[1]);
 }
 
@@ -202,7 +202,7 @@ TEST(TheProgram, TheEndOfTheMusicClosesTheSoundDevice) {
     prepare(program, "<music filename=\"tune.wav\"/>");
     program.write("tune.wav", makeWav(800));
     EXPECT_EQ(program.run(), 0);
-    EXPECT_FALSE(contains(program.output(), "AL lib")) << program.output(); // its complaint at the exit
+    EXPECT_FALSE(contains(program.output(), "AL lib")) << program.output(); // its complaint at exit
 }
 
 TEST(TheProgram, TheLogIsCompleteHoweverTheProgramEnds) {
@@ -227,7 +227,7 @@ TEST(TheProgram, APauseIsNotTheEndOfTheMusic) {
     EXPECT_TRUE(waitFor([&] { return isWhite(program); }));
     program.key("space");
     const double paused = askTime(program);
-    EXPECT_EQ(askTime(program), paused); // it goes on drawing and answering
+    EXPECT_EQ(askTime(program), paused); // it keeps drawing and answering
     program.key("space");
     EXPECT_TRUE(reaches(program, paused + 0.01));
     program.key("Escape");
@@ -300,7 +300,7 @@ TEST(TheProgram, AnotherRootEndsQuietly) {
     Program program;
     program.write("setup.xml", "<show></show>");
     EXPECT_EQ(program.run(), 0);
-    EXPECT_EQ(program.output(), "Could not open file\n"); // the music that it does not name
+    EXPECT_EQ(program.output(), "Could not open file\n"); // the music, without its name
 }
 
 TEST(TheProgram, WithoutADisplayElementShowsNothingAndSaves) {
@@ -348,7 +348,7 @@ TEST(TheProgram, AFileThatCannotBeReadIsNamed) {
         prepare(program);
         const std::string path = program.dir().file(name);
         const std::filesystem::path folder = std::filesystem::path(path).parent_path();
-        if (std::filesystem::is_symlink(folder)) { // a folder of data/: one of its own instead
+        if (std::filesystem::is_symlink(folder)) { // a link to data/: replace it by a folder of its own
             const std::filesystem::path source = std::filesystem::canonical(folder);
             std::filesystem::remove(folder);
             std::filesystem::copy(source, folder, std::filesystem::copy_options::recursive);
@@ -375,7 +375,7 @@ TEST(TheProgram, AnEffectThatCannotLoadIsReportedAndTheSetupSaved) {
     EXPECT_TRUE(contains(program.read("setup.local.xml"), "<music mute=\"off\"/>"));
 }
 
-// The script names one of them alone.
+// The script uses only one of them.
 TEST(TheProgram, LoadsEveryEffectOfTheTableOfNamesAndNoOtherInItsOrder) {
     Program program;
     prepare(program);

@@ -1,4 +1,4 @@
-// Setup files, read and written back. Nothing here opens a window.
+// Setup files, read and written back. No test here opens a window.
 #include "am_videofile.h"
 #include "kin_main.h"
 #include "support.h"
@@ -18,7 +18,7 @@ using test::CaptureStdout;
 
 namespace {
 
-// An empty folder as the current one.
+// An empty current folder.
 class SetupFile : public ::testing::Test {
 protected:
     test::TempDir mDir;
@@ -27,7 +27,7 @@ protected:
     void write(const std::string& name, const std::string& text) { test::writeFile(mDir.file(name), text); }
     std::string read(const std::string& name) { return test::readFile(mDir.file(name)); }
 
-    // What the setup throws, or "" if it does not. What it prints is in mPrinted.
+    // The exception text of the setup, or "". What it prints is in mPrinted.
     std::string problem(Kindler& kindler) {
         CaptureStdout out;
         std::string message;
@@ -42,7 +42,7 @@ protected:
     std::string mPrinted;
 };
 
-// Reads `elements` as the setup file.
+// Reads `elements` as a setup file.
 struct Demo : Kindler {
     explicit Demo(const std::string& elements) {
         test::writeFile("setup.xml", "<demo>" + elements + "</demo>");
@@ -126,7 +126,7 @@ TEST_F(SetupFile, AbsentAttributesTakeTheirDefaults) {
     EXPECT_EQ(setup.mHeight, 0);
     EXPECT_FALSE(setup.mFullscreen);
     EXPECT_EQ(setup.mTitle, "");
-    EXPECT_FALSE(setup.mOsdShow); // there is an osd element, and it does not say "on"
+    EXPECT_FALSE(setup.mOsdShow); // the osd element doesn't say "on"
     EXPECT_EQ(setup.mOsdLocation, 0);
     EXPECT_EQ(setup.mOsdDelay, 2.0f);
     EXPECT_FALSE(setup.mNoSound);
@@ -419,7 +419,7 @@ TEST_F(SetupFile, SavingChangesItsOwnValuesAndNothingElse) {
         kindler.mOsdDelay = 0.5f;
         kindler.mLoop = true;
         kindler.mFullscreen = true;
-    } // the end saves
+    } // the destructor saves
     EXPECT_EQ(
         read("setup.local.xml"),
         "<?xml version=\"1.0\"?>\n\n<demo>\n<!-- mine -->\n<time start=\"61.26\" note=\"n\" loop=\"on\"/>\n"
@@ -557,7 +557,7 @@ TEST_F(SetupFile, NoValueBecomesElementsWhenItIsSaved) {
     write("setup.local.xml", "<demo><display title='\"/><script filename=\"evil.xml\"/><a b=\"'/>"
                              "<!x '><script filename=\"evil.xml\"/>'><!y z>"
                              "<a><b c='\"/><script a=\"'/></a></demo>");
-    Kindler().setup(); // and its end saves
+    Kindler().setup(); // and its destructor saves
     EXPECT_EQ(
         read("setup.local.xml"),
         "<demo>\n<display title=\"'/><script filename='evil.xml'/><a b='\" fullscreen=\"off\"/>\n<!y z>\n"

@@ -1,5 +1,4 @@
-// Reads the include lines of the whole program and fails on one that runs up the floors of
-// docs/architecture.md.
+// Reads all include lines of the program and fails on any that goes up the floors of docs/architecture.md.
 
 #include "support.h"
 
@@ -38,7 +37,7 @@ const Room* roomNamed(const std::string& name) {
     return nullptr;
 }
 
-// The names of the headers of the tools, which have no prefix.
+// The headers of the tools, which have no prefix.
 std::set<std::string> headersOfTools() {
     std::set<std::string> result;
     for (const auto& entry : fs::recursive_directory_iterator(zentrak::test::sourcePath("tools")))
@@ -47,8 +46,7 @@ std::set<std::string> headersOfTools() {
     return result;
 }
 
-// The room of a header as an include names it, by its prefix; the order of the table settles kin_effect
-// before kin_.
+// The room of a header by its prefix as included; the order of the table resolves kin_effect before kin_.
 const Room* roomOfHeader(const std::string& include) {
     static const std::set<std::string> ofTools = headersOfTools();
     const std::string file = fs::path(include).filename().string();
@@ -82,7 +80,7 @@ struct Source {
     const Room* room;
 };
 
-// Every source and header of the program with the room it belongs to.
+// Every source and header of the program, with its room.
 std::vector<Source> allSources() {
     std::vector<Source> result;
     fs::path root = zentrak::test::sourcePath("");
@@ -122,7 +120,7 @@ TEST(Arrows, NoIncludeRunsUp) {
             const Room* target = include.angled ? nullptr : roomOfHeader(include.name);
             if (target == nullptr || target == source.room)
                 continue;
-            // On the ground floor system lies below mathbase.
+            // On the ground floor, system is below mathbase.
             const int floor = target == roomNamed("system") ? -1 : target->floor;
             EXPECT_LT(floor, source.room->floor) << source.path << ":" << include.line << " includes "
                                                  << include.name << " of " << target->name;
@@ -134,13 +132,13 @@ TEST(Arrows, AnEffectNeverIncludesAnotherEffect) {
     for (const Source& source : allSources()) {
         if (source.room == nullptr || std::string(source.room->name) != "effects" ||
             source.path.begin()->string() != "effects" || source.path.stem() == "effect_names")
-            continue; // the catalogue makes them all
+            continue; // the catalogue creates them all
         for (const Include& include : includesOf(zentrak::test::sourcePath(source.path.string()))) {
             bool ofEffects =
                 !include.angled && fs::exists(zentrak::test::sourcePath("effects/" + include.name));
             bool own = fs::path(include.name).stem() == source.path.stem();
             bool common = include.name.rfind("effect_", 0) == 0;
-            bool renderer = include.name == "kasper.h"; // of scenes, and no effect
+            bool renderer = include.name == "kasper.h"; // a scene renderer, not an effect
             EXPECT_TRUE(!ofEffects || own || common || renderer)
                 << source.path << ":" << include.line << " includes " << include.name;
         }
@@ -149,7 +147,7 @@ TEST(Arrows, AnEffectNeverIncludesAnotherEffect) {
 
 // The tools may use anything.
 TEST(Arrows, OutsideLibrariesStayWhereTheyBelong) {
-    // The start of the include's name, and the rooms that may name it.
+    // The start of the include's name, and the rooms that may use it.
     const std::map<std::string, std::set<std::string>> owners = {
         {"GLFW/", {"glfw2"}},
         {"AL/", {"audiere"}},

@@ -1,5 +1,6 @@
 #include "audiere_fixture.h"
 
+#include "mb_random.h"
 #include "support.h"
 
 #include <algorithm>
@@ -15,8 +16,8 @@ using namespace audiere;
 
 namespace {
 
-// A module of four channels, two instruments (a wave that sounds on and a decaying noise), effects that
-// slide, and a jump of tempo: 11 seconds.
+// A module of four channels with two instruments (a sustained wave and a decaying noise), slides, and a
+// change of tempo: 11 seconds.
 std::string makeModule() {
     const int periods[] = {428, 381, 340, 320, 285, 254, 226, 214};
     auto word = [](int value) { return std::string{char(value >> 8), char(value)}; };
@@ -28,11 +29,8 @@ std::string makeModule() {
     for (int i = 2; i < 31; ++i)
         module += instrument(0, 2);
     module += std::string{2, 127, 0, 1} + std::string(126, '\0') + "M.K.";
-    unsigned state = 7;
-    auto draw = [&](int below) {
-        state = state * 69069 + 5;
-        return int((state >> 16) % unsigned(below));
-    };
+    mathbase::Random random(7);
+    auto draw = [&](int below) { return int((random.draw() >> 16) % unsigned(below)); };
     for (int pattern = 0; pattern < 2; ++pattern) {
         for (int row = 0; row < 64; ++row) {
             for (int channel = 0; channel < 4; ++channel) {

@@ -1,5 +1,5 @@
-// What the tests of sound share: files in every format, sources of known samples, and a device that plays
-// into memory.
+// Shared by the tests of sound: files in every format, sources of known samples, and a device that plays into
+// memory.
 #pragma once
 
 #include "audiere.h"
@@ -15,27 +15,27 @@ namespace zentrak::test {
 
 const int RATE = 44100;
 
-// The bytes of a sound file made by stock tools, kept for the whole run: three seconds of a sweep and noise,
-// stereo at 44100 Hz unless the name says otherwise. Names: wav, wav8, wav24, wavfloat, wavmono, flac, ogg,
-// oggmono, mp3, mp3vbr, mp3bare (variable rate and no word on its length), and mod (a tracker module of our
-// own making).
+// The bytes of a sound file made by stock tools, cached for the whole run: three seconds of a sweep and
+// noise, stereo at 44100 Hz unless the name says otherwise. Names: wav, wav8, wav24, wavfloat, wavmono, flac,
+// ogg, oggmono, mp3, mp3vbr, mp3bare (variable rate without a length header), and mod (a tracker module of
+// our own).
 const std::string& sound(const std::string& name);
 
-// All names that sound() knows.
+// All names for sound().
 const std::vector<std::string>& soundNames();
 
-// A file of these bytes, and a source of it; null if it can't be decoded.
+// A file of these bytes, and its source; null if it can't be decoded.
 audiere::RefPtr<audiere::File> memoryFile(const std::string& bytes);
 audiere::RefPtr<audiere::SampleSource> openSource(const std::string& bytes);
 
-// All that the source has from its position on, in reads of odd sizes.
+// Everything from the current position of the source, in reads of odd sizes.
 std::vector<float> readAll(audiere::SampleSource& source);
 
-// Waits until `condition` holds. False, and a failure, if it doesn't within a minute.
+// Waits until `condition` holds. Returns false, and fails the test, if it doesn't within a minute.
 bool waitFor(const std::function<bool()>& condition);
 
-// Frame n is n / 2^20 on the left and its negative on the right, so that every frame heard can be identified.
-// It may be read on a thread of the stream's.
+// Frame n is n / 2^20 on the left and its negative on the right, which identifies every frame heard. May be
+// read on a stream's thread.
 class CountingSource : public audiere::SampleSource {
 public:
     explicit CountingSource(int length, int channelCount = 2, int rate = RATE, int readable = -1);
@@ -48,7 +48,7 @@ public:
 
     static float sample(int frame) { return float(frame) / 1048576.0f; }
 
-    // While it is locked, nothing can be read.
+    // While locked, reads block.
     std::mutex mReading;
 
 private:
@@ -56,17 +56,17 @@ private:
     std::atomic<int> mPosition = 0;
 };
 
-// A device that plays into memory: time is what the test renders.
+// A device that plays into memory: time advances as the test renders.
 class Loopback {
 public:
     explicit Loopback(int rate = RATE);
 
     audiere::RefPtr<audiere::AudioDevice> device() { return mDevice; }
 
-    // What is heard in the next `frames`: left and right by turns.
+    // The next `frames` as heard, left and right interleaved.
     std::vector<float> render(int frames);
 
-    // The same in frames of the show, 60 per second, with the calls that the driver makes in each.
+    // The same in video frames, 60 per second, with the calls that the driver makes in each.
     std::vector<float> play(audiere::OutputStream& stream, int frames);
 
     std::atomic<bool> mConnected = true; // false: the device was unplugged

@@ -6,7 +6,7 @@
 using namespace zentrak::audiere;
 using namespace zentrak::test;
 
-// Runs in a process of its own, since OpenAL looks for its drivers once: 0 when there is no device by either
+// Run in a child process, since OpenAL looks for its drivers once. Returns 0 if there is no device by either
 // name.
 static int withoutDrivers() {
     setenv("ALSOFT_DRIVERS", "none-of-this-name", 1);

@@ -1,5 +1,4 @@
-// Real playing, on OpenAL's null device, which keeps time and is heard by nobody. What is heard, to the
-// sample, is in test_stream.cpp.
+// Real-time playback on OpenAL's null device, which keeps time. Sample-exact tests are in test_stream.cpp.
 #include "audiere_fixture.h"
 
 #include <chrono>
@@ -27,7 +26,7 @@ TEST_P(RealTime, PlaysSeeksStopsAndEnds) {
     SampleFormat sampleFormat;
     source->getFormat(channelCount, rate, sampleFormat);
 
-    // Never backwards, and never ahead of the time that has passed.
+    // Never backwards, and never ahead of the elapsed time.
     const auto start = std::chrono::steady_clock::now();
     stream->play();
     int last = 0;
@@ -41,7 +40,7 @@ TEST_P(RealTime, PlaysSeeksStopsAndEnds) {
     }));
     EXPECT_TRUE(stream->isPlaying());
 
-    // Stopped it stands still, while another one plays.
+    // Stopped, it stands still while another one plays.
     stream->stop();
     const int stopped = stream->getPosition();
     EXPECT_GE(stopped, last);

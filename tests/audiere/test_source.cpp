@@ -1,10 +1,12 @@
 #include "audiere_fixture.h"
+#include "mb_random.h"
 #include "support.h"
 
 #include <algorithm>
 #include <cmath>
 #include <gtest/gtest.h>
 
+using namespace zentrak;
 using namespace zentrak::audiere;
 using namespace zentrak::test;
 
@@ -16,7 +18,7 @@ struct Format {
     SampleFormat mSampleFormat;
 };
 
-// How alike two sounds are: 1 for the same, 0 for unrelated ones.
+// Similarity of two sounds: 1 for equal, 0 for unrelated ones.
 double likeness(const std::vector<float>& a, const std::vector<float>& b) {
     double ab = 0, aa = 0, bb = 0;
     for (size_t i = 0; i < std::min(a.size(), b.size()); ++i) {
@@ -34,7 +36,7 @@ float largest(const std::vector<float>& samples) {
     return most;
 }
 
-// Reads and seeks all over a source whose file is damaged; whatever it gives, it keeps to its own length.
+// Reads and seeks all over a source with a damaged file; it must respect its own length.
 void useUp(const std::string& bytes) {
     RefPtr<SampleSource> source = openSource(bytes);
     if (!source)
@@ -45,7 +47,7 @@ void useUp(const std::string& bytes) {
     ASSERT_GT(source->getLength(), 0);
     std::vector<float> part(size_t(5000 * format.mChannelCount));
     int total = 0, count;
-    // a damaged length can be hours, of a module too: the first minute will do
+    // A damaged length can be hours, for a module too: the first minute will do.
     while (total < 60 * format.mSampleRate && (count = source->read(5000, part.data())) > 0) {
         ASSERT_LE(count, 5000);
         total += count;
@@ -90,11 +92,9 @@ TEST_P(EverySound, ASeekLandsOnTheSample) {
     const int length = source->getLength();
     std::vector<int> targets = {0,          length - 1,    length, 1, 1151, 1152, 2 * 1152 + 1,
                                 length / 2, length / 2 + 1};
-    unsigned state = 1;
-    for (int i = 0; i < 60; ++i) {
-        state = state * 69069 + 5;
-        targets.push_back(int((unsigned long)(state) * (unsigned long)(length) >> 32));
-    }
+    mathbase::Random random(1);
+    for (int i = 0; i < 60; ++i)
+        targets.push_back(int((unsigned long)(random.draw()) * (unsigned long)(length) >> 32));
     std::vector<float> part(size_t(2500 * channels));
     for (int target : targets) {
         source->setPosition(target);
@@ -126,8 +126,7 @@ TEST_P(EverySound, CutShortItIsNoneOrWhatIsLeft) {
         SCOPED_TRACE(size);
         useUp(whole.substr(0, size));
     }
-    if (GetParam() != "mod" &&
-        GetParam() != "oggmono") { // the one needs its samples, the other is a single page
+    if (GetParam() != "mod" && GetParam() != "oggmono") { // one needs its samples, the other is a single page
         RefPtr<SampleSource> half = openSource(whole.substr(0, whole.size() / 2));
         ASSERT_TRUE(half);
         int frames = int(readAll(*half).size()) / Format(*half).mChannelCount;
@@ -136,8 +135,8 @@ TEST_P(EverySound, CutShortItIsNoneOrWhatIsLeft) {
     }
 }
 
-// Streams that follow each other in one file may differ in channels and rate; a hole in the first must not
-// lead into the second.
+// Chained streams in a file may differ in channels and rate; a hole in the first must not lead into the
+// second.
 TEST_P(EverySound, AnotherOneAfterItDoesNotCrash) {
     for (const std::string& next : soundNames()) {
         SCOPED_TRACE(next);
@@ -149,14 +148,14 @@ TEST_P(EverySound, AnotherOneAfterItDoesNotCrash) {
 }
 
 TEST_P(EverySound, DamagedItDoesNotCrash) {
-    unsigned state = 3;
+    mathbase::Random random(3);
     for (int trial = 0; trial < 12; ++trial) {
         SCOPED_TRACE(trial);
         std::string bytes = sound(GetParam());
         for (int i = 0; i < 40; ++i) {
-            state = state * 69069 + 5;
-            size_t end =
-                trial % 2 ? bytes.size() : std::min<size_t>(bytes.size(), 1100); // the header more often
+            const uint32_t state = random.draw();
+            // the header more often
+            size_t end = trial % 2 ? bytes.size() : std::min<size_t>(bytes.size(), 1100);
             bytes[size_t((unsigned long)(state)*end >> 32)] = char(state >> 8);
         }
         useUp(bytes);
@@ -190,12 +189,12 @@ TEST(Source, AnMp3WithoutALengthInItsHeaderPlaysWhole) {
 
 TEST(Source, AModulePlaysOnceThrough) {
     RefPtr<SampleSource> source = openSource(sound("mod"));
-    // 2 patterns of 64 rows of 6 ticks; a tick is 2.5 / tempo seconds; 32 rows at 125 and the rest at 150
+    // 2 patterns of 64 rows of 6 ticks; a tick is 2.5 / tempo seconds; 32 rows at 125, the rest at 150.
     double seconds = (32 / 125.0 + 96 / 150.0) * 6 * 2.5;
     EXPECT_NEAR(source->getLength(), seconds * 48000, 50);
 }
 
-// A lost page leaves the first stream shorter than the file says: what is missing must not be read from the
+// With a lost page the first stream is shorter than the file says: what is missing must not be read from the
 // following stream, which has fewer channels.
 TEST(Source, AStreamOfAnotherFormatIsNotReachedThroughAHole) {
     TempDir folder;
@@ -228,7 +227,7 @@ TEST(Source, SurroundIsMixedDownToTwoChannels) {
         ASSERT_EQ(source->getLength(), 44100);
         std::vector<float> all = readAll(*source);
         ASSERT_EQ(all.size(), 88200u);
-        // the strength of a tone in a channel, over a whole second, in parts of what the file holds
+        // The level of a tone in a channel over a whole second, relative to that in the file.
         auto strength = [&](int channel, double frequency) {
             double re = 0, im = 0;
             for (int i = 0; i < 44100; ++i) {
@@ -259,16 +258,14 @@ TEST(Source, NoneOfOtherFiles) {
     EXPECT_FALSE(openSource(std::string(100000, '\xff')));
     EXPECT_FALSE(openSource(readFile(sourcePath("tests/audiere/test_source.cpp"))));
     EXPECT_FALSE(openSource(readFile(binaryPath("CMakeCache.txt"))));
-    unsigned state = 1;
+    mathbase::Random random(1);
     std::string noise;
-    for (int i = 0; i < 200000; ++i) {
-        state = state * 69069 + 5;
-        noise += char(state >> 24);
-    }
+    for (int i = 0; i < 200000; ++i)
+        noise += char(random.draw() >> 24);
     EXPECT_FALSE(openSource(noise));
 }
 
-// A program of megabytes holds many bytes that look like the header of an MP3 frame; so does this.
+// An executable of several megabytes has many bytes that look like MP3 frame headers; so has this.
 TEST(Source, NoneOfAFileWithAnMp3InTheMiddle) {
     EXPECT_FALSE(openSource(readFile(binaryPath("tests/audiere/test_audiere"))));
     EXPECT_FALSE(openSource(readFile("/bin/ls")));

@@ -1,4 +1,4 @@
-// What is heard, to the sample, from streams on a device that plays into memory.
+// What is heard, sample by sample, from streams on a device that plays into memory.
 #include "audiere_fixture.h"
 
 #include <algorithm>
@@ -35,7 +35,7 @@ protected:
     }
 
     Loopback mLoopback;
-    RefPtr<CountingSource> mSource; // of the stream opened last
+    RefPtr<CountingSource> mSource; // of the last stream opened
 };
 
 } // namespace
@@ -237,11 +237,11 @@ TEST_F(Stream, ASeekToTheLengthHasRunOut) {
     EXPECT_EQ(stream->getPosition(), RATE);
     stream->setPosition(RATE);
     stream->play();
-    EXPECT_FALSE(stream->isPlaying()); // moved there by hand: it does not begin again
+    EXPECT_FALSE(stream->isPlaying()); // moved there by the caller: it does not restart
     EXPECT_EQ(stream->getPosition(), RATE);
 }
 
-// As when the window is iconified: nobody calls the stream until all was heard.
+// As if the window were iconified: nobody calls the stream until the end.
 TEST_F(Stream, PlaysOnByItself) {
     RefPtr<OutputStream> stream = open(9 * RATE);
     stream->play();
@@ -249,7 +249,7 @@ TEST_F(Stream, PlaysOnByItself) {
     for (int frame = 0; frame < 9 * RATE; frame += RATE / 4) {
         const std::vector<float> part = mLoopback.render(RATE / 4);
         heard.insert(heard.end(), part.begin(), part.end());
-        const int wanted = std::min(9 * RATE, frame + RATE); // a second is left of the queue's one and a half
+        const int wanted = std::min(9 * RATE, frame + RATE); // a second of the queue's one and a half is left
         ASSERT_TRUE(waitFor([&] { return mSource->getPosition() >= wanted; }));
     }
     expectFrames(heard, 0, 0, 9 * RATE);
@@ -331,9 +331,9 @@ TEST_F(Stream, VolumeIsClampedAndHeard) {
     std::vector<float> heard = mLoopback.play(*stream, 20000);
     EXPECT_NEAR(heard[2 * 15000], CountingSource::sample(2 * RATE + 15000) / 2, 1e-6);
     stream->setVolume(0);
-    mLoopback.play(*stream, 5000); // the change is spread over some frames, for no click
+    mLoopback.play(*stream, 5000); // the change is ramped over some frames
     expectSilence(mLoopback.play(*stream, 5000));
-    EXPECT_EQ(stream->getPosition(), 2 * RATE + 30000); // muted it plays on
+    EXPECT_EQ(stream->getPosition(), 2 * RATE + 30000); // it plays on while muted
     stream->setVolume(7);
     EXPECT_EQ(stream->getVolume(), 1);
     mLoopback.play(*stream, 5000);
@@ -377,7 +377,7 @@ TEST_F(Stream, AnUnpluggedDevicePlaysOnInSilenceToTheEnd) {
     EXPECT_FALSE(stream->isPlaying());
     const int stopped = stream->getPosition();
     EXPECT_LE(stopped, RATE / 2);
-    RefPtr<OutputStream> other = open(RATE / 10); // to see time pass
+    RefPtr<OutputStream> other = open(RATE / 10); // to show that time passes
     other->play();
     EXPECT_TRUE(waitFor([&] { return !other->isPlaying(); }));
     EXPECT_EQ(other->getPosition(), RATE / 10);
@@ -412,7 +412,7 @@ TEST_F(Stream, MoreStreamsThanTheDeviceTakesAreNone) {
     EXPECT_TRUE(open(100));
 }
 
-// Files of every kind, heard: the samples that the source decodes, also after a seek.
+// Files of every kind: what is heard is what the source decodes, also after a seek.
 class HeardFile : public testing::TestWithParam<std::string> {};
 INSTANTIATE_TEST_SUITE_P(Formats, HeardFile, testing::Values("wav", "flac", "ogg", "mp3", "mod"),
                          [](const auto& name) { return name.param; });

@@ -11,7 +11,7 @@ using zentrak::chunklib::ReadBuffer;
 
 namespace {
 
-// A stream put together byte by byte, independently of WriteBuffer.
+// A stream built byte by byte, independently of WriteBuffer.
 struct Bytes {
     std::string mText = "O3DF\x01\x01";
 
@@ -27,7 +27,7 @@ struct Bytes {
     }
 };
 
-// The reader holds no copy: the stream is kept beside it.
+// The reader keeps no copy, so the stream is stored with it.
 struct Reader : ReadBuffer {
     explicit Reader(const Bytes& bytes) : ReadBuffer(bytes.mText.data(), int(bytes.mText.size())) {}
 };
@@ -258,7 +258,7 @@ TEST(ReadBuffer, ASizeThatWrapsRoundDoesNotSendTheWalkBackwards) {
     }
 }
 
-// Reads whatever is there as chunks within chunks; the number of chunks met.
+// Reads any data as nested chunks; returns the number of chunks.
 size_t walk(ReadBuffer& buffer, size_t depth = 0) {
     size_t count = 0;
     while (depth < 200 && buffer.openChunk() != 0) {
@@ -300,7 +300,7 @@ TEST(ReadBuffer, RandomBytesNeverReadOutsideTheStream) {
         Bytes bytes;
         for (int i = 0; i < 300; ++i)
             bytes.u8(random() % 3 == 0 ? random() : random() % 8);
-        // A heap block of the exact size: the sanitizer sees any byte too many.
+        // A heap block of the exact size, so that sanitizers see any byte read past it.
         const std::vector<char> exact(bytes.mText.begin(), bytes.mText.end());
         ReadBuffer buffer(exact.data(), int(exact.size()));
         EXPECT_LT(walk(buffer), 10000u);

@@ -158,8 +158,8 @@ TEST(WriteBuffer, SaveThatCantBeDoneThrows) {
     }
 }
 
-// Writes a random tree of chunks; a text of what a reader should find. A chunk whose size is not implied
-// starts with a byte that counts the plain bytes before its children.
+// Writes a random tree of chunks; returns as text what a reader should find. A chunk whose size is not
+// implied starts with the number of plain bytes before its children.
 std::string writeTree(WriteBuffer& buffer, std::mt19937& random, int depth) {
     static const size_t typedSizes[8] = {0, 1, 2, 4, 4, 8, 12, 16};
     std::string expected;

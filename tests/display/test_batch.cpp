@@ -6,6 +6,7 @@
 #include "dis_texture.h"
 #include "dis_vbo.h"
 #include "gl_fixture.h"
+#include "mb_random.h"
 #include "support.h"
 #include "ztk_system.h"
 
@@ -90,12 +91,11 @@ private:
 class Random {
 public:
     float operator()(float low, float high) {
-        mState = mState * 69069 + 5;
-        return low + (high - low) * float(mState >> 8) / float(1 << 24);
+        return low + (high - low) * float(mRandom.draw() >> 8) / float(1 << 24);
     }
 
 private:
-    uint32_t mState = 12345;
+    mathbase::Random mRandom{12345};
 };
 
 Matrix4x4Col randomPlace(Random& random, float spread, float nearest, float farthest) {

@@ -1,7 +1,7 @@
 // Runs a libFuzzer target without libFuzzer: fuzz_NAME [--changes N] FILE-OR-FOLDER...
-// feeds the empty input, every file, every file cut short, and N changed copies of each. The changes follow
-// from the file alone, so that a failure comes again. An input that ends the program is left as
-// "fuzz-failure" in the current folder; feed that file with --changes 0 to see it again.
+// feeds the empty input, every file, every file cut short, and N mutations of each. The mutations depend only
+// on the file, so failures are reproducible. An input that ends the program is saved as "fuzz-failure" in the
+// current folder; run that file with --changes 0 to see it again.
 
 #include <algorithm>
 #include <csignal>
@@ -25,13 +25,13 @@ namespace {
 
 using Bytes = std::vector<uint8_t>;
 
-const unsigned int hangSeconds = 120; // one input that takes as long as this never ends
+const unsigned int hangSeconds = 120; // per input; longer counts as a hang
 const size_t cutsPerFile = 2000;
 
 const uint8_t* currentData;
 size_t currentSize;
 
-// Leaves the input that is being fed; only calls that a signal handler may make.
+// Saves the current input, with async-signal-safe calls only.
 void leaveCurrentInput() {
     const int file = open("fuzz-failure", O_WRONLY | O_CREAT | O_TRUNC, 0644);
     if (file >= 0) {
@@ -62,7 +62,7 @@ void watchForTheEnd() {
         signal(number, onSignal);
 }
 
-// The bytes lie in a block of exactly their size, so that a sanitizer sees a read one behind them.
+// The bytes are in a block of exactly their size, so that sanitizers see a read past the end.
 void feed(const Bytes& input) {
     uint8_t* const block = static_cast<uint8_t*>(malloc(input.size()));
     std::copy(input.begin(), input.end(), block);
@@ -95,7 +95,7 @@ size_t position(const Bytes& input, Random& random) {
     return random.below(input.size() + 1);
 }
 
-// A piece of `from` goes into `input`.
+// Copies a piece of `from` into `input`.
 void splice(Bytes& input, const Bytes& from, Random& random) {
     const size_t start = random.below(from.size());
     const size_t length = std::min(from.size() - start, 1 + random.below(64));
@@ -104,7 +104,7 @@ void splice(Bytes& input, const Bytes& from, Random& random) {
     input.insert(input.begin() + static_cast<ptrdiff_t>(position(input, random)), piece.begin(), piece.end());
 }
 
-// A number as a field of 1, 2 or 4 bytes may hold it where it hurts.
+// A critical value for a field of 1, 2 or 4 bytes.
 void overwriteNumber(Bytes& input, Random& random) {
     static const uint32_t numbers[] = {0,      1,      0x7f,       0x80,       0xff,       0x7fff,
                                        0x8000, 0xffff, 0x7fffffff, 0x80000000, 0xffffffff, 0x10000};

@@ -1,4 +1,4 @@
-// What the image targets share.
+// Shared by the image targets.
 #pragma once
 
 #include "am_imagecodec.h"
@@ -10,7 +10,8 @@
 
 namespace zentrak::am {
 
-// Decodes any bytes. The image is whole, to its last pixel, or as empty as it was; true for a whole one.
+// Decodes any bytes. The image must be complete, to its last pixel, or as empty as before; returns true if
+// complete.
 inline bool decodesWhole(ImageCodec& codec, const uint8_t* data, size_t size, ImageObject& image) {
     try {
         codec.decodeImage(data, size, image);

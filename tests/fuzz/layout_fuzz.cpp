@@ -1,5 +1,5 @@
-// Reads any bytes as a layout file that is its own style file, and lets a mouse and keys loose on what comes
-// of it. Positions of sliders must stay between their ends, and what is selected must be there.
+// Reads any bytes as a layout file that is its own style file, then sends mouse and key events to the result.
+// Sliders must stay within their ranges, and selections must exist.
 
 #include "dis_key.h"
 #include "mb_random.h"
@@ -68,7 +68,7 @@ void examine(Control& control) {
         examine(*child);
 }
 
-// A few hundred events, the same ones for the same bytes.
+// A few hundred events, determined by the bytes.
 void play(Workspace& root, const uint8_t* data, size_t size) {
     static const char* const types[] = {"mousemove",  "mousedown", "mousemove",   "mouseup",
                                         "mousewheel", "keydown",   "keychardown", "keyup"};

@@ -1,5 +1,5 @@
-// Reads any bytes as a scene file. Whatever loads must hold together, must be usable by whoever draws it, and
-// must be writable; and the inspector must find words for it.
+// Reads any bytes as a scene file. Whatever loads must be consistent, drawable and writable, and the
+// inspector must describe it.
 
 #include "o3d_chunk.h"
 #include "o3d_manager.h"
@@ -53,7 +53,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     size_t nodes = 0;
     for (const o3d::Scene* scene : manager.mScenes)
         nodes += walk(manager, *scene, 0);
-    check(nodes <= 6 * size + 1); // what is read again is bounded
+    check(nodes <= 6 * size + 1); // repeated reading is bounded
     for (o3d::Mesh* mesh : manager.mMeshes) {
         check(manager.getMesh(mesh->mName) != nullptr);
         check(mesh->mVertices.size() <= size && mesh->mMaterials.size() <= 6 * size);

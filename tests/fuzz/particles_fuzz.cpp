@@ -1,4 +1,4 @@
-// Reads any bytes as a particle file. Whatever loads must be writable, and its particles must fly and end.
+// Reads any bytes as a particle file. Whatever loads must be writable, and its particles must move and die.
 
 #include "sparks_engine.h"
 #include "xml_parser.h"
@@ -42,7 +42,7 @@ std::string save(const std::deque<sparks::EmitterInstance>& instances) {
 
 void play(std::deque<sparks::EmitterInstance>& instances) {
     sparks::Engine engine(nullptr);
-    engine.isSetup = true; // there is no display to make a texture for
+    engine.isSetup = true; // there is no display for a texture
     for (sparks::EmitterInstance& instance : instances) {
         instance.engine = &engine;
         engine.active.push_back(&instance);

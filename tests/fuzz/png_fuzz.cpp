@@ -1,5 +1,5 @@
-// Reads any bytes as a PNG file: as they are, and with the checksums of its chunks put right, behind which
-// the changes would otherwise never be looked at. What loads is written and has to come back the same.
+// Reads any bytes as a PNG file: as they are, and with the checksums fixed, without which most mutations
+// would be rejected early. What loads must survive writing and loading again.
 
 #include "am_imagecodecpng.h"
 #include "image_fuzz.h"
@@ -17,7 +17,7 @@ size_t bigEndian(const uint8_t* at) {
     return size_t(at[0]) << 24 | size_t(at[1]) << 16 | size_t(at[2]) << 8 | size_t(at[3]);
 }
 
-// A chunk is its length, its type, its bytes and the checksum over the last two.
+// A chunk is its length, its type, its data and the checksum of the last two.
 void repairChecksums(std::vector<uint8_t>& file) {
     for (size_t at = 8; at + 12 <= file.size();) {
         size_t length = bigEndian(&file[at]);

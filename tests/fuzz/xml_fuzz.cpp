@@ -1,4 +1,4 @@
-// Reads any bytes as a document. Whatever loads must hold together, and must be writable.
+// Reads any bytes as a document. Whatever loads must be consistent and writable.
 
 #include "xml_parser.h"
 
@@ -26,7 +26,7 @@ void checkTree(const XmlNode& node) {
         check(child->closed || child->type == XmlTag::Normal);
         check(!child->closed || child->children.empty());
         for (const XmlTag::Argument& argument : child->arguments)
-            check(child->getValue(argument.name) == argument.value); // no name stands twice
+            check(child->getValue(argument.name) == argument.value); // names are unique
         checkTree(*child);
     }
     check(count == node.getNumChildren());

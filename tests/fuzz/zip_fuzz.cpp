@@ -1,5 +1,4 @@
-// Reads any bytes as a zip file, and the entries of the corpus out of it. What is given is as long as it
-// says.
+// Reads any bytes as a zip file, and the corpus's entries out of it. Entries must be as long as they claim.
 
 #include "am_archivezip.h"
 

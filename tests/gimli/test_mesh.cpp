@@ -1,4 +1,4 @@
-// Meshes of scenes as buffers: where each Submesh comes to lie, what the buffers hold, and what is drawn.
+// Meshes as buffers: where each Submesh lies, what the buffers hold, and what is drawn.
 
 #include "dis_shader.h"
 #include "gl_fixture.h"
@@ -22,7 +22,7 @@ namespace {
 
 using Corners = std::array<int, 3>;
 
-// A Submesh of local vertices that stand for these positions.
+// A Submesh of local vertices for these positions.
 o3d::Submesh& addSubmesh(o3d::Mesh& mesh, const std::vector<int>& positions,
                          const std::vector<Corners>& triangles) {
     auto* submesh = new o3d::Submesh;
@@ -47,7 +47,7 @@ void addTexCoords(o3d::Submesh& submesh, const std::vector<Vector3f>& list) {
     submesh.mTexCoords.back()->mList = list;
 }
 
-// A strip of triangles in the plane z = 0 over so many vertices.
+// A triangle strip in the plane z = 0 over this many vertices.
 void makeStrip(o3d::Mesh& mesh, int vertices) {
     std::vector<int> positions;
     std::vector<Corners> triangles;
@@ -60,7 +60,7 @@ void makeStrip(o3d::Mesh& mesh, int vertices) {
     addSubmesh(mesh, positions, triangles);
 }
 
-// Two triangles in two Submeshes: (0,0) (1,0) (0,1), and the same one to the right by two.
+// Two triangles in two Submeshes: (0,0) (1,0) (0,1), and a copy two to the right.
 void makePair(o3d::Mesh& mesh) {
     mesh.mName = "pair";
     mesh.mVertices = {Vector3f(0, 0, 0), Vector3f(1, 0, 0), Vector3f(0, 1, 0),
@@ -97,7 +97,7 @@ protected:
         return result;
     }
 
-    // A frame with a view of x and y from -0.5 to 3.5.
+    // Draws a frame with a view of x and y from -0.5 to 3.5.
     test::Picture draw(const std::function<void()>& drawing) {
         return frame([&] {
             Matrix4x4Col project;
@@ -173,7 +173,7 @@ TEST_F(GimliTest, AVertexHoldsPositionNormalCoordinatesTangentAndBinormal) {
     const std::vector<VertexP3N3T2A4A4> found = vertices(mesh);
     ASSERT_EQ(found.size(), 3u);
     const std::vector<o3d::TangentSpace>& spaces = source.mSubmeshes[0]->mTangentSpaces;
-    ASSERT_EQ(spaces.size(), 3u); // load made them
+    ASSERT_EQ(spaces.size(), 3u); // made by load()
     const Vector3f positions[] = {Vector3f(0, 3, 0), Vector3f(0, 0, 0), Vector3f(2, 0, 0)};
     for (size_t i = 0; i < 3; ++i) {
         EXPECT_EQ(found[i].p, positions[i]);
@@ -204,7 +204,7 @@ TEST_F(GimliTest, ASubmeshWithoutTrianglesOrWithoutIndicesTakesNothing) {
         EXPECT_EQ(mesh.mSubmeshes[i].mFirstIndex, 0);
         EXPECT_EQ(mesh.mSubmeshes[i].mMode, 0);
     }
-    EXPECT_EQ(mesh.mSubmeshes[3].mFirstIndex, 6); // the sums did not move
+    EXPECT_EQ(mesh.mSubmeshes[3].mFirstIndex, 6); // the sums are unchanged
     EXPECT_EQ(mesh.mSubmeshes[3].mFirstVertex, 6);
     const test::Picture nothing = draw([] {});
     const test::Picture drawn = draw([&] {
@@ -252,7 +252,7 @@ TEST_F(GimliTest, AnotherModeDrawsTheSameRange) {
     gimli::Mesh mesh(&display());
     mesh.load(&source, 1);
     const test::Picture lines = draw([&] { mesh.drawSubmesh(1, GL_LINES); });
-    EXPECT_FALSE(lit(lines, 2.25f, 0.25f)); // the face is open
+    EXPECT_FALSE(lit(lines, 2.25f, 0.25f)); // the face is not filled
     EXPECT_FALSE(lit(lines, 0.25f, 0.02f));
     int pixels = 0;
     for (size_t i = 0; i < lines.rgba.size(); i += 4)

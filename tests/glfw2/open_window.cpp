@@ -1,4 +1,4 @@
-// Opens a window, draws one frame and closes it: what open_windows starts over and over.
+// Opens a window, draws one frame and closes it. open_windows runs it in a loop.
 #include "glfw2.h"
 
 using namespace zentrak::glfw2;

@@ -1,5 +1,5 @@
-// What needs no display: the codes of keys, what is down and what it typed, the order of video modes, and
-// every call made when there is nothing to act on.
+// What needs no display: key codes, what is down and what it typed, the order of video modes, and every call
+// without anything to act on.
 #include "glfw2.h"
 #include "glfw2_input.h"
 #include "glfw2_keys.h"
@@ -32,7 +32,7 @@ std::string text(const InputEvents& events) {
 
 } // namespace
 
-// Keys, by the numbers that GLFW 3 gives their places.
+// Keys, by GLFW 3's names for their positions.
 
 TEST(KeyCode, LettersAreTheUpperCaseOfWhatTheLayoutGives) {
     EXPECT_EQ(keyCode('Q', "q"), 'Q');
@@ -54,7 +54,7 @@ TEST(KeyCode, DigitsAndPunctuationAreWhatTheLayoutGives) {
     EXPECT_EQ(keyCode('1', "1"), '1');
     EXPECT_EQ(keyCode('1', "&"), '&');
     EXPECT_EQ(keyCode('/', "-"), '-');
-    EXPECT_EQ(keyCode(161, "<"), '<'); // the key that a US board lacks
+    EXPECT_EQ(keyCode(161, "<"), '<'); // the key that US keyboards lack
 }
 
 TEST(KeyCode, AKeyOutsideLatin1HasTheCodeOfItsPlaceOnAUsBoard) {
@@ -130,7 +130,7 @@ TEST(KeyCode, EveryCodeIsAtMostTheLast) {
         EXPECT_LE(keyCode(position, nullptr), GLFW_KEY_LAST);
 }
 
-// What is down, by any numbers.
+// Keys and buttons that are down, by arbitrary numbers.
 
 TEST(Input, AKeyAndWhatItTypedAreReleasedTogether) {
     Input input;
@@ -163,7 +163,7 @@ TEST(Input, AKeyIsReleasedByTheCodeThatItHadWhenItWentDown) {
     Input input;
     input.press(1, 'Q');
     input.mKeyRepeat = true;
-    EXPECT_EQ(text(input.press(1, 'A')), "key 81 1"); // the layout has changed meanwhile
+    EXPECT_EQ(text(input.press(1, 'A')), "key 81 1"); // after a change of layout
     EXPECT_EQ(text(input.release(1)), "key 81 0");
 }
 
@@ -237,7 +237,7 @@ TEST(Input, EverythingThatIsDownCanBeReleased) {
     Input input;
     input.press(3, 'A');
     input.character('a');
-    input.press(9, GLFW_KEY_UNKNOWN); // nothing to tell of
+    input.press(9, GLFW_KEY_UNKNOWN); // nothing to report
     input.press(500, GLFW_KEY_LCTRL);
     input.button(2, true);
     EXPECT_EQ(text(input.releaseAny()), "key 65 0, char 97 0");
@@ -279,7 +279,7 @@ TEST(VideoModes, AscendByBitsThenByAreaEachOnce) {
     EXPECT_TRUE(inOrder({}).empty());
 }
 
-// Every call, with no library and no window. DISPLAY is taken away, so that there can be none.
+// Every call without library or window. DISPLAY is unset, so that there can be none.
 class WithoutDisplay : public testing::Test {
 protected:
     void SetUp() override {

@@ -1,4 +1,4 @@
-// A real window with real keys, buttons, wheel and window manager.
+// A real window with a real keyboard, mouse and window manager.
 #include "glfw2.h"
 #include "input.h"
 #include "support.h"
@@ -30,7 +30,7 @@ using Log = std::vector<std::string>;
 
 Log events;          // the calls of the callbacks, as text: "key 65 1"
 int closeAnswer;     // what the close callback returns
-void (*onKeyDown)(); // done in the key callback at each press, if set
+void (*onKeyDown)(); // called at each press, if set
 void (*onKeyUp)();   // ... at each release
 
 void note(const std::string& kind, int a, int b) {
@@ -78,7 +78,7 @@ int count(const std::string& event) {
     return int(std::count(events.begin(), events.end(), event));
 }
 
-// The events of one key that goes down and up and types nothing.
+// The events of one press and release of a key that types nothing.
 Log pressOf(int key) {
     return {"key " + std::to_string(key) + " 1", "key " + std::to_string(key) + " 0"};
 }
@@ -110,7 +110,7 @@ protected:
         glfwTerminate();
     }
 
-    // Opens the window in front of the viewer, who gives it the focus, and logs keys and characters.
+    // Opens the window in front, gives it the focus, and logs keys and characters.
     void open(bool resizable = true) {
         glfwOpenWindowHint(GLFW_WINDOW_NO_RESIZE, resizable ? 0 : 1);
         ASSERT_EQ(openWindow(), 1);
@@ -129,8 +129,8 @@ protected:
 
     Viewer& viewer() { return *mViewer; }
 
-    // Does something and returns what came of it: all the events before those of the F12 key, which is
-    // pressed last.
+    // Performs an action and returns its events: all those before the events of the F12 key, which is pressed
+    // last.
     template <typename Action>
     Log after(Action action) {
         events.clear();
@@ -165,7 +165,7 @@ TEST_F(Glfw2, AWindowOpensWithACompatibilityContext) {
     GLint depth = 0;
     glGetIntegerv(GL_DEPTH_BITS, &depth);
     EXPECT_GE(depth, 16);
-    // What a core profile refuses.
+    // Calls that a core profile rejects.
     glBegin(GL_TRIANGLES);
     glEnd();
     glPushAttrib(GL_ALL_ATTRIB_BITS);
@@ -309,7 +309,7 @@ TEST_F(Glfw2, KeysFollowTheFrenchLayout) {
     EXPECT_EQ(afterKey("47"), typed('M', 'm'));
     EXPECT_EQ(afterKey("10"), typed('&', '&'));
     EXPECT_EQ(afterKey("11"), typed(0xC9, 0xE9)); // e with an acute accent
-    EXPECT_EQ(afterKey("94"), typed('<', '<'));   // the key that a US board lacks
+    EXPECT_EQ(afterKey("94"), typed('<', '<'));   // the key that US keyboards lack
     EXPECT_EQ(afterKey("34"), pressOf('^'));      // dead circumflex: types nothing yet
 }
 
@@ -360,7 +360,7 @@ TEST_F(Glfw2, SpecialKeysTypeNothing) {
         EXPECT_EQ(afterKey("F" + std::to_string(i)), pressOf(GLFW_KEY_F1 + i - 1));
 }
 
-// By key code: by name, the tool adds modifiers of its own to some.
+// By key code: for some key names the tool adds modifiers of its own.
 TEST_F(Glfw2, ModifiersAreLeftAndRight) {
     open();
     EXPECT_EQ(afterKey("50"), pressOf(GLFW_KEY_LSHIFT));
@@ -451,7 +451,7 @@ TEST_F(Glfw2, AKeyHeldDownIsPressedOnceWhileRepeatIsDisabled) {
     glfwDisable(GLFW_KEY_REPEAT);
     events.clear();
     for (int i = 0; i < 5; ++i)
-        glfwWaitEvents(); // for further repeats: nothing else is sent
+        glfwWaitEvents(); // for further repeats; nothing else is sent
     EXPECT_EQ(events, Log{});
     viewer().keyUp("a");
     viewer().until("the release", [] { return holds("char 97 0"); });
@@ -477,7 +477,7 @@ TEST_F(Glfw2, TheMouseIsToldInWholePixels) {
     open();
     viewer().moveTo(5, 5);
     viewer().until("the mouse", [] {
-        glfwSetMousePosCallback(mouseFun); // which tells the position
+        glfwSetMousePosCallback(mouseFun); // which reports the position
         return holds("mouse 5 5");
     });
     const Log seen = after([this] {
@@ -579,7 +579,7 @@ TEST_F(Glfw2, AWindowCanBeClosedAndOpenedInACallback) {
     viewer().key("q");
     viewer().until("the key", [] { return holds("key 81 1"); });
     onKeyDown = nullptr;
-    EXPECT_EQ(events, Log{"key 81 1"}); // the character belonged to the window before
+    EXPECT_EQ(events, Log{"key 81 1"}); // the character belonged to the previous window
     int width = 0, height = 0;
     glfwGetWindowSize(&width, &height);
     EXPECT_EQ(width, 320);
@@ -805,7 +805,7 @@ TEST_F(Glfw2, FullScreenAndBack) {
 }
 
 TEST_F(Glfw2, WithoutAMonitorFullScreenIsAWindow) {
-    // The screen goes off; xrandr then fails to give it a size of nothing.
+    // The screen turns off; xrandr then fails to set a size of zero.
     struct MonitorOff {
         MonitorOff() { runCommand("xrandr --output screen --off"); }
         ~MonitorOff() { EXPECT_EQ(runCommand("xrandr --output screen --auto").first, 0); }
@@ -948,7 +948,7 @@ TEST_F(Glfw2, VideoModesFillNoMoreThanThereIsRoomFor) {
     EXPECT_GT(mode.Width, 0);
 }
 
-// The end of the program, in programs of their own.
+// The end of the program, in child processes.
 
 class Glfw2Exit : public testing::Test {
 protected:

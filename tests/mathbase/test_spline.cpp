@@ -119,7 +119,7 @@ TEST(Spline, SmoothIsTheHermiteCurveWithTheIncomingTangentNegated) {
         const double u = time / 2.0, m = 3, w = -5, d = 3;
         const double expected = 1 + m * u + (3 * d - 2 * m + w) * u * u + (m - 2 * d - w) * u * u * u;
         EXPECT_NEAR(expected, spline.evaluate(time), 1e-5) << time;
-        // the same in its usual form, with the end slope -w
+        // the same in the usual form, with end slope -w
         const double h = (2 * u * u * u - 3 * u * u + 1) * 1 + (u * u * u - 2 * u * u + u) * m +
                          (-2 * u * u * u + 3 * u * u) * 4 + (u * u * u - u * u) * -w;
         EXPECT_NEAR(h, spline.evaluate(time), 1e-5) << time;

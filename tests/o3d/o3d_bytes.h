@@ -1,4 +1,4 @@
-// Scene files put together byte by byte, independently of the library's own writer.
+// Scene files built byte by byte, independently of the library's own writer.
 #pragma once
 
 #include "o3d_manager.h"
@@ -40,7 +40,7 @@ inline std::string text(const std::string& value) {
     return value + '\0';
 }
 
-// A chunk; the size field is left out where the ID implies it.
+// A chunk; no size field if the ID implies the size.
 inline std::string chunk(unsigned id, const std::string& payload) {
     const unsigned tag = id & 15;
     return u16(id) + (tag >= 1 && tag <= 7 ? "" : u32(uint32_t(payload.size()))) + payload;
@@ -54,7 +54,7 @@ inline std::string keyList(unsigned id, unsigned interpolation, unsigned extrapo
                            const std::string& keys) {
     return chunk(id, u8(interpolation) + u8(extrapolation) + keys);
 }
-// A key whose handles lie on it.
+// A key with its handles on itself.
 inline std::string key(float time, float value) {
     return floats({time, value, time, value, time, value});
 }
@@ -63,14 +63,14 @@ inline std::string file(const std::string& children) {
     return "O3DF\x01\x01" + chunk(0x1000, children);
 }
 
-// Loads from a heap block of the exact size: the sanitizer sees any byte read past it.
+// Loads from a heap block of the exact size, so that sanitizers see any byte read past it.
 inline void load(o3d::Manager& manager, const std::string& image) {
     const std::unique_ptr<unsigned char[]> data(new unsigned char[image.size()]);
     memcpy(data.get(), image.data(), image.size());
     manager.load(data.get(), int(image.size()));
 }
 
-// A file with every chunk there is, with values that tell them apart.
+// A file with every kind of chunk, with distinct values.
 std::string everything();
 
 } // namespace zentrak::test

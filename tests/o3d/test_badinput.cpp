@@ -11,7 +11,7 @@ using namespace zentrak::test;
 
 namespace {
 
-// What a program does with a scene: walks it, samples it, looks names up, poses bones, measures boxes.
+// Uses a scene as a program does: walks it, samples it, looks up names, poses bones, measures boxes.
 void use(const o3d::SceneNode& node) {
     mathbase::Matrix4x4Col matrix;
     bool flipped = false;
@@ -42,7 +42,7 @@ void use(o3d::Manager& manager) {
     }
 }
 
-// Loads, uses and writes whatever it is.
+// Loads, uses and writes any data.
 void survive(const std::string& image) {
     o3d::Manager manager;
     try {
@@ -67,7 +67,7 @@ TEST(BadInput, AFileCutAtEveryByteGivesWhatIsThere) {
             EXPECT_NO_THROW(load(manager, image.substr(0, length))) << length;
         use(manager);
     }
-    // All but the last byte: nothing but the last track's last component is lost.
+    // All but the last byte: only the last component of the last track is lost.
     o3d::Manager manager;
     load(manager, image.substr(0, image.size() - 1));
     EXPECT_EQ(4u, manager.mScenes.at(0)->mChildren.size());
@@ -96,7 +96,7 @@ TEST(BadInput, RandomChangesAreSurvived) {
             case 0:
                 changed[at] = char(random());
                 break;
-            case 1: // a size or a number at a border
+            case 1: // a size or a number at a limit
                 changed.replace(at, 4, u32(uint32_t(-1) >> (random() % 33 & 31)));
                 break;
             case 2:
@@ -113,7 +113,7 @@ TEST(BadInput, RandomChangesAreSurvived) {
 }
 
 TEST(BadInput, SizesPastTheEndAllocateOnlyWhatIsThere) {
-    // Each list claims four gigabytes and holds two elements.
+    // Each list claims 4 GB and holds two elements.
     const auto claim = [](unsigned id, const std::string& payload) {
         return u16(id) + u32(0xFFFFFFF0) + payload;
     };
@@ -170,8 +170,8 @@ TEST(BadInput, AMillionNestedNodesAreCutAtALimit) {
 }
 
 TEST(BadInput, NodesThatEndBeforeTheirChildrenDoNotMultiply) {
-    // Each node has room for its child's head only, and each child claims the rest of the file. Read again
-    // after every level, this would make 2^60 nodes.
+    // Each node only has room for its child's header, and each child claims the rest of the file. Read again
+    // after every level, this would create 2^60 nodes.
     std::string image =
         "O3DF\x01\x01" + u16(0x1000) + u32(0x7FFFFFFF) + u16(0x5000) + u32(0x7FFFFFFF) + text("s");
     for (int i = 0; i < 60; ++i)
@@ -211,7 +211,7 @@ TEST(BadInput, ANameAsLongAsTheFileIsKept) {
     EXPECT_EQ(name, manager.mMeshes.at(0)->mName);
     EXPECT_NE(nullptr, manager.getImage(name));
     EXPECT_THROW(manager.mMeshes[0]->addNormals(),
-                 Exception); // the message with the name in it is cut, not overrun
+                 Exception); // the message with the name is truncated, not overrun
 }
 
 } // namespace

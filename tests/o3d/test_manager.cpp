@@ -21,7 +21,6 @@ std::string failureOf(const std::string& image) {
     return "nothing thrown";
 }
 
-// What loading prints.
 std::string outputOf(const std::string& image) {
     CaptureStdout capture;
     o3d::Manager manager;
@@ -29,7 +28,7 @@ std::string outputOf(const std::string& image) {
     return capture.text();
 }
 
-// Is this the one log line of the output? The function and the line in it are the compiler's.
+// Is this the only log line of the output? Its function and line number are up to the compiler.
 bool isLogLine(const std::string& output, const std::string& level, const std::string& message) {
     const size_t start = output.find("], ");
     return output.rfind("[" + level + "][", 0) == 0 && start != std::string::npos &&
@@ -191,7 +190,7 @@ TEST(Manager, OfTwoMeshesWithOneNameTheLaterIsFoundAndBothAreDestroyed) {
     EXPECT_EQ(manager.mMeshes[1], manager.getMesh("m"));
     EXPECT_EQ(1, manager.getMeshIndex("m"));
     EXPECT_EQ(1u, manager.mMeshes[0]->mVertices.size());
-    manager.clear(); // the sanitizer sees a Mesh that is forgotten or freed twice
+    manager.clear(); // sanitizers see a Mesh that is leaked or freed twice
     EXPECT_TRUE(manager.mMeshes.empty());
     EXPECT_EQ(nullptr, manager.getMesh("m"));
 }

@@ -7,7 +7,7 @@ using namespace zentrak::test;
 
 namespace {
 
-// The first material of a file with these children in it.
+// The first material of a file, with these children.
 std::unique_ptr<o3d::Manager> materialWith(const std::string& children) {
     auto manager = std::make_unique<o3d::Manager>();
     load(*manager, file(chunk(0x6000, text("m") + children)));

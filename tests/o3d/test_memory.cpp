@@ -1,4 +1,4 @@
-// What loading does when memory runs out: operator new of this program fails at the N-th call.
+// Loading when memory runs out: operator new of this program fails at the N-th call.
 
 #include "o3d_bytes.h"
 #include "support.h"
@@ -13,8 +13,8 @@ using namespace zentrak::test;
 
 namespace {
 
-long gCountdown = -1; // calls that still succeed; below 0 all do
-bool gOnce = false;   // only one call fails, and memory is there again behind it
+long gCountdown = -1; // calls that still succeed; all if negative
+bool gOnce = false;   // only one call fails, later ones succeed
 long gCalls = 0;
 
 void* allocate(size_t size) {
@@ -54,14 +54,14 @@ void operator delete[](void* memory, size_t) noexcept {
 
 namespace {
 
-// Loads with memory for `calls` allocations; the next one fails, and all that follow unless `once`.
+// Loads with memory for `calls` allocations. The next one fails and, unless `once`, all after it.
 void loadFailing(o3d::Manager& manager, const std::string& image, long calls, bool once) {
     gOnce = once;
     gCountdown = calls;
     try {
         manager.load(reinterpret_cast<const unsigned char*>(image.data()), int(image.size()));
     } catch (const std::bad_alloc&) {
-        EXPECT_LT(calls, 4); // before the first chunk there is nothing to go on with
+        EXPECT_LT(calls, 4); // before the first chunk nothing can be recovered
     }
     gCountdown = -1;
 }
@@ -91,7 +91,7 @@ TEST(Memory, RunningOutAtAnyAllocationLosesNothingThatWasMade) {
         for (long call = 0; call <= calls; ++call) {
             o3d::Manager manager;
             loadFailing(manager, image, call, once);
-            // What is there can be walked, found and destroyed; the sanitizer sees what is not.
+            // What was loaded can be walked, searched and destroyed; sanitizers see what is missing.
             nodes = 0;
             for (const o3d::Scene* scene : manager.mScenes)
                 nodes += countNodes(*scene);
@@ -105,7 +105,7 @@ TEST(Memory, RunningOutAtAnyAllocationLosesNothingThatWasMade) {
 }
 
 TEST(Memory, AListThatThereIsNoMemoryForIsEmptyAndTheRestIsLoaded) {
-    // Of the allocations one after the other, the one that fails is at some time that of the triangles.
+    // As each allocation in turn fails, at some point it is that of the triangles.
     o3d::Manager manager;
     std::string triangles;
     for (int i = 0; i < 1000; ++i)

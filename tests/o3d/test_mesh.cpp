@@ -9,7 +9,7 @@ using o3d::Vector3f;
 
 namespace {
 
-// The first mesh of a file with these children in it.
+// The first mesh of a file, with these children.
 std::unique_ptr<o3d::Manager> meshWith(const std::string& children) {
     auto manager = std::make_unique<o3d::Manager>();
     load(*manager, file(chunk(0x2000, text("m") + children)));
@@ -157,7 +157,7 @@ TEST(Mesh, BoxIsTheUnionOfItsSubmeshes) {
 }
 
 TEST(Mesh, IndicesOutsideTheVerticesDoNotCountInTheBox) {
-    // A Submesh before the vertices, and numbers that are none.
+    // A Submesh before the vertices, and indices out of range.
     const auto early =
         meshWith(chunk(0x2200, u8(0) + chunk(0xFF60, i32(0))) + chunk(0xFF00, floats({1, 2, 3})));
     const auto wrong =

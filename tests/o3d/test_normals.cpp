@@ -16,8 +16,7 @@ using o3d::Vector3f;
 
 namespace {
 
-// Adds a Submesh of local vertices that stand for these positions, with texture coordinates unless there are
-// none.
+// Adds a Submesh of local vertices for these positions, with texture coordinates if there are any.
 o3d::Submesh& addSubmesh(o3d::Mesh& mesh, const std::vector<int>& positions,
                          const std::vector<std::array<int, 3>>& triangles,
                          const std::vector<Vector3f>& uv = {}) {
@@ -46,7 +45,7 @@ void expectNear(const Vector3f& expected, const Vector3f& found, float tolerance
     EXPECT_NEAR(expected.z, found.z, tolerance);
 }
 
-// Are the three of unit length and square on each other?
+// Are the three of unit length and perpendicular to each other?
 void expectFrame(const TangentSpace& space) {
     for (const Vector3f* v : {&space.mNormal, &space.mBinormal, &space.mTangent})
         EXPECT_NEAR(1.0f, v->length(), 1e-5f);
@@ -104,7 +103,7 @@ TEST(Normals, WithoutTextureCoordinatesTangentsAreZero) {
 TEST(Normals, TangentFollowsTheFirstCoordinateAndBinormalTheSecond) {
     o3d::Mesh mesh;
     makeTriangle(mesh);
-    // The texture is turned by a quarter and mirrored: u runs along +y, v along +x.
+    // The texture is rotated by 90 degrees and mirrored: u runs along +y, v along +x.
     const o3d::Submesh& submesh =
         addSubmesh(mesh, {0, 1, 2}, {{0, 1, 2}}, {Vector3f(0, 0, 0), Vector3f(0, 2, 0), Vector3f(3, 0, 0)});
     mesh.addNormals();
@@ -143,8 +142,8 @@ TEST(Normals, SmoothAcrossSubmeshesThatShareThePositionsOfACube) {
     o3d::Mesh mesh;
     makeCube(mesh);
     for (const auto& face : CUBE_FACES) {
-        // Two triangles at each corner of the diagonal, one at the others: from both diagonals, each counts
-        // alike.
+        // Two triangles at each end of the diagonal, one at the other corners: over both diagonals, each
+        // counts equally.
         addSubmesh(mesh, {face[0], face[1], face[2], face[3]}, {{0, 1, 2}, {0, 2, 3}, {0, 1, 3}, {1, 2, 3}},
                    {Vector3f(0, 0, 0), Vector3f(1, 0, 0), Vector3f(1, 1, 0), Vector3f(0, 1, 0)});
     }
@@ -157,7 +156,7 @@ TEST(Normals, SmoothAcrossSubmeshesThatShareThePositionsOfACube) {
             const Vector3f& corner = mesh.mVertices[size_t(CUBE_FACES[face][i])];
             expectNear(corner.getNormalized(), space.mNormal);
             expectFrame(space);
-            // The tangent stays with its face: it is the face's u direction, made square on the smooth
+            // The tangent belongs to its face: the face's u direction, made perpendicular to the smooth
             // normal.
             const Vector3f u =
                 mesh.mVertices[size_t(CUBE_FACES[face][1])] - mesh.mVertices[size_t(CUBE_FACES[face][0])];
@@ -166,8 +165,8 @@ TEST(Normals, SmoothAcrossSubmeshesThatShareThePositionsOfACube) {
         }
 }
 
-// Two triangles side by side that share the edge from (0,0,0) to (0,1,0), each with vertices of its own, and
-// a fold along it. The texture of the right one lies `gap` further on.
+// Two triangles that share the edge from (0,0,0) to (0,1,0), each with its own vertices, and a fold along it.
+// The texture of the right one is offset by `gap`.
 const o3d::Submesh& makeSeam(o3d::Mesh& mesh, const Vector3f& gap) {
     mesh.mVertices = {Vector3f(0, 0, 0), Vector3f(0, 1, 0), Vector3f(-1, 0, -1), Vector3f(1, 0, -1)};
     const o3d::Submesh& submesh =
@@ -190,7 +189,7 @@ TEST(Normals, CopiesFurtherApartHaveTangentsOfTheirOwnAndOneNormal) {
     o3d::Mesh mesh;
     const o3d::Submesh& submesh = makeSeam(mesh, Vector3f(0, 5, 0));
     EXPECT_EQ(submesh.mTangentSpaces[0].mNormal, submesh.mTangentSpaces[3].mNormal);
-    // Both are made square on the one normal, which is +z: of the triangles' directions only x is left.
+    // Both are made perpendicular to the shared normal, +z: only x is left of the triangles' directions.
     expectNear(Vector3f(1, 0, 0), submesh.mTangentSpaces[0].mTangent);
     // At the outer corners nothing is shared.
     const float half = 0.70710678f;
@@ -198,8 +197,8 @@ TEST(Normals, CopiesFurtherApartHaveTangentsOfTheirOwnAndOneNormal) {
     expectNear(Vector3f(half, 0, -half), submesh.mTangentSpaces[5].mTangent);
 }
 
-// The tangents at the seam of a flat quad whose right half has its texture turned: along +x on the left,
-// along +y on the right, where the coordinates lie `apart` away in a direction of the texture.
+// The tangents at the seam of a flat quad whose right half has its texture rotated: along +x on the left,
+// along +y on the right, where the coordinates differ by `apart` in one direction of the texture.
 bool sharesTangents(const Vector3f& apart) {
     o3d::Mesh mesh;
     mesh.mVertices = {Vector3f(0, 0, 0), Vector3f(0, 1, 0), Vector3f(-1, 0, 0), Vector3f(1, 0, 0)};
@@ -215,8 +214,8 @@ bool sharesTangents(const Vector3f& apart) {
 }
 
 TEST(Normals, CoordinatesATenthApartAreNotTheSame) {
-    // As a float 0.1 is a little more, and so is its square than the float 0.01; one step below is the same
-    // place.
+    // As a float 0.1 is a little larger, and its square is larger than the float 0.01; one step below counts
+    // as the same point.
     EXPECT_FALSE(sharesTangents(Vector3f(0.1f, 0, 0)));
     EXPECT_FALSE(sharesTangents(Vector3f(0, 0.1001f, 0)));
     EXPECT_TRUE(sharesTangents(Vector3f(0.0999f, 0, 0)));
@@ -229,7 +228,7 @@ TEST(Normals, TheThirdCoordinateTakesPartInTheComparison) {
     EXPECT_TRUE(sharesTangents(Vector3f(0, 0.06f, 0.06f)));
 }
 
-// A sphere of `rings` times `segments` quads with its poles; the texture runs around it and is cut along one
+// A sphere of `rings` times `segments` quads with poles; the texture wraps round it and is cut along one
 // meridian.
 o3d::Submesh& makeSphere(o3d::Mesh& mesh, int rings, int segments) {
     std::vector<int> positions;
@@ -243,7 +242,7 @@ o3d::Submesh& makeSphere(o3d::Mesh& mesh, int rings, int segments) {
             const float phi = 2 * pi * float(segment) / float(segments);
             mesh.mVertices.emplace_back(sinf(theta) * cosf(phi), sinf(theta) * sinf(phi), cosf(theta));
         }
-    // One more column of local vertices than of positions: the seam.
+    // One more column of local vertices than of positions, for the seam.
     const auto local = [&](int ring, int segment) { return ring * (segments + 1) + segment; };
     for (int ring = 0; ring <= rings; ++ring)
         for (int segment = 0; segment <= segments; ++segment) {
@@ -276,10 +275,10 @@ TEST(Normals, OfASpherePointOutwardsAndTangentsRunAroundIt) {
         EXPECT_GT(space.mNormal.dot(position), 0.9995f);
         const int ring = int(i) / (segments + 1);
         if (ring < 2 || ring > rings - 2)
-            continue; // at the poles a direction has no name
+            continue; // at the poles the direction is undefined
         expectFrame(space);
         const Vector3f around = Vector3f(-position.y, position.x, 0).getNormalized();
-        const Vector3f down = position.cross(around) * -1.0f; // the way in which v grows
+        const Vector3f down = position.cross(around) * -1.0f; // the direction of increasing v
         EXPECT_GT(space.mTangent.dot(around), 0.99f) << i;
         EXPECT_GT(space.mBinormal.dot(down), 0.99f) << i;
     }
@@ -294,13 +293,13 @@ TEST(Normals, SeamOfASphereHasOneNormalAndNearlyOneTangent) {
         const size_t first = size_t(ring * (segments + 1)), last = first + segments;
         ASSERT_EQ(sphere.mIndices[first].mValue, sphere.mIndices[last].mValue);
         EXPECT_EQ(sphere.mTangentSpaces[first].mNormal, sphere.mTangentSpaces[last].mNormal);
-        // Each side sums its own triangles only, so that they differ a little.
+        // Each side sums only its own triangles, so they differ slightly.
         EXPECT_GT(sphere.mTangentSpaces[first].mTangent.dot(sphere.mTangentSpaces[last].mTangent), 0.99f);
         EXPECT_FALSE(sphere.mTangentSpaces[first].mTangent == sphere.mTangentSpaces[last].mTangent);
     }
 }
 
-// The same algorithm by plain search instead of the map, from its description.
+// The same algorithm with a linear search instead of the map, written from its description.
 std::vector<std::vector<TangentSpace>> plainNormals(const o3d::Mesh& mesh) {
     std::vector<std::vector<TangentSpace>> result;
     std::vector<Vector3f> sums(mesh.mVertices.size(), Vector3f(0, 0, 0));
@@ -357,7 +356,8 @@ TEST(Normals, RandomMeshesAgreeWithAPlainSearch) {
             std::vector<int> indices;
             std::vector<Vector3f> uv;
             std::vector<std::array<int, 3>> triangles;
-            // Every position in every Submesh, some several times, at places of the texture that often agree.
+            // Every position in every Submesh, some several times, at texture coordinates that often
+            // coincide.
             for (int i = 0; i < positions * 3; ++i) {
                 indices.push_back(i < positions ? i : int(random() % unsigned(positions)));
                 uv.emplace_back(float(random() % 8) * 0.07f, float(random() % 8) * 0.07f,
@@ -423,13 +423,13 @@ TEST(NormalsDeathTest, APositionWithoutATriangleAsserts) {
 TEST(NormalsDeathTest, AVertexWithoutATangentAsserts) {
     o3d::Mesh mesh;
     makeTriangle(mesh);
-    // A copy of the first vertex that no triangle uses, far off in the texture.
+    // A copy of the first vertex that no triangle uses, far away in the texture.
     addSubmesh(mesh, {0, 1, 2, 0}, {{0, 1, 2}},
                {Vector3f(0, 0, 0), Vector3f(1, 0, 0), Vector3f(0, 1, 0), Vector3f(9, 9, 0)});
     EXPECT_DEATH(mesh.addNormals(), "length!=0");
 }
 
-// What addNormals() throws. The Mesh is as it was before.
+// The text of the exception that addNormals() throws. The Mesh must be unchanged.
 std::string failureOf(o3d::Mesh& mesh) {
     mesh.mName = "bad";
     for (o3d::Submesh* submesh : mesh.mSubmeshes)
@@ -477,7 +477,7 @@ TEST(Normals, FaultsAreCounted) {
                   addSubmesh(mesh, {0, 1, 2, 0}, {{0, 1, 2}},
                              {Vector3f(0, 0, 0), Vector3f(1, 0, 0), Vector3f(0, 1, 0), Vector3f(9, 9, 0)});
               }));
-    // A copy close by in the texture has the tangents of the triangle beside it.
+    // A copy nearby in the texture has the tangents of the triangle next to it.
     EXPECT_EQ(Faults(), faults([](o3d::Mesh& mesh) {
                   addSubmesh(mesh, {0, 1, 2, 0}, {{0, 1, 2}},
                              {Vector3f(0, 0, 0), Vector3f(1, 0, 0), Vector3f(0, 1, 0), Vector3f(0, 0, 0)});

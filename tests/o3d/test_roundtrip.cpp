@@ -20,7 +20,7 @@ std::string write(o3d::Manager& manager) {
     return image;
 }
 
-// Everything that a track, a node or a material holds, as a text.
+// Everything in a track, a node or a material as text.
 
 std::string describe(const o3d::TrackBlenderFloat& track) {
     std::ostringstream text;
@@ -73,7 +73,7 @@ std::string describe(const o3d::Material& material) {
     return text.str();
 }
 
-// All but the meshes.
+// Everything except the meshes.
 std::string describe(const o3d::Manager& manager) {
     std::string text;
     for (const o3d::Material* material : manager.mMaterials)
@@ -225,7 +225,7 @@ TEST(RoundTrip, MeshIsWrittenAsTheWriterWouldHaveIt) {
                                             chunk(0xFF60, i32(1) + i32(3) + i32(2))) +
                           chunk(0x6200, u32(2) + chunk(0x6210, u32(0) + text("stone")) +
                                             chunk(0x6210, u32(1) + text("stonered"))));
-    EXPECT_EQ(0u, write(manager).find(expected) - 12) << mesh->mName; // right behind header and main chunk
+    EXPECT_EQ(0u, write(manager).find(expected) - 12) << mesh->mName; // right after the header and main chunk
 }
 
 TEST(RoundTrip, FirstDifferenceMaterialNumberIsWrittenAsAFloatAndReadAsAByte) {
@@ -234,7 +234,7 @@ TEST(RoundTrip, FirstDifferenceMaterialNumberIsWrittenAsAFloatAndReadAsAByte) {
     EXPECT_EQ(200, manager.mMeshes.at(0)->mSubmeshes.at(0)->mMaterial);
     const std::string image = write(manager);
     EXPECT_NE(std::string::npos, image.find(chunk(0x2200, f32(200))));
-    // The first byte of 200.0f is 0, and the three others are taken for the start of a chunk.
+    // The first byte of 200.0f is 0, and the other three are taken for the start of a chunk.
     o3d::Manager second;
     CaptureStdout capture;
     load(second, image);

@@ -227,7 +227,7 @@ TEST(Track, HandlesThatReachPastTheSpanAreShortenedInProportion) {
     EXPECT_FLOAT_EQ(12.0f, track.mKeys[0].mHandleOutValue);
     EXPECT_FLOAT_EQ(3.0f, track.mKeys[1].mHandleInTime);
     EXPECT_FLOAT_EQ(8.0f, track.mKeys[1].mHandleInValue);
-    // The outer handles are no one's business.
+    // The outer handles are unaffected.
     EXPECT_EQ(0.0f, track.mKeys[0].mHandleInTime);
     EXPECT_EQ(8.0f, track.mKeys[1].mHandleOutTime);
 }
@@ -251,7 +251,7 @@ TEST(Track, HandlesThatReachExactlyToEachOtherKeepTheirValues) {
 
 TEST(Track, HandlesThatPointBackwardsCountByTheirLength) {
     const Track track = loadTrack(2, 0, {{0, 0, 0, 0, -4, 4}, {5, 4, 4, 0, 5, 0}});
-    // Lengths 4 and 1, span 4: times 0.8, in their own direction.
+    // Lengths 4 and 1, span 4: scaled by 0.8, keeping their directions.
     EXPECT_FLOAT_EQ(-3.2f, track.mKeys[0].mHandleOutTime);
     EXPECT_FLOAT_EQ(3.2f, track.mKeys[0].mHandleOutValue);
     EXPECT_FLOAT_EQ(4.8f, track.mKeys[1].mHandleInTime);
@@ -362,7 +362,7 @@ TEST(SolveForTime, RandomCurvesGiveRootsOfTheCurve) {
             EXPECT_NEAR(time, v * v * v * q0 + 3 * u * v * v * q1 + 3 * u * u * v * q2 + u * u * u * q3,
                         2e-5);
         }
-        // A curve that goes past the time has to be found there.
+        // A curve that passes the time must be found there.
         if ((time - q0) * (time - q3) < -1e-3f) {
             EXPECT_FALSE(found.empty()) << q0 << " " << q1 << " " << q2 << " " << q3 << " " << time;
         }
@@ -377,7 +377,7 @@ TEST(Sqrt3d, IsTheRealCubeRoot) {
     EXPECT_NEAR(0.1, o3d::Sqrt3d(0.001), 1e-15);
 }
 
-// Sampling held against a slow bisection of the time curve in double precision
+// Sampling compared with bisection of the time curve in double precision
 
 struct Bezier {
     double time[4];
@@ -398,7 +398,7 @@ struct Bezier {
     }
 };
 
-// Random keys whose handles point the right way, some too far; as loading leaves them.
+// Random keys, as left by loading, whose handles point the right way, some too far.
 Track randomBezier(std::mt19937& random, int count, int extrapolation) {
     std::uniform_real_distribution<float> step(0.3f, 3), reach(0, 1.6f), value(-10, 10);
     std::vector<Key> keys;
@@ -412,7 +412,7 @@ Track randomBezier(std::mt19937& random, int count, int extrapolation) {
     return loadTrack(2, extrapolation, keys);
 }
 
-// The range of values that the curve takes within `slack` of `time`: rounding of the time may cost that much.
+// The range of values of the curve within `slack` of `time`: the possible effect of rounding the time.
 void expectOnCurve(const Track& track, double time, double slack, float found) {
     size_t segment = 0;
     while (segment + 2 < track.mKeys.size() && track.mKeys[segment + 1].mTime <= time)
@@ -517,10 +517,10 @@ TEST(Track, AllKeysAtOneTimeAreSurvived) {
             for (const float time : {-1.0f, 1.0f, 2.0f})
                 makeTrack(interpolation, extrapolation, {plain(1, 1), plain(1, 2), plain(1, 3)})
                     .getValue(time);
-    SUCCEED(); // what is promised is that it ends, and that the sanitizer is silent
+    SUCCEED(); // only shows that it ends, and that sanitizers are silent
 }
 
-// The groups
+// Track groups
 
 // Loads the payload of a track chunk into the group.
 template <typename GROUP>
@@ -579,7 +579,7 @@ TEST(TrackGroup, DefaultQuaternionWithoutADirectionIsTheIdentity) {
 }
 
 TEST(TrackGroup, ADefaultThatIsCutShortFallsBackToZeroForWhatIsMissing) {
-    // The parent ends within the chunk, whose own size is implied; and then so does the stream.
+    // The parent, and then the stream, ends within the chunk, whose size is implied.
     const std::string stream = "O3DF\x01\x01" + u16(0xFA00) + u32(10) + u16(0xF006) + floats({4, 5});
     chunklib::ReadBuffer buffer(stream.data(), int(stream.size()));
     buffer.openChunk();

@@ -9,7 +9,7 @@ using namespace zentrak::test;
 
 namespace {
 
-// The bytes that a value is written as.
+// The bytes written for a value.
 template <typename T>
 std::string written(const T& value) {
     chunklib::WriteBuffer buffer("O3DF", 1, 1, 1);
@@ -17,7 +17,7 @@ std::string written(const T& value) {
     return std::string(buffer.mData.begin() + 6, buffer.mData.end());
 }
 
-// `value` after reading it from a chunk that holds these bytes.
+// `value` after reading it from a chunk with these bytes.
 template <typename T>
 T read(const std::string& payload, T value) {
     const std::string stream = "O3DF\x01\x01" + chunk(0xABC0, payload) + "more bytes behind the chunk";

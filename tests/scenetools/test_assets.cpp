@@ -1,4 +1,4 @@
-// The scenes that lie in the tree: what the effects rely on.
+// The scenes in the source tree: what the effects rely on.
 
 #include "mb_matrix4x4col.h"
 #include "o3d_bytes.h"
@@ -24,7 +24,8 @@ std::string imageOf(const std::string& name) {
     return test::readFile(sourcePath(name));
 }
 
-// The walk of a drawing effect: everything resolves, and instances name their materials themselves.
+// Walks the scene as drawing effects do: every reference resolves, and instances name their materials
+// themselves.
 void walk(const o3d::Manager& manager, const o3d::SceneNode& node, std::set<std::string>& meshes) {
     if (const auto* instance = dynamic_cast<const o3d::MeshInstance*>(&node)) {
         const o3d::Mesh* mesh = manager.getMesh(instance->mMeshName);
@@ -80,7 +81,7 @@ TEST(Assets, EveryTwentyEighthVertexOfTheFaceDrawsItsFeatures) {
     o3d::Manager manager;
     load(manager, imageOf("data/face/face.o3d"));
     const auto& vertices = manager.mMeshes[0]->mVertices;
-    // How much denser than over the whole head the glowing vertices lie around a point of the picture.
+    // The density of the glowing vertices around a point of the picture, relative to that of the whole head.
     const auto density = [&](float x, float y, float radius) {
         double near = 0, all = 0, glowNear = 0, glowAll = 0;
         for (size_t i = 0; i < vertices.size(); ++i) {
@@ -116,7 +117,7 @@ TEST(Assets, CourtyardHasACameraThatGoesRoundAndBack) {
         view.buildBlenderCameraInverse(eye, rotation, Vector3f(1, 1, 1));
         EXPECT_LT(eye.length(), 30.0f);
         EXPECT_GT(eye.y, 2.0f);
-        // The middle of the scene lies near the middle of the picture, in front of the camera.
+        // The centre of the scene is near the centre of the picture, in front of the camera.
         const Vector3f middle = view.multiply(Vector3f(0, 2.6f, 0));
         EXPECT_LT(middle.z, -8.0f);
         EXPECT_LT(hypotf(middle.x, middle.y) / -middle.z, 0.05f) << time;
@@ -159,8 +160,8 @@ TEST(Assets, KindsOfSurfaceAreToldApartByTheirTexture) {
 }
 
 TEST(Assets, MakersMakeWhatLiesInTheTree) {
-    // Not byte for byte: another library's sine may end in another bit. The chunks and their counts are the
-    // same.
+    // Not byte for byte: another libm's sine may differ in the last bit. Compares the chunks and their
+    // counts.
     const auto chunks = [](const std::string& image) {
         std::string text = scene::inspect(image).text;
         return text.substr(0, text.find('\n')); // format, version and size

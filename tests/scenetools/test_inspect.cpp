@@ -11,7 +11,7 @@ using namespace zentrak::test;
 
 namespace {
 
-// The remarks on a file, one a line, without indents.
+// The remarks on a file, one per line, without indentation.
 std::string remarksOf(const std::string& image) {
     const std::string text = scene::inspect(image).text;
     std::string result;
@@ -194,7 +194,7 @@ TEST(Inspect, SaysWhatNoEffectDraws) {
               remarksOf(node(chunk(0x5130, text("d") + chunk(0x5110, text("c"))))));
 }
 
-// What the loader makes of it is seen beside what is said of it.
+// Compares the remarks with what the loader does.
 TEST(Inspect, WhatFollowsAChunkOfIdZeroMovesOutwards) {
     const std::string image =
         file(chunk(0x5000, text("s") + chunk(0x5130, text("d") + chunk(0, "xx") + chunk(0x5130, text("e"))) +

@@ -138,7 +138,7 @@ TEST(SceneFile, AClosedCurveGoesThroughItsValuesAndOnWithoutAKink) {
     const float step = 0.01f;
     EXPECT_NEAR((track.getValue(8) - track.getValue(8 - step)) / step,
                 (track.getValue(step) - track.getValue(0)) / step, 0.1f);
-    // An angle that goes round once goes on.
+    // A full rotation continues.
     scene::setCurve(track, {0, 2, 4, 6}, 1.0f, true);
     EXPECT_NEAR(6.0f + 2.0f, track.getValue(4.0f), 1e-5f);
 }
@@ -161,8 +161,8 @@ TEST(Shape, ABoxHasSixFlatFacesThatLookOutwards) {
     }
 }
 
-// The volume that a closed surface encloses, by the divergence of (x, y, z) / 3; and is every edge walked
-// once each way?
+// The volume inside a closed surface, by the divergence of (x, y, z) / 3; and is every edge used once in each
+// direction?
 float volumeOf(const o3d::Mesh& mesh, bool& closed) {
     double volume = 0;
     std::map<std::pair<std::tuple<long, long, long>, std::tuple<long, long, long>>, int> edges;

@@ -1,4 +1,4 @@
-// A callback that writes down what is called on it.
+// A callback that records its calls.
 #pragma once
 
 #include "script_callback.h"
@@ -9,7 +9,7 @@
 
 namespace zentrak::test {
 
-// Each call is one line, such as "clear update 2 0.5 0.25"; several recorders may share one list.
+// Each call is one line, such as "clear update 2 0.5 0.25"; several recorders may share a list.
 class Recorder : public script::Callback {
 public:
     Recorder(std::string name, std::vector<std::string>& calls) : mName(std::move(name)), mCalls(calls) {}

@@ -1,4 +1,4 @@
-// The timeline driven by hand: which spans run when, in which order, with which numbers.
+// The timeline driven by hand: which spans run when, in which order, with which values.
 #include "allocations.h"
 #include "recorder.h"
 #include "script_engine.h"

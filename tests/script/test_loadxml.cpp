@@ -1,4 +1,4 @@
-// Script files, read whole and element by element.
+// Script files, loaded whole and element by element.
 #include "script_loadxml.h"
 #include "support.h"
 #include "xml_parser.h"
@@ -65,7 +65,7 @@ TEST(LoadXml, ReadsEveryAttributeOfEveryElement) {
     ASSERT_EQ(kub.mSplines[0]->mKeys.size(), 2u);
     EXPECT_EQ(kub.mSplines[0]->mKeys[1].time, 30);
     EXPECT_EQ(kub.mSplines[0]->mKeys[1].value, -2.5f);
-    EXPECT_EQ(kub.mSplines[0]->mKeys[0].tangentOut, -3.5f * 30); // made under the mode of the file
+    EXPECT_EQ(kub.mSplines[0]->mKeys[0].tangentOut, -3.5f * 30); // computed in the file's mode
     ASSERT_EQ(kub.mChildren.size(), 1u);
     EXPECT_EQ(kub.mChildren[0]->mName, "grid");
     EXPECT_FALSE(kub.mChildren[0]->mEnabled);

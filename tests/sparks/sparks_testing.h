@@ -1,4 +1,4 @@
-// What the tests of the particles share.
+// Shared by the tests of particles.
 #pragma once
 
 #include "am_archivemanager.h"
@@ -11,8 +11,8 @@
 
 namespace zentrak::test {
 
-// A display that is never opened, over a folder of its own: enough for all but drawing. Its clock stands
-// where it is set.
+// A display that is never opened, with its own folder: enough for everything but drawing. Its clock only
+// moves when set.
 struct Closed {
     TempDir folder;
     am::ArchiveManager archives;
@@ -27,7 +27,7 @@ struct Closed {
     void setTime(float time) { display.mFpsLastTime = time; }
 };
 
-// An engine that keeps to itself what it says at its end.
+// An engine that suppresses what it prints at its end.
 struct QuietEngine : std::unique_ptr<sparks::Engine> {
     explicit QuietEngine(display::DisplayGL* display)
         : std::unique_ptr<sparks::Engine>(new sparks::Engine(display)) {}
@@ -44,7 +44,7 @@ inline int countOf(const sparks::Spark* list) {
     return count;
 }
 
-// A particle that lasts, at the origin.
+// A long-lived particle at the origin.
 inline sparks::Spark longLived() {
     sparks::Spark spark;
     spark.size = 10;

@@ -16,9 +16,9 @@ using test::Picture;
 
 namespace {
 
-// Looks along -z from (0, 0, 10), so that a sprite of size 2 in the origin covers the pixels around the
-// middle. The strip of sprites is one whose cells are of one opaque colour each: bit 0 of the cell's number
-// is red, bit 1 green, bit 2 blue, and the cell's upper half is white.
+// Looks along -z from (0, 0, 10), so that a sprite of size 2 at the origin covers the pixels around the
+// centre. Each cell of the sprite strip has one opaque colour: bit 0 of its number is red, bit 1 green, bit 2
+// blue, and its upper half is white.
 class DrawTest : public test::GlTest {
 protected:
     test::TempDir mFolder;
@@ -64,7 +64,7 @@ protected:
             engine().draw(&mCameraInverse);
         });
     }
-    // Red in the middle of the one particle, 0 to 1.
+    // Red at the centre of the only particle, 0 to 1.
     float redAt(float time) { return float(at(time).at(100, 90)[0]) / 255.0f; }
 
     void add(Spark spark, float time = 0) {
@@ -107,7 +107,7 @@ TEST_F(DrawTest, IsHiddenUntilItsTimeOffsetIsOver) {
     add(spark, 2);
     EXPECT_EQ(redAt(2), 0);
     EXPECT_EQ(redAt(3), 0);                // not before the age is above 0
-    EXPECT_EQ(engine().random.mState, 1u); // what is hidden draws no random number
+    EXPECT_EQ(engine().random.mState, 1u); // hidden particles draw no random number
     EXPECT_NEAR(redAt(3.1f), 0.7071f, 0.01f);
     EXPECT_NE(engine().random.mState, 1u);
     spark.timeoffset = NAN;

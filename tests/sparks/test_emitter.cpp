@@ -13,7 +13,7 @@ using mathbase::Vector3f;
 
 namespace {
 
-// The emitter of a text with one tag "emitter" under its root.
+// The emitter in a text with one "emitter" tag under its root.
 Emitter loaded(const std::string& tag) {
     xml::XmlParser document;
     document.parse("<spark>" + tag + "</spark>");
@@ -215,7 +215,7 @@ TEST(EmitterSave, LoadsAsTheSameAgain) {
     for (const std::string& text :
          {std::string(everything), std::string("<emitter num=\"-1\" rate=\"9\"/>")}) {
         const Emitter before = loaded(text);
-        // The defaults of the colour are no whole bytes, and so are saved as the bytes below them.
+        // The default colours are not whole bytes, and are rounded down when saved.
         xml::XmlParser document;
         document.setName("spark");
         xml::Iterator it(&document, "");
@@ -246,7 +246,7 @@ TEST(FillSpark, TakesItsNumbersInOrder) {
     spark.position = Vector3f(7, 8, 9);
     spark.time = 3;
     e.fillSpark(spark);
-    // Worked out by hand from the states 69074, 475904815, 884950952, 997714317 ... and single precision.
+    // Worked out by hand in single precision from the states 69074, 475904815, 884950952, 997714317 ...
     EXPECT_NEAR(spark.velocity.x, 0.021312659606337547f, 2e-8);
     EXPECT_NEAR(spark.velocity.y, 1.6209070682525635f, 2e-7);
     EXPECT_NEAR(spark.velocity.z, 0.0751957967877388f, 2e-8);

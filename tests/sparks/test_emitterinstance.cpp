@@ -57,8 +57,8 @@ TEST_F(InstanceTest, AFractionComesOnAverage) {
 }
 
 TEST_F(InstanceTest, TheFractionIsDrawnFromTheInstance) {
-    // The states 69074, 475904815, 884950952, 997714317, 2674863854, 2153294491 as parts of 2^32: 0.00002,
-    // 0.111, 0.206, 0.232, 0.623, 0.501.
+    // The states 69074, 475904815, 884950952, 997714317, 2674863854, 2153294491 as fractions of 2^32:
+    // 0.00002, 0.111, 0.206, 0.232, 0.623, 0.501.
     const int expected[] = {1, 1, 1, 1, 0, 0};
     for (int count : expected)
         EXPECT_EQ(update(0.01f), count); // 0.5 due
@@ -87,7 +87,7 @@ TEST_F(InstanceTest, AnEmitterThatIsNotActiveDrawsNothing) {
     EXPECT_EQ(update(10), 0);
     EXPECT_EQ(mInstance.random.mState, 1u);
     mEmitter.active = true;
-    mEmitter.second = false; // plays no part
+    mEmitter.second = false; // is ignored
     EXPECT_EQ(update(0.1f), 5);
 }
 
@@ -168,7 +168,7 @@ TEST_F(InstanceTest, ACopySharesItsEmittersAndWhatIsLeftOfThem) {
 TEST_F(InstanceTest, WithoutAnEngineTheFirstEmissionFails) {
     mInstance.engine = nullptr;
     mInstance.name = "lost";
-    mInstance.update(0, 0); // emits nothing, and so does not need one
+    mInstance.update(0, 0); // emits nothing, so doesn't need one
     try {
         mInstance.update(0, 1);
         FAIL();

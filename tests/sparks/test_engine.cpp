@@ -30,7 +30,7 @@ protected:
         for (int i = 0; i < count; ++i)
             mEngine->addSpark(spark);
     }
-    // The one particle that is alive.
+    // The only live particle.
     const Spark& only() {
         EXPECT_EQ(countOf(mEngine->live), 1);
         return *mEngine->live;
@@ -45,7 +45,7 @@ const char* const twoInstances =
     "v2=\"0.1\"/></emitter></instance>\n"
     "<instance name=\"sun\"/>\n</spark>\n";
 
-// powf, as the step of a particle is defined.
+// powf, as in the definition of a particle's step.
 float decayed(float value, float decay, float dt) {
     return value * powf(2.7182817f, -decay * dt);
 }
@@ -423,7 +423,7 @@ TEST_F(EngineTest, AllocatesNothingOnceWarm) {
     Spark spare = longLived();
     spare.size = 0;
     add(5000, spare);
-    mEngine->update(time); // and these are free again
+    mEngine->update(time); // and these become free again
     const int peak = mEngine->allocated;
     const size_t before = test::allocationCount();
     for (int i = 0; i < 100; ++i)

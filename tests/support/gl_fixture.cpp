@@ -22,7 +22,7 @@ Picture grabPicture(const display::DisplayGL& display) {
     return picture;
 }
 
-// Draws one frame's picture when asked to.
+// Draws one frame on request.
 class GlWindow::Painter : public display::Listener {
 public:
     void onDraw() override {

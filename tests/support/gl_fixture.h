@@ -28,10 +28,9 @@ public:
     display::DisplayGL& display() { return *mDisplay; }
     am::ArchiveManager& archives() { return mArchives; }
 
-    // Runs one whole frame of the display, calling `draw` after the states are reset, and returns what the
-    // window shows at its end. With `clear` the picture is cleared to black first, and the depth buffer too.
-    // What `draw` throws is rethrown. Fails the running test if the window doesn't draw
-    // within 20 seconds.
+    // Runs one complete frame of the display, calling `draw` after the state reset, and returns what the
+    // window shows at its end. With `clear` colour (to black) and depth are cleared first. Rethrows what
+    // `draw` throws. Fails the running test if the window doesn't draw within 20 seconds.
     Picture frame(const std::function<void()>& draw, bool clear = true);
 
 private:

@@ -16,7 +16,7 @@
 namespace zentrak::test {
 namespace {
 
-// A text as one word of the shell.
+// Quotes a text for the shell.
 std::string quoted(const std::string& text) {
     std::string word = "'";
     for (char c : text)
@@ -24,7 +24,7 @@ std::string quoted(const std::string& text) {
     return word + "'";
 }
 
-// A text as a regular expression that matches it alone.
+// A regular expression that matches exactly this text.
 std::string pattern(const std::string& text) {
     std::string expression = "^";
     for (char c : text) {
@@ -68,7 +68,7 @@ bool Viewer::until(const std::string& what, const std::function<bool()>& done, d
     }
 }
 
-// The deadline is for a tool that waits for what never comes.
+// The timeout is for a tool that waits for something that never happens.
 void Viewer::tool(const std::string& arguments) {
     const auto [status, text] = runCommand("timeout 60 xdotool " + arguments);
     EXPECT_EQ(status, 0) << "xdotool " << arguments << ": " << text;
@@ -141,7 +141,8 @@ void Viewer::focus() {
     });
 }
 
-// What a panel or a pager sends: the window manager then asks the window, as its close button makes it do.
+// What a panel or pager sends: the window manager then sends the window a close request, as its close button
+// does.
 void Viewer::requestClose() {
     const auto id = static_cast<Window>(std::strtoul(window().c_str(), nullptr, 10));
     Display* display = XOpenDisplay(nullptr);
@@ -166,7 +167,7 @@ void Viewer::restore() {
     tool("windowactivate " + window());
 }
 
-// The pointer goes in steps: the window manager takes a drag for one after some pixels only.
+// Moves the pointer in steps: the window manager recognises a drag only after some pixels.
 void Viewer::dragCorner(int dx, int dy) {
     const auto [status, text] = runCommand("timeout 60 xdotool getwindowgeometry --shell " + window());
     EXPECT_EQ(status, 0) << text;

@@ -15,10 +15,10 @@ namespace zentrak::test {
 
 class Viewer {
 public:
-    // For the window with this title; `poll` runs the events of the program under test, once, without waiting
-    // for any (glfwPollEvents, or one DisplayGL::update).
+    // For the window with this title. `poll` processes pending events of the program under test once, without
+    // waiting (glfwPollEvents, or one DisplayGL::update).
     Viewer(std::string title, std::function<void()> poll);
-    // Lets go of every key and button, and puts the US layout back if another was chosen.
+    // Releases all keys and buttons, and restores the US layout.
     ~Viewer();
     Viewer(const Viewer&) = delete;
     Viewer& operator=(const Viewer&) = delete;
@@ -27,8 +27,7 @@ public:
     bool until(const std::string& what, const std::function<bool()>& done, double seconds = 30.0);
 
     // Keys, by X keysym name ("a", "Return", "KP_Add", "shift+a", "ctrl+t") or by key code as a number from
-    // 10 on
-    // ("24" is the key right of Tab, whatever the layout makes of it).
+    // 10 on ("24" is the key right of Tab in any layout).
     void key(const std::string& name); // down and up, modifiers first
     void keyDown(const std::string& name);
     void keyUp(const std::string& name);
@@ -43,13 +42,13 @@ public:
     void click(int button);
     void wheel(int steps); // up is positive
 
-    // The window, by way of the window manager.
+    // The window, through the window manager.
     void focus();        // gives it the focus, and waits until it has it
     void requestClose(); // as its close button does
     void iconify();
     void restore(); // from iconified, and gives it the focus
     void dragCorner(int dx,
-                    int dy); // drags the lower right corner by so many pixels, Alt and the right button
+                    int dy); // drags the lower right corner with Alt and the right button
 
     const std::string& window(); // its X id, decimal; waits until it is there
 

@@ -1,4 +1,4 @@
-// Pictures in tests: PNG files, and comparing what was drawn with a reference.
+// PNG files, and comparing pictures with references.
 #pragma once
 
 #include <cstdint>
@@ -23,7 +23,7 @@ struct Picture {
     }
 };
 
-bool readPng(const std::string& path, Picture& picture);        // any PNG, turned into 8-bit RGBA
+bool readPng(const std::string& path, Picture& picture);        // any PNG, converted to 8-bit RGBA
 bool writePng(const std::string& path, const Picture& picture); // creates the folders it needs
 
 // How much two pictures of the same size differ, in their colour channels (alpha is ignored).

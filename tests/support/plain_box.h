@@ -1,4 +1,4 @@
-// A box drawn with one OpenGL call per vertex: what tests and benchmarks compare the batch with.
+// A box with one OpenGL call per vertex, to compare the batch with.
 #pragma once
 
 #include "mb_vector3.h"
@@ -7,11 +7,11 @@
 
 namespace zentrak::test {
 
-// By its centre and half its sizes, with an outward normal and the whole texture upright on each face, as far
-// as these are asked for. The order of the faces and of their corners is that of display::Batch.
+// Centre and half sizes; optionally with outward normals and the whole texture upright on each face. Faces
+// and corners are in the order of display::Batch.
 template <bool NORMALS = true, bool TEXTURE = true>
 void plainBox(const mathbase::Vector3f& centre, const mathbase::Vector3f& half) {
-    // Outward normal, then what is right and up on the face.
+    // Outward normal, then right and up on the face.
     static constexpr float faces[6][3][3] = {
         {{0, 0, -1}, {-1, 0, 0}, {0, 1, 0}}, {{-1, 0, 0}, {0, 0, 1}, {0, 1, 0}},
         {{1, 0, 0}, {0, 0, -1}, {0, 1, 0}},  {{0, -1, 0}, {1, 0, 0}, {0, 0, 1}},

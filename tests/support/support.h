@@ -1,4 +1,4 @@
-// What tests share: temporary folders, whole files, child processes, and captured output.
+// Shared by all tests: temporary folders, whole files, child processes, and captured output.
 #pragma once
 
 #include <limits>

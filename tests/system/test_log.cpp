@@ -22,7 +22,7 @@ std::string printed(const LogData& data) {
     return capture.text();
 }
 
-// What building an exception of this finished text logs.
+// The log output of constructing an exception with this text.
 std::string loggedFor(const std::string& text) {
     CaptureStdout capture;
     const Exception exception("%s", text.c_str());
@@ -106,7 +106,7 @@ TEST(Log, NullTextsPrintAsEmptyOnes) {
     EXPECT_EQ("[][],  (:0)\n", printed({nullptr, nullptr, nullptr, nullptr, nullptr, 0}));
 }
 
-// What a text looks like on a terminal.
+// The text as it arrives on a terminal.
 std::string printedOnATerminal(const std::string& text) {
     const int terminal = posix_openpt(O_RDWR | O_NOCTTY);
     EXPECT_EQ(grantpt(terminal) | unlockpt(terminal), 0);

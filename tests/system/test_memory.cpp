@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 #include <malloc.h>
 
-#if !defined(__SANITIZE_ADDRESS__) // whose heap is another
+#if !defined(__SANITIZE_ADDRESS__) // which replaces the heap
 
 TEST(KeepFreedMemory, MegabytesThatAreFreedStayInTheHeap) {
     constexpr size_t SIZE = size_t(8) << 20;
@@ -14,7 +14,7 @@ TEST(KeepFreedMemory, MegabytesThatAreFreedStayInTheHeap) {
     char* block = static_cast<char*>(malloc(SIZE));
     ASSERT_NE(block, nullptr);
     memset(block, 1, SIZE);
-    EXPECT_EQ(mallinfo2().hblks, mapped); // no mapping of its own
+    EXPECT_EQ(mallinfo2().hblks, mapped); // not in a separate mapping
     free(block);
     EXPECT_GE(mallinfo2().fordblks, SIZE);
 }

@@ -1,4 +1,4 @@
-// The makers of the show's pictures, against what lies in the tree.
+// The programs that make the show's pictures, compared with the pictures in the source tree.
 #include "picture.h"
 #include "support.h"
 
@@ -12,7 +12,7 @@ namespace {
 
 struct Maker {
     const char* program;
-    const char* folder; // of the tree, that it fills
+    const char* folder; // the folder in the tree that it fills
     int pictures;
 };
 
@@ -23,8 +23,8 @@ const Maker makers[] = {{MAKE_SCREEN_ART, "data", 4},
 
 } // namespace
 
-// By their pixels, alpha too: another library's sine may end in another bit, and another zlib packs
-// otherwise.
+// Compares the pixels, with alpha: another libm's sine may differ in the last bit, and another zlib packs
+// differently.
 TEST(Art, TheMakersMakeWhatLiesInTheTree) {
     for (const Maker& maker : makers) {
         TempDir folder;

@@ -1,4 +1,4 @@
-// What the checker of scripts says, and that the show's own script gives it nothing to say.
+// What the script checker reports, and that it finds nothing in the show's own script.
 #include "support.h"
 
 #include <gtest/gtest.h>
@@ -24,7 +24,7 @@ protected:
         test::writeFile(mFolder.file("s.xml"), text);
         return run(options + " s.xml");
     }
-    // The elements from line 3 on, in a span of "kub" that is ten seconds long.
+    // A script with these elements from line 3 on, in a ten second span of "kub".
     Result checkSpan(const std::string& elements) {
         return check("<effect name=\"kub\" start=\"5\" end=\"15\">\n" + elements + "</effect>\n");
     }
@@ -126,7 +126,7 @@ TEST_F(CheckScript, ANestedSpanOutsideItsParentsTimeIsNamed) {
                       "s.xml:6: the span ends at 12, after its parent 'kub' at 10\n"));
 }
 
-// What cuts a span cuts what is nested in it, at any depth.
+// What cuts a span also cuts the spans nested in it, at any depth.
 TEST_F(CheckScript, TheTimesOfAllParentsCount) {
     EXPECT_EQ(
         check("<effect name=\"a\" start=\"100\" end=\"110\"><effect name=\"b\" start=\"2\" end=\"10\">\n"
@@ -250,7 +250,7 @@ TEST_F(CheckScript, SaysHowItIsUsed) {
     EXPECT_EQ(run("--help"), usage);
 }
 
-// The worst of all files counts, and every one of them is looked into.
+// The worst file determines the exit status, and every file is checked.
 TEST_F(CheckScript, SeveralFilesAreCheckedInTurn) {
     test::writeFile(mFolder.file("good.xml"), "<script><effect name=\"grid\" end=\"1\"/></script>");
     test::writeFile(mFolder.file("bad.xml"), "<script><effect name=\"gird\" end=\"1\"/></script>");

@@ -1,4 +1,4 @@
-// The music of the show: what is written, how the instruments sound, and the file that comes of it.
+// The music of the show: the score, the sound of the instruments, and the file.
 #include "music/effects.h"
 #include "music/instruments.h"
 #include "music/score.h"
@@ -18,7 +18,7 @@ using namespace zentrak::test;
 
 namespace {
 
-// A whole Vorbis file, decoded: two channels by turns.
+// A whole Vorbis file, decoded: two interleaved channels.
 std::vector<float> decode(const std::string& path) {
     using namespace zentrak::audiere;
     std::string bytes = readFile(path);
@@ -46,7 +46,7 @@ double power(const std::vector<float>& samples, int bar, int bars) {
     return 10 * std::log10(sum / (2.0 * BAR * bars));
 }
 
-// How strong a frequency is in a mono sound.
+// The level of a frequency in a mono sound.
 double strength(const std::vector<float>& samples, int first, int count, double frequency) {
     double re = 0, im = 0;
     for (int i = 0; i < count; ++i) {
@@ -58,7 +58,7 @@ double strength(const std::vector<float>& samples, int first, int count, double 
     return std::sqrt(re * re + im * im);
 }
 
-// The half tone that is strongest between two pitches, inclusive.
+// The strongest semitone between two pitches, inclusive.
 int strongestPitch(const std::vector<float>& samples, int low, int high) {
     int best = 0;
     double most = -1;
@@ -106,7 +106,7 @@ TEST(Score, MelodiesStayWithinThePieceAndInTheirRange) {
     }
 }
 
-// Two thirds of the notes on the beats, at least, belong to the chord that sounds; the others lead on.
+// At least two thirds of the notes on the beats belong to the current chord; the others are passing notes.
 TEST(Score, MelodiesBelongToTheHarmony) {
     std::vector<Chord> chords = harmony();
     for (const Line& line : lines()) {
@@ -240,7 +240,7 @@ TEST(Effects, TheRoomDiesAwayInItsTime) {
                                   heard.left.begin() + second * RATE, 0.0);
     };
     EXPECT_GT(energy(1), 0);
-    double fall = 10 * std::log10(energy(2) / energy(1)); // 30 dB a second, and more in the heights
+    double fall = 10 * std::log10(energy(2) / energy(1)); // 30 dB a second, and more in the treble
     EXPECT_LT(fall, -25);
     EXPECT_GT(fall, -60);
 }
@@ -286,7 +286,7 @@ TEST(ShowMusic, GrowsFromSectionToSectionAndRestsInTheBreak) {
     EXPECT_GT(second, rest + 3);
     EXPECT_GT(finale, theme);
     EXPECT_LT(power(show(), 82, 2), finale - 8);
-    EXPECT_NEAR(power(show(), 0, 84), -16, 1.5); // loudness as is usual
+    EXPECT_NEAR(power(show(), 0, 84), -16, 1.5); // a usual loudness
 }
 
 TEST(ShowMusic, IsWhatTheProgramMakesAndTheSameEachTime) {
@@ -311,7 +311,7 @@ TEST(ShowMusic, TheProgramSaysWhatIsWrong) {
         EXPECT_EQ(status, 2) << arguments;
         EXPECT_EQ(text.find("usage: make_music FILE.ogg [BARS]"), 0u) << arguments << text;
     }
-    EXPECT_TRUE(std::filesystem::is_empty(folder.path())); // nothing that was not asked for
+    EXPECT_TRUE(std::filesystem::is_empty(folder.path())); // nothing extra
     EXPECT_EQ(runCommand(std::string(MAKE_MUSIC) + " /no/such/folder/x.ogg 1"),
               (std::pair<int, std::string>(1, "make_music: cannot write /no/such/folder/x.ogg\n")));
 }

@@ -17,7 +17,7 @@ namespace {
 const Vector3f origin(0, 0, 0);
 const Vector3f ahead(0, 0, -1);
 
-// Says that it was hit where it was told to, whatever the bounds.
+// Reports a hit at the given distance, whatever the bounds.
 class Liar : public trace::Primitive {
 public:
     float at = 0;
@@ -36,7 +36,7 @@ TEST(PrimSphere, IsHitAtItsNearerSide) {
     ASSERT_TRUE(sphere.trace(pi, origin, ahead, 0, 100));
     EXPECT_FLOAT_EQ(pi.t, 8);
     EXPECT_FALSE(pi.inside);
-    EXPECT_FLOAT_EQ(pi.nor.z, 2); // the length of the radius
+    EXPECT_FLOAT_EQ(pi.nor.z, 2); // as long as the radius
     EXPECT_EQ(pi.uvw[0], 0);
     EXPECT_EQ(pi.uvw[1], 0);
 }
@@ -190,7 +190,7 @@ TEST(PrimSceneDeathTest, APrimitiveThatBreaksItsBoundsIsCaught) {
     EXPECT_DEATH(scene.trace(i, origin, ahead, 0, 100), "pi.t<=tm");
 }
 
-// Against the slowest way there is: small steps along the ray until the distance to the centre falls below
+// Compared with the slowest method: small steps along the ray until the distance to the centre falls below
 // the radius.
 TEST(PrimScene, AgreesWithAMarchAlongTheRay) {
     PrimSphere a(Vector3f(-3, 2.1f, 0), 2.3f, nullptr);

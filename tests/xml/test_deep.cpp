@@ -1,4 +1,4 @@
-// Trees deeper and wider than a call stack or a quadratic way would stand.
+// Trees too deep for recursion and too wide for quadratic algorithms.
 
 #include "xml_support.h"
 
@@ -11,7 +11,7 @@ namespace {
 
 const int million = 1000000;
 
-// Names alternate: an empty element within one of its own name would be written as that one's end tag.
+// Names alternate: an empty element inside one of the same name would be written like its end tag.
 std::string nested(int depth) {
     std::string text;
     for (int i = 0; i < depth; ++i)

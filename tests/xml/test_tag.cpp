@@ -141,7 +141,7 @@ TEST(XmlTag, ParseAttributeReplacesAnEarlierValueInPlace) {
 
 TEST(XmlTag, PartsCalledAtTheEndOfTheDataFailAsEof) {
     XmlTag tag;
-    for (const size_t pos : {size_t(0), size_t(7)}) { // also with a place behind the data
+    for (const size_t pos : {size_t(0), size_t(7)}) { // also with a position past the data
         BufferReader reader("", 0);
         reader.pos = pos;
         EXPECT_EQ("EOF", failure([&] { tag.parse(reader); }));

@@ -1,4 +1,4 @@
-// What the tests of the XML library share: a tree as one line of text, and the words of a failure.
+// Shared by the tests of the XML library: a tree as one line of text, and exception texts.
 #pragma once
 
 #include "support.h"
@@ -10,7 +10,7 @@
 
 namespace zentrak::test {
 
-// What the call throws, or "(nothing)"; its log lines are swallowed.
+// The text of the exception that the call throws, or "(nothing)"; its log lines are suppressed.
 inline std::string failure(const std::function<void()>& call) {
     const CaptureStdout swallow;
     try {
@@ -21,13 +21,13 @@ inline std::string failure(const std::function<void()>& call) {
     return "(nothing)";
 }
 
-// What parsing the text throws.
+// The text of the exception that parsing throws.
 inline std::string parseFailure(const std::string& text) {
     xml::XmlParser parser;
     return failure([&] { parser.parse(text); });
 }
 
-// The tag and what is below it: type/name, "/" if closed, [attributes], (children).
+// The tag and its subtree: type/name, "/" if closed, [attributes], (children).
 inline std::string shape(const xml::XmlNode& node) {
     std::string text =
         node.type == xml::XmlTag::Normal ? node.name : std::to_string(node.type) + ":" + node.name;
@@ -48,14 +48,14 @@ inline std::string shape(const xml::XmlNode& node) {
     return text;
 }
 
-// The shape of the document in the text.
+// The shape of the document that the text holds.
 inline std::string parsed(const std::string& text) {
     xml::XmlParser parser;
     parser.parse(text);
     return shape(parser);
 }
 
-// The document in the text, written again.
+// The document parsed and written again.
 inline std::string rewritten(const std::string& text) {
     xml::XmlParser parser;
     parser.parse(text);

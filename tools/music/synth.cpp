@@ -38,8 +38,7 @@ float pitchToFrequency(float pitch) {
 }
 
 float Noise::next() {
-    mState = mState * 69069 + 5;
-    return float(int(mState)) * (1.0f / 2147483648.0f);
+    return float(int(mRandom.draw())) * (1.0f / 2147483648.0f);
 }
 
 float Saw::next(float frequency) {

@@ -1,6 +1,7 @@
 // Building blocks of the instruments. Frequencies are in Hz, times in seconds; each call produces one sample.
 #pragma once
 
+#include "mb_random.h"
 #include "score.h"
 
 #include <vector>
@@ -28,12 +29,12 @@ float pitchToFrequency(float pitch); // MIDI
 // White noise from -1 to 1, determined by the seed.
 class Noise {
 public:
-    explicit Noise(unsigned seed) : mState(seed * 2654435761u + 1) {}
+    explicit Noise(unsigned seed) : mRandom(seed * 2654435761u + 1) {}
     float next();
     float unit() { return 0.5f + 0.5f * next(); } // 0 to 1
 
 private:
-    unsigned mState;
+    mathbase::Random mRandom;
 };
 
 // A sawtooth from -1 to 1 with rounded edges against aliasing. The initial phase is from 0 to 1.
