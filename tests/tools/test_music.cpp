@@ -211,8 +211,9 @@ TEST(Effects, TheLimiterKeepsTheCeilingAndLeavesTheRestAlone) {
     limit(track, 0.8f);
     for (int i = 0; i < RATE; ++i) {
         ASSERT_LE(std::fabs(track.left[size_t(i)]), 0.8f);
-        if (i < 19000)
+        if (i < 19000) {
             ASSERT_NEAR(track.left[size_t(i)], before.left[size_t(i)], 1e-5);
+        }
     }
     EXPECT_NEAR(track.left[40000], before.left[40000], 0.05);
 }
