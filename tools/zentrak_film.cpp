@@ -1,5 +1,5 @@
-// zentrak-film: makes a film, single pictures or a contact sheet of a show. Every frame is drawn at its exact
-// time, however slow the machine is.
+// zentrak-film: renders a show to a film, single pictures or a contact sheet. Every frame is drawn at its
+// exact time, however slow the machine is.
 
 #include "film/zentrak_film.h"
 #include "effect_names.h"

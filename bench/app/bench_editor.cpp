@@ -1,10 +1,10 @@
-// What the timeline editor takes of a frame, over scripts of several sizes, in turn in one run:
+// The timeline editor's share of a frame for scripts of several sizes, alternating within one run:
 //     tests/with_display build/bench/bench/app/bench_editor [FRAMES]
-// Each line is one script: milliseconds of a frame's editor, open and closed (the pixels are waited for),
-// what building the rows took, and what a move of the mouse and a step of its wheel take: medians by the
-// clock and, in brackets, by processor time; of the open one also by that of the thread that draws. The
-// wanted: 5 ms open and 0.05 closed over 500 spans and 2,000 splines; and what is clipped away costs nothing,
-// so that the size of the script does not show.
+// One line per script, in milliseconds: the editor's part of a frame, open and closed, up to the finished
+// pixels; building the rows; one mouse move and one step of the wheel. Medians by the clock and, in brackets,
+// by processor time; for the open editor also by that of the drawing thread. Targets with 500 spans and 2,000
+// splines: 5 ms open, 0.05 closed. What is clipped should cost nothing, so the times should not depend on the
+// size of the script.
 #include "am_archivemanager.h"
 #include "dis_display.h"
 #include "kin_gui.h"
@@ -26,8 +26,8 @@ namespace {
 
 constexpr int WIDTH = 1280, HEIGHT = 800;
 
-// By the clock, by processor time over all threads, on a busy machine the steadier of the two, and by that of
-// this thread alone, without those of the driver that fill pixels.
+// By the clock; by processor time over all threads, which is steadier on a busy machine; and by processor
+// time of this thread, without the driver's threads that fill pixels.
 struct Taken {
     double wall = 0, processor = 0, thread = 0;
 };
@@ -64,7 +64,7 @@ Taken median(const std::vector<Taken>& list) {
     return {wall[wall.size() / 2], processor[processor.size() / 2], thread[thread.size() / 2]};
 }
 
-// Spans of 4 to 23 seconds all along a show of 200, each with four curves of five keys.
+// Spans of 4 to 23 seconds spread over a show of 200, each with four curves of five keys.
 void fill(script::ScriptEngine& engine, int spans) {
     for (int i = 0; i < spans; ++i) {
         auto* const effect = new script::Effect;
@@ -83,7 +83,7 @@ void fill(script::ScriptEngine& engine, int spans) {
     engine.init();
 }
 
-// An editor of its own, on the display that is there.
+// A separate editor on the existing display.
 class Edited {
 public:
     Edited(display::DisplayGL& display, int spans) : mDisplay(display), mSpans(spans) {
