@@ -119,10 +119,10 @@ int Workspace::handleCaptured(Event& event) {
     return control->handleEvent(event);
 }
 
-// An open menu hears everything first. The release of the click that opened it leaves it open, the next one
-// closes it, and so does Esc. All but a menu bar's keeps the event from the controls. What a menu takes, as a
-// list takes keys, it keeps even if it has closed by then. Keys other than Tab go no further than the menu:
-// the next listener would quit on one that was meant for it.
+// An open menu gets every event first. The release of the click that opened it leaves it open; the next
+// release closes it, and so does Esc. Unless it is a menu bar's, the controls below get nothing. What the
+// menu takes (a dropdown's list takes keys) goes no further, even if that has closed it; everything else goes
+// on to the next listener.
 int Workspace::handleEvent(Event& event) {
     int taken = 0;
     if (mContext) {
@@ -132,13 +132,12 @@ int Workspace::handleEvent(Event& event) {
             resetContext();
         else
             mContextFresh = false;
-        const bool down = event.type == "keydown";
-        if (mContext && !taken && down && event.key == display::KEY_ESC) {
+        if (mContext && !taken && event.type == "keydown" && event.key == display::KEY_ESC) {
             resetContext();
             return 1;
         }
         if (mContext && !(mContext->getParent() && mContext->getParent()->getType() == "menubar"))
-            return taken || (event.isKey() && !(down && event.key == display::KEY_TAB));
+            return taken;
     }
     if (taken)
         return taken;

@@ -754,20 +754,26 @@ TEST_F(ControlTest, WithAContextOpenClicksElsewhereCloseItAndReachNothing) {
     EXPECT_EQ(below.heard.back(), "mousedown");
 }
 
-TEST_F(ControlTest, EscClosesAnOpenMenuAndGoesNoFurther) {
-    Plain& button = add(Box2(0, 0, 50, 20));
+TEST_F(ControlTest, OfTheKeysUnderAnOpenMenuOnlyEscIsTakenAndClosesIt) {
+    Plain& below = add(Box2(0, 0, 200, 200));
+    press(100, 100); // the focus
     Context menu;
     menu.addOption("a", "");
-    button.setContext(&menu);
+    below.setContext(&menu);
+    below.heard.clear();
+    for (const char* type : {"keydown", "keyup"})
+        for (const int key : {int(display::KEY_q), int(display::KEY_SPACE), int(display::KEY_TAB)}) {
+            Event other = makeEvent(type);
+            other.key = key;
+            EXPECT_EQ(root.handleEvent(other), 0) << type << key;
+        }
+    Event character = makeEvent("keychardown");
+    EXPECT_EQ(root.handleEvent(character), 0);
+    EXPECT_EQ(root.mContext, &menu);
+    EXPECT_TRUE(below.heard.empty());
+
     Event escape = makeEvent("keydown");
     escape.key = display::KEY_ESC;
-    for (const auto& [key, taken] :
-         {std::pair(int(display::KEY_q), 1), std::pair(int(display::KEY_TAB), 0)}) {
-        Event other = makeEvent("keydown");
-        other.key = key;
-        EXPECT_EQ(root.handleEvent(other), taken) << key;
-        EXPECT_EQ(root.mContext, &menu);
-    }
     EXPECT_EQ(root.handleEvent(escape), 1);
     EXPECT_EQ(root.mContext, nullptr);
     EXPECT_EQ(root.handleEvent(escape), 0);

@@ -10,6 +10,7 @@
 #include "pan_label.h"
 #include "pan_panorama.h"
 #include "pan_slider.h"
+#include "pan_spline.h"
 #include "pan_stat.h"
 #include "pan_textinput.h"
 #include "pan_treeview.h"
@@ -412,6 +413,17 @@ TEST_F(InputsWindow, TheExampleOfTheDocumentationLoads) {
     EXPECT_EQ(button->getCaption(), "Start");
     EXPECT_NEAR(button->mBack.color.first.x, 0x90 / 255.0f, 1e-6f);
     EXPECT_FALSE(blank(frame()));
+}
+
+// The number of points in a pixel overflows.
+TEST_F(InputsWindow, ACurveInAnExtremelyNarrowWidgetIsDrawn) {
+    Spline& narrow = *add<Spline>(Box2(0, 50, 1e-38f, 150));
+    narrow.setSpline(new Spline::SplineBase, true);
+    Spline::Key key;
+    narrow.mSpline->addKey(key);
+    ASSERT_GT(narrow.getArea().getWidth(), 0);
+    frame();
+    EXPECT_GT(narrow.mPoints.size(), 1u); // the curve was not left out
 }
 
 TEST_F(InputsWindow, AFrameAllocatesNothingOnceWarm) {

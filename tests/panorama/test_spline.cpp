@@ -187,7 +187,7 @@ TEST_F(SplineTest, ADragRunsTheTangents) {
     EXPECT_FLOAT_EQ(curve().mMax, 0.4f);
 }
 
-TEST_F(SplineTest, AKeyOfAnExtremelyNarrowWidgetIsDrawnAndFound) {
+TEST_F(SplineTest, AKeyOfAnExtremelyNarrowWidgetIsHit) {
     keys({{0, 0}});
     mSpline.setArea(Box2(100, 50, 100 + 1e-38f, 150));
     send("mousemove", Vector2f(100, 100));
