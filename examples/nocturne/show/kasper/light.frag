@@ -1,0 +1,4 @@
+// Loaded with every scene; the city is not drawn with it.
+void main() {
+    gl_FragColor = vec4(1.0);
+}
