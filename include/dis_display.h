@@ -80,10 +80,6 @@ public:
     // Whether the context has an extension by name, or all of several with blanks between them.
     static bool hasExtension(const std::string& name);
 
-    // For tests of what is done without an extension: hasExtension denies these from now on; an empty list
-    // denies none. Nothing in the library asks for an extension any other way.
-    static void denyExtensions(const std::vector<std::string>& names);
-
     void setArchive(am::ArchiveManager* manager); // not owned; may be null
 
     // Joining twice is joining once. Both assert "listener!=0". See Listener for what may be done in a
@@ -225,8 +221,6 @@ private:
     static void mousePosFun(int x, int y);
     static void mouseButtonFun(int button, int action);
     static void mouseWheelFun(int position);
-
-    static std::vector<std::string> sDeniedExtensions;
 
     mathbase::MatrixGL mProjectMatrix;
     Walk* mWalks;      // the innermost walk going on, or null

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "am_image.h"
+#include "extensions.h"
 #include "gl_fixture.h"
 #include "support.h"
 #include "ztk_system.h"
@@ -63,7 +64,6 @@ protected:
         mArchives.addArchive(mFolder->path());
         display().setArchive(&mArchives);
     }
-    ~GlObjects() override { display::DisplayGL::denyExtensions({}); }
 
     std::string path(const std::string& name) const { return mFolder->file(name); }
 

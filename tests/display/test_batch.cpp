@@ -5,6 +5,7 @@
 #include "dis_shader.h"
 #include "dis_texture.h"
 #include "dis_vbo.h"
+#include "extensions.h"
 #include "gl_fixture.h"
 #include "mb_random.h"
 #include "support.h"
@@ -12,6 +13,7 @@
 
 #include <cmath>
 #include <cstring>
+#include <optional>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -822,8 +824,9 @@ TEST_F(BatchTest, BoundBuffersStayAsTheyWere) {
     window();
     const bool emulations[] = {false, true};
     for (const bool emulated : emulations) {
+        std::optional<WithoutExtensions> without;
         if (emulated)
-            display::DisplayGL::denyExtensions({"GL_ARB_vertex_buffer_object"});
+            without.emplace({"GL_ARB_vertex_buffer_object"});
         display::VertexP3C4b corner[3] = {};
         display::VBO_wrap<display::VertexP3C4b> vbo(&display());
         display::IBO ibo(&display());
@@ -858,7 +861,6 @@ TEST_F(BatchTest, BoundBuffersStayAsTheyWere) {
         EXPECT_EQ(shown.at(40, 300)[0], 255) << emulated;
         EXPECT_EQ(shown.at(40, 300)[1], 0);
         EXPECT_EQ(shown.at(600, 300)[1], 255) << emulated;
-        display::DisplayGL::denyExtensions({});
     }
 }
 

@@ -7,6 +7,7 @@
 #include "gl_objects.h"
 
 #include <cstring>
+#include <optional>
 #include <type_traits>
 
 using namespace zentrak;
@@ -71,10 +72,13 @@ class BufferTest : public GlObjects, public ::testing::WithParamInterface<bool> 
 protected:
     BufferTest() {
         if (GetParam())
-            DisplayGL::denyExtensions({BUFFERS});
+            mWithout.emplace({BUFFERS});
     }
 
     static bool emulated() { return GetParam(); }
+
+private:
+    std::optional<WithoutExtensions> mWithout;
 };
 
 INSTANTIATE_TEST_SUITE_P(, BufferTest, ::testing::Values(false, true),
@@ -544,7 +548,7 @@ TEST_F(RealBufferTest, SizesBeyondWhatIsRecommendedAreWarnings) {
 }
 
 TEST_F(RealBufferTest, OneUnitNeedsNoMultitexture) {
-    DisplayGL::denyExtensions({"GL_ARB_multitexture"});
+    const WithoutExtensions without{"GL_ARB_multitexture"};
     VBO vbo(&display());
     vbo.setup(VertexP3N3T2::format, 4, nullptr);
     EXPECT_EQ(thrownBy([&] { vbo.setup(VertexP3N3T2A4A4::format, 4, nullptr); }),
@@ -559,7 +563,7 @@ TEST_F(RealBufferTest, TwoTangentsCountAsFourUnits) {
         FakeLimits limits{{GL_MAX_TEXTURE_COORDS, 3}, {GL_MAX_TEXTURE_UNITS, 2}};
         EXPECT_EQ(thrownBy([&] { vbo.setup(VertexP3N3T2A4A4::format, 4, nullptr); }),
                   "Your card does not support 4 texture channels (only 3)");
-        DisplayGL::denyExtensions({"GL_ARB_fragment_program"});
+        const WithoutExtensions without{"GL_ARB_fragment_program"};
         EXPECT_EQ(thrownBy([&] { vbo.setup(VertexP3N3T2A4A4::format, 4, nullptr); }),
                   "Your card does not support 4 texture channels (only 2)");
         const VertexDef six(VertexDef::T_3F, VertexDef::NONE, VertexDef::NONE, VertexDef::NONE,
@@ -647,7 +651,7 @@ TEST_F(RealBufferTest, ADamagedBufferIsAWarning) {
 }
 
 TEST_F(RealBufferTest, EmulationMakesNoCallOnBuffers) {
-    DisplayGL::denyExtensions({BUFFERS});
+    const WithoutExtensions without{BUFFERS};
     static int calls;
     calls = 0;
     const auto gen = __glewGenBuffersARB;

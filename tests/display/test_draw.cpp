@@ -2,8 +2,11 @@
 #include "dis_display.h"
 #include "dis_ibo.h"
 #include "dis_vbo.h"
+#include "extensions.h"
 #include "gl_fixture.h"
 #include "ztk_system.h"
+
+#include <optional>
 
 using namespace zentrak;
 using namespace zentrak::display;
@@ -11,6 +14,7 @@ using zentrak::mathbase::Matrix4x4Col;
 using zentrak::mathbase::Vector3f;
 using zentrak::test::GlTest;
 using zentrak::test::Picture;
+using zentrak::test::WithoutExtensions;
 
 // A window of 200 by 100 pixels; in clip space (x, y) is the pixel (100 + 100 x, 50 - 50 y).
 class Draw : public GlTest {
@@ -310,7 +314,7 @@ class DrawBuffers : public Draw, public ::testing::WithParamInterface<bool> {
 protected:
     DrawBuffers() : left(&display()), whole(&display()), indices(&display()) {
         if (GetParam()) // buffers in plain memory
-            DisplayGL::denyExtensions({"GL_ARB_vertex_buffer_object"});
+            without.emplace({"GL_ARB_vertex_buffer_object"});
         left.setup(VertexP2::format, 6, const_cast<float*>(corners));
         whole.setup(VertexP2::format, 12, const_cast<float*>(corners));
         indices.setup(IBO::FORMAT_UINT16, 12, const_cast<uint16_t*>(order));
@@ -318,7 +322,6 @@ protected:
     ~DrawBuffers() override {
         display().setVBO(nullptr);
         display().setIBO(nullptr);
-        DisplayGL::denyExtensions({});
     }
 
     // How many pixels a call of draw() fills: a triangle is 5000 of 20000.
@@ -333,6 +336,7 @@ protected:
     static const float corners[24];
     static const uint16_t order[12];
 
+    std::optional<WithoutExtensions> without;
     VBO left, whole;
     IBO indices;
     VBO* vbo = nullptr;

@@ -210,7 +210,7 @@ TEST_F(FboTest, WithoutASizeOfItsOwnItTakesTheTextures) {
 }
 
 TEST_F(FboTest, MissingRenderTargetsAreTold) {
-    DisplayGL::denyExtensions({"GL_EXT_framebuffer_object"});
+    const WithoutExtensions without{"GL_EXT_framebuffer_object"};
     EXPECT_FALSE(FBO::isSupported());
     fbo.setup(64, 64, true);
     fbo.attach(FBO::COLOR0, &texture);

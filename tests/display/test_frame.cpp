@@ -1,16 +1,18 @@
-// The frame step: pacing, counting, and what it costs.
+// The frame step: pacing, counting, and that it allocates nothing.
 #include "allocations.h"
+#include "fake_time.h"
 #include "gl_fixture.h"
 #include "glfw2.h"
 #include "input.h"
 #include "recorder.h"
 
 #include <cmath>
-#include <limits>
+#include <numeric>
 
 using namespace zentrak;
 using namespace zentrak::display;
 using zentrak::test::allocationCount;
+using zentrak::test::FakeTime;
 using zentrak::test::GlTest;
 using zentrak::test::Recorder;
 using zentrak::test::Viewer;
@@ -69,41 +71,87 @@ TEST_F(Frame, InDeltaARateThatMakesNoSenseStandsStill) {
     }
 }
 
-TEST_F(Frame, InFixedEachFrameTakesItsTime) {
-    display().setFps(DisplayGL::FPS_FIXED, 50);
-    display().update(); // catches up
-    const float last = display().mFpsLastTime;
-    for (int frame = 0; frame < 5; ++frame)
+// One frame of FPS_FIXED at a time that stands at `now` and only moves when it is read or slept through.
+class FixedFrame : public Frame {
+protected:
+    FixedFrame() { display().setFps(DisplayGL::FPS_FIXED, 1); }
+
+    // Draws a frame at `now`, with the last one at `last`.
+    void draw(double now, float last) {
+        display().setTime(now);
+        display().mFpsLastTime = last;
+        time.clear();
+        EXPECT_TRUE(display().update());
+    }
+
+    double slept() const { return std::accumulate(time.sleeps.begin(), time.sleeps.end(), 0.0); }
+
+    bool hasWaited() const { return !time.sleeps.empty() || time.readings > 4; }
+
+    FakeTime time;
+};
+
+TEST_F(FixedFrame, SleepsUntilFiveMillisecondsBeforeItIsDueAndSpinsThose) {
+    for (const float seconds : {0.02f, 1.0f, 12.0f, 3600.0f}) { // also beyond ten seconds
+        display().mFps = 1 / seconds;
+        draw(100, 100);
+        EXPECT_EQ(1u, time.sleeps.size()) << seconds;
+        EXPECT_NEAR(seconds - 0.005, slept(), 0.002) << seconds;
+        EXPECT_LT(0.004 / FakeTime::TICK, time.readings) << seconds;
+        EXPECT_NEAR(100 + seconds, display().mFpsLastTime, 0.001) << seconds;
+    }
+    EXPECT_EQ(4, recorder.draws);
+}
+
+TEST_F(FixedFrame, SpinsAloneThroughTheLastTenMilliseconds) {
+    display().mFps = 1;
+    draw(100.992, 100);
+    EXPECT_TRUE(time.sleeps.empty());
+    EXPECT_LT(0.007 / FakeTime::TICK, time.readings);
+    EXPECT_NEAR(101, display().mFpsLastTime, 0.001);
+}
+
+TEST_F(FixedFrame, FollowsTheOneBeforeByItsPeriod) {
+    display().mFps = 50;
+    draw(100, 100);
+    for (int frame = 2; frame <= 6; ++frame)
         display().update();
-    EXPECT_LE(last + 0.099f, display().mFpsLastTime);
+    EXPECT_NEAR(100.12, display().mFpsLastTime, 0.004);
     EXPECT_EQ(6, recorder.draws);
 }
 
-TEST_F(Frame, InFixedAFrameThatIsLongDueDoesNotWait) {
-    display().setTime(500); // a frame every ten seconds: the wait would be seen
-    display().setFps(DisplayGL::FPS_FIXED, 0.1f);
-    EXPECT_EQ(0.0f, display().mFpsLastTime);
-    display().update();
-    EXPECT_LE(500.0f, display().mFpsLastTime);
-    EXPECT_GT(505.0f, display().mFpsLastTime);
+TEST_F(FixedFrame, ThatIsLongDueDoesNotWait) {
+    display().mFps = 0.1f;
+    draw(500, 0);
+    EXPECT_NEAR(500, display().mFpsLastTime, 0.01);
+    EXPECT_FALSE(hasWaited());
 }
 
-TEST_F(Frame, InFixedARateThatMakesNoSenseDoesNotWait) {
-    for (float fps : {0.0f, -25.0f, NAN, INFINITY, -INFINITY}) {
+TEST_F(FixedFrame, IsDueAPeriodAfterTheTimeThatIsWritten) {
+    display().mFps = 1;
+    draw(100, 107); // ahead of the clock
+    EXPECT_NEAR(8 - 0.005, slept(), 0.002);
+    EXPECT_NEAR(108, display().mFpsLastTime, 0.001);
+    draw(100, 99.5f);
+    EXPECT_NEAR(0.5 - 0.005, slept(), 0.002);
+    EXPECT_NEAR(100.5, display().mFpsLastTime, 0.001);
+}
+
+TEST_F(FixedFrame, OfARateThatMakesNoSenseDoesNotWait) {
+    for (const float fps : {0.0f, -25.0f, NAN, INFINITY, -INFINITY}) {
         display().setFps(DisplayGL::FPS_FIXED, fps);
-        display().setTime(100);
-        for (int frame = 0; frame < 3; ++frame)
-            EXPECT_TRUE(display().update());
-        EXPECT_GT(105.0f, display().mFpsLastTime) << fps;
+        draw(100, 100);
+        EXPECT_NEAR(100, display().mFpsLastTime, 0.01) << fps;
+        EXPECT_FALSE(hasWaited()) << fps;
     }
-    EXPECT_EQ(15, recorder.draws);
 }
 
-TEST_F(Frame, InFixedAClockThatIsSetBackDoesNotHang) {
-    display().setFps(DisplayGL::FPS_FIXED, 50);
-    display().mFpsLastTime = 100000;
-    display().update(); // waits for one frame, not for a day
-    EXPECT_GT(100.0f, display().mFpsLastTime);
+TEST_F(FixedFrame, AfterATimeThatIsNotFiniteDoesNotWait) {
+    for (const float last : {NAN, INFINITY, -INFINITY}) {
+        draw(100, last);
+        EXPECT_NEAR(100, display().mFpsLastTime, 0.01) << last;
+        EXPECT_FALSE(hasWaited()) << last;
+    }
 }
 
 TEST_F(Frame, SetFpsStoresBothAndStartsOver) {

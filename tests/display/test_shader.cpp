@@ -138,7 +138,7 @@ TEST_F(ShaderTest, EachOfTheFourExtensionsIsNeeded) {
     EXPECT_TRUE(Shader::hasShaders());
     for (const char* name : {"GL_ARB_shader_objects", "GL_ARB_shading_language_100", "GL_ARB_vertex_shader",
                              "GL_ARB_fragment_shader"}) {
-        DisplayGL::denyExtensions({name});
+        const WithoutExtensions without{name};
         EXPECT_FALSE(Shader::hasShaders()) << name;
         VertexShader vertex(&display());
         EXPECT_EQ(thrownBy([&] { vertex.compile("a.vert", ""); }),

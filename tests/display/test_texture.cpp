@@ -3,6 +3,8 @@
 
 #include "gl_objects.h"
 
+#include <optional>
+
 using namespace zentrak;
 using namespace zentrak::test;
 using display::DisplayGL;
@@ -119,7 +121,7 @@ TEST_F(TextureTest, AMissingFileThrowsAndCanComeLater) {
 }
 
 TEST_F(TextureTest, HundredByFiftyWithoutTheExtensionBecomes128By64) {
-    DisplayGL::denyExtensions({NPOT});
+    const WithoutExtensions without{NPOT};
     writeImage("wide.png", halves(100, 50));
     texture.load("wide.png", false);
     const std::string printed = printedBy([&] { texture.bind(); });
@@ -138,7 +140,7 @@ TEST_F(TextureTest, HundredByFiftyWithoutTheExtensionBecomes128By64) {
 }
 
 TEST_F(TextureTest, OneOddSideRoundsAndTheOtherStays) {
-    DisplayGL::denyExtensions({NPOT});
+    const WithoutExtensions without{NPOT};
     texture.load(halves(64, 50), false);
     texture.bind();
     EXPECT_EQ(texture.getWidth(), 64);
@@ -146,7 +148,7 @@ TEST_F(TextureTest, OneOddSideRoundsAndTheOtherStays) {
 }
 
 TEST_F(TextureTest, SixtyFourByThirtyTwoIsKeptWithoutTheExtension) {
-    DisplayGL::denyExtensions({NPOT});
+    const WithoutExtensions without{NPOT};
     texture.load(halves(64, 32), false);
     EXPECT_EQ(printedBy([&] { texture.bind(); }).find("rescaling"), std::string::npos);
     EXPECT_EQ(texture.getWidth(), 64);
@@ -161,7 +163,7 @@ TEST_F(TextureTest, HundredByFiftyIsKeptWithTheExtension) {
 }
 
 TEST_F(TextureTest, AMipmappedTextureIsScaledByTheMipmapBuilder) {
-    DisplayGL::denyExtensions({NPOT});
+    const WithoutExtensions without{NPOT};
     texture.load(halves(100, 50), true);
     EXPECT_EQ(printedBy([&] { texture.bind(); }).find("rescaling"), std::string::npos);
     EXPECT_TRUE(texture.hasMipmaps());
@@ -174,7 +176,7 @@ TEST_F(TextureTest, AMipmappedTextureIsScaledByTheMipmapBuilder) {
 }
 
 TEST_F(TextureTest, ATextureWithoutAnImageKeepsItsSizeAndIsBlack) {
-    DisplayGL::denyExtensions({NPOT});
+    const WithoutExtensions without{NPOT};
     texture.setup(100, 50, Texture::CHAN_DEFAULT, Texture::FORMAT_DEFAULT, Texture::TARGET_DEFAULT);
     texture.bind();
     const Picture picture = readTexture(GL_TEXTURE_2D);
@@ -261,7 +263,8 @@ TEST_F(TextureTest, LuminanceComesFromRed) {
 }
 
 TEST_F(TextureTest, MissingFloatAndCubeExtensionsAreTold) {
-    DisplayGL::denyExtensions({"GL_ARB_texture_float", "GL_ARB_texture_cube_map"});
+    std::optional<WithoutExtensions> without;
+    without.emplace({"GL_ARB_texture_float", "GL_ARB_texture_cube_map"});
     for (const Texture::ChannelFormat format : {Texture::FORMAT_F16, Texture::FORMAT_F32}) {
         Texture floats(&display());
         floats.setup(8, 8, Texture::CHAN_RGBA, format, Texture::TARGET_2D);
@@ -270,7 +273,7 @@ TEST_F(TextureTest, MissingFloatAndCubeExtensionsAreTold) {
     }
     texture.setup(8, 8, Texture::CHAN_RGBA, Texture::FORMAT_UINT8, Texture::TARGET_CUBE);
     EXPECT_EQ(thrownBy([&] { texture.bind(); }), "OpenGL does not support cube maps on this computer!");
-    DisplayGL::denyExtensions({});
+    without.reset();
     texture.bind(); // nothing was lost
 }
 
@@ -359,7 +362,7 @@ TEST_F(TextureTest, GenerateMipmapsNeedsATextureAndMakesThem) {
     EXPECT_EQ(levelParameter(GL_TEXTURE_2D, GL_TEXTURE_WIDTH, 1), 8);
     EXPECT_EQ(parameter(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER), GL_LINEAR_MIPMAP_LINEAR);
     EXPECT_TRUE(texture.hasMipmaps());
-    DisplayGL::denyExtensions({"GL_EXT_framebuffer_object"});
+    const WithoutExtensions without{"GL_EXT_framebuffer_object"};
     EXPECT_TRUE(hasLine(printedBy([&] { texture.generateMipmaps(); }), "warning", "generateMipmaps",
                         "GL_EXT_framebuffer_object not supported, no mipmaps are made", "dis_texture.cpp"));
 }
@@ -506,7 +509,7 @@ TEST_F(CubeTest, ACrossOf192By256GivesFacesOf64) {
 }
 
 TEST_F(CubeTest, FacesThatAreNoPowerOfTwoAreRounded) {
-    DisplayGL::denyExtensions({NPOT});
+    const WithoutExtensions without{NPOT};
     setupCube();
     texture.load(makeImage(150, 200, [](int, int) { return GREEN; }), false);
     texture.bind();

@@ -15,7 +15,6 @@ namespace zentrak::display {
 using namespace glfw2;
 
 DisplayGL* DisplayGL::currentDisplay = nullptr;
-std::vector<std::string> DisplayGL::sDeniedExtensions;
 
 static const int MAX_WINDOW_SIZE = 32767;   // what the window system can count, pixels a side
 static const int MAX_WINDOW_AREA = 1 << 28; // pixels; a picture of more does not get through to it
@@ -192,25 +191,8 @@ void DisplayGL::getModes(std::vector<WindowMode>& modes) const {
 
 // Extensions
 
-// Whether `name` is one of the words of `list`.
-static bool hasWord(const std::string& list, const std::string& name) {
-    for (size_t at = list.find(name); at != std::string::npos; at = list.find(name, at + 1)) {
-        const size_t end = at + name.size();
-        if ((at == 0 || list[at - 1] == ' ') && (end == list.size() || list[end] == ' '))
-            return true;
-    }
-    return false;
-}
-
 bool DisplayGL::hasExtension(const std::string& name) {
-    for (const std::string& denied : sDeniedExtensions)
-        if (hasWord(name, denied))
-            return false;
     return glewIsSupported(name.c_str()) == GL_TRUE;
-}
-
-void DisplayGL::denyExtensions(const std::vector<std::string>& names) {
-    sDeniedExtensions = names;
 }
 
 void DisplayGL::setArchive(am::ArchiveManager* manager) {
@@ -331,16 +313,13 @@ void DisplayGL::drawListeners() {
     }
 }
 
-// Waits until a frame's time has passed since the last one: sleeping first, then spinning. Never longer
-// than one frame from now, in case the clock was set back.
+// Waits until a frame's time has passed since the last one: sleeping first, then spinning.
 void DisplayGL::paceFixed() {
-    const double period = mFps > 0 ? 1.0 / mFps : 0.0;
-    const double start = glfwGetTime();
-    const double due = std::min(mFpsLastTime + period, start + period);
-    const double rest = due - start - SPIN_TIME;
+    double now = glfwGetTime();
+    const double due = mFps > 0 && std::isfinite(mFpsLastTime) ? mFpsLastTime + 1.0 / mFps : now;
+    const double rest = due - now - SPIN_TIME;
     if (rest > SPIN_TIME)
         glfwSleep(rest);
-    double now = glfwGetTime();
     while (now < due)
         now = glfwGetTime();
     setLastTime(now);
