@@ -18,20 +18,24 @@ vec3 sky(vec2 at) {
 
 void main() {
     vec2 at = gl_TexCoord[0].xy;
+    if (abs(at.y - 0.5) > 0.405) // under the bars
+        discard;
     vec4 here = texture2D(texture0, at);
     vec3 glow = texture2D(texture1_blur, at).rgb;
-    vec3 colour = sky(at);
+    vec3 colour;
     if (here.a > 0.0) {
         float range = rangeAt(at);
         vec2  reach = 0.5 * radius * vec2(gl_ProjectionMatrix[0][0], gl_ProjectionMatrix[1][1]) / range;
         float turn = 6.2831853 * fract(52.9829189 * fract(dot(floor(gl_FragCoord.xy), vec2(0.06711056, 0.00583715))));
         float hidden = 0.0;
-        for (int i = 0; i < 8; ++i) {
+        for (int i = 0; i < 6; ++i) {
             float angle = 2.3999632 * float(i) + turn;
-            float nearer = range - rangeAt(at + reach * (float(i) + 0.7) / 8.0 * vec2(cos(angle), sin(angle)));
+            float nearer = range - rangeAt(at + reach * (float(i) + 0.7) / 6.0 * vec2(cos(angle), sin(angle)));
             hidden += smoothstep(0.05, 0.5, nearer) * (1.0 - smoothstep(radius, 3.0 * radius, nearer));
         }
-        colour = here.rgb * (1.0 - 0.75 * hidden / 8.0);
+        colour = here.rgb * (1.0 - 0.75 * hidden / 6.0);
+    } else {
+        colour = sky(at);
     }
     colour += glow * vec3(1.5, 1.2, 1.0);
     gl_FragColor = vec4(colour / (0.75 + 0.4 * colour) , 1.0);
