@@ -83,7 +83,7 @@ void Gui::addRows() {
     }
     if (panorama::LayoutStack* const stack = dynamic_cast<panorama::LayoutStack*>(mRows))
         stack->recalculate();
-    // As high as the rows are, so that what it stands in can scroll them.
+    // As high as the rows are, so that its container can scroll them.
     Box2 area = mRows->getChildArea();
     for (unsigned int i = 0; i < mRows->getControlSize(); ++i)
         area.y2 = std::max(area.y2, mRows->getControl(i)->getArea().y2);

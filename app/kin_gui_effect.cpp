@@ -105,7 +105,7 @@ Box2 Effector::getHandle(int part) const {
     return panorama::cut(box, mArea.clip);
 }
 
-// By so many seconds.
+// By a number of seconds.
 void Effector::drag(float delta) {
     float& start = mEffect->mStart;
     float& end = mEffect->mEnd;
@@ -125,7 +125,7 @@ void Effector::drag(float delta) {
     follow();
 }
 
-// The bar, and the curves with it, stand where the script says.
+// The bar and its curves are placed where the script says.
 void Effector::follow() {
     if (!mEffect)
         return;

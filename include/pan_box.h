@@ -1,4 +1,4 @@
-// What is done with boxes all over the toolkit.
+// Operations on boxes that the whole toolkit uses.
 #pragma once
 
 #include "mb_box2.h"
@@ -6,7 +6,7 @@
 
 namespace zentrak::panorama {
 
-// The greater and the lesser of two; no number, if one of them is none.
+// The greater and the lesser of two; NaN if either is.
 inline float greater(float a, float b) {
     return a > b || a != a ? a : b;
 }
@@ -14,13 +14,13 @@ inline float lesser(float a, float b) {
     return a < b || a != a ? a : b;
 }
 
-// What two boxes have in common; a side is negative where that is nothing, and no number where one of the
-// boxes has one.
+// The intersection of two boxes. Its size is negative where they don't overlap; an edge that is NaN in either
+// is NaN.
 inline mathbase::Box2 cut(const mathbase::Box2& a, const mathbase::Box2& b) {
     return mathbase::Box2(greater(a.x1, b.x1), greater(a.y1, b.y1), lesser(a.x2, b.x2), lesser(a.y2, b.y2));
 }
 
-// The same; all zero where it is nothing, or no number.
+// The same; all zero where they don't overlap or an edge is NaN.
 inline mathbase::Box2 cutOrZero(const mathbase::Box2& a, const mathbase::Box2& b) {
     const mathbase::Box2 box = cut(a, b);
     return box.getWidth() >= 0 && box.getHeight() >= 0 ? box : mathbase::Box2();

@@ -11,11 +11,11 @@
 namespace zentrak::panorama {
 
 // Its rows are its children, all of them contexts; a row that has rows of its own opens them as a sub-menu.
-// A menu lives in window coordinates: its rows, its sub-menus and where the mouse is are told by the corner
-// of mArea.area alone. It is open from Control::setContext to Control::resetContext, drawn over all else.
+// A menu lives in window coordinates: the corner of mArea.area alone says where its rows and sub-menus are.
+// It is open from Control::setContext to Control::resetContext, drawn over all else.
 //
 // Its rows belong to it. It belongs to who made it, and may go while it is open, as may the control that
-// opened it, or be hidden: then it is closed. A menu may stand as a row in several others, and reports to the
+// opened it, or be hidden: then it is closed. A menu may be a row of several others, and reports to the
 // one that has opened it; who put it there takes it out of all but one of them before they go.
 class Context : public Control {
 public:
@@ -44,7 +44,7 @@ public:
     int handleEvent(Event& event) override;     // 0, whatever happens
     void draw() override;
 
-    // A row is given at `index`, -1 for behind all, and is owned here from then on. It takes no focus, so the
+    // A row is given at `index`, -1 for the end, and is owned here from then on. It takes no focus, so the
     // rows stay in their order.
     void addControl(Control* control, int index) override;
 

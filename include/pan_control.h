@@ -1,4 +1,4 @@
-// The base of every widget: a rectangle in a tree, with a name, a palette, and a place in the flow of events.
+// The base of every widget: a rectangle in a tree, with a name, a palette, and a share in the flow of events.
 #pragma once
 
 #include "dis_display.h"
@@ -49,7 +49,7 @@ struct ColorSet {
     ColorPair inactive;
 };
 
-// Who hears what controls report.
+// Receives what controls report.
 class Callback {
 public:
     virtual ~Callback() = default;
@@ -112,7 +112,7 @@ public:
     // that are no digits are 0.
     virtual mathbase::Vector4f hex2vec(const std::string& text);
 
-    // Reads the element that `it` stands on, with all controls in it. What it does not know it passes over,
+    // Reads the element that `it` points at, with all controls in it. What it does not know it passes over,
     // a type of control not without a line in the log.
     virtual void load(xml::IteratorConst& it);
 
@@ -150,10 +150,10 @@ public:
     virtual bool getMaximized();
     virtual void setMaximized(bool on);
 
-    // The smallest box around all visible children and the origin, where the children would stand unscrolled.
+    // The smallest box around all visible children and the origin, where the children would be if unscrolled.
     virtual mathbase::Box2 getOccupiedArea();
 
-    // Takes a child before `index`, -1 or past the end: behind all. It is owned here from then on, no longer
+    // Takes a child before `index`, -1 or past the end: last. It is owned here from then on, no longer
     // by another control, and has the focus. Ignores null. What would lie deeper than MAX_DEPTH, or below
     // itself, is not taken, and that is logged: it stays whose it was.
     virtual void addControl(Control* control, int index);

@@ -1,4 +1,4 @@
-// Lays its children out one behind the other: some of a fixed size, the others sharing what is left.
+// Lays its children out one after the other: some of a fixed size, the others sharing what is left.
 #pragma once
 
 #include "pan_control.h"

@@ -12,7 +12,7 @@ namespace zentrak::panorama {
 // the bar.
 class Menubar : public Control {
 public:
-    // A menu; its caption stands on the bar.
+    // A menu; the bar shows its caption.
     class ContextData : public Context {
     public:
         bool highlight = false; // the mouse is on its caption

@@ -1,4 +1,4 @@
-// A tree of controls in the window: it hears the display's events and draws once a frame.
+// A tree of controls in the window: it receives the display's events and draws once a frame.
 #pragma once
 
 #include "dis_listener.h"
@@ -17,7 +17,7 @@ public:
     bool mDragging = false;         // moves pan the view; nothing sets it
     mathbase::Vector2f mViewOffset; // pixels, added to the mouse and taken off the picture
 
-    // What is drawn below all controls: boxes in pixels of the window, wherever the view is.
+    // Boxes drawn below all controls, in pixels of the window; the view offset does not move them.
     struct Ground {
         mathbase::Box2 box;
         mathbase::Vector4f color;

@@ -10,7 +10,7 @@ public:
     TabFrame();
 
     Control* clone() override;                  // owned by the caller
-    void load(xml::IteratorConst& it) override; // `caption`: what stands on its tab
+    void load(xml::IteratorConst& it) override; // `caption`: the text of its tab
 };
 
 } // namespace zentrak::panorama

@@ -5,7 +5,7 @@
 
 namespace zentrak::panorama {
 
-// Each child is a page, and its caption stands on its tab.
+// Each child is a page, and its caption is the text of its tab.
 class TabView : public Control {
 public:
     AreaSet mTabArea;     // the strip of tabs

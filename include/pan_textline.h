@@ -13,14 +13,14 @@ class Render;
 // width stay: it allocates nothing once warm.
 class TextLine {
 public:
-    // Where a line stands in its box. One that is too long stands at the start.
+    // The position of a line in its box. A line that is too long begins at the start.
     enum Align : int { START = 0, MIDDLE = 1, END = 2 };
 
     // Bytes of Latin-1, each one glyph of the font, control bytes included.
     void set(const std::string& text);
     const std::string& get() const { return mText; }
 
-    // What is drawn into a box of this many pixels, and how wide that is. A width that is no number is 0.
+    // What is drawn into a box of this many pixels, and how wide that is. A width of NaN is 0.
     const std::string& fit(Render& render, float width);
     float getLength() const { return mLength; } // as of the last fit
 

@@ -18,7 +18,7 @@ public:
 
     Control* clone() override; // without children; owned by the caller
 
-    void load(xml::IteratorConst& it) override; // `caption`: what stands on the bar
+    void load(xml::IteratorConst& it) override; // `caption`: the title
     void setArea(mathbase::Box2 box) override;
     void buildChildArea() override;
     bool acceptEvents(Event& event) override; // also while it is dragged

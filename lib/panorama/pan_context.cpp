@@ -19,9 +19,9 @@ namespace {
 
 constexpr float SUBMENU_GAP = 2.0f; // pixels between a menu and the one that it opens
 
-const std::string ARROW = ">"; // stands on a row that has rows of its own
+const std::string ARROW = ">"; // marks a row that has rows of its own
 
-// A row's number from a share of them; what is no number is the first.
+// Clamps a row index; NaN is the first.
 int clampRow(float row, int rows) {
     return row > 0 ? row < float(rows) ? int(row) : rows : 0;
 }
@@ -71,7 +71,7 @@ void Context::setParent(Control* parent) {
         link();
 }
 
-// Asked for anew each time: a menu may hang on one control after another.
+// Not cached: a menu may belong to one control after another.
 Render* Context::getRender() {
     return mParent ? mParent->getRender() : nullptr;
 }

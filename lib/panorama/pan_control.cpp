@@ -504,7 +504,7 @@ void Control::draw() {
         Control* child = mControls[i];
         const Box2 box = cut(mChildArea.clip, child->mArea.clip);
         if (!(all || (box.getWidth() >= 1 && box.getHeight() >= 1)) || !child->getVisible())
-            continue; // most of a long list is out of sight, and that is told by its area alone
+            continue; // most of a long list is out of sight; its area alone shows that
         render->setClipArea(box);
         child->draw();
     }

@@ -101,7 +101,8 @@ int Dropdown::List::handleEvent(Event& event) {
     }
     if (event.type == "mouseup" && event.button == 0 && mOpening) {
         mOpening = false;
-        // The release of the press that opened it, on no row: opened anew, it stays however the mouse moved.
+        // The release of the press that opened it, on no row: reopened, it stays open however the mouse
+        // moved.
         if (mHighlight == -1) {
             mOwner.setContext(this);
             return 0;
@@ -166,7 +167,7 @@ void Dropdown::List::draw() {
         drawRow(*render, row);
 }
 
-// The bar fills the row and the gaps beside it, so that letters that reach below the line stand on it too.
+// The bar fills the row and the gaps beside it, so that letters that reach below the line lie on it too.
 void Dropdown::List::drawRow(Render& render, int row) {
     const Box2& area = mArea.area;
     const float top = area.y1 + mMargin + getPitch() * float(row);

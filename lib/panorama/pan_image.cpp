@@ -19,7 +19,7 @@ Image::Image() {
     setPair(mBack.border, NO_COLOR);
     setPair(mCaption.color, white); // what the picture is multiplied by
     setPair(mCaption.inactive, Vector4f(0.5f, 0.5f, 0.5f, 0.5f));
-    setPair(mText.inactive, faint); // what stands in for it
+    setPair(mText.inactive, faint); // the placeholder
 }
 
 Image::~Image() = default;
@@ -45,7 +45,7 @@ bool Image::setFilename(const std::string& filename) {
         texture->bind(); // here, and not in the first frame
         texture->unbind();
         mTexture = std::move(texture);
-    } catch (const Exception&) { // which has said what is wrong
+    } catch (const Exception&) { // already logged
     }
     return mTexture != nullptr;
 }

@@ -96,7 +96,7 @@ void Menubar::close() {
     mOpen = false;
 }
 
-// Another menu was opened in its place, or it was closed from elsewhere.
+// Another menu was opened instead, or it was closed from elsewhere.
 bool Menubar::hasLostMenu() {
     const Workspace* root = dynamic_cast<Workspace*>(getRoot());
     return root && std::find(mMenus.begin(), mMenus.end(), root->mContext) == mMenus.end();

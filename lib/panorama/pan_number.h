@@ -11,7 +11,7 @@ namespace zentrak::panorama {
 // Sets `value` to the number in `text`, unless that is empty or the number is not finite.
 void readNumber(const std::string& text, float& value);
 
-// Whether a place is an edge of pixels.
+// Whether a coordinate lies on a pixel edge.
 inline bool isWhole(float value) {
     return std::floor(value) == value;
 }

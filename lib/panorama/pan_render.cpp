@@ -95,8 +95,8 @@ void Render::setColor(const Vector4f& first, const Vector4f& second) {
     mColorSecond = second.w < 0 ? first : second;
 }
 
-// The area is told in pixels of the window, also where a margin makes all that is drawn smaller. The window's
-// rows are counted from below, so that is where a fraction of a pixel is lost.
+// The area is in pixels of the window, even where a margin scales the drawing down. The window's rows count
+// from the bottom, so fractions of a pixel are truncated there.
 void Render::setClipArea(Box2 area) {
     if (area.y2 == -1) {
         mClip = mView;

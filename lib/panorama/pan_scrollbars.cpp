@@ -20,17 +20,17 @@ constexpr float WHEEL = -50.0f;       // pixels of content for one step upward
 constexpr float LEAST_WINDOW = 80.0f; // pixels that a window keeps in both directions
 constexpr float THUMB_INSET = 2.0f;   // pixels between a thumb and its track
 
-// A thumb's position on a track of so many pixels; what is no number is the start.
+// A thumb's position, limited to its travel in pixels; NaN is the start.
 float clampPosition(float position, float travel) {
     return position > 0 ? std::max(std::min(position, travel), 0.0f) : 0.0f;
 }
 
-// How far the content has gone out of view. A track no longer than its thumb scrolls nothing.
+// How far the content is scrolled, in pixels. A track no longer than its thumb scrolls nothing.
 float scrolled(float position, float travel, float overflow) {
     return travel > 0 ? position / travel * overflow : 0.0f;
 }
 
-// A step that is no number moves nothing.
+// A step of NaN moves nothing.
 void moveBy(float& position, float step) {
     if (!std::isnan(step))
         position += step;
@@ -183,7 +183,7 @@ void Scrollbars::drag(Vector2f delta) {
         resizeWindow(delta);
     if (mDragVertical || mDragHorisontal) {
         buildScrollbars();
-        sendAction(ACTION_SCROLL, nullptr); // last: who hears it may delete this
+        sendAction(ACTION_SCROLL, nullptr); // last: the receiver may delete this
     }
 }
 

@@ -14,10 +14,10 @@ namespace {
 constexpr float PAGE = 0.2f;   // of the track, for a press beside the handle
 constexpr float STEP = 0.1f;   // of the track, for a step of the wheel
 constexpr float BEFORE = 2.0f; // pixels before the handle that hit it too
-constexpr float BEHIND = 4.0f; // and behind it
+constexpr float BEHIND = 4.0f; // and after it
 constexpr float GROOVE = 4.0f; // pixels across
 
-// What is no number is 0.
+// NaN is 0.
 float limit(float position) {
     return position > 0 ? std::min(position, 1.0f) : 0;
 }
@@ -90,7 +90,7 @@ Box2 Slider::getHandleBox() {
 
 void Slider::moveTo(float position, bool immediately) {
     mPosition.set(limit(position), immediately);
-    sendAction(ACTION_CHANGE, nullptr); // the receiver may delete this: nothing of it is touched behind here
+    sendAction(ACTION_CHANGE, nullptr); // the receiver may delete this
 }
 
 int Slider::handleEvent(Event& event) {

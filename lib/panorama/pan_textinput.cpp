@@ -222,7 +222,7 @@ bool TextInput::replaceSelection(const std::string& text) {
     if (from == to && added.empty())
         return false;
     std::string value = mValue.substr(0, from) + added + mValue.substr(to);
-    // Taking away is always allowed: else a text that was set and is no number could not be mended.
+    // Deleting is always allowed, or a text that was set and isn't a number could not be corrected.
     if (mKind == NUMERIC && !added.empty() && !beginsNumber(value))
         return false;
     mValue.swap(value);
@@ -350,7 +350,7 @@ int TextInput::handleEvent(Event& event) {
     return result;
 }
 
-// Scrolls as little as it takes, and leaves no room behind the text that the text could fill.
+// Scrolls as little as it takes, and leaves no room after the text that the text could fill.
 void TextInput::showCaret() {
     const double width = std::max(1.0, double(getInside().getWidth()) - 1); // and the caret's own pixel
     const double caret = edge(mCaret);

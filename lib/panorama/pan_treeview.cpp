@@ -16,7 +16,7 @@ namespace {
 
 constexpr float HEADING = 18.0f;     // height of the heading, pixels
 constexpr float ARROW = 16.0f;       // width of the room for an arrow
-constexpr float GAP = 4.0f;          // behind a text
+constexpr float GAP = 4.0f;          // after a text
 constexpr float LEAST_THUMB = 16.0f; // length, pixels
 constexpr float WHEEL = 50.0f;       // pixels a step
 
@@ -242,7 +242,7 @@ bool TreeView::overArrow(int row, float x) {
     return node.next > index + 1 && x >= left && x < left + ARROW;
 }
 
-// By the user. Nothing of this is touched behind the action: its receiver may delete it.
+// By the user. The action comes last: its receiver may delete this.
 void TreeView::selectRow(int row) {
     if (row < 0 || row >= getRowCount())
         return;
@@ -300,7 +300,7 @@ bool TreeView::handlePress(const Event& event) {
 bool TreeView::handleKey(const Event& event) {
     if (!hasKeys() || !getRowCount())
         return false;
-    // A selected item that is not seen stands for the nearest one above it that is.
+    // If the selected item is hidden, its nearest shown ancestor counts.
     int index = mSelected;
     while (index != -1 && getRow(index) == -1)
         index = mNodes[size_t(index)].parent;

@@ -384,7 +384,7 @@ TEST_F(MenuTextTest, DrawingACutCaptionAllocatesNothingOnceWarm) {
         menu.addOption("a caption that is much longer than the menu is wide " + std::to_string(i), "");
     owner.setContext(&menu);
     move(20, 22);
-    for (int i = 0; i < 6; ++i) // the driver allocates in the first frames
+    for (int i = 0; i < 3; ++i) // in the third, Mesa's software renderer still compiles a shader
         shown();
     size_t allocated = 1;
     frame([&] {
