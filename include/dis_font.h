@@ -11,7 +11,7 @@
 namespace zentrak::display {
 
 // The image holds 16 by 16 cells, one for each byte value, row by row: the shape is in its red channel. Each
-// glyph stands at the left of its cell, and is as wide as its rightmost column with a value above 200. Bytes
+// glyph is at the left of its cell, and is as wide as its rightmost column with a value above 200. Bytes
 // are glyphs: there is no encoding.
 class Font : public Resource {
 public:

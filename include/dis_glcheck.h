@@ -1,4 +1,4 @@
-// The check after every OpenGL call: a pending error becomes an exception that names the place and the call.
+// The check after every OpenGL call: a pending error becomes an exception that names file, line and call.
 #pragma once
 
 namespace zentrak::display {

@@ -37,7 +37,7 @@ public:
     virtual int onCharDown(const CharEvent& event);
     virtual int onCharUp(const CharEvent& event);
     virtual int onQuit();
-    virtual void onResize(int oldWidth, int oldHeight); // the new size stands in the display's mWindowMode
+    virtual void onResize(int oldWidth, int oldHeight); // the new size is in the display's mWindowMode
     virtual void onMove();                              // never called: the window system does not tell
     virtual void onDraw();                              // once a frame, with the GL states reset
     virtual void onIconify(bool iconified);

@@ -52,8 +52,8 @@ public:
     void setProgram(ShaderProgram* program) { mProgram = program; }
     ShaderProgram* getProgram() const { return mProgram; }
 
-    // A value for bind to set, in place of an older one of this name. Asserts "false" while the program is
-    // bound. A plain value or a texture in place of one of its own kind asks for no memory.
+    // A value for bind to set, replacing an older one of this name. Asserts "false" while the program is
+    // bound. A plain value or a texture that replaces one of its own kind allocates nothing.
     template <class T>
     void set(const std::string& name, T value) {
         if constexpr (std::is_trivially_copyable_v<T>)

@@ -62,7 +62,7 @@ protected:
 };
 
 // Shaders linked into a program, and its uniforms by name. It is linked once for a context; after the window
-// was opened again, attach and link make a new program in place of the lost one.
+// was opened again, attach and link make a new program to replace the lost one.
 class ShaderProgram : public Resource {
 public:
     explicit ShaderProgram(DisplayGL* display);

@@ -467,7 +467,7 @@ TEST_F(BatchTest, EachModeAlone) {
                     glPointSize(30);
                     glEnable(GL_BLEND);
                     Matrix4x4Col project = Plain::identity();
-                    project.mData[0] = project.mData[5] = 2.5f; // into the middle of the picture
+                    project.mData[0] = project.mData[5] = 2.5f; // into the centre of the picture
                     project.mData[12] = project.mData[13] = 1.6f;
                     display().setProject(project);
                     display().setModelView();

@@ -209,7 +209,7 @@ TEST_F(FboTest, WithoutASizeOfItsOwnItTakesTheTextures) {
     EXPECT_EQ(fbo.getWidth(), -1);
 }
 
-TEST_F(FboTest, MissingRenderTargetsAreTold) {
+TEST_F(FboTest, MissingRenderTargetsThrow) {
     const WithoutExtensions without{"GL_EXT_framebuffer_object"};
     EXPECT_FALSE(FBO::isSupported());
     fbo.setup(64, 64, true);

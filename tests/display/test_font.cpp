@@ -63,7 +63,7 @@ protected:
                std::to_string(bottom);
     }
 
-    // What is drawn with the texture's solid place has the colour that it is given.
+    // What is drawn with the texture's solid spot has the colour that it is given.
     void expectSolid() {
         const Picture shown = frame([&] {
             pixels();
@@ -219,7 +219,7 @@ TEST_F(FontTest, FailuresAreTold) {
               "Cannot load font motherfucker!");
 }
 
-TEST_F(FontTest, APictureTooSmallForCellsIsNoCrash) {
+TEST_F(FontTest, APictureTooSmallForCellsDoesNotCrash) {
     writeImage("tiny.png", makeImage(7, 5, [](int, int) { return 0xffffffffu; }));
     font.load("tiny.png", true, Vector2f(200, 200));
     EXPECT_FLOAT_EQ(font.getAdvance('A'), 2);

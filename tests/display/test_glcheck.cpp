@@ -1,5 +1,5 @@
-// The check behind the GL calls. glGetError is this program's own here, so that a test can have any call of
-// the library find an error behind it.
+// The check after each GL call. This program replaces glGetError, so that a test can make any check of the
+// library find an error.
 #include "dis_display.h"
 #include "dis_glcheck.h"
 #include "gl_fixture.h"
@@ -51,7 +51,7 @@ TEST(GlReportError, PassesWithoutAnError) {
     GL_REPORT_ERROR("file.cpp", 12, "text");
 }
 
-TEST(GlReportError, TellsLineFileTextAndName) {
+TEST(GlReportError, NamesLineFileTextAndError) {
     EXPECT_EQ(
         "GL-error at [12] file.cpp\nLine: glDepthFunc(GL_LEQUAL)\nError: 'GL_INVALID_ENUM'\n",
         thrownAt(1, GL_INVALID_ENUM, [] { GL_REPORT_ERROR("file.cpp", 12, "glDepthFunc(GL_LEQUAL)"); }));
@@ -66,7 +66,7 @@ TEST(GlReportError, ValuesOutsideTheSevenCodesPassSilently) {
         EXPECT_EQ("nothing", thrownAt(1, code, [] { GL_REPORT_ERROR("file.cpp", 12, "text"); })) << code;
 }
 
-TEST(GlCall, TellsItsOwnPlaceAndTheCallLetterForLetter) {
+TEST(GlCall, NamesItsFileAndLineAndTheCallLetterForLetter) {
     int calls = 0;
     const int line = __LINE__ + 1;
     const std::string text = thrownAt(1, GL_INVALID_VALUE, [&] { GL_CALL(calls+=  1); });
@@ -152,7 +152,7 @@ TEST(GlChecks, TheFrameHasOneBeforeAndOneAfterEachListener) {
         checksUntilError = 0;
         steps.push_back(callOf(text) + (log.size() == 1 ? ", before the second" : ", after the second"));
     }
-    const std::vector<std::string> expected = {"Checking status, before the second", // behind the first
+    const std::vector<std::string> expected = {"Checking status, before the second", // after the first
                                                "Checking status, before the second", // before the second
                                                "Checking status, after the second"};
     EXPECT_EQ(expected, steps);
@@ -171,7 +171,7 @@ TEST(GlChecks, APendingErrorSurfacesAtTheNextCheckUnderThatChecksOwnText) {
                 "Error: 'GL_INVALID_ENUM'\n");
             EXPECT_TRUE(std::regex_match(exception.what(), form)) << exception.what();
         }
-        window.display().setColor(1, 1, 1, 1); // the error is gone once it was told
+        window.display().setColor(1, 1, 1, 1); // the error is gone once it was reported
     });
 }
 

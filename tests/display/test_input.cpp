@@ -436,7 +436,7 @@ protected:
         viewer.until("the last key", [&] { return !log.empty() && log.back() == end; });
     }
 
-    // A click, and nothing else on its way behind it.
+    // A click, and nothing more on its way.
     void click(int button = 1) {
         viewer.click(button);
         settleButtons();
@@ -564,7 +564,7 @@ TEST_F(Input, TheFocusGoesAndComesBack) {
     EXPECT_TRUE(display().mFocused);
 }
 
-TEST(Resizable, TellsTheListenersTheOldSizeAndDrawsInTheNew) {
+TEST(Resizable, GivesTheListenersTheOldSizeAndDrawsInTheNew) {
     WindowMode mode("resizable", 320, 240, false);
     mode.canResize = true;
     DisplayGL display(mode);

@@ -52,7 +52,7 @@ protected:
 
 TEST_F(Listeners, AreDrawnInTheOrderInWhichTheyJoined) {
     EXPECT_EQ((Log{"a draw", "b draw", "c draw"}), drawn());
-    recorders[0]->attachToDisplay(&display()); // leaves, and joins behind the others
+    recorders[0]->attachToDisplay(&display()); // leaves, and joins after the others
     EXPECT_EQ((Log{"b draw", "c draw", "a draw"}), drawn());
 }
 

@@ -149,7 +149,7 @@ TEST_F(ShaderTest, EachOfTheFourExtensionsIsNeeded) {
     }
 }
 
-TEST_F(ShaderTest, AnEmptyFileIsNoCrash) {
+TEST_F(ShaderTest, AnEmptyFileDoesNotCrash) {
     writeFile(path("empty.frag"), "");
     FragmentShader fragment(&display());
     const std::string thrown = thrownBy([&] { fragment.compile("empty.frag", ""); });

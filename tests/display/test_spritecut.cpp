@@ -337,7 +337,7 @@ TEST_F(SpriteCutTest, MagnifiedSpritesNeedNoMipmaps) {
     mTexture->unbind();
 }
 
-TEST_F(SpriteCutTest, WhatIsNoNumberOrEndlessIsDrawnWithoutHarm) {
+TEST_F(SpriteCutTest, NanAndInfinityAreDrawnSafely) {
     const Vector4f dim(0.1f, 0.1f, 0.1f, 0.3f);
     EXPECT_EQ(reach(Vector4f(0.1f, NONE, 0.1f, 0.3f)), 1);
     EXPECT_EQ(reach(Vector4f(NONE, 0.1f, 0.1f, 0.3f)), 1);

@@ -196,7 +196,7 @@ TEST(Hex2vec, WhatFollowsIsIgnored) {
 }
 
 TEST(Clock, BeforeThereIsADisplayShowsWhatItWasSetTo) {
-    // The time base stands at 0 until a display is made.
+    // The time is 0 until a display is made.
     Clock clock;
     EXPECT_EQ(0.0f, clock.getTime());
     clock.setTime(12.5f);

@@ -283,7 +283,7 @@ TEST(Window, ATimeThatIsNotFiniteIsNotSet) {
     EXPECT_EQ(50.0f, display.mFpsLastTime);
 }
 
-TEST(Window, SleepsAsLongAsAskedAndNotAtAllForWhatIsNoLength) {
+TEST(Window, SleepsAsLongAsAskedAndOnlyForAFiniteTimeAboveZero) {
     DisplayGL display(WINDOW);
     display.open();
     FakeTime time;
@@ -322,7 +322,7 @@ TEST(Window, AClockJumpsWithTheTimeOfTheDisplay) {
     EXPECT_NEAR(1000, clock.getTime(), 0.01);
 }
 
-TEST(Window, ThatWasClosedBehindTheDisplaysBackEndsTheLoop) {
+TEST(Window, ThatGlfwHasClosedEndsTheLoop) {
     DisplayGL display(WINDOW);
     Log log;
     Recorder recorder("r", log);

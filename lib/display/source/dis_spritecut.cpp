@@ -58,10 +58,8 @@ bool writesColorAlone() {
 
 } // namespace
 
-/*
- * A point that is magnified gets its alpha from the four texels around it, and so from none farther than one
- * texel away; at the edge those of the next cell or of the other side take part.
- */
+// A point that is magnified gets its alpha from the four texels around it, none of them more than one
+// texel away; at an edge, texels of the next cell or of the opposite side contribute.
 void SpriteCut::readTexture(int cells) {
     GLint width = 0, height = 0, bits = 0, filter = GL_LINEAR, magnified = GL_LINEAR;
     GL_CALL(glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_WIDTH, &width));
@@ -152,10 +150,8 @@ void SpriteCut::look(const Vector3f& right, const Vector3f& up) {
             get(GL_BLEND_EQUATION_ALPHA) == GL_FUNC_ADD;
 }
 
-/*
- * A pixel stays as it is where the product that is added to it rounds to 0, be it rounded once or, as some
- * drivers do, each factor first; or where the alpha that takes from it does.
- */
+// A pixel stays as it is where the product that is added to it rounds to 0, be it rounded once or, as some
+// drivers do, each factor first; or where the alpha that takes from it does.
 float SpriteCut::reachOf(const Vector3f& centre, float size, const Vector4f& color, int cell) const {
     if (!mCuts || cell < 0 || size_t(cell) >= mReach.size() ||
         (mFilter != GL_LINEAR && !isMagnified(centre, size)))
@@ -201,7 +197,7 @@ void SpriteCut::drawReach(Batch& batch, const Vector3f& centre, float size, floa
         return;
     }
 
-    // A regular octagon, as three quads: the left part, the middle and the right one.
+    // A regular octagon, as three quads: left, centre and right.
     static constexpr float SIDE = 0.41421356f; // half of one
     static constexpr float CORNERS[12][2] = {{-SIDE, 1}, {-1, SIDE},  {-1, -SIDE}, {-SIDE, -1},
                                              {-SIDE, 1}, {-SIDE, -1}, {SIDE, -1},  {SIDE, 1},
