@@ -100,7 +100,7 @@ bool Window::nudge(const KeyEvent& event) {
         return false;
     const double step = event.ctrl() ? 1 : event.shift() ? 0.1 : 0.01;
     if (mEditor.getSelected(Kind::KEY).empty() && mEditor.getSelected(Kind::SPLINE).empty())
-        mTimeline->mScrollRows += up ? -Timeline::BAR : Timeline::BAR;
+        mTimeline->mScrollRows += up ? -Timeline::BAR_HEIGHT : Timeline::BAR_HEIGHT;
     else
         mEditor.move(0, up ? step : -step);
     return true;

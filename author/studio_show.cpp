@@ -446,15 +446,15 @@ void Show::reload(const std::vector<std::string>& names) {
     for (const std::string& name : names)
         if (!images.getImage(name).isNull())
             images.removeImage(name);
-    for (auto& [name, slot] : mSlots) {
-        const auto reads = [&files = slot->mFiles](const std::string& file) { return files.contains(file); };
-        if (std::none_of(names.begin(), names.end(), reads))
+    for (auto& entry : mSlots) {
+        Slot& slot = *entry.second;
+        const auto reads = [&](const std::string& file) { return slot.mFiles.contains(file); };
+        const auto isFine = [&](const std::string& file) { return !reads(file) || slot.check(file); };
+        if (std::none_of(names.begin(), names.end(), reads) ||
+            !std::all_of(names.begin(), names.end(), isFine))
             continue;
-        if (!std::all_of(names.begin(), names.end(),
-                         [&](const std::string& file) { return !reads(file) || slot->check(file); }))
-            continue;
-        slot->make();
-        rewind(&name);
+        slot.make();
+        rewind(&entry.first);
     }
 }
 

@@ -92,16 +92,16 @@ void Timeline::buildRows() {
         const int depth = above < 0 ? 0 : mRows[size_t(above)].depth + 1;
         int next = element.next;
         if (element.kind == Kind::SECTION) {
-            add(Row::SECTION, i, 0, BAR);
+            add(Row::SECTION, i, 0, BAR_HEIGHT);
             folded = mFolded.contains(element.id);
         } else if (element.kind == Kind::SPLINE) {
-            add(Row::CURVE, i, depth, CURVE);
+            add(Row::CURVE, i, depth, CURVE_HEIGHT);
         } else if (element.kind == Kind::SPAN && !folded) {
-            add(Row::SPAN, i, depth, BAR);
+            add(Row::SPAN, i, depth, BAR_HEIGHT);
             if (mOpen.contains(element.id)) {
                 next = i + 1;
                 if (hasTriggers(i))
-                    add(Row::TRIGGERS, i, depth + 1, BAR);
+                    add(Row::TRIGGERS, i, depth + 1, BAR_HEIGHT);
             }
         }
         i = next;
@@ -164,7 +164,7 @@ void Timeline::reveal(int element) {
 
 Box2 Timeline::getAxis() const {
     const Box2& all = mArea.world;
-    return Box2(all.x1 + LABELS, all.y1 + RULER + WAVE, all.x2 - SCROLL, all.y2);
+    return Box2(all.x1 + LABELS_WIDTH, all.y1 + RULER_HEIGHT + WAVE_HEIGHT, all.x2 - SCROLL_WIDTH, all.y2);
 }
 
 void Timeline::clampView() {
@@ -172,7 +172,7 @@ void Timeline::clampView() {
     const double end = std::max({mShow.getLength(), 10.0}) + 0.5 * double(getAxis().getWidth()) / mScale;
     mScrollTime =
         std::clamp(mScrollTime, -20 / mScale, std::max(0.0, end - double(getAxis().getWidth()) / mScale));
-    const float most = std::max(0.0f, mRowsHeight + BAR - getAxis().getHeight());
+    const float most = std::max(0.0f, mRowsHeight + BAR_HEIGHT - getAxis().getHeight());
     mScrollRows = std::floor(std::clamp(mScrollRows, 0.0f, most));
 }
 
@@ -243,7 +243,7 @@ double Timeline::toValue(int row, const Range& range, float y) const {
 
 Box2 Timeline::getRowBox(int row) const {
     const float top = getRowTop(row);
-    return Box2(mArea.world.x1, top, mArea.world.x2 - SCROLL, top + mRows[size_t(row)].height);
+    return Box2(mArea.world.x1, top, mArea.world.x2 - SCROLL_WIDTH, top + mRows[size_t(row)].height);
 }
 
 Box2 Timeline::getElementBox(int element) const {
@@ -252,16 +252,17 @@ Box2 Timeline::getElementBox(int element) const {
     const double origin = document.getOrigin(element);
     if (it.kind == Kind::BOOKMARK) {
         const float x = toX(double(it.start));
-        return Box2(x - 1, mArea.world.y1, x + 9, mArea.world.y1 + RULER);
+        return Box2(x - 1, mArea.world.y1, x + 9, mArea.world.y1 + RULER_HEIGHT);
     }
     if (it.kind == Kind::SPAN && mRowOf[size_t(element)] >= 0) {
         const float top = getRowTop(mRowOf[size_t(element)]);
-        return Box2(toX(origin + double(it.start)), top + 2, toX(origin + double(it.end)), top + BAR - 2);
+        return Box2(toX(origin + double(it.start)), top + 2, toX(origin + double(it.end)),
+                    top + BAR_HEIGHT - 2);
     }
     if (it.kind == Kind::TRIGGER && mRowOf[size_t(it.parent)] >= 0) {
         const int row = mRowOf[size_t(it.parent)] + (isOpen(it.parent) ? 1 : 0);
         const float x = toX(origin + double(it.start)),
-                    y = getRowTop(row) + (isOpen(it.parent) ? BAR / 2 : BAR - 7);
+                    y = getRowTop(row) + (isOpen(it.parent) ? BAR_HEIGHT / 2 : BAR_HEIGHT - 7);
         return Box2(x - KEY, y - KEY, x + KEY, y + KEY);
     }
     if (it.kind == Kind::KEY && mRowOf[size_t(it.parent)] >= 0) {
@@ -274,11 +275,11 @@ Box2 Timeline::getElementBox(int element) const {
 
 Box2 Timeline::getScrollHandle() const {
     const Box2 axis = getAxis();
-    const float all = std::max(1.0f, mRowsHeight + BAR), seen = axis.getHeight();
+    const float all = std::max(1.0f, mRowsHeight + BAR_HEIGHT), seen = axis.getHeight();
     const float length = std::max(24.0f, std::min(1.0f, seen / all) * seen);
     const float most = std::max(1.0f, all - seen);
     const float top = axis.y1 + (seen - length) * std::clamp(mScrollRows / most, 0.0f, 1.0f);
-    return Box2(mArea.world.x2 - SCROLL + 2, top, mArea.world.x2 - 2, top + length);
+    return Box2(mArea.world.x2 - SCROLL_WIDTH + 2, top, mArea.world.x2 - 2, top + length);
 }
 
 Timeline::Place Timeline::find(Vector2f at) const {
@@ -407,9 +408,9 @@ void Timeline::drawRow(Paint& paint, int index) {
     if (row.type == Row::SPAN) {
         drawBar(paint, row.element, getRowTop(index), false);
         if (!isOpen(row.element))
-            drawTriggers(paint, row.element, getRowTop(index) + BAR - 7, false);
+            drawTriggers(paint, row.element, getRowTop(index) + BAR_HEIGHT - 7, false);
     } else if (row.type == Row::TRIGGERS) {
-        drawTriggers(paint, row.element, getRowTop(index) + BAR / 2, true);
+        drawTriggers(paint, row.element, getRowTop(index) + BAR_HEIGHT / 2, true);
     } else if (row.type == Row::CURVE) {
         drawCurve(paint, index);
     } else if (!isOpen(row.element)) {
@@ -435,7 +436,7 @@ void Timeline::drawBar(Paint& paint, int element, float top, bool small) {
         return;
     const bool active = on && now >= double(span.start) && now < double(span.end);
     const Vector4f base = colorOf(span.name);
-    const Box2 bar(x1, top + (small ? 6 : 2), x2, top + BAR - (small ? 6 : 2));
+    const Box2 bar(x1, top + (small ? 6 : 2), x2, top + BAR_HEIGHT - (small ? 6 : 2));
     paint.box(bar, !on ? color::raised : shade(base, active ? 1.45f : 0.95f));
     if (small)
         return;
@@ -497,9 +498,9 @@ void Timeline::drawCurve(Paint& paint, int index) {
     const double origin = document.getOrigin(row.element);
     const Element& span = document[spline.parent];
     const float top = getRowTop(index);
-    paint.box(
-        Box2(toX(origin), top + 1, toX(origin + double(span.end) - double(span.start)), top + CURVE - 1),
-        Vector4f(0, 0, 0, 0.30f));
+    paint.box(Box2(toX(origin), top + 1, toX(origin + double(span.end) - double(span.start)),
+                   top + CURVE_HEIGHT - 1),
+              Vector4f(0, 0, 0, 0.30f));
     for (const double value : {0.0, 1.0})
         if (value >= double(range.low) && value <= double(range.high)) {
             const float y = toY(index, range, value);
@@ -521,8 +522,8 @@ void Timeline::drawCurve(Paint& paint, int index) {
     if (now >= 0 && now < double(span.end) - double(span.start)) {
         const double value = mEditor.evaluate(row.element, now);
         paint.text(toX(mShow.getTime()) + 6,
-                   std::clamp(toY(index, range, value) - 9, top + 8, top + CURVE - 8), formatNumber(value),
-                   color::now);
+                   std::clamp(toY(index, range, value) - 9, top + 8, top + CURVE_HEIGHT - 8),
+                   formatNumber(value), color::now);
     }
 }
 
@@ -566,7 +567,7 @@ void Timeline::drawLabel(Paint& paint, int index) {
     const Document& document = getDocument();
     const Element& element = document[row.element];
     const Box2 box = getRowBox(index);
-    const float left = box.x1 + 4 + INDENT * float(row.depth), middle = box.y1 + BAR / 2;
+    const float left = box.x1 + 4 + INDENT * float(row.depth), middle = box.y1 + BAR_HEIGHT / 2;
     const float right = getAxis().x1 - 8;
     const bool selected = mEditor.isSelected(element.id) && row.type != Row::TRIGGERS;
     if (selected)
@@ -628,9 +629,9 @@ void Timeline::drawRuler(Paint& paint) {
     paint.box(Box2(all.x1, all.y1, all.x2, axis.y1), color::panel);
     char text[64];
     snprintf(text, sizeof text, "%g beats/min, %d/4", double(tempo.bpm), tempo.beats);
-    paint.text(all.x1 + 8, all.y1 + RULER / 2, text, color::dim);
-    paint.text(all.x1 + 8, all.y1 + RULER + 14, formatTime(mShow.getTime()), color::now);
-    paint.text(all.x1 + 8, all.y1 + RULER + 32, describeTime(mShow.getTime()), color::dim);
+    paint.text(all.x1 + 8, all.y1 + RULER_HEIGHT / 2, text, color::dim);
+    paint.text(all.x1 + 8, all.y1 + RULER_HEIGHT + 14, formatTime(mShow.getTime()), color::now);
+    paint.text(all.x1 + 8, all.y1 + RULER_HEIGHT + 32, describeTime(mShow.getTime()), color::dim);
     paint.clip(Box2(axis.x1, all.y1, axis.x2, axis.y1));
     if (const auto& loop = mShow.getLoop())
         paint.box(Box2(toX(loop->first), all.y1, toX(loop->second), axis.y1),
@@ -642,21 +643,21 @@ void Timeline::drawRuler(Paint& paint) {
         const float x = toX(origin + i * step);
         paint.line(x, all.y1, x, axis.y1, color::faint);
         if (i >= 0)
-            paint.text(x + 4, all.y1 + RULER / 2, std::to_string(int(std::lround(i * step / bar))),
+            paint.text(x + 4, all.y1 + RULER_HEIGHT / 2, std::to_string(int(std::lround(i * step / bar))),
                        color::ink);
     }
     const double grid = getGrid();
     if (grid < step)
         for (double i = std::floor((mScrollTime - origin) / grid); toX(origin + i * grid) < axis.x2; ++i)
-            paint.line(toX(origin + i * grid), all.y1 + RULER - 4, toX(origin + i * grid), all.y1 + RULER,
-                       color::faint);
+            paint.line(toX(origin + i * grid), all.y1 + RULER_HEIGHT - 4, toX(origin + i * grid),
+                       all.y1 + RULER_HEIGHT, color::faint);
 }
 
 void Timeline::drawWave(Paint& paint) {
     const Box2& all = mArea.world;
     const Box2 axis = getAxis();
-    const float middle = all.y1 + RULER + WAVE / 2, half = WAVE / 2 - 3;
-    paint.clip(Box2(axis.x1, all.y1 + RULER, axis.x2, axis.y1));
+    const float middle = all.y1 + RULER_HEIGHT + WAVE_HEIGHT / 2, half = WAVE_HEIGHT / 2 - 3;
+    paint.clip(Box2(axis.x1, all.y1 + RULER_HEIGHT, axis.x2, axis.y1));
     constexpr float STEP = 2;
     for (float x = axis.x1; x < axis.x2; x += STEP) {
         const auto [low, high] = mShow.getWave().getPeak(toTime(x), toTime(x + STEP));
@@ -680,9 +681,9 @@ void Timeline::drawBookmarks(Paint& paint) {
         paint.line(x, all.y1, x, axis.y1, ink);
         paint.box(Box2(x, all.y1 + 3, x + 9, all.y1 + 12), ink);
         const float width = paint.width(document[i].name);
-        paint.box(Box2(x + 1, all.y1 + RULER + 1, x + width + 9, all.y1 + RULER + 16),
+        paint.box(Box2(x + 1, all.y1 + RULER_HEIGHT + 1, x + width + 9, all.y1 + RULER_HEIGHT + 16),
                   Vector4f(0, 0, 0, 0.55f));
-        paint.text(x + 5, all.y1 + RULER + 8, document[i].name, ink);
+        paint.text(x + 5, all.y1 + RULER_HEIGHT + 8, document[i].name, ink);
     }
 }
 
@@ -700,7 +701,7 @@ void Timeline::drawNow(Paint& paint) {
 void Timeline::drawScroll(Paint& paint) {
     const Box2& all = mArea.world;
     paint.clip(all);
-    paint.box(Box2(all.x2 - SCROLL, getAxis().y1, all.x2, all.y2), color::edge);
+    paint.box(Box2(all.x2 - SCROLL_WIDTH, getAxis().y1, all.x2, all.y2), color::edge);
     paint.box(getScrollHandle(),
               mDrag == Drag::SCROLL || mHover.part == Place::SCROLL ? color::dim : color::faint);
 }

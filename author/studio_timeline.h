@@ -16,12 +16,12 @@ namespace zentrak::studio {
 
 class Timeline : public panorama::Control {
 public:
-    static constexpr float LABELS = 210; // pixels before the time axis
-    static constexpr float RULER = 20;   // of its height
-    static constexpr float WAVE = 46;
-    static constexpr float BAR = 22;    // of a row with a bar
-    static constexpr float CURVE = 84;  // of a row with a curve
-    static constexpr float SCROLL = 12; // of the bar at the right
+    static constexpr float LABELS_WIDTH = 210; // pixels before the time axis
+    static constexpr float RULER_HEIGHT = 20;  // of its height
+    static constexpr float WAVE_HEIGHT = 46;
+    static constexpr float BAR_HEIGHT = 22;   // of a row with a bar
+    static constexpr float CURVE_HEIGHT = 84; // of a row with a curve
+    static constexpr float SCROLL_WIDTH = 12; // of the bar at the right
 
     struct Row {
         enum Type { SECTION, SPAN, TRIGGERS, CURVE } type;

@@ -45,7 +45,7 @@ void Timeline::wheel(const Event& event) {
     else if (event.shift())
         mScrollTime -= double(event.wheelDelta) * 60 / mScale;
     else
-        mScrollRows -= event.wheelDelta * 3 * BAR;
+        mScrollRows -= event.wheelDelta * 3 * BAR_HEIGHT;
     clampView();
     mHover = find(mMouse);
 }
@@ -305,7 +305,8 @@ void Timeline::move(const Event& event) {
         break;
     case Drag::SCROLL: {
         const float room = getAxis().getHeight() - getScrollHandle().getHeight();
-        mScrollRows = mPressRows + dy * (mRowsHeight + BAR - getAxis().getHeight()) / std::max(1.0f, room);
+        mScrollRows =
+            mPressRows + dy * (mRowsHeight + BAR_HEIGHT - getAxis().getHeight()) / std::max(1.0f, room);
         clampView();
         break;
     }
