@@ -53,7 +53,7 @@ struct Demo : Kindler {
 } // namespace
 
 TEST_F(SetupFile, TheDriverStartsInItsInitialState) {
-    const Kindler kindler;
+    const Kindler kindler{};
     EXPECT_EQ(kindler.mDisplay, nullptr);
     EXPECT_FALSE(kindler.mNoSound);
     EXPECT_FALSE(kindler.mMuted);
