@@ -247,7 +247,12 @@ TEST(Png, WithAnyByteChangedItLoadsOrIsRefusedAndTakesNoMemory) {
         }
         EXPECT_GT(refused, int(bytes.size() / 2)) << name;
     }
-    EXPECT_LT(residentPeak() - before, 16 * 1024);
+#ifdef __SANITIZE_ADDRESS__
+    const long most = 256 * 1024; // the sanitizer holds back what is freed
+#else
+    const long most = 16 * 1024;
+#endif
+    EXPECT_LT(residentPeak() - before, most);
     EXPECT_EQ(errors.text(), "");
 }
 
