@@ -153,7 +153,7 @@ TEST_F(CatalogueTest, TheTargetsOfWaxOnExist) {
     EXPECT_EQ(made, namesIn(namesOf("waxon").triggers[0].words));
 }
 
-// An object that is made later starts as the first one did, whatever that one was told.
+// An object that is made later starts as the first one did, whatever happened to that one.
 TEST_F(CatalogueTest, AnEffectThatIsMadeAgainStartsOver) {
     for (const char* name : {"border", "grid", "rund", "xor", "overlay", "kub", "vul", "cloud", "face"}) {
         const auto draw = [&](ScriptedEffect& effect) {
