@@ -187,6 +187,29 @@ void Viewer::dragCorner(int dx, int dy) {
     keyUp("Alt_L");
 }
 
+void waitUntilNoWindowIsManaged() {
+    using Clock = std::chrono::steady_clock;
+    Display* const display = XOpenDisplay(nullptr);
+    ASSERT_NE(display, nullptr);
+    const Atom clients = XInternAtom(display, "_NET_CLIENT_LIST", False);
+    unsigned long count = 0;
+    for (const auto deadline = Clock::now() + std::chrono::seconds(30); Clock::now() < deadline;) {
+        Atom type;
+        int format;
+        unsigned long left;
+        unsigned char* windows = nullptr;
+        XGetWindowProperty(display, DefaultRootWindow(display), clients, 0, 1, False, XA_WINDOW, &type,
+                           &format, &count, &left, &windows);
+        if (windows)
+            XFree(windows);
+        if (count == 0)
+            break;
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    XCloseDisplay(display);
+    EXPECT_EQ(count, 0u) << "the window manager still has a window";
+}
+
 struct OtherWindow::Connection {
     Display* display;
     Window window;
