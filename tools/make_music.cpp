@@ -74,8 +74,8 @@ std::vector<int> playDrums(Tracks& tracks, int bars) {
 void playTransitions(Tracks& tracks) {
     const float TOMS[] = {50, 50, 47, 45, 45, 43, 40, 38};
     const int SLOWEST = 4; // bars, the longest riser
-    int bar = 0;
-    for (const Section& section : sections()) {
+    for (const Section& section : SECTIONS) {
+        int bar = section.bar;
         if (bar > 0) {
             bool full = charts().kick[size_t(bar - 1)] == 's'; // the kick has made room
             for (int i = 0; full && i < 8; ++i) {
@@ -89,9 +89,8 @@ void playTransitions(Tracks& tracks) {
             fall(tracks.noise, frameOf(bar), 2 * BAR, 0.45f);
             boom(tracks.drums, frameOf(bar), 0.7f);
         }
-        bar += section.bars;
     }
-    int last = barCount() - 4; // the last chord
+    int last = BARS - 4; // the last chord
     boom(tracks.drums, frameOf(last), 0.8f);
     fall(tracks.noise, frameOf(last), 3 * BAR, 0.4f);
 }
@@ -231,17 +230,17 @@ Track perform(int bars) {
     saturate(master, 0.6f);
     highPass(master, 28);
     limit(master, 0.80f);
-    fadeEnds(master, 441, bars == barCount() ? 2 * BAR : BAR / 8);
+    fadeEnds(master, 441, bars == BARS ? 2 * BAR : BAR / 8);
     return master;
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
-    int bars = barCount();
+    int bars = BARS;
     if (argc < 2 || argc > 3 || zentrak::command::hasOption(argc, argv, 1) ||
-        (argc == 3 && !zentrak::command::readNumber(argv[2], 1, barCount(), bars))) {
-        std::fprintf(stderr, "usage: make_music FILE.ogg [BARS]     the first BARS, 1 to %d\n", barCount());
+        (argc == 3 && !zentrak::command::readNumber(argv[2], 1, BARS, bars))) {
+        std::fprintf(stderr, "usage: make_music FILE.ogg [BARS]     the first BARS, 1 to %d\n", BARS);
         return 2;
     }
     try {

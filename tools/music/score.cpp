@@ -2,23 +2,12 @@
 
 #include <algorithm>
 #include <map>
-#include <numeric>
 #include <sstream>
 #include <stdexcept>
 
 namespace zentrak::music {
 
 namespace {
-
-// The form. 84 bars are 160 seconds.
-const std::vector<Section> SECTIONS = {
-    {"intro", 8},         {"build", 8},   {"main theme", 16}, {"break", 12},
-    {"second theme", 16}, {"finale", 16}, {"outro", 8},
-};
-
-// From this bar on everything is a whole tone higher: the second half of the finale, and the outro.
-const int LIFT_BAR = 68;
-const int LIFT_SEMITONES = 2;
 
 // Chords by name: the bass, and four voices with minimal movement.
 const std::map<std::string, Chord> CHORDS = {
@@ -47,32 +36,35 @@ const char* const HARMONY =
     // second theme, twice
     " Bb+  C   Dm  F/A  Bb+ C+  Am    Dm+ "
     " Bb+  C   Dm  F/A  Bb+ C+  Am    Asus,A "
+    // rise
+    " Gm   Gm  Asus A "
     // finale: the main theme, and once more the climb into it
     " Dm   Bb  F   C/E  Gm  Bb+ C+    Asus,B7 "
     " Dm   Bb  F   C/E  Gm  Bb+ C+    Asus,A "
     // outro
     " Bb+  C+  Gm  Asus,A "
+    " Bb+  C+  Gm  Asus,A "
     " end  end end end ";
 
 // The arrangement: one character per bar; blanks only separate the sections and their halves.
 const Charts CHARTS = {
-    //         intro    build    main theme        break         second theme      finale            outro
-    /*kick */ "....hhhh fffffffs fffffffbfffffffs  ............  fffffffbfffffffs  fffffffsfffffffs  "
-              "fffs1...",
+    //         intro    build    main theme       break        second theme     rise finale           outro
+    /*kick */ "....hhhh fffffffs fffffffbfffffffs ............ fffffffbfffffffs fffs fffffffsfffffffs "
+              "fffs....1...",
     /*clap */
-    "........ ....cccr ccccccclcccccccr  ........qqer  ccccccclcccccccr  cccccccrcccccccr  cccl....",
+    "........ ....cccr ccccccclcccccccr ........qqer ccccccclcccccccr qqer cccccccrcccccccr cccl........",
     /*hat  */
-    "........ eeeessst oooooooxooooooox  ....eeeesss.  ooooooododdddddd  ooooooodddddddd.  oox.....",
+    "........ eeeessst oooooooxooooooox ....eeeesss. ooooooododdddddd ssss ooooooodddddddd. oox.........",
     /*crash*/
-    "........ 1....... 1.......1.......  1...........  1.......1.......  1.......1.......  1...1...",
+    "........ 1....... 1.......1....... 1........... 1.......1....... 1... 1.......1....... 1.......1...",
     /*bass */
-    "........ ppppppps aaaaaaabaaaaaaab  wwwwwwww....  rrrrrrrbrrrrrrrb  rrrrrrrbaaaaaaab  aaab1...",
+    "........ ppppppps aaaaaaabaaaaaaab wwwwwwww.... rrrrrrrbrrrrrrrb pppp rrrrrrrbaaaaaaab aaabwwww1...",
     /*pad  */
-    "45566778 55555555 4444444444444444  899999998765  4444444444444444  5555555555555555  66669999",
+    "45566778 55555555 4444444444444444 899999998765 4444444444444444 6666 5555555555555555 666655559999",
     /*saws */
-    "........ ....2345 7777777788888888  ........2345  7777777788888888  8888888899999999  98879...",
+    "........ ....2345 7777777788888888 ........2345 7777777788888888 4567 8888888899999999 9887....9...",
     /*arp  */
-    "12233445 55666789 5555555566666666  344556677899  6666666666666666  7777777788888888  7654....",
+    "12233445 55666789 5555555566666666 344556677899 6666666666666666 6789 7777777788888888 76543322....",
 };
 
 // The hook: broken chords in three, three and two.
@@ -129,7 +121,7 @@ const char* const BREAK =
 
 const char* const FAREWELL =
     "F5:3 D5:3 F5:2 Bb5:8           | G5:3 E5:3 G5:2 C6:8       | D6:8 Bb5:4 G5:4          | A5:8 E5:4 C#5:4 "
-    "| "
+    "| F5:3 D5:3 F5:2 Bb5:8 | G5:3 E5:3 G5:2 C6:8 | D6:8 Bb5:4 G5:4 | A5:8 E5:4 C#5:4 | "
     "D5:16                          | A5:3 D6:3 F6:2 E6:8       | -:16                     | -:16";
 
 const std::vector<Line> LINES = {
@@ -142,12 +134,12 @@ const std::vector<Line> LINES = {
     {44, Line::LEAD, 0.90f, SECOND},
     {52, Line::LEAD, 1.00f, SECOND_AGAIN},
     {52, Line::COUNTER, 0.60f, COUNTER_SECOND},
-    {60, Line::LEAD, 1.00f, HOOK_LIFTING},
-    {60, Line::COUNTER, 0.80f, COUNTER_LIFTING},
-    {68, Line::LEAD, 1.05f, HOOK_AGAIN},
-    {68, Line::COUNTER, 0.90f, COUNTER},
-    {68, Line::BELL, 0.60f, HOOK},
-    {76, Line::BELL, 0.90f, FAREWELL},
+    {64, Line::LEAD, 1.00f, HOOK_LIFTING},
+    {64, Line::COUNTER, 0.80f, COUNTER_LIFTING},
+    {72, Line::LEAD, 1.05f, HOOK_AGAIN},
+    {72, Line::COUNTER, 0.90f, COUNTER},
+    {72, Line::BELL, 0.60f, HOOK},
+    {80, Line::BELL, 0.90f, FAREWELL},
 };
 
 const std::vector<Rhythm> KICK = {
@@ -192,7 +184,7 @@ Charts readCharts() {
     for (std::string* chart :
          {&read.kick, &read.clap, &read.hat, &read.crash, &read.bass, &read.pad, &read.saws, &read.arp}) {
         *chart = withoutBlanks(*chart);
-        if (int(chart->size()) != barCount())
+        if (int(chart->size()) != BARS)
             throw std::runtime_error("a chart of " + std::to_string(chart->size()) + " bars: " + *chart);
     }
     return read;
@@ -210,17 +202,8 @@ int readPitch(const std::string& name) {
 
 } // namespace
 
-const std::vector<Section>& sections() {
-    return SECTIONS;
-}
-
-int barCount() {
-    return std::accumulate(SECTIONS.begin(), SECTIONS.end(), 0,
-                           [](int bars, const Section& section) { return bars + section.bars; });
-}
-
 int transposition(int bar) {
-    return bar >= LIFT_BAR ? LIFT_SEMITONES : 0;
+    return bar >= PEAK_BAR ? 2 : 0;
 }
 
 std::vector<Chord> harmony() {
@@ -245,7 +228,7 @@ std::vector<Chord> harmony() {
             step += steps;
         }
     }
-    if (step != barCount() * STEPS_PER_BAR)
+    if (step != BARS * STEPS_PER_BAR)
         throw std::runtime_error("the harmony has " + std::to_string(step) + " steps");
     return chords;
 }

@@ -1,21 +1,12 @@
 // The score: sections, harmony, melodies and rhythms. Nothing here makes a sound.
 #pragma once
 
+#include "form.h"
+
 #include <string>
 #include <vector>
 
 namespace zentrak::music {
-
-// Timing. At 126 beats a minute and 44100 frames a second a bar is a whole number of frames.
-const int RATE = 44100;
-const int STEPS_PER_BAR = 16;
-const int STEP = 5250; // frames of a sixteenth note
-const int BAR = STEPS_PER_BAR * STEP;
-
-struct Section {
-    const char* name;
-    int bars;
-};
 
 // A note of a melody. `step` counts sixteenths from the start of its line, `pitch` is a MIDI number (A4 is
 // 69).
@@ -50,9 +41,6 @@ struct Rhythm {
     char name;
     const char* strokes;
 };
-
-const std::vector<Section>& sections();
-int barCount();
 
 // The transposition of a bar in semitones, relative to D minor.
 int transposition(int bar);

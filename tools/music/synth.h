@@ -1,8 +1,8 @@
 // Building blocks of the instruments. Frequencies are in Hz, times in seconds; each call produces one sample.
 #pragma once
 
+#include "form.h"
 #include "mb_random.h"
-#include "score.h"
 
 #include <vector>
 
