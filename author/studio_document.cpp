@@ -506,7 +506,7 @@ std::string Document::getIndent(size_t position) const {
 std::string Document::getIndentOfChildren(int parent) const {
     const Element& element = (*this)[parent];
     if (parent + 1 < element.next) {
-        const std::string indent = getIndent((*this)[parent + 1].from);
+        std::string indent = getIndent((*this)[parent + 1].from);
         if (!indent.empty())
             return indent;
     }

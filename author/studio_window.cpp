@@ -235,7 +235,7 @@ void Window::offerRecovery() {
         return;
     }
     mAskedRecovery = true;
-    const std::string text = *unsaved;
+    const std::string& text = *unsaved;
     mOverlay->openDialog("There is work that was not saved",
                          {"The studio ended the last time before " + mFile.getName() + " was saved.",
                           "Restored, it is one step that can be undone, and not saved yet."},

@@ -7,6 +7,7 @@
 #include "mb_matrix4x4col.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <vector>
 
@@ -29,7 +30,7 @@ struct Voxel {
 
 struct State {
     float alpha = 0;
-    std::vector<Voxel> pix[NUM_COLUMNS];
+    std::array<std::vector<Voxel>, NUM_COLUMNS> pix;
 } state;
 
 // How far a column has fallen back, in degrees, 0 to -90.
