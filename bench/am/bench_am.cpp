@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <memory>
 #include <png.h>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -19,20 +20,20 @@ using namespace zentrak::am;
 
 namespace {
 
-constexpr int cWidth = 1280;
-constexpr int cHeight = 1024;
+constexpr int WIDTH = 1280;
+constexpr int HEIGHT = 1024;
 
 // Smooth colours, a few hard edges and some noise: compresses about as well as a frame of the show.
 void paint(ImageObject& image) {
-    image.resize(cWidth, cHeight);
+    image.resize(WIDTH, HEIGHT);
     unsigned char* to = image.getWriteData();
     zentrak::mathbase::Random random(5);
-    for (int y = 0; y < cHeight; ++y)
-        for (int x = 0; x < cWidth; ++x, to += 4) {
+    for (int y = 0; y < HEIGHT; ++y)
+        for (int x = 0; x < WIDTH; ++x, to += 4) {
             const unsigned draw = random.draw();
             const unsigned noise = (x / 160 + y / 128) % 3 == 0 ? draw >> 30 : 0;
-            to[0] = static_cast<unsigned char>(x * 255 / cWidth + int(noise));
-            to[1] = static_cast<unsigned char>(y * 255 / cHeight);
+            to[0] = static_cast<unsigned char>(x * 255 / WIDTH + int(noise));
+            to[1] = static_cast<unsigned char>(y * 255 / HEIGHT);
             to[2] = static_cast<unsigned char>((x / 64 + y / 64) % 2 ? 200 : (x * y) >> 13);
             to[3] = 255;
         }
@@ -44,11 +45,11 @@ std::vector<unsigned char> makePng(bool alpha) {
     paint(image);
     png_image header{};
     header.version = PNG_IMAGE_VERSION;
-    header.width = cWidth;
-    header.height = cHeight;
+    header.width = WIDTH;
+    header.height = HEIGHT;
     header.format = alpha ? PNG_FORMAT_BGRA : PNG_FORMAT_BGR;
     std::vector<unsigned char> pixels;
-    for (int i = 0; i < cWidth * cHeight; ++i)
+    for (int i = 0; i < WIDTH * HEIGHT; ++i)
         pixels.insert(pixels.end(), image.getData() + i * 4, image.getData() + i * 4 + (alpha ? 4 : 3));
     png_alloc_size_t size = 0;
     png_image_write_to_memory(&header, nullptr, &size, 0, pixels.data(), 0, nullptr);
@@ -71,15 +72,15 @@ void readFromCursor(png_structp png, png_bytep to, size_t count) {
 // The library alone, rows in file order, without conversion.
 void decodeRaw(benchmark::State& state) {
     const std::vector<unsigned char> file = makePng(state.range(0) != 0);
-    std::vector<unsigned char> pixels(size_t(cWidth) * cHeight * 4);
+    std::vector<unsigned char> pixels(size_t(WIDTH) * HEIGHT * 4);
     for (auto _ : state) {
         png_structp png = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
         png_infop info = png_create_info_struct(png);
         Cursor cursor{file.data()};
         png_set_read_fn(png, &cursor, readFromCursor);
         png_read_info(png, info);
-        for (size_t y = 0; y < cHeight; ++y)
-            png_read_row(png, pixels.data() + y * cWidth * 4, nullptr);
+        for (size_t y = 0; y < HEIGHT; ++y)
+            png_read_row(png, pixels.data() + y * WIDTH * 4, nullptr);
         png_read_end(png, nullptr);
         png_destroy_read_struct(&png, &info, nullptr);
         benchmark::DoNotOptimize(pixels.data());
@@ -108,7 +109,7 @@ BENCHMARK(decodeOurs)
     ->Unit(benchmark::kMillisecond);
 
 void swapPlain(benchmark::State& state) {
-    std::vector<unsigned char> from(size_t(cWidth) * cHeight * 4, 7), to(from.size());
+    std::vector<unsigned char> from(size_t(WIDTH) * HEIGHT * 4, 7), to(from.size());
     for (auto _ : state) {
         for (size_t i = 0; i < from.size(); i += 4) {
             to[i] = from[i + 2];
@@ -123,9 +124,9 @@ void swapPlain(benchmark::State& state) {
 BENCHMARK(swapPlain)->Name("swap of RGBA, byte by byte")->Unit(benchmark::kMicrosecond);
 
 void swapOurs(benchmark::State& state) {
-    std::vector<unsigned char> from(size_t(cWidth) * cHeight * 4, 7), to(from.size());
+    std::vector<unsigned char> from(size_t(WIDTH) * HEIGHT * 4, 7), to(from.size());
     for (auto _ : state) {
-        swapRedBlue(to.data(), from.data(), size_t(cWidth) * cHeight);
+        swapRedBlue(to.data(), from.data(), size_t(WIDTH) * HEIGHT);
         benchmark::DoNotOptimize(to.data());
         benchmark::ClobberMemory();
     }
@@ -133,7 +134,7 @@ void swapOurs(benchmark::State& state) {
 BENCHMARK(swapOurs)->Name("swap of RGBA, as words")->Unit(benchmark::kMicrosecond);
 
 void expandPlain(benchmark::State& state) {
-    std::vector<unsigned char> from(size_t(cWidth) * cHeight * 3, 7), to(size_t(cWidth) * cHeight * 4);
+    std::vector<unsigned char> from(size_t(WIDTH) * HEIGHT * 3, 7), to(size_t(WIDTH) * HEIGHT * 4);
     for (auto _ : state) {
         for (size_t i = 0, o = 0; i < from.size(); i += 3, o += 4) {
             to[o] = from[i + 2];
@@ -148,9 +149,9 @@ void expandPlain(benchmark::State& state) {
 BENCHMARK(expandPlain)->Name("RGB to BGRA, byte by byte")->Unit(benchmark::kMicrosecond);
 
 void expandOurs(benchmark::State& state) {
-    std::vector<unsigned char> from(size_t(cWidth) * cHeight * 3, 7), to(size_t(cWidth) * cHeight * 4);
+    std::vector<unsigned char> from(size_t(WIDTH) * HEIGHT * 3, 7), to(size_t(WIDTH) * HEIGHT * 4);
     for (auto _ : state) {
-        expandRgb(to.data(), from.data(), size_t(cWidth) * cHeight);
+        expandRgb(to.data(), from.data(), size_t(WIDTH) * HEIGHT);
         benchmark::DoNotOptimize(to.data());
         benchmark::ClobberMemory();
     }
@@ -172,11 +173,11 @@ void encodeRaw(benchmark::State& state) {
                 to->insert(to->end(), data, data + count);
             },
             [](png_structp) {});
-        png_set_IHDR(png, info, cWidth, cHeight, 8, PNG_COLOR_TYPE_RGBA, PNG_INTERLACE_NONE,
+        png_set_IHDR(png, info, WIDTH, HEIGHT, 8, PNG_COLOR_TYPE_RGBA, PNG_INTERLACE_NONE,
                      PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
         png_write_info(png, info);
-        for (size_t y = 0; y < cHeight; ++y)
-            png_write_row(png, image.getData() + y * cWidth * 4);
+        for (size_t y = 0; y < HEIGHT; ++y)
+            png_write_row(png, image.getData() + y * WIDTH * 4);
         png_write_end(png, info);
         png_destroy_write_struct(&png, &info);
         benchmark::DoNotOptimize(file.data());
@@ -187,16 +188,14 @@ BENCHMARK(encodeRaw)->Name("png encode, libpng alone")->Unit(benchmark::kMillise
 // One dumped frame, including the write to disk.
 void dumpFrame(benchmark::State& state) {
     char pattern[] = "/tmp/zentrak-bench-XXXXXX";
-    if (!mkdtemp(pattern)) {
-        state.SkipWithError("no temporary folder");
-        return;
-    }
+    if (!mkdtemp(pattern))
+        throw std::runtime_error("no temporary folder");
     {
         ArchiveManager archives;
         archives.addArchive(pattern);
         Image image(new ImageObject());
         paint(*image);
-        VideoFile::Format format{cWidth, cHeight, 60, 1};
+        VideoFile::Format format{WIDTH, HEIGHT, 60, 1};
         std::unique_ptr<VideoFile> video(VideoFile::createForWrite("frame.png", format, &archives));
         video->attach(image);
         for (auto _ : state)

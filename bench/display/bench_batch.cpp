@@ -5,6 +5,7 @@
 // and the speedup of the batch, first by the clock, then by processor time over all threads (steadier on a
 // busy machine), then with GL_RASTERIZER_DISCARD, which leaves the cost of getting the shapes to the
 // rasteriser; and the batch's cost of collecting alone.
+#include "../measure.h"
 #include "am_image.h"
 #include "dis_batch.h"
 #include "dis_display.h"
@@ -15,12 +16,8 @@
 #include "ztk_memory.h"
 #include "ztk_system.h"
 
-#include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <cstdio>
-#include <cstdlib>
-#include <ctime>
 #include <functional>
 #include <vector>
 
@@ -164,37 +161,23 @@ void batchSprites(Batch& batch, const std::vector<Shape>& shapes, float s, bool 
     }
 }
 
-double clockNow(clockid_t clock) {
-    timespec t;
-    clock_gettime(clock, &t);
-    return double(t.tv_sec) * 1e3 + double(t.tv_nsec) * 1e-6;
-}
+FILE* results;
 
-struct Cost {
-    std::vector<double> wall, cpu;
-    static double least(const std::vector<double>& v) { return *std::min_element(v.begin(), v.end()); }
-    static double median(std::vector<double> v) {
-        std::nth_element(v.begin(), v.begin() + long(v.size() / 2), v.end());
-        return v[v.size() / 2];
-    }
-};
-
-void measure(Cost& cost, const std::function<void()>& draw) {
+void measure(bench::Times& times, const std::function<void()>& draw) {
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
     glFinish();
-    const double wall = clockNow(CLOCK_MONOTONIC), cpu = clockNow(CLOCK_PROCESS_CPUTIME_ID);
-    draw();
-    glFinish();
-    cost.wall.push_back(clockNow(CLOCK_MONOTONIC) - wall);
-    cost.cpu.push_back(clockNow(CLOCK_PROCESS_CPUTIME_ID) - cpu);
+    times.add([&] {
+        draw();
+        glFinish();
+    });
 }
 
 void compare(const char* name, int rounds, const std::function<void()>& state,
              const std::function<void()>& plain, Batch& batch, const std::function<void()>& collect) {
     glPushAttrib(GL_ALL_ATTRIB_BITS);
     state();
-    Cost plainCost, batchCost, plainSent, batchSent, collected;
-    const auto both = [&](Cost& a, Cost& b) {
+    bench::Times plainCost, batchCost, plainSent, batchSent, collected;
+    const auto both = [&](bench::Times& a, bench::Times& b) {
         measure(a, plain);
         measure(b, [&] {
             collect();
@@ -212,20 +195,20 @@ void compare(const char* name, int rounds, const std::function<void()>& state,
     }
     glDisable(GL_RASTERIZER_DISCARD);
     glPopAttrib();
-    const double wall[2] = {Cost::median(plainCost.wall), Cost::median(batchCost.wall)};
-    const double cpu[2] = {Cost::median(plainCost.cpu), Cost::median(batchCost.cpu)};
-    const double sent[2] = {Cost::median(plainSent.cpu), Cost::median(batchSent.cpu)};
-    std::printf("%-34s %7.1f %6.1f %5.1fx %8.1f %6.1f %5.1fx %8.1f %6.2f %5.1fx %9.2f\n", name, wall[0],
-                wall[1], wall[0] / wall[1], cpu[0], cpu[1], cpu[0] / cpu[1], sent[0], sent[1],
-                sent[0] / sent[1], Cost::median(collected.cpu));
-    std::fflush(stdout);
+    const double wall[2] = {bench::median(plainCost.wall), bench::median(batchCost.wall)};
+    const double cpu[2] = {bench::median(plainCost.processor), bench::median(batchCost.processor)};
+    const double sent[2] = {bench::median(plainSent.processor), bench::median(batchSent.processor)};
+    std::fprintf(results, "%-34s %7.1f %6.1f %5.1fx %8.1f %6.1f %5.1fx %8.1f %6.2f %5.1fx %9.2f\n", name,
+                 wall[0], wall[1], wall[0] / wall[1], cpu[0], cpu[1], cpu[0] / cpu[1], sent[0], sent[1],
+                 sent[0] / sent[1], bench::median(collected.processor));
 }
 
 } // namespace
 
 int main(int count, char** arguments) {
     keepFreedMemory(); // as the program does
-    const int rounds = count > 1 ? std::max(1, std::atoi(arguments[1])) : 15;
+    results = bench::separateResults();
+    const int rounds = bench::roundsOf(count, arguments, 15);
     display::DisplayGL window(display::WindowMode("bench", WIDTH, HEIGHT, false));
     window.open();
     window.resetAllStates();
@@ -249,12 +232,12 @@ int main(int count, char** arguments) {
     const auto solid = [] { glEnable(GL_DEPTH_TEST), glEnable(GL_CULL_FACE); };
     const auto blended = [] { glEnable(GL_BLEND); };
 
-    std::printf("%s, %d shapes at %d x %d, median of %d rounds, milliseconds\n", glGetString(GL_RENDERER),
-                COUNT, WIDTH, HEIGHT, rounds);
-    std::printf("%-34s %21s %22s %22s %9s\n", "", "by the clock", "processor time", "without pixels",
-                "collect");
-    std::printf("%-34s %7s %6s %6s %8s %6s %6s %8s %6s %6s\n", "", "plain", "batch", "", "plain", "batch", "",
-                "plain", "batch", "");
+    std::fprintf(results, "%s, %d shapes at %d x %d, median of %d rounds, milliseconds\n",
+                 glGetString(GL_RENDERER), COUNT, WIDTH, HEIGHT, rounds);
+    std::fprintf(results, "%-34s %21s %22s %22s %9s\n", "", "by the clock", "processor time",
+                 "without pixels", "collect");
+    std::fprintf(results, "%-34s %7s %6s %6s %8s %6s %6s %8s %6s %6s\n", "", "plain", "batch", "", "plain",
+                 "batch", "", "plain", "batch", "");
     const auto boxes = [&](const char* name, const std::function<void()>& state,
                            const std::vector<Shape>& shapes, const Vector3f& size, bool texturedBoxes) {
         compare(

@@ -1,10 +1,13 @@
-// The update of each effect that draws many shapes or a scene:
-//     tests/with_display build/bench/bench/effects/bench_effects [small] [ROUNDS [WHICH]]
-// from the root of the source tree. With "small" the window is 16 by 10 pixels, so that fill time hides
-// nothing; WHICH selects the lines whose names contain it. Median milliseconds per frame up to the finished
-// picture, by the clock and as processor time of all threads; and "own", the update without the draw calls.
+// A frame of the effects that draw many shapes, sprites or a scene:
+//     tests/with_display build/bench/bench/effects/bench_effects [ROUNDS [WIDTHxHEIGHT [WHICH]]]
+// from the root of the source tree; WHICH selects the lines whose names contain it. Medians in milliseconds,
+// up to the finished picture, by the clock and as processor time of all threads; and "own", the processor
+// time of the update without the draw calls. In a window of 16x10 pixels, fill time hides nothing. To see
+// what a change is worth, build without and with it, and let bench/effects/compare run both in turn.
+#include "../measure.h"
 #include "abc.h"
 #include "am_archivemanager.h"
+#include "cloud.h"
 #include "credits.h"
 #include "cubejox.h"
 #include "dis_display.h"
@@ -16,6 +19,8 @@
 #include "kub.h"
 #include "overlay.h"
 #include "rund.h"
+#include "spark.h"
+#include "sparks_engine.h"
 #include "ssao.h"
 #include "tunnel.h"
 #include "vul.h"
@@ -24,12 +29,9 @@
 #include "ztk_memory.h"
 #include "ztk_system.h"
 
-#include <algorithm>
-#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <ctime>
 #include <dlfcn.h>
 #include <functional>
 #include <string>
@@ -64,37 +66,24 @@ extern "C" void glDrawElements(GLenum mode, GLsizei count, GLenum type, const vo
 
 namespace {
 
-double now(clockid_t clock) {
-    timespec t;
-    clock_gettime(clock, &t);
-    return double(t.tv_sec) * 1e3 + double(t.tv_nsec) * 1e-6;
-}
-
-struct Cost {
-    std::vector<double> wall, cpu;
-    static double median(std::vector<double> v) {
-        if (v.empty())
-            return 0;
-        std::nth_element(v.begin(), v.begin() + long(v.size() / 2), v.end());
-        return v[v.size() / 2];
-    }
-};
-
 class Bench {
 public:
-    int rounds = 15;
-    const char* wanted = "";
+    FILE* const results = bench::separateResults();
+    const int rounds;
+    const char* const wanted;
     display::DisplayGL window;
 
-    explicit Bench(bool small)
-        : window(small ? display::WindowMode("bench", 16, 10, false)
-                       : display::WindowMode("bench", 1280, 800, false)) {
+    Bench(int roundCount, int width, int height, const char* which)
+        : rounds(roundCount), wanted(which), window(display::WindowMode("bench", width, height, false)) {
         mArchives.addArchive("data");
         mArchives.addArchive("tests/data");
         window.setArchive(&mArchives);
         window.open();
         window.setFps(display::DisplayGL::FPS_VARIABLE, 0);
         window.update();
+        std::fprintf(results, "%s, %d x %d, medians of %d rounds, milliseconds\n", glGetString(GL_RENDERER),
+                     width, height, rounds);
+        std::fprintf(results, "%-26s %9s %9s %9s\n", "", "clock", "processor", "own");
     }
 
     void prepare(Effect& effect, const char* name) {
@@ -102,19 +91,30 @@ public:
         effect.mName = name;
         effect.setup();
     }
-    bool wants(const char* name) const { return std::strstr(name, wanted) != nullptr; }
 
-    // A whole frame, and our own part of it.
-    void measure(const char* name, const std::function<void()>& effect) {
-        if (!wants(name))
+    template <class Draw>
+    void measure(const char* name, const Draw& draw) {
+        if (!std::strstr(name, wanted))
             return;
-        Cost whole, own;
-        for (int i = 0; i < rounds; ++i)
-            measureWhole(whole, effect);
-        measureOwn(own, effect);
-        std::printf("%-26s %7.1f by the clock %8.1f processor time %8.3f own\n", name,
-                    Cost::median(whole.wall), Cost::median(whole.cpu), Cost::median(own.cpu));
-        std::fflush(stdout);
+        bench::Times whole, own;
+        for (int i = 0; i < rounds; ++i) {
+            clear();
+            whole.add([&] {
+                draw();
+                glFinish();
+            });
+        }
+        const auto drawRanges = __glewMultiDrawArrays;
+        __glewMultiDrawArrays = [](GLenum, const GLint*, const GLsizei*, GLsizei) {};
+        for (int i = 0; i < rounds; ++i) {
+            clear();
+            muted = true;
+            own.add(draw);
+            muted = false;
+        }
+        __glewMultiDrawArrays = drawRanges;
+        std::fprintf(results, "%-26s %9.2f %9.2f %9.3f\n", name, bench::median(whole.wall),
+                     bench::median(whole.processor), bench::median(own.thread));
     }
 
 private:
@@ -123,29 +123,7 @@ private:
         glDisable(GL_CULL_FACE);
         glClearColor(0.1f, 0.12f, 0.15f, 1);
         glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-    }
-    void measureWhole(Cost& cost, const std::function<void()>& draw) {
-        clear();
         glFinish();
-        const double wall = now(CLOCK_MONOTONIC), cpu = now(CLOCK_PROCESS_CPUTIME_ID);
-        draw();
-        glFinish();
-        cost.wall.push_back(now(CLOCK_MONOTONIC) - wall);
-        cost.cpu.push_back(now(CLOCK_PROCESS_CPUTIME_ID) - cpu);
-    }
-    void measureOwn(Cost& own, const std::function<void()>& draw) {
-        const auto drawRanges = __glewMultiDrawArrays;
-        __glewMultiDrawArrays = [](GLenum, const GLint*, const GLsizei*, GLsizei) {};
-        for (int i = 0; i < rounds; ++i) {
-            clear();
-            glFinish();
-            muted = true;
-            const double cpu = now(CLOCK_THREAD_CPUTIME_ID);
-            draw();
-            own.cpu.push_back(now(CLOCK_THREAD_CPUTIME_ID) - cpu);
-            muted = false;
-        }
-        __glewMultiDrawArrays = drawRanges;
     }
 
     am::ArchiveManager mArchives;
@@ -156,19 +134,14 @@ private:
 int main(int count, char** arguments) {
     keepFreedMemory(); // as the program does
     mathbase::fixRandomStart(1);
-    const bool small = count > 1 && std::strcmp(arguments[1], "small") == 0;
-    if (small)
-        --count, ++arguments;
-    Bench bench(small);
-    if (count > 1)
-        bench.rounds = std::max(1, std::atoi(arguments[1]));
-    if (count > 2)
-        bench.wanted = arguments[2];
+    int width = 1280, height = 800;
+    if (count > 2 && std::sscanf(arguments[2], "%dx%d", &width, &height) != 2) {
+        std::fprintf(stderr, "bench_effects [ROUNDS [WIDTHxHEIGHT [WHICH]]]\n");
+        return 2;
+    }
+    Bench bench(bench::roundsOf(count, arguments, 15), width, height, count > 3 ? arguments[3] : "");
     display::DisplayGL& window = bench.window;
     kindler::Common common;
-
-    std::printf("%s, %d x %d, median of %d rounds, milliseconds\n", glGetString(GL_RENDERER),
-                window.mWindowMode.width, window.mWindowMode.height, bench.rounds);
 
     {
         kindler::Greet greet(&common);
@@ -219,6 +192,26 @@ int main(int count, char** arguments) {
         bench.prepare(face, "face");
         face.updateSpline(0, "alpha", 0.4f);
         bench.measure("face, 0", [&] { face.update(0, 0, 0); });
+        kindler::Cloud cloud(&common);
+        bench.prepare(cloud, "cloud");
+        cloud.updateSpline(0, "alpha", 1);
+        for (const auto& [name, progress] :
+             {std::pair("cloud, start", 0.05f), std::pair("cloud, middle", 0.5f),
+              std::pair("cloud, end", 0.95f)})
+            bench.measure(name, [&, p = progress] { cloud.update(0, 0, p); });
+    }
+    {
+        kindler::Spark spark(&common);
+        bench.prepare(spark, "spark");
+        window.setFps(display::DisplayGL::FPS_DELTA, 0);
+        for (int frame = 0; frame < 5 * 60; ++frame) { // until the sun burns steadily
+            window.setTime(frame / 60.0);
+            spark.getEngine()->update(float(window.getTime()));
+        }
+        for (const auto& [name, progress] : {std::pair("spark, centre", 0.0f),
+                                             std::pair("spark, midway", 0.6f), std::pair("spark, far", 1.0f)})
+            bench.measure(name, [&, p = progress] { spark.update(0, 0, p); });
+        window.setFps(display::DisplayGL::FPS_VARIABLE, 0);
     }
     {
         kindler::Credits credits(&common, "moonpulse");

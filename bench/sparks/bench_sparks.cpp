@@ -1,9 +1,8 @@
-// 50,000 live particles: one update, one draw, and both, compared with one call per vertex over the same
-// list, with powf and a check after each call. Run it as
-//     tests/with_display build/release/bench/sparks/bench_sparks
-// The sprites are smaller than a pixel, since fill time is the same either way and depends only on the
-// driver.
-// ...Submitted leaves out what the driver does with the vertices afterwards (GL_RASTERIZER_DISCARD).
+// 50,000 live particles: one update, and update and draw, compared with one call per vertex over the same
+// list, with powf:
+//     tests/with_display build/bench/bench/sparks/bench_sparks
+// from the root of the source tree. ...NotFilled leaves out the pixels (GL_RASTERIZER_DISCARD). What the
+// particles cost a frame of the show: bench_effects, "spark".
 #include "am_archivemanager.h"
 #include "dis_display.h"
 #include "dis_glcheck.h"

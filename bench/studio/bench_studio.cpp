@@ -3,14 +3,11 @@
 // Each line is one state: milliseconds by the clock and, in brackets, by processor time over all threads;
 // medians. No effect draws, so that a frame is the studio's alone. The target: 8 ms.
 
+#include "../measure.h"
 #include "studio_window.h"
 #include "ztk_system.h"
 
-#include <algorithm>
-#include <chrono>
 #include <cstdio>
-#include <cstdlib>
-#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -43,30 +40,15 @@ std::string makeScript() {
     return text + "</script>\n";
 }
 
-struct Times {
-    std::vector<double> wall, processor;
-
-    void add(const std::function<void()>& work) {
-        const auto start = std::chrono::steady_clock::now();
-        const clock_t before = clock();
-        work();
-        processor.push_back(1000.0 * double(clock() - before) / CLOCKS_PER_SEC);
-        wall.push_back(
-            std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count());
-    }
-    static double median(std::vector<double> list) {
-        std::nth_element(list.begin(), list.begin() + ptrdiff_t(list.size() / 2), list.end());
-        return list[list.size() / 2];
-    }
-    void print(const char* name) const {
-        printf("%-38s %6.2f ms (%6.2f)\n", name, median(wall), median(processor));
-    }
-};
+void print(FILE* to, const char* name, const bench::Times& times) {
+    fprintf(to, "%-38s %6.2f ms (%6.2f)\n", name, bench::median(times.wall), bench::median(times.processor));
+}
 
 } // namespace
 
 int main(int argc, char** argv) {
-    const int frames = argc > 1 ? std::max(2, atoi(argv[1])) : 60;
+    const int frames = std::max(2, bench::roundsOf(argc, argv, 60));
+    FILE* const results = bench::separateResults();
     const std::filesystem::path folder =
         std::filesystem::temp_directory_path() / ("bench_studio_" + std::to_string(getpid()));
     std::filesystem::copy(ZENTRAK_DATA_DIR, folder, std::filesystem::copy_options::recursive);
@@ -85,13 +67,13 @@ int main(int argc, char** argv) {
         while (show.getWave().getPeak(show.getLength() - 1, show.getLength()).second == 0)
             show.getDisplay().update(); // until the wave is decoded
         const auto measure = [&](const char* name, const std::function<void(int)>& before) {
-            Times own, edit;
+            bench::Times own, edit;
             for (int i = 0; i < frames; ++i) {
                 edit.add([&] { before(i); });
                 own.add([&] { window.onDraw(); });
             }
-            own.print(name);
-            edit.print("    and its edit");
+            print(results, name, own);
+            print(results, "    and its edit", edit);
         };
         Timeline& timeline = window.getTimeline();
         measure("folded, standing still", [](int) {});
