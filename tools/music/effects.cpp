@@ -134,11 +134,84 @@ void highPass(Track& track, float frequency) {
     }
 }
 
-void brighten(Track& track, float frequency, float factor) {
+namespace {
+
+// The value of the ramps in a frame.
+float valueAt(const std::vector<Ramp>& ramps, int frame, float outside) {
+    float bar = float(frame) / BAR;
+    for (const Ramp& ramp : ramps)
+        if (bar >= ramp.bar && bar < ramp.end)
+            return ramp.from * std::pow(ramp.to / ramp.from, (bar - ramp.bar) / (ramp.end - ramp.bar));
+    return outside;
+}
+
+} // namespace
+
+void sweepLowPass(Track& track, const std::vector<Ramp>& ramps) {
     for (std::vector<float>* side : {&track.left, &track.right}) {
-        OnePole below(frequency);
+        Filter first, second;
+        for (int i = 0; i < track.frames(); ++i) {
+            if (i % CONTROL == 0) {
+                float frequency = valueAt(ramps, i, 19000);
+                first.set(frequency, 0.35f);
+                second.set(frequency, 0.1f);
+            }
+            float& sample = (*side)[size_t(i)];
+            sample = second.low(first.low(sample));
+        }
+    }
+}
+
+void sweepHighPass(Track& track, const std::vector<Ramp>& ramps) {
+    for (std::vector<float>* side : {&track.left, &track.right}) {
+        Filter filter;
+        for (int i = 0; i < track.frames(); ++i) {
+            if (i % CONTROL == 0)
+                filter.set(valueAt(ramps, i, 20), 0.3f);
+            float& sample = (*side)[size_t(i)];
+            sample = filter.high(sample);
+        }
+    }
+}
+
+void automate(Track& track, const std::vector<Ramp>& ramps) {
+    float wanted = valueAt(ramps, 0, 1), gain = wanted;
+    for (int i = 0; i < track.frames(); ++i) {
+        if (i % CONTROL == 0)
+            wanted = valueAt(ramps, i, 1);
+        gain += 0.005f * (wanted - gain); // 5 ms
+        track.left[size_t(i)] *= gain;
+        track.right[size_t(i)] *= gain;
+    }
+}
+
+void mute(Track& track, int from, int to) {
+    const int OUT = 400, IN = 60; // frames; back before `to`, where the next notes start
+    for (int i = from; i < std::min(to, track.frames()); ++i) {
+        float gain = std::max({0.0f, 1 - float(i - from) / OUT, 1 - float(to - i) / IN});
+        track.left[size_t(i)] *= gain;
+        track.right[size_t(i)] *= gain;
+    }
+}
+
+void widen(Track& track, float factor) {
+    Filter low;
+    low.set(200, 0.3f);
+    for (int i = 0; i < track.frames(); ++i) {
+        float& left = track.left[size_t(i)];
+        float& right = track.right[size_t(i)];
+        float middle = 0.5f * (left + right), side = factor * low.high(0.5f * (left - right));
+        left = middle + side;
+        right = middle - side;
+    }
+}
+
+void boost(Track& track, float frequency, float factor) {
+    for (std::vector<float>* side : {&track.left, &track.right}) {
+        Filter filter;
+        filter.set(frequency, 0);
         for (float& sample : *side)
-            sample += (factor - 1) * (sample - below.next(sample));
+            sample += (factor - 1) * filter.band(sample);
     }
 }
 
@@ -147,6 +220,19 @@ void saturate(Track& track, float drive) {
         for (float& sample : *side)
             sample = std::tanh(drive * sample) / std::tanh(drive);
 }
+
+namespace {
+
+// The peak of one side at a frame and halfway to the next one, where the sound may be higher than at either.
+float peakAt(const std::vector<float>& side, size_t frame) {
+    float peak = std::fabs(side[frame]);
+    if (frame > 0 && frame + 2 < side.size())
+        peak = std::max(peak, std::fabs(0.5625f * (side[frame] + side[frame + 1]) -
+                                        0.0625f * (side[frame - 1] + side[frame + 2])));
+    return peak;
+}
+
+} // namespace
 
 // The gain of a frame is the lowest that any frame in the window around it requires, smoothed over the first
 // half of the window, so that it is down before the peak.
@@ -162,7 +248,7 @@ void limit(Track& track, float ceiling) {
     for (int i = 0; i < track.frames() + AHEAD; ++i) {
         float wanted = 1;
         if (i < track.frames()) {
-            float peak = std::max(std::fabs(delayedLeft[size_t(i)]), std::fabs(delayedRight[size_t(i)]));
+            float peak = std::max(peakAt(delayedLeft, size_t(i)), peakAt(delayedRight, size_t(i)));
             wanted = peak > ceiling ? ceiling / peak : 1.0f;
         }
         while (!least.empty() && least.back().second >= wanted)

@@ -1,6 +1,7 @@
 // Effects on whole tracks: reverb, echo, ducking under the kick, and mastering.
 #pragma once
 
+#include "score.h"
 #include "synth.h"
 
 namespace zentrak::music {
@@ -19,8 +20,21 @@ void duck(Track& track, const std::vector<int>& strokes, float depth);
 // Removes what is below `frequency`.
 void highPass(Track& track, float frequency);
 
-// Boosts what is above `frequency` by a factor of 1 or more.
-void brighten(Track& track, float frequency, float factor);
+// Filters that move along the ramps; outside them the low-pass is open, and the high-pass at 20 Hz.
+void sweepLowPass(Track& track, const std::vector<Ramp>& ramps);
+void sweepHighPass(Track& track, const std::vector<Ramp>& ramps);
+
+// Multiplies by the ramps' factor, 1 outside them.
+void automate(Track& track, const std::vector<Ramp>& ramps);
+
+// Silence from one frame to another, faded in a few milliseconds.
+void mute(Track& track, int from, int to);
+
+// Multiplies the difference of the sides above 200 Hz, and removes what is below.
+void widen(Track& track, float factor);
+
+// Boosts a range of some octaves around `frequency`, or cuts it with a factor below 1.
+void boost(Track& track, float frequency, float factor);
 
 // saturate() rounds off peaks like an overdriven amplifier; limit() keeps the rest below `ceiling` by looking
 // ahead.

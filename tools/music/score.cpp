@@ -1,6 +1,5 @@
 #include "score.h"
 
-#include <algorithm>
 #include <map>
 #include <sstream>
 #include <stdexcept>
@@ -11,182 +10,90 @@ namespace {
 
 // Chords by name: the bass, and four voices with minimal movement.
 const std::map<std::string, Chord> CHORDS = {
-    {"Dm", {0, 0, 38, {57, 62, 65, 69}}},  {"Dm9", {0, 0, 38, {57, 62, 64, 65}}},
-    {"Bb", {0, 0, 34, {58, 62, 65, 69}}},  {"Bb+", {0, 0, 34, {58, 62, 65, 70}}},
-    {"F", {0, 0, 41, {57, 60, 65, 67}}},   {"F/A", {0, 0, 33, {57, 60, 65, 69}}},
-    {"C", {0, 0, 36, {55, 60, 64, 67}}},   {"C+", {0, 0, 36, {60, 64, 67, 72}}},
-    {"C/E", {0, 0, 40, {55, 60, 64, 67}}}, {"Gm", {0, 0, 43, {55, 58, 62, 65}}},
-    {"Am", {0, 0, 33, {60, 64, 69, 72}}},  {"Asus", {0, 0, 33, {57, 62, 64, 69}}},
-    {"A", {0, 0, 33, {57, 61, 64, 69}}},   {"B7", {0, 0, 35, {57, 63, 66, 71}}},
-    {"Dm+", {0, 0, 38, {62, 65, 69, 74}}}, {"end", {0, 0, 38, {57, 62, 65, 69, 76}}},
+    {"Dm", {0, 0, 38, {57, 62, 65, 69}}},      {"Dm9", {0, 0, 38, {57, 62, 64, 65}}},
+    {"Dm/C", {0, 0, 36, {57, 62, 65, 69}}},    {"Dm/F", {0, 0, 41, {57, 62, 65, 69}}},
+    {"Dm+", {0, 0, 38, {62, 65, 69, 74}}},     {"Eb", {0, 0, 39, {58, 63, 67, 70}}},
+    {"F", {0, 0, 41, {57, 60, 65, 67}}},       {"F/A", {0, 0, 33, {57, 60, 65, 69}}},
+    {"Gm", {0, 0, 43, {55, 58, 62, 65}}},      {"Gm9", {0, 0, 43, {57, 58, 62, 65}}},
+    {"Am", {0, 0, 33, {60, 64, 69, 72}}},      {"Asus", {0, 0, 33, {57, 62, 64, 69}}},
+    {"A", {0, 0, 33, {57, 61, 64, 69}}},       {"A/C#", {0, 0, 37, {57, 61, 64, 69}}},
+    {"Bb", {0, 0, 34, {58, 62, 65, 69}}},      {"Bb+", {0, 0, 34, {58, 62, 65, 70}}},
+    {"B7", {0, 0, 35, {57, 63, 66, 71}}},      {"C", {0, 0, 36, {55, 60, 64, 67}}},
+    {"C+", {0, 0, 36, {60, 64, 67, 72}}},      {"C/E", {0, 0, 40, {55, 60, 64, 67}}},
+    {"end", {0, 0, 38, {57, 62, 65, 69, 76}}},
 };
 
 // One bar each, or half a bar each for two joined by a comma.
-const char* const HARMONY =
-    // intro
-    " Dm9  Dm9 Bb  Bb   Gm  Gm  Asus  A "
-    // build
-    " Dm   Bb  F   C    Gm  Bb+ C+    Asus,A "
-    // main theme: eight bars, twice
-    " Dm   Bb  F   C    Gm  Bb+ C+    Asus,A "
-    " Dm   Bb  F   C/E  Gm  Bb+ C+    Asus,A "
-    // break
-    " Gm   Bb  F   C    Gm  Bb+ Dm    C  "
-    " Bb+  C+  Asus A "
-    // second theme, twice
-    " Bb+  C   Dm  F/A  Bb+ C+  Am    Dm+ "
-    " Bb+  C   Dm  F/A  Bb+ C+  Am    Asus,A "
-    // rise
-    " Gm   Gm  Asus A "
-    // finale: the main theme, and once more the climb into it
-    " Dm   Bb  F   C/E  Gm  Bb+ C+    Asus,B7 "
-    " Dm   Bb  F   C/E  Gm  Bb+ C+    Asus,A "
-    // outro
-    " Bb+  C+  Gm  Asus,A "
-    " Bb+  C+  Gm  Asus,A "
-    " end  end end end ";
+const char* const HARMONY = R"(
+    Dm9  Dm9   Bb   Bb     Gm9 Gm9   Asus A
+    Dm   Dm/C  Bb   F/A    Gm  Bb+   Asus A
+    Dm   Bb    F    C      Gm  Bb+   C+   Asus,A
+    Dm   Bb    F    C/E    Gm  Dm/F  Eb   Asus,A
+    F    C/E   Dm   Bb     F/A Gm9   Bb+  C
+    Bb+  C+    Asus A
+    Bb+  C     Dm   F/A    Bb+ C+    Am   Dm+
+    Bb+  C     Dm   F/A    Gm  Am    Bb+  C+
+    Gm   Bb    C    A/C#
+    Dm   Bb    F    C/E    Gm  Bb+   C+   Asus,B7
+    Dm   Bb    F    C/E    Bb+ C+    Dm   Asus,A
+    Bb+  C+    Dm   F/A    Gm  Gm    Asus A
+    end  end   end  end)";
 
-// The arrangement: one character per bar; blanks only separate the sections and their halves.
-const Charts CHARTS = {
-    //         intro    build    main theme       break        second theme     rise finale           outro
-    /*kick */ "....hhhh fffffffs fffffffbfffffffs ............ fffffffbfffffffs fffs fffffffsfffffffs "
-              "fffs....1...",
-    /*clap */
-    "........ ....cccr ccccccclcccccccr ........qqer ccccccclcccccccr qqer cccccccrcccccccr cccl........",
-    /*hat  */
-    "........ eeeessst oooooooxooooooox ....eeeesss. ooooooododdddddd ssss ooooooodddddddd. oox.........",
-    /*crash*/
-    "........ 1....... 1.......1....... 1........... 1.......1....... 1... 1.......1....... 1.......1...",
-    /*bass */
-    "........ ppppppps aaaaaaabaaaaaaab wwwwwwww.... rrrrrrrbrrrrrrrb pppp rrrrrrrbaaaaaaab aaabwwww1...",
-    /*pad  */
-    "45566778 55555555 4444444444444444 899999998765 4444444444444444 6666 5555555555555555 666655559999",
-    /*saws */
-    "........ ....2345 7777777788888888 ........2345 7777777788888888 4567 8888888899999999 9887....9...",
-    /*arp  */
-    "12233445 55666789 5555555566666666 344556677899 6666666666666666 6789 7777777788888888 76543322....",
+// The arrangement, one character a bar: a letter is a rhythm of rhythms.cpp, a digit a level or brightness, a
+// point silence. The groups are the halves of the sections:
+//       intro    build    main theme        break         second theme      rise finale            outro
+const char* const CHARTS = R"(
+kick     ....hhhh 2222fffz fffffftt fffkfffz ........ .... nnnmnnnm fffkfffk ffgz ffffffft fffkfffz fffkhhhh 1...
+snare    ........ ....cccr cccgcccl cgcgcgcr ........ .... bbbbbbbl gcgcgcgd qeSR cgcgcgcr pgpgpgpr ccc..... ....
+hat      ........ eeeessst oooooxoo ooooooox ........ ..es sssssssx oooooood eest ooooooox dddddddx oox..... ....
+shaker   ........ ........ ........ ssssssss ....ssss wwww wwwwwwww ........ .... ssssssss wwwwwwww ........ ....
+ride     ........ ........ ........ ........ ........ .... ........ oooooooo .... ........ eeeeeeeq ........ ....
+toms     ........ .......a .......b .......a ........ ..e. .......c .......d .... .......c .......a ...e.... ....
+crash    ........ 5....... 9....... 9....... 5....... .... 9....... 8....... 4... 9....... 9...9... 6....... 5...
+swell    .......4 ...3...8 .......5 .......3 .......3 ...9 .......5 .......4 ...9 .......8 ...4...4 .......5 ....
+bass     ....wwww ppppPPPs aaaamaab mmmammmz wwwwwwww .... rrrrrrrq RRRRRRRq ppP. aamaaamb vvvvvvvz aaaawwww 1...
+tone     ....1111 23456787 55556666 66667777 22222222 .... 66666667 77777778 3456 66777777 88888888 65432221 2...
+pad      34455667 44444444 33333333 44444444 77777777 8877 33333333 44444444 6666 44444444 55555555 66666677 9...
+choir    ........ ........ ........ ........ 44445555 6678 ........ ....4444 .... 44445555 66666666 66655544 5...
+saws     ........ ....2345 66666666 77777777 ........ ..34 66666666 77777777 3456 77777777 99999999 7654.... 3...
+stabs    ........ ....qqqq qqqqqqqt ttttqqqq ........ ..hh oooooooq qqqqqqqq qqqt qqqtqqqt ttqtttqt qqqq.... h...
+arp      12233445 44555666 44445555 55556666 33334444 5678 55555555 66666666 5678 66666666 77777777 54433221 1...
+figure   ssssssss uuuuuuuu uuuuuuuu vvvvvvvv ssssSSSS uuuu wwwwwwww vvvvvvvv uuuu uuuuuuuu xxxxxxxx SSSSssss s...)";
+
+const std::vector<Ramp> LOW_PASS = {
+    {0, 8, 500, 5000},        {8, 15.5f, 900, 12000}, {30, 32, 16000, 1500}, {32, 40, 3000, 5000},
+    {40, 43.5f, 1200, 14000}, {60, 64, 2500, 16000},  {80, 88, 14000, 1500}, {88, 92, 2500, 400},
 };
 
-// The hook: broken chords in three, three and two.
-const char* const HOOK = "A4:3 D5:3 F5:2 E5:4 D5:4       | F5:3 D5:3 C5:2 D5:6 A4:2  | C5:3 F5:3 A5:2 G5:4 "
-                         "F5:4 | G5:3 E5:3 D5:2 E5:8 | "
-                         "Bb4:3 D5:3 G5:2 F5:4 D5:4      | F5:3 D5:3 F5:2 A5:6 G5:2  | G5:3 E5:3 C5:2 E5:4 "
-                         "G5:4 | A5:8 G5:3 E5:3 C#5:2";
-
-const char* const HOOK_AGAIN = "A4:3 D5:3 F5:2 E5:4 F5:2 E5:2  | F5:3 D5:3 C5:2 D5:4 F5:2 A5:2 | C6:3 A5:3 "
-                               "F5:2 G5:4 A5:4 | G5:3 E5:3 D5:2 E5:8 | "
-                               "Bb4:3 D5:3 G5:2 Bb5:4 A5:2 G5:2 | F5:3 D5:3 F5:2 A5:6 Bb5:2 | C6:3 G5:3 E5:2 "
-                               "G5:4 C6:4 | A5:8 G5:3 E5:3 C#5:2";
-
-const char* const HOOK_LIFTING = "A4:3 D5:3 F5:2 E5:4 D5:4       | F5:3 D5:3 C5:2 D5:6 A4:2  | C5:3 F5:3 "
-                                 "A5:2 G5:4 F5:4 | G5:3 E5:3 D5:2 E5:8 | "
-                                 "Bb4:3 D5:3 G5:2 F5:4 D5:4      | F5:3 D5:3 F5:2 A5:6 G5:2  | G5:3 E5:3 "
-                                 "C5:2 E5:4 G5:4 | A5:8 A5:3 F#5:3 D#5:2";
-
-const char* const SECOND =
-    "D5:6 F5:6 Bb5:4                | A5:2 G5:6 E5:4 C5:4       | F5:6 A5:6 D6:4           | C6:4 A5:4 F5:2 "
-    "G5:2 A5:4 | "
-    "Bb5:6 A5:2 F5:4 D5:4           | E5:4 G5:4 C6:6 Bb5:2      | A5:6 E5:6 G5:4           | F5:4 E5:2 D5:10";
-
-const char* const SECOND_AGAIN =
-    "D5:6 F5:6 Bb5:4                | A5:2 G5:6 E5:4 C5:4       | F5:6 A5:6 D6:4           | C6:4 A5:4 F5:2 "
-    "G5:2 A5:4 | "
-    "D6:6 C6:2 Bb5:4 F5:4           | G5:4 C6:4 E6:6 D6:2       | C6:6 A5:6 E5:4           | D5:8 E5:4 C#5:4";
-
-const char* const COUNTER =
-    "F4:8 E4:8                      | D4:8 F4:8                 | A4:8 C5:8                | G4:8 E4:8 | "
-    "Bb4:8 D5:8                     | D5:8 F5:8                 | E5:8 C5:8                | D5:8 C#5:8";
-
-const char* const COUNTER_LIFTING =
-    "F4:8 E4:8                      | D4:8 F4:8                 | A4:8 C5:8                | G4:8 E4:8 | "
-    "Bb4:8 D5:8                     | D5:8 F5:8                 | E5:8 C5:8                | D5:8 D#5:8";
-
-const char* const COUNTER_SECOND =
-    "F4:8 D4:8                      | E4:8 G4:8                 | A4:8 F4:8                | A4:8 C5:8 | "
-    "D5:8 Bb4:8                     | C5:8 E5:8                 | E5:8 C5:8                | A4:16";
-
-// The hook from afar, before it is introduced.
-const char* const OMEN = "-:16 | A4:3 D5:3 F5:2 E5:8     | -:16                      | F5:3 D5:3 C5:2 D5:8 | "
-                         "-:16 | Bb4:3 D5:3 G5:2 F5:8    | -:16                      | -:16";
-
-const char* const OMEN_NEARER =
-    "A4:3 D5:3 F5:2 E5:8            | -:16                      | C5:3 F5:3 A5:2 G5:8      | -:16 | "
-    "Bb4:3 D5:3 G5:2 F5:8           | F5:3 D5:3 F5:2 A5:8       | G5:3 E5:3 C5:2 E5:4 G5:4 | -:16";
-
-const char* const BREAK =
-    "D5:12 F5:4                     | F5:8 D5:8                 | C5:12 A4:4               | G4:16 | "
-    "Bb4:12 D5:4                    | F5:8 G5:8                 | A5:12 G5:4               | E5:12 D5:2 E5:2 "
-    "| "
-    "F5:3 D5:3 F5:2 Bb5:8           | G5:3 E5:3 G5:2 C6:8       | D6:3 A5:3 E5:2 D5:8      | -:16";
-
-const char* const FAREWELL =
-    "F5:3 D5:3 F5:2 Bb5:8           | G5:3 E5:3 G5:2 C6:8       | D6:8 Bb5:4 G5:4          | A5:8 E5:4 C#5:4 "
-    "| F5:3 D5:3 F5:2 Bb5:8 | G5:3 E5:3 G5:2 C6:8 | D6:8 Bb5:4 G5:4 | A5:8 E5:4 C#5:4 | "
-    "D5:16                          | A5:3 D6:3 F6:2 E6:8       | -:16                     | -:16";
-
-const std::vector<Line> LINES = {
-    {0, Line::BELL, 0.55f, OMEN},
-    {8, Line::PLUCK, 0.60f, OMEN_NEARER},
-    {16, Line::LEAD, 0.85f, HOOK},
-    {24, Line::LEAD, 1.00f, HOOK_AGAIN},
-    {24, Line::COUNTER, 0.60f, COUNTER},
-    {32, Line::BELL, 1.00f, BREAK},
-    {44, Line::LEAD, 0.90f, SECOND},
-    {52, Line::LEAD, 1.00f, SECOND_AGAIN},
-    {52, Line::COUNTER, 0.60f, COUNTER_SECOND},
-    {64, Line::LEAD, 1.00f, HOOK_LIFTING},
-    {64, Line::COUNTER, 0.80f, COUNTER_LIFTING},
-    {72, Line::LEAD, 1.05f, HOOK_AGAIN},
-    {72, Line::COUNTER, 0.90f, COUNTER},
-    {72, Line::BELL, 0.60f, HOOK},
-    {80, Line::BELL, 0.90f, FAREWELL},
+const std::vector<Ramp> HIGH_PASS = {
+    {14, 16, 25, 250},
+    {40, 44, 25, 180},
+    {60, 64, 25, 500},
 };
 
-const std::vector<Rhythm> KICK = {
-    {'h', "9.........5....."},                            // a heartbeat
-    {'f', "9...9...9...9..."},                            // four on the floor
-    {'b', "9...9...9...9.67"}, {'s', "9...9..........."}, // leaves room for a fill
-    {'1', "9..............."},
+const std::vector<Ramp> LEVELS = {
+    {0, 8, 0.55f, 0.78f},   {8, 16, 0.78f, 0.95f},  {16, 32, 0.86f, 0.86f}, {32, 40, 0.56f, 0.56f},
+    {40, 44, 0.50f, 0.76f}, {44, 60, 0.82f, 0.84f}, {60, 64, 0.7f, 0.9f},   {64, 72, 0.92f, 0.92f},
+    {72, 80, 1.0f, 1.0f},   {80, 88, 0.85f, 0.55f}, {88, 92, 0.6f, 0.6f},
 };
 
-const std::vector<Rhythm> CLAP = {
-    {'c', "....9.......9..."}, {'l', "....9.......9.46"}, {'q', "2...3...3...4..."}, // an accelerating roll
-    {'e', "3.3.4.4.4.5.5.5."}, {'r', "....7..5.6675789"},
+const std::vector<Breath> BREATHS = {
+    {15, 12}, {31, 12}, {43, 8}, {63, 12}, {71, 14}, {79, 12},
 };
 
-const std::vector<Rhythm> HAT = {
-    {'e', "..5...5...5...5."}, {'s', "3.5.3.5.3.5.3.5."}, {'t', "3.5.3.5.3.53555."},
-    {'o', "5274527452745274"}, {'x', "527452745274...."}, {'d', "6375637563756375"},
-};
-
-const std::vector<Rhythm> OPEN_HAT = {
-    {'o', "..6...6...6...6."},
-    {'x', "..6...6...6....."},
-    {'d', "..7...7...7..7.6"},
-};
-
-// The digit is the loudness; the instrument chooses the octave.
-const std::vector<Rhythm> BASS = {
-    {'p', "6.5.6.5.6.5.6.5."},                                                       // a pulse
-    {'a', "..8.8.8...8.8.87"},                                                       // between the kicks
-    {'r', ".789.789.789.789"},                                                       // rolling
-    {'b', "..8.8.8.8.79...."}, {'s', "8.7.8.7........."}, {'w', "5..............."}, // held
-    {'1', "9..............."},
-};
-
-std::string withoutBlanks(std::string text) {
-    text.erase(std::remove(text.begin(), text.end(), ' '), text.end());
-    return text;
-}
-
-Charts readCharts() {
-    Charts read = CHARTS;
-    for (std::string* chart :
-         {&read.kick, &read.clap, &read.hat, &read.crash, &read.bass, &read.pad, &read.saws, &read.arp}) {
-        *chart = withoutBlanks(*chart);
-        if (int(chart->size()) != BARS)
-            throw std::runtime_error("a chart of " + std::to_string(chart->size()) + " bars: " + *chart);
+std::map<std::string, std::string> readCharts() {
+    std::map<std::string, std::string> read;
+    std::istringstream lines(CHARTS);
+    std::string line, layer, bars;
+    while (std::getline(lines, line)) {
+        std::istringstream words(line);
+        words >> layer;
+        while (words >> bars)
+            read[layer] += bars;
     }
+    for (const auto& [name, chart] : read)
+        if (int(chart.size()) != BARS)
+            throw std::runtime_error(name + " has " + std::to_string(chart.size()) + " bars");
     return read;
 }
 
@@ -233,40 +140,25 @@ std::vector<Chord> harmony() {
     return chords;
 }
 
-const Charts& charts() {
-    static const Charts read = readCharts();
-    return read;
+const std::string& chart(const std::string& layer) {
+    static const std::map<std::string, std::string> CHART_OF = readCharts();
+    return CHART_OF.at(layer);
 }
 
-const std::vector<Line>& lines() {
-    return LINES;
+const std::vector<Ramp>& lowPassRamps() {
+    return LOW_PASS;
 }
 
-const char* strokes(const std::vector<Rhythm>& table, char name) {
-    for (const Rhythm& rhythm : table)
-        if (rhythm.name == name)
-            return rhythm.strokes;
-    return "................";
+const std::vector<Ramp>& highPassRamps() {
+    return HIGH_PASS;
 }
 
-const std::vector<Rhythm>& kickRhythms() {
-    return KICK;
+const std::vector<Ramp>& levelRamps() {
+    return LEVELS;
 }
 
-const std::vector<Rhythm>& clapRhythms() {
-    return CLAP;
-}
-
-const std::vector<Rhythm>& hatRhythms() {
-    return HAT;
-}
-
-const std::vector<Rhythm>& openHatRhythms() {
-    return OPEN_HAT;
-}
-
-const std::vector<Rhythm>& bassRhythms() {
-    return BASS;
+const std::vector<Breath>& breaths() {
+    return BREATHS;
 }
 
 std::vector<Note> readLine(const std::string& text) {

@@ -1,4 +1,4 @@
-// The score: sections, harmony, melodies and rhythms. Nothing here makes a sound.
+// The score: harmony, melodies, rhythms, and what each layer plays in every bar. Nothing here makes a sound.
 #pragma once
 
 #include "form.h"
@@ -16,7 +16,7 @@ struct Note {
 
 // A melody at its position in the piece, and the instrument that plays it.
 struct Line {
-    enum Instrument { LEAD, COUNTER, BELL, PLUCK };
+    enum Instrument { LEAD, REED, COUNTER, CHOIR, BELL, ANSWER };
 
     int bar;
     Instrument instrument;
@@ -31,31 +31,58 @@ struct Chord {
     std::vector<int> voices; // MIDI, from low to high
 };
 
-// What a layer of the arrangement plays in each bar; see the charts in score.cpp.
-struct Charts {
-    std::string kick, clap, hat, crash, bass, pad, saws, arp;
-};
-
-// A rhythm of one bar: a digit from 1 to 9 is a stroke of that strength, a point a rest.
+// A rhythm of one bar: a digit from 1 to 9 is a stroke of that strength, a point a rest. For an arpeggio the
+// digit is the voice of the chord instead, from 0.
 struct Rhythm {
     char name;
     const char* strokes;
+};
+
+// The pitches are those of the chord's bass (0), the fifth (f) and the octave (o) above it.
+struct BassRhythm {
+    char name;
+    const char* strokes;
+    const char* pitches;
+    float gate; // steps that a note is held at most
+};
+
+// A value that goes from one to another over some bars, in equal ratios.
+struct Ramp {
+    float bar, end, from, to;
+};
+
+// Everything but reverb and echo stops for the rest of the bar.
+struct Breath {
+    int bar, step;
 };
 
 // The transposition of a bar in semitones, relative to D minor.
 int transposition(int bar);
 
 std::vector<Chord> harmony();
-const Charts& charts();
 const std::vector<Line>& lines();
 
-// The strokes of a rhythm by its letter; `table` is that of the drum or bass.
-const char* strokes(const std::vector<Rhythm>& table, char name);
-const std::vector<Rhythm>& kickRhythms();
-const std::vector<Rhythm>& clapRhythms();
-const std::vector<Rhythm>& hatRhythms(); // closed; see openHatRhythms
-const std::vector<Rhythm>& openHatRhythms();
-const std::vector<Rhythm>& bassRhythms();
+// What a layer of the arrangement plays, one character a bar; see the charts in score.cpp.
+const std::string& chart(const std::string& layer);
+
+// In Hz: the low-pass of chords and arpeggios and the high-pass of everything, outside the ramps open; and
+// the level of the whole.
+const std::vector<Ramp>& lowPassRamps();
+const std::vector<Ramp>& highPassRamps();
+const std::vector<Ramp>& levelRamps();
+const std::vector<Breath>& breaths();
+
+// The strokes of a rhythm by its letter, rests for an unknown one.
+const char* kickRhythm(char name);
+const char* snareRhythm(char name);
+const char* hatRhythm(char name); // closed
+const char* openHatRhythm(char name);
+const char* shakerRhythm(char name);
+const char* rideRhythm(char name);
+const char* tomRhythm(char name);
+const char* stabRhythm(char name);
+const char* arpFigure(char name);
+const BassRhythm& bassRhythm(char name);
 
 // Parses a line like "A4:3 D5:13 | -:16": notes and rests with their length in steps. Every bar must add up
 // to 16 steps. Throws std::runtime_error if one does not, or for a bad note.

@@ -37,6 +37,10 @@ float pitchToFrequency(float pitch) {
     return 440 * std::exp2((pitch - 69) / 12);
 }
 
+float fade(float time, float constant) {
+    return std::exp(-time / constant);
+}
+
 float Noise::next() {
     return float(int(mRandom.draw())) * (1.0f / 2147483648.0f);
 }
@@ -62,6 +66,7 @@ void Filter::set(float frequency, float resonance) {
 }
 
 void Filter::run(float in) {
+    in += 1e-20f; // keeps the state clear of denormal numbers, which are slow
     mHigh = (in - (mG + mK) * mS1 - mS2) * mA;
     mBand = mG * mHigh + mS1;
     mLow = mG * mBand + mS2;

@@ -26,6 +26,18 @@ struct Pan {
 
 float pitchToFrequency(float pitch); // MIDI
 
+const int CONTROL = 16; // frames between updates of a filter that moves
+
+inline float seconds(int frames) {
+    return float(frames) / RATE;
+}
+inline int frames(float seconds) {
+    return int(seconds * RATE);
+}
+
+// Exponential decay from 1.
+float fade(float time, float constant);
+
 // White noise from -1 to 1, determined by the seed.
 class Noise {
 public:
