@@ -482,16 +482,16 @@ TEST(ShowMusic, HasItsBassInTheMiddleAndTheRestWide) {
 }
 
 TEST(ShowMusic, IsWhatTheProgramMakesAndTheSameEachTime) {
-    const int BARS = 3;
+    const int LENGTH = 3;
     TempDir folder;
     std::string once = folder.file("once.ogg"), again = folder.file("again.ogg");
-    std::string bars = " " + std::to_string(BARS);
+    std::string bars = " " + std::to_string(LENGTH);
     ASSERT_EQ(runCommand(std::string(MAKE_MUSIC) + " " + once + bars).first, 0);
     ASSERT_EQ(runCommand(std::string(MAKE_MUSIC) + " " + again + bars).first, 0);
     EXPECT_EQ(readFile(once), readFile(again));
     std::vector<float> part = decode(once);
-    ASSERT_EQ(part.size(), 2u * BARS * BAR);
-    for (size_t i = 0; i < 2u * (BARS - 1) * BAR; ++i)
+    ASSERT_EQ(part.size(), 2u * LENGTH * BAR);
+    for (size_t i = 0; i < 2u * (LENGTH - 1) * BAR; ++i)
         ASSERT_NEAR(part[i], show()[i], 0.01) << i / 2;
 }
 
