@@ -48,6 +48,14 @@ void parse(xml::XmlParser& parser, const am::File& file, const std::string& name
     });
 }
 
+// The writer puts text between single quotes, which the reader takes for part of it. Takes away those of the
+// last save, so that they don't add up.
+void unquote(std::string& text) {
+    text.erase(text.find_last_not_of(" \t\r\n") + 1);
+    if (text.size() >= 2 && text.front() == '\'' && text.back() == '\'')
+        text = text.substr(1, text.size() - 2);
+}
+
 // The writer escapes nothing: it puts values between double quotes, and those of a declaration between none.
 // Changes values that would end early and continue as elements; leaves out such declarations.
 void makeWritable(xml::XmlNode& root) {
@@ -61,8 +69,12 @@ void makeWritable(xml::XmlNode& root) {
                        return argument.value.find_first_of("<>\"'") != std::string::npos;
                    });
         };
-        for (xml::XmlTag::Argument& argument : node->arguments)
-            std::replace(argument.value.begin(), argument.value.end(), '"', '\'');
+        for (xml::XmlTag::Argument& argument : node->arguments) {
+            if (node->type == xml::XmlTag::Text)
+                unquote(argument.value);
+            else if (node->type != xml::XmlTag::Comment)
+                std::replace(argument.value.begin(), argument.value.end(), '"', '\'');
+        }
         const std::vector<xml::XmlNode*> children = node->children;
         for (xml::XmlNode* const child : children)
             if (isBreaking(child))

@@ -567,6 +567,15 @@ TEST_F(SetupFile, NoValueBecomesElementsWhenItIsSaved) {
     EXPECT_FALSE(++saved.createIterator("script"));
 }
 
+TEST_F(SetupFile, CommentsAndTextStayAsTheyAreHoweverOftenTheyAreSaved) {
+    write("setup.local.xml", "<demo>\n<!-- \"so\" -->\nstray 'text'\n<time start=\"0\"/>\n</demo>");
+    for (int i = 0; i < 3; ++i) {
+        Kindler().setup();
+        EXPECT_EQ(read("setup.local.xml"), "<demo>\n<!-- \"so\" -->\n'stray 'text''\n"
+                                           "<time start=\"0.00\" loop=\"off\"/>\n</demo>\n");
+    }
+}
+
 TEST_F(SetupFile, BrokenFilesAreNamedInTheLog) {
     write("setup.xml", "<demo");
     Kindler first;

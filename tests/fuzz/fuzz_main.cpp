@@ -1,9 +1,10 @@
 // Runs a libFuzzer target without libFuzzer: fuzz_NAME [--changes N] FILE-OR-FOLDER...
-// feeds the empty input, every file, every file cut short, and N mutations of each. The mutations depend only
-// on the file, so failures are reproducible. An input that ends the program is saved as "fuzz-failure" in the
-// current folder; run that file with --changes 0 to see it again.
+// feeds the empty input, every file, every file cut short in N places at most, and N mutations of each. The
+// mutations depend only on the file, so failures are reproducible. An input that ends the program is saved as
+// "fuzz-failure" in the current folder; run that file with --changes 0 to see it again.
 
 #include <algorithm>
+#include <climits>
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
@@ -26,14 +27,14 @@ namespace {
 using Bytes = std::vector<uint8_t>;
 
 const unsigned int hangSeconds = 120; // per input; longer counts as a hang
-const size_t cutsPerFile = 2000;
 
 const uint8_t* currentData;
 size_t currentSize;
+char failurePath[PATH_MAX]; // absolute: a target may work in another folder
 
 // Saves the current input, with async-signal-safe calls only.
 void leaveCurrentInput() {
-    const int file = open("fuzz-failure", O_WRONLY | O_CREAT | O_TRUNC, 0644);
+    const int file = open(failurePath, O_WRONLY | O_CREAT | O_TRUNC, 0644);
     if (file >= 0) {
         const ssize_t written = write(file, currentData, currentSize);
         const char text[] = "fuzz: the input is in fuzz-failure\n";
@@ -52,6 +53,8 @@ void onSignal(int number) {
 }
 
 void watchForTheEnd() {
+    snprintf(failurePath, sizeof(failurePath), "%s",
+             (std::filesystem::current_path() / "fuzz-failure").c_str());
     signal(SIGABRT, onSignal);
     signal(SIGALRM, onSignal);
     if (__sanitizer_set_death_callback) {
@@ -152,7 +155,7 @@ void feedAround(const Bytes& file, const Bytes& other, size_t changes) {
     feed(file);
     if (changes == 0)
         return;
-    const size_t step = file.size() / cutsPerFile + 1;
+    const size_t step = file.size() / changes + 1;
     for (size_t length = 0; length < file.size(); length += step)
         feed(Bytes(file.begin(), file.begin() + static_cast<ptrdiff_t>(length)));
     Random random(file);

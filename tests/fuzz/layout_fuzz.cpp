@@ -2,6 +2,7 @@
 // Sliders must stay within their ranges, and selections must exist.
 
 #include "dis_key.h"
+#include "fuzz.h"
 #include "mb_random.h"
 #include "pan_button.h"
 #include "pan_checkbox.h"
@@ -30,13 +31,12 @@
 #include "ztk_system.h"
 
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <memory>
 #include <string>
 #include <utility>
 
 using namespace zentrak;
+using fuzz::check;
 using namespace zentrak::panorama;
 
 namespace {
@@ -45,11 +45,6 @@ template <class... Types>
 bool addTypes() {
     (controlFactory.addControlType(new Types), ...);
     return true;
-}
-
-void check(bool holds) {
-    if (!holds)
-        abort();
 }
 
 void examine(Control& control) {
@@ -104,11 +99,10 @@ void play(Workspace& root, const uint8_t* data, size_t size) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    static const bool quiet = freopen("/dev/null", "w", stdout) != nullptr;
     static const bool known = addTypes<Button, Checkbox, Dropdown, Flow, Frame, Image, Label, LayoutStack,
                                        Menubar, Panel, RadioButton, Scrollbars, Slider, Spline, SplineOrg,
                                        Stat, TabFrame, TabView, TextInput, TreeView, Window, Workspace>();
-    check(quiet && known);
+    check(known);
 
     auto document = std::make_unique<xml::XmlParser>();
     auto style = std::make_unique<xml::XmlParser>();

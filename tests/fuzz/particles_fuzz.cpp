@@ -1,23 +1,18 @@
 // Reads any bytes as a particle file. Whatever loads must be writable, and its particles must move and die.
 
+#include "fuzz.h"
 #include "sparks_engine.h"
 #include "xml_parser.h"
 #include "ztk_system.h"
 
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <deque>
 #include <string>
 
 using namespace zentrak;
+using fuzz::check;
 
 namespace {
-
-void check(bool holds) {
-    if (!holds)
-        abort();
-}
 
 std::deque<sparks::EmitterInstance> load(const std::string& text) {
     xml::XmlParser document;
@@ -61,8 +56,6 @@ void play(std::deque<sparks::EmitterInstance>& instances) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    static const bool quiet = freopen("/dev/null", "w", stdout) != nullptr;
-    check(quiet);
     try {
         std::deque<sparks::EmitterInstance> instances =
             load(std::string(reinterpret_cast<const char*>(data), size));

@@ -7,28 +7,10 @@
 #include <cstring>
 #include <memory>
 #include <vector>
-#include <zlib.h>
 
 using namespace zentrak::am;
 
 namespace {
-
-size_t bigEndian(const uint8_t* at) {
-    return size_t(at[0]) << 24 | size_t(at[1]) << 16 | size_t(at[2]) << 8 | size_t(at[3]);
-}
-
-// A chunk is its length, its type, its data and the checksum of the last two.
-void repairChecksums(std::vector<uint8_t>& file) {
-    for (size_t at = 8; at + 12 <= file.size();) {
-        size_t length = bigEndian(&file[at]);
-        if (length > file.size() - at - 12)
-            return;
-        unsigned long sum = crc32_z(0, &file[at + 4], length + 4);
-        at += 8 + length;
-        for (int shift : {24, 16, 8, 0})
-            file[at++] = uint8_t(sum >> shift);
-    }
-}
 
 void check(const uint8_t* data, size_t size) {
     ImageCodecPNG codec;

@@ -1,19 +1,15 @@
 // Reads any bytes as a document. Whatever loads must be consistent and writable.
 
+#include "fuzz.h"
 #include "xml_parser.h"
 
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 
 using namespace zentrak::xml;
+using zentrak::fuzz::check;
 
 namespace {
-
-void check(bool holds) {
-    if (!holds)
-        abort();
-}
 
 void checkTree(const XmlNode& node) {
     IteratorConst it = node.createIterator("");

@@ -5,6 +5,7 @@
 #include "import/child.h"
 #include "import/geometry.h"
 #include "import/read_model.h"
+#include "import/transfer.h"
 #include "import/transform.h"
 #include "o3d_manager.h"
 #include "support.h"
@@ -272,6 +273,37 @@ TEST(Import, AFileWithoutACameraGetsOneThatSeesAllOfIt) {
     const auto without = load(import(folder.file("a.obj"), options));
     for (const o3d::SceneNode* node : without->mScenes[0]->mChildren)
         EXPECT_FALSE(dynamic_cast<const o3d::Camera*>(node));
+}
+
+// So far away that its camera stands, as a float, where it looks to.
+TEST(Import, AModelFarFromTheOriginGetsACamera) {
+    test::TempDir folder;
+    test::writeFile(folder.file("a.obj"), "v 1e9 1e9 1e9\nv 1e9 1e9 1e9\nv 1e9 1e9 1e9\nf 1 2 3\n");
+    const auto manager = load(import(folder.file("a.obj")));
+    ASSERT_EQ(manager->mScenes.size(), 1u);
+    EXPECT_EQ(manager->mScenes[0]->mChildren[0]->mName, "camera");
+}
+
+TEST(Import, NonsenseFromTheReadingProcessIsRefused) {
+    Model model;
+    model.nodes.resize(2);
+    model.nodes[1].parent = 0;
+    model.nodes[1].parts = {0};
+    model.parts.resize(1);
+    model.parts[0].positions = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}};
+    model.parts[0].triangles = {{0, 1, 2}};
+    const auto refusal = [](Model sent) { return refusalOf([&] { fromBytes(toBytes(sent)); }); };
+    EXPECT_EQ(refusal(model), "not refused");
+    const std::string nonsense = "the reading process has sent nonsense";
+    for (const auto& spoil : std::vector<std::function<void(Model&)>>{
+             [](Model& m) { m.nodes[0].parent = 1; }, [](Model& m) { m.nodes[1].parent = -2; },
+             [](Model& m) { m.nodes[1].parts[0] = 1; }, [](Model& m) { m.parts[0].triangles[0][2] = 3; },
+             [](Model& m) { m.parts[0].normals.resize(2); },
+             [](Model& m) { m.parts[0].texCoords.resize(4); }}) {
+        Model spoiled = model;
+        spoil(spoiled);
+        EXPECT_EQ(refusal(spoiled), nonsense);
+    }
 }
 
 TEST(Import, ACameraOnAMovingArmStandsInTheSceneItselfAndMoves) {

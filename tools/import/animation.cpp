@@ -105,7 +105,7 @@ public:
     void goTo(double time) {
         const double from = last().time;
         const double turn = angleBetween(mPose(from).rotation, mPose(time).rotation);
-        const int pieces = std::max(1, int(ceil(turn / FIRST_STEP)));
+        const int pieces = turn > FIRST_STEP ? int(ceil(turn / FIRST_STEP)) : 1; // 1 for NaN, too
         for (int i = 1; i <= pieces; ++i) {
             const Sample before = last();
             const double end = i == pieces ? time : from + (time - from) * i / pieces;

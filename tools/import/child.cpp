@@ -20,6 +20,11 @@ namespace zentrak::importer {
 
 namespace {
 
+#if defined(__has_feature) // Clang's way to ask
+#if __has_feature(address_sanitizer)
+#define __SANITIZE_ADDRESS__
+#endif
+#endif
 #ifdef __SANITIZE_ADDRESS__
 constexpr bool SANITIZED = true;
 #else

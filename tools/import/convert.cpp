@@ -500,7 +500,7 @@ private:
         camera->mName = "camera";
         camera->mAngle.mX.mValue = float(angle);
         scene::setValue(camera->mPosition, toFloat(eye));
-        scene::setValue(camera->mRotation, scene::lookAt(toFloat(eye), toFloat(target)));
+        scene::setValue(camera->mRotation, scene::lookAt(toFloat(back), Vector3f(0, 0, 0)));
         mScene->mChildren.insert(mScene->mChildren.begin(), camera.release());
         mResult.remarks.push_back("the file has no camera: 'camera' looks at all of it");
     }

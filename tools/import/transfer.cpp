@@ -145,6 +145,33 @@ void fields(S& s, Model& m) {
       m.warnings);
 }
 
+bool isWhole(const Part& part) {
+    const size_t count = part.positions.size();
+    for (const auto& triangle : part.triangles)
+        for (const uint32_t vertex : triangle)
+            if (vertex >= count)
+                return false;
+    return (part.normals.empty() || part.normals.size() == count) &&
+           (part.texCoords.empty() || part.texCoords.size() == count);
+}
+
+// Whether all indices are within range: the process that sent the model has run foreign code on a foreign
+// file.
+bool isWhole(const Model& model) {
+    for (size_t i = 0; i < model.nodes.size(); ++i) {
+        const Node& node = model.nodes[i];
+        if (node.parent < -1 || node.parent >= int64_t(i))
+            return false;
+        for (const uint32_t part : node.parts)
+            if (part >= model.parts.size())
+                return false;
+    }
+    for (const Part& part : model.parts)
+        if (!isWhole(part))
+            return false;
+    return true;
+}
+
 } // namespace
 
 std::string toBytes(Model& model) {
@@ -157,6 +184,8 @@ Model fromBytes(const std::string& bytes) {
     Model model;
     Reader reader(bytes);
     reader(model);
+    if (!isWhole(model))
+        throw std::runtime_error("the reading process has sent nonsense");
     return model;
 }
 

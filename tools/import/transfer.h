@@ -8,7 +8,7 @@
 namespace zentrak::importer {
 
 std::string toBytes(Model& model);
-// Throws std::runtime_error where the bytes end too early.
+// Throws std::runtime_error where the bytes end too early, or an index is out of range.
 Model fromBytes(const std::string& bytes);
 
 } // namespace zentrak::importer

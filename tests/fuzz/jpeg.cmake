@@ -1,1 +1,0 @@
-zentrak_fuzz(jpeg SOURCES jpeg_fuzz.cpp LINK zentrak::am CHANGES 3000)

@@ -1,1 +1,0 @@
-zentrak_fuzz(zip SOURCES zip_fuzz.cpp LINK zentrak::am CHANGES 3000)
