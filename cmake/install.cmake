@@ -11,8 +11,29 @@ file(RELATIVE_PATH ZENTRAK_PLAYER_FROM_BIN
     ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBEXECDIR}/zentrak/zentrak)
 file(RELATIVE_PATH ZENTRAK_DATA_FROM_BIN ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_DATADIR}/zentrak)
 configure_file(cmake/zentrak.sh.in ${PROJECT_BINARY_DIR}/installed/zentrak @ONLY)
-install(PROGRAMS ${PROJECT_BINARY_DIR}/installed/zentrak DESTINATION ${CMAKE_INSTALL_BINDIR})
-install(DIRECTORY data/ DESTINATION ${CMAKE_INSTALL_DATADIR}/zentrak PATTERN setup.local.xml EXCLUDE)
+configure_file(cmake/zentrak-edit.sh.in ${PROJECT_BINARY_DIR}/installed/zentrak-edit @ONLY)
+install(PROGRAMS ${PROJECT_BINARY_DIR}/installed/zentrak ${PROJECT_BINARY_DIR}/installed/zentrak-edit
+    DESTINATION ${CMAKE_INSTALL_BINDIR})
+
+# The show travels as one zip; its setup file lies beside it, too, for the script to start from.
+install(CODE "
+    execute_process(COMMAND \"${PROJECT_SOURCE_DIR}/cmake/pack_folder.sh\" \"${PROJECT_SOURCE_DIR}/data\"
+        \"${PROJECT_BINARY_DIR}/installed/data.zip\" RESULT_VARIABLE failed)
+    if(failed)
+        message(FATAL_ERROR \"data/ can't be packed; is the program zip installed?\")
+    endif()")
+install(FILES ${PROJECT_BINARY_DIR}/installed/data.zip data/setup.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/zentrak)
+
+# What a desktop shows of the programs, and their manual pages.
+install(FILES desktop/zentrak.desktop desktop/zentrak-studio.desktop
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
+install(FILES desktop/zentrak.svg DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
+install(FILES desktop/org.zentrak.zentrak.metainfo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
+install(FILES desktop/man/zentrak.1 desktop/man/zentrak-edit.1 desktop/man/zentrak-new.1
+    desktop/man/zentrak-studio.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+if(ZENTRAK_TOOLS)
+    install(DIRECTORY desktop/man/tools/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+endif()
 
 # zentrak-new, and the project that it makes.
 configure_file(tools/zentrak-new ${PROJECT_BINARY_DIR}/installed/zentrak-new @ONLY)
@@ -22,7 +43,7 @@ install(DIRECTORY tools/template DESTINATION ${CMAKE_INSTALL_DATADIR}/zentrak US
 
 install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zentrak)
 install(DIRECTORY effects/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zentrak/effects FILES_MATCHING PATTERN "*.h")
-install(FILES README.md LICENSE NOTICE DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES README.md CHANGELOG.md LICENSE NOTICE DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR})
 
 # find_package(zentrak)

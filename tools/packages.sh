@@ -49,3 +49,4 @@ test_packages="libgtest-dev xvfb xdotool openbox x11-utils x11-xkb-utils x11-xse
 bench_packages="libbenchmark-dev libtinyxml2-dev libpugixml-dev"
 clang_packages="clang-14"
 lint_packages="clang-format-14 clang-tidy-14 shellcheck git"
+release_packages="debhelper git zip libassimp-dev libfreetype-dev"
