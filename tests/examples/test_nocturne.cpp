@@ -1,8 +1,12 @@
 // The second demo, played by the film tool with its effects: a picture of each of its scenes.
 
+#include "audiere.h"
 #include "picture.h"
+#include "script_engine.h"
+#include "script_loadxml.h"
 #include "support.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 using zentrak::test::matchesReference;
@@ -47,4 +51,23 @@ TEST(Nocturne, TheRoomWithinARoom) {
 TEST(Nocturne, TheStormAndTheFadeToBlack) {
     EXPECT_TRUE(matchesReference("nocturne_storm", still("35.8")));
     EXPECT_TRUE(matchesReference("nocturne_fade", still("39.1")));
+}
+
+TEST(Nocturne, TheMusicIsAsLongAsTheScript) {
+    using namespace zentrak::audiere;
+    const std::string music = zentrak::test::readFile(NOCTURNE_FOLDER "/nocturne.ogg");
+    const RefPtr<SampleSource> source =
+        AdrOpenSampleSourceFromFile(AdrCreateMemoryFile(music.data(), int(music.size())), 0);
+    ASSERT_TRUE(source);
+    int channels = 0, rate = 0;
+    SampleFormat format;
+    source->getFormat(channels, rate, format);
+
+    zentrak::script::ScriptEngine script;
+    ASSERT_TRUE(zentrak::script::LoadXML().load(NOCTURNE_FOLDER "/show/script.xml", script));
+    float end = 0;
+    for (const zentrak::script::Effect* effect : script.mEffects)
+        end = std::max(end, effect->mEnd);
+    EXPECT_NEAR(40, end, 0.01);
+    EXPECT_NEAR(end, double(source->getLength()) / rate, 0.01);
 }

@@ -14,10 +14,10 @@ vec3 light(vec3 position, vec3 lpos, vec3 lcol) {
 
 void main() {
     vec2 corner = 2.0 * gl_MultiTexCoord0.xy - 1.0;
-    vec3 position = gl_Vertex.xyz + gl_Normal.x * (corner.x * cameraRight + corner.y * cameraUp);
+    vec3 position = gl_Vertex.xyz + 0.6 * gl_Normal.x * (corner.x * cameraRight + corner.y * cameraUp);
     float deep = length(gl_Vertex.xyz) / 12.3;
     vec3 smoke = mix(vec3(0.10, 0.16, 0.26), vec3(0.02, 0.04, 0.10), deep);
-    colour = vec4(smoke + light(gl_Vertex.xyz, lpos0, lcol0) + light(gl_Vertex.xyz, lpos1, lcol1), gl_Normal.y);
+    colour = vec4(smoke + light(gl_Vertex.xyz, lpos0, lcol0) + light(gl_Vertex.xyz, lpos1, lcol1), min(1.0, 1.7 * gl_Normal.y));
     gl_TexCoord[0] = gl_MultiTexCoord0;
     gl_Position = gl_ModelViewProjectionMatrix * vec4(position, 1.0);
 }

@@ -1,4 +1,4 @@
-// A Gaussian bell of 35 pixels in seven taps, which take neighbours in by filtering; not where the bars will be.
+// The same upward, from the quarter that blurX has drawn.
 uniform sampler2D sourceTexture;
 
 void main() {
@@ -9,7 +9,7 @@ void main() {
     for (int i = -3; i <= 3; ++i) {
         float offset = 5.0 * float(i) / 512.0;
         float weight = exp(-0.2 * float(i * i));
-        sum += weight * texture2D(sourceTexture, clamp(gl_TexCoord[0].xy + vec2(0.0, offset), 0.001, 0.999));
+        sum += weight * texture2D(sourceTexture, 0.5 * clamp(gl_TexCoord[0].xy + vec2(0.0, offset), 0.001, 0.999));
         weights += weight;
     }
     gl_FragColor = sum / weights;

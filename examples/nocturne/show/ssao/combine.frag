@@ -21,19 +21,20 @@ void main() {
     if (abs(at.y - 0.5) > 0.405) // under the bars
         discard;
     vec4 here = texture2D(texture0, at);
-    vec3 glow = texture2D(texture1_blur, at).rgb;
+    vec3 glow = texture2D(texture1_blur, 0.5 * min(at, 0.998)).rgb;
     vec3 colour;
     if (here.a > 0.0) {
         float range = rangeAt(at);
         vec2  reach = 0.5 * radius * vec2(gl_ProjectionMatrix[0][0], gl_ProjectionMatrix[1][1]) / range;
         float turn = 6.2831853 * fract(52.9829189 * fract(dot(floor(gl_FragCoord.xy), vec2(0.06711056, 0.00583715))));
+        vec2  way = vec2(cos(turn), sin(turn));
         float hidden = 0.0;
-        for (int i = 0; i < 6; ++i) {
-            float angle = 2.3999632 * float(i) + turn;
-            float nearer = range - rangeAt(at + reach * (float(i) + 0.7) / 6.0 * vec2(cos(angle), sin(angle)));
+        for (int i = 0; i < 3; ++i) {
+            float nearer = range - rangeAt(at + reach * (0.33 * float(i) + 0.2) * way);
             hidden += smoothstep(0.05, 0.5, nearer) * (1.0 - smoothstep(radius, 3.0 * radius, nearer));
+            way = mat2(-0.737369, 0.675490, -0.675490, -0.737369) * way; // on by the golden angle
         }
-        colour = here.rgb * (1.0 - 0.75 * hidden / 6.0);
+        colour = here.rgb * (1.0 - 0.75 * 0.333 * hidden);
     } else {
         colour = sky(at);
     }
