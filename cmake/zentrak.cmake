@@ -29,6 +29,10 @@ function(zentrak_library name)
     add_library(zentrak::${name} ALIAS zentrak_${name})
     set_target_properties(zentrak_${name} PROPERTIES
         EXPORT_NAME ${name} VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+    if(BUILD_SHARED_LIBS)
+        # They lie side by side, and find each other wherever they are installed.
+        set_target_properties(zentrak_${name} PROPERTIES INSTALL_RPATH "$ORIGIN")
+    endif()
     target_compile_features(zentrak_${name} PUBLIC cxx_std_20)
     target_include_directories(zentrak_${name} PUBLIC
         $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/zentrak>)
