@@ -23,7 +23,8 @@ constexpr float STREETS = 48.0f;
 
 constexpr float TURN = 6.2831853f;
 constexpr float BLOCK = 3.0f;
-constexpr int BLOCKS = 7; // to each side of the spire
+constexpr int BLOCKS = 7;    // to each side of the spire
+constexpr float EDGE = 6.3f; // of the city, in blocks
 
 o3d::Mesh& make(o3d::Manager& manager, const char* name, const Shape& shape) {
     return *addMesh(manager, shape.build(name, {"stone"}));
@@ -41,8 +42,10 @@ void addTowers(o3d::Manager& manager, o3d::Scene& scene) {
             const float height =
                 (1.2f + 4.2f * random.uniform()) * (0.6f + 2.2f * std::exp(-0.35f * distance));
             const float half = 0.75f + 0.4f * random.uniform();
-            towers.box(0, Vector3f(x - half, 0, z - half), Vector3f(x + half, height, z + half));
             const float top = 0.35f + 0.3f * random.uniform();
+            if (distance > EDGE)
+                continue;
+            towers.box(0, Vector3f(x - half, 0, z - half), Vector3f(x + half, height, z + half));
             towers.box(0, Vector3f(x - top, height, z - top), Vector3f(x + top, height * 1.25f, z + top));
         }
     addInstance(scene, "towers", make(manager, "towers", towers), Vector3f(0, 0, 0));

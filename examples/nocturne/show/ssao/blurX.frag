@@ -1,4 +1,4 @@
-// A Gaussian bell of 35 pixels in seven taps, which take neighbours in by filtering; not where the bars will be.
+// A Gaussian bell of 25 pixels in five taps, which take neighbours in by filtering; not where the bars will be.
 uniform sampler2D sourceTexture;
 
 void main() {
@@ -6,9 +6,9 @@ void main() {
         discard;
     vec4  sum = vec4(0.0);
     float weights = 0.0;
-    for (int i = -3; i <= 3; ++i) {
+    for (int i = -2; i <= 2; ++i) {
         float offset = 5.0 * float(i) / 512.0;
-        float weight = exp(-0.2 * float(i * i));
+        float weight = exp(-0.35 * float(i * i));
         sum += weight * texture2D(sourceTexture, clamp(gl_TexCoord[0].xy + vec2(offset, 0.0), 0.001, 0.999));
         weights += weight;
     }

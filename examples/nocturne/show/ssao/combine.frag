@@ -11,9 +11,11 @@ float rangeAt(vec2 at) {
 
 vec3 sky(vec2 at) {
     vec3  colour = mix(vec3(0.20, 0.13, 0.22), vec3(0.02, 0.03, 0.10), smoothstep(0.35, 0.95, at.y));
-    vec2  cell = floor(at * 160.0);
-    float star = fract(sin(dot(cell, vec2(41.3, 289.1))) * 15731.7);
-    return colour + vec3(0.7, 0.8, 1.0) * smoothstep(0.992, 1.0, star) * (1.0 - length(fract(at * 160.0) - 0.5) * 1.6);
+    vec2  inside = fract(at * 160.0);
+    vec2  cell = fract((at * 160.0 - inside) * vec2(0.1031, 0.1137));
+    float pick = fract(cell.x * cell.y * 333.3 + 7.7 * (cell.x + cell.y));
+    vec2  off = inside - 0.5;
+    return colour + vec3(0.7, 0.8, 1.0) * (pick > 0.994 ? max(0.0, 1.0 - 4.0 * dot(off, off)) : 0.0);
 }
 
 void main() {
@@ -31,7 +33,7 @@ void main() {
         float hidden = 0.0;
         for (int i = 0; i < 3; ++i) {
             float nearer = range - rangeAt(at + reach * (0.33 * float(i) + 0.2) * way);
-            hidden += smoothstep(0.05, 0.5, nearer) * (1.0 - smoothstep(radius, 3.0 * radius, nearer));
+            hidden += clamp(2.2 * nearer - 0.1, 0.0, 1.0) * clamp(1.5 - 0.5 * nearer / radius, 0.0, 1.0);
             way = mat2(-0.737369, 0.675490, -0.675490, -0.737369) * way; // on by the golden angle
         }
         colour = here.rgb * (1.0 - 0.75 * 0.333 * hidden);
