@@ -15,32 +15,35 @@ using namespace zentrak::music;
 
 namespace {
 
-// How a voice goes into the mix. `bottom` is the frequency below which it is cut, 0 for nowhere; `duck` how
-// deep it ducks under the kick; `swept` is for the voices under the low-pass that moves.
+// How a voice goes into the mix: its level there, in the reverb and in the echo; the frequencies below and
+// above which it is cut (0 for nowhere); how deep it ducks under the kick; how much wider it gets; and
+// whether it is under the low-pass that moves.
 struct Channel {
     const char* name;
     Track Stems::*track;
     float level, room, echo;
-    float bottom, duck, wide;
+    float bottom, top, duck, wide;
     bool swept;
 };
 
 const Channel CHANNELS[] = {
-    {"kick", &Stems::kick, 0.26f, 0.00f, 0.00f, 0, 0, 1, false},
-    {"snares", &Stems::snares, 0.46f, 0.12f, 0.00f, 120, 0, 1.3f, false},
-    {"cymbals", &Stems::cymbals, 0.24f, 0.10f, 0.00f, 400, 0, 1.2f, false},
-    {"bass", &Stems::bass, 0.25f, 0.00f, 0.00f, 0, 0.75f, 1, false},
-    {"chords", &Stems::chords, 0.31f, 0.28f, 0.00f, 130, 0.70f, 1.5f, true},
-    {"arpeggio", &Stems::arpeggio, 0.45f, 0.45f, 0.45f, 250, 0.35f, 1, true},
-    {"lead", &Stems::lead, 0.40f, 0.42f, 0.38f, 180, 0, 1.2f, false},
-    {"voices", &Stems::voices, 0.56f, 0.60f, 0.00f, 200, 0.35f, 1.4f, false},
-    {"answers", &Stems::answers, 0.42f, 0.60f, 0.60f, 200, 0, 1, false},
-    {"noise", &Stems::noise, 0.17f, 0.40f, 0.00f, 0, 0.5f, 1, false},
+    {"kick", &Stems::kick, 0.26f, 0.00f, 0.00f, 0, 0, 0, 1, false},
+    {"snares", &Stems::snares, 0.52f, 0.12f, 0.00f, 120, 9500, 0, 1.3f, false},
+    {"cymbals", &Stems::cymbals, 0.42f, 0.15f, 0.00f, 400, 9500, 0, 1.2f, false},
+    {"bass", &Stems::bass, 0.25f, 0.00f, 0.00f, 0, 0, 0.75f, 1, false},
+    {"chords", &Stems::chords, 0.27f, 0.26f, 0.00f, 130, 0, 0.70f, 1.5f, true},
+    {"arpeggio", &Stems::arpeggio, 0.45f, 0.45f, 0.45f, 250, 0, 0.35f, 1, true},
+    {"lead", &Stems::lead, 0.46f, 0.44f, 0.40f, 180, 0, 0, 1.2f, false},
+    {"voices", &Stems::voices, 0.56f, 0.60f, 0.00f, 200, 0, 0.35f, 1.4f, false},
+    {"answers", &Stems::answers, 0.44f, 0.60f, 0.60f, 200, 0, 0, 1, false},
+    {"noise", &Stems::noise, 0.18f, 0.40f, 0.00f, 0, 9500, 0.5f, 1, false},
 };
 
 void process(Track& track, const Channel& channel, const std::vector<int>& kicks) {
     if (channel.bottom > 0)
         highPass(track, channel.bottom);
+    if (channel.top > 0)
+        lowPass(track, channel.top);
     if (channel.duck > 0)
         duck(track, kicks, channel.duck);
     if (channel.swept)

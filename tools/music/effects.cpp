@@ -134,6 +134,15 @@ void highPass(Track& track, float frequency) {
     }
 }
 
+void lowPass(Track& track, float frequency) {
+    for (std::vector<float>* side : {&track.left, &track.right}) {
+        Filter filter;
+        filter.set(frequency, 0.3f);
+        for (float& sample : *side)
+            sample = filter.low(sample);
+    }
+}
+
 namespace {
 
 // The value of the ramps in a frame.

@@ -17,8 +17,9 @@ void reverb(Track& into, const Track& send, float seconds, float level);
 // Ducks the track at each stroke, immediately, and recovers within a beat. Depth from 0 (none) to 1.
 void duck(Track& track, const std::vector<int>& strokes, float depth);
 
-// Removes what is below `frequency`.
+// Remove what is below or above `frequency`.
 void highPass(Track& track, float frequency);
+void lowPass(Track& track, float frequency);
 
 // Filters that move along the ramps; outside them the low-pass is open, and the high-pass at 20 Hz.
 void sweepLowPass(Track& track, const std::vector<Ramp>& ramps);

@@ -135,12 +135,12 @@ const char* const PEAK_BELLS = R"(
 
 // The hook backwards, and at last alone.
 const char* const OUTRO = R"(
-    D6:4 C6:4 F5:2 D5:3 Bb4:3 | C6:4 D6:4 E6:2 C6:3 G5:3 |
-    D5:4 E5:4 F5:2 D5:3 A4:3  | C5:16 |
-    Bb4:3 D5:3 G5:2 F5:8      | -:16 |
-    A4:3 D5:3 E5:2 A5:8       | A5:4 G5:2 E5:2 C#5:8 |
-    A4:3 D5:3 F5:2 E5:8       | D5:16 |
-    F5:3 D5:3 A4:10           | -:16)";
+    Bb5:4 C6:2 D6:4 Bb5:3 F5:3 | C6:4 D6:2 E6:4 C6:3 G5:3 |
+    D5:4 E5:2 F5:4 D5:3 A4:3   | C5:16 |
+    Bb4:3 D5:3 G5:2 F5:8       | -:16 |
+    A4:3 D5:3 E5:2 A5:8        | A5:4 G5:2 E5:2 C#5:8 |
+    A4:3 D5:3 F5:2 E5:8        | D5:16 |
+    F5:3 D5:3 A4:10            | -:16)";
 
 const char* const OUTRO_ANSWER = R"(
     -:16 | -:16 |

@@ -94,8 +94,13 @@ void playTransitions(Stems& stems) {
     fall(stems.noise, frameOf(last), 3 * BAR, 0.4f);
 }
 
+// The fifth only where it belongs to the chord, which it does not over every inverted one.
 int bassPitch(const Chord& chord, char name) {
-    return chord.bass + (name == 'o' ? 12 : name == 'f' ? 7 : 0);
+    if (name == 'f')
+        for (int voice : chord.voices)
+            if ((voice - chord.bass) % 12 == 7)
+                return chord.bass + 7;
+    return chord.bass + (name == '0' ? 0 : 12);
 }
 
 // Each note lasts until the next one or its chord's end, but not longer than the rhythm's gate.
@@ -120,24 +125,26 @@ void playBass(Stems& stems, const Chord& chord) {
     }
 }
 
-// One long note for consecutive equal chords.
-void playPad(Stems& stems, const std::vector<Chord>& chords, size_t first) {
-    const Chord& chord = chords[first];
-    float soft = level("pad", chord.step / STEPS_PER_BAR);
-    if (soft == 0 || (first > 0 && chords[first - 1].voices == chord.voices))
-        return;
+// The steps for which a chord and equal ones after it last, 0 for one that continues the chord before it.
+int heldSteps(const std::vector<Chord>& chords, size_t first) {
+    if (first > 0 && chords[first - 1].voices == chords[first].voices)
+        return 0;
     int steps = 0;
-    for (size_t i = first; i < chords.size() && chords[i].voices == chord.voices; ++i)
+    for (size_t i = first; i < chords.size() && chords[i].voices == chords[first].voices; ++i)
         steps += chords[i].steps;
-    for (int voice : chord.voices)
-        pad(stems.chords, chord.step * STEP, steps * STEP, voice, 0.16f + 0.16f * soft, soft);
+    return steps;
 }
 
-void playChoir(Stems& stems, const Chord& chord) {
-    float loud = level("choir", chord.step / STEPS_PER_BAR);
-    for (size_t i = 0; loud > 0 && i < chord.voices.size(); ++i)
-        choir(stems.voices, chord.step * STEP, chord.steps * STEP - STEP / 2, chord.voices[i], 0.30f * loud,
-              loud);
+void playHeld(Stems& stems, const std::vector<Chord>& chords, size_t first) {
+    const Chord& chord = chords[first];
+    int bar = chord.step / STEPS_PER_BAR, steps = heldSteps(chords, first);
+    float soft = level("pad", bar), loud = level("choir", bar);
+    for (int voice : chord.voices) {
+        if (steps > 0 && soft > 0)
+            pad(stems.chords, chord.step * STEP, steps * STEP, voice, 0.16f + 0.16f * soft, soft);
+        if (steps > 0 && loud > 0)
+            choir(stems.voices, chord.step * STEP, steps * STEP - STEP / 2, voice, 0.36f * loud, loud);
+    }
 }
 
 // Chords in the bar's rhythm, each until the next.
@@ -204,8 +211,9 @@ void playLine(Stems& stems, const Line& line) {
     for (const Note& note : readLine(line.text)) {
         int step = line.bar * STEPS_PER_BAR + note.step;
         int pitch = note.pitch + transposition(step / STEPS_PER_BAR);
+        float accent = step % STEPS_PER_BAR == 0 ? 1.08f : note.steps <= 2 ? 0.9f : 1.0f;
         playNote(stems, line.instrument, step * STEP, note.steps * STEP, before ? before : pitch, pitch,
-                 line.level);
+                 accent * line.level);
         before = pitch;
     }
 }
@@ -248,8 +256,7 @@ Stems perform(int bars) {
     const std::vector<Chord> chords = harmony();
     for (size_t i = 0; i < chords.size() && chords[i].step < bars * STEPS_PER_BAR; ++i) {
         playBass(stems, chords[i]);
-        playPad(stems, chords, i);
-        playChoir(stems, chords[i]);
+        playHeld(stems, chords, i);
         playSaws(stems, chords[i]);
         playArpeggio(stems, chords[i]);
     }
