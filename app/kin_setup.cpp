@@ -132,15 +132,7 @@ void Kindler::setup() {
     }
     for (xml::Iterator it = parser.createIterator("script"); ++it;) {
         mScriptFile = it->getValue("filename");
-        const am::File script = mArchives.readFile(mScriptFile, -1);
-        if (script.isNull())
-            throw Exception("[Kindler] Could not find the script: '%s'", mScriptFile.c_str());
-        const bool loaded = readNamed(mScriptFile, [&] {
-            return script::LoadXML().loadMem(reinterpret_cast<const char*>(script->data), script->length,
-                                             mScript);
-        });
-        if (!loaded)
-            ZTK_LOG("error", "app", "The script '%s' can't be played", mScriptFile.c_str());
+        loadScript(mScriptFile);
     }
     if (mDisplayEnabled && mScript.mEffects.empty())
         ZTK_LOG("warning", "app", "There is nothing to play: no script in '%s', or only empty ones", name);
@@ -175,6 +167,18 @@ void Kindler::setup() {
         mSetupTitle = it->getValue("title");
     }
     mSetupDone = true;
+}
+
+void Kindler::loadScript(const std::string& name) {
+    const am::File script = mArchives.readFile(name, -1);
+    if (script.isNull())
+        throw Exception("[Kindler] Could not find the script: '%s'", name.c_str());
+    const bool loaded = readNamed(name, [&] {
+        return script::LoadXML().loadMem(reinterpret_cast<const char*>(script->data), script->length,
+                                         mScript);
+    });
+    if (!loaded)
+        ZTK_LOG("error", "app", "The script '%s' can't be played", name.c_str());
 }
 
 // Changes values in the local file and keeps the rest. Without a local file nothing is saved.

@@ -1,4 +1,4 @@
-// zentrak-studio [FOLDER]: makes a show.
+// zentrak-studio [FOLDER [SCRIPT]]: makes a show.
 
 #include "studio_window.h"
 #include "ztk_memory.h"
@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <exception>
 #include <unistd.h>
@@ -15,26 +16,31 @@ using namespace zentrak::studio;
 
 namespace {
 
-void work() {
+// Which of the scripts is edited: the one of this name, or else the last.
+size_t findScript(const Show& show, const char* name) {
+    const std::vector<std::string>& scripts = show.getScripts();
+    if (!name)
+        return scripts.size() - 1;
+    const auto found = std::find(scripts.begin(), scripts.end(), name);
+    if (found == scripts.end())
+        throw Exception("The setup file names no script '%s'", name);
+    return size_t(found - scripts.begin());
+}
+
+void work(const char* script) {
     Show show;
     show.setup();
-    const std::string folder = show.getScriptFolder();
-    if (folder.empty())
+    show.edit(findScript(show, script));
+    if (show.getScriptFolder().empty())
         throw Exception("The script '%s' is in a zip file: it can't be edited there",
-                        show.getScriptName().c_str());
-    ScriptFile file(folder, show.getScriptName());
-    Editor editor;
-    try {
-        editor.open(file.read().value_or(""));
-    } catch (const Exception& exception) {
-        throw Exception("%s: %s", file.getPath().c_str(), exception.what());
-    }
+                        show.getScripts()[show.getEdited()].c_str());
     const char* const size = getenv("ZENTRAK_STUDIO_SIZE"); // as in "1920x1080"
     int width = 1280, height = 800;
     if (size && sscanf(size, "%dx%d", &width, &height) != 2)
         throw Exception("ZENTRAK_STUDIO_SIZE is a width and a height, as in 1920x1080, and not '%s'", size);
     show.open(std::max(width, 320), std::max(height, 240), "Zentrak studio");
-    Window window(show, editor, file);
+    Editor editor;
+    Window window(show, editor);
     show.getDisplay().updateBlocking();
 }
 
@@ -42,17 +48,19 @@ void work() {
 
 int main(int argc, char** argv) {
     keepFreedMemory();
-    if (argc > 2 || (argc == 2 && (!strcmp(argv[1], "-h") || !strcmp(argv[1], "--help")))) {
-        puts("usage: zentrak-studio [FOLDER]     the folder of a show, with its setup.xml; without one the "
-             "current folder");
-        return argc > 2 ? 2 : 0;
+    const bool help = argc > 1 && (!strcmp(argv[1], "-h") || !strcmp(argv[1], "--help"));
+    if (argc > 3 || help) {
+        puts("usage: zentrak-studio [FOLDER [SCRIPT]]\n"
+             "FOLDER is that of a show, with its setup.xml; without it the current folder.\n"
+             "SCRIPT is one of those that the setup file names; without it the last one.");
+        return help ? 0 : 2;
     }
-    if (argc == 2 && chdir(argv[1]) != 0) {
-        fprintf(stderr, "zentrak-studio: '%s' is not a folder that can be entered\n", argv[1]);
+    if (argc > 1 && chdir(argv[1]) != 0) {
+        fprintf(stderr, "zentrak-studio: can't enter the folder '%s'\n", argv[1]);
         return 2;
     }
     try {
-        work();
+        work(argc > 2 ? argv[2] : nullptr);
     } catch (const std::exception& exception) {
         fprintf(stderr, "zentrak-studio: %s\n", exception.what());
         return 1;

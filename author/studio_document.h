@@ -124,7 +124,10 @@ private:
     uint32_t mVersion = 0;
 
     bool applyToTags(const std::vector<Change>& changes, const std::string& text);
-    void numberElements(std::vector<Element>& elements, const std::vector<Change>& changes);
+    bool applyToChildren(const std::vector<Change>& changes, const std::string& text);
+    void replaceElements(int parent, int first, int last, std::vector<Element> made, size_t delta);
+    void numberElements(std::vector<Element>& elements, int old, int end, int first,
+                        const std::vector<Change>& changes);
     void indexIds();
     std::string getIndent(size_t position) const;
     std::string getIndentOfChildren(int parent) const;

@@ -47,6 +47,8 @@ const std::vector<Window::Command>& Window::getCommands() {
         {KEY_y, CTRL, "", "", &W::redo},
         {KEY_z, CTRL | SHIFT, "", "", &W::redo},
         {KEY_s, CTRL, "Ctrl+S", "save", &W::save},
+        {KEY_o, CTRL, "Ctrl+O", "another script of the setup file", &W::chooseScript},
+        {KEY_F9, 0, "F9", "the player's own editor, and back", &W::togglePreview},
         {KEY_q, CTRL, "Ctrl+Q", "leave", &W::quit},
         {KEY_ESC, 0, "Esc", "give up what is dragged; select nothing", &W::escape},
         {KEY_EQUALS, 0, "+, -, Ctrl+0", "zoom in, zoom out, all of the show", &W::zoomIn},
@@ -114,12 +116,8 @@ void Window::nudgeTime(double by) {
 }
 
 void Window::quit() {
-    if (mEditor.isSaved() || mQuitting) {
-        onQuit();
+    if (onQuit() != BLOCK)
         mShow.getDisplay().mQuittingBlocking = true;
-    } else {
-        onQuit(); // asks
-    }
 }
 
 void Window::undo() {

@@ -6,8 +6,11 @@
 #include "dis_key.h"
 #include "dis_shader.h"
 #include "effect_names.h"
+#include "effect_scene.h"
 #include "glfw2.h"
+#include "o3d_manager.h"
 #include "script_loadxml.h"
+#include "sparks_engine.h"
 #include "xml_parser.h"
 #include "ztk_system.h"
 
@@ -59,26 +62,24 @@ public:
 
     Slot(Show& show, const kindler::CatalogueEntry& entry) : mShow(show), mEntry(entry), mName(entry.name) {}
 
-    // Checks a file that has changed, so that a broken one does not cost the running effect the state that it
-    // shares with its successor. Whether it can be used.
+    // Whether a file that has changed can be used. To try the effect itself would cost the running one the
+    // state that it shares with its successor.
     bool check(const std::string& name) {
         mBroken.clear();
-        display::DisplayGL* const display = mShow.mKindler.mDisplay;
         try {
-            if (name.ends_with(".frag"))
-                display::FragmentShader(display).compile(name.c_str(), "");
-            if (name.ends_with(".vert"))
-                display::VertexShader(display).compile(name.c_str(), "");
-            if (name.ends_with(".png") || name.ends_with(".jpg"))
-                mShow.mKindler.mArchives.loadImage(name, -1, true);
+            checkFile(name);
         } catch (const std::exception& exception) {
             mBroken = exception.what();
+            if (mBroken.find(name) == std::string::npos)
+                mBroken = name + ": " + mBroken;
         }
         return mBroken.empty();
     }
 
-    // A new effect in place of the old one, which stays where that fails.
+    // A new effect in place of the old one, which stays where that fails, with the render targets that it has
+    // made for others.
     void make() {
+        const auto targets = mShow.mCommon.mFbos;
         std::unique_ptr<kindler::Effect> effect = mEntry.make(mShow.mCommon);
         effect->mDisplay = mShow.mKindler.mDisplay;
         effect->mName = mName;
@@ -90,10 +91,13 @@ public:
                 mBroken = exception.what();
             }
         });
-        if (!mBroken.empty())
-            return;
-        mEffect = std::move(effect);
-        mFailure.clear();
+        if (mBroken.empty()) {
+            mEffect = std::move(effect);
+            mFailure.clear();
+        } else {
+            effect.reset();
+            mShow.mCommon.mFbos = targets;
+        }
     }
 
     void resetTriggers() override {
@@ -116,6 +120,31 @@ private:
     Show& mShow;
     const kindler::CatalogueEntry& mEntry;
     std::string mName;
+
+    void checkFile(const std::string& name) {
+        kindler::Kindler& kindler = mShow.mKindler;
+        const am::File file = kindler.mArchives.readFile(name);
+        if (file.isNull())
+            throw Exception("The file is gone");
+        if (name.ends_with(".frag"))
+            display::FragmentShader(kindler.mDisplay).compile(name.c_str(), "");
+        if (name.ends_with(".vert"))
+            display::VertexShader(kindler.mDisplay).compile(name.c_str(), "");
+        if (name.ends_with(".png") || name.ends_with(".jpg"))
+            kindler.mArchives.loadImage(name, -1, true);
+        if (name.ends_with(".o3d")) {
+            o3d::Manager manager;
+            kindler::loadSceneFile(*kindler.mDisplay, manager, name);
+            if (manager.mMeshes.empty())
+                throw Exception("The scene holds no mesh");
+        }
+        if (name.ends_with(".xml")) {
+            sparks::Engine engine(kindler.mDisplay);
+            engine.load(name);
+            if (engine.instances.empty())
+                throw Exception("The file holds no particles: no 'instance' in a 'spark'");
+        }
+    }
 
     template <class Work>
     void record(const Work& work) {
@@ -151,17 +180,52 @@ Show::~Show() {
 
 void Show::setup() {
     mKindler.setup();
-    if (!mKindler.mSetupDone || mKindler.mScriptFile.empty())
+    if (!mKindler.mSetupDone || mKindler.mScripts.empty())
         throw Exception("The setup file names no script");
-    // Those before the last script stay as they are.
-    script::ScriptEngine last;
-    const am::File file = mKindler.mArchives.readFile(mKindler.mScriptFile);
-    script::LoadXML().loadMem(reinterpret_cast<const char*>(file->data), file->length, last);
-    mForeign =
-        mKindler.mScript.mEffects.size() - std::min(last.mEffects.size(), mKindler.mScript.mEffects.size());
+    mOthers.resize(mKindler.mScripts.size());
+    edit(mOthers.size() - 1);
 }
 
-std::string Show::getScriptFolder() const {
+// Scripts. The engine plays the spans of all of them in the order of the setup file.
+
+void Show::edit(size_t script) {
+    mEdited = script;
+    setDocument(Document());
+    for (size_t i = 0; i < mOthers.size(); ++i)
+        loadOther(i);
+}
+
+void Show::loadOther(size_t script) {
+    Other& other = mOthers[script];
+    other.failure.clear();
+    script::ScriptEngine loaded;
+    try {
+        const am::File file = mKindler.mArchives.readFile(mKindler.mScripts[script]);
+        if (script != mEdited && file.isNull())
+            throw Exception("It is not there");
+        if (script != mEdited &&
+            !script::LoadXML().loadMem(reinterpret_cast<const char*>(file->data), file->length, loaded))
+            throw Exception("The player refuses it");
+    } catch (const std::exception& exception) {
+        other.failure = exception.what();
+        return;
+    }
+    std::swap(other.spans, loaded.mEffects); // which deletes those of before
+    fillEngine();
+}
+
+void Show::fillEngine() {
+    script::ScriptEngine& engine = mKindler.mScript;
+    engine.mEffects.clear();
+    for (size_t i = 0; i < mOthers.size(); ++i) {
+        const std::vector<script::Effect*>& spans = i == mEdited ? mRoots : mOthers[i].spans;
+        engine.mEffects.insert(engine.mEffects.end(), spans.begin(), spans.end());
+    }
+    engine.init();
+}
+
+std::string Show::getScriptFolder() {
+    const std::string& script = mKindler.mScripts[mEdited];
     std::vector<std::string> folders = {"."};
     for (const char* name : {"setup.local.xml", "setup.xml"}) {
         am::ArchiveManager here;
@@ -177,10 +241,10 @@ std::string Show::getScriptFolder() const {
     }
     for (const std::string& folder : folders) {
         struct stat status {};
-        if (stat((folder + "/" + mKindler.mScriptFile).c_str(), &status) == 0 && S_ISREG(status.st_mode))
+        if (stat((folder + "/" + script).c_str(), &status) == 0 && S_ISREG(status.st_mode))
             return folder;
     }
-    return std::string();
+    return mKindler.mArchives.readFile(script).isNull() ? "." : "";
 }
 
 void Show::open(int width, int height, const std::string& title) {
@@ -214,13 +278,10 @@ float Show::getAspect() const {
 // The document
 
 void Show::setDocument(const Document& document) {
-    script::ScriptEngine& engine = mKindler.mScript;
     const std::map<uint32_t, script::Effect*> old = std::move(mSpans);
-    const std::vector<script::Effect*> gone(engine.mEffects.begin() + ptrdiff_t(mForeign),
-                                            engine.mEffects.end());
-    engine.mEffects.resize(mForeign);
+    const std::vector<script::Effect*> gone = std::move(mRoots);
     mSpans.clear();
-    mCovers.clear();
+    mRoots.clear();
     std::vector<script::Effect*> made(size_t(document.getSize()), nullptr);
     for (int i = 1; i < document.getSize(); ++i) {
         const Element& element = document[i];
@@ -234,16 +295,14 @@ void Show::setDocument(const Document& document) {
             continue;
         script::Effect* const span = made[size_t(i)] = makeSpan(element);
         mSpans[element.id] = span;
-        (parent ? parent->mChildren : engine.mEffects).push_back(span);
-        if (!parent && element.enabled)
-            mCovers.emplace_back(element.start, element.end);
+        (parent ? parent->mChildren : mRoots).push_back(span);
     }
     for (auto& [id, span] : mSpans)
         if (const auto before = old.find(id); before != old.end())
             carryOver(*before->second, *span);
+    fillEngine();
     for (script::Effect* span : gone)
         delete span;
-    engine.init();
     for (auto& [name, slot] : mSlots)
         slot->mFailure.clear(); // it may be mended
 }
@@ -266,9 +325,14 @@ void Show::carryOver(const script::Effect& old, script::Effect& span) const {
 
 // All triggers of all spans are due again; of those of one name alone if that is given.
 void Show::rewind(const std::string* name) {
-    for (auto& [id, span] : mSpans)
+    std::vector<script::Effect*> spans = mKindler.mScript.mEffects;
+    while (!spans.empty()) {
+        script::Effect* const span = spans.back();
+        spans.pop_back();
+        spans.insert(spans.end(), span->mChildren.begin(), span->mChildren.end());
         if (!name || span->mName == *name)
             span->reverse(0);
+    }
 }
 
 // Time
@@ -308,9 +372,9 @@ void Show::seek(double time) {
 
 void Show::startReplay() {
     double from = mTime;
-    for (const auto& [start, end] : mCovers)
-        if (start <= mTime && mTime < end)
-            from = std::min(from, start);
+    for (const script::Effect* span : mKindler.mScript.mEffects)
+        if (span->isActive(float(mTime)))
+            from = std::min(from, double(span->mStart));
     if (mTime - from < REPLAY_STEP)
         return;
     setPlaying(false);
@@ -442,6 +506,10 @@ void Show::blit(const mathbase::Box2& box) {
 // Reload
 
 void Show::reload(const std::vector<std::string>& names) {
+    const std::vector<std::string>& scripts = mKindler.mScripts;
+    for (size_t i = 0; i < scripts.size(); ++i)
+        if (i != mEdited && std::find(names.begin(), names.end(), scripts[i]) != names.end())
+            loadOther(i);
     am::ImageManager& images = *mKindler.mArchives.getImageManager();
     for (const std::string& name : names)
         if (!images.getImage(name).isNull())
@@ -460,11 +528,14 @@ void Show::reload(const std::vector<std::string>& names) {
 
 std::vector<Show::Failure> Show::getFailures() const {
     std::vector<Failure> failures;
+    for (size_t i = 0; i < mOthers.size(); ++i)
+        if (i != mEdited && !mOthers[i].failure.empty())
+            failures.push_back({mKindler.mScripts[i], mOthers[i].failure});
     for (const auto& [name, slot] : mSlots) {
         if (!slot->mBroken.empty())
-            failures.push_back({name, slot->mBroken});
+            failures.push_back({"effect " + name, slot->mBroken});
         if (!slot->mFailure.empty())
-            failures.push_back({name, slot->mFailure});
+            failures.push_back({"effect " + name, slot->mFailure});
     }
     return failures;
 }

@@ -35,11 +35,17 @@ public:
     Show(const Show&) = delete;
     Show& operator=(const Show&) = delete;
 
-    // Reads the setup file of the current folder, as the player does; throws what that throws, and Exception
-    // without a script.
+    // Reads the setup file of the current folder, as the player does, but none of its scripts. Throws what
+    // that throws, and Exception if it names no script.
     void setup();
-    const std::string& getScriptName() const { return mKindler.mScriptFile; }
-    std::string getScriptFolder() const; // the first that has the script; empty if it is in a zip file
+    // The scripts that the setup file names, in the order in which they are played.
+    const std::vector<std::string>& getScripts() const { return mKindler.mScripts; }
+    // Which of them the document is; the others are played as they are on disk. At first the last one.
+    void edit(size_t script);
+    size_t getEdited() const { return mEdited; }
+    // The first folder that has the edited script; the current one if it is nowhere, and empty if it is in a
+    // zip file.
+    std::string getScriptFolder();
     std::string getMusicName() const { return mKindler.mMusicFile; }
 
     // Opens the window, the sound and all effects. The show stands still at its start time.
@@ -86,14 +92,28 @@ private:
     struct Replay {
         double from, to, position, base;
     };
+    // The driver, which leaves its scripts to the show.
+    class Driver : public kindler::Kindler {
+    public:
+        std::vector<std::string> mScripts;
 
-    kindler::Kindler mKindler; // first: the window has to outlive what is drawn in it
+    protected:
+        void loadScript(const std::string& name) override { mScripts.push_back(name); }
+    };
+    // A script that is not edited. The engine owns its spans.
+    struct Other {
+        std::vector<script::Effect*> spans;
+        std::string failure; // they are those of before
+    };
+
+    Driver mKindler; // first: the window has to outlive what is drawn in it
     kindler::Common mCommon;
     std::map<std::string, std::unique_ptr<Slot>> mSlots;
     std::vector<std::string> mRecord;
-    std::map<uint32_t, script::Effect*> mSpans;     // of the engine, by element
-    std::vector<std::pair<double, double>> mCovers; // the outermost spans that are on
-    size_t mForeign = 0;                            // spans of other scripts, before those of the document
+    std::map<uint32_t, script::Effect*> mSpans; // of the document, by element; the engine owns them
+    std::vector<script::Effect*> mRoots;        // the outermost ones
+    std::vector<Other> mOthers;                 // by the index of the script
+    size_t mEdited = 0;
     std::unique_ptr<display::FBO> mTarget;
     display::Texture* mPicture = nullptr; // mTarget's
     display::Batch mBatch;
@@ -109,6 +129,8 @@ private:
     void playEngine(double time);
     void fitTarget(int width, int height);
     void blit(const mathbase::Box2& box);
+    void loadOther(size_t script);
+    void fillEngine();
     void carryOver(const script::Effect& old, script::Effect& span) const;
     void rewind(const std::string* name);
 };

@@ -350,9 +350,8 @@ void Timeline::draw() {
     Paint paint(*render);
     const Box2& all = mArea.world;
     const Box2 axis = getAxis();
-    paint.clip(all);
-    paint.box(all, color::ground);
     paint.clip(Box2(all.x1, axis.y1, axis.x2, axis.y2));
+    paint.box(Box2(all.x1, axis.y1 + mRowsHeight - mScrollRows, axis.x2, axis.y2), color::ground);
     for (size_t i = 0; i < mRows.size(); ++i)
         if (mRows[i].y + mRows[i].height > mScrollRows && mRows[i].y < mScrollRows + axis.getHeight())
             paint.box(getRowBox(int(i)), mRows[i].type == Row::SECTION ? color::raised

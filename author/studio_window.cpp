@@ -19,6 +19,8 @@ namespace {
 constexpr double POLL = 0.4;  // seconds between two looks at the files
 constexpr double MESSAGE = 5; // seconds that a message stays
 constexpr size_t ERROR_LINES = 10;
+constexpr const char* EMPTY_SCRIPT = "<script>\n</script>\n";
+constexpr const char* PREVIEW = "the player's editor"; // where its errors are
 
 double seconds() {
     using namespace std::chrono;
@@ -27,8 +29,8 @@ double seconds() {
 
 } // namespace
 
-Window::Window(Show& show, Editor& editor, ScriptFile& file)
-    : Panorama(&show.getDisplay()), mShow(show), mEditor(editor), mFile(file), mWatch(".") {
+Window::Window(Show& show, Editor& editor)
+    : Panorama(&show.getDisplay()), mShow(show), mEditor(editor), mWatch(".") {
     mOverlay = new Overlay;
     mTimeline = new Timeline(editor, show);
     mPanel = new Panel(editor, *mOverlay);
@@ -48,9 +50,7 @@ Window::Window(Show& show, Editor& editor, ScriptFile& file)
     const display::WindowMode& mode = show.getDisplay().mWindowMode;
     setScale(mode.height >= 1300 ? 2.0f : 1.0f);
     layout();
-    mTimeline->fit();
-    followDocument();
-    offerRecovery();
+    openScript(show.getEdited());
 }
 
 Window::~Window() = default;
@@ -66,15 +66,8 @@ std::string Window::getMessage() const {
 
 // Layout. The picture is at the upper right in the shape of the show, the panel to the left of it.
 
-void Window::setScale(float scale) {
-    mScale = std::clamp(scale, 0.5f, 3.0f);
-    onResize(0, 0);
-}
-
 void Window::layout() {
-    const display::WindowMode& mode = mShow.getDisplay().mWindowMode;
-    const float width = std::floor(float(mode.width) / mScale),
-                height = std::floor(float(mode.height) / mScale);
+    const float width = getSize().x, height = getSize().y;
     const float top = std::floor(height * 0.46f);
     const Box2 all(0, 0, width, height);
     if (!(mWorkspace.getArea() == all))
@@ -100,6 +93,11 @@ Box2 Window::getPictureBox() const {
     Box2 room(Panel::WIDTH, 0, all.x2, mBar->mArea.world.y1);
     if (mPictureAlone)
         room = all;
+    if (mPreview) { // where the player has it
+        const display::WindowMode& mode = mShow.getDisplay().mWindowMode;
+        return Box2(float(mode.width - (mode.width >> 1)) / getScale(), 0, float(mode.width) / getScale(),
+                    float(mode.height >> 1) / getScale());
+    }
     float width = room.getWidth(), height = width / mShow.getAspect();
     if (height > room.getHeight()) {
         height = room.getHeight();
@@ -119,6 +117,8 @@ void Window::onResize(int, int) {
 
 void Window::onDraw() {
     const double start = seconds();
+    if (mPreview && !mPreview->isShown())
+        togglePreview();
     pollFiles();
     layout();
     mShow.update();
@@ -129,21 +129,16 @@ void Window::onDraw() {
     showTitle();
     const Box2 box = getPictureBox();
     const double beforePicture = seconds();
-    const display::WindowMode& mode = mShow.getDisplay().mWindowMode;
-    mShow.draw(Box2(std::floor(box.x1 * mScale), std::floor(box.y1 * mScale), std::floor(box.x2 * mScale),
-                    std::floor(box.y2 * mScale)));
+    const float scale = getScale();
+    mShow.draw(Box2(std::floor(box.x1 * scale), std::floor(box.y1 * scale), std::floor(box.x2 * scale),
+                    std::floor(box.y2 * scale)));
     GL_CALL(glFinish()); // what the show draws is not the studio's
     const double afterPicture = seconds();
-
-    panorama::Render& render = mWorkspace.mRender;
-    const Vector2f size(std::floor(float(mode.width) / mScale), std::floor(float(mode.height) / mScale));
-    render.setupDraw(size, Vector2f(0, 0), 0);
-    GL_CALL(glViewport(0, 0, GLsizei(size.x * mScale), GLsizei(size.y * mScale)));
-    GL_CALL(glEnable(GL_BLEND));
+    beginDraw();
     drawPictureGround();
-    mWorkspace.draw();
-    render.flush();
-    GL_CALL(glViewport(0, 0, mode.width, mode.height));
+    if (!mPreview)
+        mWorkspace.draw();
+    endDraw();
     GL_CALL(glFinish());
     mOwnTime = seconds() - afterPicture + beforePicture - start;
 }
@@ -178,13 +173,13 @@ std::vector<std::string> Window::getErrors() const {
                 lines.push_back(line);
     };
     if (!mScriptError.empty())
-        add(mFile.getName() + ": " + mScriptError);
+        add(mFile->getName() + ": " + mScriptError);
     for (const auto& [name, error] : mFileErrors)
         add(name + ": " + error);
     for (const Show::Failure& failure : mShow.getFailures())
-        add("effect " + failure.where + ": " + failure.text);
+        add(failure.where + ": " + failure.text);
     for (const Document::Problem& problem : mEditor.getDocument().getProblems())
-        add(mFile.getName() + ":" + std::to_string(problem.line) + ": " + problem.text);
+        add(mFile->getName() + ":" + std::to_string(problem.line) + ": " + problem.text);
     return lines;
 }
 
@@ -209,7 +204,7 @@ void Window::drawErrors() {
 
 // The title tells of unsaved work.
 void Window::showTitle() {
-    const std::string title = mFile.getName() + (mEditor.isSaved() ? "" : " *") + " - Zentrak studio";
+    const std::string title = mFile->getName() + (mEditor.isSaved() ? "" : " *") + " - Zentrak studio";
     if (title == mTitle)
         return;
     mTitle = title;
@@ -226,76 +221,149 @@ void Window::followDocument() {
 
 // Files
 
-void Window::offerRecovery() {
-    const std::optional<std::string> unsaved = mFile.readUnsaved();
-    if (!unsaved)
-        return;
-    if (*unsaved == mEditor.getDocument().getText()) {
-        mFile.dropUnsaved();
+void Window::openScript(size_t script) {
+    mShow.edit(script);
+    mFile = std::make_unique<ScriptFile>(mShow.getScriptFolder(), mShow.getScripts()[script]);
+    mEditor.open(EMPTY_SCRIPT);
+    mScriptError.clear();
+    mPlayedVersion = 0;
+    mKeptVersion = mEditor.getDocument().getVersion();
+    mWaiting = false;
+    const std::optional<std::string> text = mFile->read();
+    if (!text) {
+        say(mFile->getName() + " does not exist yet: Ctrl+S makes it");
+    } else if (text->find_first_not_of(" \t\r\n") == std::string::npos) {
+        mEditor.setSavedText(*text);
+    } else {
+        try {
+            mEditor.open(*text);
+        } catch (const Exception& exception) {
+            mScriptError = exception.what();
+        }
+    }
+    followDocument();
+    mTimeline->fit();
+    if (mScriptError.empty())
+        offerRecovery();
+    else
+        waitForScript();
+}
+
+// Takes over other text than the file's, as a step that can be undone.
+void Window::startFrom(const std::string& text, const std::string& label) {
+    try {
+        mEditor.replace(text, label);
+    } catch (const Exception& exception) {
+        say(std::string("It can't be read: ") + exception.what());
         return;
     }
-    mAskedRecovery = true;
-    const std::string& text = *unsaved;
+    if (mWaiting) // a save replaces the broken file, which becomes the backup
+        mEditor.setSavedText(mFile->read().value_or(""));
+    mWaiting = false;
+    mScriptError.clear();
+    say("Ctrl+S saves it as " + mFile->getName());
+}
+
+// A script that can't be read when it is opened stands as a question until it is mended.
+void Window::waitForScript() {
+    mWaiting = true;
+    const std::optional<std::string> orphan = mFile->takeOrphan(), backup = mFile->readBackup();
+    std::vector<DialogButton> buttons;
+    if (orphan)
+        buttons.push_back({"Unsaved work", [this, orphan] {
+                               startFrom(*orphan, "Restore");
+                               keepUnsaved();
+                               mFile->dropOrphan();
+                           }});
+    if (backup)
+        buttons.push_back({"Backup", [this, backup] { startFrom(*backup, "Open the backup"); }});
+    buttons.push_back({"Leave", [this] { quit(); }});
+    std::vector<std::string> lines = {
+        mScriptError, "", "Mend it with a text editor: as soon as it is saved, it is opened here."};
+    if (orphan)
+        lines.push_back("Or go on with the work that the studio had not saved when it ended.");
+    if (backup)
+        lines.push_back("Or go on with " + mFile->getName() + ".bak, the script before the last save.");
+    mOverlay->openDialog(mFile->getName() + " can't be read", std::move(lines), std::move(buttons));
+}
+
+void Window::offerRecovery() {
+    const std::optional<std::string> orphan = mFile->takeOrphan();
+    if (!orphan)
+        return;
+    if (*orphan == mEditor.getDocument().getText() || orphan->empty()) {
+        mFile->dropOrphan();
+        offerRecovery();
+        return;
+    }
     mOverlay->openDialog("There is work that was not saved",
-                         {"The studio ended the last time before " + mFile.getName() + " was saved.",
+                         {"The studio ended the last time before " + mFile->getName() + " was saved.",
                           "Restored, it is one step that can be undone, and not saved yet."},
                          {{"Restore",
-                           [this, text] {
-                               mAskedRecovery = false;
-                               try {
-                                   mEditor.replace(text, "Restore");
-                                   say("Restored: Ctrl+S saves it");
-                               } catch (const Exception& exception) {
-                                   say(std::string("It can't be restored: ") + exception.what());
-                               }
+                           [this, orphan] {
+                               startFrom(*orphan, "Restore");
+                               keepUnsaved();
+                               mFile->dropOrphan();
+                               offerRecovery();
                            }},
                           {"Throw away", [this] {
-                               mAskedRecovery = false;
-                               mFile.dropUnsaved();
+                               mFile->dropOrphan();
+                               offerRecovery();
                            }}});
 }
 
 // After each edit, and not in the middle of a gesture.
 void Window::keepUnsaved() {
     const uint32_t version = mEditor.getDocument().getVersion();
-    if (version == mKeptVersion || mEditor.inGesture() || mAskedRecovery)
+    if (version == mKeptVersion || mEditor.inGesture())
         return;
     mKeptVersion = version;
     if (mEditor.isSaved())
-        mFile.dropUnsaved();
-    else if (!mFile.keepUnsaved(mEditor.getDocument().getText()))
+        mFile->dropUnsaved();
+    else if (!mFile->keepUnsaved(mEditor.getDocument().getText()))
         say("Unsaved work can't be kept beside the script");
+}
+
+// Of several in the setup file.
+void Window::chooseScript() {
+    const std::vector<std::string>& scripts = mShow.getScripts();
+    std::vector<MenuItem> items;
+    for (size_t i = 0; i < scripts.size(); ++i)
+        items.push_back({scripts[i], i == mShow.getEdited() ? "is open" : "",
+                         [this, i] { askToSave("you open another", [this, i] { openScript(i); }); },
+                         i != mShow.getEdited()});
+    mOverlay->openMenu(Vector2f(12, 44), std::move(items));
 }
 
 void Window::save() {
     mPanel->leaveKeys();
     if (write(false))
-        say("Saved " + mFile.getName());
+        say("Saved " + mFile->getName());
 }
 
 // Whether it is written. Asks where the file has changed meanwhile.
 bool Window::write(bool overwrite) {
     mEditor.endGesture();
     const std::string text = mEditor.getDocument().getText();
-    switch (mFile.save(text, mEditor.getSavedText(), overwrite)) {
+    switch (mFile->save(text, mEditor.getSavedText(), overwrite)) {
     case ScriptFile::Saved::YES:
         mEditor.setSavedText(text);
         mScriptError.clear();
-        mFile.dropUnsaved();
+        mFile->dropUnsaved();
         mKeptVersion = mEditor.getDocument().getVersion();
         return true;
     case ScriptFile::Saved::CHANGED_ON_DISK:
-        mOverlay->openDialog(mFile.getName() + " has changed on disk",
+        mOverlay->openDialog(mFile->getName() + " has changed on disk",
                              {"Somebody else has written it since it was read here.",
-                              "Overwritten, theirs is kept as " + mFile.getName() + ".bak."},
+                              "Overwritten, theirs is kept as " + mFile->getName() + ".bak."},
                              {{"Overwrite",
                                [this] {
                                    if (write(true))
-                                       say("Saved " + mFile.getName());
+                                       say("Saved " + mFile->getName());
                                }},
                               {"Load theirs",
                                [this] {
-                                   if (const std::optional<std::string> theirs = mFile.read()) {
+                                   if (const std::optional<std::string> theirs = mFile->read()) {
                                        mEditor.replace(*theirs, "Load");
                                        mEditor.setSavedText(*theirs);
                                    }
@@ -303,7 +371,7 @@ bool Window::write(bool overwrite) {
                               {"Cancel", nullptr}});
         return false;
     case ScriptFile::Saved::FAILED:
-        mOverlay->openDialog("It could not be saved", {mFile.getPath() + " is as it was."},
+        mOverlay->openDialog("It could not be saved", {mFile->getPath() + " is as it was."},
                              {{"Close", nullptr}});
         return false;
     }
@@ -317,17 +385,21 @@ void Window::pollFiles() {
     std::vector<std::string> changed = mWatch.poll();
     if (changed.empty())
         return;
+    bool any = false; // of what the player's editor may be made of
     for (const std::string& name : changed) {
-        if (name == mFile.getName() || "./" + name == mFile.getPath() || name == mFile.getPath())
+        any = any || name.ends_with(".xml");
+        if (name == mFile->getName() || "./" + name == mFile->getPath() || name == mFile->getPath())
             checkScript();
         else if (name.ends_with(".xml"))
             checkFile(name);
     }
     mShow.reload(changed);
+    if (mPreview && any)
+        loadPreview();
 }
 
 void Window::checkScript() {
-    const std::optional<std::string> text = mFile.read();
+    const std::optional<std::string> text = mFile->read();
     if (!text || *text == mEditor.getSavedText()) {
         mScriptError.clear();
         return;
@@ -336,6 +408,13 @@ void Window::checkScript() {
         Document().load(*text);
     } catch (const Exception& exception) {
         mScriptError = exception.what();
+        if (mWaiting)
+            waitForScript(); // with the new error
+        return;
+    }
+    if (mWaiting) {
+        mOverlay->close();
+        openScript(mShow.getEdited());
         return;
     }
     mScriptError.clear();
@@ -345,7 +424,7 @@ void Window::checkScript() {
         mTimeline->cancelDrag();
         mEditor.replace(*text, "Load");
         mEditor.setSavedText(*text);
-        say(mFile.getName() + " has changed on disk, and is loaded");
+        say(mFile->getName() + " has changed on disk, and is loaded");
     } else {
         askAboutDisk(*text);
     }
@@ -354,7 +433,7 @@ void Window::checkScript() {
 void Window::askAboutDisk(const std::string& text) {
     mTimeline->cancelDrag();
     mOverlay->openDialog(
-        mFile.getName() + " has changed on disk",
+        mFile->getName() + " has changed on disk",
         {"There is unsaved work here. Loaded, theirs takes its place; undo brings yours back.",
          "Kept, yours overwrites theirs at the next save."},
         {{"Load theirs",
@@ -371,54 +450,85 @@ void Window::checkFile(const std::string& name) {
     const std::string text((std::istreambuf_iterator<char>(stream)), std::istreambuf_iterator<char>());
     if (!stream)
         return;
+    xml::XmlParser parser;
     try {
-        xml::XmlParser().parse(text);
+        parser.parse(text);
     } catch (const std::exception& exception) {
         mFileErrors[name] = exception.what();
+        return;
     }
+    if (parser.getName() == "panorama" && !mPreview)
+        say(name + " has changed: F9 shows the player's editor");
+}
+
+// The player's editor, for those who change its layout and style.
+
+void Window::togglePreview() {
+    if (mPreview) {
+        mPreview.reset();
+        mFileErrors.erase(PREVIEW);
+    } else {
+        loadPreview();
+    }
+}
+
+// What can't be loaded leaves the one that is shown.
+void Window::loadPreview() {
+    mFileErrors.erase(PREVIEW);
+    try {
+        mPreview = std::make_unique<Preview>(mShow.getDisplay(), mEditor.getDocument(), mShow.getLength());
+    } catch (const std::exception& exception) {
+        mFileErrors[PREVIEW] = exception.what();
+    }
+}
+
+void Window::askToSave(const std::string& before, const std::function<void()>& then) {
+    if (mEditor.isSaved()) {
+        then();
+        return;
+    }
+    mOverlay->openDialog("Save " + mFile->getName() + " before " + before + "?",
+                         {"It has changes that are not saved."},
+                         {{"Save",
+                           [this, then] {
+                               if (write(false))
+                                   then();
+                           }},
+                          {"Don't save",
+                           [this, then] {
+                               mFile->dropUnsaved();
+                               then();
+                           }},
+                          {"Cancel", nullptr}});
 }
 
 int Window::onQuit() {
     mPanel->leaveKeys();
     if (mEditor.isSaved() || mQuitting) {
-        if (!mAskedRecovery)
-            mFile.dropUnsaved();
+        mFile->dropUnsaved();
         return WHATEVER;
     }
-    mOverlay->openDialog("Save " + mFile.getName() + " before you leave?",
-                         {"It has changes that are not saved."},
-                         {{"Save",
-                           [this] {
-                               if (write(false))
-                                   quit();
-                           }},
-                          {"Don't save",
-                           [this] {
-                               mQuitting = true;
-                               quit();
-                           }},
-                          {"Cancel", nullptr}});
+    askToSave("you leave", [this] {
+        mQuitting = true;
+        quit();
+    });
     return BLOCK;
 }
 
-// Input. Positions are of the interface's pixels from here on.
+// Input
 
-template <class EventType>
-EventType Window::scaled(EventType event) const {
-    event.mousePos = event.mousePos * (1 / mScale);
-    if constexpr (requires { event.mouseDelta; })
-        event.mouseDelta = event.mouseDelta * (1 / mScale);
-    return event;
+// A menu or a question takes all of it; keys are commands unless a field has them.
+int Window::dispatch(panorama::Event& event) {
+    if (mPreview)
+        return 0;
+    if (mOverlay->isOpen())
+        return mOverlay->handleEvent(event);
+    if (event.type == "mousedown" && !contains(mPanel->getAreaWorld(), event.mousePos))
+        mPanel->leaveKeys();
+    return event.isKey() && !mPanel->hasKeys() ? 0 : Panorama::dispatch(event);
 }
 
 namespace {
-
-panorama::Event makeEvent(const display::Event& source, const char* type) {
-    panorama::Event event;
-    static_cast<display::Event&>(event) = source;
-    event.type = type;
-    return event;
-}
 
 // Keys that a field for text leaves to the program.
 bool isForEveryone(const display::KeyEvent& event) {
@@ -431,68 +541,26 @@ bool isForEveryone(const display::KeyEvent& event) {
 
 } // namespace
 
-int Window::onMouseDown(const display::MouseButtonEvent& source) {
-    const display::MouseButtonEvent here = scaled(source);
-    panorama::Event event = makeEvent(here, "mousedown");
-    event.button = here.button;
-    event.doubleClick = here.doubleClick;
-    if (mOverlay->isOpen())
-        return mOverlay->handleEvent(event) ? BLOCK : WHATEVER;
-    if (!contains(mPanel->getAreaWorld(), here.mousePos))
-        mPanel->leaveKeys();
-    return Panorama::onMouseDown(here);
-}
-
-int Window::onMouseUp(const display::MouseButtonEvent& source) {
-    const display::MouseButtonEvent here = scaled(source);
-    panorama::Event event = makeEvent(here, "mouseup");
-    event.button = here.button;
-    if (mOverlay->isOpen())
-        return mOverlay->handleEvent(event) ? BLOCK : WHATEVER;
-    return Panorama::onMouseUp(here);
-}
-
-int Window::onMouseMove(const display::MouseMoveEvent& source) {
-    const display::MouseMoveEvent here = scaled(source);
-    panorama::Event event = makeEvent(here, "mousemove");
-    if (mOverlay->isOpen())
-        mOverlay->handleEvent(event);
-    else
-        Panorama::onMouseMove(here);
-    return WHATEVER;
-}
-
-int Window::onMouseWheel(const display::MouseMoveEvent& source) {
-    const display::MouseMoveEvent here = scaled(source);
-    if (!mOverlay->isOpen())
-        return Panorama::onMouseWheel(here);
-    panorama::Event event = makeEvent(here, "mousewheel");
-    event.wheelDelta = here.mouseDeltaWheel;
-    return mOverlay->handleEvent(event) ? BLOCK : WHATEVER;
-}
-
 int Window::onKeyUp(const display::KeyEvent& source) {
     mKeyWasCommand = false;
-    return mPanel->hasKeys() ? Panorama::onKeyUp(source) : int(WHATEVER);
+    return Panorama::onKeyUp(source);
 }
 
 int Window::onCharDown(const display::CharEvent& source) {
-    if (mKeyWasCommand)
-        return BLOCK;
-    if (!mOverlay->isOpen())
-        return mPanel->hasKeys() ? Panorama::onCharDown(source) : int(WHATEVER);
-    panorama::Event event = makeEvent(scaled(source), "keychardown");
-    event.character = source.key;
-    return mOverlay->handleEvent(event) ? BLOCK : WHATEVER;
+    return mKeyWasCommand ? int(BLOCK) : Panorama::onCharDown(source);
 }
 
 int Window::onKeyDown(const display::KeyEvent& source) {
     mKeyWasCommand = false;
-    if (mOverlay->isOpen()) {
-        panorama::Event event = makeEvent(scaled(source), "keydown");
-        event.key = source.key;
-        return mOverlay->handleEvent(event) ? BLOCK : WHATEVER;
+    if (mPreview) {
+        if (source.key == display::KEY_F9 || source.key == display::KEY_ESC)
+            togglePreview();
+        else if (source.key == display::KEY_SPACE)
+            togglePlay();
+        return BLOCK;
     }
+    if (mOverlay->isOpen())
+        return Panorama::onKeyDown(source);
     const bool panel = mPanel->hasKeys();
     if (panel && !isForEveryone(source) && Panorama::onKeyDown(source))
         return BLOCK;

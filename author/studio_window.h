@@ -6,6 +6,7 @@
 #include "studio_files.h"
 #include "studio_overlay.h"
 #include "studio_panel.h"
+#include "studio_preview.h"
 #include "studio_show.h"
 #include "studio_timeline.h"
 
@@ -44,8 +45,9 @@ private:
 
 class Window : public panorama::Panorama {
 public:
-    // All of it has to outlive the window, and the show to be open.
-    Window(Show& show, Editor& editor, ScriptFile& file);
+    // Opens the script that the show edits; a broken one is waited for. Both have to outlive the window, and
+    // the show to be open.
+    Window(Show& show, Editor& editor);
     ~Window() override;
 
     Editor& getEditor() { return mEditor; }
@@ -54,17 +56,11 @@ public:
     Panel& getPanel() { return *mPanel; }
     Overlay& getOverlay() { return *mOverlay; }
     Bar& getBar() { return *mBar; }
-    float getScale() const { return mScale; }      // pixels of the window in one of the interface
-    void setScale(float scale);                    // 0.5 to 3
     std::string getMessage() const;                // what was said a moment ago, or nothing
     std::vector<std::string> getErrors() const;    // lines that stand on the picture
     double getOwnTime() const { return mOwnTime; } // seconds of the last frame that were the studio's
     void setWatching(bool on) { mWatching = on; }
 
-    int onMouseUp(const display::MouseButtonEvent& event) override;
-    int onMouseDown(const display::MouseButtonEvent& event) override;
-    int onMouseMove(const display::MouseMoveEvent& event) override;
-    int onMouseWheel(const display::MouseMoveEvent& event) override;
     int onKeyDown(const display::KeyEvent& event) override;
     int onKeyUp(const display::KeyEvent& event) override;
     int onCharDown(const display::CharEvent& event) override;
@@ -74,6 +70,8 @@ public:
 
     // Commands, each with its key (studio_keys.cpp).
     void help();
+    void chooseScript();
+    void togglePreview();
     void save();
     void quit();
     void undo();
@@ -111,8 +109,11 @@ public:
     void zoomIn() { mTimeline->zoom(1.5, mTimeline->toX(mShow.getTime())); }
     void zoomOut() { mTimeline->zoom(1 / 1.5, mTimeline->toX(mShow.getTime())); }
     void fit() { mTimeline->fit(); }
-    void larger() { setScale(mScale + 0.25f); }
-    void smaller() { setScale(mScale - 0.25f); }
+    void larger() { setScale(std::min(3.0f, getScale() + 0.25f)); }
+    void smaller() { setScale(std::max(0.5f, getScale() - 0.25f)); }
+
+protected:
+    int dispatch(panorama::Event& event) override;
 
 private:
     struct Command {
@@ -125,7 +126,7 @@ private:
 
     Show& mShow;
     Editor& mEditor;
-    ScriptFile& mFile;
+    std::unique_ptr<ScriptFile> mFile;
     FolderWatch mWatch;
     bool mWatching = true;
     double mLastPoll = 0;
@@ -133,11 +134,11 @@ private:
     Panel* mPanel;
     Bar* mBar;
     Overlay* mOverlay;
-    float mScale = 1;
     bool mPictureAlone = false;
     bool mQuitting = false;
     bool mKeyWasCommand = false; // the key that is down was: the character that it types is not text
-    bool mAskedRecovery = false; // the question is open: what was kept stays
+    bool mWaiting = false;       // the script was broken when it was opened: for it to be mended
+    std::unique_ptr<Preview> mPreview;
     uint32_t mPlayedVersion = 0; // of the document, as the show has it
     uint32_t mKeptVersion = 0;   // as the recovery file has it
     std::string mTitle;
@@ -156,12 +157,17 @@ private:
     void drawPictureGround();
     void drawErrors();
     void showTitle();
+    void openScript(size_t script);
+    void startFrom(const std::string& text, const std::string& label);
+    void waitForScript();
     void offerRecovery();
     void keepUnsaved();
     void pollFiles();
     void checkScript();
     void checkFile(const std::string& name);
+    void loadPreview();
     void askAboutDisk(const std::string& text);
+    void askToSave(const std::string& before, const std::function<void()>& then);
     bool write(bool overwrite);
     void seekBookmark(int direction);
     void openMenu(Vector2f place, int element, double time, double value);
@@ -175,8 +181,6 @@ private:
     void insertSection(int before);
     void insertBookmark(double time);
     void followDocument();
-    template <class EventType>
-    EventType scaled(EventType event) const;
 };
 
 } // namespace zentrak::studio

@@ -29,6 +29,12 @@ public:
     explicit Panorama(display::DisplayGL* display);
     ~Panorama() override;
 
+    // Pixels of the window in one of the interface, 0.25 to 4; 1 at first. All that controls know is in
+    // pixels of the interface.
+    void setScale(float scale);
+    float getScale() const { return mScale; }
+    mathbase::Vector2f getSize() const; // of the window, in whole pixels of the interface
+
     // Reads a layout file, and the style files that it names, through the display's archives; what was there
     // stays. Throws "Could not find the file '%s'.", and what the XML parser throws.
     void load(std::string filename);
@@ -47,7 +53,16 @@ public:
     void onResize(int oldWidth, int oldHeight) override;
     void onDraw() override;
 
+protected:
+    // Every event goes through here, with the mouse in pixels of the interface: to the workspace. 1 for a
+    // hit.
+    virtual int dispatch(Event& event);
+    void beginDraw(); // what is drawn with the workspace's Render is in pixels of the interface until endDraw
+    void endDraw();
+
 private:
+    float mScale = 1;
+
     int send(Event& event, const display::Event& source, const char* type);
 };
 

@@ -111,12 +111,27 @@ void Panorama::addControl(Control* control) {
     mWorkspace.addControl(control, -1);
 }
 
+void Panorama::setScale(float scale) {
+    mScale = std::clamp(scale, 0.25f, 4.0f);
+    onResize(0, 0);
+}
+
+Vector2f Panorama::getSize() const {
+    const display::WindowMode& mode = mWorkspace.mDisplay->mWindowMode;
+    return Vector2f(std::floor(float(mode.width) / mScale), std::floor(float(mode.height) / mScale));
+}
+
 int Panorama::send(Event& event, const display::Event& source, const char* type) {
     static_cast<display::Event&>(event) = source;
     event.type = type;
-    event.mousePos += mViewOffset;
+    event.mousePos = event.mousePos * (1 / mScale) + mViewOffset;
+    event.mouseDelta = event.mouseDelta * (1 / mScale);
     if (mWorkspace.mDisplay)
         mWorkspace.mDisplay->setDirty(true);
+    return dispatch(event);
+}
+
+int Panorama::dispatch(Event& event) {
     return mWorkspace.handleEvent(event);
 }
 
@@ -183,24 +198,39 @@ int Panorama::onCharUp(const display::CharEvent& source) {
 void Panorama::onResize(int, int) {
     if (!mWorkspace.mDisplay)
         return;
-    const display::WindowMode& mode = mWorkspace.mDisplay->mWindowMode;
-    mWorkspace.setArea(Box2(0, 0, float(mode.width), float(mode.height)));
+    const Vector2f size = getSize();
+    mWorkspace.setArea(Box2(0, 0, size.x, size.y));
     mWorkspace.setMaximized(mWorkspace.getMaximized());
+}
+
+// A window that is no whole number of the interface's pixels keeps a rest at the right and below.
+void Panorama::beginDraw() {
+    const Vector2f size = getSize();
+    mWorkspace.mRender.setupDraw(size, mViewOffset, 0);
+    if (mScale != 1) {
+        const int height = mWorkspace.mDisplay->mWindowMode.height, used = int(size.y * mScale);
+        GL_CALL(glViewport(0, height - used, int(size.x * mScale), used));
+    }
+    GL_CALL(glEnable(GL_BLEND));
+}
+
+void Panorama::endDraw() {
+    mWorkspace.mRender.flush();
+    const display::WindowMode& mode = mWorkspace.mDisplay->mWindowMode;
+    if (mScale != 1)
+        GL_CALL(glViewport(0, 0, mode.width, mode.height));
 }
 
 void Panorama::onDraw() {
     if (!mWorkspace.mDisplay)
         return;
-    const display::WindowMode& mode = mWorkspace.mDisplay->mWindowMode;
-    Render& render = mWorkspace.mRender;
-    render.setupDraw(Vector2f(float(mode.width), float(mode.height)), mViewOffset, 0);
-    GL_CALL(glEnable(GL_BLEND));
+    beginDraw();
     for (const Ground& ground : mGround) {
-        render.setColor(ground.color, ground.color);
-        render.drawBox(shifted(ground.box, mViewOffset), 0);
+        mWorkspace.mRender.setColor(ground.color, ground.color);
+        mWorkspace.mRender.drawBox(shifted(ground.box, mViewOffset), 0);
     }
     mWorkspace.draw();
-    render.flush();
+    endDraw();
 }
 
 } // namespace zentrak::panorama

@@ -50,11 +50,9 @@ studio::Window& StudioTest::window() {
         mHere = std::make_unique<WorkingDir>(mDir.path());
     mShow = std::make_unique<studio::Show>();
     mShow->setup();
-    mFile = std::make_unique<studio::ScriptFile>(mShow->getScriptFolder(), mShow->getScriptName());
     mEditor = std::make_unique<studio::Editor>();
-    mEditor->open(*mFile->read());
     mShow->open(mWidth, mHeight, "Studio");
-    mWindow = std::make_unique<studio::Window>(*mShow, *mEditor, *mFile);
+    mWindow = std::make_unique<studio::Window>(*mShow, *mEditor);
     mShow->getDisplay().update();
     mViewer =
         std::make_unique<Viewer>("script.xml - Zentrak studio", [this] { mShow->getDisplay().update(); });
@@ -71,7 +69,6 @@ void StudioTest::killed() {
     mViewer.reset();
     mWindow.reset();
     mEditor.reset();
-    mFile.reset();
     mShow.reset();
 }
 

@@ -60,7 +60,6 @@ private:
     TempDir mDir;
     std::unique_ptr<WorkingDir> mHere;
     std::unique_ptr<studio::Show> mShow;
-    std::unique_ptr<studio::ScriptFile> mFile;
     std::unique_ptr<studio::Editor> mEditor;
     std::unique_ptr<studio::Window> mWindow;
     std::unique_ptr<Viewer> mViewer;
