@@ -698,6 +698,17 @@ std::optional<double> parseNumber(std::string_view text) {
     return number;
 }
 
+std::optional<TypedTime> parseTime(std::string_view text, const Tempo& tempo) {
+    text = trimmed(text);
+    for (const std::string_view unit : {"bars", "bar", "b"})
+        if (text.ends_with(unit)) {
+            const std::optional<double> bars = parseNumber(text.substr(0, text.size() - unit.size()));
+            return bars ? std::optional(TypedTime{*bars * tempo.getBar(), true}) : std::nullopt;
+        }
+    const std::optional<double> seconds = parseNumber(text);
+    return seconds ? std::optional(TypedTime{*seconds, false}) : std::nullopt;
+}
+
 std::string toComment(std::string_view text) {
     std::string clean = withoutLineEnds(trimmed(text));
     for (size_t i; (i = clean.find("--")) != std::string::npos;)

@@ -142,6 +142,12 @@ Document::Change changeAttribute(std::string_view text, size_t from, size_t to, 
 std::string formatNumber(double number);
 // The whole text as a finite number, a comma being a point; none otherwise.
 std::optional<double> parseNumber(std::string_view text);
+// A time as a person types it: in seconds, or with "b", "bar" or "bars" after it in bars.
+struct TypedTime {
+    double seconds;
+    bool inBars;
+};
+std::optional<TypedTime> parseTime(std::string_view text, const Tempo& tempo);
 
 // A text for a comment, without what would end it; never empty.
 std::string toComment(std::string_view text);

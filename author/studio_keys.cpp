@@ -59,6 +59,7 @@ const std::vector<Window::Command>& Window::getCommands() {
         {KEY_MINUS, 0, "", "", &W::zoomOut},
         {KEY_KP_SUBTRACT, 0, "", "", &W::zoomOut},
         {KEY_0, CTRL, "", "", &W::fit},
+        {KEY_z, 0, "Z", "zoom to the selection", &W::zoomToSelection},
         {KEY_EQUALS, CTRL, "Ctrl and +, -", "a larger, a smaller interface", &W::larger},
         {KEY_EQUALS, CTRL | SHIFT, "", "", &W::larger},
         {KEY_PLUS, CTRL, "", "", &W::larger},
@@ -143,7 +144,7 @@ void Window::playFromMouse() {
 
 void Window::goToStart() {
     mShow.seek(0);
-    mTimeline->mScrollTime = 0;
+    mTimeline->mScrollTime = -10 / mTimeline->mScale;
 }
 
 void Window::goToEnd() {
@@ -215,7 +216,7 @@ void Window::addSection() {
 
 void Window::split() {
     const size_t before = mEditor.getUndoCount();
-    mEditor.split(mShow.getTime());
+    mEditor.split(mTimeline->makeSnap(false)(mShow.getTime()));
     if (mEditor.getUndoCount() == before)
         say("No selected span covers the time now");
 }
@@ -282,19 +283,31 @@ void Window::toggleEnabled() {
     mEditor.toggleEnabled();
 }
 
-// Over what is selected in time.
-void Window::toggleLoop() {
+// What the selected spans cover; none without any.
+std::optional<std::pair<double, double>> Window::getSelectedTime() const {
     const Document& document = mEditor.getDocument();
-    double from = 1e9, to = -1e9;
+    std::pair<double, double> range(1e9, -1e9);
     for (const int index : mEditor.getSelected(Kind::SPAN)) {
         const double origin = document.getOrigin(index);
-        from = std::min(from, origin + double(document[index].start));
-        to = std::max(to, origin + double(document[index].end));
+        range.first = std::min(range.first, std::max(0.0, origin + double(document[index].start)));
+        range.second = std::max(range.second, origin + double(document[index].end));
     }
+    return range.second > range.first ? std::optional(range) : std::nullopt;
+}
+
+void Window::zoomToSelection() {
+    if (const auto range = getSelectedTime())
+        mTimeline->show(range->first, range->second);
+    else
+        say("No span is selected");
+}
+
+void Window::toggleLoop() {
+    const Document& document = mEditor.getDocument();
     if (mShow.getLoop()) {
         mShow.setLoop(std::nullopt);
-    } else if (to > from) {
-        mShow.setLoop(std::pair(std::max(0.0, from), to));
+    } else if (const auto range = getSelectedTime()) {
+        mShow.setLoop(range);
     } else {
         const double bar = document.getTempo().getBar(), start = double(document.getTempo().start);
         const double first = std::max(0.0, start + std::floor((mShow.getTime() - start) / bar) * bar);
@@ -319,7 +332,14 @@ void Window::toggleOpen() {
 // Menus
 
 void Window::openAddMenu() {
-    const std::vector<int> spans = mEditor.getSelected(Kind::SPAN);
+    // To the span that is selected, or that holds what is selected.
+    std::vector<int> spans;
+    for (int index : mEditor.getSelected()) {
+        while (index > 0 && mEditor.getDocument()[index].kind != Kind::SPAN)
+            index = mEditor.getDocument()[index].parent;
+        if (index > 0 && (spans.empty() || spans.back() != index))
+            spans.push_back(index);
+    }
     const Box2 axis = mTimeline->getAxis();
     const Vector2f place(std::clamp(mTimeline->toX(mShow.getTime()), axis.x1, axis.x2 - 200), axis.y1 + 20);
     const double time = mTimeline->makeSnap(false)(mShow.getTime());
@@ -330,7 +350,7 @@ void Window::openAddMenu() {
     std::vector<MenuItem> items;
     addSpanItems(items, place, spans[0], time);
     items.push_back({"Effect...", "", [this, place, time] { openEffectMenu(place, 0, time); }});
-    mOverlay->openMenu(place, std::move(items));
+    mOverlay->openMenu(place, std::move(items), "Add to " + mEditor.getDocument()[spans[0]].name);
 }
 
 void Window::openMenu(Vector2f place, int element, double time, double value) {
@@ -449,7 +469,7 @@ void Window::openEffectMenu(Vector2f place, int parent, double time) {
             {names.name, "", [add, curves, name = std::string(names.name)] { add(name, curves); }});
     }
     items.push_back({"(group)", "", [add] { add("group", {}); }});
-    mOverlay->openMenu(place, std::move(items));
+    mOverlay->openMenu(place, std::move(items), "Effect: type or choose");
 }
 
 void Window::openTriggerMenu(Vector2f place, int span, double time) {
@@ -474,7 +494,7 @@ void Window::openTriggerMenu(Vector2f place, int span, double time) {
     }
     if (items.empty())
         items.push_back({"This effect knows no triggers", "", nullptr, false});
-    mOverlay->openMenu(place, std::move(items));
+    mOverlay->openMenu(place, std::move(items), "Trigger of " + mEditor.getDocument()[span].name);
 }
 
 void Window::openCurveMenu(Vector2f place, int span) {
@@ -497,7 +517,7 @@ void Window::openCurveMenu(Vector2f place, int span) {
     }
     if (items.empty())
         items.push_back({"This effect knows no curves", "", nullptr, false});
-    mOverlay->openMenu(place, std::move(items));
+    mOverlay->openMenu(place, std::move(items), "Curve of " + mEditor.getDocument()[span].name);
 }
 
 } // namespace zentrak::studio

@@ -32,8 +32,9 @@ panorama::Control* Overlay::clone() {
     return new Overlay;
 }
 
-void Overlay::openMenu(Vector2f place, std::vector<MenuItem> items) {
+void Overlay::openMenu(Vector2f place, std::vector<MenuItem> items, std::string title) {
     mMode = Mode::MENU;
+    mTitle = std::move(title);
     mItems = std::move(items);
     mTyped.clear();
     mFresh = true;
@@ -69,18 +70,22 @@ void Overlay::filter() {
     mRow = mShown.empty() || typed.empty() ? -1 : 0;
 }
 
+float Overlay::getHeadHeight() const {
+    return mTyped.empty() && mTitle.empty() ? 0 : ROW;
+}
+
 size_t Overlay::getRows() const {
     const float room = mArea.world.getHeight() - 2 * MARGIN - ROW;
     return std::min(mShown.size(), size_t(std::max(1.0f, room / ROW)));
 }
 
 Box2 Overlay::getMenuBox() const {
-    float width = 120;
     panorama::Render* const render = const_cast<Overlay*>(this)->getRender();
+    float width = render ? std::max(120.0f, render->getTextLength(mTitle) + 30) : 120;
     for (const MenuItem& item : mItems)
         if (render)
             width = std::max(width, render->getTextLength(item.label) + render->getTextLength(item.key) + 50);
-    const float height = float(getRows()) * ROW + 2 * MARGIN + (mTyped.empty() ? 0 : ROW);
+    const float height = float(getRows()) * ROW + 2 * MARGIN + getHeadHeight();
     const Box2& all = mArea.world;
     const float x = std::max(0.0f, std::min(mPlace.x, all.x2 - width - 2));
     const float y = std::max(0.0f, std::min(mPlace.y, all.y2 - height - 2));
@@ -89,7 +94,7 @@ Box2 Overlay::getMenuBox() const {
 
 Box2 Overlay::getRowBox(size_t shown) const {
     const Box2 menu = getMenuBox();
-    const float y = menu.y1 + MARGIN + (mTyped.empty() ? 0 : ROW) + float(shown - mFirst) * ROW;
+    const float y = menu.y1 + MARGIN + getHeadHeight() + float(shown - mFirst) * ROW;
     return Box2(menu.x1 + 3, y, menu.x2 - 3, y + ROW);
 }
 
@@ -169,8 +174,9 @@ void Overlay::drawMenu(Paint& paint) {
     paint.box(Box2(menu.x1 + 4, menu.y1 + 4, menu.x2 + 4, menu.y2 + 4), Vector4f(0, 0, 0, 0.4f));
     paint.box(menu, color::panel);
     paint.frame(menu, color::faint);
-    if (!mTyped.empty())
-        paint.text(menu.x1 + 12, menu.y1 + MARGIN + ROW / 2, mTyped + "_", color::accent);
+    const bool typed = !mTyped.empty();
+    paint.text(menu.x1 + 12, menu.y1 + MARGIN + ROW / 2 - 1, typed ? mTyped + "_" : mTitle,
+               typed ? color::accent : color::dim);
     for (size_t i = mFirst; i < mFirst + getRows(); ++i) {
         const MenuItem& item = mItems[mShown[i]];
         const Box2 row = getRowBox(i);
@@ -258,6 +264,7 @@ void Overlay::drawHelp(Paint& paint) {
     const float left = std::floor((all.x1 + all.x2 - width * float(columns)) / 2);
     const float line = std::min(20.0f, (all.getHeight() - 20) / float(rows + 1));
     const float top = std::floor((all.y1 + all.y2 - line * float(rows)) / 2);
+    paint.text(left + 208, top - line * 1.5f, "Keys and mouse", color::selected);
     for (size_t i = 0; i < mHelp.size(); ++i) {
         const float x = left + width * float(i / rows), y = top + line * (float(i % rows) + 0.5f);
         paint.textRight(x + 195, y, mHelp[i].first, color::accent);

@@ -30,15 +30,15 @@ public:
     panorama::Control* clone() override; // a plain new one, owned by the caller
 
     // A menu with its corner at a place, moved so that all of it shows. Typing leaves the rows that hold what
-    // was typed.
-    void openMenu(Vector2f place, std::vector<MenuItem> items);
+    // was typed; the title says so, and what is typed takes its place.
+    void openMenu(Vector2f place, std::vector<MenuItem> items, std::string title = "");
     // A question; Return takes the first button, Esc the last.
     void openDialog(std::string title, std::vector<std::string> lines, std::vector<DialogButton> buttons);
     // Columns of a key and what it does.
     void openHelp(std::vector<std::pair<std::string, std::string>> rows);
     bool isOpen() const { return mMode != Mode::NONE; }
     bool isDialog() const { return mMode == Mode::DIALOG; }
-    const std::string& getTitle() const { return mTitle; } // of the question
+    const std::string& getTitle() const { return mTitle; }
     void close() { mMode = Mode::NONE; }
 
     // Where a row of the menu or a button of the question is; empty without. For tests too.
@@ -65,7 +65,8 @@ private:
     std::vector<std::pair<std::string, std::string>> mHelp;
 
     void filter();
-    size_t getRows() const; // that fit
+    float getHeadHeight() const; // of the title, or of what was typed
+    size_t getRows() const;      // that fit
     Box2 getMenuBox() const;
     Box2 getRowBox(size_t shown) const;
     Box2 getDialogBox() const;

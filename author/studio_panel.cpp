@@ -11,7 +11,7 @@ using panorama::Event;
 namespace {
 
 constexpr float LABELS = 78; // pixels before a field
-constexpr float FIELD = 130; // its width
+constexpr float FIELD = 112; // its width
 constexpr float ROW = 25;
 constexpr float TOP = 52;
 
@@ -152,7 +152,7 @@ void Panel::update() {
             continue;
         field.show(mEntries[i].value);
         field.mOnArrow = nullptr;
-        if (mEntries[i].number)
+        if (mEntries[i].type != Entry::TEXT)
             field.mOnArrow = [this, i](int step) { nudge(i, step); };
     }
 }
@@ -164,7 +164,27 @@ void Panel::addNumber(const std::vector<int>& elements, const std::string& label
     bool same = true;
     for (const int index : elements)
         same = same && formatNumber(get(document[index])) == first;
-    add({label, attribute, hint, same ? first : "", {}, true});
+    add({label, attribute, hint, same ? first : "", {}, Entry::NUMBER});
+}
+
+// Seconds from the beginning of the first bar to the time 0 that an element counts from.
+double Panel::getShift(int element) const {
+    return mEditor.getDocument().getOrigin(element) - double(mEditor.getDocument().getTempo().start);
+}
+
+void Panel::addTime(const std::vector<int>& elements, const std::string& label, const std::string& attribute,
+                    double (*get)(const Element&)) {
+    addNumber(elements, label, attribute, get);
+    Entry& entry = mEntries.back();
+    const bool length = attribute.empty() || attribute == "delay";
+    entry.type = length ? Entry::LENGTH : Entry::TIME;
+    const std::optional<double> seconds = parseNumber(entry.value);
+    if (!seconds)
+        return;
+    const double bars =
+        (*seconds + (length ? 0 : getShift(elements[0]))) / mEditor.getDocument().getTempo().getBar();
+    const std::string number = formatNumber(std::round(bars * 100) / 100);
+    entry.hint = length ? "s, " + number + (number == "1" ? " bar" : " bars") : "s, bar " + number;
 }
 
 void Panel::addText(const std::vector<int>& elements, const std::string& label, const std::string& attribute,
@@ -175,7 +195,7 @@ void Panel::addText(const std::vector<int>& elements, const std::string& label, 
     bool same = true;
     for (const int index : elements)
         same = same && get(index) == get(elements[0]);
-    add({label, attribute, "", same ? get(elements[0]) : "", std::move(choices), false});
+    add({label, attribute, "", same ? get(elements[0]) : "", std::move(choices)});
 }
 
 void Panel::addSpan(const std::vector<int>& elements) {
@@ -183,15 +203,11 @@ void Panel::addSpan(const std::vector<int>& elements) {
     for (const kindler::EffectNames& each : kindler::effectNames())
         names.push_back(each.name);
     addText(elements, "Effect", "name", std::move(names));
-    const bool nested = mEditor.getDocument()[elements[0]].parent > 0;
-    const double origin = mEditor.getDocument().getOrigin(elements[0]);
-    const std::string hint = nested ? "in its span; it begins at " + formatNumber(origin) : "seconds";
-    addNumber(
-        elements, "Start", "start", [](const Element& e) { return double(e.start); }, hint);
-    addNumber(elements, "End", "end", [](const Element& e) { return double(e.end); });
-    addNumber(elements, "Length", "", [](const Element& e) { return double(e.end) - double(e.start); });
+    addTime(elements, "Start", "start", [](const Element& e) { return double(e.start); });
+    addTime(elements, "End", "end", [](const Element& e) { return double(e.end); });
+    addTime(elements, "Length", "", [](const Element& e) { return double(e.end) - double(e.start); });
     const bool on = mEditor.getDocument()[elements[0]].enabled;
-    add({"State", "state", "", on ? "on" : "off", {"on", "off"}, false});
+    add({"State", "state", "", on ? "on" : "off", {"on", "off"}});
 }
 
 void Panel::addTrigger(const std::vector<int>& elements) {
@@ -206,38 +222,41 @@ void Panel::addTrigger(const std::vector<int>& elements) {
         }
     addText(elements, "Trigger", "name", std::move(names));
     addText(elements, "Value", "value", std::move(words));
-    addNumber(
-        elements, "Start", "start", [](const Element& e) { return double(e.start); }, "seconds of its span");
+    addTime(elements, "Start", "start", [](const Element& e) { return double(e.start); });
     addNumber(
         elements, "Repeat", "repeat", [](const Element& e) { return double(e.repeat); }, "times in all");
-    addNumber(
-        elements, "Delay", "delay", [](const Element& e) { return double(e.delay); }, "seconds between");
+    addTime(elements, "Delay", "delay", [](const Element& e) { return double(e.delay); });
 }
 
 void Panel::addKey(const std::vector<int>& elements) {
-    addNumber(
-        elements, "Time", "time", [](const Element& e) { return double(e.start); }, "seconds of its span");
+    addTime(elements, "Time", "time", [](const Element& e) { return double(e.start); });
     addNumber(elements, "Value", "value", [](const Element& e) { return double(e.number); });
 }
 
 void Panel::addTempo() {
     const Tempo tempo = mEditor.getDocument().getTempo();
-    add({"Tempo", "bpm", "beats/min", formatNumber(double(tempo.bpm)), {}, true});
-    add({"Beats", "beats", "in a bar", std::to_string(tempo.beats), {}, true});
-    add({"First bar", "tempo start", "seconds", formatNumber(double(tempo.start)), {}, true});
+    add({"Tempo", "bpm", "beats/min", formatNumber(double(tempo.bpm)), {}, Entry::NUMBER});
+    add({"Beats", "beats", "in a bar", std::to_string(tempo.beats), {}, Entry::NUMBER});
+    add({"First bar", "tempo start", "seconds", formatNumber(double(tempo.start)), {}, Entry::NUMBER});
 }
 
 // The panel is of the kind that was selected first, and of all of that kind.
-void Panel::fill() {
-    static const char* const KINDS[] = {"Script",  "Span",     "Trigger", "Curve", "Key",
-                                        "Section", "Bookmark", "Tempo",   "Other"};
-    mEntries.clear();
+std::vector<int> Panel::getElements() const {
     const Document& document = mEditor.getDocument();
     std::vector<int> elements;
     for (const uint32_t id : mEditor.getSelection())
         if (const int index = document.find(id);
             index > 0 && (elements.empty() || document[index].kind == document[elements[0]].kind))
             elements.push_back(index);
+    return elements;
+}
+
+void Panel::fill() {
+    static const char* const KINDS[] = {"Script",  "Span",     "Trigger", "Curve", "Key",
+                                        "Section", "Bookmark", "Tempo",   "Other"};
+    mEntries.clear();
+    const Document& document = mEditor.getDocument();
+    const std::vector<int> elements = getElements();
     if (elements.empty()) {
         mTitle = "Show";
         mSubtitle = "nothing is selected";
@@ -250,7 +269,8 @@ void Panel::fill() {
         mTitle = std::to_string(elements.size()) + " x " + mTitle;
     mSubtitle = "line " + std::to_string(document.getLine(first.from));
     if (first.parent > 0)
-        mSubtitle += ", of " + document[first.parent].name;
+        mSubtitle += ", of " + document[first.parent].name + " from " +
+                     formatNumber(document.getOrigin(elements[0])) + " s";
     switch (first.kind) {
     case Kind::SPAN:
         addSpan(elements);
@@ -271,8 +291,7 @@ void Panel::fill() {
              "type",
              "",
              MODES[size_t(std::clamp(first.mode, 0, 2))],
-             {"square", "linear", "smooth"},
-             false});
+             {"square", "linear", "smooth"}});
         break;
     }
     case Kind::SECTION:
@@ -280,8 +299,7 @@ void Panel::fill() {
         break;
     case Kind::BOOKMARK:
         addText(elements, "Name", "name", {});
-        addNumber(
-            elements, "Time", "time", [](const Element& e) { return double(e.start); }, "seconds");
+        addTime(elements, "Time", "time", [](const Element& e) { return double(e.start); });
         break;
     default:
         break;
@@ -291,8 +309,13 @@ void Panel::fill() {
 void Panel::apply(size_t field, const std::string& text) {
     if (field < mEntries.size()) {
         const Entry entry = mEntries[field];
-        if (!entry.number || parseNumber(text))
+        if (entry.type == Entry::TEXT)
             applyTo(entry, text);
+        else if (const auto typed = parseTime(text, mEditor.getDocument().getTempo());
+                 typed && (!typed->inBars || entry.type != Entry::NUMBER))
+            applyTo(entry, formatNumber(typed->seconds - (typed->inBars && entry.type == Entry::TIME
+                                                              ? getShift(getElements()[0])
+                                                              : 0)));
     }
     mVersion = 0; // shows what is there now, whether it was taken or not
     update();
@@ -300,7 +323,7 @@ void Panel::apply(size_t field, const std::string& text) {
 
 void Panel::applyTo(const Entry& entry, const std::string& text) {
     const double number = parseNumber(text).value_or(0);
-    const std::string value = entry.number ? formatNumber(number) : text;
+    const std::string value = entry.type == Entry::TEXT ? text : formatNumber(number);
     const Document& document = mEditor.getDocument();
     if (entry.attribute == "bpm" || entry.attribute == "beats" || entry.attribute == "tempo start") {
         Tempo tempo = document.getTempo();
@@ -313,10 +336,7 @@ void Panel::applyTo(const Entry& entry, const std::string& text) {
         mEditor.setTempo(tempo);
         return;
     }
-    std::vector<int> elements;
-    for (const int index : mEditor.getSelected())
-        if (document[index].kind == document[document.find(mEditor.getSelection()[0])].kind)
-            elements.push_back(index);
+    const std::vector<int> elements = getElements();
     if (elements.empty())
         return;
     if (entry.attribute == "section")

@@ -59,8 +59,8 @@ private:
         std::string attribute; // as Editor::set takes it, or "" for what set() below knows
         std::string hint;      // behind the field
         std::string value;
-        std::vector<std::string> choices; // of the menu beside it
-        bool number = false;
+        std::vector<std::string> choices;                // of the menu beside it
+        enum { TEXT, NUMBER, TIME, LENGTH } type = TEXT; // a time or a length may be typed in bars
     };
 
     Editor& mEditor;
@@ -72,6 +72,7 @@ private:
     uint32_t mVersion = 0;
 
     void fill();
+    std::vector<int> getElements() const; // that the panel shows
     void addSpan(const std::vector<int>& elements);
     void addTrigger(const std::vector<int>& elements);
     void addKey(const std::vector<int>& elements);
@@ -79,6 +80,10 @@ private:
     void add(Entry entry) { mEntries.push_back(std::move(entry)); }
     void addNumber(const std::vector<int>& elements, const std::string& label, const std::string& attribute,
                    double (*get)(const Element&), const std::string& hint = "");
+    // In seconds, with the bars behind it.
+    void addTime(const std::vector<int>& elements, const std::string& label, const std::string& attribute,
+                 double (*get)(const Element&));
+    double getShift(int element) const;
     void addText(const std::vector<int>& elements, const std::string& label, const std::string& attribute,
                  std::vector<std::string> choices);
     void apply(size_t field, const std::string& text);

@@ -15,6 +15,10 @@ constexpr double MIN_SCALE = 0.5, MAX_SCALE = 4000;
 constexpr float FOLD = 16;   // pixels of a triangle
 constexpr float INDENT = 14; // a level
 
+double nearest(double value, double best, double candidate) {
+    return std::fabs(candidate - value) < std::fabs(best - value) ? candidate : best;
+}
+
 script::Spline makeSpline(const Document& document, int index) {
     script::Spline spline;
     spline.mMode = document[index].mode;
@@ -65,12 +69,22 @@ void Timeline::update() {
     clampView();
 }
 
-bool Timeline::hasTriggers(int span) const {
+int Timeline::countLanes(int span) const {
     const Document& document = getDocument();
+    std::map<float, int> lanes;
+    int most = 0;
     for (int i = span + 1; i < document[span].next; i = document[i].next)
         if (document[i].kind == Kind::TRIGGER)
-            return true;
-    return false;
+            most = std::max(most, ++lanes[document[i].start]);
+    return most;
+}
+
+int Timeline::getLane(int trigger) const {
+    const Document& document = getDocument();
+    int lane = 0;
+    for (int i = document[trigger].parent + 1; i < trigger; i = document[i].next)
+        lane += document[i].kind == Kind::TRIGGER && document[i].start == document[trigger].start;
+    return lane;
 }
 
 // What is in a span that is folded is passed over, as are the spans of a folded section.
@@ -100,8 +114,10 @@ void Timeline::buildRows() {
             add(Row::SPAN, i, depth, BAR_HEIGHT);
             if (mOpen.contains(element.id)) {
                 next = i + 1;
-                if (hasTriggers(i))
-                    add(Row::TRIGGERS, i, depth + 1, BAR_HEIGHT);
+                int& lanes = mLanes[element.id];
+                lanes = isDragging() ? std::max(lanes, countLanes(i)) : countLanes(i);
+                if (lanes > 0)
+                    add(Row::TRIGGERS, i, depth + 1, BAR_HEIGHT * float(lanes));
             }
         }
         i = next;
@@ -189,6 +205,12 @@ void Timeline::fit() {
     clampView();
 }
 
+void Timeline::show(double from, double to) {
+    mScale = double(getAxis().getWidth()) / std::max(0.1, (to - from) * 1.1);
+    mScrollTime = from - 0.05 * (to - from);
+    clampView();
+}
+
 double Timeline::getGrid() const {
     const Tempo tempo = getDocument().getTempo();
     const double beat = tempo.getBeat(), least = 11 / mScale;
@@ -239,6 +261,24 @@ double Timeline::toValue(int row, const Range& range, float y) const {
     return double(range.low) + double(range.high - range.low) * double(1 - (y - top) / height);
 }
 
+// Values snap to 0 and 1, to the curve's other keys, and else to a round step of about a pixel.
+double Timeline::snapValue(int row, const Range& range, double value, bool held) const {
+    if (!mSnapping || held)
+        return value;
+    const double pixel = double(range.high - range.low) / double(mRows[size_t(row)].height - 9);
+    double best = value + 1e9;
+    for (const double target : {0.0, 1.0})
+        best = nearest(value, best, target);
+    for (const double target : mDragValues)
+        best = nearest(value, best, target);
+    if (std::fabs(best - value) <= 5 * pixel)
+        return best;
+    double step = std::pow(10, std::floor(std::log10(pixel)));
+    for (const double factor : {2.0, 2.5, 2.0}) // 1, 2, 5, 10
+        step *= step < pixel ? factor : 1;
+    return std::round(value / step) * step;
+}
+
 // What is where
 
 Box2 Timeline::getRowBox(int row) const {
@@ -252,7 +292,9 @@ Box2 Timeline::getElementBox(int element) const {
     const double origin = document.getOrigin(element);
     if (it.kind == Kind::BOOKMARK) {
         const float x = toX(double(it.start));
-        return Box2(x - 1, mArea.world.y1, x + 9, mArea.world.y1 + RULER_HEIGHT);
+        panorama::Render* const render = const_cast<Timeline*>(this)->getRender();
+        const float top = mArea.world.y1 + RULER_HEIGHT;
+        return Box2(x, top, x + 17 + (render ? render->getTextLength(it.name) : 0), top + 17);
     }
     if (it.kind == Kind::SPAN && mRowOf[size_t(element)] >= 0) {
         const float top = getRowTop(mRowOf[size_t(element)]);
@@ -262,7 +304,8 @@ Box2 Timeline::getElementBox(int element) const {
     if (it.kind == Kind::TRIGGER && mRowOf[size_t(it.parent)] >= 0) {
         const int row = mRowOf[size_t(it.parent)] + (isOpen(it.parent) ? 1 : 0);
         const float x = toX(origin + double(it.start)),
-                    y = getRowTop(row) + (isOpen(it.parent) ? BAR_HEIGHT / 2 : BAR_HEIGHT - 7);
+                    y = getRowTop(row) +
+                        (isOpen(it.parent) ? BAR_HEIGHT * (float(getLane(element)) + 0.5f) : BAR_HEIGHT - 7);
         return Box2(x - KEY, y - KEY, x + KEY, y + KEY);
     }
     if (it.kind == Kind::KEY && mRowOf[size_t(it.parent)] >= 0) {
@@ -359,6 +402,9 @@ void Timeline::draw() {
                                                                        : color::lane);
     paint.clip(axis);
     drawGrid(paint);
+    if (mRows.empty())
+        paint.text(axis.x1 + 24, axis.y1 + 40, "A adds an effect at the time now. F1 shows all keys.",
+                   color::dim);
     for (size_t i = 0; i < mRows.size(); ++i)
         if (mRows[i].y + mRows[i].height > mScrollRows && mRows[i].y < mScrollRows + axis.getHeight())
             drawRow(paint, int(i));
@@ -456,7 +502,7 @@ void Timeline::drawBar(Paint& paint, int element, float top, bool small) {
                    on ? active ? Vector4f(1, 1, 1, 1) : color::ink : color::faint);
 }
 
-void Timeline::drawTriggers(Paint& paint, int span, float y, bool names) {
+void Timeline::drawTriggers(Paint& paint, int span, float top, bool names) {
     const Document& document = getDocument();
     const Box2 axis = getAxis();
     for (int i = span + 1; i < document[span].next; i = document[i].next) {
@@ -464,6 +510,7 @@ void Timeline::drawTriggers(Paint& paint, int span, float y, bool names) {
         if (trigger.kind != Kind::TRIGGER)
             continue;
         const double start = document.getOrigin(i) + double(trigger.start);
+        const float y = names ? top + BAR_HEIGHT * float(getLane(i)) : top;
         const bool selected = mEditor.isSelected(trigger.id);
         for (int n = 1; n < trigger.repeat && n < 1000 && trigger.delay > 0; ++n) {
             const float x = toX(start + n * double(trigger.delay));
@@ -520,7 +567,7 @@ void Timeline::drawCurve(Paint& paint, int index) {
     const double now = mShow.getTime() - origin;
     if (now >= 0 && now < double(span.end) - double(span.start)) {
         const double value = mEditor.evaluate(row.element, now);
-        paint.text(toX(mShow.getTime()) + 6,
+        paint.text(toX(mShow.getTime()) + 10,
                    std::clamp(toY(index, range, value) - 9, top + 8, top + CURVE_HEIGHT - 8),
                    formatNumber(value), color::now);
     }
@@ -677,12 +724,11 @@ void Timeline::drawBookmarks(Paint& paint) {
             continue;
         const Vector4f& ink = mEditor.isSelected(document[i].id) ? color::selected : color::bookmark;
         const float x = toX(double(document[i].start));
+        const Box2 flag = getElementBox(i);
         paint.line(x, all.y1, x, axis.y1, ink);
-        paint.box(Box2(x, all.y1 + 3, x + 9, all.y1 + 12), ink);
-        const float width = paint.width(document[i].name);
-        paint.box(Box2(x + 1, all.y1 + RULER_HEIGHT + 1, x + width + 9, all.y1 + RULER_HEIGHT + 16),
-                  Vector4f(0, 0, 0, 0.55f));
-        paint.text(x + 5, all.y1 + RULER_HEIGHT + 8, document[i].name, ink);
+        paint.box(Box2(flag.x1 + 1, flag.y1 + 1, flag.x2, flag.y2 - 1), Vector4f(0, 0, 0, 0.55f));
+        paint.box(Box2(x, flag.y1 + 4, x + 8, flag.y1 + 12), ink);
+        paint.text(x + 13, flag.y1 + 8, document[i].name, ink);
     }
 }
 

@@ -7,6 +7,7 @@
 #include "studio_show.h"
 
 #include <functional>
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
@@ -67,7 +68,8 @@ public:
     // View
     void zoom(double factor, float x); // around a pixel
     void fit();                        // all of the show
-    void reveal(int element);          // scrolls and unfolds until it shows
+    void show(double from, double to);
+    void reveal(int element); // scrolls and unfolds until it shows
     void setOpen(int element, bool open);
     void foldAll(bool open);
     bool isOpen(int element) const;
@@ -106,9 +108,10 @@ private:
     float mRowsHeight = 0;
     uint32_t mVersion = 0; // of the document that the rows are of
     bool mFoldChanged = true;
-    std::set<uint32_t> mOpen;   // spans that show what is in them
-    std::set<uint32_t> mFolded; // sections that do not
-    bool mPlayed = false;       // in the last frame
+    std::set<uint32_t> mOpen;       // spans that show what is in them
+    std::set<uint32_t> mFolded;     // sections that do not
+    std::map<uint32_t, int> mLanes; // of the triggers of a span; a drag takes none away
+    bool mPlayed = false;           // in the last frame
 
     Vector2f mMouse;
     Place mHover;
@@ -123,13 +126,17 @@ private:
     std::vector<uint32_t> mBoxBefore; // selected before the box
     std::vector<double> mDragEdges;   // times of what is dragged
     std::vector<double> mTargets;     // other edges
+    std::vector<double> mDragValues;  // of the keys beside the one that is dragged
+    double mDragValue = 0;            // its own, before
     std::string mNumbers;             // at the mouse
     std::optional<Range> mDragRange;  // of the curve that is dragged in, kept
     uint32_t mDragCurve = 0;
 
     const Document& getDocument() const { return mEditor.getDocument(); }
     void buildRows();
-    bool hasTriggers(int span) const;
+    int countLanes(int span) const; // of its triggers: those at one time are drawn below each other
+    int getLane(int trigger) const;
+    double snapValue(int row, const Range& range, double value, bool held) const;
     void clampView();
     float getRowTop(int row) const { return getAxis().y1 + mRows[size_t(row)].y - mScrollRows; }
     Range getRange(int spline) const;
@@ -145,7 +152,7 @@ private:
     void release(const panorama::Event& event);
     void move(const panorama::Event& event);
     void wheel(const panorama::Event& event);
-    void doubleClick(const Place& place);
+    void doubleClick(const panorama::Event& event);
     void startDrag();
     void dragSelection(const panorama::Event& event);
     void dragBox(bool add);
@@ -157,7 +164,7 @@ private:
     void drawGrid(Paint& paint);
     void drawRow(Paint& paint, int row);
     void drawBar(Paint& paint, int element, float top, bool small);
-    void drawTriggers(Paint& paint, int span, float y, bool names);
+    void drawTriggers(Paint& paint, int span, float top, bool names);
     void drawCurve(Paint& paint, int row);
     void drawCurveLine(Paint& paint, int row, const Range& range, double origin);
     void drawLabel(Paint& paint, int row);

@@ -70,9 +70,15 @@ void Timeline::pressPlace(const Event& event) {
         mDrag = Drag::PAN;
         return;
     }
-    const bool element = mPressed.part == Place::BODY || mPressed.part == Place::LEFT ||
-                         mPressed.part == Place::RIGHT || mPressed.part == Place::LABEL;
     if (event.button == display::MOUSE_RIGHT) {
+        // Of a lane it is the curve's; a name's time is the beginning of its span.
+        const bool element = mPressed.element > 0 &&
+                             (mPressed.part != Place::LANE || mRows[size_t(mPressed.row)].type == Row::CURVE);
+        if (mPressed.part == Place::LABEL || mPressed.part == Place::FOLD)
+            mPressTime = getDocument().getOrigin(mPressed.element) +
+                         (getDocument()[mPressed.element].kind == Kind::SPAN
+                              ? double(getDocument()[mPressed.element].start)
+                              : 0);
         if (element && !mEditor.isSelected(getDocument()[mPressed.element].id))
             mEditor.select({getDocument()[mPressed.element].id});
         double value = 0;
@@ -85,14 +91,14 @@ void Timeline::pressPlace(const Event& event) {
     if (event.button != display::MOUSE_LEFT)
         return;
     if (event.doubleClick) {
-        doubleClick(mPressed);
+        doubleClick(event);
         return;
     }
     switch (mPressed.part) {
     case Place::RULER:
         mDrag = event.shift() ? Drag::LOOP : Drag::SEEK;
         if (mDrag == Drag::SEEK)
-            mShow.seek(makeSnap(event.alt() || !event.ctrl())(mPressTime));
+            mShow.seek(makeSnap(event.alt())(mPressTime));
         break;
     case Place::FOLD:
         setOpen(mPressed.element, !isOpen(mPressed.element));
@@ -143,8 +149,9 @@ void Timeline::pressElement(const Event& event) {
     mDrag = Drag::PRESSED;
 }
 
-void Timeline::doubleClick(const Place& place) {
+void Timeline::doubleClick(const Event& event) {
     const Document& document = getDocument();
+    const Place& place = mPressed;
     if (place.part == Place::RULER) {
         mShow.seek(makeSnap(false)(mPressTime));
         mShow.setPlaying(true);
@@ -156,8 +163,11 @@ void Timeline::doubleClick(const Place& place) {
         place.part <= Place::RIGHT)
         setOpen(place.element, !isOpen(place.element));
     if (place.part == Place::LANE && place.row >= 0 && mRows[size_t(place.row)].type == Row::CURVE) {
-        const double time = makeSnap(false)(mPressTime) - document.getOrigin(place.element);
-        mEditor.addKey(place.element, time, toValue(place.row, getRange(place.element), mPress.y));
+        const double time = makeSnap(event.alt())(mPressTime) - document.getOrigin(place.element);
+        const Range range = getRange(place.element);
+        mDragValues = {mEditor.evaluate(place.element, time)}; // on the curve, if it is near
+        mEditor.addKey(place.element, time,
+                       snapValue(place.row, range, toValue(place.row, range, mPress.y), event.alt()));
     }
 }
 
@@ -183,9 +193,14 @@ void Timeline::startDrag() {
     if (held.kind == Kind::KEY) {
         mDragRange = getRange(held.parent);
         mDragCurve = document[held.parent].id;
-        for (int k = held.parent + 1; k < document[held.parent].next; k = document[k].next)
-            if (document[k].kind == Kind::KEY && !mEditor.isSelected(document[k].id))
-                mTargets.push_back(origin + double(document[k].start));
+        mDragValue = double(held.number);
+        mDragValues.clear();
+        for (int k = held.parent + 1; k < document[held.parent].next; k = document[k].next) {
+            if (document[k].kind != Kind::KEY || mEditor.isSelected(document[k].id))
+                continue;
+            mTargets.push_back(origin + double(document[k].start));
+            mDragValues.push_back(double(document[k].number));
+        }
     }
     mEditor.beginGesture();
 }
@@ -202,8 +217,9 @@ void Timeline::dragSelection(const Event& event) {
     } else {
         double value = 0;
         if (mDragRange && mPressed.row >= 0) {
-            value =
-                toValue(mPressed.row, *mDragRange, mMouse.y) - toValue(mPressed.row, *mDragRange, mPress.y);
+            value = mDragValue + toValue(mPressed.row, *mDragRange, mMouse.y) -
+                    toValue(mPressed.row, *mDragRange, mPress.y);
+            value = snapValue(mPressed.row, *mDragRange, value, event.alt()) - mDragValue;
             if (event.shift()) { // along one axis
                 if (std::fabs(mMouse.x - mPress.x) > std::fabs(mMouse.y - mPress.y))
                     value = 0;
@@ -286,6 +302,8 @@ void Timeline::move(const Event& event) {
         dragBox(event.shift());
         break;
     case Drag::SEEK:
+        if (std::fabs(dx) < THRESHOLD && mNumbers.empty())
+            break; // a click
         mShow.seek(
             std::clamp(makeSnap(event.alt() || !event.ctrl())(toTime(mMouse.x)), 0.0, mShow.getLength()));
         mNumbers = formatTime(mShow.getTime()) + "   " + describeTime(mShow.getTime());

@@ -109,6 +109,7 @@ public:
     void zoomIn() { mTimeline->zoom(1.5, mTimeline->toX(mShow.getTime())); }
     void zoomOut() { mTimeline->zoom(1 / 1.5, mTimeline->toX(mShow.getTime())); }
     void fit() { mTimeline->fit(); }
+    void zoomToSelection();
     void larger() { setScale(std::min(3.0f, getScale() + 0.25f)); }
     void smaller() { setScale(std::max(0.5f, getScale() - 0.25f)); }
 
@@ -152,6 +153,7 @@ private:
     void say(const std::string& message);
     bool nudge(const display::KeyEvent& event);
     void nudgeTime(double seconds);
+    std::optional<std::pair<double, double>> getSelectedTime() const;
     void layout();
     Box2 getPictureBox() const; // of the interface's pixels
     void drawPictureGround();
