@@ -399,12 +399,13 @@ void Editor::addSpan(int parent, const std::string& name, double begin, double e
         if (mDocument[i].kind == Kind::SPAN && double(mDocument[i].start) <= begin &&
             begin < double(mDocument[i].end))
             under = i;
-    std::string text = writeTag(
-        "effect", {{"name", name}, {"start", formatNumber(begin)}, {"end", formatNumber(end)}}, false);
+    std::string text =
+        writeTag("effect", {{"name", name}, {"start", formatNumber(begin)}, {"end", formatNumber(end)}},
+                 curves.empty());
     for (const std::string& curve : curves)
         text += "\n\t" + writeTag("spline", {{"name", curve}, {"type", "linear"}}, false) + "\n\t\t" +
                 writeTag("key", {{"time", "0"}, {"value", "1"}}) + "\n\t</spline>";
-    insert("Add span", parent, after >= 0 ? after : under, text + "\n</effect>");
+    insert("Add span", parent, after >= 0 ? after : under, curves.empty() ? text : text + "\n</effect>");
 }
 
 void Editor::addTrigger(int span, const std::string& name, const std::string& value, double time) {

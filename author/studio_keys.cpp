@@ -138,7 +138,7 @@ void Window::togglePlay() {
 void Window::playFromMouse() {
     if (!mTimeline->isMouseInside())
         return;
-    mShow.seek(mTimeline->makeSnap(false)(mTimeline->getMouseTime()));
+    mTimeline->seekLine(mTimeline->makeSnap(false)(mTimeline->getMouseTime()));
     mShow.setPlaying(true);
 }
 
@@ -168,7 +168,7 @@ void Window::seekBookmark(int direction) {
         say(direction > 0 ? "There is no bookmark after this" : "There is no bookmark before this");
         return;
     }
-    mShow.seek(double(document[best].start));
+    mTimeline->seekLine(double(document[best].start));
     say(document[best].name);
     const float x = mTimeline->toX(mShow.getTime());
     if (x < mTimeline->getAxis().x1 || x > mTimeline->getAxis().x2)
@@ -369,7 +369,7 @@ void Window::openMenu(Vector2f place, int element, double time, double value) {
         items.push_back({"Paste here", "Ctrl+V", [this, time] { mEditor.paste(time); }, mEditor.canPaste()});
     }
     items.push_back({"Play from here", "P", [this, time] {
-                         mShow.seek(time);
+                         mTimeline->seekLine(time);
                          mShow.setPlaying(true);
                      }});
     mOverlay->openMenu(place, std::move(items));

@@ -269,8 +269,9 @@ void Panel::fill() {
         mTitle = std::to_string(elements.size()) + " x " + mTitle;
     mSubtitle = "line " + std::to_string(document.getLine(first.from));
     if (first.parent > 0)
-        mSubtitle += ", of " + document[first.parent].name + " from " +
-                     formatNumber(document.getOrigin(elements[0])) + " s";
+        mSubtitle += ", of " + document[first.parent].name;
+    if (const double origin = document.getOrigin(elements[0]); origin != 0)
+        mSubtitle += "; counts from " + formatNumber(origin) + " s";
     switch (first.kind) {
     case Kind::SPAN:
         addSpan(elements);

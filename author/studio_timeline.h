@@ -85,6 +85,9 @@ public:
 
     double getGrid() const; // seconds between the lines that are drawn, and the step of a nudge
     Snap makeSnap(bool held) const;
+    // To a line, and a hair on: the numbers of a script are rounded, as is a position in the sound, and what
+    // begins at the line is to have begun.
+    void seekLine(double time) { mShow.seek(time + 1e-4); }
     double getMouseTime() const { return toTime(mMouse.x); }
     bool isMouseInside() const { return contains(mArea.world, mMouse); }
 

@@ -98,7 +98,7 @@ void Timeline::pressPlace(const Event& event) {
     case Place::RULER:
         mDrag = event.shift() ? Drag::LOOP : Drag::SEEK;
         if (mDrag == Drag::SEEK)
-            mShow.seek(makeSnap(event.alt())(mPressTime));
+            seekLine(makeSnap(event.alt())(mPressTime));
         break;
     case Place::FOLD:
         setOpen(mPressed.element, !isOpen(mPressed.element));
@@ -153,7 +153,7 @@ void Timeline::doubleClick(const Event& event) {
     const Document& document = getDocument();
     const Place& place = mPressed;
     if (place.part == Place::RULER) {
-        mShow.seek(makeSnap(false)(mPressTime));
+        seekLine(makeSnap(false)(mPressTime));
         mShow.setPlaying(true);
         return;
     }
@@ -248,11 +248,11 @@ void Timeline::showNumbers() {
 
 std::string Timeline::describeTime(double time) const {
     const Tempo tempo = getDocument().getTempo();
-    const double beats = (time - double(tempo.start)) / tempo.getBeat() + 1e-4;
+    const double beats = std::round((time - double(tempo.start)) / tempo.getBeat() * 100) / 100;
     const double bar = std::floor(beats / tempo.beats);
     char text[64];
     snprintf(text, sizeof text, "bar %d, beat %.2f", int(std::clamp(bar, -1e6, 1e6)),
-             std::floor((beats - bar * tempo.beats + 1) * 100) / 100);
+             beats - bar * tempo.beats + 1);
     return text;
 }
 
@@ -339,7 +339,7 @@ void Timeline::release(const Event& event) {
     if (mDrag == Drag::PRESSED && mSelectOnRelease)
         mEditor.select({getDocument()[mPressed.element].id});
     if (mDrag == Drag::PRESSED && getDocument()[mPressed.element].kind == Kind::BOOKMARK)
-        mShow.seek(double(getDocument()[mPressed.element].start));
+        seekLine(double(getDocument()[mPressed.element].start));
     if (mDrag == Drag::LOOP && std::fabs(mMouse.x - mPress.x) < THRESHOLD)
         mShow.setLoop(std::nullopt);
     mDrag = Drag::NONE;

@@ -297,8 +297,8 @@ void Window::offerRecovery() {
         return;
     }
     mOverlay->openDialog("There is work that was not saved",
-                         {"The studio ended the last time before " + mFile->getName() + " was saved.",
-                          "Restored, it is one step that can be undone, and not saved yet."},
+                         {"The studio ended before " + mFile->getName() + " was saved.",
+                          "Restoring is one step that can be undone. Later, the next start asks again."},
                          {{"Restore",
                            [this, orphan] {
                                startFrom(*orphan, "Restore");
@@ -306,10 +306,12 @@ void Window::offerRecovery() {
                                mFile->dropOrphan();
                                offerRecovery();
                            }},
-                          {"Throw away", [this] {
+                          {"Throw away",
+                           [this] {
                                mFile->dropOrphan();
                                offerRecovery();
-                           }}});
+                           }},
+                          {"Later", nullptr}});
 }
 
 // After each edit, and not in the middle of a gesture.

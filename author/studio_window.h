@@ -59,6 +59,7 @@ public:
     std::string getMessage() const;                // what was said a moment ago, or nothing
     std::vector<std::string> getErrors() const;    // lines that stand on the picture
     double getOwnTime() const { return mOwnTime; } // seconds of the last frame that were the studio's
+    bool isPreviewing() const { return mPreview != nullptr; }
     void setWatching(bool on) { mWatching = on; }
 
     int onKeyDown(const display::KeyEvent& event) override;

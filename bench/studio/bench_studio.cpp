@@ -43,7 +43,8 @@ std::string makeScript() {
 }
 
 void print(FILE* to, const char* name, const bench::Times& times) {
-    fprintf(to, "%-38s %6.2f ms (%6.2f)\n", name, bench::median(times.thread), bench::median(times.processor));
+    fprintf(to, "%-38s %6.2f ms (%6.2f)\n", name, bench::median(times.thread),
+            bench::median(times.processor));
 }
 
 } // namespace

@@ -44,7 +44,7 @@ StudioTest::~StudioTest() {
 studio::Window& StudioTest::window() {
     if (mWindow)
         return *mWindow;
-    if (!fileExists(mDir.file("script.xml")))
+    if (!fileExists(mDir.file("script.xml")) && !mScript.empty())
         writeFile(mDir.file("script.xml"), mScript);
     if (!mHere)
         mHere = std::make_unique<WorkingDir>(mDir.path());

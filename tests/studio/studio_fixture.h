@@ -19,7 +19,7 @@ protected:
     StudioTest();
     ~StudioTest() override;
 
-    std::string mScript; // to be set before the first use
+    std::string mScript; // to be set before the first use; empty: there is no such file
     int mWidth = 1280;
     int mHeight = 800;
 

@@ -102,6 +102,47 @@ TEST_F(StudioTest, NumbersAreTyped) {
     EXPECT_EQ(window().getPanel().findField("Start")->getText(), "12.125");
 }
 
+TEST_F(StudioTest, TimesCanBeTypedInBars) {
+    window();
+    click("overlay");
+    window().getPanel().editField("Start");
+    viewer().type("4b");
+    key("Tab");
+    until("the start", [&] { return at("overlay").start == 8; });
+    window().getPanel().editField("Length");
+    viewer().type("1.5 bars");
+    key("Return");
+    until("the length", [&] { return at("overlay").end == 11; });
+    editor().addTrigger(element("overlay"), "t", "", 0);
+    window().getPanel().editField("Start");
+    viewer().type("5b");
+    key("Return");
+    until("the trigger", [&] { return at("t").start == 2; }); // of its span, which begins at bar 4
+}
+
+TEST_F(StudioTest, TriggersAtOneTimeLieBelowEachOther) {
+    window();
+    timeline().setOpen(element("clear"), true);
+    frame();
+    click("color");
+    EXPECT_EQ(editor().getSelected(), std::vector<int>{element("color")});
+    click("type");
+    EXPECT_EQ(editor().getSelected(), std::vector<int>{element("type")});
+    EXPECT_GT(middle(element("color")).y, middle(element("type")).y + 15);
+}
+
+TEST_F(StudioTest, AMenuOnACurveActsOnThatCurve) {
+    window();
+    timeline().setOpen(element("grid"), true);
+    frame();
+    click("overlay");
+    const Box2 last = timeline().getElementBox(element("alpha") + 2);
+    click(Vector2f(last.x2 + 30, last.y2 + 30), 3);
+    choose("Delete");
+    EXPECT_EQ(editor().getDocument().getText().find("alpha"), std::string::npos);
+    EXPECT_EQ(at("overlay").start, 12);
+}
+
 TEST_F(StudioTest, WhatIsTypedIntoAFieldIsNoCommand) {
     window();
     click("overlay");
@@ -159,6 +200,10 @@ TEST_F(StudioTest, KeysAreAddedAndDraggedOnTheirTrueTimes) {
     drag(middle(curve + 2), 40, 0);
     EXPECT_EQ(editor().getDocument()[curve + 2].start, 4);
     EXPECT_EQ(editor().getDocument()[curve + 2].number, 1);
+    drag(middle(curve + 2), 0, 32);
+    EXPECT_EQ(editor().getDocument()[curve + 2].number, 0.5f) << "a round value";
+    drag(middle(curve + 2), 0, -31);
+    EXPECT_EQ(editor().getDocument()[curve + 2].number, 1) << "which it snaps to";
     const size_t before = editor().getUndoCount();
     click(middle(curve + 1), 3);
     choose("Delete");
@@ -320,6 +365,150 @@ TEST_F(StudioTest, ABrokenScriptLeavesTheLastOneRunningAndSaysWhere) {
     EXPECT_EQ(at("overlay").start, 12);
     writeFile(dir().file("script.xml"), mScript);
     until("no error", [&] { return window().getErrors().empty(); });
+}
+
+TEST_F(StudioTest, AScriptThatIsBrokenAtTheStartIsOpenedOnceItIsMended) {
+    writeFile(dir().file("script.xml"), "<script>\n\t<effect name=\"clear\n</script>\n");
+    window();
+    EXPECT_TRUE(overlay().isDialog());
+    EXPECT_EQ(overlay().getTitle(), "script.xml can't be read");
+    ASSERT_FALSE(window().getErrors().empty());
+    EXPECT_EQ(window().getErrors()[0].substr(0, 19), "script.xml: line 2:");
+    writeFile(dir().file("script.xml"), "<script>\n\n\n<effect name=</script>\n");
+    until("the other error", [&] { return window().getErrors()[0].substr(0, 19) == "script.xml: line 4:"; });
+    writeFile(dir().file("script.xml"), mScript);
+    until("the script", [&] { return !overlay().isOpen(); });
+    EXPECT_EQ(at("overlay").start, 12);
+    EXPECT_TRUE(editor().isSaved());
+    EXPECT_EQ(editor().getUndoCount(), 0u);
+    EXPECT_TRUE(window().getErrors().empty());
+}
+
+TEST_F(StudioTest, InPlaceOfABrokenScriptTheBackupOrUnsavedWorkCanBeTaken) {
+    writeFile(dir().file("script.xml"), "broken");
+    writeFile(dir().file("script.xml.bak"), mScript);
+    window();
+    choose("Backup");
+    EXPECT_EQ(at("overlay").start, 12);
+    EXPECT_EQ(script(), "broken") << "until it is saved";
+    editor().select({at("overlay").id});
+    editor().move(1, 0);
+    const std::string work = editor().getDocument().getText();
+    frame();
+    killed();
+    window();
+    choose("Unsaved work");
+    EXPECT_EQ(editor().getDocument().getText(), work);
+    key("ctrl+s");
+    until("the file", [&] { return script() == work; });
+    EXPECT_EQ(readFile(dir().file("script.xml.bak")), "broken");
+}
+
+TEST_F(StudioTest, AScriptThatIsNotThereIsMadeByASave) {
+    mScript.clear();
+    window();
+    EXPECT_TRUE(editor().isSaved());
+    key("a");
+    until("the menu", [&] { return overlay().isOpen(); });
+    viewer().type("clear");
+    key("Return");
+    until("the span", [&] { return editor().getUndoCount() == 1; });
+    EXPECT_FALSE(fileExists(dir().file("script.xml")));
+    key("ctrl+s");
+    until("the file", [&] { return fileExists(dir().file("script.xml")); });
+    EXPECT_EQ(script(), editor().getDocument().getText());
+}
+
+TEST_F(StudioTest, OfSeveralScriptsOneIsEditedAndAllArePlayed) {
+    const std::string white = "<script>\n<effect name=\"clear\" start=\"0\" end=\"20\">\n"
+                              "<trigger name=\"type\" value=\"flat\"/>\n"
+                              "<trigger name=\"color\" value=\"white\"/>\n</effect>\n</script>\n";
+    writeFile(dir().file("ground.xml"), white);
+    writeFile(dir().file("setup.xml"),
+              "<demo><display width=\"1280\" height=\"800\"/><script filename=\"ground.xml\"/>"
+              "<script filename=\"script.xml\"/><music mute=\"nosound\"/></demo>");
+    mScript = "<script>\n<effect name=\"group\" start=\"0\" end=\"20\"/>\n</script>\n";
+    window();
+    EXPECT_EQ(at("group").end, 20);
+    show().seek(3);
+    EXPECT_GT(int(pictureAt(picture(), 0, 0)[0]), 200) << "the other script plays";
+    std::string black = white;
+    black.replace(black.find("white"), 5, "black");
+    writeFile(dir().file("ground.xml"), black);
+    EXPECT_TRUE(until("the other one's change", [&] { return pictureAt(picture(), 0, 0)[0] < 60; }));
+    writeFile(dir().file("ground.xml"), "<script>");
+    until("the error", [&] { return !window().getErrors().empty(); });
+    EXPECT_EQ(window().getErrors()[0].substr(0, 11), "ground.xml:");
+    EXPECT_LT(int(pictureAt(picture(), 0, 150)[0]), 60) << "it goes on as it was";
+    writeFile(dir().file("ground.xml"), white);
+    until("no error", [&] { return window().getErrors().empty(); });
+    key("ctrl+o");
+    choose("ground.xml");
+    until("it is open", [&] { return element("clear") > 0; });
+    editor().set({element("color")}, "value", "black");
+    EXPECT_LT(int(pictureAt(picture(), 0, 0)[0]), 60);
+    key("ctrl+s");
+    until("the file", [&] { return readFile(dir().file("ground.xml")) == black; });
+    EXPECT_EQ(script(), mScript);
+}
+
+TEST_F(StudioTest, ThePlayersEditorShowsAChangeOfItsLayout) {
+    window();
+    const std::string good = readFile(dir().file("layout.xml"));
+    const Picture before = picture();
+    key("F9");
+    until("the player's editor", [&] { return window().isPreviewing(); });
+    const Picture shown = picture();
+    EXPECT_GT(comparePictures(before, shown).changed, 0.2);
+    std::string other = good;
+    other.replace(other.find("\"Timeline\""), 10, "\"A far longer heading\"");
+    writeFile(dir().file("layout.xml"), other);
+    EXPECT_TRUE(until("the change", [&] { return comparePictures(shown, picture()).changed > 0.0005; }));
+    const Picture changed = picture();
+    writeFile(dir().file("layout.xml"), "<panorama><workspace></workspace></panorama>");
+    until("the error", [&] { return !window().getErrors().empty(); });
+    EXPECT_LT(comparePictures(changed, picture()).changed, 0.2) << "the last good one stays";
+    writeFile(dir().file("layout.xml"), good);
+    until("no error", [&] { return window().getErrors().empty(); });
+    key("Escape");
+    until("the studio", [&] { return !window().isPreviewing(); });
+    EXPECT_LT(comparePictures(before, picture()).changed, 0.02);
+    EXPECT_EQ(editor().getUndoCount(), 0u);
+}
+
+TEST_F(StudioTest, ASceneThatCantBeReadLeavesTheLastOneRunning) {
+    std::filesystem::remove(dir().file("face"));
+    std::filesystem::copy(sourcePath("data/face"), dir().file("face"));
+    mScript.replace(mScript.find("name=\"grid\""), 11, "name=\"face\"");
+    window();
+    show().seek(7);
+    frame();
+    const Picture before = picture();
+    const std::string good = readFile(dir().file("face/face.o3d"));
+    for (const std::string& bad : {std::string("nonsense"), std::string(), good.substr(0, 9)}) {
+        writeFile(dir().file("face/face.o3d"), bad);
+        until("the error", [&] { return !window().getErrors().empty(); });
+        EXPECT_EQ(window().getErrors()[0].substr(0, 12), "effect face:");
+        EXPECT_NE(window().getErrors()[0].find("face/face.o3d"), std::string::npos)
+            << window().getErrors()[0];
+        EXPECT_LT(comparePictures(before, picture()).changed, 0.06) << "but for the error on it";
+        writeFile(dir().file("face/face.o3d"), good);
+        until("no error", [&] { return window().getErrors().empty(); });
+    }
+}
+
+TEST_F(StudioTest, ParticlesThatCantBeReadAreNamed) {
+    std::filesystem::remove(dir().file("spark"));
+    std::filesystem::copy(sourcePath("data/spark"), dir().file("spark"));
+    window();
+    const std::string good = readFile(dir().file("spark/spark.xml"));
+    for (const char* bad : {"<spark><instance", "<spark></spark>", "<other></other>"}) {
+        writeFile(dir().file("spark/spark.xml"), bad);
+        until("the error", [&] { return !window().getErrors().empty(); });
+        EXPECT_NE(window().getErrors()[0].find("spark/spark.xml"), std::string::npos);
+        writeFile(dir().file("spark/spark.xml"), good);
+        until("no error", [&] { return window().getErrors().empty(); });
+    }
 }
 
 TEST_F(StudioTest, AShaderIsLoadedAgainAndABrokenOneNamesItsLine) {
