@@ -95,7 +95,7 @@ int Effector::findPart(const Vector2f& place) const {
     return mHover ? PART_BAR : PART_NONE;
 }
 
-// One end of the bar, as far as it can be seen.
+// The visible part of one end of the bar.
 Box2 Effector::getHandle(int part) const {
     Box2 box = mArea.world;
     if (part == PART_LEFT)

@@ -21,7 +21,7 @@ public:
     // of the new archive, or -1 for anything else. A missing archive is added all the same, and has no files.
     int addArchive(const std::string& path);
 
-    // The file from the first archive that has it, whatever `archive` says; empty if none has.
+    // The file from the first archive that has it; `archive` is ignored. Empty if none has it.
     File readFile(const std::string& name, int archive = -1);
 
     // Writes into the archive with that index, or the first one for -1. False if there is no such archive, it

@@ -88,7 +88,7 @@ private:
         Count mCount;
     };
 
-    // Out of line: inlined everywhere, it makes the compiler see uses behind the deletion that the count
+    // Out of line: inlined everywhere, it makes the compiler see uses after the deletion that the count
     // rules out.
     [[gnu::noinline]] static void destroy(Block* block) {
         delete block->mObject;

@@ -29,9 +29,9 @@ namespace zentrak::display {
 // and the flush. setTransform() is what differs from shape to shape: it is applied here, to positions and
 // normals, so a program gets gl_Vertex and gl_Normal after this transform and before the model-view matrix.
 //
-// Boxes outside the view, and their faces that GL_CULL_FACE removes, are left out, unless a program is in
+// Shapes outside the view, and faces of boxes that GL_CULL_FACE removes, are left out, unless a program is in
 // use, which may put its vertices anywhere. This goes by the display's own matrices: a matrix loaded by other
-// means than DisplayGL::setCamera, setTransform, setModelView or setProject is not seen.
+// means than DisplayGL::setCamera, setTransform, setModelView or setProject is ignored.
 //
 // A color(), texCoord() or normal() that wasn't given since the last flush is OpenGL's current one, and after
 // flush() the last one given, or written by the last shape, is OpenGL's current one, as after glEnd.
@@ -125,7 +125,7 @@ private:
     Vertex* append(size_t count);
     void write(Vertex& vertex, const mathbase::Vector3f& position, const mathbase::Vector3f& normal) const;
     void addQuad(const mathbase::Vector3f (&corners)[4], const float (&texture)[4][2]);
-    void addRun(GLenum mode, bool inside, size_t first);
+    void addRun(GLenum mode, Location location, size_t first);
     void draw();
 
     std::vector<Vertex> mVertices;
@@ -148,7 +148,7 @@ private:
 
     // The state, read at the first shape after a flush.
     bool mLooked = false;
-    bool mCulls = false; // boxes outside the view are left out
+    bool mCulls = false; // shapes outside the view are left out
     float mSide = 0;     // 1: GL_CULL_FACE removes clockwise faces, -1 counter-clockwise ones, 0 neither
     mathbase::Matrix4x4Col mClip; // to clip space
     mathbase::Vector4f mEye;

@@ -39,7 +39,7 @@ private:
 // With a parallel projection w is 0, and the eye a direction.
 mathbase::Vector4f eyeOf(const mathbase::Matrix4x4Col& clip);
 
-// The faces of a box, in the order in which boxes are drawn.
+// The faces of a box, in drawing order.
 enum Face : int { FACE_BACK, FACE_LEFT, FACE_RIGHT, FACE_BOTTOM, FACE_TOP, FACE_FRONT, NUM_FACES };
 
 // A mask, 1 << Face, of the faces of a box (its centre and its half axes along x, y and z, in the eye's

@@ -1,4 +1,4 @@
-// Sprites that face the camera, cut to what their picture shows of them.
+// Sprites that face the camera, cut to their visible part.
 #pragma once
 
 #include "dis_batch.h"
@@ -11,13 +11,14 @@
 namespace zentrak::display {
 
 // Most of a sprite of light is its faint rim, and most of the rim is too faint to change a pixel: what blends
-// to less than half a step of an 8-bit channel adds nothing. A SpriteCut knows the alpha of a texture, and
-// from the colour and the blending of a sprite how far from its middle it can be seen:
+// to less than half a step of an 8-bit channel adds nothing. A SpriteCut reads the alpha of a texture once,
+// and works out from a sprite's colour and the blending how far from its centre it is visible (docs/batch.md
+// has the figures):
 //
 //     texture.bind();                              cut.look(right, up);
 //     cut.readTexture();    // once                for (each of many) {
 //                                                      batch.color(color);
-//                                                      cut.draw(batch, place, size, color);
+//                                                      cut.draw(batch, centre, size, color);
 //                                                  }
 //                                                  batch.flush();
 //
@@ -29,39 +30,38 @@ public:
     // with more than 8 bits of alpha, sprites are drawn whole.
     void readTexture(int cells = 1);
 
-    // The half axes of a sprite of size 1, of all that follow. Reads OpenGL's matrices, blending and what
-    // else counts, which must not change up to the flush of the sprites: a state in which a pixel of alpha
-    // nearly 0 matters (blending off or another, a program, depth being written, a float target, ...) draws
-    // them whole. The texture is the one that was read, on unit 0, with GL_MODULATE; the batch has no
+    // Sets the half axes of a sprite of size 1 for all that follow, and reads OpenGL's matrices, blending and
+    // other state, which must not change until the sprites are flushed. In a state in which a pixel of alpha
+    // near 0 matters (no blending or another, a program, depth writes, a float target, ...) sprites are drawn
+    // whole. The texture must be the one that was read, on unit 0, with GL_MODULATE; the batch must have no
     // transform.
     void look(const mathbase::Vector3f& right, const mathbase::Vector3f& up);
 
-    // How far from its middle a sprite in this colour shows, in its half axes: 0 for one that cannot be seen,
-    // 1 for a whole one. What lies beyond this distance along `right`, along `up` and along both diagonals is
-    // not seen.
+    // How far from its centre a sprite of this colour is visible, in its half axes: 0 for an invisible one, 1
+    // for a whole one. Measured along `right`, along `up` and along both diagonals.
     float reachOf(const mathbase::Vector3f& centre, float size, const mathbase::Vector4f& color,
                   int cell = 0) const;
 
-    // Batch::sprite(centre, right * size, up * size, s0, t0, s1, t1) as far as it shows; with `color`, which
-    // is the batch's.
+    // The visible part of Batch::sprite(centre, right * size, up * size, s0, t0, s1, t1). `color` is the
+    // batch's.
     void draw(Batch& batch, const mathbase::Vector3f& centre, float size, const mathbase::Vector4f& color,
               int cell = 0, float s0 = 0.0f, float t0 = 0.0f, float s1 = 1.0f, float t1 = 1.0f) const;
 
-    // The same for a `reach` that is known.
+    // The same with a known `reach`.
     void drawReach(Batch& batch, const mathbase::Vector3f& centre, float size, float reach, float s0 = 0.0f,
                    float t0 = 0.0f, float s1 = 1.0f, float t1 = 1.0f) const;
 
-    // Whether a sprite's texels are larger than a pixel, so that its mipmaps play no part.
+    // Whether a sprite's texels are larger than a pixel, so that its mipmaps aren't used.
     bool isMagnified(const mathbase::Vector3f& centre, float size) const {
         return size * mLength > mTexels * depthOf(centre);
     }
 
-    // With `all`, the sprites that follow are all magnified: the bound texture, which is the one that was
-    // read, is looked up without its mipmaps, which is quicker and the same. Flush before, and set it back.
+    // With `all`, the sprites that follow must all be magnified; the bound texture, the one that was read, is
+    // then sampled without its mipmaps: the same picture, faster. Flush before, and set it back afterwards.
     void setMagnified(bool all) const;
 
 private:
-    // By alpha, 0 to 255: how far out there is more than that.
+    // By alpha, 0 to 255: the farthest distance with more than that.
     using Reach = std::array<float, 256>;
 
     float depthOf(const mathbase::Vector3f& p) const {
@@ -70,9 +70,9 @@ private:
 
     std::vector<Reach> mReach; // of each cell; empty before readTexture
     float mTexels = 0;
-    int mFilter = 0; // of the texture, where it is minified
+    int mFilter = 0; // of the texture, where minified
 
-    bool mCuts = false;  // the state lets what is faint be left out
+    bool mCuts = false;  // the state allows it
     bool mAdds = false;  // the blending adds light
     bool mAlpha = false; // the target keeps alpha
     mathbase::Vector3f mRight, mUp;

@@ -1,4 +1,4 @@
-// The timeline editor over the running show: the script in memory, to be looked at and changed.
+// The timeline editor over the running show: displays and changes the script in memory.
 #pragma once
 
 #include "dis_listener.h"
@@ -46,7 +46,7 @@ public:
     float mDemoLength = 0; // seconds; to be set before setup
     float mScroll = 0;     // of the time axis: 0 to 1
 
-    // Joins the listeners of the display, and its Panorama behind it. The display must be open.
+    // Joins the listeners of the display, followed by its Panorama. The display must be open.
     Gui(display::DisplayGL* window, script::ScriptEngine* engine);
 
     void contextAction(panorama::Context* context, std::string text) override;
@@ -68,7 +68,7 @@ private:
     panorama::Stat* mStat = nullptr;
     panorama::Label* mFps = nullptr; // or null
     Ruler* mRuler = nullptr;         // or null
-    bool mFitsSlider = false;        // the layout gives the slider no range of its own
+    bool mFitsSlider = false;        // the layout sets no range for the slider
     std::string mText;
 
     void findControls();

@@ -13,8 +13,8 @@ class Effect;
 namespace zentrak::kindler {
 
 // Dragged, the bar moves its span and keeps the length; by one of its ends it changes that end alone. A span
-// stays behind time 0 and lasts a second at least. What it writes takes effect on the next frame; the length
-// of the script stays, and cuts off what reaches beyond it.
+// never starts before time 0 and lasts at least a second. What it writes takes effect on the next frame; the
+// length of the script stays, and cuts off what reaches beyond it.
 class Effector : public panorama::Control {
 public:
     // Pixels a second of every row of the editor.
@@ -30,8 +30,7 @@ public:
 
     panorama::Control* clone() override; // a plain new one, owned by the caller
 
-    // Where the bar of a span stands in its row. One that is no number, or ends before it starts, has no
-    // width.
+    // The bar of a span, relative to its row. A span that is NaN, or ends before it starts, has no width.
     static mathbase::Box2 getBar(const script::Effect& effect);
 
     // A control that is as wide as the bar and moves with it: the curves of the span. Not owned; it lives as

@@ -1,4 +1,4 @@
-// One line of the editor: a label, and behind it a strip of the time axis with what it is about.
+// One line of the editor: a label, followed by a strip of the time axis.
 #pragma once
 
 #include "pan_control.h"
@@ -20,15 +20,15 @@ public:
     static constexpr float SPAN_HEIGHT = 30.0f;  // pixels of a row with a bar
     static constexpr float CURVE_HEIGHT = 70.0f; // pixels of a row with a curve
 
-    int mLevel = 0; // depth of the nest: indents the label
+    int mLevel = 0; // nesting depth: indents the label
 
     Row();
 
     panorama::Control* clone() override; // a plain new one, owned by the caller
 
-    // Fills the row with the bar of `effect`, and adds rows behind it for each of its splines and, in the
-    // same way, each span nested in it. The row is in the control "effects" already: without one it stays
-    // alone. The script's records are not owned.
+    // Fills the row with the bar of `effect`, and appends rows for its splines and, recursively, its nested
+    // spans. The row must already be in the control "effects"; without one it gets no others. The script's
+    // records are not owned.
     void loadEffect(script::Effect* effect, int level);
     // Fills the row with the curve of `spline`, from the left to the right edge of `area`.
     void loadSpline(mathbase::Box2 area, script::Spline* spline, int level);

@@ -11,8 +11,8 @@ class ScriptEngine;
 
 namespace zentrak::kindler {
 
-// The control type "timeruler". It stands over or under the rows, as wide as they are, and is drawn behind
-// them in the layout so that its line is on top. The mouse goes through it.
+// The control type "timeruler". It is above or below the rows and as wide as they are, and comes after them
+// in the layout, so that its line is drawn on top. The mouse goes through it.
 class Ruler : public panorama::Control {
 public:
     script::ScriptEngine* mEngine = nullptr; // not owned; null has no time

@@ -1,12 +1,12 @@
-// Whether a control has outlived what it called: whoever hears an event or an action may delete it.
+// Whether a control still exists after a call: whoever receives an event or an action may delete it.
 #pragma once
 
 #include "pan_control.h"
 
 namespace zentrak::panorama {
 
-// Lives on the stack around whatever reports to others; several of one control go in the reverse order of
-// their making. A control that handles an event and then looks at its own members needs one:
+// Lives on the stack around such a call; several for one control are destroyed in reverse order. A control
+// that handles an event and then reads its own members needs one:
 //
 //     Alive     alive(*this);
 //     const int result = Control::handleEvent(event);

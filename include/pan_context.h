@@ -14,9 +14,9 @@ namespace zentrak::panorama {
 // A menu lives in window coordinates: the corner of mArea.area alone says where its rows and sub-menus are.
 // It is open from Control::setContext to Control::resetContext, drawn over all else.
 //
-// Its rows belong to it. It belongs to who made it, and may go while it is open, as may the control that
-// opened it, or be hidden: then it is closed. A menu may be a row of several others, and reports to the
-// one that has opened it; who put it there takes it out of all but one of them before they go.
+// It owns its rows, and is owned by whoever made it. It closes when it, or the control that opened it, is
+// deleted or hidden. A menu may be a row of several others, and reports to the one that has opened it; before
+// those are deleted, its owner has to take it out of all but one of them.
 class Context : public Control {
 public:
     static constexpr float ROW_HEIGHT = 10.0f; // pixels
@@ -38,10 +38,10 @@ public:
     // Each child `item` is a row with the caption `caption`, and is loaded in its turn; not deeper than
     // MAX_DEPTH.
     void load(xml::IteratorConst& it) override;
-    void setParent(Control* parent) override; // the menu above, or who opens it
+    void setParent(Control* parent) override; // the menu above, or the control that opens it
     Render* getRender() override;
     void setArea(mathbase::Box2 area) override; // rows have no boxes of their own to lay out
-    int handleEvent(Event& event) override;     // 0, whatever happens
+    int handleEvent(Event& event) override;     // always 0
     void draw() override;
 
     // A row is given at `index`, -1 for the end, and is owned here from then on. It takes no focus, so the
@@ -57,8 +57,8 @@ public:
     // none. Nothing if there is no such row.
     virtual void setOption(std::string caption, int index);
 
-    // Marks the row of this caption as current, and gives its index: -1 if there is none, and the former mark
-    // stays.
+    // Marks the row with this caption as current and returns its index; -1, with the mark unchanged, if there
+    // is none.
     virtual int setHighlight(const std::string& caption);
 
     virtual void setFixedWidth(float width); // pixels, from the next resize on; 0 and less: as the rows need
@@ -67,11 +67,11 @@ public:
     virtual void resize();
 
     // Reports a row, named by the event's text: puts this caption and a "." before it and hands it to the
-    // menu above, or, from the topmost, as an event and as an action to who opened it. Whoever hears it may
-    // delete this menu.
+    // menu above, or, from the topmost, as an event and as an action to the control that opened it. A
+    // receiver may delete this menu.
     virtual void sendContextEvent(Event& event);
 
-    // Closes the menus that this control has opened, and takes them off it; for a control that goes.
+    // Closes and detaches the menus that this control has opened; for a control that is being deleted.
     static void letGo(Control& owner);
 
 private:
@@ -90,7 +90,7 @@ private:
     void drawRow(Render& render, int index);
     const std::string& fit(const Render& render, const std::string& caption);
 
-    Context* mPrevious = nullptr; // in the list that begins at sFirst
+    Context* mPrevious = nullptr; // in the list that starts at sFirst
     Context* mNext = nullptr;
     std::string mFitted; // the caption that was cut last
 };

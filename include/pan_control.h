@@ -61,10 +61,10 @@ public:
 
 // Positions of a control are relative to its parent's child area. All belongs to the main thread.
 //
-// Whoever hears an event or an action may delete any control, the one that sent it included.
+// A receiver of an event or an action may delete any control, including the one that sent it.
 class Control {
 public:
-    static constexpr int MAX_DEPTH = 256; // of controls in each other; what would lie deeper is not taken
+    static constexpr int MAX_DEPTH = 256; // of nested controls; deeper ones are refused
 
     AreaSet mArea;                        // the control's own box
     AreaSet mChildArea;                   // the box in which children live
@@ -73,7 +73,7 @@ public:
     ColorSet mText;                       // of text
     std::string mName = "control";        // what findControl finds
     std::string mCaptionText = "control"; // what is written on it
-    std::string mType = "control";        // what it is called in a layout file
+    std::string mType = "control";        // its element in a layout file
     bool mRaiseOnFocus = true;            // a child that takes the focus goes on top of the others
     Control* mParent = nullptr;           // null for the root
     Control* mFocus = nullptr;            // the child that has the focus, or this control itself
@@ -100,7 +100,7 @@ public:
     virtual std::string getType();
     virtual display::DisplayGL* getDisplay(); // the root's; null without a root that has one
 
-    // A parent that hangs below this control itself is not taken, and that is logged.
+    // Logs and refuses a parent that is below this control.
     virtual void setParent(Control* parent);
     virtual Control* getParent();
     virtual Control* getRoot(); // the topmost: this one without a parent
@@ -109,11 +109,11 @@ public:
     virtual Control* getChild(unsigned int index); // null past the end
 
     // "rrggbbaa" in hexadecimal, 0 to 1 each. Missing channels are 0, a missing alpha is 1, and characters
-    // that are no digits are 0.
+    // that aren't digits are 0.
     virtual mathbase::Vector4f hex2vec(const std::string& text);
 
-    // Reads the element that `it` points at, with all controls in it. What it does not know it passes over,
-    // a type of control not without a line in the log.
+    // Reads the element that `it` points at, with all controls in it. Ignores what it does not know; an
+    // unknown type of control is logged.
     virtual void load(xml::IteratorConst& it);
 
     // The elements of this name in the style document; none without one.
@@ -125,7 +125,7 @@ public:
     virtual void setCaption(std::string caption);
     virtual void setInactive(bool inactive);
     virtual bool getInactive();
-    virtual void setVisible(bool visible); // showing it takes the focus off its children
+    virtual void setVisible(bool visible); // showing it clears the focus of its children
     virtual bool getVisible();
     bool isShown() const; // visible, with all that it is in
 
@@ -153,9 +153,9 @@ public:
     // The smallest box around all visible children and the origin, where the children would be if unscrolled.
     virtual mathbase::Box2 getOccupiedArea();
 
-    // Takes a child before `index`, -1 or past the end: last. It is owned here from then on, no longer
-    // by another control, and has the focus. Ignores null. What would lie deeper than MAX_DEPTH, or below
-    // itself, is not taken, and that is logged: it stays whose it was.
+    // Inserts a child before `index`; -1 or past the end: last. Takes ownership, also from another control,
+    // and gives it the focus. Ignores null. A child that would be deeper than MAX_DEPTH, or below itself, is
+    // logged and refused: its owner stays the same.
     virtual void addControl(Control* control, int index);
     virtual void deleteControl(unsigned int index); // nothing past the end
     virtual void deleteControls();
@@ -197,13 +197,13 @@ protected:
     void captureMouse(const Event& press);
     void releaseMouse(); // earlier than that; nothing without a capture
     // The capture has ended without the button's release: a menu was opened, another control took the mouse,
-    // or this one was hidden. Whatever was held is to be let go.
+    // or this one was hidden. The control lets go of what it was dragging.
     virtual void onCaptureLost();
 
     // Passes a "reset" to all that is below. False if that has deleted this control.
     bool resetChildren(Event& reset);
 
-    // A child is no longer one: it was deleted, or another control has taken it.
+    // Called when a child has been deleted or moved to another control.
     virtual void forget(Control* child);
 
 private:
@@ -213,7 +213,7 @@ private:
     void leaveParent();
     int passDown(Event& event, int result);
 
-    Alive* mAlive = nullptr;         // who waits to hear whether it still lives
+    Alive* mAlive = nullptr;         // notified when this is deleted
     Workspace* mCapturing = nullptr; // the root, while this control has the mouse
     bool mIsChild = false;           // one of its parent's children, and not a menu that it opened
 };

@@ -39,7 +39,7 @@ public:
     int getOptionCount() const { return int(mOptions.size()); }
 
     int getSelected() const { return mSelected; } // -1 without options
-    void setSelected(int index);                  // sends nothing; nothing for an index that there is not
+    void setSelected(int index);                  // sends nothing; nothing for an index out of range
     std::string getSelectedId() const;
     std::string getSelectedName() const;
 

@@ -8,7 +8,7 @@
 namespace zentrak::panorama {
 
 // `type` is the word that controls dispatch on: "mousedown", "mouseup", "mousemove", "mousewheel", "keydown",
-// "keyup", "keychardown", "keycharup"; "reset", which takes the hover state back ahead of every move; and
+// "keyup", "keychardown", "keycharup"; "reset", which clears the hover state before every move; and
 // "context", which brings the path of the menu's row that was chosen.
 struct Event : display::Event {
     int button = 0;                // of "mousedown" and "mouseup": a display::MouseButton

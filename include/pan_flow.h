@@ -29,7 +29,7 @@ public:
     // From the next layout on.
     void setSize(Control* control, float size);       // pixels
     void setPercent(Control* control, float percent); // a share
-    float getSize(Control* control);                  // as in mSizes; 0 for a stranger
+    float getSize(Control* control);                  // as in mSizes; 0 if it isn't a child
     void setDirection(Direction direction);
 
 protected:

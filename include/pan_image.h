@@ -10,7 +10,7 @@
 namespace zentrak::panorama {
 
 // As large as its area allows, centred and in its own proportions. Where the file is missing or can't be
-// read, which is logged, a crossed-out frame stands in for it.
+// read, which is logged, a crossed-out frame is drawn instead.
 class Image : public Control {
 public:
     Image();

@@ -1,4 +1,4 @@
-// What the controls that a user acts on share: a press that goes on outside of them, and the keys.
+// The base of input controls: a press that continues outside the control, and keyboard input.
 #pragma once
 
 #include "pan_control.h"

@@ -14,7 +14,7 @@ public:
 
     void setSpeed(float speed); // glides a second; ignored unless above 0
 
-    // The new target: at once, or by a glide from the value last seen on the way.
+    // The new target: at once, or by a glide from the value last returned.
     void set(float value, bool immediately);
 
     // The value now, or, with `target`, the one that it will be. A clock that was set back ends the glide.

@@ -35,7 +35,7 @@ public:
     void load(xml::IteratorConst& it) override; // each child `item` is a menu, and is loaded in its turn
     void buildChildArea() override;
     bool acceptEvents(Event& event) override; // also while a menu is open, wherever the mouse is
-    int handleEvent(Event& event) override;   // 0, whatever happens
+    int handleEvent(Event& event) override;   // always 0
     void draw() override;
 
     void setMenuContext(Context* context); // opens it below the caption of the active menu

@@ -37,7 +37,7 @@ private:
     float getStart() const;        // of the track along the axis, window coordinates
     float getLength() const;       // of the track, pixels
     float getHalf() const;         // of the handle: mSize, but no more than the track has room for
-    float getHandle();             // where the handle begins, as it is seen now
+    float getHandle();             // where the handle is drawn now
     mathbase::Box2 getHandleBox(); // where it is hit
     float along(const mathbase::Vector2f& place) const;
     void moveTo(float position, bool immediately);

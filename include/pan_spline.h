@@ -33,7 +33,7 @@ public:
     int mDragKey = -1;                       // held by the left button, or -1
     int mDeleteIndex = -1;                   // what the menu's "delete key" removes
     mathbase::Vector2f mContextPos{0, 0};    // where the menu was opened
-    Context mContextEmpty;                   // the menu beside the keys
+    Context mContextEmpty;                   // the menu away from the keys
     Context mContext;                        // the menu of a key
     Context mContextType;                    // the sub-menu that both share
 
@@ -47,7 +47,7 @@ public:
     void setSpline(SplineBase* spline, bool own);
     void setSplineType(std::string type); // "square", "linear" or "smooth"; any other is ignored
 
-    // A curve of its own: `type`, and a key for each `item`, at the time `x` with the value `y`.
+    // Its own curve: `type`, and a key for each `item`, at the time `x` with the value `y`.
     void load(xml::IteratorConst& it) override;
     // Also while a key is held, and on the part of a key that lies outside the widget.
     bool acceptEvents(Event& event) override;

@@ -17,7 +17,7 @@ public:
     enum Kind : int {
         TEXT = 0,
         NUMERIC = 1,  // the user can only type what is, or can become, a number; a comma is a point
-        PASSWORD = 2, // shows stars; is not copied, and words are not told apart
+        PASSWORD = 2, // shows stars; isn't copied, and counts as one word
     };
 
     static constexpr size_t LONGEST = size_t(1) << 20; // characters; what is longer is cut

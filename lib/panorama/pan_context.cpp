@@ -19,7 +19,7 @@ namespace {
 
 constexpr float SUBMENU_GAP = 2.0f; // pixels between a menu and the one that it opens
 
-const std::string ARROW = ">"; // marks a row that has rows of its own
+const std::string ARROW = ">"; // marks a row with a sub-menu
 
 // Clamps a row index; NaN is the first.
 int clampRow(float row, int rows) {
@@ -41,7 +41,7 @@ Context::Context() {
 
 Context::~Context() {
     close();
-    if (Context* menu = dynamic_cast<Context*>(mParent)) // deleted past it
+    if (Context* menu = dynamic_cast<Context*>(mParent)) // not deleted by it
         std::erase(menu->mControls, this);
     unlink();
 }
@@ -227,7 +227,7 @@ int Context::handleEvent(Event& event) {
         Event report;
         report.type = "context";
         report.text = row->mCaptionText;
-        sendContextEvent(report); // last: who hears it may delete this
+        sendContextEvent(report); // last: the receiver may delete this
     }
     return 0;
 }
@@ -306,8 +306,8 @@ void Context::drawRow(Render& render, int index) {
         look::drawText(render, ARROW, color, Vector2f(right - render.getTextLength(ARROW), middle));
 }
 
-// A caption without the last characters that have no room in the menu, and without those that would begin
-// beyond the window's right edge. Valid until the next call.
+// A caption, cut where it would leave the menu or start beyond the window's right edge. Valid until the next
+// call.
 const std::string& Context::fit(const Render& render, const std::string& caption) {
     const float room = mArea.area.getWidth() - 2.0f * mMargin;
     const float shown = render.mDrawOffset.x + render.mSize.x - mArea.area.x1 - mMargin;

@@ -50,13 +50,13 @@ Control::~Control() {
     for (Alive* alive = mAlive; alive; alive = alive->mNext)
         alive->mControl = nullptr;
     releaseMouse();
-    if (mIsChild) // deleted past its parent
+    if (mIsChild) // not deleted by its parent
         leaveParent();
     Control::deleteControls();
     Context::letGo(*this);
 }
 
-// Takes it out of its parent's children, which no longer own it then.
+// Removes it from its parent, which no longer owns it.
 void Control::leaveParent() {
     mIsChild = false;
     std::erase(mParent->mControls, this);
@@ -145,7 +145,7 @@ void Control::setCallback(Callback* callback) {
         mCallbacks.push_back(callback);
 }
 
-// What the parents answer
+// Answered by the parents
 
 void Control::setParent(Control* parent) {
     for (const Control* above = parent; above; above = above->mParent) {
@@ -213,8 +213,8 @@ void Control::layoutSelf(const Box2& area) {
     mChildArea.clip = cutOrZero(mChildArea.clip, mArea.clip);
 }
 
-// A maximized child is laid out by its setMaximized: once is enough, and twice at each level would make a
-// deep tree take for ever.
+// A maximized child is laid out by its setMaximized. Doing it twice at each level would take exponential
+// time.
 void Control::layoutChildren() {
     for (size_t i = 0; i < mControls.size(); ++i) {
         Control* child = mControls[i];
@@ -376,7 +376,7 @@ Control* Control::findControl(const std::string& name) {
     return nullptr;
 }
 
-// Focus. What has it is the end of a path from the root: above it every control's mFocus is the next below.
+// Focus: it belongs to the end of a path from the root on which each mFocus is the next control.
 
 void Control::setFocus(Control* control) {
     if (mParent)
@@ -445,7 +445,7 @@ int Control::handleEvent(Event& event) {
     if (event.type == "mousemove") {
         mHover = isInside(mArea.clip, event.mousePos);
         result = mHover;
-        if (!event.hoverCleared) { // once for the whole tree, and not again at each level
+        if (!event.hoverCleared) { // once for the whole tree
             Event copy(event);
             copy.type = "reset";
             if (!resetChildren(copy))
@@ -504,7 +504,7 @@ void Control::draw() {
         Control* child = mControls[i];
         const Box2 box = cut(mChildArea.clip, child->mArea.clip);
         if (!(all || (box.getWidth() >= 1 && box.getHeight() >= 1)) || !child->getVisible())
-            continue; // most of a long list is out of sight; its area alone shows that
+            continue; // cheap for the hidden part of a long list
         render->setClipArea(box);
         child->draw();
     }

@@ -142,7 +142,7 @@ int Dropdown::List::handleEvent(Event& event) {
     case KEY_KP_ENTER:
     case KEY_SPACE:
         mOwner.resetContext();
-        mOwner.choose(from); // whose receiver may delete the owner and this
+        mOwner.choose(from); // its receiver may delete the owner and this
         break;
     default:
         return 0;
@@ -167,7 +167,7 @@ void Dropdown::List::draw() {
         drawRow(*render, row);
 }
 
-// The bar fills the row and the gaps beside it, so that letters that reach below the line lie on it too.
+// The bar fills the row and the gaps around it, so that it is also below descenders.
 void Dropdown::List::drawRow(Render& render, int row) {
     const Box2& area = mArea.area;
     const float top = area.y1 + mMargin + getPitch() * float(row);
@@ -292,7 +292,7 @@ int Dropdown::handleKey(const Event& event) {
 }
 
 int Dropdown::handleEvent(Event& event) {
-    // A row of the list: two of the same name are told apart by where the mouse is.
+    // A row of the list: the mouse position distinguishes two of the same name.
     if (event.type == "context") {
         choose(mList->mHighlight);
         return 1;

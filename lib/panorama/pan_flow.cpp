@@ -36,8 +36,7 @@ void Flow::load(xml::IteratorConst& it) {
     }
 }
 
-// The children are laid out once, where they belong: before that as well would double the work with each flow
-// in a flow.
+// Lays the children out only once: twice would double the work with each level of nested flows.
 void Flow::setArea(Box2 area) {
     layoutSelf(area);
     float fixed = 0, shares = 0;

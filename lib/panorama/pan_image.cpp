@@ -19,7 +19,7 @@ Image::Image() {
     setPair(mBack.border, NO_COLOR);
     setPair(mCaption.color, white); // what the picture is multiplied by
     setPair(mCaption.inactive, Vector4f(0.5f, 0.5f, 0.5f, 0.5f));
-    setPair(mText.inactive, faint); // the box that stands in for a missing picture
+    setPair(mText.inactive, faint); // the box drawn for a missing picture
 }
 
 Image::~Image() = default;

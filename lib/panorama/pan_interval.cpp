@@ -15,7 +15,7 @@ void Interval::set(float value, bool immediately) {
     mTarget = value;
     mStarted = false;
     if (immediately) {
-        mStart = mLast = value; // the start time stays: whatever it is, the value is the same
+        mStart = mLast = value; // at any start time the value is the same
     } else {
         mStart = mLast;
         mStartTime = -10;

@@ -45,7 +45,7 @@ void Label::draw() {
     fill(*render, box, mBack.color);
     outline(*render, box, mBack.border);
     render->setColor(pick(mText, mInactive, false, false).first, NO_COLOR);
-    // Off the edge of a box that can be seen.
+    // Away from the edge of a visible box.
     const bool plain = mBack.color.first.w <= 0 && mBack.border.first.w <= 0;
     const float margin = plain ? 0.0f : MARGIN;
     mLine.draw(*render, Box2(box.x1 + margin, box.y1, box.x2 - margin, box.y2), mAlign, mVAlign);

@@ -15,11 +15,11 @@ using mathbase::Vector4f;
 
 namespace {
 
-constexpr size_t MAX_STYLED = 20000; // controls that styles bring into one layout
+constexpr size_t MAX_STYLED = 20000; // controls made by the styles of one layout
 
-// The style elements that are being loaded, and how many controls they have made: a style that holds a
-// control of its own kind would never end, and a chain of styles that hold two of the next would double at
-// each step.
+// The style elements being loaded, and how many controls they have made: a style that contains a control of
+// its own kind would never end, and a chain of styles that each contain two of the next would grow
+// exponentially.
 std::vector<const xml::XmlTag*> loadingStyles;
 size_t styledControls = 0;
 int loadDepth = 0;

@@ -53,7 +53,7 @@ void LayoutStack::deleteControl(unsigned int index) {
     recalculate();
 }
 
-// A child that is already in position is not laid out again.
+// Skips children that are already in position.
 void LayoutStack::recalculate() {
     float position = 0;
     for (Control* child : mControls) {

@@ -19,7 +19,7 @@ inline constexpr mathbase::Vector4f edge(0.36f, 0.36f, 0.42f, 1.0f);
 inline constexpr mathbase::Vector4f field(0.06f, 0.06f, 0.08f, 0.92f); // what is typed or plotted into
 inline constexpr mathbase::Vector4f ink(0.85f, 0.85f, 0.89f, 1.0f);
 inline constexpr mathbase::Vector4f white(1.0f, 1.0f, 1.0f, 1.0f);
-inline constexpr mathbase::Vector4f faint(0.42f, 0.42f, 0.46f, 1.0f); // text and marks of what is greyed out
+inline constexpr mathbase::Vector4f faint(0.42f, 0.42f, 0.46f, 1.0f); // text and marks of inactive controls
 
 inline void setPair(ColorPair& pair, const mathbase::Vector4f& first, const mathbase::Vector4f& second) {
     pair.first = first;
@@ -46,16 +46,16 @@ inline mathbase::Box2 shrunk(const mathbase::Box2& box, float by) {
     return mathbase::Box2(box.x1 + by, box.y1 + by, box.x2 - by, box.y2 - by);
 }
 
-// A box with a gradient downwards, and an outline; nothing of one that is turned inside out or all clear.
+// A box with a gradient downwards, and an outline; nothing if the box is inverted or fully transparent.
 void fill(Render& render, const mathbase::Box2& box, const ColorPair& pair);
 void outline(Render& render, const mathbase::Box2& box, const ColorPair& pair);
 
-// Clips to what is in both boxes. A box without a common part lets nothing through.
+// Clips to the intersection of both boxes, which may be empty.
 void clipTo(Render& render, const mathbase::Box2& a, const mathbase::Box2& b);
 
 inline const mathbase::Box2 noClip(0, 0, -1, -1); // for Render::setClipArea
 
-// A caption in one colour: from `position` to the right, and around the middle of a box.
+// A caption in one colour: from `position` to the right, and vertically centred in a box.
 void drawText(Render& render, const std::string& caption, const mathbase::Vector4f& color,
               const mathbase::Vector2f& position);
 void drawCentred(Render& render, const std::string& caption, const mathbase::Vector4f& color,

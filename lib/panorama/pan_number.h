@@ -1,4 +1,4 @@
-// Numbers in layout files, and places between pixels.
+// Numbers in layout files, and coordinates between pixels.
 #pragma once
 
 #include "ztk_text.h"

@@ -100,6 +100,9 @@ void Panorama::load(std::string filename) {
             if (style) {
                 mStyleDocument = style.release();
                 mWorkspace.loadStyle(mStyleDocument);
+            } else {
+                ZTK_LOG("warning", "app", "The style file '%s' of the layout '%s' is missing",
+                        styleName.c_str(), filename.c_str());
             }
         }
         mWorkspace.load(workspace);

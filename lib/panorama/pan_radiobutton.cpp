@@ -156,7 +156,7 @@ void RadioButton::draw() {
         render->setColor(pick(mText, mInactive, false, false).first, NO_COLOR);
         mHeading.draw(*render, Box2(all.x1, all.y1, all.x2, all.y1 + ROW), TextLine::START, TextLine::MIDDLE);
     }
-    // Only the rows that can be seen.
+    // Only the visible rows.
     const float top = getRow(0).y1, count = float(mBoxes.size());
     const int first = int(std::clamp(std::floor((mArea.clip.y1 - top) / ROW), 0.0f, count));
     const int last = int(std::clamp(std::ceil((mArea.clip.y2 - top) / ROW), 0.0f, count));

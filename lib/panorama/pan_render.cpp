@@ -18,7 +18,7 @@ namespace {
 
 constexpr float PI = 3.1415927f;
 constexpr float FAR_AWAY = 1e6f;  // pixels; no window is as large
-constexpr int MAX_SEGMENTS = 720; // of a circle: more than can be seen
+constexpr int MAX_SEGMENTS = 720; // of a circle: more would make no difference
 constexpr float SPACE = 3.0f;     // pixels, the advance of a blank
 
 // As a cast to int, for any number.
@@ -191,8 +191,8 @@ void Render::drawCircle(const Box2& box, int segments, float start) {
     drawPolygon(mPolygon.data(), segments);
 }
 
-// Lines of one pixel are surfaces as wide, so that they go with all else. Along an axis they keep to the
-// pixels that they lie in.
+// A line is drawn as a quad one pixel wide, so that it joins the other shapes. Along an axis it fills whole
+// pixels.
 void Render::drawLine(const Vector2f& a, const Vector2f& b) {
     const Vector4f& color = mColorFirst;
     if (a.x == b.x || a.y == b.y) {
@@ -211,7 +211,7 @@ void Render::drawLine(const Vector2f& a, const Vector2f& b) {
     drawPolygon(points, 4);
 }
 
-// A convex one, in the first colour.
+// Convex, in the first colour.
 void Render::drawPolygon(const Vector2f* points, int count) {
     Box2 bounds(points[0].x, points[0].y, points[0].x, points[0].y);
     for (int i = 0; i < count; ++i) {
@@ -235,8 +235,8 @@ void Render::drawPolygon(const Vector2f* points, int count) {
 }
 
 // Cuts a convex polygon at the four edges of the clip area, one after the other, into mCut. Returns how many
-// points it has then. In doubles, and to the very edge: a point may be so far out that a float's rounding
-// would put the cut hundreds of pixels off. What lies between two points never lies beyond one of them.
+// points are left. In doubles: with a point very far out, rounding to float would put the cut hundreds of
+// pixels off.
 int Render::clipPolygon(const Vector2f* points, int count) {
     mCut.assign(points, points + count);
     const float edges[4] = {mClip.x1, mClip.y1, mClip.x2, mClip.y2};

@@ -60,7 +60,7 @@ void Scrollbars::load(xml::IteratorConst& it) {
         mVertical = false;
     if (direction == "vertical")
         mHorisontal = false;
-    setArea(mArea.area); // what the bar that went has left is the children's
+    setArea(mArea.area); // the children get the room of the hidden bar
 }
 
 float Scrollbars::getTravelX() const {
@@ -162,7 +162,7 @@ void Scrollbars::onCaptureLost() {
     mDragVertical = mDragHorisontal = mDragResize = false;
 }
 
-// With nothing inside, a step is endless: the thumb goes to the end.
+// Without content a step is infinite: the thumb goes to the end.
 int Scrollbars::turnWheel(const Event& event) {
     const Box2 occupied = getOccupiedArea();
     if (!event.ctrl() && mVertical)

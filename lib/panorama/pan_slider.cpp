@@ -11,9 +11,9 @@ using mathbase::Vector4f;
 
 namespace {
 
-constexpr float PAGE = 0.2f;   // of the track, for a press beside the handle
+constexpr float PAGE = 0.2f;   // of the track, for a press off the handle
 constexpr float STEP = 0.1f;   // of the track, for a step of the wheel
-constexpr float BEFORE = 2.0f; // pixels before the handle that hit it too
+constexpr float BEFORE = 2.0f; // pixels before the handle that also hit it
 constexpr float BEHIND = 4.0f; // and after it
 constexpr float GROOVE = 4.0f; // pixels across
 

@@ -142,7 +142,7 @@ int Spline::findKey(const Vector2f& position) const {
     return -1;
 }
 
-// A visible key at the left or right edge is hit at its whole width.
+// A visible key at the left or right edge can be hit across its whole width.
 bool Spline::acceptEvents(Event& event) {
     if (Control::acceptEvents(event) || mDragKey != -1)
         return true;
@@ -191,7 +191,7 @@ void Spline::onCaptureLost() {
     mDragKey = mHoverKey = -1;
 }
 
-// The key follows the mouse without bounds. One that passes a neighbour moves in the list and stays held.
+// The key follows the mouse without limits. Past a neighbour it moves in the list and is still dragged.
 void Spline::dragKey(const Vector2f& position) {
     std::vector<Key>& keys = mSpline->mKeys;
     Key& key = keys[size_t(mDragKey)];
@@ -212,7 +212,7 @@ void Spline::dragKey(const Vector2f& position) {
     sendAction(ACTION_SPLINE, nullptr);
 }
 
-// After a release the mouse may be on the key still.
+// After a release the mouse may still be on the key.
 void Spline::onMouseDown(const Event& event) {
     if (!hasKey(mHoverKey))
         mHoverKey = findKey(event.mousePos);
@@ -235,7 +235,7 @@ void Spline::onMouseDown(const Event& event) {
     openMenu(onKey ? mContext : mContextEmpty, event.mousePos);
 }
 
-// As near to the position as it fits into the window together with its sub-menu.
+// As close to the position as fits into the window together with its sub-menu.
 void Spline::openMenu(Context& menu, const Vector2f& position) {
     mContextType.setHighlight(SplineBase::getModeName(mSpline->mMode));
     mContextType.setParent(&menu);
@@ -255,7 +255,7 @@ void Spline::openMenu(Context& menu, const Vector2f& position) {
                               std::max(0.0f, std::min(position.y, bottom - height))));
 }
 
-// Whether the key is one of the four that it knows.
+// Returns whether it is one of the four keys used here.
 bool Spline::onKeyDown(const Event& event) {
     if (!mSpline)
         return false;
@@ -304,7 +304,7 @@ void Spline::addKey(const Key& key) {
     mDirty = true;
 }
 
-// A selection that has lost its key goes to the next one, or, after the last, to the one before.
+// If the selected key is gone, selects the next one, or the last.
 void Spline::removeKey(int index) {
     mSpline->removeKey(index);
     if (index < mSelected)

@@ -106,7 +106,7 @@ void Stat::drawGraph(Render& render, const Box2& box, int shown, float low, floa
         if (!std::isfinite(value))
             continue;
         const float x = box.x2 - float(i + 1) * COLUMN, y = heightOf(value);
-        // A sample at zero still shows as one pixel.
+        // A sample of zero is still drawn, one pixel high.
         fill(render, Box2(x, std::min(y, zero - 1), x + COLUMN, std::max(y, zero)),
              i == 0 ? mCaption.highlight : mCaption.color);
     }

@@ -16,12 +16,12 @@ using mathbase::Vector4f;
 namespace {
 
 constexpr float MARGIN = 4.0f; // pixels left and right of the text
-constexpr float BLINK = 0.53f; // seconds that the caret is seen, and then not
+constexpr float BLINK = 0.53f; // seconds that the caret is on, and then off
 constexpr char STAR = '*';
 
 std::string clipboard;
 
-// Of Latin-1: what a key types.
+// Latin-1 characters that keys type.
 bool isPrintable(int character) {
     return (character >= 32 && character <= 126) || (character >= 160 && character <= 255);
 }
@@ -34,7 +34,7 @@ std::string printableOf(const std::string& text) {
     return result;
 }
 
-// Blanks, letters and digits, and the rest: a word is a row of one sort.
+// Blanks, letters and digits, and the rest: a word is a run of one class.
 int sortOf(char character) {
     const unsigned char c = static_cast<unsigned char>(character);
     if (c == ' ' || c == 0xA0)
@@ -44,7 +44,7 @@ int sortOf(char character) {
     return letter || plain ? 1 : 2;
 }
 
-// Whether it is the beginning of a number: "-", "1.", "1e-" and so on, and nothing at all.
+// Whether it is the start of a number: "-", "1.", "1e-" and so on, or empty.
 bool beginsNumber(const std::string& text) {
     size_t i = 0;
     const auto sign = [&] { i += i < text.size() && (text[i] == '-' || text[i] == '+'); };
@@ -191,7 +191,7 @@ size_t TextInput::wordBehind(size_t position) const {
     return position;
 }
 
-// The row of characters of one sort around a position; the anchor is its start.
+// Selects the run of characters of one class around a position, with the anchor at its start.
 void TextInput::selectWord(size_t position) {
     const size_t end = mValue.size();
     if (mKind == PASSWORD || !end) {
@@ -222,7 +222,7 @@ bool TextInput::replaceSelection(const std::string& text) {
     if (from == to && added.empty())
         return false;
     std::string value = mValue.substr(0, from) + added + mValue.substr(to);
-    // Deleting is always allowed, or a text that was set and isn't a number could not be corrected.
+    // Deleting is always allowed; otherwise a text that was set and isn't a number could not be corrected.
     if (mKind == NUMERIC && !added.empty() && !beginsNumber(value))
         return false;
     mValue.swap(value);
@@ -246,7 +246,7 @@ void TextInput::changed() {
     sendAction(ACTION_CHANGE, nullptr);
 }
 
-// What changes the text or takes it to the clipboard. Whether the key was one of these.
+// The keys that edit the text or use the clipboard. Returns whether it was one.
 bool TextInput::handleEdit(const Event& event, bool& changed) {
     const bool ctrl = event.ctrl();
     switch (event.key) {
@@ -318,7 +318,7 @@ int TextInput::handleKey(const Event& event) {
     case KEY_KP_ENTER:
         leaveKeys();
         return 1;
-    default: // what types something arrives once more as a character
+    default: // typing arrives again as a character
         return isPrintable(event.key) && !ctrl ? 1 : 0;
     }
 }
@@ -350,7 +350,7 @@ int TextInput::handleEvent(Event& event) {
     return result;
 }
 
-// Scrolls as little as it takes, and leaves no room after the text that the text could fill.
+// Scrolls as little as possible, and leaves no gap after the text while some of it is hidden on the left.
 void TextInput::showCaret() {
     const double width = std::max(1.0, double(getInside().getWidth()) - 1); // and the caret's own pixel
     const double caret = edge(mCaret);
@@ -385,7 +385,7 @@ void TextInput::draw() {
              keys ? mCaption.highlight : mCaption.inactive);
     }
 
-    // The characters that reach into the field.
+    // The characters that are at least partly visible.
     const double width = std::max(0.0, double(inside.getWidth()));
     const size_t first = size_t(
         std::max<ptrdiff_t>(0, std::upper_bound(mEdges.begin(), mEdges.end(), mScroll) - mEdges.begin() - 1));

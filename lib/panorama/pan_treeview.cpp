@@ -51,7 +51,7 @@ void TreeView::load(xml::IteratorConst& it) {
     if (!it->getValue("text").empty())
         setCaption(it->getValue("text"));
 
-    // Down and up without a depth of calls.
+    // Walks down and up without recursion.
     struct Level {
         xml::IteratorConst it;
         int node;
@@ -187,7 +187,7 @@ void TreeView::measureRows() {
     }
 }
 
-// The room inside, less the heading, and less the bars where there have to be some.
+// The inner area without the heading and, where needed, the bars.
 Box2 TreeView::getView() {
     measureRows();
     Box2 view = shrunk(toPixels(mArea.world), 1);
@@ -212,7 +212,7 @@ void TreeView::setScroll(bool across, float pixels) {
     scroll = pixels > 0 ? std::floor(std::min(pixels, getOverflow(across))) : 0;
 }
 
-// Empty where all of it is seen.
+// Empty if everything is visible.
 Box2 TreeView::getThumb(bool across) {
     const float overflow = getOverflow(across);
     if (!(overflow > 0))
@@ -242,7 +242,7 @@ bool TreeView::overArrow(int row, float x) {
     return node.next > index + 1 && x >= left && x < left + ARROW;
 }
 
-// By the user. The action comes last: its receiver may delete this.
+// By the user. Sends the action last: its receiver may delete this.
 void TreeView::selectRow(int row) {
     if (row < 0 || row >= getRowCount())
         return;
@@ -279,7 +279,7 @@ bool TreeView::handlePress(const Event& event) {
         if (isInside(thumb, event.mousePos)) {
             mDrag = across ? ACROSS : VERTICAL;
             mGrip = place - start;
-        } else { // beside the thumb: a page towards the mouse
+        } else { // off the thumb: a page towards the mouse
             const float page = across ? view.getWidth() : view.getHeight();
             setScroll(across, (across ? mScrollX : mScrollY) + (place < start ? -page : page));
         }
@@ -422,7 +422,7 @@ void TreeView::draw() {
     const Box2 box = toPixels(mArea.world);
     fill(*render, box, mInactive ? mBack.inactive : mBack.color);
     const Box2 view = getView();
-    setScroll(false, mScrollY); // what overflows may have become less
+    setScroll(false, mScrollY); // the content may have shrunk
     setScroll(true, mScrollX);
     if (!mCaptionText.empty()) {
         mHeading.set(mCaptionText);

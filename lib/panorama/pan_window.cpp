@@ -18,8 +18,8 @@ namespace {
 constexpr float TITLE = 18.0f; // pixels, the height of the bar
 constexpr int STEPS = 100000;  // more than any screen is wide
 
-// Moves a span by whole pixels until it does not begin before `limit`. Where that is too far away for pixels
-// to count it goes there at once.
+// Moves a span by whole pixels until it does not start before `limit`; at once if that is too far away for
+// steps of a pixel.
 void keepBehind(float& begin, float& end, float limit) {
     for (int i = 0; i < STEPS && begin < limit; ++i) {
         begin += 1.0f;

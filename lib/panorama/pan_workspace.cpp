@@ -25,7 +25,7 @@ Workspace::Workspace() {
 
 Workspace::~Workspace() {
     setCapture(nullptr, 0);
-    deleteControls(); // while what they ask for is still there
+    deleteControls(); // while the members they use still exist
     delete mStyle;
 }
 
@@ -33,7 +33,7 @@ Control* Workspace::clone() {
     return new Workspace;
 }
 
-// One that a layout puts inside another has nothing of its own to answer with.
+// A workspace inside another asks its parent.
 
 display::DisplayGL* Workspace::getDisplay() {
     return mParent ? Control::getDisplay() : mDisplay;
@@ -159,7 +159,7 @@ int Workspace::handleEvent(Event& event) {
             return 0;
     }
     if (press && !mParent && !isOverChild(event.mousePos))
-        setFocus(nullptr); // from here on keys go past the controls, as this press does
+        setFocus(nullptr); // keys go past the controls from now on, as this press does
     return Control::handleEvent(event);
 }
 

@@ -666,13 +666,19 @@ TEST_F(BatchTest, ShapesInsideTheViewAndAcrossItsEdgeStayInOrder) {
         1, 0.005, 0.2);
 }
 
-TEST_F(BatchTest, BoxesOutsideTheViewCostNoVertex) {
+TEST_F(BatchTest, ShapesOutsideTheViewCostNoVertex) {
     frame([&] {
         perspective(display());
         const Vector3f half(1, 1, 1);
         for (const Vector3f& centre : {Vector3f(0, 0, 10), Vector3f(100, 0, -10), Vector3f(-100, 0, -10),
-                                       Vector3f(0, 100, -10), Vector3f(0, -100, -10)})
+                                       Vector3f(0, 100, -10), Vector3f(0, -100, -10)}) {
             batch.box(centre, half);
+            batch.sprite(centre, Vector3f(1, 0, 0), Vector3f(0, 1, 0));
+            batch.begin(GL_TRIANGLE_STRIP);
+            for (int i = 0; i < 5; ++i)
+                batch.vertex(centre + Vector3f(float(i % 2), float(i), 0));
+            batch.end();
+        }
         EXPECT_EQ(batch.getVertices(), 0u);
         batch.clear();
     });

@@ -100,8 +100,12 @@ void Batch::write(Vertex& vertex, const Vector3f& position, const Vector3f& norm
     vertex.position[0] = position.x, vertex.position[1] = position.y, vertex.position[2] = position.z;
 }
 
-// Takes the vertices from `first` on as a primitive. Separate ones join the run before where they can.
-void Batch::addRun(GLenum mode, bool inside, size_t first) {
+// Takes the vertices from `first` on as a primitive, or drops them if none of it is visible. Separate
+// primitives join the run before where they can.
+void Batch::addRun(GLenum mode, Location location, size_t first) {
+    if (mCulls && location == Location::OUTSIDE)
+        mVertices.resize(first);
+    const bool inside = location == Location::INSIDE;
     const GLsizei count = GLsizei(mVertices.size() - first);
     if (!count)
         return;
@@ -134,7 +138,7 @@ void Batch::end() {
     const GLenum mode = std::exchange(mMode, NO_MODE);
     if (const size_t each = verticesOf(mode))
         mVertices.resize(mVertices.size() - (mVertices.size() - mFirst) % each);
-    addRun(mode, mLocator.get() == Location::INSIDE, mFirst);
+    addRun(mode, mLocator.get(), mFirst);
 }
 
 void Batch::box(const Vector3f& centre, const Vector3f& half) {
@@ -162,7 +166,7 @@ void Batch::box(const Vector3f& centre, const Vector3f& half) {
                 write(*out++, corners[FACE_CORNERS[face][i]], normal);
             }
         }
-        addRun(GL_QUADS, location == Location::INSIDE, first);
+        addRun(GL_QUADS, location, first);
     }
     texCoord(FACE_TEXTURE[3][0], FACE_TEXTURE[3][1]);
     normal(0, 0, FACE_SIGN[FACE_FRONT]);
@@ -193,7 +197,7 @@ void Batch::addQuad(const Vector3f (&corners)[4], const float (&texture)[4][2]) 
         texCoord(texture[i][0], texture[i][1]);
         write(out[i], corners[i], mTransformedNormal);
     }
-    addRun(GL_QUADS, locate(mClip, corners) == Location::INSIDE, first);
+    addRun(GL_QUADS, locate(mClip, corners), first);
 }
 
 void Batch::rect(float x0, float y0, float x1, float y1, float s0, float t0, float s1, float t1, float z) {

@@ -135,7 +135,7 @@ void BufferObject::unmap() noexcept {
     mMapped = false;
 }
 
-// What clear does, without a check: it also ends the object's life.
+// clear() without its check, for the destructor too.
 void BufferObject::release() noexcept {
     unmap();
     if (mID && contextIsCurrent(mContext))

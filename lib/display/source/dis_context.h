@@ -1,4 +1,4 @@
-// Whose context an OpenGL name belongs to.
+// Which context an OpenGL name belongs to.
 #pragma once
 
 #include "dis_display.h"

@@ -122,7 +122,7 @@ Vector2f DisplayGL::getMousePosition() const {
 
 // Reads the window's picture into rows from the top, without gaps between them.
 static void readPixels(int width, int height, GLenum format, int pixelSize, unsigned char* pixels) {
-    // Not by pixel-store settings that others have left.
+    // Don't depend on the current pixel-store settings.
     GL_CALL(glPushClientAttrib(GL_CLIENT_PIXEL_STORE_BIT));
     for (GLenum setting :
          {GL_PACK_SWAP_BYTES, GL_PACK_LSB_FIRST, GL_PACK_ROW_LENGTH, GL_PACK_SKIP_ROWS, GL_PACK_SKIP_PIXELS})

@@ -10,7 +10,7 @@ static const double DOUBLE_CLICK_TIME = 0.8; // seconds
 
 // Dispatch
 
-// Hands the event to the listeners, the last one to join first.
+// Passes the event to the listeners, the last one to join first.
 template <class EventType>
 void DisplayGL::dispatch(int (Listener::*operation)(const EventType&), const EventType& event) {
     Walk walk(*this, false);
@@ -37,7 +37,7 @@ bool DisplayGL::shallStop(int result) {
     return stop;
 }
 
-// Asks all listeners, the last one to join first. Returns whether none of them vetoes.
+// Asks all listeners, the last one to join first. Returns whether none vetoes.
 bool DisplayGL::askQuit() {
     bool veto = false;
     Walk walk(*this, false);

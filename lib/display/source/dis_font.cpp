@@ -13,7 +13,7 @@ namespace {
 
 constexpr int GRID = 16;    // cells a side
 constexpr int SHAPE = 200;  // above this a pixel belongs to the glyph
-constexpr int SPOT = 4;     // pixels a side of what is white
+constexpr int SPOT = 4;     // pixels a side of the white spot
 constexpr float GAP = 2.0f; // pixels between glyphs
 
 } // namespace
@@ -60,7 +60,7 @@ void Font::load(const std::string& filename, bool mipmaps, mathbase::Vector2f si
     mTexture.load(image, mipmaps);
 }
 
-// Around every pixel of a cell that is not wholly clear.
+// The bounds of a cell's pixels that aren't fully transparent.
 void Font::measureInk(const uint8_t* cell, mathbase::Box2& ink) const {
     int left = mCharWidth, top = mCharHeight, right = 0, bottom = 0;
     for (int y = 0; y < mCharHeight; ++y)
@@ -96,7 +96,7 @@ void Font::placeSolid(uint8_t* pixels) {
     setSolid(left, top, width, height);
 }
 
-// The pixel with the most alpha: no glyph is given up for the spot.
+// The pixel with the most alpha, so that no glyph is lost to the spot.
 void Font::findMostSolid(const uint8_t* pixels) {
     size_t best = 0;
     for (size_t i = 0; i < size_t(mWidth) * mHeight; ++i)
@@ -105,7 +105,7 @@ void Font::findMostSolid(const uint8_t* pixels) {
     setSolid(int(best % mWidth), int(best / mWidth), 1, 1);
 }
 
-// The middle of two by two pixels, which is looked up from these alone.
+// The centre of two by two pixels: a lookup there reads no others.
 bool Font::findSolid(const uint8_t* pixels) {
     const auto isSolid = [&](uint32_t x, uint32_t y) {
         return pixels[(size_t(y) * mWidth + x) * 4 + 3] == 255;

@@ -10,7 +10,7 @@ namespace zentrak::display {
 
 namespace {
 
-// Bytes of an index; 0 for what is no format.
+// Bytes of an index; 0 for an unknown format.
 int sizeOf(IBO::Format format) {
     switch (format) {
     case IBO::FORMAT_UINT8:

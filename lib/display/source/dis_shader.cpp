@@ -12,7 +12,7 @@ namespace zentrak::display {
 
 namespace {
 
-// What one driver says of every program that links.
+// One driver's message for every program that links.
 constexpr char PLEASANT[] = " Link successful.";
 
 void requireShaders() {
@@ -179,7 +179,7 @@ void ShaderProgram::release() noexcept {
     mBound = false;
 }
 
-// Looks the uniform up and uploads its value, with the program bound for as long as that takes.
+// Looks the uniform up and uploads its value, with the program bound meanwhile.
 template <class Upload>
 void ShaderProgram::setUniform(const std::string& name, Upload upload) {
     assert(mLinked);

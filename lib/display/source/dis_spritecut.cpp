@@ -24,7 +24,7 @@ GLint get(GLenum name) {
     return value;
 }
 
-// How far out a point is, as an octagon counts.
+// A point's distance in the metric whose circles are octagons.
 float distanceOf(float x, float y) {
     return std::max({x, y, (x + y) * DIAGONAL});
 }
@@ -41,7 +41,7 @@ bool texturesAsGiven() {
            !glIsEnabled(GL_TEXTURE_GEN_T);
 }
 
-// Whether nothing but the colour of a pixel is written, and that as blending alone has it.
+// Whether a pixel's colour is all that is written, and blending all that affects it.
 bool writesColorAlone() {
     if (GLEW_VERSION_2_0 && get(GL_CURRENT_PROGRAM))
         return false;
@@ -82,7 +82,7 @@ void SpriteCut::readTexture(int cells) {
     GL_CALL(glGetTexImage(GL_TEXTURE_2D, 0, GL_RGBA, GL_UNSIGNED_BYTE, texels.data()));
     GL_CALL(glPopClientAttrib());
 
-    // The extent of a texel's light: its middle, and one texel around it.
+    // How far a texel's light reaches: from its centre, one texel further.
     const auto extent = [](int i, int n) {
         return std::fabs(float(2 * i + 1 - n)) / float(n) + 2.1f / float(n);
     };
@@ -150,21 +150,21 @@ void SpriteCut::look(const Vector3f& right, const Vector3f& up) {
             get(GL_BLEND_EQUATION_ALPHA) == GL_FUNC_ADD;
 }
 
-// A pixel stays as it is where the product that is added to it rounds to 0, be it rounded once or, as some
-// drivers do, each factor first; or where the alpha that takes from it does.
+// A pixel is unchanged where the product added to it rounds to 0 (rounded once or, in some drivers, each
+// factor first), or where the alpha that takes from it does.
 float SpriteCut::reachOf(const Vector3f& centre, float size, const Vector4f& color, int cell) const {
     if (!mCuts || cell < 0 || size_t(cell) >= mReach.size() ||
         (mFilter != GL_LINEAR && !isMagnified(centre, size)))
         return 1;
     const float brightest = 255 * std::clamp(std::max({color.x, color.y, color.z}), 0.0f, 1.0f);
     const float alpha = std::clamp(color.w, 0.0f, 1.0f);
-    float faint = 0.49f; // the most alpha, of 255, that is not seen
+    float faint = 0.49f; // the largest alpha, of 255, that is invisible
     if (mAdds) {
         faint = std::max(faint, 127.0f / (brightest + 0.5f) - 0.51f);
         if (mAlpha)
             faint = std::min(faint, 10.7f);
     }
-    if (std::isnan(color.x + color.y + color.z + color.w)) // drawn as it comes
+    if (std::isnan(color.x + color.y + color.z + color.w))
         return 1;
     if (255 * alpha <= faint)
         return 0;

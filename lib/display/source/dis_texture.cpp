@@ -21,7 +21,7 @@ bool isPowerOfTwo(int n) {
     return n > 0 && (n & (n - 1)) == 0;
 }
 
-// The next power of two; one that is one already stays, and so does what has no next one.
+// The next power of two; a power of two, and a number with no next one, is returned as it is.
 int powerOfTwo(int n) {
     int power = 1;
     while (power < n && power <= (1 << 29))
@@ -29,7 +29,7 @@ int powerOfTwo(int n) {
     return n > 0 && power >= n ? power : n;
 }
 
-// GLU answers 0 or an error. Mipmaps are made by scaling too.
+// GLU returns 0 or an error. Making mipmaps scales too.
 void checkScaling(GLint error) {
     if (error)
         throw Exception("Error %s when scaling image",
@@ -143,7 +143,7 @@ void Texture::init() {
     else if (mWidth == -1 || mHeight == -1)
         takeSizeFromImage();
 
-    bool turned = false; // the image stands where the texture lies
+    bool turned = false; // the image is upright where the texture is wide
     if (mTarget == TARGET_1D) {
         if (mWidth < 2 && mHeight > 1) {
             std::swap(mWidth, mHeight);
@@ -163,7 +163,7 @@ void Texture::init() {
     const GLenum internal = internalFormat();
     try {
         upload(internal, turned);
-    } catch (...) { // what was half made is nothing
+    } catch (...) { // nothing half made is kept
         glDeleteTextures(1, &mTexture);
         mTexture = 0;
         throw;

@@ -10,7 +10,7 @@ namespace {
 
 constexpr GLuint FIRST_ATTRIB = 6; // the slot of va[0]
 
-// Slots from uv[0] up to the last one in use: as many texture units as a driver has to offer.
+// Slots from uv[0] to the last one in use; a driver needs as many texture units.
 int unitsOf(const VertexDef& format) {
     int units = 0;
     for (int i = 0; i < VertexDef::UVS; ++i)
@@ -67,7 +67,7 @@ void VBO::bind() {
     if (!mFormat)
         return;
     const GLsizei stride = mFormat->size;
-    const uint8_t* offset = mCompPtr; // null, so a mere offset, with a buffer of OpenGL
+    const uint8_t* offset = mCompPtr; // null with an OpenGL buffer, so that it is an offset
     if (VertexDef::present(mFormat->pos)) {
         GL_CALL(glEnableClientState(GL_VERTEX_ARRAY));
         GL_CALL(glVertexPointer(VertexDef::channels(mFormat->pos), VertexDef::channelGL(mFormat->pos), stride, offset));
@@ -130,7 +130,7 @@ void VBO::clear() {
     mFormat = nullptr;
 }
 
-// The arrays of a bound buffer must not be read any more once it is gone; nor may the display hold on to it.
+// A deleted buffer's arrays must no longer be read, nor may the display keep a pointer to it.
 void VBO::leaveDisplay() noexcept {
     if (mBound && mFormat && DisplayGL::currentDisplay && DisplayGL::currentDisplay->mOpened) {
         glDisableClientState(GL_VERTEX_ARRAY);
