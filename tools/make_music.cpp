@@ -1,6 +1,6 @@
 // Makes the music of the show: make_music FILE.ogg [BARS]
 // The same bytes each time. With a number of bars it stops there, and fades out. make_music --stems FOLDER
-// writes the voices one by one instead, as they go into the mix.
+// [BARS] writes the voices one by one instead, as they go into the mix.
 #include "command/command.h"
 #include "music/effects.h"
 #include "music/performance.h"
@@ -74,12 +74,12 @@ void master(Track& track, bool whole) {
     boost(track, 4200, 1.8f);
     saturate(track, 0.5f);
     highPass(track, 28);
-    limit(track, 0.76f);
+    limit(track, 0.75f);
     fadeEnds(track, 441, whole ? 2 * BAR : BAR / 8);
 }
 
-void writeStems(const std::string& folder) {
-    Stems stems = perform(BARS);
+void writeStems(const std::string& folder, int bars) {
+    Stems stems = perform(bars);
     for (const Channel& channel : CHANNELS) {
         Track& track = stems.*channel.track;
         process(track, channel, stems.kicks);
@@ -93,24 +93,25 @@ void writeStems(const std::string& folder) {
 
 int main(int argc, char** argv) {
     int bars = BARS;
-    bool stems = argc == 3 && std::strcmp(argv[1], "--stems") == 0;
-    if (argc < 2 || argc > 3 || (!stems && zentrak::command::hasOption(argc, argv, 1)) ||
-        (argc == 3 && !stems && !zentrak::command::readNumber(argv[2], 1, BARS, bars))) {
+    const bool STEMS = argc > 1 && std::strcmp(argv[1], "--stems") == 0;
+    const int TARGET = STEMS ? 2 : 1; // the argument that names it
+    if (argc <= TARGET || argc > TARGET + 2 || zentrak::command::hasOption(argc, argv, TARGET) ||
+        (argc == TARGET + 2 && !zentrak::command::readNumber(argv[TARGET + 1], 1, BARS, bars))) {
         std::fprintf(stderr,
-                     "usage: make_music FILE.ogg [BARS]     the first BARS, 1 to %d\n"
-                     "       make_music --stems FOLDER      each voice to a file\n",
+                     "usage: make_music FILE.ogg [BARS]           the first BARS, 1 to %d\n"
+                     "       make_music --stems FOLDER [BARS]     each voice to a file of its own\n",
                      BARS);
         return 2;
     }
     try {
-        if (stems) {
-            writeStems(argv[2]);
+        if (STEMS) {
+            writeStems(argv[TARGET], bars);
             return 0;
         }
-        Stems played = perform(bars);
-        Track music = mixDown(played);
+        Stems stems = perform(bars);
+        Track music = mixDown(stems);
         master(music, bars == BARS);
-        writeVorbis(argv[1], music, 0.5f, "zentrak");
+        writeVorbis(argv[TARGET], music, 0.5f, "zentrak");
     } catch (const std::exception& failure) {
         std::fprintf(stderr, "make_music: %s\n", failure.what());
         return 1;

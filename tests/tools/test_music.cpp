@@ -305,6 +305,22 @@ TEST(Instruments, PlayThePitchThatTheyAreGiven) {
     }
 }
 
+// Its two saws never cancel each other out.
+TEST(Instruments, AReedHoldsItsNote) {
+    Track track(3 * RATE);
+    reed(track, 0, 3 * RATE, 74, 74, 1);
+    for (const std::vector<float>* side : {&track.left, &track.right}) {
+        double least = 1e9, most = 0;
+        for (int window = 10; window < 60; ++window) {
+            auto at = side->begin() + window * RATE / 20;
+            double power = std::inner_product(at, at + RATE / 20, at, 0.0);
+            least = std::min(least, power);
+            most = std::max(most, power);
+        }
+        EXPECT_LT(most, 4 * least);
+    }
+}
+
 TEST(Instruments, EndWithoutAStep) {
     const int AT = 4 * RATE;
     auto expectSmooth = [&](const char* name, auto play) {
@@ -495,10 +511,21 @@ TEST(ShowMusic, IsWhatTheProgramMakesAndTheSameEachTime) {
         ASSERT_NEAR(part[i], show()[i], 0.01) << i / 2;
 }
 
+TEST(ShowMusic, TheProgramWritesTheVoicesOneByOne) {
+    TempDir folder;
+    ASSERT_EQ(runCommand(MAKE_MUSIC " --stems " + folder.path() + " 1").first, 0);
+    for (const char* name :
+         {"kick", "snares", "cymbals", "bass", "chords", "arpeggio", "lead", "voices", "answers", "noise"})
+        EXPECT_EQ(decode(folder.file(std::string(name) + ".ogg")).size(), 2u * BAR) << name;
+    std::vector<float> lead = decode(folder.file("lead.ogg")), kick = decode(folder.file("kick.ogg"));
+    EXPECT_GT(std::inner_product(lead.begin(), lead.end(), lead.begin(), 0.0), 1);
+    EXPECT_EQ(std::inner_product(kick.begin(), kick.end(), kick.begin(), 0.0), 0); // not in the first bar
+}
+
 TEST(ShowMusic, TheProgramSaysWhatIsWrong) {
     TempDir folder;
-    for (const char* arguments :
-         {"", " --help", " x.ogg 0", " x.ogg -3", " x.ogg 3x", " x.ogg 999", " a b c", " --stems"}) {
+    for (const char* arguments : {"", " --help", " x.ogg 0", " x.ogg -3", " x.ogg 3x", " x.ogg 999", " a b c",
+                                  " --stems", " --stems . 0"}) {
         const auto [status, text] = runCommand("cd " + folder.path() + " && " MAKE_MUSIC + arguments);
         EXPECT_EQ(status, 2) << arguments;
         EXPECT_EQ(text.find("usage: make_music FILE.ogg [BARS]"), 0u) << arguments << text;

@@ -191,8 +191,8 @@ void lead(Track& track, int frame, int length, int from, int pitch, float level,
 // A pulse of changing width, slow to speak: between a clarinet and a brass section.
 void reed(Track& track, int frame, int length, int from, int pitch, float level) {
     const Envelope loud = {0.035f, 0.5f, 0.8f, 0.18f};
-    Saw leftFirst(0.1f), leftSecond(0.4f), rightFirst(0.2f), rightSecond(0.6f);
-    Sine vibrato, drift;
+    Saw leftFirst(0.1f), leftSecond(0.4f), rightFirst(0.2f), rightSecond(0.85f);
+    Sine vibrato, slow;
     StereoLowPass filter;
     float frequency = pitchToFrequency(float(pitch)), held = seconds(length);
     float bend = 1;
@@ -203,10 +203,10 @@ void reed(Track& track, int frame, int length, int from, int pitch, float level)
             bend = std::exp2((float(from - pitch) * fade(t, 0.03f) + wave) / 12);
             filter.set((900 + 3200 * std::min(1.0f, t / 0.09f)) * (0.6f + 0.4f * fade(t, 0.5f)), 0.4f);
         }
-        // Two saws against each other are a pulse; a little out of tune, its width changes.
-        float now = frequency * bend, apart = 1 + 0.0011f * drift.next(0.3f);
-        float left = 0.6f * (leftFirst.next(now * 1.0012f) - leftSecond.next(now * apart));
-        float right = 0.6f * (rightFirst.next(now * 0.9988f) - rightSecond.next(now / apart));
+        // Two saws against each other are a pulse. The drift moves its width between a third and a half.
+        float now = frequency * bend, drift = 0.68f * slow.next(0.9f);
+        float left = 0.6f * (leftFirst.next(now * 1.0012f) - leftSecond.next(now * 1.0012f + drift));
+        float right = 0.6f * (rightFirst.next(now * 0.9988f) - rightSecond.next(now * 0.9988f - drift));
         filter.run(left, right);
         float gain = level * loud.at(t, held);
         track.add(frame + i, gain * (0.8f * left + 0.2f * right), gain * (0.2f * left + 0.8f * right));

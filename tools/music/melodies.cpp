@@ -151,10 +151,10 @@ const char* const OUTRO_ANSWER = R"(
 const std::vector<Line> LINES = {
     {0, Line::BELL, 0.55f, INTRO},           {0, Line::ANSWER, 0.30f, INTRO_ANSWER},
     {8, Line::REED, 0.45f, BUILD},           {8, Line::ANSWER, 0.55f, BUILD_ANSWER},
-    {16, Line::LEAD, 0.85f, HOOK},           {16, Line::ANSWER, 0.70f, HOOK_ANSWER},
-    {24, Line::LEAD, 1.00f, HOOK_VARIED},    {24, Line::COUNTER, 0.60f, HOOK_VARIED_COUNTER},
+    {16, Line::LEAD, 0.95f, HOOK},           {16, Line::ANSWER, 0.70f, HOOK_ANSWER},
+    {24, Line::LEAD, 1.05f, HOOK_VARIED},    {24, Line::COUNTER, 0.60f, HOOK_VARIED_COUNTER},
     {32, Line::BELL, 0.90f, BREAK},          {32, Line::ANSWER, 0.50f, BREAK_ANSWER},
-    {44, Line::REED, 0.95f, SECOND},         {44, Line::ANSWER, 0.70f, SECOND_ANSWER},
+    {44, Line::REED, 0.80f, SECOND},         {44, Line::ANSWER, 0.70f, SECOND_ANSWER},
     {52, Line::LEAD, 0.95f, SECOND_VARIED},  {52, Line::COUNTER, 0.65f, SECOND_VARIED_COUNTER},
     {60, Line::ANSWER, 0.90f, RISE},         {60, Line::REED, 0.50f, RISE},
     {64, Line::LEAD, 1.00f, FINALE},         {64, Line::REED, 0.65f, FINALE_SECOND},
