@@ -13,6 +13,7 @@
 #include <assimp/scene.h>
 #include <cmath>
 #include <cstring>
+#include <iterator>
 #include <new>
 #include <numbers>
 #include <set>
@@ -27,6 +28,12 @@ namespace {
 
 constexpr double TICKS_PER_SECOND = 25; // where a file says nothing
 constexpr size_t MOST_WARNINGS = 20;
+// The uses of pictures, by aiTextureType. The function that names them differs between versions of assimp.
+constexpr const char* USES[] = {
+    "n/a",       "diffuse",      "specular",      "ambient",      "emissive",         "height",
+    "normals",   "shininess",    "opacity",       "displacement", "lightmap",         "reflection",
+    "basecolor", "normalcamera", "emissioncolor", "metalness",    "diffuseroughness", "ambientocclusion",
+    "unknown",   "sheen",        "clearcoat",     "transmission"};
 // Faces without normals are smooth where they meet at less than this, in degrees.
 constexpr float CREASE = 50.0f;
 
@@ -146,16 +153,12 @@ Surface toSurface(const aiMaterial& material) {
         addColor("diffuse", "$clr.diffuse");
     addColor("specular", "$clr.specular");
     addColor("emissive", "$clr.emissive");
-    for (int type = aiTextureType_DIFFUSE; type <= AI_TEXTURE_TYPE_MAX; ++type) {
+    for (size_t type = aiTextureType_DIFFUSE; type < std::size(USES); ++type) {
         const auto kind = static_cast<aiTextureType>(type);
         for (unsigned i = 0; i < material.GetTextureCount(kind); ++i) {
             aiString file;
-            if (material.GetTexture(kind, i, &file) != aiReturn_SUCCESS)
-                continue;
-            std::string name = aiTextureTypeToString(kind);
-            std::transform(name.begin(), name.end(), name.begin(),
-                           [](char c) { return c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : c; });
-            surface.textures.push_back({name, toText(file)});
+            if (material.GetTexture(kind, i, &file) == aiReturn_SUCCESS)
+                surface.textures.push_back({USES[type], toText(file)});
         }
     }
     return surface;
