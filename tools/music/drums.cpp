@@ -28,13 +28,13 @@ private:
 
 } // namespace
 
-// A sine that drops from a click to a thump at 47 Hz.
+// A sine that drops from a click to a thump at 55 Hz, an A.
 void kick(Track& track, int frame, float level) {
     Sine body;
     Noise noise(1);
     for (int i = 0; i < frames(0.42f); ++i) {
         float t = seconds(i);
-        float pitch = 47 + 130 * fade(t, 0.032f) + 900 * fade(t, 0.004f);
+        float pitch = 55 + 130 * fade(t, 0.032f) + 900 * fade(t, 0.004f);
         float ends = std::min(1.0f, (0.42f - t) / 0.05f);
         float sample = std::tanh(1.9f * body.next(pitch) * fade(t, 0.19f)) * ends;
         sample += 0.25f * noise.next() * fade(t, 0.0025f);
@@ -210,8 +210,8 @@ void boom(Track& track, int frame, float level) {
     for (int i = 0; i < frames(2.0f); ++i) {
         float t = seconds(i);
         float ends = std::min(1.0f, (2.0f - t) / 0.4f);
-        float sample =
-            level * body.next(36 + 45 * fade(t, 0.12f)) * fade(t, 0.55f) * ends * std::min(1.0f, t / 0.004f);
+        float sample = level * body.next(36.7f + 45 * fade(t, 0.12f)) * fade(t, 0.55f) * ends *
+                       std::min(1.0f, t / 0.004f);
         track.add(frame + i, sample, sample);
     }
 }
