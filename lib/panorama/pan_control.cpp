@@ -150,7 +150,7 @@ void Control::setCallback(Callback* callback) {
 void Control::setParent(Control* parent) {
     for (const Control* above = parent; above; above = above->mParent) {
         if (above == this) {
-            ZTK_LOG("error", "app", "The control '%.100s' can't hang below itself", mName.c_str());
+            ZTK_LOG("error", "app", "The control '%.100s' can't be inside itself", mName.c_str());
             return;
         }
     }
@@ -326,7 +326,7 @@ void Control::addControl(Control* control, int index) {
     if (!control)
         return;
     if (depthOf(*this) + 1 + heightOf(*control) > MAX_DEPTH) {
-        ZTK_LOG("error", "app", "The %.100s '%.100s' is left out: it would lie deeper than %d others",
+        ZTK_LOG("error", "app", "The %.100s '%.100s' is left out: it would be nested more than %d deep",
                 control->mType.c_str(), control->mName.c_str(), MAX_DEPTH);
         return;
     }

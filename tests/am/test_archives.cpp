@@ -135,7 +135,7 @@ TEST_F(Archives, ABareZipIsRefused) {
     EXPECT_EQ(mManager.addArchive("next"), 0); // none of them took an index
 }
 
-TEST_F(Archives, AProtocolBehindASeparatorIsNone) {
+TEST_F(Archives, AProtocolAfterASeparatorIsNone) {
     writeFile("a/zip:/x", "x");
     EXPECT_EQ(mManager.addArchive("a/zip://"), 0);
     EXPECT_EQ(bytesOf(mManager.readFile("x")), "x");

@@ -188,7 +188,7 @@ TEST(Png, DecodingReplacesWhatTheImageHeld) {
     expectFixture(image, true, "rgba.png");
 }
 
-TEST(Png, BytesBehindTheEndAreIgnored) {
+TEST(Png, BytesAfterTheEndAreIgnored) {
     EXPECT_EQ(refusal<ImageCodecPNG>(fixture("rgba.png") + "and more"), "(nothing)");
 }
 
@@ -541,7 +541,7 @@ TEST(Jpeg, DoesNotWrite) {
 
 // ---- TGA
 
-TEST(Tga, SaysThatItIsNotDone) {
+TEST(Tga, ThrowsThatItIsNotImplemented) {
     EXPECT_EQ(refusal<ImageCodecTGA>(fixture("picture.tga")), "[ImageCodec] TGA-reader is not done yet!");
     ImageObject image;
     unsigned char* data = nullptr;

@@ -210,7 +210,7 @@ TEST_F(Images, WithoutACodecTheDecoderTextIsThrown) {
                   std::string("ImageManager::loadImage, No decoder found for ") + name);
 }
 
-TEST_F(Images, TheExtensionIsBehindTheLastDot) {
+TEST_F(Images, TheExtensionFollowsTheLastDot) {
     EXPECT_EQ(mManager.getExtension("a.b.PNG"), "PNG");
     EXPECT_EQ(mManager.getExtension("a."), "");
     EXPECT_EQ(mManager.getExtension("a"), "");
@@ -284,7 +284,7 @@ TEST_F(Images, RemovingWhatIsNotThereThrows) {
 }
 
 // An image whose manager or name was changed by hand is in no cache: dropping it must not end the program.
-TEST_F(Images, AForgedImageIsDroppedAllTheSame) {
+TEST_F(Images, AForgedImageIsStillDropped) {
     Image forged(new ImageObject()), copy(forged);
     forged->setId("forged");
     forged->setManager(&mManager);

@@ -659,7 +659,7 @@ TEST(TheEditor, ShowsTheFrameRate) {
     });
 }
 
-TEST(TheEditor, ALargerWindowKeepsRowsSliderAndPictureInTheirPlaces) {
+TEST(TheEditor, ALargerWindowKeepsTheLayoutOfRowsSliderAndPicture) {
     EditedShow show(TWO_SPANS);
     show.play([&] {
         show.setTime(30);

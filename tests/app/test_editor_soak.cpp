@@ -195,7 +195,7 @@ void check(script::Effect& effect) {
 
 } // namespace
 
-TEST(TheEditor, StandsAnythingThatAHandDoes) {
+TEST(TheEditor, SurvivesAnyInput) {
     const int seconds = setting("ZENTRAK_SOAK_SECONDS", 5);
     EditedShow show(realScript());
     std::unique_ptr<RealEffects> effects; // in the few seconds of a test run frames come faster without

@@ -281,7 +281,7 @@ TEST(TheProgram, PlaysInFullScreen) {
 
 // -- what is missing or broken
 
-TEST(TheProgram, WithoutASetupFileSaysSoAndExitsWithZero) {
+TEST(TheProgram, WithoutASetupFileReportsItAndExitsWithZero) {
     Program program;
     EXPECT_EQ(program.run(), 0);
     EXPECT_EQ(program.output(),
@@ -443,7 +443,7 @@ TEST(TheProgram, WithoutASoundDevicePlaysSilently) {
         << program.output();
 }
 
-TEST(TheProgram, WithoutAScreenSaysSoAndStillSaves) {
+TEST(TheProgram, WithoutAScreenReportsItAndStillSaves) {
     Program program;
     prepare(program);
     EXPECT_EQ(program.run("-u DISPLAY -u WAYLAND_DISPLAY"), 0);
@@ -515,7 +515,7 @@ TEST(TheProgram, AnEnormousWindowIsReportedAndNothingIsLost) {
     }
 }
 
-TEST(TheProgram, NumbersThatAreNotNumbersHurtNothing) {
+TEST(TheProgram, NumbersThatAreNanAreHarmless) {
     Program program;
     prepare(program, NOSOUND + "<time start=\"nan\"/><osd show=\"on\" delay=\"nan\"/>");
     playAndQuit(program);

@@ -114,7 +114,7 @@ TEST_F(RowTest, ABarMayBeDeletedInItsOwnEvent) {
         }
 }
 
-TEST_F(RowTest, TheTimeSliderMayBeDeletedByWhoHearsThatARowTurnedIt) {
+TEST_F(RowTest, TheTimeSliderMayBeDeletedWhenARowTurnsIt) {
     struct Deletes : panorama::Callback {
         void controlAction(Control* source, panorama::Action) override { delete source; }
     } deletes;

@@ -197,7 +197,7 @@ TEST_F(SetupFile, SizesTakeTheBaseThatTheyAreWrittenIn) {
     EXPECT_EQ(setup.mHeight, 16);
 }
 
-TEST_F(SetupFile, AbsurdNumbersAreTakenAsFarAsTheyGo) {
+TEST_F(SetupFile, AbsurdNumbersAreClamped) {
     const Demo setup("<display width=\"99999999999999999999\" height=\"-4294966016\"/>"
                      "<time start=\"1e99\"/><osd delay=\"nan\"/>");
     EXPECT_EQ(setup.mWidth, 2147483647);
@@ -297,7 +297,7 @@ TEST_F(SetupFile, WithBothFilesTheDefaultHasNoEffectAtAll) {
     EXPECT_FALSE(kindler.mDisplayEnabled);
 }
 
-TEST_F(SetupFile, AnotherRootIsNoSetupAndNoProblem) {
+TEST_F(SetupFile, AnotherRootIsIgnored) {
     write("setup.xml", "<show><display width=\"100\"/><script filename=\"missing.xml\"/></show>");
     Kindler kindler;
     EXPECT_EQ(problem(kindler), "");

@@ -407,7 +407,7 @@ TEST_F(BatchTest, SpritesQuadsAndRectsUnderATransform) {
             });
 }
 
-TEST_F(BatchTest, ASpriteIsCounterClockwiseAsSeen) {
+TEST_F(BatchTest, ASpriteIsCounterClockwiseOnTheScreen) {
     const Picture shown = frame([&] {
         flat(display());
         glEnable(GL_CULL_FACE);
@@ -684,7 +684,7 @@ TEST_F(BatchTest, ShapesOutsideTheViewCostNoVertex) {
     });
 }
 
-TEST_F(BatchTest, DepthClampKeepsWhatIsBehindTheFarPlane) {
+TEST_F(BatchTest, DepthClampKeepsWhatIsBeyondTheFarPlane) {
     if (!display::DisplayGL::hasExtension("GL_ARB_depth_clamp")) {
         window();
         if (!display::DisplayGL::hasExtension("GL_ARB_depth_clamp"))

@@ -282,7 +282,7 @@ TEST_P(BufferTest, NarrowingTruncates) {
     ibo.unbind();
 }
 
-TEST_P(BufferTest, UnknownIndexFormatsAreTold) {
+TEST_P(BufferTest, UnknownIndexFormatsThrow) {
     uint32_t source[3] = {};
     IBO ibo(&display());
     EXPECT_EQ(thrownBy([&] { ibo.setup(IBO::FORMAT_NONE, 3, source); }), "Wrong format for IBO::setup!");

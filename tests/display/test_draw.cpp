@@ -252,7 +252,7 @@ TEST_F(Draw, ResetStatesDefinesTheStateOfAFrame) {
     });
 }
 
-TEST_F(Draw, AWindowWithoutHeightHasAProjectionAllTheSame) {
+TEST_F(Draw, AWindowWithoutHeightStillHasAProjection) {
     frame([&] {
         DisplayGL& d = display();
         for (const auto& [width, height] : {std::pair(200, 0), std::pair(0, 100), std::pair(200, -100)}) {

@@ -58,7 +58,7 @@ TEST(Event, ReadsTheModifiers) {
     EXPECT_EQ("lc c rs s la a ", modifiers(KEYMOD_LCTRL | KEYMOD_RSHIFT | KEYMOD_LALT));
 }
 
-TEST(Listener, DoesNothingAndAnswersWhatever) {
+TEST(Listener, AnswersWhateverToEveryEvent) {
     Listener listener;
     EXPECT_EQ(Listener::WHATEVER, listener.onMouseUp(MouseButtonEvent()));
     EXPECT_EQ(Listener::WHATEVER, listener.onMouseDown(MouseButtonEvent()));

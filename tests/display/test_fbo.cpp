@@ -117,7 +117,7 @@ TEST_F(FboTest, TargetsNestAndGoBackToTheOneBefore) {
     EXPECT_EQ(colorAt(readTexture(GL_TEXTURE_2D), 5, 5), 0x00ff00ffu);
 }
 
-TEST_F(FboTest, BindingTwiceGoesBackAllTheSame) {
+TEST_F(FboTest, AfterBindingTwiceUnbindStillGoesBack) {
     fbo.setup(64, 64, false);
     fbo.attach(FBO::COLOR0, &texture);
     frame([&] {

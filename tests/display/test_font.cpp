@@ -167,7 +167,7 @@ TEST_F(FontTest, TheUnitIsTheSizeOverTheWindows) {
     EXPECT_FLOAT_EQ(font.getHeight(), 10 * 50.0f / 200);
 }
 
-TEST_F(FontTest, TextStandsRightOfLeftOfOrAroundTheOrigin) {
+TEST_F(FontTest, TextIsRightOfLeftOfOrAroundTheOrigin) {
     load();
     EXPECT_EQ(drawn("B", Font::ALIGN_LEFT), "100 95 109 104");
     EXPECT_EQ(drawn("AB", Font::ALIGN_LEFT), "100 95 115 104");
@@ -208,7 +208,7 @@ TEST_F(FontTest, TheColourIsTheOneGivenAndTheStateIsAsBefore) {
     EXPECT_NEAR(shown.at(25, 100)[1], 128, 2); // blended by the state that every frame begins with
 }
 
-TEST_F(FontTest, FailuresAreTold) {
+TEST_F(FontTest, FailuresThrow) {
     EXPECT_EQ(thrownBy([&] { font.load("none.png", false, Vector2f(1, 1)); }),
               "loadImage, File not found (none.png)");
     display().setArchive(nullptr);

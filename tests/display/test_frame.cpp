@@ -62,7 +62,7 @@ TEST_F(Frame, InDeltaWhatIsWrittenToTheTimeCounts) {
     EXPECT_EQ(double(10.06f), display().getTime());
 }
 
-TEST_F(Frame, InDeltaARateThatMakesNoSenseStandsStill) {
+TEST_F(Frame, InDeltaModeTimeStandsStillAtAnInvalidRate) {
     for (float fps : {0.0f, -25.0f, NAN, INFINITY, -INFINITY}) {
         display().setFps(DisplayGL::FPS_DELTA, fps);
         display().update();
@@ -137,7 +137,7 @@ TEST_F(FixedFrame, IsDueAPeriodAfterTheTimeThatIsWritten) {
     EXPECT_NEAR(100.5, display().mFpsLastTime, 0.001);
 }
 
-TEST_F(FixedFrame, OfARateThatMakesNoSenseDoesNotWait) {
+TEST_F(FixedFrame, AtAnInvalidRateDoesNotWait) {
     for (const float fps : {0.0f, -25.0f, NAN, INFINITY, -INFINITY}) {
         display().setFps(DisplayGL::FPS_FIXED, fps);
         draw(100, 100);

@@ -655,7 +655,7 @@ TEST_F(Input, AListenerThatRemovesAnOlderOneKeepsItFromTheEvent) {
     EXPECT_EQ((Log{"second key 65", "second char 97", "second keyup 65", "second charup 97"}), log);
 }
 
-TEST_F(Input, AListenerThatJoinsInACallbackHearsTheNextEvent) {
+TEST_F(Input, AListenerThatJoinsInACallbackGetsTheNextEvent) {
     std::unique_ptr<Recorder> third(new Recorder("third", log));
     first.onKey = [&] { third->attachToDisplay(&display()); };
     viewer.key("a");

@@ -98,7 +98,7 @@ TEST_F(Listeners, ThatJoinInAFrameAreDrawnFromTheNextOn) {
     EXPECT_EQ((Log{"a draw", "b draw", "c draw", "late draw"}), drawn());
 }
 
-TEST_F(Listeners, ThatSwapPlacesInAFrameAreEachDrawnOnce) {
+TEST_F(Listeners, ThatSwapPositionsInAFrameAreEachDrawnOnce) {
     std::unique_ptr<Recorder> late = make("late");
     recorders[0]->draw = [&] {
         recorders[0]->draw = nullptr;

@@ -232,7 +232,7 @@ TEST(ClosedDisplay, WithoutADisplayServerOpenThrows) {
         setenv("DISPLAY", saved.c_str(), 1);
 }
 
-TEST(ClosedDisplay, SetArchiveSaysWhichToWhich) {
+TEST(ClosedDisplay, SetArchiveIsLogged) {
     DisplayGL display{WindowMode()};
     am::ArchiveManager archives;
     char expected[200];

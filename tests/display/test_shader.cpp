@@ -117,7 +117,7 @@ TEST_F(ShaderTest, AProgramThatDoesNotLinkThrowsTheDriversLog) {
     EXPECT_FALSE(program.isLinked());
 }
 
-TEST_F(ShaderTest, MissingFilesAndDisplaysAreTold) {
+TEST_F(ShaderTest, MissingFilesAndDisplaysThrow) {
     FragmentShader fragment(&display());
     EXPECT_EQ(thrownBy([&] { fragment.compile("none.frag", ""); }),
               "Display::Resource; File 'none.frag' could not be read");

@@ -262,7 +262,7 @@ TEST_F(TextureTest, LuminanceComesFromRed) {
     EXPECT_EQ(values[1], 0x70);
 }
 
-TEST_F(TextureTest, MissingFloatAndCubeExtensionsAreTold) {
+TEST_F(TextureTest, MissingFloatAndCubeExtensionsThrow) {
     std::optional<WithoutExtensions> without;
     without.emplace({"GL_ARB_texture_float", "GL_ARB_texture_cube_map"});
     for (const Texture::ChannelFormat format : {Texture::FORMAT_F16, Texture::FORMAT_F32}) {
@@ -437,7 +437,7 @@ TEST_F(CubeTest, TheFacesAreCutFromTheVerticalCross) {
     }
 }
 
-TEST_F(CubeTest, TheFaceReadBackwardsStandsOnItsHead) {
+TEST_F(CubeTest, TheFaceReadBackwardsIsUpsideDown) {
     setupCube();
     texture.load(cross(), true);
     // The six directions in a row of three over another: -x, +z, +x, then +y, -y, -z, each as OpenGL lays a
@@ -476,7 +476,7 @@ TEST_F(CubeTest, TheFaceReadBackwardsStandsOnItsHead) {
     EXPECT_EQ(colorAt(shown, 140, 115) | 0xff, 0x00ffffffu); // -z
 }
 
-TEST_F(CubeTest, CrossesOfTheWrongShapeAreTold) {
+TEST_F(CubeTest, CrossesOfTheWrongShapeThrow) {
     const auto outcome = [&](int width, int height, bool fromFile) {
         Texture cube(&display());
         cube.setup(-1, -1, Texture::CHAN_RGBA, Texture::FORMAT_UINT8, Texture::TARGET_CUBE);

@@ -103,7 +103,7 @@ TEST(Window, OpenedTwiceTakesTheNewSizeAndTitleInTheSameContext) {
     EXPECT_EQ(300, display.mWindowMode.height);
 }
 
-TEST(Window, SaysWhatItOpens) {
+TEST(Window, OpeningIsLogged) {
     DisplayGL display(WINDOW);
     CaptureStdout captured;
     display.open();
@@ -117,7 +117,7 @@ TEST(Window, SaysWhatItOpens) {
         << text;
 }
 
-TEST(Window, SaysThatItCloses) {
+TEST(Window, ClosingIsLogged) {
     DisplayGL display(WINDOW);
     display.open();
     CaptureStdout captured;

@@ -64,7 +64,7 @@ Counts countsOf(const Picture& picture) {
 
 } // namespace
 
-TEST_F(AbcTest, LooksAsItShouldAtItsTimes) {
+TEST_F(AbcTest, MatchesItsReferencePictures) {
     test::prepare(mAbc, display(), "abc");
     EXPECT_TRUE(matchesReference("abc_1", at(1)));
     EXPECT_TRUE(matchesReference("abc_4", at(4)));
@@ -116,7 +116,7 @@ TEST_F(AbcTest, ThePaintGoesWithTheTime) {
     }
 }
 
-TEST_F(AbcTest, TheShellTremblesAnewWithEachFrame) {
+TEST_F(AbcTest, TheShellTremblesDifferentlyInEachFrame) {
     test::prepare(mAbc, display(), "abc");
     EXPECT_EQ(test::comparePictures(at(2, 7), at(2, 7)).mean, 0);
     EXPECT_GT(test::comparePictures(at(2, 7), at(2, 8)).changed, 0.001);
@@ -197,7 +197,7 @@ TEST_F(AbcTest, AsksForNoMemoryOnceWarm) {
     EXPECT_EQ(asked, 0u);
 }
 
-TEST_F(AbcTest, SaysWhenItsMeshesGo) {
+TEST_F(AbcTest, RemovingItsMeshesIsLogged) {
     test::CaptureStdout out;
     { Abc abc(&mCommon); }
     EXPECT_NE(out.text().find("[log][~Abc], abc: Removing meshes (abc.cpp:"), std::string::npos);
@@ -248,14 +248,14 @@ TEST_F(AbcTest, AShaderThatDoesNotCompileIsAnError) {
               0u);
 }
 
-TEST_F(AbcTest, ASecondSetupLoadsAnew) {
+TEST_F(AbcTest, ASecondSetupLoadsAgain) {
     test::prepare(mAbc, display(), "abc");
     const Picture first = at(2);
     mAbc.setup();
     EXPECT_EQ(test::comparePictures(first, at(2)).mean, 0);
 }
 
-TEST_F(AbcTest, SetUpAnewAfterTheWindowWasOpenedAnew) {
+TEST_F(AbcTest, CanBeSetUpAgainInANewWindow) {
     test::prepare(mAbc, display(), "abc");
     at(2);
     display().setFullscreen(true);

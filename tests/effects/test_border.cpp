@@ -29,7 +29,7 @@ protected:
 
 } // namespace
 
-TEST_F(BorderTest, LooksAsItShould) {
+TEST_F(BorderTest, MatchesItsReferencePicture) {
     EXPECT_TRUE(matchesReference("border_in_place", at(1, 0)));
     EXPECT_TRUE(matchesReference("border_pushed_out", at(1, 0.4f)));
     EXPECT_TRUE(matchesReference("border_faint", at(0.4f, 0)));
@@ -65,7 +65,7 @@ TEST_F(BorderTest, IsThePictureOfOneCallPerVertex) {
     }
 }
 
-TEST_F(BorderTest, WithAnAlphaOfZeroNothingIsSeen) {
+TEST_F(BorderTest, AnAlphaOfZeroDrawsNothing) {
     const Picture ground = over(0.2f, 0.5f, 0.6f, [] {});
     EXPECT_EQ(test::comparePictures(at(0, 0), ground).mean, 0);
     EXPECT_GT(test::covered(at(1, 0), ground), 0.05);

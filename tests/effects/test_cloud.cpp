@@ -99,7 +99,7 @@ TEST(CloudPath, WindsAndClimbsByThree) {
     EXPECT_FLOAT_EQ(p.z, 120);
 }
 
-TEST_F(CloudTest, LooksAsItShouldAtItsTimes) {
+TEST_F(CloudTest, MatchesItsReferencePictures) {
     EXPECT_TRUE(matchesReference("cloud_1", at(0.1f)));
     EXPECT_TRUE(matchesReference("cloud_5", at(0.5f)));
     EXPECT_TRUE(matchesReference("cloud_9", at(0.9f, 0.6f)));

@@ -33,7 +33,7 @@ protected:
 
 } // namespace
 
-TEST_F(CubejoxTest, LooksAsItShould) {
+TEST_F(CubejoxTest, MatchesItsReferencePictures) {
     EXPECT_TRUE(matchesReference("cubejox_near", at(1, 0, 0)));
     EXPECT_TRUE(matchesReference("cubejox_bw", at(1, 0.9f, 0)));
     EXPECT_TRUE(matchesReference("cubejox_zoomed", at(3, 0, 0.12f)));
@@ -142,7 +142,7 @@ TEST_F(CubejoxTest, AnAlphaOfZeroGivesBlackRods) {
     EXPECT_GT(dark, 1000);
 }
 
-TEST_F(CubejoxTest, DrumsAreTakenAndChangeNothing) {
+TEST_F(CubejoxTest, DrumsAreAcceptedAndChangeNothing) {
     const Picture before = at(2, 0, 0, 1, 0);
     for (const char* name : {"drum1", "drum2", "drum3", "drum4", "drum5", ""})
         mCubejox.executeTrigger(2, name, "");

@@ -45,7 +45,7 @@ protected:
 
 } // namespace
 
-TEST_F(FaceTest, LooksAsItShouldFromTheFrontAndFromBothSides) {
+TEST_F(FaceTest, MatchesItsReferencePictures) {
     EXPECT_TRUE(matchesReference("face_0", at(0)));
     EXPECT_TRUE(matchesReference("face_left", at(0.35f)));
     EXPECT_TRUE(matchesReference("face_right", at(2.75f)));

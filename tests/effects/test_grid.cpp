@@ -67,7 +67,7 @@ void drawPlainly(display::DisplayGL& display, float time, float alpha) {
 
 } // namespace
 
-TEST_F(GridTest, LooksAsItShouldAtItsTimes) {
+TEST_F(GridTest, MatchesItsReferencePictures) {
     EXPECT_TRUE(matchesReference("grid_0", at(0)));
     EXPECT_TRUE(matchesReference("grid_3", at(3.25f)));
     EXPECT_TRUE(matchesReference("grid_40", at(40.5f, 0.5f)));
@@ -86,7 +86,7 @@ TEST_F(GridTest, IsThePictureOfOneCallPerVertex) {
     }
 }
 
-TEST_F(GridTest, WithAnAlphaOfZeroNothingIsSeen) {
+TEST_F(GridTest, AnAlphaOfZeroDrawsNothing) {
     const Picture picture = at(2, 0);
     for (int x = 0; x < 640; x += 7)
         EXPECT_EQ(picture.at(x, 150)[0], 255);

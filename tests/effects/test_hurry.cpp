@@ -51,7 +51,7 @@ TEST(HurryNoise, IsThatOfItsFormula) {
     EXPECT_EQ(Hurry::evaluateNoise(Vector3f(0, 0, 0)), Vector3f(0, 1, -1));
 }
 
-TEST_F(HurryTest, LooksAsItShouldAtItsTimes) {
+TEST_F(HurryTest, MatchesItsReferencePictures) {
     EXPECT_TRUE(matchesReference("hurry_0", at(0.1f)));
     mHurry.executeTrigger(7.0f, "bolt", "");
     mHurry.executeTrigger(7.0f, "bolt", "");
@@ -94,7 +94,7 @@ TEST_F(HurryTest, ABoltGoesTwoSecondsAfterItsTrigger) {
     EXPECT_TRUE(mHurry.getBolts().empty());
 }
 
-TEST_F(HurryTest, BoltsAreSeenWhileTheyLast) {
+TEST_F(HurryTest, BoltsAreVisibleWhileTheyLast) {
     const Picture without = at(7.5f);
     for (int i = 0; i < 20; ++i)
         mHurry.executeTrigger(7.0f, "bolt", "");
@@ -109,7 +109,7 @@ TEST_F(HurryTest, OnlyABoltIsABolt) {
     EXPECT_TRUE(mHurry.getBolts().empty());
 }
 
-TEST_F(HurryTest, ABoltAtATimeThatIsNoNumberGoes) {
+TEST_F(HurryTest, ABoltAtATimeOfNanEnds) {
     mHurry.executeTrigger(NAN, "bolt", "");
     at(1);
     EXPECT_TRUE(mHurry.getBolts().empty());

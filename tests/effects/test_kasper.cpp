@@ -131,7 +131,7 @@ TEST_F(KasperTest, NodesMoveWithTheirParentsAndTheTime) {
     expectNear(mKasper.getBoxMax(), Vector3f(4, 3, 1));
 }
 
-TEST_F(KasperTest, TheBoxStartsAnewAndLeavesOutWhatThrowsNoShadow) {
+TEST_F(KasperTest, TheBoxIsResetAndLeavesOutWhatCastsNoShadow) {
     expectNear(mKasper.getBoxMin(), Vector3f(0, 0, 0), 0);
     expectNear(mKasper.getBoxMax(), Vector3f(0, 0, 0), 0);
     load([](o3d::Scene& root, const o3d::Mesh& box) {
@@ -157,7 +157,7 @@ TEST_F(KasperTest, ANodeOfACameraStopsTheWalkAtThatNode) {
     EXPECT_EQ(drawn(at(0)), 0);
 }
 
-TEST_F(KasperTest, AnObjectNamedExIsSeenByTheCameraButThrowsNoShadow) {
+TEST_F(KasperTest, AnObjectNamedExIsVisibleButCastsNoShadow) {
     // Two boxes beside each other, both within the reach of a light that takes in the first alone.
     const auto boxes = [this](const char* second) {
         load([&](o3d::Scene& root, const o3d::Mesh& box) {
@@ -358,7 +358,7 @@ TEST_F(KasperTest, ASecondSceneTakesTheFirstOnesPlace) {
     EXPECT_EQ(test::comparePictures(left, at(0)).mean, 0);
 }
 
-TEST_F(KasperTest, ANodeWithoutKeysAndTimesThatAreNoNumberAreTaken) {
+TEST_F(KasperTest, ANodeWithoutKeysAndTimesOfNanAreAccepted) {
     mKasper.loadScene(&display(), "ssao/scene.o3d");
     for (const float time : {NAN, INFINITY, -INFINITY, -3.0f, 1e9f}) {
         at(time);

@@ -76,7 +76,7 @@ TEST_F(KubTest, NoMoveEntersATakenCell) {
     }
 }
 
-TEST_F(KubTest, ItsLifeLooksAsItShould) {
+TEST_F(KubTest, ItsLifeMatchesTheReferencePictures) {
     // Below second 9.8 nothing rolls, however long it has run.
     EXPECT_TRUE(matchesReference("kub_scattered", at(5, 0.02f, 0.2f)));
     at(9.7f, 4.0f, 0.2f);
@@ -175,7 +175,7 @@ TEST_F(KubTest, ACubeRollsOverItsEdgeAndLiftsInTheMiddleOfItsStep) {
 }
 
 // A picture of so many cubes that no attempt ever takes some of them.
-TEST_F(KubTest, ACubeThatNeverMovedStaysInItsPlaceAndIsDrawnThere) {
+TEST_F(KubTest, ACubeThatNeverMovedIsDrawnInItsPosition) {
     test::OwnFiles files(display());
     files.write("kub/kub.png", test::whitePicture(140, 140));
     Kub kub(&mCommon);

@@ -74,7 +74,7 @@ protected:
 
 } // namespace
 
-TEST_F(OverlayTest, LooksAsItShould) {
+TEST_F(OverlayTest, MatchesItsReferencePictures) {
     fillTarget();
     EXPECT_TRUE(matchesReference("overlay_shader_0", at("shader", 0, 0)));
     EXPECT_TRUE(matchesReference("overlay_shader_4", at("shader", 4, 0)));
@@ -178,7 +178,7 @@ TEST_F(OverlayTest, ThePicturesAreThoseOfOneCallPerVertex) {
     }
 }
 
-TEST_F(OverlayTest, WithoutAlphaThePicturesAreNotSeen) {
+TEST_F(OverlayTest, AnAlphaOfZeroDrawsNothing) {
     mOverlay.updateSpline(0, "alpha", 0);
     mOverlay.updateSpline(0, "Alpha", 1);
     const Picture ground = over(0.3f, 0.1f, 0.4f, [] {});
@@ -217,7 +217,7 @@ TEST_F(OverlayTest, NoStateIsLeftBehind) {
     }
 }
 
-TEST_F(OverlayTest, ATimeThatIsNoNumberIsHarmless) {
+TEST_F(OverlayTest, ATimeOfNanIsHarmless) {
     fillTarget();
     for (const char* type : {"shader", "solid", "flash"})
         at(type, std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::quiet_NaN());

@@ -100,7 +100,7 @@ TEST(PointLight, FallsWithTheSquareOfTheDistance) {
     EXPECT_EQ(light.eval(Vector3f(1, 4, 3)), Vector3f(2, 1, 0.5f));
 }
 
-TEST_F(PhotonTest, LooksAsItShouldAfterSomeFrames) {
+TEST_F(PhotonTest, MatchesItsReferencePictures) {
     Open photon;
     prepare(photon);
     Picture picture;
@@ -257,7 +257,7 @@ TEST_F(PhotonTest, WithoutLightsThePictureOnlyFades) {
     EXPECT_EQ(photon.mRandom.mState, state);
 }
 
-TEST_F(PhotonTest, OnlyFacesTowardsTheLightAndTheEyeAreSeen) {
+TEST_F(PhotonTest, OnlyFacesTowardsTheLightAndTheEyeAreVisible) {
     // One sphere between the light above and the eye below: nothing that is lit can be seen.
     Open photon([](Open& p) {
         p.mMaterials.push_back(new Photon::Material(Vector3f(1, 1, 1)));
@@ -277,7 +277,7 @@ TEST_F(PhotonTest, OnlyFacesTowardsTheLightAndTheEyeAreSeen) {
     EXPECT_GT(from(Vector3f(0, 6, 3)), 1);
 }
 
-TEST_F(PhotonTest, TheLightInsideOfASphereIsNotSeen) {
+TEST_F(PhotonTest, TheLightInsideASphereIsNotVisible) {
     Open photon([](Open& p) {
         p.mMaterials.push_back(new Photon::Material(Vector3f(1, 1, 1)));
         p.addSphere(Vector3f(0, 8, 0), 20, p.mMaterials[0]);

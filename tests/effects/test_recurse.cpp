@@ -163,7 +163,7 @@ Picture shown(const Target& target, int width, int height) {
 
 } // namespace
 
-TEST_F(RecurseTest, LooksAsItShouldAtItsTimes) {
+TEST_F(RecurseTest, MatchesItsReferencePictures) {
     for (int i = 0; i < 8; ++i)
         at(0.05f * float(i));
     EXPECT_TRUE(matchesReference("recurse_0", at(0.4f)));

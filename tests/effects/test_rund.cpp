@@ -29,7 +29,7 @@ protected:
 
 } // namespace
 
-TEST_F(RundTest, LooksAsItShould) {
+TEST_F(RundTest, MatchesItsReferencePictures) {
     EXPECT_TRUE(matchesReference("rund_0", step(0, 0)));
     EXPECT_TRUE(matchesReference("rund_7", step(7.5f, 1)));
     shoot();
@@ -37,7 +37,7 @@ TEST_F(RundTest, LooksAsItShould) {
     EXPECT_TRUE(matchesReference("rund_shot_later", step(8.1f, 0.5f)));
 }
 
-TEST_F(RundTest, NoRingIsSeenBeforeTheFirstShot) {
+TEST_F(RundTest, NoRingIsVisibleBeforeTheFirstShot) {
     const Picture quiet = step(1, 0);
     shoot();
     const Picture shot = step(1, 0);
@@ -54,7 +54,7 @@ TEST_F(RundTest, TheRingRunsOutAtTwo) {
     EXPECT_GT(test::comparePictures(before, after).mean, 0);
 }
 
-TEST_F(RundTest, TheRingIsNoLongerInTheMiddleWhenItHasGrown) {
+TEST_F(RundTest, AGrownRingHasLeftTheCentre) {
     shoot();
     const Picture young = step(0, 0);
     const Picture old = step(0, 1); // radius 1

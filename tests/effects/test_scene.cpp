@@ -206,7 +206,7 @@ TEST_F(SceneDrawTest, MirroredMeshesDrawWithClockwiseFaces) {
     EXPECT_EQ(drawn(nullptr, true, -1), 0u);
 }
 
-TEST_F(SceneDrawTest, SetsTheFacesThatAreSeen) {
+TEST_F(SceneDrawTest, SetsTheVisibleFaces) {
     frame([&] {
         GLint front = 0;
         GLboolean twoSided = GL_TRUE;

@@ -49,7 +49,7 @@ protected:
 
 } // namespace
 
-TEST_F(SparkTest, LooksAsItShouldFromItsCentreAndFromAfar) {
+TEST_F(SparkTest, MatchesItsReferencePicturesFromItsCentreAndFromAfar) {
     burn(5);
     EXPECT_TRUE(matchesReference("spark_0", at(0)));
     EXPECT_TRUE(matchesReference("spark_6", at(0.6f)));
@@ -128,7 +128,7 @@ TEST_F(SparkTest, TheSunIsACopyThatSharesItsEmitters) {
     EXPECT_GE(engine.active[0]->emitters.size(), 2u);
 }
 
-TEST_F(SparkTest, WithoutASunNothingIsDrawnAndTheLogSaysSo) {
+TEST_F(SparkTest, AMissingSunIsLoggedAndDrawsNothing) {
     test::TempDir folder;
     test::writeFile(folder.file("nothing.txt"), "");
     am::ArchiveManager archives;

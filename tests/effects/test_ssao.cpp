@@ -56,7 +56,7 @@ protected:
 
 } // namespace
 
-TEST_F(SsaoTest, LooksAsItShouldAtItsTimes) {
+TEST_F(SsaoTest, MatchesItsReferencePictures) {
     prepare();
     EXPECT_TRUE(matchesReference("ssao_1", at(1)));
     EXPECT_TRUE(matchesReference("ssao_8", at(8)));
@@ -290,14 +290,14 @@ TEST_F(SsaoTest, AMissingShaderIsAnError) {
     }
 }
 
-TEST_F(SsaoTest, ASecondSetupLoadsAnew) {
+TEST_F(SsaoTest, ASecondSetupLoadsAgain) {
     prepare();
     const Picture first = at(2);
     mSsao->setup();
     EXPECT_EQ(test::comparePictures(first, at(2)).mean, 0);
 }
 
-TEST_F(SsaoTest, SetUpAnewAfterTheWindowWasOpenedAnew) {
+TEST_F(SsaoTest, CanBeSetUpAgainInANewWindow) {
     prepare();
     const Picture first = at(2);
     display().setFullscreen(true);

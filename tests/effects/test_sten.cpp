@@ -148,7 +148,7 @@ TEST(StenFilter, AnImageWithoutPixelsStaysAsItIs) {
     EXPECT_THROW(Sten::filter(none), Exception);
 }
 
-TEST_F(StenTest, LooksAsItShouldAtItsTimes) {
+TEST_F(StenTest, MatchesItsReferencePictures) {
     Sten sten(&mCommon);
     test::prepare(sten, display(), "sten");
     EXPECT_TRUE(matchesReference("sten_0", at(sten, 0)));
@@ -166,7 +166,7 @@ TEST_F(StenTest, TheGroundFallsFromWhiteToBlue) {
 
 // The eye at (4, 3, 0) with the aspect 1, upside down: the point (0, 0.8, 0.5) comes to (0.1916, -0.24524),
 // which is pixel (238.3, 155.7) of 400 by 250.
-TEST_F(StenTest, TheCameraStandsOnItsHead) {
+TEST_F(StenTest, TheCameraIsUpsideDown) {
     const auto [x, y] = middle(box(Vector3f(-0.03f, 0.77f, 0.47f), Vector3f(0.03f, 0.83f, 0.53f), 0));
     EXPECT_NEAR(x, 238.3f, 1.5f);
     EXPECT_NEAR(y, 155.7f, 1.5f);

@@ -36,7 +36,7 @@ struct Wanted {
 
 } // namespace
 
-TEST_F(TunnelTest, LooksAsItShould) {
+TEST_F(TunnelTest, MatchesItsReferencePictures) {
     EXPECT_TRUE(matchesReference("tunnel_0", at(0.25f)));
     EXPECT_TRUE(matchesReference("tunnel_5", at(5)));
     EXPECT_TRUE(matchesReference("tunnel_14", at(14)));

@@ -257,7 +257,7 @@ protected:
 
 } // namespace
 
-TEST_F(FisheyeTest, LooksAsItShould) {
+TEST_F(FisheyeTest, MatchesItsReferencePicture) {
     mFisheye.executeTrigger(0, "which", "vaddr");
     EXPECT_TRUE(matchesReference("fisheye_flat", at(1, 0)));
     EXPECT_TRUE(matchesReference("fisheye_lens", at(1, 0.8f)));

@@ -14,7 +14,7 @@ using kindler::EffectRandom;
 using mathbase::Random;
 using mathbase::Vector3f;
 
-TEST(Random, DrawsTheSequenceThatIsTold) {
+TEST(Random, DrawsTheKnownSequence) {
     Random random(1);
     EXPECT_EQ(random.draw(), 69074u);     // 1 * 69069 + 5
     EXPECT_EQ(random.draw(), 475904815u); // 69074 * 69069 + 5 = 4770872111, less 2^32
@@ -107,7 +107,7 @@ TEST(Billboard, FacesTheCameraWithHalfAxes) {
     EXPECT_GT(board.up.y, 0.0f);
 }
 
-TEST(Billboard, IsSeenUprightByTheCameraWhateverItsRoll) {
+TEST(Billboard, IsUprightOnTheScreenAtAnyRoll) {
     const Vector3f eye(1, 2, 3), target(0, 0, -5);
     mathbase::Matrix4x4Col camera;
     for (float roll : {0.0f, 1.0f, -2.5f}) {

@@ -28,7 +28,7 @@ protected:
 
 } // namespace
 
-TEST_F(XorTest, LooksAsItShould) {
+TEST_F(XorTest, MatchesItsReferencePictures) {
     EXPECT_TRUE(matchesReference("xor_5", at(5)));
     EXPECT_TRUE(matchesReference("xor_42", at(42.25f, 0.02f, 0.6f)));
     mXor.executeTrigger(6, "shot", "");
@@ -43,7 +43,7 @@ TEST_F(XorTest, AtTimeZeroThereIsNoBox) {
     EXPECT_GT(test::covered(at(1), ground), 0.01);
 }
 
-TEST_F(XorTest, TheCometStandsAtTheEndOfItsPathFromAHundredSecondsOn) {
+TEST_F(XorTest, TheCometStaysAtTheEndOfItsPathFromAHundredSecondsOn) {
     // The head stays; the eye goes on.
     const Picture ground = over(0.95f, 0.93f, 0.9f, [] {});
     for (float time : {99.998f, 100.0f, 250.0f, 1e9f, 3e38f})
@@ -81,7 +81,7 @@ TEST_F(XorTest, OtherTriggersAndSplinesAreDropped) {
     EXPECT_EQ(test::comparePictures(over(0.95f, 0.93f, 0.9f, [&] { mXor.update(9, 0, 0); }), before).mean, 0);
 }
 
-TEST_F(XorTest, ATimeThatIsNoNumberIsHarmless) {
+TEST_F(XorTest, ATimeOfNanIsHarmless) {
     at(std::numeric_limits<float>::quiet_NaN());
     at(std::numeric_limits<float>::infinity());
     at(-std::numeric_limits<float>::infinity());

@@ -167,7 +167,7 @@ TEST(Input, AKeyIsReleasedByTheCodeThatItHadWhenItWentDown) {
     EXPECT_EQ(text(input.release(1)), "key 81 0");
 }
 
-TEST(Input, RepeatsAreToldOnlyWhenEnabled) {
+TEST(Input, RepeatsAreReportedOnlyWhenEnabled) {
     Input input;
     input.press(1, 'A');
     input.character('a');

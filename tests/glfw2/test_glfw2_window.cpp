@@ -233,13 +233,13 @@ TEST_F(Glfw2, TheTitleIsThatOfTheWindow) {
     });
 }
 
-TEST_F(Glfw2, TheSizeCallbackIsToldTheSizeWhenItIsSet) {
+TEST_F(Glfw2, TheSizeCallbackIsCalledWhenItIsSet) {
     ASSERT_EQ(openWindow(), 1);
     glfwSetWindowSizeCallback(sizeFun);
     EXPECT_EQ(events, Log{"size 400 300"});
 }
 
-TEST_F(Glfw2, ThePositionAndWheelCallbacksAreToldTheirsWhenTheyAreSet) {
+TEST_F(Glfw2, ThePositionAndWheelCallbacksAreCalledWhenTheyAreSet) {
     open();
     glfwSetMousePosCallback(mouseFun);
     glfwSetMouseWheelCallback(wheelFun);
@@ -334,7 +334,7 @@ TEST_F(Glfw2, KeysFollowALayoutThatChangesUnderWay) {
     EXPECT_EQ(afterKey("29"), typed('Y', 'y'));
 }
 
-TEST_F(Glfw2, LettersOfAnotherAlphabetAreReachedByTheirPlace) {
+TEST_F(Glfw2, LettersOfAnotherAlphabetHaveTheCodeOfTheirKey) {
     Viewer("", [] {}).layout("ru");
     open();
     viewer().layout("ru");
@@ -372,7 +372,7 @@ TEST_F(Glfw2, ModifiersAreLeftAndRight) {
     EXPECT_EQ(afterKey("108"), pressOf(GLFW_KEY_RALT));
 }
 
-TEST_F(Glfw2, KeysWithoutACodeAreNotTold) {
+TEST_F(Glfw2, KeysWithoutACodeAreNotReported) {
     open();
     for (const char* name : {"Caps_Lock", "Caps_Lock", "Num_Lock", "Num_Lock", "Super_L", "Menu", "Pause"})
         EXPECT_EQ(afterKey(name), Log{}) << name;
@@ -474,7 +474,7 @@ TEST_F(Glfw2, TypedTextArrivesWhole) {
 
 // Mouse.
 
-TEST_F(Glfw2, TheMouseIsToldInWholePixels) {
+TEST_F(Glfw2, TheMousePositionIsInWholePixels) {
     open();
     viewer().moveTo(5, 5);
     viewer().until("the mouse", [] {
@@ -681,7 +681,7 @@ TEST_F(Glfw2, WhatACallbackThrowsComesOutOfThePoll) {
 
 // Icon, focus, size.
 
-TEST_F(Glfw2, IconifyingAndRestoringAreSeen) {
+TEST_F(Glfw2, IconifyingAndRestoringAreDetected) {
     open();
     EXPECT_EQ(glfwGetWindowParam(GLFW_ICONIFIED), 0);
     viewer().iconify();

@@ -217,7 +217,7 @@ TEST(Matrix, SetProjectOrthoKeepsTheSignOfDepth) {
     EXPECT_EQ(m, flat);
 }
 
-TEST(Matrix, SetCameraLooksAlongMinusZ) {
+TEST(Matrix, SetCameraViewsAlongMinusZ) {
     Matrix4x4Col m = dirty();
     m.setCamera(Vector3f(3, 4, 5), Vector3f(3, 4, -10), 0);
     EXPECT_TRUE(near(Vector3f(0, 0, 0), m * Vector3f(3, 4, 5)));

@@ -190,7 +190,7 @@ TEST(Spline, KeysOutOfTimeOrderYieldASortedList) {
     EXPECT_EQ(-1, spline.mCurrent);
 }
 
-TEST(Spline, LaterAddedOfTwoKeysWithEqualTimesSitsBehindTheEarlierOne) {
+TEST(Spline, LaterAddedOfTwoKeysWithEqualTimesFollowsTheEarlierOne) {
     for (const float time : {1.0f, 2.0f, 3.0f, 4.0f}) {
         for (int count = int(time); count <= 4; ++count) {
             Spline spline;
@@ -262,7 +262,7 @@ TEST(Spline, AnEditShowsAtTheNextEvaluation) {
     EXPECT_EQ(1.25f, spline.evaluate(0.5f));
 }
 
-TEST(Spline, NumbersThatAreNoneAndKeysOutOfOrderReadNothingOutside) {
+TEST(Spline, NanAndKeysOutOfOrderReadNothingOutside) {
     for (int count = 0; count < 6; ++count) {
         for (const int mode : {-1, 0, 1, 2}) {
             Spline spline;

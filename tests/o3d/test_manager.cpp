@@ -276,7 +276,7 @@ TEST(Manager, UnknownChunksAreReportedInTheWayOfTheirLevel) {
               outputOf(file(chunk(0x5000, text("s") + chunk(0x5180, text("a") + bone)))));
 }
 
-TEST(Manager, UnknownChunksInNodesAndTracksAreIgnoredInSilence) {
+TEST(Manager, UnknownChunksInNodesAndTracksAreIgnoredSilently) {
     const std::string unknown = chunk(0xABC0, "payload");
     const auto scene = [](const std::string& children) { return file(chunk(0x5000, text("s") + children)); };
     EXPECT_EQ("", outputOf(scene(unknown)));
@@ -291,7 +291,7 @@ TEST(Manager, UnknownChunksInNodesAndTracksAreIgnoredInSilence) {
     EXPECT_EQ("", outputOf(scene(chunk(0x5180, text("a") + chunk(0x5190, bone)))));
 }
 
-TEST(Manager, BoneGroupInAMeshIsSkippedInSilence) {
+TEST(Manager, BoneGroupInAMeshIsSkippedSilently) {
     EXPECT_EQ("", outputOf(file(chunk(0x2000, text("m") + chunk(0x2300, i32(1) + i32(2) + i32(3))))));
 }
 

@@ -127,7 +127,7 @@ TEST(SceneNode, TrackWithOneKeyAndConstantExtrapolationIsStaticAndHoldsItsValue)
     EXPECT_EQ(6.0f, node.mPosition.getValue(100).y);
 }
 
-TEST(SceneNode, IsStaticLooksAtItsNineTracks) {
+TEST(SceneNode, IsStaticTestsItsNineTracks) {
     o3d::Dummy node;
     EXPECT_TRUE(node.isStatic());
     for (auto* track :

@@ -492,7 +492,7 @@ TEST(Track, EveryNumberOfKeysFindsItsSegment) {
     }
 }
 
-TEST(Track, KeysOutOfOrderAndNumbersThatAreNoneAreSurvived) {
+TEST(Track, KeysOutOfOrderAndNanAreHarmless) {
     const float none = std::numeric_limits<float>::quiet_NaN(), huge = std::numeric_limits<float>::infinity();
     const float odd[] = {none, huge, -huge, 0, -0.0f, 1, -1, 3e38f, -3e38f, 1e-40f, 2.5f, 7};
     std::mt19937 random(9);

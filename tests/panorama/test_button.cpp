@@ -147,7 +147,7 @@ TEST_F(ButtonTest, MayBeDeletedByTheActionOfAControlInIt) {
     EXPECT_EQ(mRoot.getControlSize(), 0u);
 }
 
-TEST_F(ButtonTest, AHiddenOneHearsNothing) {
+TEST_F(ButtonTest, AHiddenOneGetsNoEvents) {
     Button* button = add<Button>(Box2(10, 10, 60, 30));
     move(20, 20);
     button->setVisible(false);

@@ -417,7 +417,7 @@ TEST_F(LayoutStackTest, ItsDefaults) {
     EXPECT_NE(dynamic_cast<LayoutStack*>(clone.get()), nullptr);
 }
 
-TEST_F(LayoutStackTest, ChildrenFollowEachOtherAndKeepTheirSizeAndTheirPlaceAcross) {
+TEST_F(LayoutStackTest, ChildrenFollowEachOtherAndKeepTheirSizeAndOffsetAcross) {
     LayoutStack& stack = add<LayoutStack>(Box2(100, 100, 400, 400));
     Plain& first = add<Plain>(Box2(5, 50, 45, 60), &stack);
     Plain& second = add<Plain>(Box2(7, 0, 17, 20), &stack);
@@ -479,7 +479,7 @@ TEST_F(LayoutStackTest, TenThousandChildrenAreStacked) {
     EXPECT_EQ(stack.getChild(9999)->mArea.area, Box2(0, 99990, 10, 100000));
 }
 
-TEST_F(ContainersTest, ZeroNegativeAndEnormousAreasAreTaken) {
+TEST_F(ContainersTest, ZeroNegativeAndEnormousAreasAreAccepted) {
     for (const Box2& area :
          {Box2(), Box2(10, 10, -10, -10), Box2(-1e30f, -1e30f, 1e30f, 1e30f),
           Box2(-ENDLESS, -ENDLESS, ENDLESS, ENDLESS), Box2(NO_NUMBER, NO_NUMBER, NO_NUMBER, NO_NUMBER)}) {

@@ -89,7 +89,7 @@ TEST_F(ContextTest, RowsStayInTheirOrderWhicheverGetsASubMenu) {
     EXPECT_EQ(owner->getFocus(), nullptr); // a menu takes nothing from who opens it
 }
 
-TEST_F(ContextTest, ARowCanBeGivenAtAnyPlace) {
+TEST_F(ContextTest, ARowCanBeInsertedAnywhere) {
     Context* last = menu.addOption("last", "");
     Context* first = new Context;
     menu.addControl(first, 0);
@@ -242,7 +242,7 @@ TEST_F(ContextTest, AReleaseOnAGapBetweenRowsSendsNothing) {
     EXPECT_TRUE(heard.texts.empty());
 }
 
-TEST_F(ContextTest, TwoRowsWithOneCaptionCannotBeToldApart) {
+TEST_F(ContextTest, RowsWithTheSameCaptionReportTheSame) {
     menu.addOption("same", "first");
     menu.addOption("same", "second");
     menu.setPosition(Vector2f(100, 50));
@@ -335,7 +335,7 @@ TEST_F(ContextTest, TenThousandRowsAreLaidOutAndHovered) {
     EXPECT_EQ(menu.setHighlight("row 9999"), 9999);
 }
 
-TEST_F(ContextTest, RowsWithoutAPitchAreAllLookedAt) {
+TEST_F(ContextTest, RowsWithoutAPitchAreAllTested) {
     menu.addOption("a", "");
     menu.addOption("b", "");
     for (const float gap : {-10.0f, -30.0f, NO_NUMBER, ENDLESS}) {
@@ -421,7 +421,7 @@ TEST_F(ContextTest, AMenuWhoseOwnersParentGoesIsClosedToo) {
     EXPECT_EQ(menu.getParent(), nullptr);
 }
 
-TEST_F(ContextTest, ARowDeletedPastItsMenuIsTakenOut) {
+TEST_F(ContextTest, ARowDeletedDirectlyLeavesItsMenu) {
     Context* more = openMenu();
     move(115, 75);
     delete more;
@@ -485,7 +485,7 @@ public:
     }
 };
 
-TEST_F(ContextTest, WhoHearsOfAChoiceMayDeleteTheMenu) {
+TEST_F(ContextTest, TheReceiverOfAChoiceMayDeleteTheMenu) {
     Answerer* answerer = new Answerer(Box2(0, 0, 10, 10));
     root.addControl(answerer, -1);
     for (const bool inSubMenu : {false, true}) {
@@ -507,7 +507,7 @@ TEST_F(ContextTest, WhoHearsOfAChoiceMayDeleteTheMenu) {
     }
 }
 
-TEST_F(ContextTest, WhoHearsOfAChoiceMayDeleteTheRows) {
+TEST_F(ContextTest, TheReceiverOfAChoiceMayDeleteTheRows) {
     Answerer* answerer = new Answerer(Box2(0, 0, 10, 10));
     root.addControl(answerer, -1);
     menu.setPosition(Vector2f(100, 50));
@@ -519,7 +519,7 @@ TEST_F(ContextTest, WhoHearsOfAChoiceMayDeleteTheRows) {
     EXPECT_EQ(menu.getChildCount(), 0);
 }
 
-TEST_F(ContextTest, WhoHearsOfAChoiceMayDeleteItself) {
+TEST_F(ContextTest, TheReceiverOfAChoiceMayDeleteItself) {
     Answerer* answerer = new Answerer(Box2(0, 0, 10, 10));
     root.addControl(answerer, -1);
     answerer->setCallback(&heard);
@@ -533,7 +533,7 @@ TEST_F(ContextTest, WhoHearsOfAChoiceMayDeleteItself) {
     EXPECT_TRUE(heard.texts.empty()); // there is nobody left to act
 }
 
-TEST_F(ContextTest, ARowOfAnotherClassIsACaptionAndNothingMore) {
+TEST_F(ContextTest, ARowOfAnotherClassIsOnlyACaption) {
     Plain* odd = new Plain(Box2(0, 0, 10, 10));
     odd->setCaption("odd");
     odd->addControl(new Plain, -1);

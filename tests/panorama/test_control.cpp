@@ -238,7 +238,7 @@ TEST_F(ControlTest, OccupiedIsTheBoxAroundTheVisibleChildren) {
     EXPECT_EQ(outer.getOccupiedArea(), Box2(-7, 0, 300, 450));
 }
 
-TEST_F(ControlTest, ZeroNegativeAndEnormousAreasAndNoNumbersAreTaken) {
+TEST_F(ControlTest, ZeroNegativeEnormousAndNanAreasAreAccepted) {
     const float sides[] = {0, -5, 5, 1e9f, -1e9f, 3e38f, -3e38f, ENDLESS, -ENDLESS, NO_NUMBER};
     Plain& outer = add(Box2(0, 0, 100, 100));
     Plain& inner = add(Box2(0, 0, 10, 10), &outer);
@@ -259,7 +259,7 @@ TEST_F(ControlTest, ZeroNegativeAndEnormousAreasAndNoNumbersAreTaken) {
             }
 }
 
-TEST_F(ControlTest, ABoxThatIsNoNumberIsHitByNothing) {
+TEST_F(ControlTest, ABoxOfNanIsNeverHit) {
     Plain& control = add(Box2(NO_NUMBER, 0, 100, 100));
     EXPECT_EQ(control.mArea.clip, Box2());
     EXPECT_FALSE(control.acceptEvents(*std::make_unique<Event>(makeEvent("mousedown", Vector2f(50, 50)))));
@@ -269,7 +269,7 @@ TEST_F(ControlTest, ABoxThatIsNoNumberIsHitByNothing) {
 
 // Children
 
-TEST_F(ControlTest, ChildrenAreTakenAtAnIndexAndDeleted) {
+TEST_F(ControlTest, ChildrenAreInsertedAtAnIndexAndDeleted) {
     Plain& a = add(Box2());
     Plain& b = add(Box2());
     root.mRaiseOnFocus = false;
@@ -342,11 +342,11 @@ TEST_F(ControlTest, AControlCannotHangBelowItself) {
     EXPECT_EQ(root.getControlSize(), 1u);
     a.addControl(&a, -1);
     EXPECT_EQ(a.getControlSize(), 1u);
-    EXPECT_NE(out.text().find("The control 'control' can't hang below itself"), std::string::npos);
+    EXPECT_NE(out.text().find("The control 'control' can't be inside itself"), std::string::npos);
     a.setArea(Box2(0, 0, 70, 70)); // ends
 }
 
-TEST_F(ControlTest, TenThousandInEachOtherAreNotTaken) {
+TEST_F(ControlTest, ANestingOfTenThousandIsRefused) {
     std::string text;
     {
         CaptureStdout out;
@@ -369,7 +369,7 @@ TEST_F(ControlTest, TenThousandInEachOtherAreNotTaken) {
         delete outer;
         text = out.text();
     }
-    EXPECT_NE(text.find("The control 'control' is left out: it would lie deeper than 256 others"),
+    EXPECT_NE(text.find("The control 'control' is left out: it would be nested more than 256 deep"),
               std::string::npos);
     int depth = 0;
     for (Control* control = root.getControl(0); control; control = control->getControl(0))
@@ -714,7 +714,7 @@ TEST_F(ControlTest, AnActionWithNoCallbacksAnywhereGoesNowhere) {
     b.sendAction(ACTION_PRESS, &a);
 }
 
-TEST_F(ControlTest, WhoHearsAnActionMayDeleteItsSource) {
+TEST_F(ControlTest, TheReceiverOfAnActionMayDeleteItsSource) {
     struct Deletes : Callback {
         void controlAction(Control* source, Action) override { delete source; }
     } deletes;
@@ -885,7 +885,7 @@ TEST_F(ControlTest, TheLayoutOverridesTheStyle) {
     EXPECT_EQ(control.getControl(1)->mText.color.first, Vector4f(1, 0, 0, 1));
 }
 
-TEST_F(ControlTest, AClassTakesThePlaceOfTheTypesStyleFoundOrNot) {
+TEST_F(ControlTest, AClassReplacesTheTypesStyleFoundOrNot) {
     loadStyle("<panel caption='panel'/><red caption='red'/>");
     Plain& control = add(Box2());
     loadText(control, "<p><child><panel/><panel class='red'/><panel class='blue'/></child></p>");
@@ -936,7 +936,7 @@ TEST_F(ControlTest, ALayoutNestedTenThousandDeepIsCut) {
     for (Control* inner = &control; inner; inner = inner->getControl(0))
         ++depth;
     EXPECT_LE(depth, Control::MAX_DEPTH);
-    EXPECT_NE(out.text().find("The flow 'control' is left out: it would lie deeper than 256 others"),
+    EXPECT_NE(out.text().find("The flow 'control' is left out: it would be nested more than 256 deep"),
               std::string::npos);
 }
 
@@ -1059,7 +1059,7 @@ TEST_F(FlowTest, SharesOfNothingGetNothing) {
     EXPECT_EQ(b.getArea(), Box2(0, 20, 50, 20));
 }
 
-TEST_F(FlowTest, SizesThatAreNoNumbersOrEndlessAreTaken) {
+TEST_F(FlowTest, SizesOfNanAndInfinityAreAccepted) {
     for (float size : {NO_NUMBER, ENDLESS, -ENDLESS, 3e38f, -3e38f})
         child(size);
     child(-1);

@@ -26,7 +26,7 @@ typedef std::pair<float, float> Scale;
 
 } // namespace
 
-TEST_F(DisplaysTest, ALabelReadsItsTextAndWhereItStands) {
+TEST_F(DisplaysTest, ALabelReadsItsTextAndAlignment) {
     Label* label = load<Label>(Box2(0, 0, 50, 20), "text=\"Hello\"/>");
     EXPECT_EQ(label->getType(), "label");
     EXPECT_EQ(label->getText(), "Hello");
@@ -95,7 +95,7 @@ TEST_F(DisplaysTest, TheScaleBeginsAtZeroOrBelowTheLeast) {
     EXPECT_EQ(scale(stat, -1), Scale(0, 1));
 }
 
-TEST_F(DisplaysTest, SamplesThatAreNoNumbersDoNotCount) {
+TEST_F(DisplaysTest, SamplesOfNanAreIgnored) {
     Stat stat;
     for (const float value : {NO_NUMBER, ENDLESS, -ENDLESS})
         stat.addValue(value);

@@ -97,7 +97,7 @@ TEST_F(DropdownTest, AClickElsewhereClosesTheListAndDoesNothingElse) {
     EXPECT_EQ(takeActions(), Actions());
 }
 
-TEST_F(DropdownTest, OptionsOfOneNameAreToldApart) {
+TEST_F(DropdownTest, OptionsOfTheSameNameAreDistinguished) {
     Dropdown* dropdown = load<Dropdown>(
         Box2(10, 10, 110, 30), "><option id=\"1\" name=\"x\"/><option id=\"2\" name=\"x\"/></control>");
     click(20, 20);

@@ -105,7 +105,7 @@ TEST_F(InputsWindow, AGlideIsAQuarterOfASine) {
     EXPECT_EQ(interval.get(false), 2.0f);
 }
 
-TEST_F(InputsWindow, AGlideStartsAtTheValueLastSeenOnTheWay) {
+TEST_F(InputsWindow, AGlideStartsAtTheValueLastReturned) {
     Interval interval;
     setTime(100);
     interval.set(1, false);
@@ -148,7 +148,7 @@ TEST_F(InputsWindow, AClockThatIsSetBackEndsAGlide) {
     EXPECT_EQ(interval.get(false), 1.0f);
 }
 
-TEST_F(InputsWindow, ASliderIsHitWhereItsHandleIsSeen) {
+TEST_F(InputsWindow, ASliderIsHitWhereItsHandleIsDrawn) {
     Slider* slider = add<Slider>(Box2(10, 10, 216, 26));
     slider->mDirection = 0;
     setTime(100);
@@ -265,7 +265,7 @@ TEST_F(InputsWindow, AnOverlongTextScrollsWithTheCaret) {
     EXPECT_GT(input->getCaret(), 350u);
 }
 
-TEST_F(InputsWindow, APictureKeepsItsProportionsAndStandsInTheMiddle) {
+TEST_F(InputsWindow, APictureKeepsItsProportionsAndIsCentred) {
     Image* image = add<Image>(Box2(100, 50, 300, 250));
     EXPECT_TRUE(image->setFilename("white.png")); // 8 by 4
     EXPECT_EQ(brightBox(frame(), Box2(0, 0, 400, 300)), Box2(100, 100, 300, 200));
@@ -334,7 +334,7 @@ TEST_F(InputsWindow, ZeroSizedNegativeAndEnormousControlsAreDrawn) {
     }
 }
 
-TEST_F(InputsWindow, ATextOfAMegabyteIsDrawnAsFarAsItIsSeen) {
+TEST_F(InputsWindow, OnlyTheVisiblePartOfATextOfAMegabyteIsDrawn) {
     const std::string text(1000000, 'W');
     Label* label = add<Label>(Box2(0, 0, 100, 20));
     label->setText(text);

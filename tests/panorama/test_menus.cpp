@@ -272,7 +272,7 @@ TEST_F(MenubarTest, MenusThatHaveGoneAreNotOpened) {
     shown();
 }
 
-TEST_F(MenubarTest, AMenuOpenedInItsPlaceClosesTheBar) {
+TEST_F(MenubarTest, AnotherMenuClosesTheBar) {
     openFile();
     Context other;
     other.addOption("a", "");

@@ -342,7 +342,7 @@ TEST_F(RenderTest, WhatIsClippedAwayIsNotDrawnAtAll) {
     EXPECT_EQ(picture.at(55, 55)[0], 51);
 }
 
-TEST_F(RenderTest, ShapesOfAnySizeAndNoNumbersAreTaken) {
+TEST_F(RenderTest, ShapesOfAnySizeAndOfNanAreAccepted) {
     const float nan = std::numeric_limits<float>::quiet_NaN(), inf = std::numeric_limits<float>::infinity();
     const float sides[] = {0, -50, 50, 1e9f, -1e9f, 3e38f, -3e38f, inf, -inf, nan};
     const Picture picture = draw(batched, [&](Render& render) {
@@ -507,7 +507,7 @@ TEST_F(PanoramaTest, AStyleWithAnotherRootEndsTheLoading) {
     EXPECT_EQ(root().mStyle, nullptr);
 }
 
-TEST_F(PanoramaTest, AHiddenOrZeroSizedControlIsNotDrawnUnlessTheWorkspaceHoldsIt) {
+TEST_F(PanoramaTest, OnlyTheWorkspaceDrawsItsZeroSizedControls) {
     Plain& group = add(Box2(0, 0, 100, 100));
     Plain& inside = add(Box2(0, 0, 0, 50), &group);
     Plain& half = add(Box2(0, 0, 0.5f, 50), &group);

@@ -178,7 +178,7 @@ TEST_F(ScrollbarsTest, TheWheelScrollsFiftyPixelsOfContent) {
     EXPECT_FLOAT_EQ(bars->mPosY, 50.0f * 58 / 600);
 }
 
-TEST_F(ScrollbarsTest, TheWheelWithNothingToScrollMovesTheThumbAllTheSame) {
+TEST_F(ScrollbarsTest, TheWheelWithNothingToScrollStillMovesTheThumb) {
     child->setArea(Box2(0, 0, 50, 40));
     EXPECT_EQ(wheel(-0.25f), 1);
     EXPECT_FLOAT_EQ(bars->mPosY, 0.25f * 50 * 58 / 40);
@@ -186,7 +186,7 @@ TEST_F(ScrollbarsTest, TheWheelWithNothingToScrollMovesTheThumbAllTheSame) {
     EXPECT_EQ(heard.actions, (std::vector<int>{7}));
 }
 
-TEST_F(ScrollbarsTest, TheWheelOverNoChildrenAtAllDividesByNothing) {
+TEST_F(ScrollbarsTest, TheWheelWithoutChildrenDoesNotDivideByZero) {
     bars->deleteControls();
     wheel(-1);
     EXPECT_EQ(bars->mPosY, 58); // the end
@@ -196,7 +196,7 @@ TEST_F(ScrollbarsTest, TheWheelOverNoChildrenAtAllDividesByNothing) {
     EXPECT_EQ(bars->mPosY, 0);
 }
 
-TEST_F(ScrollbarsTest, AWheelThatTurnsByNoNumberMovesNothing) {
+TEST_F(ScrollbarsTest, AWheelStepOfNanMovesNothing) {
     wheel(-1);
     const float before = bars->mPosY;
     EXPECT_EQ(wheel(NO_NUMBER), 1);
@@ -278,7 +278,7 @@ TEST_F(ScrollbarsTest, TheOtherThumbGoesSideways) {
     EXPECT_EQ(bars->mPosX, 79);
 }
 
-TEST_F(ScrollbarsTest, APressBesideTheThumbHoldsNothing) {
+TEST_F(ScrollbarsTest, APressOffTheThumbDragsNothing) {
     sendMove(root, Vector2f(), Vector2f(295, 230)); // one below
     send(root, "mousedown", Vector2f(295, 230));
     EXPECT_FALSE(bars->mDragVertical);
@@ -384,7 +384,7 @@ public:
     }
 };
 
-TEST_F(ScrollbarsTest, WhoHearsOfAStepMayDeleteIt) {
+TEST_F(ScrollbarsTest, TheReceiverOfAStepMayDeleteIt) {
     Remover remover;
     for (const char* type : {"mousewheel", "mousemove", "mouseup"}) {
         Plain holder(Box2(0, 0, 200, 100));
@@ -411,7 +411,7 @@ TEST_F(ScrollbarsTest, FortyInEachOtherAreLaidOut) {
     EXPECT_EQ(parent->mArea.area, Box2(0, 0, 1000 - 39 * 12, 1000 - 39 * 12));
 }
 
-TEST_F(ScrollbarsTest, ZeroNegativeAndEnormousAreasAreTaken) {
+TEST_F(ScrollbarsTest, ZeroNegativeAndEnormousAreasAreAccepted) {
     for (const Box2& area :
          {Box2(), Box2(10, 10, -10, -10), Box2(-1e30f, -1e30f, 1e30f, 1e30f),
           Box2(-ENDLESS, -ENDLESS, ENDLESS, ENDLESS), Box2(NO_NUMBER, NO_NUMBER, NO_NUMBER, NO_NUMBER)}) {

@@ -164,7 +164,7 @@ TEST_F(SliderTest, ADragInAFlowGoesOnOverTheOthersAndEndsThere) {
     EXPECT_EQ(takeActions(), Actions());
 }
 
-TEST_F(SliderTest, TheHandleIsHitTwoPixelsBeforeItAndFourBehind) {
+TEST_F(SliderTest, TheHandleIsHitTwoPixelsBeforeItAndFourAfter) {
     Slider* slider = across("percent=\"0.5\""); // the handle spans 107 to 113
     const auto hit = [&](float x) {
         move(x, 28);
@@ -219,7 +219,7 @@ TEST_F(SliderTest, WithBothBoundsTheSameAClickGivesThatValue) {
     EXPECT_EQ(slider->getValue(), 4.0f);
 }
 
-TEST_F(SliderTest, BoundsAndSizesThatAreNoNumbersAreIgnored) {
+TEST_F(SliderTest, BoundsAndSizesOfNanAreIgnored) {
     Slider* slider = across("min=\"nan\" max=\"inf\" size=\"-inf\"");
     EXPECT_EQ(slider->mMin, 0.0f);
     EXPECT_EQ(slider->mMax, 1.0f);
@@ -236,7 +236,7 @@ TEST_F(SliderTest, BoundsAndSizesThatAreNoNumbersAreIgnored) {
     EXPECT_EQ(slider->getValue(), 0.0f);
 }
 
-TEST_F(SliderTest, WithoutASizeItStillTakesNoHarm) {
+TEST_F(SliderTest, WithoutASizeEventsAreHarmless) {
     for (const Box2 area : {Box2(), Box2(5, 5, 5, 40), Box2(40, 40, 5, 5), Box2(0, 0, 2, 2)}) {
         Slider* slider = add<Slider>(area);
         slider->setValue(0.5f, true);

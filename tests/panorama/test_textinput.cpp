@@ -81,7 +81,7 @@ TEST_F(TextInputTest, ItsValueIsTheNumberAtTheStartOfItsText) {
     }
 }
 
-TEST_F(TextInputTest, WhatIsTypedStandsAtTheCaretAndSendsAction8) {
+TEST_F(TextInputTest, TypingInsertsAtTheCaretAndSendsAction8) {
     field("ac");
     EXPECT_EQ(shown(), "ac|");
     key(KEY_LEFT);
@@ -147,7 +147,7 @@ TEST_F(TextInputTest, AnArrowWithoutShiftGoesToTheSideOfTheSelection) {
     EXPECT_EQ(after(KEY_RIGHT), "abcd|ef");
 }
 
-TEST_F(TextInputTest, BackspaceAndDeleteTakeAwayACharacterAWordOrTheSelection) {
+TEST_F(TextInputTest, BackspaceAndDeleteRemoveACharacterAWordOrTheSelection) {
     field("one two three");
     EXPECT_EQ(after(KEY_BACKSPACE), "one two thre|");
     EXPECT_EQ(after(KEY_BACKSPACE, CTRL), "one two |");
@@ -228,7 +228,7 @@ TEST_F(TextInputTest, ANumericFieldTakesOnlyWhatCanBecomeANumber) {
     EXPECT_EQ(shown(), "12|");
 }
 
-TEST_F(TextInputTest, ANumericFieldWithATextThatIsNoNumberCanBeMended) {
+TEST_F(TextInputTest, ANumericFieldWithAnInvalidTextCanBeCorrected) {
     field("abc1", TextInput::NUMERIC);
     type("2");
     EXPECT_EQ(shown(), "abc1|");
@@ -240,7 +240,7 @@ TEST_F(TextInputTest, ANumericFieldWithATextThatIsNoNumberCanBeMended) {
     EXPECT_EQ(shown(), "7|");
 }
 
-TEST_F(TextInputTest, APasswordIsNotCopiedAndNotToldApartByWords) {
+TEST_F(TextInputTest, APasswordIsNotCopiedAndIsOneWord) {
     field("my secret", TextInput::PASSWORD);
     TextInput::setClipboard("old");
     key(KEY_a, CTRL);

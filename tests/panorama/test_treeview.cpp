@@ -141,7 +141,7 @@ TEST_F(TreeViewTest, TheKeysWalkTheTree) {
     EXPECT_EQ(mTree->getRowCount(), 2);
 }
 
-TEST_F(TreeViewTest, AnItemThatIsNoLongerSeenGivesItsPlaceToItsParent) {
+TEST_F(TreeViewTest, TheSelectionOfAnItemThatGetsHiddenGoesToItsParent) {
     tree();
     mTree->setOpen(0, true);
     mTree->setOpen(1, true);
@@ -242,7 +242,7 @@ TEST_F(TreeViewTest, TenThousandItemsAreOneClickApart) {
     EXPECT_EQ(mTree->getScroll(false), 180000.0f - 198.0f);
 }
 
-TEST_F(TreeViewTest, ADepthOfTenThousandIsNoDepthOfCalls) {
+TEST_F(TreeViewTest, ADepthOfTenThousandDoesNotOverflowTheStack) {
     std::string items;
     for (int i = 0; i < 10000; ++i)
         items += "<item text=\"" + std::to_string(i) + "\">";

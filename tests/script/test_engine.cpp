@@ -405,7 +405,7 @@ TEST(ScriptSpline, HandsItsNameAndItsValueToTheCallback) {
     EXPECT_EQ(calls, Calls{"a spline 3 alpha=4"});
 }
 
-TEST(ScriptEngine, WhatACallbackAddsToTheTimelineIsSeenInTheSameFrame) {
+TEST(ScriptEngine, WhatACallbackAddsToTheTimelineRunsInTheSameFrame) {
     struct Adder : Callback {
         Timeline* line = nullptr;
         void update(float, float, float) override {

@@ -185,7 +185,7 @@ TEST(LoadXml, AnEmptyScriptLoads) {
     EXPECT_TRUE(script.mEffects.empty());
 }
 
-TEST(LoadXml, BrokenXmlThrowsWithItsPlace) {
+TEST(LoadXml, BrokenXmlThrowsWithItsPosition) {
     ScriptEngine engine;
     const std::string text = "<script>\n<effect name=\"a\n\"/></script>";
     try {
@@ -251,7 +251,7 @@ TEST(LoadXml, AScriptThatCannotBeReadIsNamedInTheLog) {
     EXPECT_NE(out.text().find("The file '" + dir.file("broken.xml") + "' can't be read"), std::string::npos);
 }
 
-TEST(LoadXml, AbsurdNumbersAreTakenAndHarmNothing) {
+TEST(LoadXml, AbsurdNumbersAreHarmless) {
     Loaded script(
         "<script><effect name=\"e\" start=\"nan\" end=\"1e999\"><trigger repeat=\"2000000000\" "
         "delay=\"-1e30\"/>"

@@ -251,7 +251,7 @@ TEST_F(DrawTest, LeavesBlendingForTheCallerToMind) {
     });
 }
 
-TEST_F(DrawTest, WhatIsNoNumberOrEndlessIsDrawnWithoutHarm) {
+TEST_F(DrawTest, NanAndInfinityAreDrawnHarmlessly) {
     for (float value : {NAN, INFINITY, -INFINITY, 1e38f}) {
         Spark spark = longLived();
         spark.position.x = value;

@@ -318,7 +318,7 @@ TEST(FillSpark, ValuesStayBetweenTheirBounds) {
     }
 }
 
-TEST(FillSpark, BoundsThatAreNoNumbersAreHarmless) {
+TEST(FillSpark, BoundsOfNanAreHarmless) {
     Emitter e;
     e.angle = {NAN, INFINITY};
     e.speed = {INFINITY, -INFINITY};

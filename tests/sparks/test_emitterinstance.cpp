@@ -96,7 +96,7 @@ TEST_F(InstanceTest, NoTimeEmitsNothingAndStillDraws) {
     EXPECT_EQ(mInstance.random.mState, 69074u);
 }
 
-TEST_F(InstanceTest, NegativeTimeAndWhatIsNoNumberEmitNothing) {
+TEST_F(InstanceTest, NegativeTimesAndNanEmitNothing) {
     for (float dt : {-1.0f, -0.001f, -INFINITY, NAN})
         EXPECT_EQ(update(dt), 0);
     for (float rate : {-50.0f, NAN, -INFINITY}) {
@@ -177,7 +177,7 @@ TEST_F(InstanceTest, WithoutAnEngineTheFirstEmissionFails) {
     }
 }
 
-TEST_F(InstanceTest, AnAbsurdRateIsBoundedAndSaysSoOnce) {
+TEST_F(InstanceTest, AnAbsurdRateIsBoundedAndLoggedOnce) {
     mEmitter.rate = 1e9f;
     test::CaptureStdout out;
     EXPECT_EQ(update(1), EmitterInstance::MAX_EMISSION);

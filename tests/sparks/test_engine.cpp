@@ -433,7 +433,7 @@ TEST_F(EngineTest, AllocatesNothingOnceWarm) {
     EXPECT_GT(countOf(mEngine->live), 1000);
 }
 
-TEST_F(EngineTest, WhatIsNoNumberDies) {
+TEST_F(EngineTest, ParticlesOfNanDie) {
     mEngine->update(0);
     Spark spark = longLived();
     spark.energy = NAN;
@@ -448,7 +448,7 @@ TEST_F(EngineTest, WhatIsNoNumberDies) {
     EXPECT_EQ(mEngine->live, nullptr);
 }
 
-TEST_F(EngineTest, ATimeThatIsNoNumberOrRunsBackIsSurvived) {
+TEST_F(EngineTest, ATimeOfNanOrRunningBackwardsIsHarmless) {
     add(10);
     for (float time : {1.0f, 0.5f, NAN, 2.0f, INFINITY, -5.0f, 3.0f})
         mEngine->update(time);

@@ -103,7 +103,7 @@ TEST(PrimSphereDeathTest, RadiusZeroHasNoNormal) {
     EXPECT_DEATH(sphere.convertIntersection(pi, i, origin, ahead), "length!=0");
 }
 
-TEST(PrimSphere, NumbersThatAreNoneMiss) {
+TEST(PrimSphere, NanMisses) {
     PrimSphere sphere(Vector3f(NAN, 0, -10), 2, nullptr);
     PreIntersection pi;
     EXPECT_FALSE(sphere.trace(pi, origin, ahead, 0, 100));

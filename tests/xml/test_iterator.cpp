@@ -65,7 +65,7 @@ TEST_F(XmlIterator, WalkWithCriteriaThatMatchNoFurtherChildLeavesTheIndexWhereIt
     EXPECT_EQ(calledAfter, failure([&] { ++it; }));
 }
 
-TEST_F(XmlIterator, WalkWithEmptyCriteriaEndsBehindTheLastChild) {
+TEST_F(XmlIterator, WalkWithEmptyCriteriaEndsAfterTheLastChild) {
     IteratorConst it = constParser().createIterator("");
     EXPECT_TRUE(++it);
     EXPECT_FALSE(it.isAtBegin());
@@ -158,7 +158,7 @@ TEST_F(XmlIterator, AddChildOnAFreshIteratorBuildsTheListInCallOrder) {
     EXPECT_EQ(2, it.index);
 }
 
-TEST_F(XmlIterator, AddChildInsertsBehindTheCurrentChildAndMovesOntoIt) {
+TEST_F(XmlIterator, AddChildInsertsAfterTheCurrentChildAndMovesOntoIt) {
     Iterator it = mParser.createIterator("y");
     ++it;
     it.addChild(named("new"));

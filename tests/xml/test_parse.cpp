@@ -117,7 +117,7 @@ TEST(XmlParse, TagsOfManyAttributesKnowNothingOfEachOther) {
     }
 }
 
-TEST(XmlParse, TextLosesSpaceInFrontAndKeepsItBehind) {
+TEST(XmlParse, TextLosesLeadingSpaceAndKeepsTrailingSpace) {
     EXPECT_EQ("r(4:!!!text/[content=hello  ])", parsed("<r>  hello  </r>"));
     EXPECT_EQ("r(4:!!!text/[content=a\nb    c d])", parsed("<r>\n a\r\nb\tc d</r>"));
     EXPECT_EQ("r/", parsed("<r> \t\r\n </r>"));
@@ -158,7 +158,7 @@ TEST(XmlParse, ProcessingInstructionWithItsParentsNameAndNoAttributesEndsThePare
     EXPECT_EQ("r(a/ b/)", parsed("<r><a><?a?><b/></r>"));
 }
 
-TEST(XmlParse, WhatStandsBehindTheRootIsNeverLookedAt) {
+TEST(XmlParse, WhatFollowsTheRootIsIgnored) {
     EXPECT_EQ("r/", parsed("<r></r><broken _ \" <!"));
 }
 
@@ -283,7 +283,7 @@ TEST(XmlParse, FailureKeepsWhatWasAddedSoFar) {
     EXPECT_EQ("/", shape(parser));
 }
 
-TEST(XmlParse, ParseRecurseInsertsBehindTheIteratorsCurrentChild) {
+TEST(XmlParse, ParseRecurseInsertsAfterTheIteratorsCurrentChild) {
     XmlParser parser;
     parser.parse("<r><a/><b/></r>");
     Iterator it = parser.createIterator("");

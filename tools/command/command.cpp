@@ -1,9 +1,11 @@
 #include "command/command.h"
 
 #include <cerrno>
+#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <exception>
 
 namespace zentrak::command {
 
@@ -16,6 +18,40 @@ bool hasOption(int argc, char** argv, int first) {
         if (isOption(argv[i]))
             return true;
     return false;
+}
+
+bool readArguments(int argc, char** argv, const char* program, const ReadOption& readOption, size_t most,
+                   std::vector<std::string>& files) {
+    for (int i = 1; i < argc; ++i) {
+        const std::string argument = argv[i];
+        if (!isOption(argv[i])) {
+            files.push_back(argument);
+            continue;
+        }
+        const size_t split = argument.find('=');
+        const bool hasValue = split != std::string::npos;
+        bool good = false;
+        try {
+            good =
+                readOption(argument.substr(0, split), hasValue ? argument.substr(split + 1) : "", hasValue);
+        } catch (const std::exception& exception) {
+            fprintf(stderr, "%s: %s\n", program, exception.what());
+        }
+        if (!good) {
+            fprintf(stderr, "%s: unknown option or invalid value: %s\n", program, argv[i]);
+            return false;
+        }
+    }
+    return !files.empty() && files.size() <= most;
+}
+
+std::string format(const char* pattern, ...) {
+    char text[512];
+    va_list arguments;
+    va_start(arguments, pattern);
+    vsnprintf(text, sizeof text, pattern, arguments);
+    va_end(arguments);
+    return text;
 }
 
 bool readNumber(const char* argument, int least, int most, int& number) {

@@ -1,5 +1,6 @@
 #include "import/convert.h"
 
+#include "command/command.h"
 #include "import/animation.h"
 #include "import/geometry.h"
 #include "import/points.h"
@@ -9,7 +10,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdarg>
 #include <cstdio>
 #include <deque>
 #include <map>
@@ -20,6 +20,7 @@
 
 namespace zentrak::importer {
 
+using command::format;
 using mathbase::Vector3f;
 
 namespace {
@@ -29,16 +30,6 @@ constexpr size_t MAX_PARTS = 256; // of a mesh: a byte numbers them
 constexpr int MAX_NODE_DEPTH = int(o3d::MAX_DEPTH) - 100;
 constexpr double NEAREST = 0.5; // what the effects' cameras see, units
 constexpr double FARTHEST = 1000;
-
-std::string format(const char* pattern, ...) __attribute__((format(printf, 1, 2)));
-std::string format(const char* pattern, ...) {
-    char text[512];
-    va_list arguments;
-    va_start(arguments, pattern);
-    vsnprintf(text, sizeof text, pattern, arguments);
-    va_end(arguments);
-    return text;
-}
 
 Vector3f toFloat(const Vector& v) {
     return Vector3f(float(v.x), float(v.y), float(v.z));

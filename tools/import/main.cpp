@@ -1,6 +1,6 @@
 // Makes a scene file of a model in any format that assimp reads.
 //   zentrak-import [OPTION...] FILE [OUT.o3d]      --help lists the options
-// Ends with 0, with 1 where the file is refused or OUT can't be written, with 2 for a wrong call.
+// Exit status: 0, 1 if the file is refused or OUT can't be written, 2 for wrong arguments.
 
 #include "command/command.h"
 #include "import/convert.h"
@@ -13,6 +13,7 @@
 #include <exception>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 using namespace zentrak;
 
@@ -47,11 +48,7 @@ bool readPositive(const std::string& text, double& number) {
     return !text.empty() && !*end && std::isfinite(number) && number > 0;
 }
 
-bool readOption(const std::string& argument, Call& call) {
-    const size_t split = argument.find('=');
-    const std::string name = argument.substr(0, split);
-    const bool hasValue = split != std::string::npos;
-    const std::string value = hasValue ? argument.substr(split + 1) : "";
+bool readOption(Call& call, const std::string& name, const std::string& value, bool hasValue) {
     if (name == "--scale" && hasValue)
         return readPositive(value, call.options.scale);
     if (name == "--fit" && hasValue)
@@ -80,27 +77,16 @@ bool readOption(const std::string& argument, Call& call) {
 }
 
 bool readCall(int argc, char** argv, Call& call) {
-    for (int i = 1; i < argc; ++i) {
-        if (command::isOption(argv[i])) {
-            bool good = false;
-            try {
-                good = readOption(argv[i], call);
-            } catch (const std::exception& exception) {
-                fprintf(stderr, "zentrak-import: %s\n", exception.what());
-            }
-            if (!good) {
-                fprintf(stderr, "zentrak-import: %s is no option, or its value is none\n", argv[i]);
-                return false;
-            }
-        } else if (call.file.empty()) {
-            call.file = argv[i];
-        } else if (call.out.empty()) {
-            call.out = argv[i];
-        } else {
-            return false;
-        }
-    }
-    return !call.file.empty();
+    std::vector<std::string> files;
+    const auto read = [&](const std::string& name, const std::string& value, bool hasValue) {
+        return readOption(call, name, value, hasValue);
+    };
+    if (!command::readArguments(argc, argv, "zentrak-import", read, 2, files))
+        return false;
+    call.file = files[0];
+    if (files.size() > 1)
+        call.out = files[1];
+    return true;
 }
 
 void report(const Call& call, const importer::Model& model, const importer::Conversion& result) {

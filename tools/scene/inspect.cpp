@@ -1,12 +1,12 @@
 #include "inspect.h"
 
 #include "cl_readbuffer.h"
+#include "command/command.h"
 #include "o3d_chunk.h"
 #include "o3d_manager.h"
 
 #include <algorithm>
 #include <climits>
-#include <cstdarg>
 #include <cstdio>
 #include <set>
 
@@ -15,6 +15,7 @@ namespace zentrak::scene {
 namespace {
 
 using chunklib::ReadBuffer;
+using command::format;
 
 // Where a chunk may appear, one bit each.
 enum Place : unsigned {
@@ -109,17 +110,6 @@ const Kind kinds[] = {
     {o3d::CHUNK_KEYS3, "keys of component 2", TRACK3, KEYS, 0},
     {o3d::CHUNK_KEYS3, "keys of component 3", TRACK4, KEYS, 0},
 };
-
-std::string format(const char* pattern, ...) __attribute__((format(printf, 1, 2)));
-
-std::string format(const char* pattern, ...) {
-    char text[512];
-    va_list arguments;
-    va_start(arguments, pattern);
-    vsnprintf(text, sizeof text, pattern, arguments);
-    va_end(arguments);
-    return text;
-}
 
 // A printable name: without control characters, and truncated.
 std::string quoted(const std::string& name) {

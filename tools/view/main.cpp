@@ -1,6 +1,6 @@
 // Shows a scene file in a window, or writes a picture of it.
 //   zentrak-view [OPTION...] FILE.o3d      --help lists the options
-// Ends with 0, with 1 where the file can't be read or the picture not be written, with 2 for a wrong call.
+// Exit status: 0, 1 if the file can't be read or the picture can't be written, 2 for wrong arguments.
 
 #include "command/virtual_display.h"
 #include "view/viewer.h"
@@ -18,6 +18,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 using namespace zentrak;
 
@@ -53,10 +54,7 @@ bool readSize(const std::string& text, Call& call) {
            command::readNumber(text.substr(cross + 1).c_str(), 64, 8192, call.height);
 }
 
-bool readOption(const std::string& argument, Call& call) {
-    const size_t split = argument.find('=');
-    const std::string name = argument.substr(0, split);
-    const std::string value = split == std::string::npos ? "" : argument.substr(split + 1);
+bool readOption(Call& call, const std::string& name, const std::string& value, bool hasValue) {
     if (name == "--time" && !value.empty()) {
         char* end = nullptr;
         call.time = strtof(value.c_str(), &end);
@@ -68,7 +66,7 @@ bool readOption(const std::string& argument, Call& call) {
         return !(call.picture = value).empty();
     if (name == "--size")
         return readSize(value, call);
-    if (split != std::string::npos)
+    if (hasValue)
         return false;
     if (name == "--edges")
         call.fill = view::Viewer::SHADED_AND_EDGES;
@@ -84,23 +82,18 @@ bool readOption(const std::string& argument, Call& call) {
 }
 
 bool readCall(int argc, char** argv, Call& call) {
-    for (int i = 1; i < argc; ++i) {
-        if (command::isOption(argv[i])) {
-            if (!readOption(argv[i], call)) {
-                fprintf(stderr, "zentrak-view: %s is no option, or its value is none\n", argv[i]);
-                return false;
-            }
-        } else if (call.file.empty()) {
-            call.file = argv[i];
-        } else {
-            return false;
-        }
-    }
+    std::vector<std::string> files;
+    const auto read = [&](const std::string& name, const std::string& value, bool hasValue) {
+        return readOption(call, name, value, hasValue);
+    };
+    if (!command::readArguments(argc, argv, "zentrak-view", read, 1, files))
+        return false;
+    call.file = files[0];
     call.height += call.height & 1; // a picture can be taken of an even height only
-    return !call.file.empty();
+    return true;
 }
 
-// Where the font lies, seen from the program: as it is installed, or in the tree that it was built in.
+// The folder of the font, relative to the program: as installed, or in the source tree.
 std::string dataFolder() {
     std::error_code problem;
     const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", problem);
@@ -149,7 +142,7 @@ void show(const Call& call) {
         display.updateBlocking();
         return;
     }
-    // The window's manager may give it its size late.
+    // The window manager may set the size late.
     for (int frame = 0; frame < 3; ++frame)
         display.update();
     writePicture(display, call.picture);
@@ -168,7 +161,7 @@ int main(int argc, char** argv) {
         return 2;
     }
     try {
-        // Ahead of the window, so that a file that can't be shown opens none.
+        // Before the window opens: none is needed for a file that can't be shown.
         view::LoadedScene probe(call.file);
     } catch (const std::exception& exception) {
         fprintf(stderr, "%s: %s\n", call.file.c_str(), exception.what());
