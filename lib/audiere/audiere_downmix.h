@@ -1,6 +1,6 @@
 // Mixes any number of channels down to two: each goes to its side, a centre channel to both at -3 dB, and the
-// subwoofer to neither. OpenAL Soft can't do it: it supports only some channel counts, and before version
-// 1.20 it drops the centre unless everything is played through a virtual room.
+// subwoofer to neither. OpenAL Soft can't do it: it supports only some channel counts, and version 1.19,
+// which Debian 12 has, plays nothing but the front pair unless everything goes through a virtual room.
 #pragma once
 
 #include <string>
