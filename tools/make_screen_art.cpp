@@ -4,6 +4,7 @@
 #include "canvas.h"
 #include "command/command.h"
 #include "lettering.h"
+#include "palette.h"
 
 #include <algorithm>
 #include <cmath>
@@ -15,12 +16,8 @@ using namespace zentrak::art;
 
 namespace {
 
-const Colour ink = {0.055f, 0.05f, 0.075f, 1};
-const Colour bone = {0.96f, 0.94f, 0.88f, 1};
-const Colour ember = {0.98f, 0.52f, 0.22f, 1};
-
-// A frame for a 16:10 picture: dark worn edges that fade to the middle, a hairline with cut corners, and
-// register marks.
+// A frame for a 16:10 picture of paper: worn dark edges, a warm tint over all that they enclose, a hairline
+// with cut corners, and register marks.
 Canvas border() {
     Canvas canvas(1280, 800);
     const float width = 1280, height = 800;
@@ -29,11 +26,13 @@ Canvas border() {
         const float wear =
             7 * noise(x / 90, y / 90, 1) + 3 * noise(x / 23, y / 23, 2) + 1.2f * noise(x / 5, y / 5, 3);
         const float solid = 1 - smoothstep(20, 24, edge + wear);
-        const float shade = 0.55f * (1 - smoothstep(0, 190, edge));
-        return Colour{ink.r, ink.g, ink.b, std::max(solid, shade * shade * 1.5f)};
+        const float shade = 1 - smoothstep(0, 230, edge);
+        const Colour tint =
+            mix(Colour{0.80f, 0.66f, 0.42f, 0.11f}, Colour{0.30f, 0.22f, 0.14f, 0.45f}, shade * shade);
+        return mix(tint, ink, solid);
     });
     // The hairline, open in the middle of each side.
-    canvas.fill({bone.r, bone.g, bone.b, 0.55f}, [&](float x, float y) {
+    canvas.fill({ink.r, ink.g, ink.b, 0.45f}, [&](float x, float y) {
         const float dx = fabsf(x - width / 2), dy = fabsf(y - height / 2);
         const float line = std::max(std::max(dx - 586, dy - 346), (dx + dy - 586 - 346 + 26) * 0.7071f);
         const bool open = dx < 200 || dy < 110;
@@ -42,7 +41,7 @@ Canvas border() {
     for (const int sx : {-1, 1}) {
         for (const int sy : {-1, 1}) {
             const float cx = width / 2 + float(sx) * 600, cy = height / 2 + float(sy) * 360;
-            canvas.fill({ember.r, ember.g, ember.b, 0.9f}, [&](float x, float y) {
+            canvas.fill({orange.r, orange.g, orange.b, 0.9f}, [&](float x, float y) {
                 return std::min(distanceToBox(x, y, cx, cy, 9, 1, 0), distanceToBox(x, y, cx, cy, 1, 9, 0));
             });
         }
@@ -52,18 +51,19 @@ Canvas border() {
         const float cx = width / 2 + float(i) * 13;
         const float half = i % 7 == 0 ? 5.0f : 2.5f;
         for (const float cy : {54.0f, height - 54})
-            canvas.fill({bone.r, bone.g, bone.b, 0.45f},
+            canvas.fill({ink.r, ink.g, ink.b, 0.45f},
                         [&](float x, float y) { return distanceToBox(x, y, cx, cy, 0.7f, half, 0); });
     }
     return canvas;
 }
 
-// White concentric rings with a bright rim, the shape in the alpha channel; the effects tint it.
+// An iris in ink: rings and fibres, the shape in the alpha channel. The effect multiplies with red, so only
+// black stays what it is.
 Canvas rund() {
-    Canvas canvas(256, 256);
+    Canvas canvas(96, 96);
     canvas.paint([](float x, float y) {
-        const float dx = x - 128, dy = y - 128;
-        const float r = hypotf(dx, dy) / 124;
+        const float dx = x - 48, dy = y - 48;
+        const float r = hypotf(dx, dy) / 47;
         const float angle = atan2f(dy, dx);
         float a = 0.42f * (1 - smoothstep(0.1f, 1.0f, r));
         a += 0.75f * expf(-powf((r - 0.86f) / 0.035f, 2));
@@ -71,52 +71,77 @@ Canvas rund() {
         a += 0.30f * expf(-powf((r - 0.40f) / 0.060f, 2)) * (0.5f + 0.5f * cosf(12 * angle));
         a += 0.45f * expf(-powf((r - 0.74f) / 0.025f, 2)) * (cosf(48 * angle) > 0.2f ? 1.0f : 0.0f);
         a *= 1 - smoothstep(0.93f, 1.0f, r);
-        return Colour{1, 1, 1, clamp01(a)};
+        return Colour{0, 0, 0, clamp01(a)};
     });
     return canvas;
 }
 
-// Text in `colour`, centred at (x, y), over a soft dark halo.
+// Text in `colour`, centred at (x, y).
 void letter(Canvas& canvas, const std::string& text, float x, float y, float height, float weight,
-            float tracking, const Colour& colour, float halo) {
+            float tracking, const Colour& colour) {
     const Lettering line(text, height, tracking);
     const float left = x - line.width() / 2, top = y - height / 2;
-    if (halo > 0)
-        canvas.fill(
-            {0, 0, 0, 0.55f}, [&](float px, float py) { return line.distance(px - left, py - top) - weight; },
-            halo);
     canvas.fill(colour, [&](float px, float py) { return line.distance(px - left, py - top) - weight / 2; });
 }
 
-// The logo, for a light background: four cubes and the name between two rules.
-Canvas logo() {
-    Canvas canvas(704, 192);
-    for (int i = 0; i < 4; ++i) {
-        const float cx = 62 + 40 * float(i % 2), cy = 76 + 40 * float(i / 2);
-        const Colour face = i == 1 ? ember : ink;
-        canvas.fill({face.r, face.g, face.b, i == 2 ? 0.5f : 1.0f},
-                    [&](float x, float y) { return distanceToBox(x, y, cx, cy, 17, 17, 3); });
+// The upper and the lower edge of an eye `half` wide to each side, at `x` from its middle; y goes down.
+float upperLid(float x, float half) {
+    return -0.62f * half * powf(std::max(0.0f, 1 - x * x / (half * half)), 0.75f);
+}
+float lowerLid(float x, float half) {
+    return 0.42f * half * powf(std::max(0.0f, 1 - x * x / (half * half)), 0.9f);
+}
+
+// The sign of the show: an eye, drawn with a pen. `half` is half its width.
+void openEye(Canvas& canvas, float cx, float cy, float half) {
+    const float pen = half / 22;
+    canvas.fill(orange, [&](float x, float y) {
+        const float r = hypotf(x - cx, y - cy + half * 0.07f);
+        return fabsf(r - half * 0.30f) - half * 0.075f;
+    });
+    canvas.fill(ink, [&](float x, float y) { return hypotf(x - cx, y - cy + half * 0.07f) - half * 0.15f; });
+    canvas.fill(ink, [&](float x, float y) {
+        const float dx = x - cx, dy = y - cy;
+        if (fabsf(dx) > half)
+            return 10.0f;
+        // The distance along y, and less where the edge is steep.
+        const float upper = fabsf(dy - upperLid(dx, half)), lower = fabsf(dy - lowerLid(dx, half));
+        const float lean = sqrtf(std::max(0.25f, 1 - dx * dx / (half * half)));
+        return std::min(upper * lean - pen * 1.3f, lower * lean - pen * 0.7f);
+    });
+}
+
+// The same with its lid down.
+void closedEye(Canvas& canvas, float cx, float cy, float half) {
+    const float pen = half / 22;
+    canvas.fill(ink, [&](float x, float y) {
+        const float dx = x - cx, dy = y - cy;
+        return fabsf(dx) > half ? 10.0f : fabsf(dy - lowerLid(dx, half)) - pen * 1.3f;
+    });
+    for (int i = -4; i <= 4; ++i) {
+        const float at = float(i) * half * 0.19f, length = half * (0.30f - 0.014f * float(i * i));
+        const float x0 = cx + at, y0 = cy + lowerLid(at, half);
+        const float x1 = x0 + 0.5f * at * length / half, y1 = y0 + length;
+        canvas.fill(i == 0 ? orange : ink,
+                    [&](float x, float y) { return distanceToSegment(x, y, x0, y0, x1, y1) - pen * 0.7f; });
     }
-    letter(canvas, "ZENTRAK", 412, 96, 64, 11.5f, 0.42f, ink, 0);
-    for (const float y : {20.0f, 172.0f})
-        canvas.fill({ink.r, ink.g, ink.b, 0.6f},
-                    [&](float px, float py) { return distanceToBox(px, py, 352, y, 316, 0.8f, 0); });
+}
+
+// The logo, for a light background. It fits a window 640 pixels wide.
+Canvas logo() {
+    Canvas canvas(576, 256);
+    openEye(canvas, 288, 88, 116);
+    letter(canvas, "ZENTRAK", 288, 214, 58, 10.5f, 0.62f, ink);
     return canvas;
 }
 
-// The last card.
+// The last card, for a light background.
 Canvas last() {
     Canvas canvas(1024, 640);
-    canvas.paint([](float x, float y) {
-        const float d = hypotf((x - 512) / 560, (y - 320) / 300);
-        return Colour{ink.r, ink.g, ink.b, 0.82f * (1 - smoothstep(0.35f, 1.0f, d))};
-    });
-    letter(canvas, "FINALLY", 512, 268, 128, 20, 0.46f, bone, 40);
-    letter(canvas, "THAT WAS ZENTRAK", 512, 398, 30, 4.5f, 0.62f, ember, 14);
-    letter(canvas, "THANK YOU FOR WATCHING", 512, 452, 20, 3, 0.62f, bone, 10);
-    for (const float x : {150.0f, 874.0f})
-        canvas.fill({ember.r, ember.g, ember.b, 0.9f},
-                    [&](float px, float py) { return distanceToBox(px, py, x, 398, 38, 1.2f, 0); });
+    closedEye(canvas, 512, 176, 150);
+    letter(canvas, "GOOD NIGHT", 512, 400, 66, 11.5f, 0.50f, ink);
+    letter(canvas, "THAT WAS ZENTRAK", 512, 480, 24, 4.2f, 0.62f, teal);
+    letter(canvas, "THANK YOU FOR WATCHING", 512, 528, 17, 3.0f, 0.62f, ink);
     return canvas;
 }
 

@@ -5,6 +5,7 @@
 #include "canvas.h"
 #include "command/command.h"
 #include "lettering.h"
+#include "palette.h"
 
 #include <algorithm>
 #include <cmath>
@@ -17,44 +18,58 @@ using namespace zentrak::art;
 
 namespace {
 
-const Colour bone = {0.97f, 0.94f, 0.86f, 1};
-const Colour ember = {0.98f, 0.48f, 0.20f, 1};
-const Colour teal = {0.18f, 0.62f, 0.66f, 1};
+const Colour none = {0, 0, 0, 0};
+const Colour lash = {0.10f, 0.10f, 0.12f, 1};
 
-// An eye with lashes, 64 by 32: each pixel is a cube, and black ones are left out.
+// The eye that the show is about, on a ground of 64 by 32. Transparent around it. `y` goes down.
+struct Eye {
+    static float upper(float x) {
+        return 17 - 13.0f * powf(std::max(0.0f, 1 - square((x - 32) / 30)), 0.75f);
+    }
+    static float lower(float x) { return 17 + 9.0f * powf(std::max(0.0f, 1 - square((x - 32) / 30)), 0.9f); }
+    static float square(float f) { return f * f; }
+
+    static Colour iris(float r, float angle) {
+        if (r < 3.6f)
+            return {0.075f, 0.075f, 0.085f, 1};
+        const float ray = 0.5f + 0.5f * cosf(11 * angle + 3 * r);
+        const Colour inner = mix(Colour{1.0f, 0.66f, 0.24f, 1}, orange, smoothstep(3.6f, 5.2f, r));
+        const Colour fibres = mix(inner, teal, smoothstep(4.4f, 7.0f, r + 1.2f * ray));
+        return mix(fibres, Colour{0.03f, 0.17f, 0.21f, 1}, smoothstep(7.9f, 9.2f, r));
+    }
+
+    static Colour at(float x, float y) {
+        const float dx = (x - 32) / 30;
+        if (fabsf(dx) >= 1)
+            return none;
+        const float top = upper(x), bottom = lower(x);
+        if (y > top - 3.4f && y < top - 2.0f && fabsf(dx) < 0.86f) // the fold above the lid
+            return mix(orange, Colour{0.35f, 0.17f, 0.10f, 1}, fabsf(dx));
+        if (y < top || y > bottom)
+            return none;
+        if (y < top + 1.5f)
+            return lash;
+        if (y > bottom - 1.0f)
+            return {0.90f, 0.56f, 0.36f, 1};
+        if (hypotf(x - 28.5f, y - 12.0f) < 1.7f) // the glint
+            return {1, 1, 1, 1};
+        const float r = hypotf(x - 32, y - 15.5f);
+        if (r < 9.2f)
+            return iris(r, atan2f(y - 15.5f, x - 32));
+        const float shade = clamp01(0.30f + 0.70f * smoothstep(0, 7, y - top)) * (1 - 0.3f * dx * dx);
+        return mix(Colour{paper.r * shade, paper.g * shade, paper.b * shade, 1}, orange,
+                   0.30f * smoothstep(0.78f, 1, fabsf(dx)));
+    }
+};
+
+// 64 by 32: each pixel is a cube, and black ones are left out.
 Canvas eye() {
     Canvas canvas(64, 32);
     canvas.paint([](float x, float y) {
-        const Colour none = {0, 0, 0, 1};
-        const float dx = (x - 32) / 30, dy = y - 17;
-        if (fabsf(dx) >= 1)
-            return none;
-        const float upper = -13.0f * powf(1 - dx * dx, 0.75f), lower = 9.0f * powf(1 - dx * dx, 0.9f);
-        const float r = hypotf(x - 32, dy + 1.5f);
-        const float angle = atan2f(dy + 1.5f, x - 32);
-        // The fold above the lid.
-        if (dy > upper - 3.2f && dy < upper - 2.0f && fabsf(dx) < 0.86f)
-            return Colour{0.62f, 0.30f, 0.26f, 1};
-        if (dy < upper || dy > lower)
-            return none;
-        if (dy < upper + 1.5f) // lashes
-            return Colour{0.22f, 0.13f, 0.16f, 1};
-        if (dy > lower - 1.0f)
-            return Colour{0.83f, 0.45f, 0.42f, 1};
-        if (hypotf(x - 28.5f, dy + 5.0f) < 1.7f) // the glint
-            return Colour{1, 1, 1, 1};
-        if (r < 3.4f)
-            return Colour{0.10f, 0.07f, 0.12f, 1};
-        if (r < 9.2f) {
-            const float ray = 0.5f + 0.5f * cosf(11 * angle + 3 * r);
-            Colour iris = mix(Colour{0.98f, 0.66f, 0.16f, 1}, Colour{0.06f, 0.52f, 0.56f, 1},
-                              smoothstep(3.6f, 7.2f, r + 1.2f * ray));
-            return mix(iris, Colour{0.03f, 0.16f, 0.26f, 1}, smoothstep(7.8f, 9.2f, r));
-        }
-        const float shade = clamp01(0.25f + 0.75f * smoothstep(0, 7, dy - upper)) * (1 - 0.3f * dx * dx);
-        const float veins = dx * dx > 0.3f && noise(x / 2.5f, y / 1.4f, 5) > 0.45f ? 0.25f : 0.0f;
-        return mix(Colour{0.95f * shade, 0.93f * shade, 0.90f * shade, 1}, Colour{0.85f, 0.35f, 0.32f, 1},
-                   veins + 0.35f * smoothstep(0.8f, 1, fabsf(dx)));
+        Colour colour = Eye::at(x, y);
+        if (colour.a == 0)
+            colour = {0, 0, 0, 1};
+        return colour;
     });
     return canvas;
 }
@@ -79,7 +94,8 @@ Canvas credit(const std::string& text, bool role) {
     if (line.width() > 148)
         line = Lettering(text, 17, 0.22f);
     const float left = 80 - line.width() / 2, top = role ? 6.0f : 36.0f;
-    const Colour from = role ? teal : bone, to = role ? bone : ember;
+    const Colour from = role ? Colour{0.90f, 0.34f, 0.06f, 1} : Colour{0.13f, 0.13f, 0.15f, 1};
+    const Colour to = role ? Colour{0.72f, 0.24f, 0.03f, 1} : Colour{0.03f, 0.03f, 0.04f, 1};
     const float weight = role ? 3.0f : 4.2f;
     for (int y = 0; y < 64; ++y) {
         for (int x = 0; x < 160; ++x) {
@@ -94,84 +110,78 @@ Canvas credit(const std::string& text, bool role) {
     return canvas;
 }
 
-// The height of an island, 0 to 1, over a map of 128 by 80.
-float island(float x, float y) {
-    const float dx = (x - 64) / 60, dy = (y - 40) / 36;
-    const float shore = 1 - (dx * dx + dy * dy);
-    const float ground = 0.55f * noise(x / 24, y / 24, 11) + 0.28f * noise(x / 11, y / 11, 12) +
-                         0.12f * noise(x / 5, y / 5, 13);
-    const float peak = 0.85f * expf(-(powf((x - 52) / 17, 2) + powf((y - 36) / 13, 2))) +
-                       0.55f * expf(-(powf((x - 88) / 12, 2) + powf((y - 47) / 10, 2)));
-    return clamp01(shore * 0.42f + ground * 0.30f * clamp01(shore + 0.25f) + peak * 0.75f);
-}
-
-// One of the nineteen layers of the island: the parts that reach above it, except where the next layer hides
-// them.
-Canvas islandLayer(int layer) {
+// One of the nineteen layers of the eye that closes, 128 by 80. Its picture lies in the last layer; below
+// each lash hangs a stack of boxes, hidden behind its tip until the columns have tipped back and show the
+// layers from the side.
+Canvas eyeLayer(int layer) {
     Canvas canvas(128, 80);
-    const float floor = 0.06f + 0.048f * float(layer), next = floor + 0.048f;
-    struct Step {
-        float height;
-        Colour colour;
-    };
-    static const std::vector<Step> steps = {
-        {0.06f, {0.93f, 0.82f, 0.58f, 1}}, {0.16f, {0.45f, 0.62f, 0.26f, 1}},
-        {0.36f, {0.16f, 0.44f, 0.26f, 1}}, {0.56f, {0.47f, 0.36f, 0.30f, 1}},
-        {0.74f, {0.62f, 0.58f, 0.58f, 1}}, {0.86f, {0.98f, 0.98f, 1.00f, 1}}};
-    for (int y = 0; y < 80; ++y) {
-        for (int x = 0; x < 128; ++x) {
-            const float h = island(float(x), float(y));
-            if (h < floor)
-                continue;
-            // Hidden where the next layer covers it and all its neighbours.
-            bool hidden = true;
-            for (const int d : {-1, 1})
-                hidden = hidden && island(float(x + d), float(y)) >= next &&
-                         island(float(x), float(y + d)) >= next;
-            if (hidden && layer < 18)
-                continue;
-            Colour c = steps.back().colour;
-            for (size_t i = 1; i < steps.size(); ++i) {
-                if (floor < steps[i].height) {
-                    c = mix(steps[i - 1].colour, steps[i].colour,
-                            clamp01((floor - steps[i - 1].height) / (steps[i].height - steps[i - 1].height)));
-                    break;
-                }
-            }
-            // Light from the upper left.
-            const float slope = island(float(x) + 1, float(y) + 1) - island(float(x) - 1, float(y) - 1);
-            const float light = clamp01(0.86f - 2.6f * slope);
-            canvas.at(x, y) = {c.r * light, c.g * light, c.b * light, 1};
+    constexpr int LAST = 18;
+    for (int x = 2; x < 126; ++x) {
+        // Half the width of the picture's ground, a little lower.
+        const float gx = (float(x) + 0.5f) / 2;
+        for (int y = 0; y < 80 && layer == LAST; ++y) {
+            const Colour colour = Eye::at(gx, (float(y) + 0.5f) / 2 - 4);
+            if (colour.a > 0)
+                canvas.at(x, y) = colour;
         }
+        // The lash of this column, if it has one: longest in the middle.
+        const bool hasLash = x % 9 == 1 && x > 10 && x < 120;
+        const int length = 6 + int(11 * (1 - Eye::square((gx - 32) / 30)));
+        if (layer == LAST || (hasLash && layer > LAST - length))
+            canvas.at(x, int(2 * (Eye::upper(gx) + 4)) + 1) = layer == LAST || x != 64 ? lash : orange;
     }
     return canvas;
 }
 
-// The greetings: strips of 192 by 24, one below the other.
+// The slab of the greetings is seen aslant from the third on: the camera stands at its near end, and what is
+// further away shrinks. Letters therefore get wider from the first, at FIRST_COLUMN, by two GROWTHs each.
+// Returns how many letters `column` lies behind the first.
+float slantedLetters(float column) {
+    constexpr float FIRST_COLUMN = 48, FIRST_WIDTH = 9.0f, GROWTH = 0.6f;
+    const float c = column - FIRST_COLUMN;
+    return c < 0 ? c / FIRST_WIDTH
+                 : (sqrtf(FIRST_WIDTH * FIRST_WIDTH + 4 * GROWTH * c) - FIRST_WIDTH) / (2 * GROWTH);
+}
+
+// The greetings: strips of 192 by 24, one below the other. The first two are seen from the front and have one
+// line, the others from the side and have two.
 Canvas greetings() {
-    const char* const texts[] = {"GREETINGS TO", "NIGHT OWLS",    "PIXEL BAKERS",  "BIT WEAVERS",
-                                 "SINE RIDERS",  "LOOP KEEPERS",  "CUBE HERDERS",  "WAX MOTHS",
-                                 "CYCLE MISERS", "FLOAT SAILORS", "RING BUILDERS", "AND TO YOU"};
-    const int bands = int(std::size(texts));
-    Canvas canvas(192, 24 * bands);
-    const Colour colours[] = {
-        bone, ember, {0.95f, 0.78f, 0.30f, 1}, teal, {0.86f, 0.36f, 0.52f, 1}, {0.58f, 0.78f, 0.36f, 1}};
-    for (int band = 0; band < bands; ++band) {
-        Lettering line(texts[band], 14, 0.30f);
-        if (line.width() > 180)
-            line = Lettering(texts[band], 14, 0.22f);
+    struct Greeting {
+        const char* upper;
+        const char* lower;
+    };
+    const Greeting greetings[] = {{"GREETINGS TO", ""}, {"ALL WHO LOOK", ""}, {"NIGHT", "OWLS"},
+                                  {"PIXEL", "BAKERS"},  {"BIT", "WEAVERS"},   {"SINE", "RIDERS"},
+                                  {"CUBE", "HERDERS"},  {"WAX", "MOTHS"},     {"FLOAT", "SAILORS"},
+                                  {"RING", "BUILDERS"}};
+    Canvas canvas(192, 24 * int(std::size(greetings)));
+    const Colour bright = {1.0f, 0.98f, 0.94f, 1}, warm = {1.0f, 0.56f, 0.20f, 1};
+    int top = 0;
+    const auto write = [&](const char* text, float row, float height, const Colour& colour, bool slanted) {
+        const Lettering line(text, height, slanted ? 0.36f : 0.30f);
         const float left = 96 - line.width() / 2;
-        const Colour top = colours[band % 6], bottom = colours[(band + 1) % 6];
         for (int y = 0; y < 24; ++y) {
             for (int x = 0; x < 192; ++x) {
-                const float cover = clamp01(1.9f - line.distance(float(x) + 0.5f - left, float(y) - 4.5f));
+                const float at = slanted ? height * slantedLetters(float(x) + 0.5f) : float(x) + 0.5f - left;
+                const float cover =
+                    clamp01((slanted ? 1.3f : 1.7f) - line.distance(at, float(y) + 0.5f - row));
                 if (cover > 0) {
-                    Colour c = mix(top, bottom, float(y) / 24);
-                    c.a = cover;
-                    canvas.at(x, band * 24 + y) = c;
+                    Colour c = colour;
+                    c.a = (slanted ? 0.66f : 1.0f) * cover;
+                    canvas.at(x, top + y) = c;
                 }
             }
         }
+    };
+    for (const Greeting& greeting : greetings) {
+        const bool slanted = greeting.lower[0] != 0;
+        if (slanted) {
+            write(greeting.upper, 1.5f, 8.5f, bright, true);
+            write(greeting.lower, 13.5f, 8.5f, warm, true);
+        } else {
+            write(greeting.upper, 5, 14, top == 0 ? warm : bright, false);
+        }
+        top += 24;
     }
     return canvas;
 }
@@ -183,8 +193,7 @@ Canvas sky() {
     const auto colourOf = [](float x, float y, float z) {
         const float length = sqrtf(x * x + y * y + z * z);
         const float up = y / length;
-        const Colour ground = {0.12f, 0.09f, 0.10f, 1}, horizon = {0.98f, 0.64f, 0.38f, 1},
-                     top = {0.10f, 0.22f, 0.46f, 1};
+        const Colour ground = ink, horizon = orange, top = teal;
         Colour c =
             up < 0 ? mix(horizon, ground, smoothstep(0, 0.35f, -up)) : mix(horizon, top, powf(up, 0.5f));
         const float sun = (x * 0.5f + y * 0.35f + z * 0.79f) / length;
@@ -207,14 +216,15 @@ Canvas sky() {
     return canvas;
 }
 
-// A glowing point: white, with its brightness in the alpha channel and in the colours.
+// A point of light: white, the light in the alpha channel, with a faint ring around it. It keeps to the
+// middle of the picture: what `cloud` costs is the area of its ten thousand points.
 Canvas particle() {
     Canvas canvas(64, 64);
     canvas.paint([](float x, float y) {
         const float r = hypotf(x - 32, y - 32) / 32;
-        const float light = r < 1 ? powf(1 - r, 2.2f) * 0.75f + 0.55f * expf(-r * r * 40) : 0.0f;
-        const float l = clamp01(light * (1 - smoothstep(0.75f, 1.0f, r)));
-        return Colour{1, 1, 1, l};
+        const float core = expf(-r * r * 220), glow = 0.5f * powf(clamp01(1 - r / 0.26f), 2);
+        const float ring = 0.25f * expf(-powf((r - 0.20f) / 0.025f, 2));
+        return Colour{1, 1, 1, clamp01(core + glow + ring) * (1 - smoothstep(0.25f, 0.30f, r))};
     });
     return canvas;
 }
@@ -238,7 +248,7 @@ int main(int argc, char** argv) {
     for (int layer = 0; layer < 19; ++layer) {
         char name[32];
         snprintf(name, sizeof name, "grand/grand%02d.png", layer + 1);
-        done = done && islandLayer(layer).write(folder / name);
+        done = done && eyeLayer(layer).write(folder / name);
     }
     return done ? 0 : 1;
 }

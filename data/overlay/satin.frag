@@ -1,48 +1,55 @@
-// Satin: the picture as cloth. Folds run across it, calm down over the first ten seconds and stay as a sheen; the
-// bright parts smear along the thread, and a fine weave catches the light.
+// What the eye sees: the target in the show's palette, behind its lids.
+//
+// Greys become ink to paper, warm colours orange and all others teal. The lids are as far open as the target is opaque
+// in two of its corners: the alpha of a `clear` with the gradient opens and closes them, a flat one in a colour that
+// leaves alpha at 1 (white, cubejox_black, cubejox_orange) holds them open. With the start of its span the picture
+// jumps towards the viewer and settles in a second.
 uniform sampler2D picture; // unit 0
-uniform vec3      satin;   // (1, m, m), m from 10 down to 0
+uniform vec3      satin;   // (1, m, m), m from 10 down to 0 in ten seconds
 uniform float     maxx;    // of the window, pixels
 uniform float     maxy;
 
-// The height of the cloth; `wind` is 0 when it lies still.
-float cloth(vec2 p, float wind) {
-    float a = p.x * 1.9 + p.y * 3.3;
-    float b = p.x * 2.7 - p.y * 1.2;
-    return sin(a * 2.0 + 0.9 * sin(b * 1.7 + wind * 2.1) + wind * 1.7) + 0.45 * sin(b * 3.1 - a + wind * 2.9);
+const vec3 ink = vec3(0.045, 0.047, 0.055);
+const vec3 paper = vec3(0.965, 0.945, 0.900);
+const vec3 orange = vec3(0.945, 0.420, 0.110);
+const vec3 teal = vec3(0.020, 0.500, 0.510);
+
+vec3 grade(vec3 c) {
+    float high = max(c.r, max(c.g, c.b));
+    float low = min(c.r, min(c.g, c.b));
+    float saturation = clamp(1.7 * (high - low) / max(high, 0.05), 0.0, 1.0);
+    float warm = smoothstep(-0.04, 0.06, c.r - 0.92 * max(c.g, c.b));
+    vec3  accent = mix(teal, orange, warm);
+    vec3  lit = mix(ink, accent, smoothstep(0.0, 0.6, high));
+    return mix(mix(ink, paper, dot(c, vec3(0.30, 0.59, 0.11))), lit, saturation);
+}
+
+// 0 behind a lid, 1 in the open, by where it is: -1 to 1 from edge to edge.
+float lids(vec2 p, float open) {
+    float span = 1.0 - 0.62 * p.x * p.x;
+    float reach = 2.75 * open * open * (3.0 - 2.0 * open) + 0.1 * open;
+    float low = -0.20 * (1.0 - open) * span;
+    float upper = low + 0.62 * reach * span - 0.04;
+    float lower = low - 0.50 * reach * span + 0.04;
+    float soft = 0.02 + 0.10 * open;
+    return smoothstep(upper + soft, upper - soft, p.y) * smoothstep(lower - soft, lower + soft, p.y) *
+           smoothstep(0.0, 0.08, open);
 }
 
 void main() {
     vec2  uv = gl_TexCoord[0].xy;
-    float unrest = satin.y * 0.1;
-    vec2  p = (uv - 0.5) * vec2(maxx / maxy, 1.0);
+    vec2  p = 2.0 * uv - 1.0;
+    float jump = max(0.0, satin.y - 9.0);
+    // What passes over a corner changes its alpha a little.
+    float opaque = min(texture2D(picture, vec2(0.01, 0.99)).a, texture2D(picture, vec2(0.99, 0.01)).a);
+    float open = min(1.0, sqrt(opaque) / 0.85);
 
-    // The slope of the folds, by differences.
-    float h = cloth(p, satin.z);
-    vec2  slope = vec2(cloth(p + vec2(0.01, 0.0), satin.z) - h, cloth(p + vec2(0.0, 0.01), satin.z) - h) * 100.0;
-
-    // The folds bend the picture, and the three colours not quite alike.
-    vec2  at = uv + slope * (0.0012 + 0.010 * unrest * unrest);
-    vec2  split = slope * (0.0004 + 0.0022 * unrest);
-    vec3  colour = vec3(texture2D(picture, at - split).r, texture2D(picture, at).g, texture2D(picture, at + split).b);
-
-    // Light that runs along the thread.
-    vec2  thread = vec2(6.0 / maxx, 2.0 / maxy);
-    vec3  glow = texture2D(picture, at + thread).rgb + texture2D(picture, at - thread).rgb +
-                 texture2D(picture, at + thread * 2.6).rgb + texture2D(picture, at - thread * 2.6).rgb;
-    glow *= 0.25;
-    colour = mix(colour, max(colour, glow), 0.6) + glow * glow * 0.35;
-
-    // Sheen: bright where the cloth turns to a light at the upper left.
-    vec3  normal = normalize(vec3(-slope * 0.16, 1.0));
-    float shine = pow(max(0.0, dot(normal, normalize(vec3(-0.35, 0.55, 0.75)))), 18.0);
-    vec3  tint = mix(vec3(1.0, 0.86, 0.72), vec3(0.74, 0.82, 1.0), uv.y);
-    colour = colour * (0.86 + 0.14 * h) + tint * shine * (0.05 + 0.16 * unrest + 0.35 * dot(glow, vec3(0.3, 0.59, 0.11)));
-
-    // The weave, two pixels a thread, and darker towards the edge of the picture.
-    vec2  px = floor(uv * vec2(maxx, maxy) * 0.5);
-    colour *= 0.965 + 0.035 * mod(px.x + px.y, 2.0);
-    colour *= 1.0 - 0.45 * dot(p, p);
-
+    // The paper is as transparent as the lids are shut; behind them it keeps most of its light.
+    vec3 colour = grade(texture2D(picture, uv - 0.035 * jump * jump * p).rgb / mix(0.12, 1.0, open));
+    colour *= 1.0 + 0.25 * jump * jump * jump - 0.15 * dot(p, p) * (1.6 - 0.6 * open);
+    if (open < 1.0) {
+        float lit = lids(p, open);
+        colour = mix(ink, colour, lit) + 1.2 * orange * lit * (1.0 - lit) * (1.0 - open);
+    }
     gl_FragColor = vec4(colour, 1.0);
 }
