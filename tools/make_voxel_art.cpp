@@ -96,7 +96,7 @@ Canvas credit(const std::string& text, bool role) {
     const float left = 80 - line.width() / 2, top = role ? 6.0f : 36.0f;
     const Colour from = role ? Colour{0.90f, 0.34f, 0.06f, 1} : Colour{0.13f, 0.13f, 0.15f, 1};
     const Colour to = role ? Colour{0.72f, 0.24f, 0.03f, 1} : Colour{0.03f, 0.03f, 0.04f, 1};
-    const float weight = role ? 3.0f : 4.2f;
+    const float weight = role ? 3.0f : line.height() < 20 ? 3.4f : 4.2f;
     for (int y = 0; y < 64; ++y) {
         for (int x = 0; x < 160; ++x) {
             const float d = line.distance(float(x) + 0.5f - left, float(y) + 0.5f - top) - weight / 2;
@@ -137,7 +137,7 @@ Canvas eyeLayer(int layer) {
 // further away shrinks. Letters therefore get wider from the first, at FIRST_COLUMN, by two GROWTHs each.
 // Returns how many letters `column` lies behind the first.
 float slantedLetters(float column) {
-    constexpr float FIRST_COLUMN = 48, FIRST_WIDTH = 9.0f, GROWTH = 0.6f;
+    constexpr float FIRST_COLUMN = 46, FIRST_WIDTH = 11.0f, GROWTH = 0.5f;
     const float c = column - FIRST_COLUMN;
     return c < 0 ? c / FIRST_WIDTH
                  : (sqrtf(FIRST_WIDTH * FIRST_WIDTH + 4 * GROWTH * c) - FIRST_WIDTH) / (2 * GROWTH);
@@ -152,8 +152,7 @@ Canvas greetings() {
     };
     const Greeting greetings[] = {{"GREETINGS TO", ""}, {"ALL WHO LOOK", ""}, {"NIGHT", "OWLS"},
                                   {"PIXEL", "BAKERS"},  {"BIT", "WEAVERS"},   {"SINE", "RIDERS"},
-                                  {"CUBE", "HERDERS"},  {"WAX", "MOTHS"},     {"FLOAT", "SAILORS"},
-                                  {"RING", "BUILDERS"}};
+                                  {"CUBE", "HERDERS"}};
     Canvas canvas(192, 24 * int(std::size(greetings)));
     const Colour bright = {1.0f, 0.98f, 0.94f, 1}, warm = {1.0f, 0.56f, 0.20f, 1};
     int top = 0;

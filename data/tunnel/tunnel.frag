@@ -10,9 +10,9 @@ const vec3 teal = vec3(0.020, 0.520, 0.530);
 
 void main() {
     float high = max(colour.r, max(colour.g, colour.b));
-    vec3  base = mix(deep, paper, smoothstep(0.68, 0.86, high));
-    base = mix(base, orange, smoothstep(0.12, 0.24, colour.r - colour.b));
-    base = mix(base, teal, smoothstep(0.085, 0.13, colour.b - colour.r));
+    vec3  base = mix(deep, paper, smoothstep(0.66, 0.82, high));
+    base = mix(base, orange, smoothstep(0.10, 0.21, colour.r - colour.b));
+    base = mix(base, teal, smoothstep(0.085, 0.12, colour.b - colour.r));
 
     vec3  normal = normalize(cross(dFdx(eyePosition), dFdy(eyePosition)));
     float range = length(eyePosition);

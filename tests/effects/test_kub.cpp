@@ -25,6 +25,9 @@ protected:
 
     void SetUp() override {
         EffectTest::SetUp();
+        // A picture of its own: the numbers below are those of its cubes.
+        test::OwnFiles files(display());
+        files.write("kub/kub.png", test::readFile(test::sourcePath("tests/effects/assets/kub/kub.png")));
         srand(1);
         test::prepare(mKub, display(), "kub");
     }

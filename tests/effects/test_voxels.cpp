@@ -69,6 +69,9 @@ TEST_F(CreditsTest, ArriveStandAndExplode) {
 
 // Worked out apart from the program: a start of 1, two draws, then three a pixel that is seen.
 TEST_F(CreditsTest, TheRecordsAreThoseOfTheSeed) {
+    test::OwnFiles files(display());
+    const std::string name = "credits/credits_code.png";
+    files.write(name, test::readFile(test::sourcePath("tests/effects/assets/" + name)));
     Credits credits(&mCommon, "code");
     test::prepare(credits, display(), "credits_code");
     struct Wanted {
