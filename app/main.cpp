@@ -3,10 +3,12 @@
 #include "effect_names.h"
 #include "kin_main.h"
 #include "ztk_memory.h"
+#include "ztk_process.h"
 #include "ztk_system.h"
 
 #include <cstdio>
 #include <exception>
+#include <new>
 
 using namespace zentrak;
 using namespace zentrak::kindler;
@@ -28,11 +30,14 @@ void show() {
 
 int main() {
     setvbuf(stdout, nullptr, _IOLBF, 0); // so that a redirected log is complete however the program ends
-    zentrak::keepFreedMemory();
+    keepFreedMemory();
+    boundProcess();
     try {
         show();
     } catch (std::exception& e) {
-        zentrak::ztk_print("error: %s\n", e.what());
+        if (dynamic_cast<std::bad_alloc*>(&e))
+            ZTK_LOG("error", "app", "Out of memory: the program may have %ld MB", getMemoryBound() >> 20);
+        ztk_print("error: %s\n", e.what());
     }
     return 0;
 }

@@ -2,6 +2,7 @@
 
 #include "studio_window.h"
 #include "ztk_memory.h"
+#include "ztk_process.h"
 #include "ztk_system.h"
 
 #include <algorithm>
@@ -48,6 +49,7 @@ void work(const char* script) {
 
 int main(int argc, char** argv) {
     keepFreedMemory();
+    boundProcess();
     const bool help = argc > 1 && (!strcmp(argv[1], "-h") || !strcmp(argv[1], "--help"));
     if (argc > 3 || help) {
         puts("usage: zentrak-studio [FOLDER [SCRIPT]]\n"

@@ -9,6 +9,7 @@
 #include "film/sheet.h"
 #include "film/sound.h"
 #include "mb_random.h"
+#include "ztk_process.h"
 #include "ztk_system.h"
 
 #include <algorithm>
@@ -185,6 +186,7 @@ int makeFilm(const Options& options, const MakeEffects& makeEffects) {
 } // namespace
 
 int run(int argc, char** argv, const MakeEffects& makeEffects) {
+    boundProcess();
     const std::optional<Options> options = readOptions(argc, argv);
     if (!options || options->help) {
         fputs(USAGE, options ? stdout : stderr);

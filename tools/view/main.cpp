@@ -8,6 +8,7 @@
 #include "am_archivemanager.h"
 #include "command/command.h"
 #include "dis_display.h"
+#include "ztk_process.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -151,6 +152,7 @@ void show(const Call& call) {
 } // namespace
 
 int main(int argc, char** argv) {
+    boundProcess();
     if (argc == 2 && strcmp(argv[1], "--help") == 0) {
         fputs(USAGE, stdout);
         return 0;
