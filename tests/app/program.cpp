@@ -2,8 +2,10 @@
 
 #include <chrono>
 #include <csignal>
+#include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
+#include <sstream>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -90,6 +92,33 @@ bool Program::grab(Picture& picture) {
     const std::string path = mDir.file("grab.png");
     return runCommand("import -silent -window " + mViewer->window() + " '" + path + "'").first == 0 &&
            readPng(path, picture);
+}
+
+std::vector<std::string> Program::printedTimes() const {
+    std::vector<std::string> times;
+    std::istringstream lines(output());
+    for (std::string line; std::getline(lines, line);)
+        if (!line.empty() && line.find_first_not_of("0123456789.") == std::string::npos)
+            times.push_back(line);
+    return times;
+}
+
+double Program::askTime() {
+    const size_t before = printedTimes().size();
+    key("p");
+    std::vector<std::string> times;
+    const bool answered = waitFor([&] {
+        times = printedTimes();
+        return times.size() > before || !running();
+    });
+    return answered && times.size() > before ? atof(times.back().c_str()) : -1;
+}
+
+bool Program::reaches(double seconds) {
+    double now = 0;
+    while (now >= 0 && now < seconds)
+        now = askTime();
+    return now >= seconds;
 }
 
 } // namespace zentrak::test

@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 #include <sys/types.h>
+#include <vector>
 
 namespace zentrak::test {
 
@@ -50,7 +51,13 @@ public:
     bool focus();
     void key(const std::string& name) { mViewer->key(name); } // "Escape", "ctrl+t"
     void closeWindow() { mViewer->requestClose(); }           // as its close button does
+    Viewer& viewer() { return *mViewer; }                     // after focus()
     bool grab(Picture& picture);                              // what its window shows
+
+    // What the key P has printed so far, one time each.
+    std::vector<std::string> printedTimes() const;
+    double askTime();             // presses P; -1 if there is no answer
+    bool reaches(double seconds); // asks until it is that late
 
 private:
     TempDir mDir;

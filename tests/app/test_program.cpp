@@ -8,7 +8,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
-#include <sstream>
 #include <vector>
 
 using namespace zentrak::test;
@@ -52,36 +51,6 @@ void playAndQuit(Program& program, const std::string& key = "Escape", const std:
 
 bool contains(const std::string& text, const std::string& part) {
     return text.find(part) != std::string::npos;
-}
-
-// What P has printed so far.
-std::vector<std::string> printedTimes(const Program& program) {
-    std::vector<std::string> times;
-    std::istringstream lines(program.output());
-    for (std::string line; std::getline(lines, line);)
-        if (!line.empty() && line.find_first_not_of("0123456789.") == std::string::npos)
-            times.push_back(line);
-    return times;
-}
-
-// Asks the show for its time again; -1 if it doesn't answer.
-double askTime(Program& program) {
-    const size_t before = printedTimes(program).size();
-    program.key("p");
-    std::vector<std::string> times;
-    const bool answered = waitFor([&] {
-        times = printedTimes(program);
-        return times.size() > before || !program.running();
-    });
-    return answered && times.size() > before ? atof(times.back().c_str()) : -1;
-}
-
-// Does the show reach `seconds`?
-bool reaches(Program& program, double seconds) {
-    double now = 0;
-    while (now >= 0 && now < seconds)
-        now = askTime(program);
-    return now >= seconds;
 }
 
 } // namespace
@@ -180,7 +149,7 @@ TEST(TheProgram, PPrintsTheTime) {
     program.key("p");
     program.key("Escape");
     EXPECT_EQ(program.wait(), 0);
-    const std::vector<std::string> times = printedTimes(program);
+    const std::vector<std::string> times = program.printedTimes();
     ASSERT_EQ(times.size(), 2u) << program.output();
     EXPECT_GT(atof(times[0].c_str()), 0.0);
     EXPECT_EQ(times[0].size() - times[0].find('.'), 7u) << times[0]; // six decimals
@@ -226,10 +195,10 @@ TEST(TheProgram, APauseIsNotTheEndOfTheMusic) {
     ASSERT_TRUE(program.focus());
     EXPECT_TRUE(waitFor([&] { return isWhite(program); }));
     program.key("space");
-    const double paused = askTime(program);
-    EXPECT_EQ(askTime(program), paused); // it keeps drawing and answering
+    const double paused = program.askTime();
+    EXPECT_EQ(program.askTime(), paused); // it keeps drawing and answering
     program.key("space");
-    EXPECT_TRUE(reaches(program, paused + 0.01));
+    EXPECT_TRUE(program.reaches(paused + 0.01));
     program.key("Escape");
     EXPECT_EQ(program.wait(), 0);
 }
@@ -241,7 +210,7 @@ TEST(TheProgram, ALoopPlaysOnPastTheEndOfTheMusic) {
     program.start();
     ASSERT_TRUE(program.focus());
     EXPECT_TRUE(waitFor([&] { return isWhite(program); }));
-    EXPECT_TRUE(reaches(program, 0.5)); // the music lasts a tenth of a second
+    EXPECT_TRUE(program.reaches(0.5)); // the music lasts a tenth of a second
     program.key("Escape");
     EXPECT_EQ(program.wait(), 0);
     EXPECT_TRUE(contains(program.read("setup.local.xml"), "loop=\"on\""));
@@ -255,7 +224,7 @@ TEST(TheProgram, WithoutSoundThereIsNoEndAndTheLastPictureStays) {
     program.start();
     ASSERT_TRUE(program.focus());
     EXPECT_TRUE(waitFor([&] { return isWhite(program); }));
-    EXPECT_TRUE(reaches(program, 1));
+    EXPECT_TRUE(program.reaches(1));
     EXPECT_TRUE(isWhite(program));
     program.key("Escape");
     EXPECT_EQ(program.wait(), 0);
@@ -400,7 +369,7 @@ TEST(TheProgram, AScriptThatCannotBeLoadedPlaysNothing) {
                   "<trigger name=\"color\" value=\"white\"/><spline name=\"alpha\"/></effect></script>");
     program.start();
     ASSERT_TRUE(program.focus());
-    EXPECT_TRUE(reaches(program, 0.1));
+    EXPECT_TRUE(program.reaches(0.1));
     EXPECT_FALSE(isWhite(program));
     program.key("Escape");
     EXPECT_EQ(program.wait(), 0);

@@ -35,6 +35,19 @@ std::string pattern(const std::string& text) {
     return expression + "$";
 }
 
+// A connection to the X server for one request.
+struct Server {
+    Display* display = XOpenDisplay(nullptr);
+
+    Server() = default;
+    ~Server() {
+        if (display)
+            XCloseDisplay(display);
+    }
+    Server(const Server&) = delete;
+    Server& operator=(const Server&) = delete;
+};
+
 std::string firstLine(const std::string& text) {
     return text.substr(0, text.find('\n'));
 }
@@ -141,22 +154,30 @@ void Viewer::focus() {
     });
 }
 
+// Sends the window manager a message about the window; 2 says that it comes from the user.
+void Viewer::askManager(const char* message, std::initializer_list<long> values) {
+    const Server server;
+    ASSERT_NE(server.display, nullptr);
+    XEvent event = {};
+    event.xclient.type = ClientMessage;
+    event.xclient.window = std::strtoul(window().c_str(), nullptr, 10);
+    event.xclient.message_type = XInternAtom(server.display, message, False);
+    event.xclient.format = 32;
+    std::copy(values.begin(), values.end(), event.xclient.data.l);
+    XSendEvent(server.display, DefaultRootWindow(server.display), False,
+               SubstructureRedirectMask | SubstructureNotifyMask, &event);
+}
+
 // What a panel or pager sends: the window manager then sends the window a close request, as its close button
 // does.
 void Viewer::requestClose() {
-    const auto id = static_cast<Window>(std::strtoul(window().c_str(), nullptr, 10));
-    Display* display = XOpenDisplay(nullptr);
-    ASSERT_NE(display, nullptr);
-    XEvent event = {};
-    event.xclient.type = ClientMessage;
-    event.xclient.window = id;
-    event.xclient.message_type = XInternAtom(display, "_NET_CLOSE_WINDOW", False);
-    event.xclient.format = 32;
-    event.xclient.data.l[0] = CurrentTime;
-    event.xclient.data.l[1] = 2; // from the user
-    XSendEvent(display, DefaultRootWindow(display), False, SubstructureRedirectMask | SubstructureNotifyMask,
-               &event);
-    XCloseDisplay(display);
+    askManager("_NET_CLOSE_WINDOW", {CurrentTime, 2});
+}
+
+void Viewer::fullScreen(bool on) {
+    const Server server;
+    askManager("_NET_WM_STATE",
+               {on, long(XInternAtom(server.display, "_NET_WM_STATE_FULLSCREEN", False)), 0, 2});
 }
 
 void Viewer::iconify() {

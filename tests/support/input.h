@@ -8,6 +8,7 @@
 #pragma once
 
 #include <functional>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -46,7 +47,8 @@ public:
     void focus();        // gives it the focus, and waits until it has it
     void requestClose(); // as its close button does
     void iconify();
-    void restore(); // from iconified, and gives it the focus
+    void restore();           // from iconified, and gives it the focus
+    void fullScreen(bool on); // as a window manager's own key does
     void dragCorner(int dx,
                     int dy); // drags the lower right corner with Alt and the right button
 
@@ -54,6 +56,7 @@ public:
 
 private:
     void tool(const std::string& arguments); // xdotool
+    void askManager(const char* message, std::initializer_list<long> values);
 
     std::string mTitle;
     std::function<void()> mPoll;
