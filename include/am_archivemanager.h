@@ -5,6 +5,7 @@
 #include "am_image.h"
 #include "am_imagemanager.h"
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -45,15 +46,15 @@ public:
     // null ends it.
     void setRecorder(std::vector<std::string>* names) { mRecorder = names; }
 
-    ImageManager* getImageManager() const { return mImageManager; } // owned by this manager
+    ImageManager* getImageManager() const { return mImageManager.get(); } // owned by this manager
 
 private:
     ArchiveBase* archiveAt(int archive) const;
-    int add(ArchiveBase* archive);
+    int add(std::unique_ptr<ArchiveBase> archive);
 
-    std::vector<ArchiveBase*> mArchives;           // owned, in order of addition
-    std::vector<std::string>* mRecorder = nullptr; // not owned
-    ImageManager* mImageManager;                   // owned
+    std::vector<std::unique_ptr<ArchiveBase>> mArchives; // in order of addition
+    std::vector<std::string>* mRecorder = nullptr;       // not owned
+    std::unique_ptr<ImageManager> mImageManager;
 };
 
 } // namespace zentrak::am

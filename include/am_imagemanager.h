@@ -6,6 +6,7 @@
 #include "am_imagecodec.h"
 
 #include <map>
+#include <memory>
 #include <string>
 
 namespace zentrak::am {
@@ -41,7 +42,7 @@ private:
     ImageCodec* codecFor(const std::string& name) const;
 
     std::map<std::string, Image> mImageCache;
-    std::map<std::string, ImageCodec*> mImageCodecs; // owned
+    std::map<std::string, std::unique_ptr<ImageCodec>> mImageCodecs;
 };
 
 } // namespace zentrak::am

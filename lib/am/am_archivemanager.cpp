@@ -5,6 +5,8 @@
 #include "am_text.h"
 #include "ztk_system.h"
 
+#include <utility>
+
 namespace zentrak::am {
 
 namespace {
@@ -31,11 +33,7 @@ std::string findType(const std::string& path) {
 
 ArchiveManager::ArchiveManager() : mImageManager(new ImageManager()) {}
 
-ArchiveManager::~ArchiveManager() {
-    for (ArchiveBase* archive : mArchives)
-        delete archive;
-    delete mImageManager;
-}
+ArchiveManager::~ArchiveManager() = default;
 
 int ArchiveManager::addArchive(const std::string& path) {
     if (path.empty())
@@ -54,23 +52,23 @@ int ArchiveManager::addArchive(const std::string& path) {
     type = toLower(type);
 
     if (type.empty())
-        return add(new ArchiveDirectory(name));
+        return add(std::make_unique<ArchiveDirectory>(name));
     if (type == "zip") {
         ZTK_LOG("log", "app", "Adding zip: %s", path.c_str());
-        return add(new ArchiveZIP(name));
+        return add(std::make_unique<ArchiveZIP>(name));
     }
     return -1;
 }
 
-// Takes ownership; returns the index.
-int ArchiveManager::add(ArchiveBase* archive) {
-    mArchives.push_back(archive);
+// Returns the index.
+int ArchiveManager::add(std::unique_ptr<ArchiveBase> archive) {
+    mArchives.push_back(std::move(archive));
     return int(mArchives.size()) - 1;
 }
 
 // Null if there is no such archive.
 ArchiveBase* ArchiveManager::archiveAt(int archive) const {
-    return archive >= 0 && size_t(archive) < mArchives.size() ? mArchives[size_t(archive)] : nullptr;
+    return archive >= 0 && size_t(archive) < mArchives.size() ? mArchives[size_t(archive)].get() : nullptr;
 }
 
 // Reading the requested archive as well costs one more read: the order of addition still decides.
@@ -80,7 +78,7 @@ File ArchiveManager::readFile(const std::string& name, int archive) {
     File file;
     if (ArchiveBase* asked = archiveAt(archive))
         file = asked->read(name);
-    for (ArchiveBase* each : mArchives) {
+    for (const auto& each : mArchives) {
         file = each->read(name);
         if (!file.isNull())
             break;
@@ -108,7 +106,7 @@ Image ArchiveManager::loadImage(const std::string& name, int archive, bool writa
 
 void ArchiveManager::flush(int archive) {
     if (archive < 0)
-        for (ArchiveBase* each : mArchives)
+        for (const auto& each : mArchives)
             each->flush();
     else if (ArchiveBase* one = archiveAt(archive))
         one->flush();

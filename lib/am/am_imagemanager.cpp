@@ -12,16 +12,16 @@
 namespace zentrak::am {
 
 ImageManager::ImageManager() {
-    for (ImageCodec* codec :
-         {static_cast<ImageCodec*>(new ImageCodecPNG()), static_cast<ImageCodec*>(new ImageCodecJPEG()),
-          static_cast<ImageCodec*>(new ImageCodecTGA())})
-        mImageCodecs[codec->getFormatString()] = codec;
+    const auto add = [this](std::unique_ptr<ImageCodec> codec) {
+        mImageCodecs[codec->getFormatString()] = std::move(codec);
+    };
+    add(std::make_unique<ImageCodecPNG>());
+    add(std::make_unique<ImageCodecJPEG>());
+    add(std::make_unique<ImageCodecTGA>());
 }
 
 ImageManager::~ImageManager() {
     empty();
-    for (auto& [extension, codec] : mImageCodecs)
-        delete codec;
 }
 
 Image ImageManager::getImage(const std::string& name) const {
@@ -84,7 +84,7 @@ std::string ImageManager::getExtension(const std::string& name) const {
 
 ImageCodec* ImageManager::getCodec(const std::string& extension) const {
     auto found = mImageCodecs.find(extension);
-    return found == mImageCodecs.end() ? nullptr : found->second;
+    return found == mImageCodecs.end() ? nullptr : found->second.get();
 }
 
 ImageCodec* ImageManager::codecFor(const std::string& name) const {

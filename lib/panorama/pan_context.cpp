@@ -8,6 +8,7 @@
 #include "ztk_system.h"
 
 #include <algorithm>
+#include <memory>
 
 namespace zentrak::panorama {
 
@@ -146,11 +147,11 @@ void Context::deleteOptions() {
 }
 
 Context* Context::addOption(std::string caption, std::string name) {
-    Context* option = new Context;
+    auto option = std::make_unique<Context>();
     option->setCaption(std::move(caption));
     option->setName(std::move(name));
-    addControl(option, -1);
-    return option;
+    addControl(option.get(), -1);
+    return option.release();
 }
 
 void Context::setOption(std::string caption, int index) {

@@ -6,6 +6,7 @@
 #include "xml_iterator.h"
 
 #include <algorithm>
+#include <memory>
 
 namespace zentrak::panorama {
 
@@ -47,8 +48,10 @@ void Menubar::load(xml::IteratorConst& it) {
         setCaption(caption);
     xml::IteratorConst item = it.createIterator("item");
     while (++item) {
-        ContextData* menu = new ContextData;
+        auto owned = std::make_unique<ContextData>();
+        ContextData* const menu = owned.get();
         mMenus.push_back(menu);
+        owned.release();
         menu->setCaption(item->getValue("caption"));
         menu->load(item);
     }

@@ -27,7 +27,8 @@ bool loadSpan(LoadXML& loader, xml::IteratorConst& element, Effect* effect) {
     while (++triggers) {
         auto trigger = std::make_unique<Trigger>();
         loader.loadTrigger(triggers, trigger.get());
-        effect->mTriggers.push_back(trigger.release());
+        effect->mTriggers.push_back(trigger.get());
+        trigger.release();
     }
     xml::IteratorConst splines = element.createIterator("spline");
     while (++splines) {
@@ -37,7 +38,8 @@ bool loadSpan(LoadXML& loader, xml::IteratorConst& element, Effect* effect) {
                     spline->mName.c_str(), effect->mName.c_str());
             return false;
         }
-        effect->mSplines.push_back(spline.release());
+        effect->mSplines.push_back(spline.get());
+        spline.release();
     }
     return true;
 }
@@ -71,7 +73,8 @@ bool LoadXML::loadMem(const char* data, long size, ScriptEngine& engine) {
         auto effect = std::make_unique<Effect>();
         if (!loadEffect(it, effect.get()))
             return false;
-        engine.mEffects.push_back(effect.release());
+        engine.mEffects.push_back(effect.get());
+        effect.release();
     }
     engine.init();
     return true;

@@ -114,6 +114,7 @@ void XmlParser::write(std::ostream& os, const std::string& indent) const {
 
 void XmlParser::write(std::string& out, const std::string& indent) const {
     std::ostringstream os;
+    os.exceptions(std::ios::badbit); // without memory it would drop what follows
     write(os, indent);
     out = os.str();
 }

@@ -58,7 +58,13 @@ public:
         mActs.clear();
         for (int i = 0; i < 20; ++i, ++mCount)
             useKeysOrMouse();
-        // Out of the editor, which takes the keys while a row or a menu of it has the focus.
+        // Out of the editor, which takes the keys while a row or a menu of it has the focus: into the
+        // picture, which a small window doesn't show.
+        if (mWidth < 500 || mHeight < 400) {
+            add("windowsize --sync " + mProgram.viewer().window() + " 640 480");
+            mWidth = 640;
+            mHeight = 480;
+        }
         add("mousemove --window " + mProgram.viewer().window() + " -- " + std::to_string(mWidth * 3 / 4) +
             " " + std::to_string(mHeight / 4) + " click --repeat 2 1");
         const auto [status, text] = runCommand("timeout 60 xdotool" + mActs);
@@ -152,7 +158,8 @@ private:
 
 // A show that outlasts its music, so that the end comes when we want it.
 void prepare(Program& program) {
-    program.write("script.xml", readFile(sourcePath("data/script.xml")));
+    for (const char* name : {"script.xml", "sparks.png"})
+        program.write(name, readFile(sourcePath("data") + "/" + name));
     program.write("setup.local.xml", "<demo><time start=\"0\" loop=\"on\"/><display title=\"" +
                                          program.title() +
                                          "\" width=\"640\" height=\"400\"/><script filename=\"script.xml\"/>"
