@@ -19,7 +19,7 @@ public:
     Shader(const Shader&) = delete;
     Shader& operator=(const Shader&) = delete;
 
-    static bool hasShaders(); // the four extensions that programs need
+    static bool hasShaders(); // OpenGL 2.0 and the four extensions that programs need
 
     // Compiles a file, with `prefix` in front of its text: lines of #define that end in a line break of their
     // own, or nothing. Throws "Your graphic card does not support shaders!", "The device can not load files!

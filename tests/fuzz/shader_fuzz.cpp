@@ -51,7 +51,7 @@ void log(GLuint, GLsizei room, GLsizei* length, GLchar* text) {
 }
 
 bool stand() {
-    for (GLboolean* has : {&__GLEW_ARB_shader_objects, &__GLEW_ARB_shading_language_100,
+    for (GLboolean* has : {&__GLEW_VERSION_2_0, &__GLEW_ARB_shader_objects, &__GLEW_ARB_shading_language_100,
                            &__GLEW_ARB_vertex_shader, &__GLEW_ARB_fragment_shader})
         *has = GL_TRUE;
     __glewCreateShader = [](GLenum) { return create(); };

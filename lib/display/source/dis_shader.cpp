@@ -24,8 +24,9 @@ void requireShaders() {
 
 Shader::Shader(DisplayGL* display) : Resource(display, STATIC), mHandle(0), mContext(0) {}
 
+// The functions used here came with OpenGL 2.0; a driver of an older version may have the extensions alone.
 bool Shader::hasShaders() {
-    return DisplayGL::hasExtension("GL_ARB_shader_objects") &&
+    return DisplayGL::hasExtension("GL_VERSION_2_0") && DisplayGL::hasExtension("GL_ARB_shader_objects") &&
            DisplayGL::hasExtension("GL_ARB_shading_language_100") &&
            DisplayGL::hasExtension("GL_ARB_vertex_shader") &&
            DisplayGL::hasExtension("GL_ARB_fragment_shader");

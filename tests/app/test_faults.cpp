@@ -1,0 +1,155 @@
+// The whole program when the world around it fails. What is missing or broken in its files: test_program.cpp.
+#include "music.h"
+#include "program.h"
+
+#include <algorithm>
+#include <csignal>
+#include <filesystem>
+#include <gtest/gtest.h>
+
+using namespace zentrak::test;
+
+namespace {
+
+constexpr const char* SCRIPT =
+    "<script><effect name=\"clear\" end=\"100000\">"
+    "<trigger name=\"type\" value=\"flat\"/><trigger name=\"color\" value=\"white\"/>"
+    "</effect></script>";
+constexpr const char* DRAWN = "name: color, value: white\n"; // logged in the first frame
+
+void prepare(Program& program, const std::string& more = "<music mute=\"nosound\"/>",
+             const std::string& size = "width=\"320\" height=\"200\"") {
+    program.write("script.xml", SCRIPT);
+    program.write("setup.local.xml", "<demo><display title=\"" + program.title() + "\" " + size +
+                                         "/><script filename=\"script.xml\"/>" + more + "</demo>");
+}
+
+bool contains(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+bool isSaved(const Program& program) {
+    return contains(program.read("setup.local.xml"), "<music mute=\"off\"/>");
+}
+
+// What the show is run under to have mounts of its own, first of all `mounts`. Empty where that isn't
+// allowed.
+std::string withMounts(const std::string& mounts) {
+    if (runCommand("unshare -rm true").first != 0)
+        return "";
+    return "unshare -rm sh -c '" + mounts + " && exec \"$@\"' sh";
+}
+
+} // namespace
+
+TEST(TheWorld, ADiskThatFillsUpDuringADumpStopsNeitherTheShowNorItsSettings) {
+    Program program;
+    prepare(program, "<dump name=\"out/frame.png\"/><music mute=\"nosound\"/>");
+    std::filesystem::create_directories(program.dir().file("out"));
+    std::filesystem::create_directories(program.dir().file("kept"));
+    const std::string mounts = withMounts("mount -t tmpfs -o size=32k none out");
+    if (mounts.empty())
+        GTEST_SKIP() << "no mounts of our own here";
+    // The copy goes on as long as the show runs, for the disk ends with it.
+    program.start(mounts + " sh -c \"(while cp -r out/. kept/; do sleep 0.1; done) & exec \\\"\\$@\\\"\" sh");
+    ASSERT_TRUE(program.focus()) << program.output();
+    const auto full = [&] { return std::filesystem::exists(program.dir().file("kept/frame.000003.png")); };
+    EXPECT_TRUE(waitFor(full)) << program.output();
+    EXPECT_TRUE(program.reaches(3));
+    program.key("Escape");
+    EXPECT_EQ(program.wait(), 0) << program.output();
+    EXPECT_TRUE(isSaved(program));
+    int whole = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(program.dir().file("kept"))) {
+        Picture picture;
+        if (entry.path().extension() == ".png" && std::filesystem::file_size(entry.path()) > 0)
+            whole += readPng(entry.path().string(), picture);
+    }
+    EXPECT_GT(whole, 2);
+    EXPECT_FALSE(program.has("kept/frame.000060.png")); // it was full long before
+}
+
+TEST(TheWorld, AReadOnlyFolderIsPlayedFrom) {
+    Program program;
+    prepare(program);
+    const std::string before = program.read("setup.local.xml");
+    const std::string mounts = withMounts("mount --bind . . && mount -o remount,bind,ro . && cd \"$PWD\"");
+    if (mounts.empty())
+        GTEST_SKIP() << "no mounts of our own here";
+    program.start(mounts);
+    ASSERT_TRUE(program.focus()) << program.output();
+    EXPECT_GE(program.askTime(), 0);
+    program.key("Escape");
+    EXPECT_EQ(program.wait(), 0) << program.output();
+    EXPECT_TRUE(contains(program.output(), "The settings can't be saved in 'setup.local.xml'"))
+        << program.output();
+    EXPECT_EQ(program.read("setup.local.xml"), before);
+}
+
+// Each alone. Whatever an effect needs ends the show with its text; the rest plays on.
+TEST(TheWorld, AContextWithoutAnExtensionPlaysOrSaysWhatIsMissing) {
+    for (const char* extension :
+         {"GL_ARB_shader_objects", "GL_ARB_vertex_shader", "GL_ARB_fragment_shader",
+          "GL_ARB_shading_language_100", "GL_ARB_vertex_buffer_object", "GL_EXT_framebuffer_object",
+          "GL_ARB_framebuffer_object", "GL_ARB_multitexture", "GL_ARB_texture_non_power_of_two",
+          "GL_ARB_texture_float", "GL_ARB_texture_cube_map", "GL_ARB_draw_buffers",
+          "GL_EXT_texture_filter_anisotropic"}) {
+        Program program;
+        prepare(program, "<music filename=\"tune.wav\"/>");
+        program.write("tune.wav", makeWav(8000)); // ends the show after a second
+        EXPECT_EQ(program.run(std::string("MESA_EXTENSION_OVERRIDE=-") + extension), 0) << extension;
+        const std::string output = program.output();
+        EXPECT_NE(contains(output, DRAWN), contains(output, "\nerror: ")) << extension << output;
+    }
+}
+
+TEST(TheWorld, ALostDisplayEndsTheProgramWithAWord) {
+    Program program;
+    prepare(program);
+    const std::string before = program.read("setup.local.xml");
+    program.start("ZENTRAK_WM=none '" + sourcePath("tests/with_display") + "'");
+    ASSERT_TRUE(waitFor([&] {
+        return (program.has("output") && contains(program.output(), DRAWN)) || !program.running();
+    })) << program.output();
+    EXPECT_EQ(runCommand("pkill -KILL -P " + std::to_string(program.pid()) + " -x Xvfb").first, 0);
+    EXPECT_NE(program.wait(), 0); // by the X library, which allows nothing else
+    EXPECT_FALSE(program.running());
+    EXPECT_TRUE(contains(program.output(), "X connection") ||
+                contains(program.output(), "XIO:  fatal IO error"))
+        << program.output();
+    EXPECT_EQ(program.read("setup.local.xml"), before);
+}
+
+TEST(TheWorld, ATinyWindowPlays) {
+    for (const char* size : {"width=\"1\" height=\"1\"", "width=\"2\" height=\"900\""}) {
+        Program program;
+        prepare(program, "<music filename=\"tune.wav\"/>", size);
+        program.write("tune.wav", makeWav(4000));
+        EXPECT_EQ(program.run(), 0) << size;
+        EXPECT_TRUE(contains(program.output(), DRAWN)) << size << program.output();
+        EXPECT_FALSE(contains(program.output(), "error:")) << size << program.output();
+    }
+}
+
+// The computer's clock, which a user or the network sets; needs libfaketime.
+TEST(TheWorld, AClockThatJumpsMovesNothing) {
+    const std::string library = "/usr/lib/x86_64-linux-gnu/faketime/libfaketime.so.1";
+    if (!fileExists(library))
+        GTEST_SKIP() << "libfaketime is missing";
+    Program program;
+    prepare(program);
+    program.write("jump", "+0");
+    program.start("LD_PRELOAD=" + library + " FAKETIME_TIMESTAMP_FILE='" + program.dir().file("jump") +
+                  "' FAKETIME_NO_CACHE=1 FAKETIME_DONT_FAKE_MONOTONIC=1");
+    ASSERT_TRUE(program.focus()) << program.output();
+    for (const char* jump : {"+400d", "-400d", "+0"}) {
+        const double before = program.askTime();
+        program.write("jump", jump);
+        EXPECT_TRUE(program.reaches(before + 0.1)) << jump;
+        const double after = program.askTime();
+        EXPECT_LT(after, before + DEADLINE) << jump;
+    }
+    program.key("Escape");
+    EXPECT_EQ(program.wait(), 0) << program.output();
+    EXPECT_TRUE(isSaved(program));
+}
