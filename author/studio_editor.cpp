@@ -385,6 +385,20 @@ void Editor::insert(const std::string& label, int parent, int after, const std::
         perform(label, {std::move(*change)}, true);
 }
 
+// In front of an element, with its indent.
+void Editor::insertBefore(const std::string& label, int next, const std::string& text) {
+    std::optional<Change> change = mDocument.insert(mDocument[next].parent, next, text);
+    if (!change)
+        return;
+    change->text = text + change->text.substr(0, change->text.size() - text.size());
+    change->at = mDocument[next].from;
+    perform(label, {std::move(*change)}, true);
+}
+
+int Editor::findChild(int parent) const {
+    return parent + 1 < mDocument[parent].next ? parent + 1 : -1;
+}
+
 void Editor::addSpan(int parent, const std::string& name, double begin, double end,
                      const std::vector<std::string>& curves) {
     endGesture();
@@ -442,69 +456,39 @@ void Editor::addKey(int spline, double time, double value) {
         if (mDocument[i].kind == Kind::KEY && double(mDocument[i].start) <= time)
             after = i;
     const std::string text = writeTag("key", {{"time", formatNumber(time)}, {"value", formatNumber(value)}});
-    int first = -1;
-    for (int i = spline + 1; i < mDocument[spline].next && first < 0; i = mDocument[i].next)
-        if (mDocument[i].kind == Kind::KEY)
-            first = i;
-    if (after >= 0 || first < 0) {
+    const int first = findChild(spline);
+    if (after >= 0 || first < 0)
         insert("Add key", spline, after, text);
-        return;
-    }
-    // Before the first: with its line end and indent behind it.
-    std::optional<Change> change = mDocument.insert(spline, first, text);
-    if (!change)
-        return;
-    const size_t blanks = change->text.size() - text.size();
-    change->text = text + change->text.substr(0, blanks);
-    change->at = mDocument[first].from;
-    perform("Add key", {std::move(*change)}, true);
+    else
+        insertBefore("Add key", first, text);
 }
 
 void Editor::addSection(int before, const std::string& name) {
     endGesture();
     const std::string text = "<!-- " + toComment(name) + " -->";
-    if (before <= 0) {
+    if (before > 0)
+        insertBefore("Add section", before, text);
+    else
         insert("Add section", 0, -1, text);
-        return;
-    }
-    std::optional<Change> change = mDocument.insert(0, before, text);
-    if (!change)
-        return;
-    const size_t blanks = change->text.size() - text.size();
-    change->text = text + change->text.substr(0, blanks);
-    change->at = mDocument[before].from;
-    perform("Add section", {std::move(*change)}, true);
 }
 
 void Editor::addBookmark(double time, const std::string& name) {
     start();
-    int after = -1, first = -1;
-    for (int i = 1; i < mDocument.getSize(); i = mDocument[i].next) {
+    int after = -1;
+    for (int i = 1; i < mDocument.getSize(); i = mDocument[i].next)
         if (mDocument[i].kind == Kind::BOOKMARK || mDocument[i].kind == Kind::TEMPO)
             after = i;
-        if (first < 0)
-            first = i;
-    }
     const std::string text = writeTag("bookmark", {{"name", name}, {"time", formatNumber(time)}});
-    if (after >= 0 || first < 0) {
+    if (after >= 0 || findChild(0) < 0)
         insert("Add bookmark", 0, after, text);
-        return;
-    }
-    std::optional<Change> change = mDocument.insert(0, first, text);
-    if (!change)
-        return;
-    change->text = text + change->text.substr(0, change->text.size() - text.size());
-    change->at = mDocument[first].from;
-    perform("Add bookmark", {std::move(*change)}, true);
+    else
+        insertBefore("Add bookmark", findChild(0), text);
 }
 
 void Editor::setTempo(const Tempo& tempo) {
     start();
     std::vector<Change> changes;
-    int first = -1;
     for (int i = 1; i < mDocument.getSize(); i = mDocument[i].next) {
-        if (first < 0)
-            first = i;
         if (mDocument[i].kind != Kind::TEMPO)
             continue;
         setNumber(changes, i, "bpm", mDocument[i].number, double(tempo.bpm));
@@ -517,13 +501,11 @@ void Editor::setTempo(const Tempo& tempo) {
     const std::string text = writeTag("tempo", {{"bpm", formatNumber(double(tempo.bpm))},
                                                 {"beats", std::to_string(tempo.beats)},
                                                 {"start", formatNumber(double(tempo.start))}});
-    std::optional<Change> change = mDocument.insert(0, first, text);
-    if (change && first >= 0) {
-        change->text = text + change->text.substr(0, change->text.size() - text.size());
-        change->at = mDocument[first].from;
-    }
-    if (change)
-        perform("Set tempo", {std::move(*change)});
+    if (findChild(0) < 0)
+        insert("Set tempo", 0, -1, text);
+    else
+        insertBefore("Set tempo", findChild(0), text);
+    select({}); // the panel goes on to show the tempo
 }
 
 // Removing, copying, splitting

@@ -116,6 +116,8 @@ private:
     std::vector<int> getOutermost() const;
     std::vector<Copied> getCopy() const;
     void insert(const std::string& label, int parent, int after, const std::string& text);
+    void insertBefore(const std::string& label, int next, const std::string& text);
+    int findChild(int parent) const; // the first one; -1 without
     void setNumber(std::vector<Document::Change>& changes, int element, const char* name, float old,
                    double value) const;
     void moveElement(std::vector<Document::Change>& changes, int element, double seconds, double value) const;

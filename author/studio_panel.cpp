@@ -257,7 +257,7 @@ void Panel::fill() {
     mEntries.clear();
     const Document& document = mEditor.getDocument();
     const std::vector<int> elements = getElements();
-    if (elements.empty()) {
+    if (elements.empty() || document[elements[0]].kind == Kind::TEMPO) {
         mTitle = "Show";
         mSubtitle = "nothing is selected";
         addTempo();

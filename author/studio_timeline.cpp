@@ -408,10 +408,15 @@ void Timeline::draw() {
     for (size_t i = 0; i < mRows.size(); ++i)
         if (mRows[i].y + mRows[i].height > mScrollRows && mRows[i].y < mScrollRows + axis.getHeight())
             drawRow(paint, int(i));
-    paint.clip(Box2(all.x1, axis.y1, axis.x1, axis.y2));
-    for (size_t i = 0; i < mRows.size(); ++i)
-        if (mRows[i].y + mRows[i].height > mScrollRows && mRows[i].y < mScrollRows + axis.getHeight())
-            drawLabel(paint, int(i));
+    for (size_t i = 0; i < mRows.size(); ++i) {
+        if (mRows[i].y + mRows[i].height <= mScrollRows || mRows[i].y >= mScrollRows + axis.getHeight())
+            continue;
+        // The row of an unfolded section has nothing but its name.
+        const bool whole = mRows[i].type == Row::SECTION && isOpen(mRows[i].element);
+        paint.clip(Box2(all.x1, axis.y1, whole ? axis.x2 : axis.x1, axis.y2));
+        drawLabel(paint, int(i));
+    }
+    paint.clip(Box2(all.x1, axis.y1, axis.x2, axis.y2));
     paint.line(axis.x1 - 1, axis.y1, axis.x1 - 1, axis.y2, color::edge);
     drawRuler(paint);
     drawWave(paint);
@@ -512,11 +517,13 @@ void Timeline::drawTriggers(Paint& paint, int span, float top, bool names) {
         const double start = document.getOrigin(i) + double(trigger.start);
         const float y = names ? top + BAR_HEIGHT * float(getLane(i)) : top;
         const bool selected = mEditor.isSelected(trigger.id);
+        const std::string text = trigger.value.empty() ? trigger.name : trigger.name + " = " + trigger.value;
+        const float textEnd = names ? toX(start) + 12 + paint.width(text) : 0;
         for (int n = 1; n < trigger.repeat && n < 1000 && trigger.delay > 0; ++n) {
             const float x = toX(start + n * double(trigger.delay));
             if (x > axis.x2)
                 break;
-            if (x > axis.x1 - KEY)
+            if (x > std::max(axis.x1 - KEY, textEnd))
                 paint.diamond(x, y, 3, selected ? color::accent : Vector4f(1, 1, 1, 0.45f));
         }
         const float x = toX(start);
@@ -527,8 +534,6 @@ void Timeline::drawTriggers(Paint& paint, int span, float top, bool names) {
             for (int k = span + 1; k < document[span].next; k = document[k].next)
                 if (document[k].kind == Kind::TRIGGER && document[k].start > trigger.start)
                     room = std::min(room, toX(document.getOrigin(k) + double(document[k].start)) - x);
-            const std::string text =
-                trigger.value.empty() ? trigger.name : trigger.name + " = " + trigger.value;
             paint.text(x + 8, y, paint.fit(text, room - 16), selected ? color::selected : color::dim);
         }
         paint.diamond(x, y, KEY + 1, color::edge);
@@ -632,7 +637,8 @@ void Timeline::drawLabel(Paint& paint, int index) {
     }
     const float textLeft = left + FOLD;
     if (row.type == Row::SECTION) {
-        paint.text(textLeft, middle, paint.fit(element.name, right - textLeft), color::accent);
+        const float end = isOpen(row.element) ? getAxis().x2 : right;
+        paint.text(textLeft, middle, paint.fit(element.name, end - textLeft), color::accent);
         return;
     }
     if (row.type == Row::TRIGGERS) {
