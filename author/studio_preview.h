@@ -14,7 +14,8 @@ public:
     // Reads the layout. `length` of the show, seconds. Throws what kindler::Gui::setup throws.
     Preview(display::DisplayGL& display, const Document& document, double length);
 
-    bool isShown() const { return mGui.isVisible(); } // until Tab hides it
+    void setTime(double time) { mEngine.mPreviousTime = float(time); } // that its ruler shows
+    bool isShown() const { return mGui.isVisible(); }                  // until Tab hides it
 
 private:
     script::ScriptEngine mEngine; // first: the interface has its rows of it

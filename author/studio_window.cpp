@@ -122,6 +122,8 @@ void Window::onDraw() {
     pollFiles();
     layout();
     mShow.update();
+    if (mPreview)
+        mPreview->setTime(mShow.getTime());
     mTimeline->update();
     mPanel->update();
     followDocument();
@@ -152,7 +154,8 @@ void Window::drawPictureGround() {
                    mPictureAlone ? mWorkspace.mArea.world.y2 : mBar->mArea.world.y1);
     for (const Box2& rest : {Box2(all.x1, all.y1, box.x1, all.y2), Box2(box.x2, all.y1, all.x2, all.y2),
                              Box2(box.x1, all.y1, box.x2, box.y1), Box2(box.x1, box.y2, box.x2, all.y2)})
-        paint.box(rest, color::edge);
+        if (!mPreview)
+            paint.box(rest, color::edge);
     if (const std::optional<double> progress = mShow.getProgress()) {
         char text[64];
         snprintf(text, sizeof text, "Replaying: %d %%", int(*progress * 100));
