@@ -816,6 +816,8 @@ TEST(AScript, OfFiveThousandSpansWithSplinesOpensAndScrolls) {
 // The show in data/, as its author has it in front of him.
 
 TEST(TheRealShow, FollowsWhatIsDoneToItsBarsAndKeys) {
+    // Rows: a curve of the opening, and the background of the title's scene, which is the third span.
+    constexpr int OPENING = 2, BACKGROUND = 6;
     EditedShow show(realScript());
     RealEffects effects(show.kindler());
     show.play([&] {
@@ -824,10 +826,10 @@ TEST(TheRealShow, FollowsWhatIsDoneToItsBarsAndKeys) {
         const Picture before = show.picture();
         float start = 0, end = 0;
         show.frame([&] {
-            ASSERT_EQ(show.row(0)->getCaption(), "clear");
-            ASSERT_NE(show.curve(1), nullptr);
-            start = show.effect(0).mStart;
-            end = show.effect(0).mEnd;
+            ASSERT_EQ(show.row(BACKGROUND)->getCaption(), "clear");
+            ASSERT_NE(show.curve(OPENING), nullptr);
+            start = show.effect(2).mStart;
+            end = show.effect(2).mEnd;
         });
         const auto quarterChanged = [&](const Picture& now) {
             int changed = 0;
@@ -838,22 +840,22 @@ TEST(TheRealShow, FollowsWhatIsDoneToItsBarsAndKeys) {
         };
         EXPECT_LT(quarterChanged(show.picture()), 0.02); // it stands still
 
-        show.drag(middle(show.box(show.bar(0))), 100, 0); // the background begins behind now
+        show.drag(middle(show.box(show.bar(BACKGROUND))), 100, 0); // the background begins behind now
         show.frame([&] {
-            EXPECT_FLOAT_EQ(show.effect(0).mStart, start + 10);
-            EXPECT_FLOAT_EQ(show.effect(0).mEnd, end + 10);
+            EXPECT_FLOAT_EQ(show.effect(2).mStart, start + 10);
+            EXPECT_FLOAT_EQ(show.effect(2).mEnd, end + 10);
         });
         EXPECT_GT(quarterChanged(show.picture()), 0.1);
 
-        show.drag(middle(show.box(show.bar(0))), -100, 0);
-        show.frame([&] { EXPECT_FLOAT_EQ(show.effect(0).mStart, start); });
+        show.drag(middle(show.box(show.bar(BACKGROUND))), -100, 0);
+        show.frame([&] { EXPECT_FLOAT_EQ(show.effect(2).mStart, start); });
         EXPECT_LT(quarterChanged(show.picture()), 0.02);
 
         float value = 0;
-        show.frame([&] { value = show.curve(1)->mSpline->mKeys[0].value; });
-        show.drag(show.keyPlace(1, 0), 20, 14);
+        show.frame([&] { value = show.curve(OPENING)->mSpline->mKeys[0].value; });
+        show.drag(show.keyPlace(OPENING, 0), 8, 14);
         show.frame([&] {
-            const auto& keys = show.curve(1)->mSpline->mKeys;
+            const auto& keys = show.curve(OPENING)->mSpline->mKeys;
             EXPECT_GT(keys[0].time, 0);
             EXPECT_NEAR(keys[0].value, value + 0.4f, 0.03f);
         });
