@@ -76,11 +76,15 @@ void makeWritable(xml::XmlNode& root) {
                 std::replace(argument.value.begin(), argument.value.end(), '"', '\'');
         }
         const std::vector<xml::XmlNode*> children = node->children;
-        for (xml::XmlNode* const child : children)
-            if (isBreaking(child))
+        for (xml::XmlNode* const child : children) {
+            if (isBreaking(child)) {
                 delete child;
-            else
-                nodes.push_back(child);
+                continue;
+            }
+            if (child->arguments.empty() && child->name == node->name)
+                child->closed = false; // written as <a/> it would end the <a> around it
+            nodes.push_back(child);
+        }
     }
 }
 

@@ -576,6 +576,17 @@ TEST_F(SetupFile, CommentsAndTextStayAsTheyAreHoweverOftenTheyAreSaved) {
     }
 }
 
+TEST_F(SetupFile, AnEmptyElementNamedAsItsParentDoesNotEndItWhenItIsSaved) {
+    write("setup.local.xml", "<demo><demo></demo><a><a></a><b/></a><time start=\"7\"/></demo>");
+    for (int i = 0; i < 2; ++i) {
+        Kindler kindler;
+        kindler.setup();
+        EXPECT_EQ(kindler.mStartTime, 7);
+    }
+    EXPECT_EQ(read("setup.local.xml"), "<demo>\n<demo>\n</demo>\n<a>\n<a>\n</a>\n<b/>\n</a>\n"
+                                       "<time start=\"7.00\" loop=\"off\"/>\n</demo>\n");
+}
+
 TEST_F(SetupFile, BrokenFilesAreNamedInTheLog) {
     write("setup.xml", "<demo");
     Kindler first;
