@@ -35,10 +35,6 @@ void setIn(std::string& text, const char* name, double number) {
     text.replace(change.at - HEAD.size(), change.length, change.text);
 }
 
-double nearest(double time, double best, double candidate) {
-    return std::fabs(candidate - time) < std::fabs(best - time) ? candidate : best;
-}
-
 } // namespace
 
 std::string writeTag(std::string_view tag,
@@ -737,6 +733,10 @@ void Editor::split(double time) {
 }
 
 // Snapping
+
+double nearest(double value, double best, double candidate) {
+    return std::fabs(candidate - value) < std::fabs(best - value) ? candidate : best;
+}
 
 double Snap::operator()(double time) const {
     if (!on)

@@ -125,6 +125,9 @@ private:
     void cutFirstHalf(std::vector<Document::Change>& changes, int span, double at) const;
 };
 
+// The one of two that is nearer to a value; the first if they are equally near.
+double nearest(double value, double best, double candidate);
+
 // Where a time snaps to.
 struct Snap {
     bool on = true;

@@ -15,10 +15,6 @@ constexpr double MIN_SCALE = 0.5, MAX_SCALE = 4000;
 constexpr float FOLD = 16;   // pixels of a triangle
 constexpr float INDENT = 14; // a level
 
-double nearest(double value, double best, double candidate) {
-    return std::fabs(candidate - value) < std::fabs(best - value) ? candidate : best;
-}
-
 script::Spline makeSpline(const Document& document, int index) {
     script::Spline spline;
     spline.mMode = document[index].mode;
