@@ -1,39 +1,18 @@
-// Shades a face by the shade texture and by where it looks, in the show's palette: the blueish greys of the effect's
-// `expand` become ink and paper, the gold of `turn` orange, the green of `turn2` teal. What is far away sinks into a
-// haze of paper.
+// Shades a face by the shade texture and by where it looks. What is far away sinks into a haze of paper.
 uniform sampler2D shade; // unit 0
 uniform float     alpha;
 
 varying vec4 colour;
 varying vec3 eyePosition;
 
-const vec3 ink = vec3(0.045, 0.047, 0.055);
 const vec3 paper = vec3(0.965, 0.945, 0.900);
-const vec3 orange = vec3(0.945, 0.420, 0.110);
-const vec3 teal = vec3(0.020, 0.500, 0.510);
-
-// From ink over `accent` to paper.
-vec3 ramp(vec3 accent, float light) {
-    return mix(mix(ink, accent, smoothstep(0.0, 0.55, light)), paper, smoothstep(0.55, 1.0, light));
-}
-
-vec3 grade(vec3 c) {
-    float red = max(c.r, 0.01);
-    vec2  steps = (c.rg - c.gb) / red; // down from red to green, and from green to blue
-    float grey = 1.0 - smoothstep(0.03, 0.10, abs(steps.x));
-    float gold = smoothstep(0.15, 0.22, steps.x) * (1.0 - smoothstep(0.04, 0.10, abs(steps.x - steps.y)));
-    float green = smoothstep(0.3, 0.45, -steps.x) * smoothstep(0.3, 0.45, steps.y);
-    c = mix(c, mix(ink, paper, c.r), grey);
-    c = mix(c, ramp(orange, c.b * 1.6), gold);
-    return mix(c, ramp(teal, c.b * 1.6), green);
-}
 
 void main() {
     vec3  normal = normalize(cross(dFdx(eyePosition), dFdy(eyePosition)));
     vec3  toEye = normalize(-eyePosition);
     float facing = abs(dot(normal, normalize(toEye + vec3(0.35, 0.45, 0.2))));
     float light = 0.52 + 0.62 * facing * facing;
-    vec3  lit = grade(colour.rgb) * texture2D(shade, gl_TexCoord[0].xy).rgb * light;
+    vec3  lit = colour.rgb * texture2D(shade, gl_TexCoord[0].xy).rgb * light;
     lit = mix(lit, paper, 0.8 * smoothstep(45.0, 600.0, length(eyePosition)));
     gl_FragColor = vec4(lit, min(alpha, 1.0));
 }
