@@ -108,7 +108,6 @@ protected:
     void TearDown() override {
         mViewer.reset();
         glfwTerminate();
-        zentrak::test::waitUntilNoWindowIsManaged();
     }
 
     // Opens the window in front, gives it the focus, and logs keys and characters.

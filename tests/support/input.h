@@ -66,11 +66,6 @@ private:
     bool mOtherLayout = false;
 };
 
-// Waits until the window manager has let go of all windows. The X server gives the ids of a closed connection
-// out again, so a window manager that lags behind takes a new window for the old one, and gives it the old
-// one's size.
-void waitUntilNoWindowIsManaged();
-
 // A second window on the display, for the focus to go to; closed on destruction.
 class OtherWindow {
 public:
