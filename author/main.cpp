@@ -48,6 +48,7 @@ void work(const char* script) {
 } // namespace
 
 int main(int argc, char** argv) {
+    setvbuf(stdout, nullptr, _IOLBF, 0); // so that a redirected log is complete however the program ends
     keepFreedMemory();
     boundProcess();
     const bool help = argc > 1 && (!strcmp(argv[1], "-h") || !strcmp(argv[1], "--help"));
