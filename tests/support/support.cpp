@@ -12,11 +12,46 @@
 
 namespace zentrak::test {
 
-TempDir::TempDir() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "zentrak-XXXXXX").string();
+namespace {
+
+std::string makeFolder(const std::filesystem::path& parent) {
+    std::string pattern = (parent / "zentrak-XXXXXX").string();
     if (mkdtemp(pattern.data()) == nullptr)
         ADD_FAILURE() << "no temporary folder from " << pattern;
-    mPath = pattern;
+    return pattern;
+}
+
+// Holds the folders of this process and of its death tests: those die without deleting theirs.
+class TempRoot {
+public:
+    TempRoot() {
+        if (const char* parents = std::getenv("ZENTRAK_TEST_FOLDER")) {
+            mPath = parents;
+            return;
+        }
+        mPath = makeFolder(std::filesystem::temp_directory_path());
+        mOwner = getpid();
+        setenv("ZENTRAK_TEST_FOLDER", mPath.c_str(), 1);
+    }
+
+    ~TempRoot() {
+        std::error_code ignored;
+        if (mOwner == getpid()) // and not a fork
+            std::filesystem::remove_all(mPath, ignored);
+    }
+
+    const std::string& path() const { return mPath; }
+
+private:
+    std::string mPath;
+    pid_t mOwner = 0;
+};
+
+} // namespace
+
+TempDir::TempDir() {
+    static const TempRoot root;
+    mPath = makeFolder(root.path());
 }
 
 TempDir::~TempDir() {
