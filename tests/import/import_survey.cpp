@@ -68,7 +68,7 @@ int main(int argc, char** argv) {
     }
     if (list)
         fclose(list);
-    printf("| ending | imported | refused | reader crashed | worst |\n|---|---|---|---|---|\n");
+    printf("| extension | imported | rejected | reader crashed | worst |\n|---|---|---|---|---|\n");
     for (const auto& [name, row] : rows)
         printRow(name, row);
     printRow("all", all);
