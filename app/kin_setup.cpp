@@ -9,6 +9,7 @@
 #include "ztk_text.h"
 
 #include <algorithm>
+#include <cctype>
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
@@ -56,19 +57,22 @@ void unquote(std::string& text) {
         text = text.substr(1, text.size() - 2);
 }
 
+// Whether the declaration is read as it is written: without quotes, so that a value is one word.
+bool isPlain(const xml::XmlTag& declaration) {
+    return std::all_of(declaration.arguments.begin(), declaration.arguments.end(), [](const auto& argument) {
+        const std::string& value = argument.value;
+        return !argument.name.empty() && !value.empty() &&
+               std::all_of(value.begin(), value.end(), [](unsigned char c) { return std::isalnum(c); });
+    });
+}
+
 // The writer escapes nothing: it puts values between double quotes, and those of a declaration between none.
-// Changes values that would end early and continue as elements; leaves out such declarations.
+// Changes values that would end early and continue as elements; leaves out declarations that aren't plain.
 void makeWritable(xml::XmlNode& root) {
     std::vector<xml::XmlNode*> nodes{&root};
     while (!nodes.empty()) {
         xml::XmlNode* const node = nodes.back();
         nodes.pop_back();
-        const auto isBreaking = [](const xml::XmlNode* child) {
-            return child->type == xml::XmlTag::SpecialExclaim &&
-                   std::any_of(child->arguments.begin(), child->arguments.end(), [](const auto& argument) {
-                       return argument.value.find_first_of("<>\"'") != std::string::npos;
-                   });
-        };
         for (xml::XmlTag::Argument& argument : node->arguments) {
             if (node->type == xml::XmlTag::Text)
                 unquote(argument.value);
@@ -77,7 +81,7 @@ void makeWritable(xml::XmlNode& root) {
         }
         const std::vector<xml::XmlNode*> children = node->children;
         for (xml::XmlNode* const child : children) {
-            if (isBreaking(child)) {
+            if (child->type == xml::XmlTag::SpecialExclaim && !isPlain(*child)) {
                 delete child;
                 continue;
             }

@@ -567,6 +567,18 @@ TEST_F(SetupFile, NoValueBecomesElementsWhenItIsSaved) {
     EXPECT_FALSE(++saved.createIterator("script"));
 }
 
+// Of a declaration the writer keeps neither the quotes nor, without a name, the order.
+TEST_F(SetupFile, DeclarationsThatCouldNotBeReadAgainAreNotSaved) {
+    write("setup.local.xml", "<demo><!a \"b.c\"><!d e\"f\"><!g h><time start=\"7\"/></demo>");
+    for (int i = 0; i < 3; ++i) {
+        Kindler kindler;
+        kindler.setup();
+        EXPECT_EQ(kindler.mStartTime, 7);
+        kindler.saveXml();
+        EXPECT_EQ(read("setup.local.xml"), "<demo>\n<!g h>\n<time start=\"7.00\" loop=\"off\"/>\n</demo>\n");
+    }
+}
+
 TEST_F(SetupFile, CommentsAndTextStayAsTheyAreHoweverOftenTheyAreSaved) {
     write("setup.local.xml", "<demo>\n<!-- \"so\" -->\nstray 'text'\n<time start=\"0\"/>\n</demo>");
     for (int i = 0; i < 3; ++i) {

@@ -138,7 +138,10 @@ void DisplayGL::openWindow() {
     // Without an X display, as under Wayland, only the extensions of GLX itself are missing, and none is
     // used.
     const GLenum glew = glewInit();
-    if (glew != GLEW_OK && glew != GLEW_ERROR_NO_GLX_DISPLAY) {
+    const bool connected = glGetString(GL_VERSION); // not through GLEW
+    if (!connected)
+        ZTK_LOG("error", "display", "OpenGL has no version: its libraries don't fit together");
+    if (!connected || (glew != GLEW_OK && glew != GLEW_ERROR_NO_GLX_DISPLAY)) {
         glfwCloseWindow();
         throw Exception("DisplayGL: Could not initialize GLEW!");
     }
