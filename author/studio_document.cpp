@@ -318,6 +318,14 @@ int Document::find(uint32_t id) const {
     return id < mIndexOf.size() ? mIndexOf[id] : -1;
 }
 
+std::vector<int> Document::getChildren(int index, Kind kind) const {
+    std::vector<int> children;
+    for (int i = index + 1; i < (*this)[index].next; i = (*this)[i].next)
+        if ((*this)[i].kind == kind)
+            children.push_back(i);
+    return children;
+}
+
 void Document::indexIds() {
     mIndexOf.assign(size_t(mLastId) + 1, -1);
     for (int i = 0; i < getSize(); ++i)
@@ -516,15 +524,6 @@ bool Document::isInside(int index, int ancestor) const {
     return index > ancestor && index < (*this)[ancestor].next;
 }
 
-std::string Document::getAttribute(int index, std::string_view name) const {
-    const Element& element = (*this)[index];
-    const Attributes attributes = findAttributes(mText, element.from, element.tagTo);
-    for (auto it = attributes.list.rbegin(); it != attributes.list.rend(); ++it)
-        if (it->name == name)
-            return mText.substr(it->from + (it->quote != 0), it->to - it->from - (it->quote ? 2 : 0));
-    return std::string();
-}
-
 int Document::getLine(size_t position) const {
     return 1 +
            int(std::count(mText.begin(), mText.begin() + ptrdiff_t(std::min(position, mText.size())), '\n'));
@@ -532,18 +531,16 @@ int Document::getLine(size_t position) const {
 
 Tempo Document::getTempo() const {
     Tempo tempo;
-    for (int i = 1; i < getSize(); i = (*this)[i].next) {
-        const Element& element = (*this)[i];
-        if (element.kind != Kind::TEMPO)
-            continue;
-        if (element.number >= 1 && element.number <= 1000)
-            tempo.bpm = element.number;
-        if (element.beats >= 1 && element.beats <= 64)
-            tempo.beats = element.beats;
-        if (std::isfinite(element.start))
-            tempo.start = element.start;
-        break;
-    }
+    const std::vector<int> tempos = getChildren(0, Kind::TEMPO);
+    if (tempos.empty())
+        return tempo;
+    const Element& element = (*this)[tempos[0]];
+    if (element.number >= 1 && element.number <= 1000)
+        tempo.bpm = element.number;
+    if (element.beats >= 1 && element.beats <= 64)
+        tempo.beats = element.beats;
+    if (std::isfinite(element.start))
+        tempo.start = element.start;
     return tempo;
 }
 
@@ -551,12 +548,7 @@ std::vector<Document::Problem> Document::getProblems() const {
     std::vector<Problem> problems;
     for (int i = 1; i < getSize(); ++i) {
         const Element& element = (*this)[i];
-        if (element.kind != Kind::SPLINE)
-            continue;
-        bool keys = false;
-        for (int k = i + 1; k < element.next; k = (*this)[k].next)
-            keys = keys || (*this)[k].kind == Kind::KEY;
-        if (!keys)
+        if (element.kind == Kind::SPLINE && getChildren(i, Kind::KEY).empty())
             problems.push_back({getLine(element.from), "the spline '" + element.name +
                                                            "' has no keys: the player refuses the script"});
     }
@@ -668,6 +660,15 @@ std::optional<Document::Change> Document::insert(int parent, int after, std::str
     if (line > owner.tagTo && mText[line - 1] == '\n')
         return Change{line, 0, indent + text + lineEnd, -1};
     return Change{owner.contentTo, 0, lineEnd + indent + text + lineEnd + getIndent(owner.from), -1};
+}
+
+script::Spline makeSpline(const Document& document, int index) {
+    script::Spline spline;
+    spline.mName = document[index].name;
+    spline.mMode = document[index].mode;
+    for (const int key : document.getChildren(index, Kind::KEY))
+        spline.addKey({document[key].start, document[key].number, 0, 0});
+    return spline;
 }
 
 std::string formatNumber(double number) {

@@ -2,6 +2,8 @@
 // is, to the byte.
 #pragma once
 
+#include "script_spline.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -86,8 +88,9 @@ public:
     } // in the order of the text; root first
     const Element& operator[](int index) const { return mElements[size_t(index)]; }
     int getSize() const { return int(mElements.size()); }
-    int find(uint32_t id) const;                     // its index, or -1
-    uint32_t getVersion() const { return mVersion; } // another one after each change
+    int find(uint32_t id) const;                              // its index, or -1
+    std::vector<int> getChildren(int index, Kind kind) const; // indices, in the order of the text
+    uint32_t getVersion() const { return mVersion; }          // another one after each change
 
     // Applies changes that all count in the present text and do not overlap; what lies inside a range that
     // another one removes is left out. Returns the changes that take them back. Throws as load, and leaves
@@ -98,9 +101,12 @@ public:
 
     // Seconds of the show at which the local time of `index` is 0: the sum of the spans around it.
     double getOrigin(int index) const;
+    double getStart(int index) const {
+        return getOrigin(index) + double((*this)[index].start);
+    } // in the show
+    double getEnd(int index) const { return getOrigin(index) + double((*this)[index].end); }
     bool isInside(int index, int ancestor) const;
-    std::string getAttribute(int index, std::string_view name) const; // as written; empty without one
-    int getLine(size_t position) const;                               // from 1 on
+    int getLine(size_t position) const; // from 1 on
     Tempo getTempo() const;
     std::vector<Problem> getProblems() const;
 
@@ -137,6 +143,9 @@ private:
 // Sets an attribute in the text of a start tag at [from, to). Returns the change in bytes of the text.
 Document::Change changeAttribute(std::string_view text, size_t from, size_t to, std::string_view name,
                                  std::string_view value);
+
+// A curve as the player has it.
+script::Spline makeSpline(const Document& document, int index);
 
 // As a person writes it: at most four decimals, and no zeros at its end.
 std::string formatNumber(double number);

@@ -11,42 +11,31 @@ using Change = Document::Change;
 
 namespace {
 
-using Curve = mathbase::SplineBase<float, mathbase::SplineBaseKey<float>>;
-
-Curve makeCurve(const Document& document, int spline) {
-    Curve curve;
-    curve.mMode = document[spline].mode;
-    for (int i = spline + 1; i < document[spline].next; i = document[i].next)
-        if (document[i].kind == Kind::KEY)
-            curve.addKey({document[i].start, document[i].number, 0, 0});
-    return curve;
-}
-
 const char* timeOf(Kind kind) {
     return kind == Kind::KEY || kind == Kind::BOOKMARK ? "time" : "start";
 }
 
 // Sets an attribute of the outermost tag of an element's text.
-void setIn(std::string& text, const char* name, double number) {
-    constexpr std::string_view HEAD = "<script>";
-    Document snippet;
-    snippet.load(std::string(HEAD) + text + "</script>");
-    const Change change = snippet.setAttribute(1, name, formatNumber(number));
-    text.replace(change.at - HEAD.size(), change.length, change.text);
+void setIn(std::string& text, std::string_view name, std::string_view value) {
+    const Change change = changeAttribute(text, 0, text.size(), name, value);
+    text.replace(change.at, change.length, change.text);
+}
+
+void setIn(std::string& text, std::string_view name, double number) {
+    setIn(text, name, formatNumber(number));
+}
+
+// The text of a start tag, or of one without content. A value may hold quotes.
+std::string writeTag(std::string_view tag,
+                     std::initializer_list<std::pair<std::string_view, std::string>> attributes,
+                     bool closed = true) {
+    std::string text = "<" + std::string(tag) + ">";
+    for (const auto& [name, value] : attributes)
+        setIn(text, name, value);
+    return closed ? text.insert(text.size() - 1, "/") : text;
 }
 
 } // namespace
-
-std::string writeTag(std::string_view tag,
-                     std::initializer_list<std::pair<std::string_view, std::string>> attributes,
-                     bool closed) {
-    std::string text = "<" + std::string(tag) + ">";
-    for (const auto& [name, value] : attributes) {
-        const Change change = changeAttribute(text, 0, text.size(), name, value);
-        text.replace(change.at, change.length, change.text);
-    }
-    return closed ? text.insert(text.size() - 1, "/") : text;
-}
 
 Editor::Editor() : mSavedText(mDocument.getText()) {}
 
@@ -251,9 +240,8 @@ void Editor::moveElement(std::vector<Change>& changes, int index, double seconds
         setNumber(changes, index, "value", element.number, double(element.number) + value);
         break;
     case Kind::SPLINE:
-        for (int i = index + 1; i < element.next; i = mDocument[i].next)
-            if (mDocument[i].kind == Kind::KEY)
-                moveElement(changes, i, seconds, value);
+        for (const int key : mDocument.getChildren(index, Kind::KEY))
+            moveElement(changes, key, seconds, value);
         break;
     default:
         break;
@@ -391,8 +379,11 @@ void Editor::insertBefore(const std::string& label, int next, const std::string&
     perform(label, {std::move(*change)}, true);
 }
 
-int Editor::findChild(int parent) const {
-    return parent + 1 < mDocument[parent].next ? parent + 1 : -1;
+void Editor::insertFirst(const std::string& label, int parent, const std::string& text) {
+    if (parent + 1 < mDocument[parent].next)
+        insertBefore(label, parent + 1, text);
+    else
+        insert(label, parent, -1, text);
 }
 
 void Editor::addSpan(int parent, const std::string& name, double begin, double end,
@@ -420,14 +411,12 @@ void Editor::addSpan(int parent, const std::string& name, double begin, double e
 
 void Editor::addTrigger(int span, const std::string& name, const std::string& value, double time) {
     endGesture();
-    int after = -1;
-    for (int i = span + 1; i < mDocument[span].next; i = mDocument[i].next)
-        if (mDocument[i].kind == Kind::TRIGGER)
-            after = i;
-    insert("Add trigger", span, after,
-           value.empty()
-               ? writeTag("trigger", {{"name", name}, {"start", formatNumber(time)}})
-               : writeTag("trigger", {{"name", name}, {"value", value}, {"start", formatNumber(time)}}));
+    const std::vector<int> triggers = mDocument.getChildren(span, Kind::TRIGGER);
+    std::string text = writeTag("trigger", {{"name", name}});
+    if (!value.empty())
+        setIn(text, "value", value);
+    setIn(text, "start", time);
+    insert("Add trigger", span, triggers.empty() ? -1 : triggers.back(), text);
 }
 
 void Editor::addSpline(int span, const std::string& name, double value) {
@@ -448,15 +437,14 @@ void Editor::addSpline(int span, const std::string& name, double value) {
 void Editor::addKey(int spline, double time, double value) {
     endGesture();
     int after = -1;
-    for (int i = spline + 1; i < mDocument[spline].next; i = mDocument[i].next)
-        if (mDocument[i].kind == Kind::KEY && double(mDocument[i].start) <= time)
-            after = i;
+    for (const int key : mDocument.getChildren(spline, Kind::KEY))
+        if (double(mDocument[key].start) <= time)
+            after = key;
     const std::string text = writeTag("key", {{"time", formatNumber(time)}, {"value", formatNumber(value)}});
-    const int first = findChild(spline);
-    if (after >= 0 || first < 0)
+    if (after >= 0)
         insert("Add key", spline, after, text);
     else
-        insertBefore("Add key", first, text);
+        insertFirst("Add key", spline, text);
 }
 
 void Editor::addSection(int before, const std::string& name) {
@@ -475,33 +463,29 @@ void Editor::addBookmark(double time, const std::string& name) {
         if (mDocument[i].kind == Kind::BOOKMARK || mDocument[i].kind == Kind::TEMPO)
             after = i;
     const std::string text = writeTag("bookmark", {{"name", name}, {"time", formatNumber(time)}});
-    if (after >= 0 || findChild(0) < 0)
+    if (after >= 0)
         insert("Add bookmark", 0, after, text);
     else
-        insertBefore("Add bookmark", findChild(0), text);
+        insertFirst("Add bookmark", 0, text);
 }
 
 void Editor::setTempo(const Tempo& tempo) {
     start();
-    std::vector<Change> changes;
-    for (int i = 1; i < mDocument.getSize(); i = mDocument[i].next) {
-        if (mDocument[i].kind != Kind::TEMPO)
-            continue;
-        setNumber(changes, i, "bpm", mDocument[i].number, double(tempo.bpm));
-        if (mDocument[i].beats != tempo.beats)
-            changes.push_back(mDocument.setAttribute(i, "beats", std::to_string(tempo.beats)));
-        setNumber(changes, i, "start", mDocument[i].start, double(tempo.start));
+    if (const std::vector<int> tempos = mDocument.getChildren(0, Kind::TEMPO); !tempos.empty()) {
+        const int old = tempos[0];
+        std::vector<Change> changes;
+        setNumber(changes, old, "bpm", mDocument[old].number, double(tempo.bpm));
+        if (mDocument[old].beats != tempo.beats)
+            changes.push_back(mDocument.setAttribute(old, "beats", std::to_string(tempo.beats)));
+        setNumber(changes, old, "start", mDocument[old].start, double(tempo.start));
         perform("Set tempo", std::move(changes));
         return;
     }
-    const std::string text = writeTag("tempo", {{"bpm", formatNumber(double(tempo.bpm))},
-                                                {"beats", std::to_string(tempo.beats)},
-                                                {"start", formatNumber(double(tempo.start))}});
-    if (findChild(0) < 0)
-        insert("Set tempo", 0, -1, text);
-    else
-        insertBefore("Set tempo", findChild(0), text);
-    select({}); // the panel goes on to show the tempo
+    insertFirst("Set tempo", 0,
+                writeTag("tempo", {{"bpm", formatNumber(double(tempo.bpm))},
+                                   {"beats", std::to_string(tempo.beats)},
+                                   {"start", formatNumber(double(tempo.start))}}));
+    select({}); // the panel keeps showing the tempo
 }
 
 // Removing, copying, splitting
@@ -512,23 +496,15 @@ void Editor::removeSelected() {
     // A spline that would lose its last key goes as a whole.
     std::vector<int> splines;
     for (const int index : elements) {
-        const int spline = mDocument[index].parent;
         if (mDocument[index].kind != Kind::KEY)
             continue;
-        bool all = true;
-        for (int i = spline + 1; i < mDocument[spline].next; i = mDocument[i].next)
-            all = all &&
-                  (mDocument[i].kind != Kind::KEY || std::binary_search(elements.begin(), elements.end(), i));
-        if (all)
+        const int spline = mDocument[index].parent;
+        const std::vector<int> keys = mDocument.getChildren(spline, Kind::KEY);
+        if (index == keys[0] && std::includes(elements.begin(), elements.end(), keys.begin(), keys.end()))
             splines.push_back(spline);
     }
-    std::erase_if(elements, [&](int i) {
-        return std::find(splines.begin(), splines.end(), mDocument[i].parent) != splines.end();
-    });
     elements.insert(elements.end(), splines.begin(), splines.end());
-    std::sort(elements.begin(), elements.end());
-    elements.erase(std::unique(elements.begin(), elements.end()), elements.end());
-    std::vector<Change> changes;
+    std::vector<Change> changes; // those of the keys lie in that of their spline, and are left out
     for (const int index : elements)
         changes.push_back(mDocument.erase(index));
     perform("Delete", std::move(changes));
@@ -540,10 +516,8 @@ std::vector<Editor::Copied> Editor::getCopy() const {
         const Element& element = mDocument[index];
         if (element.kind == Kind::OTHER)
             continue;
-        const double time = element.kind == Kind::SPLINE || element.kind == Kind::SECTION
-                                ? mDocument.getOrigin(index)
-                                : mDocument.getOrigin(index) + double(element.start);
-        copied.push_back({element.kind, mDocument.getElementText(index), time});
+        copied.push_back({element.kind, mDocument.getElementText(index), mDocument.getStart(index),
+                          double(element.end) - double(element.start)});
     }
     return copied;
 }
@@ -594,17 +568,10 @@ void Editor::paste(double time) {
         if (parent < 0)
             continue;
         std::string text = each.text;
-        const double origin =
-            parent == 0 ? 0
-                        : mDocument.getOrigin(parent) +
-                              (mDocument[parent].kind == Kind::SPAN ? double(mDocument[parent].start) : 0);
-        const double start = time + each.time - first - origin;
+        const double start = time + each.time - first - mDocument.getStart(parent);
         if (each.kind == Kind::SPAN) {
-            Document snippet;
-            snippet.load("<script>" + text + "</script>");
-            const double length = double(snippet[1].end) - double(snippet[1].start);
             setIn(text, "start", start);
-            setIn(text, "end", start + length);
+            setIn(text, "end", start + each.length);
         } else if (each.kind == Kind::TRIGGER || each.kind == Kind::KEY || each.kind == Kind::BOOKMARK) {
             setIn(text, timeOf(each.kind), start);
         }
@@ -633,10 +600,6 @@ void Editor::duplicate() {
     perform("Duplicate", std::move(changes), true);
 }
 
-double Editor::evaluate(int spline, double time) const {
-    return double(makeCurve(mDocument, spline).evaluate(float(time)));
-}
-
 // The times of all that is in the second half count from its start. What has fired before the cut is due at
 // once there, as after a jump. Of a curve that is not smooth one key at the cut stands for those before it; a
 // smooth one keeps all, since each of its slopes follows from its neighbours.
@@ -658,14 +621,12 @@ std::string Editor::getSecondHalf(int span, double at) const {
             changes.push_back(half.setAttribute(i, "end", formatNumber(double(element.end) - at)));
         } else if (element.kind == Kind::SPLINE) {
             int last = -1; // the key in force at the cut
-            for (int k = i + 1; k < element.next; k = half[k].next)
-                if (half[k].kind == Kind::KEY && double(half[k].start) <= at &&
-                    (last < 0 || half[k].start >= half[last].start))
+            const std::vector<int> keys = half.getChildren(i, Kind::KEY);
+            for (const int k : keys)
+                if (double(half[k].start) <= at && (last < 0 || half[k].start >= half[last].start))
                     last = k;
-            const double value = double(makeCurve(half, i).evaluate(float(at)));
-            for (int k = i + 1; k < element.next; k = half[k].next) {
-                if (half[k].kind != Kind::KEY)
-                    continue;
+            const double value = double(makeSpline(half, i).evaluate(float(at)));
+            for (const int k : keys) {
                 const bool before = double(half[k].start) <= at && element.mode != mathbase::SPLINE_SMOOTH;
                 if (before && k != last) {
                     changes.push_back(half.erase(k));
@@ -695,15 +656,13 @@ void Editor::cutFirstHalf(std::vector<Change>& changes, int span, double at) con
             setNumber(changes, i, "end", element.end, std::min(double(element.end), at));
         } else if (element.kind == Kind::SPLINE && element.mode != mathbase::SPLINE_SMOOTH) {
             // The first key after the cut comes to lie at it; the others go.
-            int next = -1;
-            for (int k = i + 1; k < element.next; k = mDocument[k].next)
-                if (mDocument[k].kind == Kind::KEY && double(mDocument[k].start) > at &&
-                    (next < 0 || mDocument[k].start < mDocument[next].start))
-                    next = k;
-            for (int k = i + 1; k < element.next; k = mDocument[k].next) {
-                if (mDocument[k].kind != Kind::KEY || !(double(mDocument[k].start) > at))
-                    continue;
-                if (k != next) {
+            std::vector<int> keys = mDocument.getChildren(i, Kind::KEY);
+            std::erase_if(keys, [&](int k) { return !(double(mDocument[k].start) > at); });
+            const auto next = std::min_element(keys.begin(), keys.end(), [&](int a, int b) {
+                return mDocument[a].start < mDocument[b].start;
+            });
+            for (const int k : keys) {
+                if (k != *next) {
                     changes.push_back(mDocument.erase(k));
                 } else {
                     changes.push_back(mDocument.setAttribute(k, "time", formatNumber(at)));
@@ -719,7 +678,7 @@ void Editor::split(double time) {
     std::vector<Change> changes;
     for (const int index : getOutermost()) {
         const Element& span = mDocument[index];
-        const double at = time - mDocument.getOrigin(index) - double(span.start);
+        const double at = time - mDocument.getStart(index);
         const double length = double(span.end) - double(span.start);
         if (span.kind != Kind::SPAN || !(at >= SHORTEST) || !(at <= length - SHORTEST))
             continue;
@@ -776,13 +735,10 @@ std::vector<double> getEdges(const Editor& editor) {
             i = element.next;
             continue;
         }
-        const double origin = document.getOrigin(i);
-        if (element.kind == Kind::SPAN) {
-            edges.push_back(origin + double(element.start));
-            edges.push_back(origin + double(element.end));
-        }
-        if (element.kind == Kind::BOOKMARK)
-            edges.push_back(double(element.start));
+        if (element.kind == Kind::SPAN || element.kind == Kind::BOOKMARK)
+            edges.push_back(document.getStart(i));
+        if (element.kind == Kind::SPAN)
+            edges.push_back(document.getEnd(i));
         ++i;
     }
     return edges;

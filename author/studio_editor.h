@@ -85,14 +85,17 @@ public:
     void duplicate();        // each span after itself, all else where it is
 
     // The value of a curve as the player has it.
-    double evaluate(int spline, double time) const;
+    double evaluate(int spline, double time) const {
+        return double(makeSpline(mDocument, spline).evaluate(float(time)));
+    }
 
 private:
-    // Elements that were copied: their text, and the time of the show at which each began.
+    // An element that was copied.
     struct Copied {
         Kind kind;
         std::string text;
-        double time;
+        double time;   // of the show at which it began
+        double length; // of a span
     };
     struct Step {
         std::string label;
@@ -117,7 +120,7 @@ private:
     std::vector<Copied> getCopy() const;
     void insert(const std::string& label, int parent, int after, const std::string& text);
     void insertBefore(const std::string& label, int next, const std::string& text);
-    int findChild(int parent) const; // the first one; -1 without
+    void insertFirst(const std::string& label, int parent, const std::string& text);
     void setNumber(std::vector<Document::Change>& changes, int element, const char* name, float old,
                    double value) const;
     void moveElement(std::vector<Document::Change>& changes, int element, double seconds, double value) const;
@@ -145,10 +148,5 @@ struct Snap {
 // The start and end, in the show's time, of every span and bookmark that is not selected nor inside of what
 // is.
 std::vector<double> getEdges(const Editor& editor);
-
-// A script that holds only these elements, for the clipboard: what a tag says of a name with quotes in it.
-std::string writeTag(std::string_view tag,
-                     std::initializer_list<std::pair<std::string_view, std::string>> attributes,
-                     bool closed = true);
 
 } // namespace zentrak::studio

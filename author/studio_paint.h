@@ -82,6 +82,15 @@ public:
         mRender.setColor(fill, fill);
         mRender.drawCircle(Box2(x - radius, y - radius, x + radius, y + radius), 4, 0);
     }
+    // Triangles of rows of pixels, from the middle of their longest one.
+    void arrowDown(float x, float y, int size, const Vector4f& fill) {
+        for (float half = float(size); half >= 0; --half, ++y)
+            box(Box2(x - half, y, x + half + 1, y + 1), fill);
+    }
+    void arrowRight(float x, float y, int size, const Vector4f& fill) {
+        for (float half = float(size); half >= 0; --half, ++x)
+            box(Box2(x, y - half, x + 1, y + half + 1), fill);
+    }
     float width(const std::string& text) { return mRender.getTextLength(text); }
     // From x to the right, centred on y.
     void text(float x, float y, const std::string& text, const Vector4f& ink) {

@@ -425,10 +425,7 @@ void Panel::draw() {
         }
         const Box2 button = getChoiceButton(i);
         paint.box(button, color::raised);
-        for (int k = 0; k < 4; ++k)
-            paint.box(Box2(button.x1 + 7 + float(k), middle - 2 + float(k), button.x2 - 7 - float(k),
-                           middle - 1 + float(k)),
-                      color::ink);
+        paint.arrowDown(std::floor((button.x1 + button.x2) / 2), middle - 2, 3, color::ink);
     }
     Control::draw();
 }

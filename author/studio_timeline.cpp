@@ -15,15 +15,6 @@ constexpr double MIN_SCALE = 0.5, MAX_SCALE = 4000;
 constexpr float FOLD = 16;   // pixels of a triangle
 constexpr float INDENT = 14; // a level
 
-script::Spline makeSpline(const Document& document, int index) {
-    script::Spline spline;
-    spline.mMode = document[index].mode;
-    for (int k = index + 1; k < document[index].next; k = document[k].next)
-        if (document[k].kind == Kind::KEY)
-            spline.addKey({document[k].start, document[k].number, 0, 0});
-    return spline;
-}
-
 } // namespace
 
 std::string formatTime(double seconds) {
@@ -69,17 +60,16 @@ int Timeline::countLanes(int span) const {
     const Document& document = getDocument();
     std::map<float, int> lanes;
     int most = 0;
-    for (int i = span + 1; i < document[span].next; i = document[i].next)
-        if (document[i].kind == Kind::TRIGGER)
-            most = std::max(most, ++lanes[document[i].start]);
+    for (const int trigger : document.getChildren(span, Kind::TRIGGER))
+        most = std::max(most, ++lanes[document[trigger].start]);
     return most;
 }
 
 int Timeline::getLane(int trigger) const {
     const Document& document = getDocument();
     int lane = 0;
-    for (int i = document[trigger].parent + 1; i < trigger; i = document[i].next)
-        lane += document[i].kind == Kind::TRIGGER && document[i].start == document[trigger].start;
+    for (const int other : document.getChildren(document[trigger].parent, Kind::TRIGGER))
+        lane += other < trigger && document[other].start == document[trigger].start;
     return lane;
 }
 
@@ -152,9 +142,8 @@ void Timeline::reveal(int element) {
     while (document[top].parent > 0)
         top = document[top].parent;
     int section = -1;
-    for (int i = 1; i < top; i = document[i].next)
-        if (document[i].kind == Kind::SECTION)
-            section = i;
+    for (const int i : document.getChildren(0, Kind::SECTION))
+        section = i < top ? i : section;
     if (section > 0 && document[element].kind != Kind::SECTION && !isOpen(section))
         setOpen(section, true);
     update();
@@ -236,11 +225,11 @@ Timeline::Range Timeline::getRange(int spline) const {
         return *mDragRange;
     Range range{0, 1};
     const Document& document = getDocument();
-    for (int k = spline + 1; k < document[spline].next; k = document[k].next) {
-        if (document[k].kind != Kind::KEY || !std::isfinite(document[k].number))
+    for (const int key : document.getChildren(spline, Kind::KEY)) {
+        if (!std::isfinite(document[key].number))
             continue;
-        range.low = std::min(range.low, document[k].number);
-        range.high = std::max(range.high, document[k].number);
+        range.low = std::min(range.low, document[key].number);
+        range.high = std::max(range.high, document[key].number);
     }
     const float margin = (range.high - range.low) * 0.08f;
     return {range.low - margin, range.high + margin};
@@ -331,10 +320,11 @@ Timeline::Place Timeline::find(Vector2f at) const {
     if (at.y < axis.y1) {
         if (at.x < axis.x1)
             return {};
-        for (int i = getDocument().getSize() - 1; i > 0; --i)
-            if (getDocument()[i].kind == Kind::BOOKMARK && contains(getElementBox(i), at))
-                return {Place::BODY, -1, i};
-        return {Place::RULER, -1, -1};
+        Place place{Place::RULER, -1, -1};
+        for (const int i : getDocument().getChildren(0, Kind::BOOKMARK))
+            if (contains(getElementBox(i), at))
+                place = {Place::BODY, -1, i}; // the last one is on top
+        return place;
     }
     const float y = at.y - axis.y1 + mScrollRows;
     const auto next = std::upper_bound(mRows.begin(), mRows.end(), y,
@@ -363,8 +353,8 @@ Timeline::Place Timeline::findInRow(int row, Vector2f at) const {
         return {Place::LANE, row, found.element};
     const Kind kind = found.type == Row::CURVE ? Kind::KEY : Kind::TRIGGER;
     int inner = -1;
-    for (int i = found.element + 1; i < document[found.element].next; i = document[i].next)
-        if (document[i].kind == kind && near(i) && (inner < 0 || mEditor.isSelected(document[i].id)))
+    for (const int i : document.getChildren(found.element, kind))
+        if (near(i) && (inner < 0 || mEditor.isSelected(document[i].id)))
             inner = i;
     if (inner > 0)
         return {Place::BODY, row, inner};
@@ -506,11 +496,10 @@ void Timeline::drawBar(Paint& paint, int element, float top, bool small) {
 void Timeline::drawTriggers(Paint& paint, int span, float top, bool names) {
     const Document& document = getDocument();
     const Box2 axis = getAxis();
-    for (int i = span + 1; i < document[span].next; i = document[i].next) {
+    const std::vector<int> triggers = document.getChildren(span, Kind::TRIGGER);
+    for (const int i : triggers) {
         const Element& trigger = document[i];
-        if (trigger.kind != Kind::TRIGGER)
-            continue;
-        const double start = document.getOrigin(i) + double(trigger.start);
+        const double start = document.getStart(i);
         const float y = names ? top + BAR_HEIGHT * float(getLane(i)) : top;
         const bool selected = mEditor.isSelected(trigger.id);
         const std::string text = trigger.value.empty() ? trigger.name : trigger.name + " = " + trigger.value;
@@ -527,9 +516,9 @@ void Timeline::drawTriggers(Paint& paint, int span, float top, bool names) {
             continue;
         if (names) {
             float room = axis.x2 - x; // up to the next one
-            for (int k = span + 1; k < document[span].next; k = document[k].next)
-                if (document[k].kind == Kind::TRIGGER && document[k].start > trigger.start)
-                    room = std::min(room, toX(document.getOrigin(k) + double(document[k].start)) - x);
+            for (const int other : triggers)
+                if (document[other].start > trigger.start)
+                    room = std::min(room, toX(document.getStart(other)) - x);
             paint.text(x + 8, y, paint.fit(text, room - 16), selected ? color::selected : color::dim);
         }
         paint.diamond(x, y, KEY + 1, color::edge);
@@ -554,11 +543,8 @@ void Timeline::drawCurve(Paint& paint, int index) {
             paint.line(getAxis().x1, y, getAxis().x2, y, Vector4f(1, 1, 1, 0.12f));
         }
     drawCurveLine(paint, index, range, origin);
-    for (int k = row.element + 1; k < spline.next; k = document[k].next) {
-        if (document[k].kind != Kind::KEY)
-            continue;
-        const float x = toX(origin + double(document[k].start)),
-                    y = toY(index, range, double(document[k].number));
+    for (const int k : document.getChildren(row.element, Kind::KEY)) {
+        const float x = toX(document.getStart(k)), y = toY(index, range, double(document[k].number));
         const bool hover = mHover.element == k;
         paint.diamond(x, y, KEY + 1, color::edge);
         paint.diamond(x, y, hover ? KEY + 1 : KEY,
@@ -622,14 +608,10 @@ void Timeline::drawLabel(Paint& paint, int index) {
     if (row.type == Row::SECTION || row.type == Row::SPAN) {
         const bool inside = row.type == Row::SECTION || element.next > row.element + 1;
         const Vector4f& ink = inside ? color::dim : color::faint;
-        const float x = left + 5, y = middle;
-        if (isOpen(row.element)) { // a triangle of lines, downward or to the right
-            for (int i = 0; i < 5; ++i)
-                paint.box(Box2(x - 4 + float(i), y - 2 + float(i), x + 5 - float(i), y - 1 + float(i)), ink);
-        } else {
-            for (int i = 0; i < 5; ++i)
-                paint.box(Box2(x - 2 + float(i), y - 4 + float(i), x - 1 + float(i), y + 5 - float(i)), ink);
-        }
+        if (isOpen(row.element))
+            paint.arrowDown(left + 5, middle - 2, 4, ink);
+        else
+            paint.arrowRight(left + 3, middle, 4, ink);
     }
     const float textLeft = left + FOLD;
     if (row.type == Row::SECTION) {
@@ -721,9 +703,7 @@ void Timeline::drawBookmarks(Paint& paint) {
     const Box2& all = mArea.world;
     const Box2 axis = getAxis();
     paint.clip(Box2(axis.x1, all.y1, axis.x2, axis.y2));
-    for (int i = 1; i < document.getSize(); i = document[i].next) {
-        if (document[i].kind != Kind::BOOKMARK)
-            continue;
+    for (const int i : document.getChildren(0, Kind::BOOKMARK)) {
         const Vector4f& ink = mEditor.isSelected(document[i].id) ? color::selected : color::bookmark;
         const float x = toX(double(document[i].start));
         const Box2 flag = getElementBox(i);
@@ -740,9 +720,7 @@ void Timeline::drawNow(Paint& paint) {
     paint.clip(Box2(axis.x1, all.y1, axis.x2, axis.y2));
     const float x = std::floor(toX(mShow.getTime()));
     paint.box(Box2(x, all.y1, x + 1, axis.y2), color::now);
-    for (int i = 0; i < 5; ++i)
-        paint.box(Box2(x - 5 + float(i), all.y1 + float(i), x + 6 - float(i), all.y1 + 1 + float(i)),
-                  color::now);
+    paint.arrowDown(x, all.y1, 5, color::now);
 }
 
 void Timeline::drawScroll(Paint& paint) {

@@ -158,9 +158,8 @@ private:
     void doubleClick(const panorama::Event& event);
     void startDrag();
     void dragSelection(const panorama::Event& event);
-    void dragBox(bool add);
+    void dragBox();
     void showNumbers();
-    double timeOf(int element) const;
     std::string describeTime(double time) const;
 
     // Drawing

@@ -75,10 +75,7 @@ void Timeline::pressPlace(const Event& event) {
         const bool element = mPressed.element > 0 &&
                              (mPressed.part != Place::LANE || mRows[size_t(mPressed.row)].type == Row::CURVE);
         if (mPressed.part == Place::LABEL || mPressed.part == Place::FOLD)
-            mPressTime = getDocument().getOrigin(mPressed.element) +
-                         (getDocument()[mPressed.element].kind == Kind::SPAN
-                              ? double(getDocument()[mPressed.element].start)
-                              : 0);
+            mPressTime = getDocument().getStart(mPressed.element);
         if (element && !mEditor.isSelected(getDocument()[mPressed.element].id))
             mEditor.select({getDocument()[mPressed.element].id});
         double value = 0;
@@ -184,22 +181,21 @@ void Timeline::startDrag() {
     mTargets.push_back(mShow.getLength());
     mDragEdges.clear();
     const Element& held = document[mPressed.element];
-    const double origin = document.getOrigin(mPressed.element);
     if (mDrag != Drag::RIGHT)
-        mDragEdges.push_back(origin + double(held.start));
+        mDragEdges.push_back(document.getStart(mPressed.element));
     if (held.kind == Kind::SPAN && mDrag != Drag::LEFT)
-        mDragEdges.push_back(origin + double(held.end));
+        mDragEdges.push_back(document.getEnd(mPressed.element));
     mDragRange.reset();
     if (held.kind == Kind::KEY) {
         mDragRange = getRange(held.parent);
         mDragCurve = document[held.parent].id;
         mDragValue = double(held.number);
         mDragValues.clear();
-        for (int k = held.parent + 1; k < document[held.parent].next; k = document[k].next) {
-            if (document[k].kind != Kind::KEY || mEditor.isSelected(document[k].id))
+        for (const int key : document.getChildren(held.parent, Kind::KEY)) {
+            if (mEditor.isSelected(document[key].id))
                 continue;
-            mTargets.push_back(origin + double(document[k].start));
-            mDragValues.push_back(double(document[k].number));
+            mTargets.push_back(document.getStart(key));
+            mDragValues.push_back(double(document[key].number));
         }
     }
     mEditor.beginGesture();
@@ -236,14 +232,13 @@ void Timeline::dragSelection(const Event& event) {
 void Timeline::showNumbers() {
     const Document& document = getDocument();
     const Element& held = document[mPressed.element];
-    const double origin = document.getOrigin(mPressed.element), start = origin + double(held.start);
+    const double start = document.getStart(mPressed.element), end = document.getEnd(mPressed.element);
     mNumbers = formatNumber(start);
     if (held.kind == Kind::SPAN)
-        mNumbers += " - " + formatNumber(origin + double(held.end)) + "   length " +
-                    formatNumber(double(held.end) - double(held.start));
+        mNumbers += " - " + formatNumber(end) + "   length " + formatNumber(end - start);
     if (held.kind == Kind::KEY)
         mNumbers += "   value " + formatNumber(double(held.number));
-    mNumbers += "   " + describeTime(mDrag == Drag::RIGHT ? origin + double(held.end) : start);
+    mNumbers += "   " + describeTime(mDrag == Drag::RIGHT ? end : start);
 }
 
 std::string Timeline::describeTime(double time) const {
@@ -257,7 +252,7 @@ std::string Timeline::describeTime(double time) const {
 }
 
 // Everything that a box touches is selected: bars, keys and triggers.
-void Timeline::dragBox(bool) {
+void Timeline::dragBox() {
     const Document& document = getDocument();
     const Box2 box(std::min(mPress.x, mMouse.x), std::min(mPress.y, mMouse.y), std::max(mPress.x, mMouse.x),
                    std::max(mPress.y, mMouse.y));
@@ -275,9 +270,8 @@ void Timeline::dragBox(bool) {
             touch(row.element);
         const Kind kind = row.type == Row::CURVE ? Kind::KEY : Kind::TRIGGER;
         if (row.type == Row::CURVE || row.type == Row::TRIGGERS)
-            for (int i = row.element + 1; i < document[row.element].next; i = document[i].next)
-                if (document[i].kind == kind)
-                    touch(i);
+            for (const int i : document.getChildren(row.element, kind))
+                touch(i);
     }
     mEditor.select(std::move(ids));
 }
@@ -299,7 +293,7 @@ void Timeline::move(const Event& event) {
         dragSelection(event);
         break;
     case Drag::BOX:
-        dragBox(event.shift());
+        dragBox();
         break;
     case Drag::SEEK:
         if (std::fabs(dx) < THRESHOLD && mNumbers.empty())
