@@ -77,18 +77,76 @@ int main(int argc, char** argv) {
             print(results, "    and its edit", edit);
         };
         Timeline& timeline = window.getTimeline();
+        const Box2 axis = timeline.getAxis();
+        const auto mouse = [&](const char* type, float x, float y) {
+            panorama::Event event;
+            event.type = type;
+            event.mousePos = Vector2f(x, y);
+            event.wheelDelta = 1;
+            timeline.handleEvent(event);
+        };
+        const auto drag = [&](Vector2f from, const char* name, float dx, float dy) {
+            mouse("mousemove", from.x, from.y);
+            mouse("mousedown", from.x, from.y);
+            measure(name, [&](int i) { mouse("mousemove", from.x + dx * float(i % 40 + 4), from.y + dy); });
+            measure("    given up and begun again", [&](int) {
+                timeline.cancelDrag();
+                mouse("mousedown", from.x, from.y);
+                mouse("mousemove", from.x + dx * 4, from.y + dy);
+            });
+            mouse("mouseup", from.x, from.y);
+        };
+        // One state in which an undo, or a redo, is due.
+        const auto undoAndRedo = [&](const char* name) {
+            measure(name, [&](int i) { i % 2 ? editor.redo() : editor.undo(); });
+            while (editor.undo()) {
+            }
+        };
+        const auto middleOf = [&](int element) {
+            timeline.reveal(element);
+            const Box2 box = timeline.getElementBox(element);
+            return Vector2f((box.x1 + std::min(box.x2, axis.x2)) / 2, (box.y1 + box.y2) / 2);
+        };
+        int first = 1;
+        while (editor.getDocument()[first].kind != Kind::SPAN)
+            ++first;
+        timeline.show(0, 170);
         measure("folded, standing still", [](int) {});
+        measure("folded, zoom", [&](int i) { timeline.zoom(i % 20 < 10 ? 1.25 : 0.8, 700); });
         timeline.foldAll(true);
         measure("unfolded, standing still", [](int) {});
-        measure("unfolded, scrolling", [&](int i) { timeline.mScrollRows = float(i) * 300; });
-        editor.select({editor.getDocument()[60].id});
-        editor.beginGesture();
-        measure("unfolded, a span is dragged", [&](int i) { editor.move(0.1 * (i % 40), 0); });
-        editor.endGesture();
+        measure("unfolded, scroll", [&](int i) { timeline.mScrollRows = float(i) * 300; });
+        measure("unfolded, zoom", [&](int i) { timeline.zoom(i % 20 < 10 ? 1.25 : 0.8, 700); });
+        measure("unfolded, pan", [&](int i) { timeline.mScrollTime = double(i % 40); });
+        measure("fold all, unfold all", [&](int i) { timeline.foldAll(i % 2 == 0); });
+        timeline.foldAll(true);
+        timeline.show(0, 170);
+        measure("select all, and nothing", [&](int i) { i % 2 ? editor.select({}) : window.selectAll(); });
+        editor.select({});
+        drag(middleOf(first), "drag a span", 3, 0);
+        drag(middleOf(first + 3), "drag a key", 3, 7);
+        while (editor.undo()) {
+        }
         window.selectAll();
-        editor.beginGesture();
-        measure("unfolded, all spans are dragged", [&](int i) { editor.move(0.1 * (i % 40), 0); });
-        editor.endGesture();
+        timeline.foldAll(false);
+        drag(middleOf(first), "drag all spans", 3, 0);
+        editor.move(1, 0);
+        undoAndRedo("undo that, redo");
+        window.selectAll();
+        editor.copy();
+        measure("paste all", [&](int i) { i % 2 ? void(editor.undo()) : editor.paste(1); });
+        while (editor.undo()) {
+        }
+        window.selectAll();
+        editor.removeSelected();
+        undoAndRedo("undo and redo the removal of all");
+        window.selectAll();
+        editor.split(155);
+        undoAndRedo("undo and redo the split of 60");
+        timeline.foldAll(false);
+        timeline.mScrollRows = 0;
+        window.onDraw();
+        drag(Vector2f(axis.x1 + 2, axis.y1 + 2), "select by a box", 20, axis.getHeight());
         measure("a span is added and taken back", [&](int i) {
             if (i % 2)
                 editor.undo();
