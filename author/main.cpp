@@ -42,7 +42,8 @@ void work(const char* script) {
     show.open(std::max(width, 320), std::max(height, 240), "Zentrak studio");
     Editor editor;
     Window window(show, editor);
-    show.getDisplay().updateBlocking();
+    while (window.step()) {
+    }
 }
 
 } // namespace

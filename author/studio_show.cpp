@@ -40,12 +40,7 @@ script::Effect* makeSpan(const Element& element) {
 
 // A curve without keys is left out: the player refuses it, and the window says so.
 void addSpline(script::Effect& span, const Document& document, int index) {
-    auto spline = std::make_unique<script::Spline>();
-    spline->mName = document[index].name;
-    spline->mMode = document[index].mode;
-    for (int k = index + 1; k < document[index].next; k = document[k].next)
-        if (document[k].kind == Kind::KEY)
-            spline->addKey({document[k].start, document[k].number, 0, 0});
+    auto spline = std::make_unique<script::Spline>(makeSpline(document, index));
     if (!spline->mKeys.empty())
         span.mSplines.push_back(spline.release());
 }
@@ -421,7 +416,7 @@ void Show::advanceReplay() {
 }
 
 void Show::update() {
-    mWave.decode(WAVE_SLICE);
+    mDecoding = mWave.decode(WAVE_SLICE);
     if (isPlaying() && hasSound() && !mKindler.mMusic.mStream->isPlaying()) {
         mKindler.getTime();
         const double last = getLength();
@@ -474,10 +469,21 @@ void Show::draw(const mathbase::Box2& box) {
         playEngine(mTime);
     }
     display.resetStates();
+    if (!isPlaying())
+        comparePicture();
     mTarget->unbind();
     display.mWindowMode.width = window.width;
     display.mWindowMode.height = window.height;
     blit(box);
+}
+
+void Show::comparePicture() {
+    const int width = mTarget->getWidth(), height = mTarget->getHeight();
+    std::vector<unsigned char> pixels(size_t(width) * size_t(height) * 3);
+    GL_CALL(glPixelStorei(GL_PACK_ALIGNMENT, 1));
+    GL_CALL(glReadPixels(0, 0, width, height, GL_RGB, GL_UNSIGNED_BYTE, pixels.data()));
+    mSameFrames = pixels == mPixels ? mSameFrames + 1 : 0;
+    mPixels.swap(pixels);
 }
 
 void Show::blit(const mathbase::Box2& box) {

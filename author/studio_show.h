@@ -23,6 +23,8 @@ namespace zentrak::studio {
 // not the program.
 class Show {
 public:
+    static constexpr int STILL = 120; // frames with the same picture: two seconds, for particles that are due
+
     // Something that does not work, for the author to mend.
     struct Failure {
         std::string where; // an effect or a file
@@ -46,7 +48,6 @@ public:
     // The first folder that has the edited script; the current one if it is nowhere, and empty if it is in a
     // zip file.
     std::string getScriptFolder();
-    std::string getMusicName() const { return mKindler.mMusicFile; }
 
     // Opens the window, the sound and all effects. The show stands still at its start time.
     void open(int width, int height, const std::string& title);
@@ -79,6 +80,9 @@ public:
     void update();
     // Draws the picture into a box of the window, pixels from its upper left corner.
     void draw(const mathbase::Box2& box);
+    // The last frames had the same picture, and with no change from outside the next one will too. Some
+    // effects move on while the show is paused.
+    bool isStill() const { return mSameFrames >= STILL && !isPlaying() && !mReplaying && !mDecoding; }
 
     // Loads again what has read one of these files. What fails keeps what it had, and is a failure until
     // it is mended.
@@ -118,6 +122,9 @@ private:
     display::Texture* mPicture = nullptr; // mTarget's
     display::Batch mBatch;
     Wave mWave;
+    bool mDecoding = true;              // the wave
+    std::vector<unsigned char> mPixels; // of the last picture, while the show is paused
+    int mSameFrames = 0;
     double mTime = 0;
     std::optional<std::pair<double, double>> mLoop;
     bool mReplay = false;
@@ -128,6 +135,7 @@ private:
     void advanceReplay();
     void playEngine(double time);
     void fitTarget(int width, int height);
+    void comparePicture();
     void blit(const mathbase::Box2& box);
     void loadOther(size_t script);
     void fillEngine();

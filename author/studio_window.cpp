@@ -17,6 +17,7 @@ namespace zentrak::studio {
 namespace {
 
 constexpr double POLL = 0.4;  // seconds between two looks at the files
+constexpr double REST = 0.02; // seconds between two looks at the events while nothing moves
 constexpr double MESSAGE = 5; // seconds that a message stays
 constexpr size_t ERROR_LINES = 10;
 constexpr const char* EMPTY_SCRIPT = "<script>\n</script>\n";
@@ -115,7 +116,36 @@ void Window::onResize(int, int) {
 
 // A frame
 
+// The display notes in FPS_EVENT when the window is uncovered; waiting for events is left to this, since it
+// has an eye on the files too.
+bool Window::step() {
+    if (mResting) {
+        display->sleep(REST);
+        glfw2::glfwPollEvents();
+        if (!hasNews() && !display->mDirty && !display->mQuittingBlocking)
+            return true;
+        display->setFps(display::DisplayGL::FPS_VSYNC, 0);
+        mResting = false;
+    }
+    display->setDirty(false);
+    const bool goOn = display->update();
+    if (goOn && mShow.isStill() && !display->mDirty) {
+        display->setFps(display::DisplayGL::FPS_EVENT, 0);
+        display->setDirty(false);
+        mResting = true;
+    }
+    return goOn;
+}
+
+// What changes the interface without an event: a file, a message that has stood long enough, the caret.
+bool Window::hasNews() {
+    return pollFiles() || (!mMessage.empty() && getMessage().empty()) || mPanel->hasKeys();
+}
+
 void Window::onDraw() {
+    ++mFrames;
+    if (getMessage().empty())
+        mMessage.clear();
     const double start = seconds();
     if (mPreview && !mPreview->isShown())
         togglePreview();
@@ -383,13 +413,14 @@ bool Window::write(bool overwrite) {
     return false;
 }
 
-void Window::pollFiles() {
+// Whether any has changed.
+bool Window::pollFiles() {
     if (!mWatching || seconds() - mLastPoll < POLL)
-        return;
+        return false;
     mLastPoll = seconds();
     std::vector<std::string> changed = mWatch.poll();
     if (changed.empty())
-        return;
+        return false;
     bool any = false; // of what the player's editor may be made of
     for (const std::string& name : changed) {
         any = any || name.ends_with(".xml");
@@ -401,6 +432,7 @@ void Window::pollFiles() {
     mShow.reload(changed);
     if (mPreview && any)
         loadPreview();
+    return true;
 }
 
 void Window::checkScript() {
@@ -517,7 +549,7 @@ int Window::onQuit() {
         mQuitting = true;
         quit();
     });
-    return BLOCK;
+    return BLOCK | DIRTY;
 }
 
 // Input
@@ -556,6 +588,7 @@ int Window::onCharDown(const display::CharEvent& source) {
 }
 
 int Window::onKeyDown(const display::KeyEvent& source) {
+    mShow.getDisplay().setDirty(true);
     mKeyWasCommand = false;
     if (mPreview) {
         if (source.key == display::KEY_F9 || source.key == display::KEY_ESC)

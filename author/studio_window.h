@@ -62,6 +62,12 @@ public:
     bool isPreviewing() const { return mPreview != nullptr; }
     void setWatching(bool on) { mWatching = on; }
 
+    // A frame, or, while nothing moves, a short wait for an event or a change on disk. Returns whether to go
+    // on, as DisplayGL::update.
+    bool step();
+    bool isResting() const { return mResting; }      // the next step may draw nothing
+    size_t getFrameCount() const { return mFrames; } // drawn so far
+
     int onKeyDown(const display::KeyEvent& event) override;
     int onKeyUp(const display::KeyEvent& event) override;
     int onCharDown(const display::CharEvent& event) override;
@@ -147,6 +153,8 @@ private:
     std::string mMessage;
     double mMessageTime = -100;
     double mOwnTime = 0;
+    size_t mFrames = 0;
+    bool mResting = false;
     std::string mScriptError;
     std::map<std::string, std::string> mFileErrors;
 
@@ -165,7 +173,8 @@ private:
     void waitForScript();
     void offerRecovery();
     void keepUnsaved();
-    void pollFiles();
+    bool pollFiles();
+    bool hasNews();
     void checkScript();
     void checkFile(const std::string& name);
     void loadPreview();

@@ -612,6 +612,55 @@ TEST_F(StudioTest, TheInterfaceScales) {
     EXPECT_NEAR(at("overlay").start, 12 + 20 / timeline().mScale, 0.3);
 }
 
+TEST_F(StudioTest, WhilePausedAndStillItDrawsOnlyWhatChanges) {
+    window();
+    Viewer author("script.xml - Zentrak studio", [this] { window().step(); });
+    const auto rest = [&] { author.until("rest", [&] { return window().isResting(); }); };
+    const auto drawnInTenSteps = [&] {
+        rest();
+        const size_t before = window().getFrameCount();
+        for (int i = 0; i < 10; ++i)
+            window().step();
+        return window().getFrameCount() - before;
+    };
+    EXPECT_EQ(drawnInTenSteps(), 0u);
+    for (const int x : {600, 640}) {
+        const size_t before = window().getFrameCount();
+        author.moveTo(x, 500);
+        author.until("a move", [&] { return window().getFrameCount() > before; });
+        rest();
+        EXPECT_LE(window().getFrameCount() - before, 3u) << "one event, one frame";
+    }
+    std::string other = script();
+    other.replace(other.find("\"12\""), 4, "\"11\"");
+    writeFile(dir().file("script.xml"), other);
+    author.until("a change on disk", [&] { return at("overlay").start == 11; });
+    EXPECT_EQ(drawnInTenSteps(), 0u) << "with its message";
+    author.until("the message's end", [&] { return window().getMessage().empty(); });
+    author.key("space");
+    author.until("the key", [&] { return show().isPlaying(); });
+    const size_t before = window().getFrameCount();
+    for (int i = 0; i < 10; ++i)
+        window().step();
+    EXPECT_EQ(window().getFrameCount() - before, 10u);
+    author.key("space");
+    author.until("the key", [&] { return !show().isPlaying(); });
+    EXPECT_EQ(drawnInTenSteps(), 0u);
+}
+
+// Particles move by the clock of the window, as they do in the player.
+TEST_F(StudioTest, WhatMovesWhilePausedIsDrawn) {
+    mWidth = 640;
+    mHeight = 480;
+    mScript.replace(mScript.find("name=\"grid\""), 11, "name=\"spark\"");
+    mScript.replace(mScript.find("white"), 5, "black");
+    window();
+    show().seek(9);
+    for (int i = 0; i < studio::Show::STILL + 60; ++i)
+        EXPECT_TRUE(window().step());
+    EXPECT_FALSE(window().isResting());
+}
+
 // Keys and clicks by the hundred, wherever they fall: what is left can be undone to the file.
 TEST_F(StudioTest, WhateverIsPressedUndoLeadsBackToTheFile) {
     window();
