@@ -96,7 +96,8 @@ public:
     virtual int getPosition() = 0;
 };
 
-// Where sound goes. Streams opened on it keep it alive.
+// Where sound goes. Streams opened on it keep it alive. If it is lost, playing streams go on in silence, and
+// look for it every two seconds.
 class AudioDevice : public RefCounted {};
 
 // One sound on a device. It starts out stopped, at the beginning, at full volume.

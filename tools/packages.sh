@@ -45,7 +45,8 @@ build_packages="build-essential cmake ninja-build pkg-config ccache libglfw3-dev
 screen_packages="xvfb imagemagick"
 test_packages="libgtest-dev xvfb xdotool openbox x11-utils x11-xkb-utils x11-xserver-utils imagemagick zip sox
     libsox-fmt-mp3 vorbis-tools flac lame libfreetype-dev fonts-dejavu-core libassimp-dev ffmpeg
-    assimp-testmodels unzip desktop-file-utils appstream tesseract-ocr bubblewrap faketime"
+    assimp-testmodels unzip desktop-file-utils appstream tesseract-ocr bubblewrap faketime
+    pulseaudio pulseaudio-utils"
 bench_packages="libbenchmark-dev libtinyxml2-dev libpugixml-dev"
 clang_packages="clang-14"
 lint_packages="clang-format-14 clang-tidy-14 shellcheck git"

@@ -24,10 +24,15 @@ RefPtr<OpenALDevice> OpenALDevice::open(const char* name) {
         alcCloseDevice(device);
         return nullptr;
     }
-    return new OpenALDevice(device, context);
+    return new OpenALDevice(device, context, name);
 }
 
-OpenALDevice::OpenALDevice(ALCdevice* device, ALCcontext* context) : mDevice(device), mContext(context) {}
+OpenALDevice::OpenALDevice(ALCdevice* device, ALCcontext* context, const char* name)
+    : mDevice(device), mContext(context), mName(name ? name : "") {}
+
+RefPtr<OpenALDevice> OpenALDevice::reopen() const {
+    return open(mName.empty() ? nullptr : mName.c_str());
+}
 
 OpenALDevice::~OpenALDevice() {
     releaseCurrent();

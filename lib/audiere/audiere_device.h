@@ -6,6 +6,7 @@
 #include <AL/al.h>
 #include <AL/alc.h>
 #include <AL/alext.h>
+#include <string>
 
 namespace zentrak::audiere {
 
@@ -19,16 +20,19 @@ public:
     // Call before the thread or the device ends.
     void releaseCurrent();
 
-    // False once the device has been unplugged.
+    // False once the device has been unplugged, or its sound server has ended. It stays so.
     virtual bool isConnected();
+    // The device of the same name as it is now, or null. On any thread; may take as long as the sound server.
+    virtual RefPtr<OpenALDevice> reopen() const;
 
 protected:
-    OpenALDevice(ALCdevice* device, ALCcontext* context); // takes ownership of both
+    OpenALDevice(ALCdevice* device, ALCcontext* context, const char* name); // takes ownership of both
     ~OpenALDevice() override;
 
 private:
     ALCdevice* mDevice;
     ALCcontext* mContext;
+    std::string mName; // empty for the default
 };
 
 } // namespace zentrak::audiere

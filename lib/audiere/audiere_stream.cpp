@@ -12,6 +12,7 @@ constexpr int HIGHEST_RATE = 768000;
 constexpr double LONGEST_DELAY = 0.5;            // seconds; a device that reports more is wrong
 constexpr float LOUDEST = 8;                     // louder samples come from damaged files
 constexpr std::chrono::milliseconds PERIOD(100); // between top-ups; the queue lasts much longer
+constexpr std::chrono::seconds RETRY(2);         // between attempts to open a device that was lost
 
 } // namespace
 
@@ -36,8 +37,12 @@ bool OpenALStream::setup() {
     mBufferFrames = mSampleRate / BUFFERS_PER_SECOND;
     mSamples.resize(size_t(2 * mBufferFrames));
     mSource->setPosition(0);
+    return connect();
+}
 
-    mDevice->makeCurrent();
+// Makes the OpenAL source and its buffers on the current device.
+bool OpenALStream::connect() {
+    device().makeCurrent();
     alGetError();
     alGenSources(1, &mName);
     alGenBuffers(BUFFER_COUNT, mBuffers);
@@ -63,10 +68,16 @@ OpenALStream::~OpenALStream() {
     mChanged.notify_one();
     if (mThread.joinable())
         mThread.join();
-    mDevice->makeCurrent();
+    disconnect();
+}
+
+void OpenALStream::disconnect() {
+    device().makeCurrent();
     if (mName)
         alDeleteSources(1, &mName);
     alDeleteBuffers(BUFFER_COUNT, mBuffers); // 0 is a valid name here
+    mName = 0;
+    std::fill(std::begin(mBuffers), std::end(mBuffers), 0);
 }
 
 // The thread: keeps the queue full while the stream plays.
@@ -75,12 +86,43 @@ void OpenALStream::serve() {
     while (!mQuit) {
         if (mPlaying) {
             update();
+            if (!device().isConnected())
+                reconnect(lock);
             mChanged.wait_for(lock, PERIOD);
         } else {
             mChanged.wait(lock);
         }
     }
-    mDevice->releaseCurrent();
+    device().releaseCurrent();
+}
+
+// Continues on the device once it can be opened again. A sound server may take its time to answer, so the
+// stream isn't locked meanwhile and goes on in silence.
+void OpenALStream::reconnect(std::unique_lock<std::mutex>& lock) {
+    if (Clock::now() < mReconnected + RETRY)
+        return;
+    lock.unlock();
+    const RefPtr<OpenALDevice> found = mDevice->reopen();
+    lock.lock();
+    mReconnected = Clock::now();
+    if (!found)
+        return;
+    update(); // the time that this took
+    disconnect();
+    device().releaseCurrent();
+    mReplacement = found;
+    if (!connect()) {
+        disconnect();
+        device().releaseCurrent();
+        mReplacement = nullptr;
+        return;
+    }
+    alSourcef(mName, AL_GAIN, mVolume);
+    flush(mPosition);
+    if (mPlaying) {
+        fill();
+        alSourcePlay(mName);
+    }
 }
 
 void OpenALStream::play() {
@@ -91,7 +133,7 @@ void OpenALStream::play() {
         moveTo(0);
     mPlaying = true;
     mUpdated = Clock::now();
-    mDevice->makeCurrent();
+    device().makeCurrent();
     fill();
     alSourcePlay(mName);
     if (!mThread.joinable())
@@ -129,7 +171,7 @@ int OpenALStream::getPosition() {
 void OpenALStream::setVolume(float volume) {
     const std::lock_guard lock(mMutex);
     mVolume = volume > 0 ? std::min(volume, 1.0f) : 0.0f; // NaN is silence
-    mDevice->makeCurrent();
+    device().makeCurrent();
     alSourcef(mName, AL_GAIN, mVolume);
 }
 
@@ -144,7 +186,7 @@ void OpenALStream::setPosition(int position) {
 }
 
 void OpenALStream::moveTo(int position) {
-    mDevice->makeCurrent();
+    device().makeCurrent();
     flush(std::clamp(position, 0, mLength));
     mRanOut = false;
     if (mPlaying) {
@@ -158,8 +200,8 @@ void OpenALStream::moveTo(int position) {
 void OpenALStream::update() {
     if (!mPlaying)
         return;
-    mDevice->makeCurrent();
-    if (!mDevice->isConnected()) {
+    device().makeCurrent();
+    if (!device().isConnected()) {
         updateSilently();
         return;
     }

@@ -37,8 +37,12 @@ private:
     OpenALStream(const RefPtr<OpenALDevice>& device, const RefPtr<SampleSource>& source);
     ~OpenALStream() override;
 
+    OpenALDevice& device() const { return mReplacement ? *mReplacement : *mDevice; }
     bool setup();
+    bool connect();
+    void disconnect();
     void serve();
+    void reconnect(std::unique_lock<std::mutex>& lock);
     void moveTo(int position);
     void update();
     void updateSilently();
@@ -64,6 +68,8 @@ private:
     std::condition_variable mChanged; // mPlaying was set, or mQuit
     std::thread mThread;              // starts with the first play
     bool mQuit = false;
+    RefPtr<OpenALDevice> mReplacement; // of a device that was lost; this stream's alone
+    Clock::time_point mReconnected;    // time of the last attempt
     int mBufferFrames = 0;
     std::vector<float> mSamples; // of one buffer, in stereo
     ALuint mName = 0;            // of the OpenAL source

@@ -4,8 +4,13 @@
 
 #include <algorithm>
 #include <csignal>
+#include <cstdlib>
 #include <filesystem>
+#include <functional>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <utility>
 
 using namespace zentrak::test;
 
@@ -38,6 +43,74 @@ std::string withMounts(const std::string& mounts) {
     if (runCommand("unshare -rm true").first != 0)
         return "";
     return "unshare -rm sh -c '" + mounts + " && exec \"$@\"' sh";
+}
+
+// A PulseAudio of the test's own, whose one device plays to nobody.
+class SoundServer {
+public:
+    static bool isInstalled() { return runCommand("which pulseaudio pactl").first == 0; }
+
+    ~SoundServer() { end(); }
+
+    void start() {
+        mPid = fork();
+        if (mPid == 0) {
+            setenv("HOME", mDir.path().c_str(), 1);
+            setenv("XDG_RUNTIME_DIR", mDir.path().c_str(), 1);
+            const std::string command =
+                "exec pulseaudio -n --daemonize=no --use-pid-file=no --exit-idle-time=-1 -L "
+                "module-null-sink -L 'module-native-protocol-unix auth-anonymous=1 socket=" +
+                socket() + "' >/dev/null 2>&1";
+            execl("/bin/sh", "sh", "-c", command.c_str(), static_cast<char*>(nullptr));
+            _exit(127);
+        }
+        EXPECT_TRUE(waitFor([this] { return control("info").first == 0; }));
+    }
+    void end() {
+        if (mPid > 0 && kill(mPid, SIGKILL) == 0)
+            waitpid(mPid, nullptr, 0);
+        mPid = -1;
+        std::filesystem::remove(socket());
+    }
+
+    std::string environment() const { return "PULSE_SERVER=unix:" + socket(); }
+    std::pair<int, std::string> control(const std::string& command) const {
+        return runCommand("env " + environment() + " pactl " + command + " 2>/dev/null");
+    }
+    bool isPlaying() const {
+        const auto [status, streams] = control("list short sink-inputs");
+        return status == 0 && !streams.empty();
+    }
+
+private:
+    std::string socket() const { return mDir.file("socket"); }
+
+    TempDir mDir;
+    pid_t mPid = -1;
+};
+
+// Loses the sound and gets it back, while the show plays.
+void playThrough(SoundServer& server, const std::function<void()>& lose,
+                 const std::function<void()>& giveBack) {
+    server.start();
+    Program program;
+    prepare(program, "<music filename=\"tune.wav\"/>");
+    program.write("tune.wav", makeWav(600 * 8000));
+    program.start("ALSOFT_DRIVERS=pulse " + server.environment());
+    ASSERT_TRUE(program.focus()) << program.output();
+    const auto plays = [&] { return server.isPlaying(); };
+    EXPECT_TRUE(waitFor(plays));
+    for (int times = 0; times < 2; ++times) {
+        lose();
+        EXPECT_TRUE(waitFor([&] { return !server.isPlaying(); }));
+        EXPECT_TRUE(program.reaches(program.askTime() + 0.5)) << "the show stood still in silence";
+        giveBack();
+        EXPECT_TRUE(waitFor(plays)) << "the sound is not back";
+    }
+    lose();
+    program.key("Escape");
+    EXPECT_EQ(program.wait(), 0) << program.output();
+    EXPECT_FALSE(contains(program.output(), "error:")) << program.output();
 }
 
 } // namespace
@@ -129,6 +202,23 @@ TEST(TheWorld, ATinyWindowPlays) {
         EXPECT_TRUE(contains(program.output(), DRAWN)) << size << program.output();
         EXPECT_FALSE(contains(program.output(), "error:")) << size << program.output();
     }
+}
+
+TEST(TheWorld, ASoundServerThatRestartsIsPlayedToAgain) {
+    if (!SoundServer::isInstalled())
+        GTEST_SKIP() << "PulseAudio is missing";
+    SoundServer server;
+    playThrough(
+        server, [&] { server.end(); }, [&] { server.start(); });
+}
+
+TEST(TheWorld, ASoundDeviceThatIsTakenAwayAndBackIsPlayedToAgain) {
+    if (!SoundServer::isInstalled())
+        GTEST_SKIP() << "PulseAudio is missing";
+    SoundServer server;
+    playThrough(
+        server, [&] { server.control("unload-module module-null-sink"); },
+        [&] { server.control("load-module module-null-sink"); });
 }
 
 // The computer's clock, which a user or the network sets; needs libfaketime.

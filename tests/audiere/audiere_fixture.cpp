@@ -93,12 +93,16 @@ const std::map<std::string, std::string>& sounds() {
 // A device that can be unplugged.
 class LoopbackDevice : public OpenALDevice {
 public:
-    LoopbackDevice(ALCdevice* device, ALCcontext* context, const std::atomic<bool>& connected)
-        : OpenALDevice(device, context), mConnected(connected) {}
-    bool isConnected() override { return mConnected; }
+    LoopbackDevice(ALCdevice* device, ALCcontext* context, const Loopback& owner)
+        : OpenALDevice(device, context, nullptr), mOwner(owner) {}
+    bool isConnected() override { return mOwner.mConnected; }
+    RefPtr<OpenALDevice> reopen() const override {
+        const Loopback* const next = mOwner.mNext;
+        return next ? static_cast<OpenALDevice*>(next->device().get()) : nullptr;
+    }
 
 private:
-    const std::atomic<bool>& mConnected;
+    const Loopback& mOwner;
 };
 
 } // namespace
@@ -184,7 +188,7 @@ Loopback::Loopback(int rate) {
                            ALC_FREQUENCY,
                            rate,
                            0};
-    mDevice = new LoopbackDevice(mOpenAL, alcCreateContext(mOpenAL, attributes), mConnected);
+    mDevice = new LoopbackDevice(mOpenAL, alcCreateContext(mOpenAL, attributes), *this);
 }
 
 std::vector<float> Loopback::render(int frames) {

@@ -61,7 +61,7 @@ class Loopback {
 public:
     explicit Loopback(int rate = RATE);
 
-    audiere::RefPtr<audiere::AudioDevice> device() { return mDevice; }
+    const audiere::RefPtr<audiere::AudioDevice>& device() const { return mDevice; }
 
     // The next `frames` as heard, left and right interleaved.
     std::vector<float> render(int frames);
@@ -69,7 +69,8 @@ public:
     // The same in video frames, 60 per second, with the calls that the driver makes in each.
     std::vector<float> play(audiere::OutputStream& stream, int frames);
 
-    std::atomic<bool> mConnected = true; // false: the device was unplugged
+    std::atomic<bool> mConnected = true;          // false: the device was unplugged
+    std::atomic<const Loopback*> mNext = nullptr; // what is opened instead of it
 
 private:
     ALCdevice* mOpenAL;

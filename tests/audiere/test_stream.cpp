@@ -387,6 +387,34 @@ TEST_F(Stream, AnUnpluggedDevicePlaysOnInSilenceToTheEnd) {
     EXPECT_EQ(stream->getPosition(), RATE / 2);
 }
 
+TEST_F(Stream, ADeviceThatIsBackIsPlayedOnFromWhereTheMusicHasCome) {
+    Loopback next;
+    RefPtr<OutputStream> stream = open(8 * RATE);
+    stream->setVolume(0.5f);
+    stream->play();
+    mLoopback.play(*stream, 10000);
+    mLoopback.mNext = &next;
+    mLoopback.mConnected = false;
+    std::vector<float> heard;
+    ASSERT_TRUE(waitFor([&] {
+        heard = next.render(1000);
+        return heard.back() != 0;
+    }));
+    const int frame = int(std::lround(heard.end()[-2] / CountingSource::sample(1) / 0.5f));
+    EXPECT_GE(frame, 10000);
+    heard = next.play(*stream, 20000);
+    for (int i = 1000; i < 20000; ++i)
+        ASSERT_EQ(heard[size_t(2 * i)], 0.5f * CountingSource::sample(frame + 1 + i)) << i;
+    EXPECT_GE(stream->getPosition(), frame + 20000);
+    next.play(*stream, 8 * RATE);
+    EXPECT_FALSE(stream->isPlaying());
+    EXPECT_EQ(stream->getPosition(), 8 * RATE);
+    stream->play(); // from the beginning
+    heard = next.render(1000);
+    EXPECT_LT(heard[200], CountingSource::sample(1000));
+    EXPECT_TRUE(stream->isPlaying());
+}
+
 TEST_F(Stream, TwoStreamsOnTwoDevicesDoNotMeet) {
     Loopback other;
     RefPtr<OutputStream> first = open(2 * RATE);
