@@ -1,8 +1,6 @@
 #include "studio_panel.h"
 
-#include "dis_key.h"
 #include "effect_names.h"
-#include "pan_alive.h"
 
 namespace zentrak::studio {
 
@@ -24,76 +22,10 @@ const kindler::EffectNames* namesOf(const std::string& effect) {
 
 } // namespace
 
-// Field
-
-panorama::Control* Field::clone() {
-    return new Field;
-}
-
-void Field::show(const std::string& text) {
-    mShownText = text;
-    if (!mEditing)
-        setText(text);
-}
-
-void Field::edit() {
-    takeKeys();
-    mEditing = true;
-    select(0, getText().size());
-}
-
-void Field::finish() {
-    if (!mEditing)
-        return;
-    mEditing = false;
-    const std::string text = getText();
-    leaveKeys();
-    if (text != mShownText && mOnDone)
-        mOnDone(text);
-    else
-        setText(mShownText);
-}
-
-int Field::handleEvent(Event& event) {
-    if (event.type == "keydown" && mEditing && hasKeys()) {
-        if (event.key == display::KEY_ESC) {
-            setText(mShownText);
-            finish();
-            return 1;
-        }
-        if (event.key == display::KEY_ENTER || event.key == display::KEY_KP_ENTER) {
-            finish();
-            return 1;
-        }
-        if (event.key == display::KEY_TAB) {
-            finish();
-            if (mOnTab)
-                mOnTab(event.shift() ? -1 : 1);
-            return 1;
-        }
-        if (mOnArrow && (event.key == display::KEY_UP || event.key == display::KEY_DOWN)) {
-            finish();
-            mOnArrow(event.key == display::KEY_UP ? 1 : -1);
-            edit();
-            return 1;
-        }
-    }
-    panorama::Alive alive(*this);
-    const int result = TextInput::handleEvent(event);
-    if (!alive)
-        return result;
-    if (hasKeys() && !mEditing)
-        mEditing = true;
-    return result;
-}
-
-// Panel
-
 Panel::Panel(Editor& editor, Overlay& overlay) : mEditor(editor), mOverlay(overlay) {
     mName = mType = "panel of numbers";
-    mRaiseOnFocus = false;
     for (size_t i = 0; i < FIELDS; ++i) {
-        auto* const field = new Field;
+        auto* const field = new panorama::EntryField;
         field->mRaiseOnFocus = false;
         field->setVisible(false);
         field->mOnDone = [this, i](const std::string& text) { apply(i, text); };
@@ -113,18 +45,18 @@ panorama::Control* Panel::clone() {
 }
 
 bool Panel::hasKeys() const {
-    for (Field* field : mFields)
+    for (panorama::EntryField* field : mFields)
         if (field->hasKeys())
             return true;
     return false;
 }
 
 void Panel::leaveKeys() {
-    for (Field* field : mFields)
+    for (panorama::EntryField* field : mFields)
         field->finish();
 }
 
-Field* Panel::findField(const std::string& label) {
+panorama::EntryField* Panel::findField(const std::string& label) {
     for (size_t i = 0; i < mEntries.size(); ++i)
         if (mEntries[i].label == label)
             return mFields[i];
@@ -133,7 +65,7 @@ Field* Panel::findField(const std::string& label) {
 
 void Panel::editField(const std::string& label) {
     update();
-    if (Field* const field = findField(label))
+    if (panorama::EntryField* const field = findField(label))
         field->edit();
 }
 
@@ -144,16 +76,16 @@ void Panel::update() {
     mFieldsOf = mEditor.getSelection();
     fill();
     for (size_t i = 0; i < FIELDS; ++i) {
-        Field& field = *mFields[i];
+        panorama::EntryField& field = *mFields[i];
         const bool used = i < mEntries.size();
         if (field.getVisible() != used)
             field.setVisible(used);
         if (!used)
             continue;
         field.show(mEntries[i].value);
-        field.mOnArrow = nullptr;
+        field.mOnStep = nullptr;
         if (mEntries[i].type != Entry::TEXT)
-            field.mOnArrow = [this, i](int step) { nudge(i, step); };
+            field.mOnStep = [this, i](int step) { nudge(i, step); };
     }
 }
 
@@ -308,48 +240,59 @@ void Panel::fill() {
 }
 
 void Panel::apply(size_t field, const std::string& text) {
-    if (field < mEntries.size()) {
-        const Entry entry = mEntries[field];
-        if (entry.type == Entry::TEXT)
-            applyTo(entry, text);
-        else if (const auto typed = parseTime(text, mEditor.getDocument().getTempo());
-                 typed && (!typed->inBars || entry.type != Entry::NUMBER))
-            applyTo(entry, formatNumber(typed->seconds - (typed->inBars && entry.type == Entry::TIME
-                                                              ? getShift(getElements()[0])
-                                                              : 0)));
+    if (field >= mEntries.size())
+        return;
+    const Entry entry = mEntries[field];
+    std::optional<std::string> value = text;
+    if (entry.type != Entry::TEXT) {
+        const auto typed = parseTime(text, mEditor.getDocument().getTempo());
+        value.reset();
+        if (typed && (!typed->inBars || entry.type != Entry::NUMBER))
+            value =
+                formatNumber(typed->seconds -
+                             (typed->inBars && entry.type == Entry::TIME ? getShift(getElements()[0]) : 0));
     }
+    if ((!value || !applyTo(entry, *value)) && mOnRefused)
+        mOnRefused(entry.label + " can't be '" + text + "'");
     mVersion = 0; // shows what is there now, whether it was taken or not
     update();
 }
 
-void Panel::applyTo(const Entry& entry, const std::string& text) {
+bool Panel::applyTempo(const Entry& entry, double number) {
+    Tempo tempo = mEditor.getDocument().getTempo();
+    if (entry.attribute == "bpm" && number >= 1 && number <= 1000)
+        tempo.bpm = float(number);
+    else if (entry.attribute == "beats" && number >= 1 && number <= 64)
+        tempo.beats = int(number);
+    else if (entry.attribute == "tempo start")
+        tempo.start = float(number);
+    else
+        return false;
+    mEditor.setTempo(tempo);
+    return true;
+}
+
+// Whether it is a value that the entry can have.
+bool Panel::applyTo(const Entry& entry, const std::string& text) {
     const double number = parseNumber(text).value_or(0);
-    const std::string value = entry.type == Entry::TEXT ? text : formatNumber(number);
-    const Document& document = mEditor.getDocument();
-    if (entry.attribute == "bpm" || entry.attribute == "beats" || entry.attribute == "tempo start") {
-        Tempo tempo = document.getTempo();
-        if (entry.attribute == "bpm" && number >= 1 && number <= 1000)
-            tempo.bpm = float(number);
-        if (entry.attribute == "beats" && number >= 1 && number <= 64)
-            tempo.beats = int(number);
-        if (entry.attribute == "tempo start")
-            tempo.start = float(number);
-        mEditor.setTempo(tempo);
-        return;
-    }
+    if (entry.attribute == "bpm" || entry.attribute == "beats" || entry.attribute == "tempo start")
+        return applyTempo(entry, number);
     const std::vector<int> elements = getElements();
     if (elements.empty())
-        return;
+        return false;
+    if ((entry.attribute == "state" || entry.attribute == "type") &&
+        std::find(entry.choices.begin(), entry.choices.end(), text) == entry.choices.end())
+        return false;
+    const std::string value = entry.type == Entry::TEXT ? text : formatNumber(number);
     if (entry.attribute == "section")
         mEditor.rename(elements[0], text);
     else if (entry.label == "Length")
         mEditor.setLengths(elements, number);
     else if (entry.attribute == "repeat")
         mEditor.set(elements, "repeat", std::to_string(int(std::clamp(number, 0.0, 1e6))));
-    else if (entry.attribute == "delay" && document[elements[0]].repeat == 1)
-        mEditor.set(elements, "delay", value); // counts once it is repeated
     else
         mEditor.set(elements, entry.attribute, value);
+    return true;
 }
 
 // Up and Down in a field: times by a hundredth, values too.
@@ -387,7 +330,7 @@ void Panel::buildChildArea() {
 
 int Panel::handleEvent(Event& event) {
     if (event.type == "mousedown") {
-        for (Field* field : mFields)
+        for (panorama::EntryField* field : mFields)
             if (!contains(field->getAreaWorld(), event.mousePos))
                 field->finish();
         for (size_t i = 0; i < mEntries.size(); ++i) {

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "pan_control.h"
-#include "pan_textinput.h"
+#include "pan_entryfield.h"
 #include "studio_editor.h"
 #include "studio_overlay.h"
 #include "studio_paint.h"
@@ -13,26 +13,6 @@
 
 namespace zentrak::studio {
 
-// A field that gives its text away when it is done: by Return, Tab or a click elsewhere. Esc takes back what
-// was typed.
-class Field : public panorama::TextInput {
-public:
-    std::function<void(const std::string& text)> mOnDone;
-    std::function<void(int step)> mOnTab;   // 1 to the next field, -1 to the one before
-    std::function<void(int step)> mOnArrow; // Up 1, Down -1; without it the keys are the text's
-
-    // What it shows while nobody types.
-    void show(const std::string& text);
-    void edit(); // takes the keys, with all of it selected
-    void finish();
-    int handleEvent(panorama::Event& event) override;
-    panorama::Control* clone() override;
-
-private:
-    std::string mShownText;
-    bool mEditing = false;
-};
-
 class Panel : public panorama::Control {
 public:
     static constexpr float WIDTH = 330;
@@ -41,12 +21,14 @@ public:
     Panel(Editor& editor, Overlay& overlay);
     panorama::Control* clone() override; // null: there is one
 
+    std::function<void(const std::string& text)> mOnRefused; // why what was typed was not taken
+
     void update(); // shows what is selected now; before each frame
     bool hasKeys() const;
     void leaveKeys(); // what is typed counts
     void editField(const std::string& label);
     // The field with this label, or null. For tests too.
-    Field* findField(const std::string& label);
+    panorama::EntryField* findField(const std::string& label);
 
     void buildChildArea() override;
     int handleEvent(panorama::Event& event) override;
@@ -65,7 +47,7 @@ private:
 
     Editor& mEditor;
     Overlay& mOverlay;
-    std::vector<Field*> mFields; // the children
+    std::vector<panorama::EntryField*> mFields; // the children
     std::vector<Entry> mEntries;
     std::vector<uint32_t> mFieldsOf; // the selection that they are of
     std::string mTitle, mSubtitle;
@@ -87,7 +69,8 @@ private:
     void addText(const std::vector<int>& elements, const std::string& label, const std::string& attribute,
                  std::vector<std::string> choices);
     void apply(size_t field, const std::string& text);
-    void applyTo(const Entry& entry, const std::string& text);
+    bool applyTo(const Entry& entry, const std::string& text);
+    bool applyTempo(const Entry& entry, double number);
     void nudge(size_t field, int step);
     Box2 getRow(size_t entry) const;
     Box2 getChoiceButton(size_t entry) const;

@@ -462,7 +462,9 @@ void Show::draw(const mathbase::Box2& box) {
     if (mReplaying) {
         advanceReplay();
     } else {
-        if (mTime > double(mKindler.mScript.mScriptLength)) {
+        const std::vector<script::Effect*>& spans = mKindler.mScript.mEffects;
+        if (std::none_of(spans.begin(), spans.end(),
+                         [this](const script::Effect* span) { return span->isActive(float(mTime)); })) {
             GL_CALL(glClearColor(0, 0, 0, 1));
             GL_CALL(glClear(GL_COLOR_BUFFER_BIT));
         }

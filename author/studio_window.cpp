@@ -48,6 +48,7 @@ Window::Window(Show& show, Editor& editor)
         mEditor.select({mEditor.getDocument()[element].id});
         rename();
     };
+    mPanel->mOnRefused = [this](const std::string& text) { say(text); };
     const display::WindowMode& mode = show.getDisplay().mWindowMode;
     setScale(mode.height >= 1300 ? 2.0f : 1.0f);
     layout();

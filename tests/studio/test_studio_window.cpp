@@ -85,21 +85,44 @@ TEST_F(StudioTest, NumbersAreTyped) {
     click("overlay");
     until("the panel", [&] { return window().getPanel().findField("Start") != nullptr; });
     const Box2 field = window().getPanel().findField("Start")->getAreaWorld();
-    click(Vector2f(field.x1 + 20, field.y1 + 10));
-    key("ctrl+a");
+    click(Vector2f(field.x1 + 20, field.y1 + 10)); // which selects all of it
     viewer().type("12,125");
     key("Tab");
     until("the start", [&] { return at("overlay").start == 12.125f; });
     viewer().type("13.5");
     key("Return");
     until("the end", [&] { return at("overlay").end == 13.5f; });
-    click(Vector2f(field.x1 + 20, field.y1 + 10));
-    key("ctrl+a");
+    window().getPanel().editField("Start");
     viewer().type("-");
     key("Return");
-    frame();
-    EXPECT_EQ(at("overlay").start, 12.125f) << "what is not a number is not taken";
+    until("the refusal", [&] { return window().getMessage() == "Start can't be '-'"; });
+    EXPECT_EQ(at("overlay").start, 12.125f);
     EXPECT_EQ(window().getPanel().findField("Start")->getText(), "12.125");
+}
+
+TEST_F(StudioTest, AValueThatCantBeIsRefusedAndSaid) {
+    window();
+    const auto refused = [&](const char* field, const char* text) {
+        window().getPanel().editField(field);
+        viewer().type(text);
+        key("Return");
+        until(text,
+              [&] { return window().getMessage() == field + (" can't be '" + std::string(text) + "'"); });
+    };
+    refused("Beats", "126");
+    refused("Tempo", "4b");
+    click("overlay");
+    refused("State", "4");
+    EXPECT_EQ(editor().getDocument().getText(), mScript);
+}
+
+TEST_F(StudioTest, WhereNoSpanIsThePictureIsBlack) {
+    window();
+    show().seek(3);
+    EXPECT_GT(int(pictureAt(picture(), 0, 0)[0]), 200);
+    editor().select({at("clear").id});
+    editor().removeSelected();
+    EXPECT_LT(int(pictureAt(picture(), 0, 0)[0]), 5);
 }
 
 TEST_F(StudioTest, TimesCanBeTypedInBars) {
