@@ -66,19 +66,37 @@ private:
     Filter mLeft1, mLeft2, mRight1, mRight2;
 };
 
+// Adds a note to a track: sample(i, t, left, right) gives its frame i, t seconds after its start, before the
+// envelope and the level. `left` and `right` are 0 at first.
+template <class Sample>
+void play(Track& track, int frame, int length, const Envelope& loud, float level, Sample sample) {
+    const float held = seconds(length);
+    for (int i = 0; i < length + frames(loud.release); ++i) {
+        float left = 0, right = 0;
+        sample(i, seconds(i), left, right);
+        const float gain = level * loud.at(seconds(i), held);
+        track.add(frame + i, gain * left, gain * right);
+    }
+}
+
+// Both channels of a sound that is nearly in the centre.
+void narrow(float& left, float& right) {
+    const float first = left, second = right;
+    left = 0.8f * first + 0.2f * second;
+    right = 0.2f * first + 0.8f * second;
+}
+
 } // namespace
 
 // A saw and its octave through a filter that snaps shut, over a sine for the fundamental.
 void bass(Track& track, int frame, int length, int pitch, float level, float brightness, int from) {
     const Envelope loud = {0.004f, 0.25f, 0.75f, 0.05f};
     float frequency = pitchToFrequency(float(pitch));
-    float held = seconds(length);
     Saw first(0.1f), second(0.6f);
     Sine ground;
     Filter filter1, filter2;
     float now = frequency;
-    for (int i = 0; i < length + frames(loud.release); ++i) {
-        float t = seconds(i);
+    play(track, frame, length, loud, level, [&](int i, float t, float& left, float& right) {
         if (i % CONTROL == 0) {
             float cutoff = 140 + 350 * brightness + 2600 * brightness * fade(t, 0.09f);
             filter1.set(cutoff, 0.45f);
@@ -86,10 +104,8 @@ void bass(Track& track, int frame, int length, int pitch, float level, float bri
             now = from ? frequency * std::exp2(float(from - pitch) / 12 * fade(t, 0.02f)) : frequency;
         }
         float buzz = 0.6f * first.next(now * 2.004f) + 0.7f * second.next(now);
-        float sample = std::tanh(1.3f * (filter2.low(filter1.low(buzz)) + 0.75f * ground.next(now)));
-        sample *= level * loud.at(t, held);
-        track.add(frame + i, sample, sample);
-    }
+        left = right = std::tanh(1.3f * (filter2.low(filter1.low(buzz)) + 0.75f * ground.next(now)));
+    });
 }
 
 void pad(Track& track, int frame, int length, int pitch, float level, float brightness) {
@@ -97,35 +113,25 @@ void pad(Track& track, int frame, int length, int pitch, float level, float brig
     Swarm<5> swarm(float(pitch), 0.14f, 0.95f, seedOf(frame, pitch));
     StereoLowPass filter;
     Sine slow;
-    float held = seconds(length);
-    for (int i = 0; i < length + frames(loud.release); ++i) {
-        float t = seconds(i);
+    play(track, frame, length, loud, level, [&](int i, float, float& left, float& right) {
         float wave = slow.next(0.23f);
         if (i % CONTROL == 0)
             filter.set((350 + 4200 * brightness * brightness) * (1 + 0.25f * wave), 0.25f);
-        float left, right;
         swarm.next(left, right);
         filter.run(left, right);
-        float gain = level * loud.at(t, held);
-        track.add(frame + i, gain * left, gain * right);
-    }
+    });
 }
 
 void saws(Track& track, int frame, int length, int pitch, float level, float brightness) {
     const Envelope loud = {0.006f, 0.5f, 0.7f, 0.09f};
     Swarm<7> swarm(float(pitch), 0.21f, 1, seedOf(frame, pitch) + 7);
     StereoLowPass filter;
-    float held = seconds(length);
-    for (int i = 0; i < length + frames(loud.release); ++i) {
-        float t = seconds(i);
+    play(track, frame, length, loud, level, [&](int i, float t, float& left, float& right) {
         if (i % CONTROL == 0)
             filter.set(500 + 5500 * brightness + 3500 * brightness * fade(t, 0.15f), 0.15f);
-        float left, right;
         swarm.next(left, right);
         filter.run(left, right);
-        float gain = level * loud.at(t, held);
-        track.add(frame + i, gain * left, gain * right);
-    }
+    });
 }
 
 void pluck(Track& track, int frame, int length, int pitch, float level, float brightness, float place) {
@@ -149,17 +155,15 @@ void pluck(Track& track, int frame, int length, int pitch, float level, float br
 // Frequency modulation: a struck tine over a soft fundamental.
 void bell(Track& track, int frame, int length, int pitch, float level) {
     const Envelope loud = {0.003f, 0.9f, 0.15f, 0.8f};
-    float frequency = pitchToFrequency(float(pitch)), held = seconds(length);
+    float frequency = pitchToFrequency(float(pitch));
     Sine carrier, partner, modulator, tine;
-    for (int i = 0; i < length + frames(loud.release); ++i) {
-        float t = seconds(i);
+    play(track, frame, length, loud, level, [&](int, float t, float& left, float& right) {
         float bend = 0.22f * modulator.next(2 * frequency) * fade(t, 0.35f) +
                      0.06f * tine.next(7.01f * frequency) * fade(t, 0.06f);
-        float left = carrier.next(frequency * 1.0008f, bend);
-        float right = partner.next(frequency * 0.9992f, bend);
-        float gain = level * loud.at(t, held);
-        track.add(frame + i, gain * (0.8f * left + 0.2f * right), gain * (0.2f * left + 0.8f * right));
-    }
+        left = carrier.next(frequency * 1.0008f, bend);
+        right = partner.next(frequency * 0.9992f, bend);
+        narrow(left, right);
+    });
 }
 
 void lead(Track& track, int frame, int length, int from, int pitch, float level, float brightness) {
@@ -168,24 +172,20 @@ void lead(Track& track, int frame, int length, int from, int pitch, float level,
     Saw octave(0.3f);
     Sine vibrato;
     StereoLowPass filter;
-    float frequency = pitchToFrequency(float(pitch)), held = seconds(length);
+    float frequency = pitchToFrequency(float(pitch));
     float bend = 1;
-    for (int i = 0; i < length + frames(loud.release); ++i) {
-        float t = seconds(i);
+    play(track, frame, length, loud, level, [&](int i, float t, float& left, float& right) {
         float wave = vibrato.next(5.6f) * 0.18f * std::clamp((t - 0.22f) / 0.3f, 0.0f, 1.0f);
         if (i % CONTROL == 0) {
             bend = std::exp2((float(from - pitch) * fade(t, 0.018f) + wave) / 12);
             filter.set(1300 + 2000 * brightness + (2000 + 3600 * brightness) * fade(t, 0.2f), 0.3f);
         }
-        float left, right;
         swarm.next(left, right, bend);
         float below = 0.35f * octave.next(0.5f * frequency * bend);
         left += below;
         right += below;
         filter.run(left, right);
-        float gain = level * loud.at(t, held);
-        track.add(frame + i, gain * left, gain * right);
-    }
+    });
 }
 
 // A pulse of changing width, slow to speak: between a clarinet and a brass section.
@@ -194,10 +194,9 @@ void reed(Track& track, int frame, int length, int from, int pitch, float level)
     Saw leftFirst(0.1f), leftSecond(0.4f), rightFirst(0.2f), rightSecond(0.85f);
     Sine vibrato, slow;
     StereoLowPass filter;
-    float frequency = pitchToFrequency(float(pitch)), held = seconds(length);
+    float frequency = pitchToFrequency(float(pitch));
     float bend = 1;
-    for (int i = 0; i < length + frames(loud.release); ++i) {
-        float t = seconds(i);
+    play(track, frame, length, loud, level, [&](int i, float t, float& left, float& right) {
         float wave = vibrato.next(5.1f) * 0.22f * std::clamp((t - 0.3f) / 0.4f, 0.0f, 1.0f);
         if (i % CONTROL == 0) {
             bend = std::exp2((float(from - pitch) * fade(t, 0.03f) + wave) / 12);
@@ -205,12 +204,11 @@ void reed(Track& track, int frame, int length, int from, int pitch, float level)
         }
         // Two saws against each other are a pulse. The drift moves its width between a third and a half.
         float now = frequency * bend, drift = 0.68f * slow.next(0.9f);
-        float left = 0.6f * (leftFirst.next(now * 1.0012f) - leftSecond.next(now * 1.0012f + drift));
-        float right = 0.6f * (rightFirst.next(now * 0.9988f) - rightSecond.next(now * 0.9988f - drift));
+        left = 0.6f * (leftFirst.next(now * 1.0012f) - leftSecond.next(now * 1.0012f + drift));
+        right = 0.6f * (rightFirst.next(now * 0.9988f) - rightSecond.next(now * 0.9988f - drift));
         filter.run(left, right);
-        float gain = level * loud.at(t, held);
-        track.add(frame + i, gain * (0.8f * left + 0.2f * right), gain * (0.2f * left + 0.8f * right));
-    }
+        narrow(left, right);
+    });
 }
 
 // Voices on an open vowel: saws through three formants.
@@ -220,28 +218,26 @@ void choir(Track& track, int frame, int length, int pitch, float level, float br
     Swarm<5> swarm(float(pitch), 0.16f, 0.9f, seedOf(frame, pitch) + 4);
     Filter left[3], right[3], body[2];
     Sine vibrato;
-    float held = seconds(length), bend = 1;
+    float bend = 1;
     for (int k = 0; k < 3; ++k) {
         left[k].set(0.97f * FORMANTS[k], 0.86f);
         right[k].set(1.03f * FORMANTS[k], 0.86f);
     }
     for (Filter& filter : body)
         filter.set(1.3f * pitchToFrequency(float(pitch)), 0.2f);
-    for (int i = 0; i < length + frames(loud.release); ++i) {
-        float t = seconds(i);
+    play(track, frame, length, loud, level, [&](int i, float t, float& outLeft, float& outRight) {
         float wave = vibrato.next(4.7f) * 0.14f * std::min(1.0f, t / 0.6f);
         if (i % CONTROL == 0)
             bend = std::exp2(wave / 12);
         float inLeft, inRight;
         swarm.next(inLeft, inRight, bend);
-        float outLeft = 0.5f * body[0].low(inLeft), outRight = 0.5f * body[1].low(inRight);
+        outLeft = 0.5f * body[0].low(inLeft);
+        outRight = 0.5f * body[1].low(inRight);
         for (int k = 0; k < 3; ++k) {
             outLeft += STRENGTHS[k] * left[k].band(inLeft);
             outRight += STRENGTHS[k] * right[k].band(inRight);
         }
-        float gain = level * loud.at(t, held);
-        track.add(frame + i, gain * outLeft, gain * outRight);
-    }
+    });
 }
 
 // Warm and dark like strings, below the lead.
@@ -250,14 +246,10 @@ void counter(Track& track, int frame, int length, int pitch, float level) {
     Swarm<5> swarm(float(pitch), 0.12f, 0.8f, seedOf(frame, pitch) + 2);
     StereoLowPass filter;
     filter.set(2100, 0.15f);
-    float held = seconds(length);
-    for (int i = 0; i < length + frames(loud.release); ++i) {
-        float left, right;
+    play(track, frame, length, loud, level, [&](int, float, float& left, float& right) {
         swarm.next(left, right);
         filter.run(left, right);
-        float gain = level * loud.at(seconds(i), held);
-        track.add(frame + i, gain * left, gain * right);
-    }
+    });
 }
 
 } // namespace zentrak::music

@@ -17,6 +17,10 @@ char charted(const char* layer, int bar) {
     return chart(layer)[size_t(bar)];
 }
 
+const char* chartedRhythm(const char* layer, int bar) {
+    return rhythm(layer, charted(layer, bar));
+}
+
 // Loudness of a stroke from its digit; a point is a rest.
 float strength(char stroke) {
     return stroke == '.' ? 0 : float(stroke - '0') / 9;
@@ -30,8 +34,9 @@ float level(const char* layer, int bar) {
 
 void playKick(Stems& stems, int bar) {
     char name = charted("kick", bar);
+    const char* strokes = rhythm("kick", name);
     for (int step = 0; step < STEPS_PER_BAR; ++step)
-        if (float loud = strength(kickRhythm(name)[step])) {
+        if (float loud = strength(strokes[step])) {
             music::kick(stems.kick, frameOf(bar, step), name == 'h' ? 0.6f * loud : loud);
             stems.kicks.push_back(frameOf(bar, step));
         }
@@ -39,7 +44,7 @@ void playKick(Stems& stems, int bar) {
 
 // The strong strokes have the clap on top.
 void playSnare(Stems& stems, int bar) {
-    const char* strokes = snareRhythm(charted("snare", bar));
+    const char* strokes = chartedRhythm("snare", bar);
     for (int step = 0; step < STEPS_PER_BAR; ++step) {
         float loud = strength(strokes[step]);
         if (loud == 0)
@@ -52,23 +57,24 @@ void playSnare(Stems& stems, int bar) {
 
 // From the highest to the lowest and from left to right in the course of the bar.
 void playToms(Stems& stems, int bar) {
-    const char* strokes = tomRhythm(charted("toms", bar));
+    const char* strokes = chartedRhythm("toms", bar);
     for (int step = 0; step < STEPS_PER_BAR; ++step)
         if (float loud = strength(strokes[step]))
             tom(stems.kick, frameOf(bar, step), 0.9f * loud, 54 - float(step), float(step) / 10 - 0.8f);
 }
 
 void playCymbals(Stems& stems, int bar) {
-    char hats = charted("hat", bar);
+    const char *closed = chartedRhythm("hat", bar), *open = rhythm("open hat", charted("hat", bar));
+    const char *shaken = chartedRhythm("shaker", bar), *ridden = chartedRhythm("ride", bar);
     for (int step = 0; step < STEPS_PER_BAR; ++step) {
         int frame = frameOf(bar, step);
-        if (float loud = strength(openHatRhythm(hats)[step]))
+        if (float loud = strength(open[step]))
             hat(stems.cymbals, frame, loud, true);
-        else if ((loud = strength(hatRhythm(hats)[step])))
+        else if ((loud = strength(closed[step])))
             hat(stems.cymbals, frame, loud, false);
-        if (float loud = strength(shakerRhythm(charted("shaker", bar))[step]))
+        if (float loud = strength(shaken[step]))
             shaker(stems.cymbals, frame, loud, -0.6f);
-        if (float loud = strength(rideRhythm(charted("ride", bar))[step]))
+        if (float loud = strength(ridden[step]))
             ride(stems.cymbals, frame, loud);
     }
     if (float loud = strength(charted("crash", bar)))
@@ -151,7 +157,7 @@ void playHeld(Stems& stems, const std::vector<Chord>& chords, size_t first) {
 void playSaws(Stems& stems, const Chord& chord) {
     int bar = chord.step / STEPS_PER_BAR;
     float bright = level("saws", bar);
-    const char* strokes = stabRhythm(charted("stabs", bar));
+    const char* strokes = chartedRhythm("stabs", bar);
     for (int step = chord.step; bright > 0 && step < chord.step + chord.steps; ++step) {
         float loud = strength(strokes[step % STEPS_PER_BAR]);
         int steps = 1;
@@ -167,7 +173,7 @@ void playSaws(Stems& stems, const Chord& chord) {
 void playArpeggio(Stems& stems, const Chord& chord) {
     int bar = chord.step / STEPS_PER_BAR;
     float loud = level("arp", bar);
-    const char* figure = arpFigure(charted("figure", bar));
+    const char* figure = chartedRhythm("figure", bar);
     for (int step = chord.step; loud > 0 && step < chord.step + chord.steps; ++step) {
         char at = figure[step % STEPS_PER_BAR];
         if (at == '.')

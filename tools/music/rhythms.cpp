@@ -1,6 +1,8 @@
 // The rhythms that the charts name by a letter, one bar each.
 #include "score.h"
 
+#include <map>
+
 namespace zentrak::music {
 
 namespace {
@@ -76,57 +78,27 @@ const std::vector<BassRhythm> BASS = {
     {'1', "9...............", "0...............", 64},   //
 };
 
-const char* strokes(const std::vector<Rhythm>& table, char name) {
-    for (const Rhythm& rhythm : table)
-        if (rhythm.name == name)
-            return rhythm.strokes;
-    return "................";
-}
+const char* const REST = "................";
 
 } // namespace
 
-const char* kickRhythm(char name) {
-    return strokes(KICK, name);
-}
-
-const char* snareRhythm(char name) {
-    return strokes(SNARE, name);
-}
-
-const char* hatRhythm(char name) {
-    return strokes(HAT, name);
-}
-
-const char* openHatRhythm(char name) {
-    return strokes(OPEN_HAT, name);
-}
-
-const char* shakerRhythm(char name) {
-    return strokes(SHAKER, name);
-}
-
-const char* rideRhythm(char name) {
-    return strokes(RIDE, name);
-}
-
-const char* tomRhythm(char name) {
-    return strokes(TOMS, name);
-}
-
-const char* stabRhythm(char name) {
-    return strokes(STABS, name);
-}
-
-const char* arpFigure(char name) {
-    return strokes(FIGURES, name);
+const char* rhythm(const std::string& layer, char name) {
+    static const std::map<std::string, const std::vector<Rhythm>&> LAYERS = {
+        {"kick", KICK}, {"snare", SNARE}, {"hat", HAT},     {"open hat", OPEN_HAT}, {"shaker", SHAKER},
+        {"ride", RIDE}, {"toms", TOMS},   {"stabs", STABS}, {"figure", FIGURES},
+    };
+    for (const Rhythm& candidate : LAYERS.at(layer))
+        if (candidate.name == name)
+            return candidate.strokes;
+    return REST;
 }
 
 const BassRhythm& bassRhythm(char name) {
-    static const BassRhythm REST = {'.', "................", "................", 1};
+    static const BassRhythm SILENT = {'.', REST, REST, 1};
     for (const BassRhythm& rhythm : BASS)
         if (rhythm.name == name)
             return rhythm;
-    return REST;
+    return SILENT;
 }
 
 } // namespace zentrak::music

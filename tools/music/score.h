@@ -72,16 +72,9 @@ const std::vector<Ramp>& highPassRamps();
 const std::vector<Ramp>& levelRamps();
 const std::vector<Breath>& breaths();
 
-// The strokes of a rhythm by its letter, rests for an unknown one.
-const char* kickRhythm(char name);
-const char* snareRhythm(char name);
-const char* hatRhythm(char name); // closed
-const char* openHatRhythm(char name);
-const char* shakerRhythm(char name);
-const char* rideRhythm(char name);
-const char* tomRhythm(char name);
-const char* stabRhythm(char name);
-const char* arpFigure(char name);
+// The strokes of a rhythm by its letter, rests for an unknown one. The layers are "kick", "snare", "hat",
+// "open hat", "shaker", "ride", "toms", "stabs" and "figure"; any other throws std::out_of_range.
+const char* rhythm(const std::string& layer, char name);
 const BassRhythm& bassRhythm(char name);
 
 // Parses a line like "A4:3 D5:13 | -:16": notes and rests with their length in steps. Every bar must add up
