@@ -20,6 +20,7 @@
 #include "pan_slider.h"
 #include "pan_window.h"
 #include "pan_workspace.h"
+#include "plain_render.h"
 #include "xml_parser.h"
 
 #include <algorithm>
@@ -43,92 +44,10 @@ constexpr int COLUMNS = 5, ROWS = 2; // of windows
 constexpr int CELLS_ACROSS = 6, CELLS_DOWN = 33;
 constexpr double MOST_DIFFERING = 0.002; // share of pixels
 
-// Draws each shape and text immediately, one call per vertex, clipped by the scissor test.
-class PlainRender : public Render {
-public:
-    void setupDraw(Vector2f size, Vector2f offset, float margin) override {
-        Render::setupDraw(size, offset, margin);
-        Render::setClipArea(Box2(0, 0, 0, -1));
-    }
-
-    void setClipArea(Box2 area) override {
-        if (area.y2 == -1) {
-            glDisable(GL_SCISSOR_TEST);
-            return;
-        }
-        glEnable(GL_SCISSOR_TEST);
-        glScissor(int(area.x1), int(mSize.y - area.y2), std::max(0, int(area.x2 - area.x1)),
-                  std::max(0, int(area.y2 - area.y1)));
-    }
-
-    void drawBox(const Box2& box, int direction) override {
-        const Vector4f* const first = &mColorFirst;
-        const Vector4f* const second = &mColorSecond;
-        const bool across = direction == 1;
-        glBegin(GL_QUADS);
-        corner(box.x1, box.y1, *first);
-        corner(box.x2, box.y1, across ? *second : *first);
-        corner(box.x2, box.y2, *second);
-        corner(box.x1, box.y2, across ? *first : *second);
-        glEnd();
-    }
-
-    void drawBorder(const Box2& box) override {
-        glLineWidth(1);
-        glBegin(GL_LINE_LOOP);
-        corner(box.x1 + 0.5f, box.y1 + 0.5f, mColorFirst);
-        corner(box.x2 - 0.5f, box.y1 + 0.5f, mColorFirst);
-        corner(box.x2 - 0.5f, box.y2 - 0.5f, mColorSecond);
-        corner(box.x1 + 0.5f, box.y2 - 0.5f, mColorSecond);
-        glEnd();
-    }
-
-    void drawLine(const Vector2f& a, const Vector2f& b) override {
-        glBegin(GL_LINES);
-        corner(a.x, a.y, mColorFirst);
-        corner(b.x, b.y, mColorFirst);
-        glEnd();
-    }
-
-    void drawText(const std::string& text, Vector2f position) override {
-        float x = position.x;
-        if (mFont->getAlignment() != display::Font::ALIGN_LEFT)
-            x -= getTextLength(text) * (mFont->getAlignment() == display::Font::ALIGN_CENTER ? 0.5f : 1.0f);
-        x = std::floor(x + 0.5f);
-        const float width = mFont->getWidth(), height = mFont->getHeight();
-        const float y = std::floor(position.y - height * 0.5f + 0.5f);
-        glEnable(GL_TEXTURE_2D);
-        mFont->getTexture().bind();
-        glColor4fv(mColorFirst);
-        glBegin(GL_QUADS);
-        for (const char character : text) {
-            const display::Font::Cell cell = mFont->getCell(uint8_t(character));
-            point(x, y, cell.s0, cell.t0);
-            point(x + width, y, cell.s1, cell.t0);
-            point(x + width, y + height, cell.s1, cell.t1);
-            point(x, y + height, cell.s0, cell.t1);
-            x += mFont->getAdvance(uint8_t(character));
-        }
-        glEnd();
-        mFont->getTexture().unbind();
-        glDisable(GL_TEXTURE_2D);
-    }
-
-private:
-    static void corner(float x, float y, const Vector4f& color) {
-        glColor4fv(color);
-        glVertex2f(x, y);
-    }
-    static void point(float x, float y, float s, float t) {
-        glTexCoord2f(s, t);
-        glVertex2f(x, y);
-    }
-};
-
 // A root that draws either way.
 class Root : public Workspace {
 public:
-    PlainRender mPlain;
+    test::PlainRender mPlain;
     bool mUsePlain = false;
 
     Render* getRender() override { return mUsePlain ? &mPlain : Workspace::getRender(); }

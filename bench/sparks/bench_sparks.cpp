@@ -6,6 +6,7 @@
 #include "am_archivemanager.h"
 #include "dis_display.h"
 #include "dis_glcheck.h"
+#include "plain_sparks.h"
 #include "sparks_engine.h"
 
 #include <benchmark/benchmark.h>
@@ -98,37 +99,8 @@ void plainUpdate(Engine& engine, float dt) {
 }
 
 void plainDraw(Setup& setup) {
-    Engine& engine = setup.engine;
-    const Vector3f right = setup.cameraInverse.multiplyVector(Vector3f(1, 0, 0)).getNormalized() * 0.5f;
-    const Vector3f up = setup.cameraInverse.multiplyVector(Vector3f(0, -1, 0)).getNormalized() * 0.5f;
-    GL_CALL(glEnable(GL_BLEND));
-    GL_CALL(glBlendFunc(GL_SRC_ALPHA, GL_ONE));
-    GL_CALL(glEnable(GL_TEXTURE_2D));
-    engine.texture.bind();
-    const float now = float(setup.display.getTime()) + 1;
-    glBegin(GL_QUADS);
-    for (const Spark* s = engine.live; s; s = s->next) {
-        const float age = now - (s->time + s->timeoffset);
-        if (age <= 0)
-            continue;
-        const float flicker = float(engine.random.draw() & 1);
-        float alpha = (1 - flicker * s->noise) * std::min(s->energy, 1.0f) * s->intensity;
-        if (age < 0.2f)
-            alpha *= sinf(3.1415927f * age * 2.5f);
-        glColor4f(s->colour.x, s->colour.y, s->colour.z, alpha);
-        const float u0 = 0.125f * float(s->texture), u1 = u0 + 0.125f;
-        glTexCoord2f(u0, 0);
-        glVertex3fv(s->position + (up - right) * s->size);
-        glTexCoord2f(u1, 0);
-        glVertex3fv(s->position + (up + right) * s->size);
-        glTexCoord2f(u1, 1);
-        glVertex3fv(s->position + (right - up) * s->size);
-        glTexCoord2f(u0, 1);
-        glVertex3fv(s->position + (-up - right) * s->size);
-    }
-    glEnd();
-    engine.texture.unbind();
-    GL_CALL(glDisable(GL_TEXTURE_2D));
+    test::drawPlainSparks(setup.engine, setup.cameraInverse, float(setup.display.getTime()) + 1,
+                          setup.engine.random);
 }
 
 void items(benchmark::State& state) {

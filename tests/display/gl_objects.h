@@ -1,4 +1,4 @@
-// What the tests of textures, buffers, programs and targets share.
+// Shared by the tests of textures, buffers, programs and targets.
 #pragma once
 
 #include "am_image.h"
@@ -48,7 +48,7 @@ inline bool hasLine(const std::string& printed, const std::string& level, const 
     return false;
 }
 
-// glGetIntegerv gives these values instead of the driver's while the object lives (see gl_objects.cpp).
+// While it lives, glGetIntegerv returns these values instead of the driver's (see gl_objects.cpp).
 class FakeLimits {
 public:
     FakeLimits(std::initializer_list<std::pair<const unsigned, int>> limits);
@@ -86,15 +86,7 @@ protected:
     }
 
     void writeImage(const std::string& name, const am::Image& image) const {
-        Picture picture(image->getWidth(), image->getHeight());
-        const unsigned char* bgra = image->getData();
-        for (size_t i = 0; i < picture.rgba.size(); i += 4) {
-            picture.rgba[i] = bgra[i + 2];
-            picture.rgba[i + 1] = bgra[i + 1];
-            picture.rgba[i + 2] = bgra[i];
-            picture.rgba[i + 3] = bgra[i + 3];
-        }
-        ASSERT_TRUE(writePng(path(name), picture));
+        ASSERT_TRUE(writePng(path(name), toPicture(image)));
     }
 
     // A level of the bound texture, rows as they were uploaded.
@@ -118,7 +110,7 @@ protected:
         return m;
     }
 
-    // Clip space, nothing in the way.
+    // Sets up clip space, with no state that hides anything.
     void flat() {
         display().setProject(identity());
         display().setModelView();

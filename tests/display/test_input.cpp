@@ -27,6 +27,15 @@ struct DisplayCallbacks {
     static void wheel(int position) { DisplayGL::mouseWheelFun(position); }
     static void resize(int width, int height) { DisplayGL::reshape(width, height); }
     static int close() { return DisplayGL::closeFun(); }
+
+    static void everythingButClose() {
+        key(65, 1);
+        character(65, 1);
+        mouse(5, 5);
+        button(0, 1);
+        wheel(5);
+        resize(5, 5);
+    }
 };
 
 } // namespace zentrak::display
@@ -48,8 +57,8 @@ protected:
 
     DisplayGL& display() { return window.display(); }
 
-    // Sends a key that no test uses and waits until it is through: all that was sent before it is, too. Then
-    // forgets all of it.
+    // Sends a key that no test uses and waits for it, and so for everything sent before it. Then clears all
+    // logs.
     void settle() {
         viewer.key("F12");
         const std::string end = "first keyup " + std::to_string(KEY_F12);
@@ -67,7 +76,7 @@ protected:
         }
     }
 
-    // What is in the log once something that was sent is through to its last entry.
+    // The log once it ends with the last entry of what was sent.
     Log heard(const std::string& last) {
         viewer.until(last, [&] { return !log.empty() && log.back() == last; });
         return log;
@@ -157,7 +166,7 @@ TEST_F(Input, TheCloseButtonAsksAllAndEndsTheLoopWithTheWindowStillThere) {
     viewer.until("the end", [&] { return !going; });
     EXPECT_EQ((Log{"second quit", "first quit"}), log);
     EXPECT_TRUE(display().mOpened);
-    EXPECT_TRUE(display().update()); // it was said once
+    EXPECT_TRUE(display().update()); // reported once
 }
 
 TEST_F(Input, TheCloseButtonCanBeVetoed) {
@@ -249,13 +258,8 @@ TEST_F(Input, CodesOutOfRangePressNothing) {
 TEST_F(Input, CallbacksOfAClosedWindowReachNobody) {
     display().close();
     log.clear();
-    DisplayCallbacks::key(65, 1);
-    DisplayCallbacks::character(65, 1);
-    DisplayCallbacks::mouse(5, 5);
-    DisplayCallbacks::button(0, 1);
-    DisplayCallbacks::wheel(5);
-    DisplayCallbacks::resize(5, 5);
-    EXPECT_EQ(1, DisplayCallbacks::close()); // there is no one to keep it
+    DisplayCallbacks::everythingButClose();
+    EXPECT_EQ(1, DisplayCallbacks::close()); // there is no listener to keep it open
     EXPECT_EQ((Log{}), log);
     EXPECT_FALSE(display().mPressed[65]);
     EXPECT_EQ(320, display().mWindowMode.width);
@@ -279,12 +283,7 @@ TEST_F(Input, PressedIsTrueWhileAKeyIsDown) {
 }
 
 TEST(InputWithoutADisplay, ReachesNobody) {
-    DisplayCallbacks::key(65, 1);
-    DisplayCallbacks::character(65, 1);
-    DisplayCallbacks::mouse(5, 5);
-    DisplayCallbacks::button(0, 1);
-    DisplayCallbacks::wheel(5);
-    DisplayCallbacks::resize(5, 5);
+    DisplayCallbacks::everythingButClose();
     EXPECT_EQ(1, DisplayCallbacks::close());
 }
 
@@ -411,7 +410,7 @@ TEST_F(Input, FurtherMouseButtonsAreIgnored) {
     EXPECT_EQ((Log{"second down 1", "first down 1", "second up 1", "first up 1"}), heard("first up 1"));
 }
 
-// The display's time goes on in steps that the test makes: what counts is not how fast the test runs.
+// The test advances the display's time in steps, so its own speed doesn't matter.
 class DoubleClick : public Input {
 protected:
     DoubleClick() {
@@ -436,13 +435,13 @@ protected:
         viewer.until("the last key", [&] { return !log.empty() && log.back() == end; });
     }
 
-    // A click, and nothing more on its way.
+    // A click, with no event left pending.
     void click(int button = 1) {
         viewer.click(button);
         settleButtons();
     }
 
-    // As setTime, which would forget the first click.
+    // Like setTime, which would forget the first click.
     void wait(float seconds) { display().mFpsLastTime += seconds; }
 };
 
@@ -556,7 +555,7 @@ TEST_F(Input, TheFocusGoesAndComesBack) {
         EXPECT_FALSE(display().mFocused);
         const int draws = first.draws;
         display().update();
-        EXPECT_LT(draws, first.draws); // it is drawn all the same
+        EXPECT_LT(draws, first.draws); // drawn anyway
     }
     log.clear();
     viewer.focus();
@@ -573,7 +572,8 @@ TEST(Resizable, GivesTheListenersTheOldSizeAndDrawsInTheNew) {
     first.attachToDisplay(&display);
     second.attachToDisplay(&display);
     display.open();
-    EXPECT_EQ("first resize 320x240 to 320x240", log.at(0)); // the callback says the present size at once
+    EXPECT_EQ("first resize 320x240 to 320x240",
+              log.at(0)); // the callback reports the current size immediately
     Viewer viewer("resizable", [&] { display.update(); });
     viewer.focus();
     GLint viewport[4] = {};
@@ -635,7 +635,7 @@ TEST_F(Input, ACallbackThatOpensAnotherWindowGoesOnInIt) {
     EXPECT_EQ(contexts + 1, display().mContextCount);
     viewer.until("a frame", [&] { return first.draws > draws; });
     for (bool pressed : display().mPressed)
-        EXPECT_FALSE(pressed); // the new window has heard of no key
+        EXPECT_FALSE(pressed); // the new window has received no key
 }
 
 TEST_F(Input, AListenerThatDeletesItselfInItsOwnCallbackSkipsNobody) {

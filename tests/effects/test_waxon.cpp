@@ -16,6 +16,16 @@ using test::Picture;
 
 namespace {
 
+// The current texture over the whole window.
+void drawWhole() {
+    glBegin(GL_QUADS);
+    for (const auto& [s, t] : {std::pair(0, 0), std::pair(1, 0), std::pair(1, 1), std::pair(0, 1)}) {
+        glTexCoord2i(s, t);
+        glVertex2i(2 * s - 1, 2 * t - 1);
+    }
+    glEnd();
+}
+
 class WaxOnTest : public test::EffectTest {
 protected:
     kindler::Border mBorder{&mCommon}; // what is drawn into the target
@@ -31,7 +41,7 @@ protected:
         fflush(stdout);
         mSaid = out.text();
     }
-    // A scene of the target: the frame on a ground of its own, and a bar.
+    // A scene for the target: the frame on a coloured ground, and a bar.
     void scene() {
         glClearColor(0.1f, 0.3f, 0.5f, 1);
         glClear(GL_COLOR_BUFFER_BIT);
@@ -61,12 +71,7 @@ protected:
             glEnable(GL_TEXTURE_2D);
             mCommon.mFbos["vaddr"]->mTexture.bind();
             glColor4f(1, 1, 1, 1);
-            glBegin(GL_QUADS);
-            for (const auto& [s, t] : {std::pair(0, 0), std::pair(1, 0), std::pair(1, 1), std::pair(0, 1)}) {
-                glTexCoord2i(s, t);
-                glVertex2i(2 * s - 1, 2 * t - 1);
-            }
-            glEnd();
+            drawWhole();
             mCommon.mFbos["vaddr"]->mTexture.unbind();
             display().resetStates();
         });
@@ -121,7 +126,7 @@ TEST_F(WaxOnTest, ANestedEffectDrawsTheSameAsOnTheScreen) {
     inside();
     const Picture through = showTarget();
     const Picture alone = over(0, 0, 0, [&] { scene(); });
-    // The target has other pixels than the window, so fine lines come out a little different.
+    // The target's resolution is not the window's, so fine lines differ a little.
     EXPECT_LT(test::comparePictures(through, alone).mean, 6.0);
 }
 
@@ -193,7 +198,7 @@ TEST_F(WaxOnTest, TheEntryGoesWithItsMaker) {
         kindler::WaxOn third(&mCommon);
         test::CaptureStdout out;
         test::prepare(third, display(), "third");
-        mCommon.mFbos["vaddr"] = &foreign; // somebody else's in its place
+        mCommon.mFbos["vaddr"] = &foreign; // another one in its place
     }
     EXPECT_EQ(mCommon.mFbos["vaddr"], &foreign);
 }
@@ -280,16 +285,11 @@ TEST_F(FisheyeTest, IsThePictureOfOneCallPerVertex) {
         mCommon.mFbos["vaddr"]->mTexture.bind();
         program.bind();
         program.set("texture", 0);
-        program.set("amount", 0.5f * 1.2f); // the spline's value comes times 1.2
+        program.set("amount", 0.5f * 1.2f); // the effect multiplies the spline by 1.2
         program.set("second", 3.0f);
         program.set("brus", 0.2f);
         glColor4f(1, 1, 1, 1);
-        glBegin(GL_QUADS);
-        for (const auto& [s, t] : {std::pair(0, 0), std::pair(1, 0), std::pair(1, 1), std::pair(0, 1)}) {
-            glTexCoord2i(s, t);
-            glVertex2i(2 * s - 1, 2 * t - 1);
-        }
-        glEnd();
+        drawWhole();
         program.unbind();
         mCommon.mFbos["vaddr"]->mTexture.unbind();
     });

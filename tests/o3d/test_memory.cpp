@@ -1,11 +1,10 @@
-// Loading when memory runs out: operator new of this program fails at the N-th call.
-
+// Loading when memory runs out, at each allocation in turn.
+#include "allocations.h"
 #include "o3d_bytes.h"
 #include "support.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <new>
 
 using namespace zentrak;
@@ -13,57 +12,15 @@ using namespace zentrak::test;
 
 namespace {
 
-long gCountdown = -1; // calls that still succeed; all if negative
-bool gOnce = false;   // only one call fails, later ones succeed
-long gCalls = 0;
-
-void* allocate(size_t size) {
-    ++gCalls;
-    if (gCountdown == 0) {
-        if (gOnce)
-            gCountdown = -1;
-        throw std::bad_alloc();
-    }
-    if (gCountdown > 0)
-        --gCountdown;
-    if (void* memory = malloc(size != 0 ? size : 1))
-        return memory;
-    throw std::bad_alloc();
-}
-
-} // namespace
-
-void* operator new(size_t size) {
-    return allocate(size);
-}
-void* operator new[](size_t size) {
-    return allocate(size);
-}
-void operator delete(void* memory) noexcept {
-    free(memory);
-}
-void operator delete[](void* memory) noexcept {
-    free(memory);
-}
-void operator delete(void* memory, size_t) noexcept {
-    free(memory);
-}
-void operator delete[](void* memory, size_t) noexcept {
-    free(memory);
-}
-
-namespace {
-
 // Loads with memory for `calls` allocations. The next one fails and, unless `once`, all after it.
 void loadFailing(o3d::Manager& manager, const std::string& image, long calls, bool once) {
-    gOnce = once;
-    gCountdown = calls;
+    refuseAllocation(size_t(calls) + 1, !once);
     try {
         manager.load(reinterpret_cast<const unsigned char*>(image.data()), int(image.size()));
     } catch (const std::bad_alloc&) {
         EXPECT_LT(calls, 4); // before the first chunk nothing can be recovered
     }
-    gCountdown = -1;
+    refuseAllocation(0);
 }
 
 size_t countNodes(const o3d::SceneNode& node) {
@@ -81,9 +38,9 @@ TEST(Memory, RunningOutAtAnyAllocationLosesNothingThatWasMade) {
     long calls = 0;
     {
         o3d::Manager manager;
-        gCalls = 0;
+        const size_t before = allocationCount();
         manager.load(reinterpret_cast<const unsigned char*>(image.data()), int(image.size()));
-        calls = gCalls;
+        calls = long(allocationCount() - before);
     }
     EXPECT_GT(calls, 100);
     for (const bool once : {false, true}) {

@@ -1,5 +1,5 @@
-// The toolkit on a real window: its files, the display's events as a real mouse and keys make them, and the
-// drawing beside one call per vertex, pixel by pixel.
+// The toolkit on a real window: its files, events of a real mouse and keys, and its drawing compared pixel by
+// pixel with one call per vertex.
 #include "pan_context.h"
 #include "pan_flow.h"
 #include "pan_panel.h"
@@ -9,6 +9,7 @@
 #include "allocations.h"
 #include "gl_fixture.h"
 #include "input.h"
+#include "plain_render.h"
 #include "support.h"
 #include "tree.h"
 #include "ztk_system.h"
@@ -28,82 +29,6 @@ using mathbase::Vector4f;
 namespace {
 
 constexpr int WIDTH = 400, HEIGHT = 300;
-
-// The plain way, shape by shape and one call per vertex, cut by the scissor test.
-class PlainRender : public Render {
-public:
-    void setColor(const Vector4f& first, const Vector4f& second) override {
-        Render::setColor(first, second);
-        glColor4fv(mColorFirst);
-    }
-    void setClipArea(Box2 area) override {
-        if (area.y2 == -1) {
-            glDisable(GL_SCISSOR_TEST);
-            return;
-        }
-        glEnable(GL_SCISSOR_TEST);
-        glScissor(int(area.x1 - mDrawOffset.x), int(mSize.y - area.y2 + mDrawOffset.y),
-                  std::max(0, int(area.x2 - area.x1)), std::max(0, int(area.y2 - area.y1)));
-    }
-    void drawBox(const Box2& box, int direction) override {
-        const Vector4f& right = direction == 1 ? mColorSecond : mColorFirst;
-        const Vector4f& below = direction == 1 ? mColorFirst : mColorSecond;
-        glBegin(GL_QUADS);
-        point(box.x1, box.y1, mColorFirst);
-        point(box.x2, box.y1, right);
-        point(box.x2, box.y2, mColorSecond);
-        point(box.x1, box.y2, below);
-        glEnd();
-    }
-    void drawBorder(const Box2& box) override {
-        glLineWidth(1);
-        glBegin(GL_LINE_LOOP);
-        point(box.x1 + 0.5f, box.y1 + 0.5f, mColorFirst);
-        point(box.x2 - 0.5f, box.y1 + 0.5f, mColorFirst);
-        point(box.x2 - 0.5f, box.y2 - 0.5f, mColorSecond);
-        point(box.x1 + 0.5f, box.y2 - 0.5f, mColorSecond);
-        glEnd();
-    }
-    void drawCircle(const Box2& box, int segments, float start) override {
-        const float width = box.getWidth(), height = box.getHeight();
-        if (segments == -1)
-            segments = int((height + width) * 3.1415927f * 0.5f);
-        segments = std::max(segments, 3);
-        const Vector2f centre(box.x1 + width * 0.5f, box.y1 + height * 0.5f);
-        glColor4fv(mColorFirst);
-        glBegin(GL_TRIANGLE_FAN);
-        glVertex2f(centre.x, centre.y);
-        for (int i = 1; i <= segments + 1; ++i) {
-            const float angle = (float(i % segments) / float(segments) + start) * 2 * 3.1415927f;
-            glVertex2f(centre.x + width * 0.5f * sinf(angle), centre.y + height * 0.5f * cosf(angle));
-        }
-        glEnd();
-    }
-    void drawLine(const Vector2f& a, const Vector2f& b) override {
-        glBegin(GL_LINES);
-        point(a.x, a.y, mColorFirst);
-        point(b.x, b.y, mColorFirst);
-        glEnd();
-    }
-    void drawText(const std::string& text, Vector2f position) override {
-        const float length = getTextLength(text);
-        const int mode = mFont->getAlignment();
-        float x = position.x - (mode == 0 ? 0 : mode == 1 ? length : length * 0.5f);
-        x = std::floor(x + 0.5f);
-        const float shift = x - position.x + (mode == 0 ? 0 : mode == 1 ? length : length * 0.5f);
-        const float top = std::floor(position.y - mFont->getHeight() * 0.5f + 0.5f);
-        glPushMatrix();
-        glTranslatef(position.x + shift, top + mFont->getHeight() * 0.5f, 0);
-        mFont->draw(text, Vector2f(1, -1), mColorFirst);
-        glPopMatrix();
-    }
-
-private:
-    static void point(float x, float y, const Vector4f& color) {
-        glColor4fv(color);
-        glVertex2f(x, y);
-    }
-};
 
 class RenderTest : public GlTest {
 protected:
@@ -162,7 +87,7 @@ TEST_F(RenderTest, BoxesAreThoseOfThePlainWay) {
             render.setColor(Vector4f(1, 0, 0, 0.7f), Vector4f(0, 1, 1, 0.9f));
             render.setClipArea(Box2(0, 0, -1, -1));
             render.drawBox(Box2(x, 10, x + 100, 90), direction);
-            render.setClipArea(Box2(x + 20, 110, x + 70, 140)); // the gradient is the whole box's
+            render.setClipArea(Box2(x + 20, 110, x + 70, 140)); // the gradient spans the whole box
             render.drawBox(Box2(x, 100, x + 100, 190), direction);
             render.setColor(Vector4f(1, 1, 0, 0.5f), NO_COLOR);
             render.drawBox(Box2(x + 10.5f, 105.25f, x + 60.75f, 180), direction);
@@ -281,7 +206,7 @@ TEST_F(RenderTest, TheViewOffsetMovesThePictureAndItsClip) {
         0, Vector2f(30, -20));
 }
 
-// A margin makes all smaller but the clip area, which counts the window's pixels.
+// A margin shrinks everything except the clip area, which is in pixels of the window.
 TEST_F(RenderTest, AMarginShowsMoreAndLeavesTheClipAreaWhereItIs) {
     const auto shapes = [](Render& render) {
         render.setColor(Vector4f(0, 1, 0, 1), NO_COLOR);
@@ -328,14 +253,14 @@ TEST_F(RenderTest, WhatIsClippedAwayIsNotDrawnAtAll) {
         batched.drawBorder(Box2(0, 0, 100, 100));
         batched.drawLine(Vector2f(0, 0), Vector2f(100, 100));
         const Vector4f color(1, 1, 1, 1);
-        glColor4fv(color); // what a draw would have changed
+        glColor4fv(color); // a draw would change it
         batched.flush();
     });
     const Picture picture = draw(batched, [](Render& render) {
         render.setColor(Vector4f(1, 1, 1, 1), NO_COLOR);
         render.setClipArea(Box2(50, 50, 50, 100)); // no width
         render.drawBox(Box2(0, 0, WIDTH, HEIGHT), 0);
-        render.setClipArea(Box2(60, 60, 50, 50)); // turned inside out
+        render.setClipArea(Box2(60, 60, 50, 50)); // inverted
         render.drawBox(Box2(0, 0, WIDTH, HEIGHT), 0);
     });
     EXPECT_EQ(picture.at(50, 60)[0], 51);
@@ -376,7 +301,7 @@ TEST_F(RenderTest, AMissingFontIsTheFontsFailure) {
     Render lost;
     EXPECT_THROW(lost.setup(&display()), Exception);
     display().setArchive(&window().archives());
-    frame([&] { // and draws all but text
+    frame([&] { // draws everything but text
         lost.setupDraw(Vector2f(WIDTH, HEIGHT), Vector2f(), 0);
         lost.drawBox(Box2(0, 0, 10, 10), 0);
         lost.drawText("text", Vector2f(5, 5));
@@ -629,10 +554,10 @@ TEST_F(PanoramaTest, PictureOfPanelsInAFlow) {
     EXPECT_TRUE(matchesReference("panorama_panels", shown()));
 }
 
-// A person in front of the window.
+// With a real mouse and keyboard.
 class PersonTest : public PanoramaTest {
 protected:
-    // In front of the toolkit in the display's list, as the show itself is.
+    // Before the toolkit in the display's list, like the show itself.
     struct Behind : display::Listener {
         int presses = 0, releases = 0, moves = 0, keys = 0;
         using Listener::Listener;
@@ -645,7 +570,7 @@ protected:
     Viewer viewer;
 
     PersonTest() : behind(&display()), viewer("test", [this] { display().update(); }) {
-        toolkit->attachToDisplay(&display()); // behind it once more
+        toolkit->attachToDisplay(&display()); // after it again
         viewer.focus();
         viewer.moveTo(390, 290);
     }
@@ -684,7 +609,7 @@ TEST_F(PersonTest, AKeyGoesToTheFocusAndOnToTheNextUnlessTheFocusUsesKeys) {
     viewer.key("b");
     ASSERT_TRUE(viewer.until("the text", [&] { return field->getText() == "b"; }));
     EXPECT_EQ(behind.keys, 1);
-    viewer.key("Tab"); // everybody's
+    viewer.key("Tab"); // for everyone
     ASSERT_TRUE(viewer.until("Tab behind", [&] { return behind.keys == 2; }));
     click(300, 200);
     viewer.key("a");

@@ -2,6 +2,7 @@
 #include "dis_glcheck.h"
 #include "gl_fixture.h"
 #include "mb_matrix4x4col.h"
+#include "plain_sparks.h"
 #include "sparks_testing.h"
 
 #include <cmath>
@@ -74,13 +75,6 @@ protected:
     }
 };
 
-float alphaOf(float flicker, const Spark& spark, float age) {
-    float alpha = (1 - flicker * spark.noise) * std::min(spark.energy, 1.0f) * spark.intensity;
-    if (age < 0.2f)
-        alpha *= sinf(3.1415927f * age * 2.5f);
-    return alpha;
-}
-
 } // namespace
 
 TEST_F(DrawTest, TheAlphaIsEnergyUpToOneTimesIntensity) {
@@ -124,7 +118,7 @@ TEST_F(DrawTest, FlickersByTheLowestBitOfTheEngine) {
     for (int i = 0; i < 8; ++i) {
         const uint32_t state = random.draw();
         dark += state & 1;
-        EXPECT_NEAR(redAt(1), alphaOf(float(state & 1), spark, 1), 0.005f) << i;
+        EXPECT_NEAR(redAt(1), test::alphaOf(float(state & 1), spark, 1), 0.005f) << i;
         EXPECT_EQ(engine().random.mState, state);
     }
     EXPECT_GT(dark, 0);
@@ -196,32 +190,8 @@ TEST_F(DrawTest, IsThePictureOfOneCallPerVertex) {
             if (culled)
                 glEnable(GL_CULL_FACE);
             setCamera();
-            const Vector3f right = mCameraInverse.multiplyVector(Vector3f(1, 0, 0)).getNormalized() * 0.5f;
-            const Vector3f up = mCameraInverse.multiplyVector(Vector3f(0, -1, 0)).getNormalized() * 0.5f;
-            glEnable(GL_BLEND);
-            glBlendFunc(GL_SRC_ALPHA, GL_ONE);
-            glEnable(GL_TEXTURE_2D);
-            engine().texture.bind();
             mathbase::Random flicker(1);
-            glBegin(GL_QUADS);
-            for (const Spark* s = engine().live; s; s = s->next) {
-                const float age = 1 - (s->time + s->timeoffset);
-                if (age <= 0)
-                    continue;
-                const uint32_t state = flicker.draw();
-                const float u0 = 0.125f * float(s->texture), u1 = u0 + 0.125f;
-                glColor4f(s->colour.x, s->colour.y, s->colour.z, alphaOf(float(state & 1), *s, age));
-                glTexCoord2f(u0, 0);
-                glVertex3fv(s->position + (up - right) * s->size);
-                glTexCoord2f(u1, 0);
-                glVertex3fv(s->position + (up + right) * s->size);
-                glTexCoord2f(u1, 1);
-                glVertex3fv(s->position + (right - up) * s->size);
-                glTexCoord2f(u0, 1);
-                glVertex3fv(s->position + (-up - right) * s->size);
-            }
-            glEnd();
-            engine().texture.unbind();
+            test::drawPlainSparks(engine(), mCameraInverse, 1, flicker);
         });
         const auto difference = test::comparePictures(batched, plain);
         EXPECT_LT(difference.mean, 0.2) << culled;

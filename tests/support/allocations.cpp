@@ -9,6 +9,7 @@ namespace {
 std::atomic<size_t> allocations{0};
 std::atomic<long> inUse{0};
 std::atomic<size_t> refusedAt{0};
+std::atomic<bool> refusedAfter{false};
 std::atomic<bool> refused{false};
 
 void* counted(void* memory) {
@@ -17,7 +18,8 @@ void* counted(void* memory) {
 }
 
 bool isRefused() {
-    if (++allocations != refusedAt)
+    const size_t number = ++allocations, first = refusedAt;
+    if (number != first && !(refusedAfter && number > first))
         return false;
     return refused = true;
 }
@@ -52,8 +54,9 @@ long zentrak::test::allocationsInUse() {
     return inUse;
 }
 
-void zentrak::test::refuseAllocation(size_t number) {
+void zentrak::test::refuseAllocation(size_t number, bool andAllAfter) {
     refused = false;
+    refusedAfter = number && andAllAfter;
     refusedAt = number ? allocations + number : 0;
 }
 

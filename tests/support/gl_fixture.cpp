@@ -11,7 +11,11 @@ Picture grabPicture(const display::DisplayGL& display) {
     am::Image image(new am::ImageObject);
     image->resize(display.mWindowMode.width, display.mWindowMode.height);
     display.getScreenShot(image);
-    Picture picture(display.mWindowMode.width, display.mWindowMode.height);
+    return toPicture(image);
+}
+
+Picture toPicture(const am::Image& image) {
+    Picture picture(image->getWidth(), image->getHeight());
     const unsigned char* bgra = image->getData();
     for (size_t i = 0; i < picture.rgba.size(); i += 4) {
         picture.rgba[i] = bgra[i + 2];

@@ -57,4 +57,6 @@ private:
 // The window's picture as drawn so far in this frame: for use inside onDraw, or the draw function of a frame.
 Picture grabPicture(const display::DisplayGL& display);
 
+Picture toPicture(const am::Image& image);
+
 } // namespace zentrak::test
