@@ -1,4 +1,4 @@
-// The importer: what becomes of a model, what is said to be lost, and that nothing crashes it.
+// The importer: its results, its reports of what is lost, and that nothing crashes it.
 
 #include "compare.h"
 #include "import/animation.h"
@@ -55,7 +55,7 @@ std::string refusalOf(const std::function<void()>& work) {
     return "not refused";
 }
 
-// A tetrahedron, so that each side has its way to face.
+// A tetrahedron, whose sides all face in different directions.
 constexpr const char* OBJ = R"(mtllib m.mtl
 o solid
 v 0 0 0
@@ -107,7 +107,7 @@ std::string movingNode(const std::string& interpolation, const std::vector<float
            interpolation + R"("}],"channels":[{"sampler":0,"target":{"node":0,"path":"translation"}}]}]})";
 }
 
-// A camera on an arm of 3 units that turns about y, a quarter a second.
+// A camera on an arm of 3 units that turns about y, a quarter turn per second.
 std::string turningCamera() {
     const float half = float(std::numbers::sqrt2 / 2);
     const std::string data = floats({0, 1, 2, 0, 0, 0, 1, 0, half, 0, half, 0, 1, 0, 0});
@@ -160,7 +160,7 @@ TEST(Transform, AnglesComeBackAsTheTurnTheyWere) {
     for (int i = 0; i < 2000; ++i) {
         Vector angles(angle(random), angle(random), angle(random));
         if (i % 4 == 0)
-            angles.z = i % 8 ? PI / 2 : -PI / 2; // where two of them are one
+            angles.z = i % 8 ? PI / 2 : -PI / 2; // where two angles are about one axis
         const Quaternion turn = fromAngles(angles);
         const Vector back = toAngles(turn, Vector(angle(random), angle(random), angle(random)) * 3.0);
         EXPECT_LT(angleBetween(turn, fromAngles(back)), 1e-6) << i;
@@ -210,7 +210,7 @@ TEST(Transform, EachAxisCanBeUp) {
         EXPECT_EQ(Vector(0, 1, 0), axes * axis) << name;
         EXPECT_EQ(1, axes.Determinant()) << name;
     }
-    EXPECT_EQ("'w' is no axis: x, y, z, -x, -y or -z", refusalOf([] { axesWithUp("w"); }));
+    EXPECT_EQ("'w' is not an axis: x, y, z, -x, -y or -z", refusalOf([] { axesWithUp("w"); }));
 }
 
 TEST(Import, APartOfEachMaterialBecomesASubmeshWithItsName) {
@@ -284,7 +284,7 @@ TEST(Import, AModelFarFromTheOriginGetsACamera) {
     EXPECT_EQ(manager->mScenes[0]->mChildren[0]->mName, "camera");
 }
 
-TEST(Import, NonsenseFromTheReadingProcessIsRefused) {
+TEST(Import, InvalidDataFromTheReadingProcessIsRefused) {
     Model model;
     model.nodes.resize(2);
     model.nodes[1].parent = 0;
@@ -294,7 +294,7 @@ TEST(Import, NonsenseFromTheReadingProcessIsRefused) {
     model.parts[0].triangles = {{0, 1, 2}};
     const auto refusal = [](Model sent) { return refusalOf([&] { fromBytes(toBytes(sent)); }); };
     EXPECT_EQ(refusal(model), "not refused");
-    const std::string nonsense = "the reading process has sent nonsense";
+    const std::string nonsense = "the reading process sent invalid data";
     for (const auto& spoil : std::vector<std::function<void(Model&)>>{
              [](Model& m) { m.nodes[0].parent = 1; }, [](Model& m) { m.nodes[1].parent = -2; },
              [](Model& m) { m.nodes[1].parts[0] = 1; }, [](Model& m) { m.parts[0].triangles[0][2] = 3; },
@@ -349,7 +349,7 @@ TEST(Import, AJumpOfTheKeysStaysAJump) {
         EXPECT_LT(position.mX.mKeys[i - 1].mTime, position.mX.mKeys[i].mTime);
 }
 
-TEST(Import, KeysOfGltfAreJoinedAsTheyAskFor) {
+TEST(Import, KeysOfGltfAreInterpolatedAsSpecified) {
     const test::TempDir folder;
     const auto positionOf = [&](const Conversion& conversion, float time) {
         const auto manager = load(conversion);
@@ -367,10 +367,11 @@ TEST(Import, KeysOfGltfAreJoinedAsTheyAskFor) {
     const std::vector<float> curve = {0, 0, 0,  0, 0, 0, 0, 9, 0, 0, 9, 0, 1, 1,
                                       1, 0, -9, 0, 0, 0, 0, 3, 3, 3, 0, 0, 0};
     test::writeFile(folder.file("curve.gltf"), movingNode("CUBICSPLINE", curve));
-    EXPECT_TRUE(contains(import(folder.file("curve.gltf")).losses, "it moves on curves between its keys"));
+    EXPECT_TRUE(
+        contains(import(folder.file("curve.gltf")).losses, "its curves between keys become straight lines"));
 }
 
-TEST(Import, WhatRepeatsRepeatsAndWhatCantIsSaid) {
+TEST(Import, RepetitionsAreKeptOrReported) {
     Channel channel;
     channel.positions = {{0, {0, 0, 0}}, {1, {0, 1, 0}}, {2, {0, 0, 0}}};
     channel.before = channel.after = Beyond::REPEAT;
@@ -469,15 +470,15 @@ TEST(Import, PointsAloneAreFittedAndSpread) {
     EXPECT_NEAR(100 * 0.366, slanted, 8);
 }
 
-TEST(Import, WhatIsLostIsSaidWithTheNameOfTheNode) {
+TEST(Import, LossesAreReportedWithTheNameOfTheNode) {
     if (!std::filesystem::exists(PACKAGE))
         GTEST_SKIP() << "assimp-testmodels is not installed";
     const std::string models = PACKAGE;
     EXPECT_TRUE(contains(
         import(models + "/glTF2/glTF-Sample-Models/AnimatedMorphCube-glTF/AnimatedMorphCube.gltf").losses,
-        "node 'AnimatedMorphCube': 2 shapes to morph to are left out"));
+        "node 'AnimatedMorphCube': 2 morph targets are left out"));
     EXPECT_TRUE(
-        contains(import(models + "/glTF2/simple_skin/simple_skin.gltf").losses, "it is bent by 2 bones"));
+        contains(import(models + "/glTF2/simple_skin/simple_skin.gltf").losses, "it is deformed by 2 bones"));
 }
 
 TEST(Import, AnFbxFileStandsUprightInMetres) {

@@ -1,4 +1,4 @@
-// Encodes a film with ffmpeg: frames and sound in, a file out.
+// Encodes a film with ffmpeg.
 #pragma once
 
 #include "am_image.h"

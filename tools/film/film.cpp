@@ -27,8 +27,7 @@ namespace zentrak::film {
 
 namespace {
 
-// How long before a picture drawing has to begin for the picture to be whole: some effects draw over what the
-// frames before have left, and fade it. In seconds.
+// Seconds to draw before a picture for it to be complete: some effects fade and draw over earlier frames.
 constexpr double LEAD = 5;
 
 volatile std::sig_atomic_t interrupted = 0;
@@ -86,14 +85,14 @@ std::string frameName(const std::string& folder, long frame) {
     return folder + name;
 }
 
-// What is made of the frames.
+// What to make of the frames.
 struct Outputs {
     std::unique_ptr<Encoder> film;
     std::unique_ptr<Sheet> sheet;
     std::string frames;
     std::string still;
 
-    // Whether the frame's picture is needed, once it lies in the range.
+    // Whether a frame within the range is needed as a picture.
     bool wants(long frame) const {
         return film || !frames.empty() || !still.empty() || (sheet && sheet->wants(frame));
     }
@@ -110,8 +109,8 @@ struct Outputs {
     }
 };
 
-// Plays from the start of the show up to `last`, and hands out the frames from `first` on. False if the
-// viewer has broken it off.
+// Plays from the start of the show to `last`, and passes on the frames from `first` on. False if the viewer
+// has stopped it.
 bool play(Player& player, long first, long last, int rate, const Outputs& outputs) {
     const long lead = std::lround(LEAD * rate);
     const auto isNear = [&](long frame) {
@@ -178,7 +177,7 @@ int makeFilm(const Options& options, const MakeEffects& makeEffects) {
     if (whole && outputs.sheet && !outputs.sheet->write(options.sheet))
         return 1;
     if (!whole)
-        fprintf(stderr, "zentrak-film: broken off after %.2f seconds of the show\n",
+        fprintf(stderr, "zentrak-film: stopped after %.2f seconds of the show\n",
                 double(player.getNextFrame()) / options.rate);
     return whole ? 0 : 130;
 }

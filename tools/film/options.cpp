@@ -89,19 +89,19 @@ bool takesValue(const std::string& name) {
     return false;
 }
 
-// What is wrong with the combination of options, or null.
+// What is wrong with the combination of options; null if nothing is.
 const char* findContradiction(const Options& options) {
     if (options.still &&
         (!options.frames.empty() || !options.sheet.empty() || options.to || options.from > 0))
-        return "--still makes one picture and goes with --size, --rate, --seed and --show only";
+        return "--still makes one picture; only --size, --rate, --seed and --show go with it";
     if (options.still && options.film.empty())
-        return "--still wants the name of a picture";
+        return "--still needs the name of a picture";
     if (options.film.empty() && options.frames.empty() && options.sheet.empty())
         return "nothing to make: name a film, or give --still, --frames or --sheet";
     if (options.to && *options.to <= options.from)
-        return "--to has to lie after --from";
+        return "--to must be after --from";
     if (options.width & 1 || options.height & 1)
-        return "the width and the height of a film are even numbers";
+        return "the width and height of a film must be even";
     return nullptr;
 }
 
@@ -124,7 +124,7 @@ std::optional<Options> readOptions(int argc, char** argv) {
                 return std::nullopt;
             }
         } else if (argument[0] == '-' || argument.empty() || !options.film.empty()) {
-            fprintf(stderr, "zentrak-film: what is '%s'?\n", argument.c_str());
+            fprintf(stderr, "zentrak-film: unexpected argument '%s'\n", argument.c_str());
             return std::nullopt;
         } else {
             options.film = absolute(argv[i]);

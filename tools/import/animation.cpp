@@ -9,7 +9,7 @@ namespace zentrak::importer {
 
 namespace {
 
-constexpr double FIRST_STEP = 0.5; // radians: what a turn is cut into before its error is looked at
+constexpr double FIRST_STEP = 0.5; // radians: the first subdivision of a turn, before its error is measured
 constexpr int MAX_HALVINGS = 12;
 
 struct Sample {
@@ -18,8 +18,8 @@ struct Sample {
     Vector angles;
 };
 
-// The keys of one component. Those in the middle of a straight run are left out, and of one that does not
-// move all.
+// The keys of one component. Keys in the middle of a straight run are dropped, and all keys of a constant
+// one.
 void setKeys(o3d::TrackBlenderFloat& track, const std::vector<double>& times,
              const std::vector<double>& values, double exactness, int extrapolation) {
     track.mKeys.clear();
@@ -30,14 +30,14 @@ void setKeys(o3d::TrackBlenderFloat& track, const std::vector<double>& times,
     track.mInterpolation = o3d::TrackBlenderFloat::INTERPOLATION_LINEAR;
     track.mExtrapolation = extrapolation;
     const auto add = [&](size_t i) {
-        // At a jump, and where keys are closer than floats are, the next time that there is.
+        // At a jump, and where keys are closer together than floats, the next representable time.
         float time = float(times[i]);
         if (!track.mKeys.empty())
             time = std::max(time, nextafterf(track.mKeys.back().mTime, INFINITY));
         const float value = float(values[i]);
         track.mKeys.push_back({time, value, time, value, time, value});
     };
-    // How steep a line from the last key may be to pass all the values since.
+    // The slopes that a line from the last key may have to pass all the values since.
     size_t last = 0;
     double least = -INFINITY, most = INFINITY;
     add(0);
@@ -55,14 +55,14 @@ void setKeys(o3d::TrackBlenderFloat& track, const std::vector<double>& times,
             least = std::max(least, (values[i] - exactness - values[last]) / step);
             most = std::min(most, (values[i] + exactness - values[last]) / step);
         } else {
-            // A jump: nothing lies on one line with it.
+            // A jump ends any straight run.
             least = INFINITY;
         }
     }
     add(times.size() - 1);
 }
 
-// How exact a component's keys are: a little above what a float can say.
+// The tolerance of a component's keys: a little above the precision of a float.
 double exactnessOf(const std::vector<Sample>& samples, unsigned component, bool angles) {
     double largest = 0;
     for (const Sample& sample : samples)
@@ -91,7 +91,7 @@ void setComponents(const std::vector<VectorKey>& keys, const std::function<Vecto
     setComponents(samples, false, {&track.mX, &track.mY, &track.mZ}, extrapolation);
 }
 
-// Cuts a movement into pieces that are straight enough.
+// Cuts a motion into pieces that are straight enough.
 class Sampler {
 public:
     Sampler(const std::function<Pose(double)>& pose, double placeError)
@@ -114,7 +114,7 @@ public:
     }
 
     std::vector<Sample> mSamples;
-    double mWorstTurn = 0, mWorstPlace = 0; // of what had to be left
+    double mWorstTurn = 0, mWorstPlace = 0; // errors that remain
 
 private:
     const Sample& last() const { return mSamples.back(); }
@@ -133,7 +133,7 @@ private:
             place =
                 std::max(place, (pose.position - (a.position * (1 - share) + b.position * share)).Length());
         }
-        // A tenth is left for the keys that are dropped, and some for what lies between the three.
+        // A tenth of the tolerance is for dropped keys, and some for the times between the three samples.
         if (turn <= MAX_TURN_ERROR * 0.7 && place <= mPlaceError * 0.7) {
             mSamples.push_back(b);
             return;
@@ -222,7 +222,7 @@ void setRotation(const std::vector<QuaternionKey>& source, const Space& space, o
 
 int extrapolationOf(const Channel& channel, std::vector<std::string>& losses) {
     if (channel.before == Beyond::EXTRAPOLATE || channel.after == Beyond::EXTRAPOLATE)
-        losses.push_back("it goes on in a straight line outside its keys: it stands still there");
+        losses.push_back("it is extrapolated outside its keys: it stands still there");
     if (channel.before != Beyond::REPEAT && channel.after != Beyond::REPEAT)
         return o3d::TrackBlenderFloat::EXTRAPOLATION_CONSTANT;
     if (channel.before != channel.after)

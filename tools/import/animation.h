@@ -12,9 +12,9 @@
 
 namespace zentrak::importer {
 
-// How far a resampled turn may be off at any time, radians.
+// The largest error of a resampled rotation at any time, radians.
 constexpr double MAX_TURN_ERROR = 0.0005;
-// And a resampled position, of the size of the scene.
+// The same for a position, as a fraction of the scene's size.
 constexpr double MAX_PLACE_ERROR = 0.0001;
 
 struct Pose {
@@ -22,18 +22,18 @@ struct Pose {
     Quaternion rotation;
 };
 
-// The pose at `time` by a channel, or by `rest` for what the channel has no keys of.
+// The channel's pose at `time`; components without keys are those of `rest`.
 Trs poseAt(const Channel& channel, const Trs& rest, double time);
 
-// All times at which a key of the channel lies, ascending, each once.
+// The times of all keys of the channel, ascending, each once.
 std::vector<double> keyTimes(const Channel& channel);
 
-// The channel's keys, in the engine's space, as tracks. Positions and scales are as exact as the numbers;
-// turns are resampled within MAX_TURN_ERROR. What can't be kept is said, a text each.
+// The channel's keys as tracks, in the engine's space. Positions and scales are exact; rotations are
+// resampled to within MAX_TURN_ERROR. Adds a text to `losses` for everything that is lost.
 void setTracks(const Channel& channel, const Space& space, o3d::TrackVector3f& position,
                o3d::TrackEulerf& rotation, o3d::TrackVector3f& scale, std::vector<std::string>& losses);
 
-// A pose that moves in any way between `times`, resampled within MAX_TURN_ERROR and `placeError`.
+// A pose that moves arbitrarily between `times`, resampled to within MAX_TURN_ERROR and `placeError`.
 void setTracks(const std::vector<double>& times, const std::function<Pose(double)>& pose, double placeError,
                o3d::TrackVector3f& position, o3d::TrackEulerf& rotation, std::vector<std::string>& losses);
 

@@ -31,7 +31,7 @@ constexpr bool SANITIZED = true;
 constexpr bool SANITIZED = false;
 #endif
 
-// The first byte of what the child sends.
+// The first byte that the child sends.
 constexpr char GOOD = '+';
 constexpr char FAILED = '-';
 
@@ -53,7 +53,7 @@ bool sendAll(int file, const std::string& bytes) {
 [[noreturn]] void runChild(const std::function<std::string()>& work, int pipe, int seconds, int megabytes) {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     limit(RLIMIT_CORE, 0);
-    limit(RLIMIT_CPU, uint64_t(seconds) + 5); // the parent's clock comes first
+    limit(RLIMIT_CPU, uint64_t(seconds) + 5); // in case the parent can't end it
     if (!SANITIZED)
         limit(RLIMIT_AS, uint64_t(megabytes) << 20);
     for (const int number : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT})
@@ -76,7 +76,7 @@ bool sendAll(int file, const std::string& bytes) {
     _exit(sendAll(pipe, answer) ? 0 : 1);
 }
 
-// All that comes before the end of the stream; false where the time is over first.
+// Reads up to the end of the stream; false if the time is over first.
 bool receiveAll(int file, int seconds, std::string& bytes) {
     using Clock = std::chrono::steady_clock;
     const auto end = Clock::now() + std::chrono::seconds(seconds);

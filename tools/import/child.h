@@ -1,4 +1,4 @@
-// Work in a process of its own, so that a crash or an endless loop in it ends nothing else.
+// Runs work in a process of its own, so that a crash or an endless loop there does no harm here.
 #pragma once
 
 #include <functional>
@@ -6,9 +6,9 @@
 
 namespace zentrak::importer {
 
-// What `work` gives. Throws std::runtime_error: with the text of what `work` throws; or that it crashed,
-// took more than `seconds`, or more than `megabytes` (not with sanitizers, which take more by themselves).
-// What it prints on the standard output is dropped.
+// Returns the result of `work`. Throws std::runtime_error if `work` throws (with the same text), crashes, or
+// takes more than `seconds` or `megabytes` (no limit on memory with sanitizers). What it prints on standard
+// output is discarded.
 std::string inChild(const std::function<std::string()>& work, int seconds, int megabytes);
 
 } // namespace zentrak::importer

@@ -25,17 +25,17 @@ using mathbase::Vector3f;
 
 namespace {
 
-constexpr size_t MAX_PARTS = 256; // of a mesh: a byte numbers them
+constexpr size_t MAX_PARTS = 256; // of a mesh: their numbers are bytes
 // Some of what the loader takes is for the chunks in and around the nodes.
 constexpr int MAX_NODE_DEPTH = int(o3d::MAX_DEPTH) - 100;
-constexpr double NEAREST = 0.5; // what the effects' cameras see, units
+constexpr double NEAREST = 0.5; // near plane of the effects' cameras, units
 constexpr double FARTHEST = 1000;
 
 Vector3f toFloat(const Vector& v) {
     return Vector3f(float(v.x), float(v.y), float(v.z));
 }
 
-// A name that is not in `taken` yet.
+// A name that is not in `taken`.
 std::string uniqueName(const std::string& wanted, const char* otherwise, std::set<std::string>& taken) {
     const std::string base = wanted.empty() ? otherwise : wanted;
     std::string name = base;
@@ -119,7 +119,7 @@ private:
         for (size_t i = 0; i < mModel.nodes.size(); ++i) {
             mRest[i] = decompose(mModel.nodes[i].matrix);
             if (!isFinite(mModel.nodes[i].matrix))
-                lose(mModel.nodes[i], "its transform is not a number: it has none");
+                lose(mModel.nodes[i], "its transform is not a number: it is ignored");
         }
         const auto& animations = mModel.animations;
         const std::string& wanted = mOptions.animation;
@@ -140,7 +140,7 @@ private:
         for (const Channel& channel : mAnimation->channels) {
             const auto found = byName.find(channel.node);
             if (found == byName.end())
-                lose(channel.node, "it is animated, and not in the scene");
+                lose(channel.node, "it is animated but not in the scene");
             else if (!channel.positions.empty() || !channel.rotations.empty() || !channel.scales.empty())
                 mChannels[size_t(found->second)] = &channel;
         }
@@ -161,7 +161,7 @@ private:
         return result;
     }
 
-    // The scene's box at time 0, and from it what fits it in.
+    // The scene's box at time 0, and the scale and offset that fit it in.
     void measure() {
         Bounds bounds;
         mWorld.resize(mModel.nodes.size());
@@ -263,7 +263,7 @@ private:
         return mNoMaterial;
     }
 
-    // The mesh of these parts, made once for each place; null where nothing is left of them.
+    // The mesh of these parts, made once for each node; null if nothing is left of them.
     const o3d::Mesh* meshOf(const Node& node, const std::vector<uint32_t>& numbers, const Matrix& place,
                             bool shared) {
         const auto known = mMeshes.find(numbers);
@@ -371,9 +371,9 @@ private:
                          mSpace.scale(rest.scale));
             std::vector<std::string> losses;
             if (mChannels[number]->disordered)
-                losses.push_back("its keys are in disorder: they are taken by their times");
+                losses.push_back("its keys are out of order: they are sorted by time");
             if (mChannels[number]->curved)
-                losses.push_back("it moves on curves between its keys: in straight lines now");
+                losses.push_back("its curves between keys become straight lines");
             setTracks(*mChannels[number], mSpace, outer->mPosition, outer->mRotation, outer->mScale, losses);
             for (const std::string& loss : losses)
                 lose(node, loss);
@@ -410,7 +410,7 @@ private:
                                          : vertexPoints(mModel, mWorld);
         for (const Vector& point : points) {
             const Vector3f v = toFloat(mSpace.point(point) + mOffset);
-            // Whoever draws points takes their direction from the origin.
+            // What draws points uses their direction from the origin.
             if (v.length() > 0)
                 mesh->mVertices.push_back(v);
         }
@@ -420,7 +420,7 @@ private:
         scene::addInstance(*mScene, "points", *made, Vector3f(0, 0, 0));
     }
 
-    // Where a camera or a light stands, in the engine's space: it looks along -y, with -z up.
+    // The pose of a camera or a light in the engine's space: it looks along -y, with -z up.
     Pose poseOf(int node, const Vector& position, const Vector& direction, const Vector& up,
                 double time) const {
         const Matrix world = worldAt(node, time);
@@ -454,7 +454,8 @@ private:
         return times;
     }
 
-    // Directly in the scene, where effects look for them, with all that moves them in their own tracks.
+    // Directly in the scene, where effects look for them. Their own tracks include the motion of their
+    // parents.
     void addCameras() {
         for (const CameraData& data : mModel.cameras) {
             auto camera = std::make_unique<o3d::Camera>();
@@ -473,7 +474,7 @@ private:
             if (data.angle > 0)
                 camera->mAngle.mX.mValue = float(data.angle);
             if (data.orthographic)
-                losses.push_back("its camera sees without perspective: it has one now");
+                losses.push_back("its camera is orthographic: it gets a perspective");
             for (const std::string& loss : losses)
                 lose(data.name, loss);
             mScene->addChild(camera.release());
@@ -500,7 +501,7 @@ private:
         for (const LightData& data : mModel.lights) {
             const int node = findNode(data.name);
             if (data.ambient) {
-                lose(data.name, "a light from everywhere is left out");
+                lose(data.name, "an ambient light is left out");
                 continue;
             }
             auto light = std::make_unique<o3d::Light>();
@@ -510,11 +511,11 @@ private:
             light->mColor.mB.mValue = data.color[2];
             if (data.angle > 0)
                 light->mAngle.mX.mValue = float(data.angle);
-            // In the node's own space, so the pose is that of a node that is not there.
+            // In the node's own space, so the pose is relative to an identity node.
             const Pose pose = poseOf(-1, data.position, data.direction, Vector(0, 1, 0), 0);
             setTransform(*light, pose.position - mOffset, pose.rotation, Vector(1, 1, 1));
             (node >= 0 ? made[size_t(node)] : mScene)->addChild(light.release());
-            lose(data.name, "of its light the colour and the cone are kept, and not its range and falloff");
+            lose(data.name, "its light keeps its colour and cone, and loses its range and falloff");
         }
     }
 
@@ -530,15 +531,15 @@ private:
         if (!mOptions.points && (part.lines > 0 || part.points > 0))
             lose(node, format("%u lines and %u points are left out", part.lines, part.points));
         if (part.badTriangles > 0)
-            lose(node, format("%u triangles use vertices that there are not", part.badTriangles));
+            lose(node, format("%u triangles have invalid vertex indices", part.badTriangles));
         if (part.bones > 0)
-            lose(node, format("it is bent by %u bones: it stays as it lies at rest", part.bones));
+            lose(node, format("it is deformed by %u bones: it stays in its rest pose", part.bones));
         if (part.morphs > 0)
-            lose(node, format("%u shapes to morph to are left out", part.morphs));
+            lose(node, format("%u morph targets are left out", part.morphs));
         if (mOptions.points)
             return;
         if (part.colors)
-            lose(node, "colours of vertices are left out");
+            lose(node, "vertex colours are left out");
         if (part.texCoordSets > 1)
             lose(node, format("of %u sets of texture coordinates the first is kept", part.texCoordSets));
         if (part.depthCoords)
@@ -552,7 +553,7 @@ private:
                                          "' is left out: --animation chooses it");
             else
                 for (const std::string& other : animation.others)
-                    lose(other, "the movement of its vertices is left out");
+                    lose(other, "its vertex animation is left out");
         }
     }
 
@@ -586,7 +587,7 @@ private:
     Conversion mResult;
 
     const Animation* mAnimation = nullptr;
-    std::vector<const Channel*> mChannels; // by node; null for those that stand still
+    std::vector<const Channel*> mChannels; // by node; null if not animated
     std::vector<Trs> mRest;                // by node
     std::vector<Matrix> mWorld;            // by node, at time 0, file's space
 
@@ -614,7 +615,7 @@ Matrix3 axesWithUp(const std::string& up) {
         return Matrix3(0, -1, 0, 1, 0, 0, 0, 0, 1);
     if (up == "-x")
         return Matrix3(0, 1, 0, -1, 0, 0, 0, 0, 1);
-    throw std::runtime_error("'" + up + "' is no axis: x, y, z, -x, -y or -z");
+    throw std::runtime_error("'" + up + "' is not an axis: x, y, z, -x, -y or -z");
 }
 
 Conversion convert(const Model& model, const Options& options, const std::string& name) {

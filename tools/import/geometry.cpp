@@ -12,15 +12,15 @@ using mathbase::Vector3f;
 
 namespace {
 
-constexpr float SAME_NORMAL = 0.999f;   // cosine of what two normals at one position may be apart
+constexpr float SAME_NORMAL = 0.999f;   // cosine of the largest angle between normals that share a position
 constexpr float LEAST_SUM = 0.01f;      // of the unit normals at a position
-constexpr float LEAST_TANGENT = 1e-4f;  // of the tangents at a vertex, of all their lengths
-constexpr float LEAST_TEXTURE = 1e-10f; // area of a triangle in the texture, of its size there squared
+constexpr float LEAST_TANGENT = 1e-4f;  // of the sum of the tangents at a vertex, relative to their lengths
+constexpr float LEAST_TEXTURE = 1e-10f; // area of a triangle in the texture, relative to its size squared
 
 struct Corner {
     int position = 0;
     float u = 0, v = 0;
-    float layer = 0; // the third coordinate, which only keeps tangents apart
+    float layer = 0; // the third coordinate, used only to separate tangents
     bool alone = false;
 };
 
@@ -53,7 +53,7 @@ public:
         for (size_t i = 0; i < mParts.size(); ++i)
             addPart(i);
         separateOpposed();
-        // A corner that goes changes the normal of those that stay.
+        // Removing a corner changes the normal of the others.
         for (int round = 0; round < 3 && separateTangents(); ++round)
             ;
         return finish();
@@ -119,7 +119,7 @@ private:
             }
     }
 
-    // Gives the triangle an area in the texture, and mirrored ones another layer than the others.
+    // Gives the triangle an area in the texture, and mirrored triangles a layer of their own.
     void layOut(Face& face) {
         float size = 0, reach = 0;
         for (const Corner& corner : face.corners) {
@@ -173,7 +173,7 @@ private:
                     isolate(corner);
     }
 
-    // What the engine adds up for the tangents of a vertex.
+    // The engine's sum of the tangents at a vertex.
     struct Sum {
         Vector3f tangent{0, 0, 0}, binormal{0, 0, 0};
         float lengths = 0;
@@ -188,7 +188,7 @@ private:
         }
     };
 
-    // Where the tangents at a vertex do, as around the pole of a sphere.
+    // Where the tangents at a vertex cancel out, as around the pole of a sphere.
     bool separateTangents() {
         std::vector<Vector3f> normals(mPoints.size(), Vector3f(0, 0, 0));
         for (const Face& face : mFaces)
@@ -198,9 +198,8 @@ private:
             if (normal.length() > 0)
                 normal.normalize();
 
-        // Corners by what the engine takes together: part and position. It adds where the coordinates are
-        // near; taking all of a layer at a position together is coarser, and errs on the side of separating
-        // where that does no harm.
+        // Corners by what the engine sums over: part and position. It sums only where the coordinates are
+        // close; summing a whole layer at a position is coarser, and at worst separates too many corners.
         std::map<std::tuple<size_t, int, float, float, float>, Sum> sums;
         const auto keyOf = [](const Face& face, const Corner& c) {
             return std::make_tuple(face.part, c.position, c.u, c.v, c.layer);

@@ -1,5 +1,4 @@
-// Meshes as the engine wants them: made so that its normals come out as the file's, and that it can make them
-// at all.
+// Builds meshes for which the engine computes the normals of the model file, without failing on any of them.
 #pragma once
 
 #include "import/model.h"
@@ -14,17 +13,17 @@
 namespace zentrak::importer {
 
 struct MeshLosses {
-    size_t flatTriangles = 0;   // left out: without area, or with NaN
-    size_t movedTexCoords = 0;  // triangles whose coordinates had no area
+    size_t flatTriangles = 0;   // left out: without area, or NaN
+    size_t movedTexCoords = 0;  // triangles without area in the texture
     size_t brokenTexCoords = 0; // coordinates that were NaN or infinite: 0 now
 };
 
-// One Submesh for each part, with the part's place in the list as its material number; at most 256 parts. The
-// Mesh has no positions if nothing of it is left.
+// One Submesh per part, whose index is its material number; at most 256 parts. The Mesh has no positions if
+// nothing is left of it.
 //
-// The engine smooths over all triangles at a position, so positions are shared where the file's normals
-// agree. It also can't take a triangle without area, normals or tangents that cancel out: the former are left
-// out, at the latter a corner gets a position and coordinates of its own.
+// The engine smooths over all triangles at a position, so positions are shared only where the file's normals
+// agree. It fails on triangles without area, which are left out, and on normals or tangents that cancel out,
+// where corners get positions and coordinates of their own.
 std::unique_ptr<o3d::Mesh> buildMesh(const std::vector<const Part*>& parts, const Space& space,
                                      const Matrix& place, MeshLosses& losses);
 

@@ -26,7 +26,7 @@ struct Json {
         const auto found = members.find(name);
         return found == members.end() ? nothing : found->second;
     }
-    // The element that a member of another value numbers.
+    // The element whose index is a member of another value.
     const Json& operator[](const Json& index) const {
         static const Json nothing;
         return index.number >= 0 && index.number < double(elements.size()) ? elements[size_t(index.number)]
@@ -94,7 +94,7 @@ private:
         ++mAt;
     }
 
-    // An escaped character stays as it is written, but for the two that end nothing.
+    // Escapes are kept as written, except \" and \\.
     std::string string() {
         expect('"');
         std::string result;
@@ -111,11 +111,11 @@ private:
     size_t mAt = 0;
 };
 
-// The text of a glTF file, or the text part of a binary one.
+// The text of a glTF file, or the JSON chunk of a binary one.
 std::string readText(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     std::string bytes(std::istreambuf_iterator<char>(file), {});
-    constexpr size_t HEADER = 20; // of the file and of its first part
+    constexpr size_t HEADER = 20; // of the file and its first chunk
     if (bytes.size() < HEADER || bytes.compare(0, 4, "glTF") != 0)
         return bytes;
     uint32_t length = 0;

@@ -1,4 +1,4 @@
-// How a glTF file wants its keys joined, which assimp 5 reads and forgets.
+// The interpolation of the keys in a glTF file, which assimp 5 discards.
 #pragma once
 
 #include <string>
@@ -14,8 +14,8 @@ struct KeyModes {
     KeyMode mode;
 };
 
-// Of each animation of the file, in its order, what is not linear. Empty for a file that is no glTF 2, and
-// for one that can't be understood.
+// The channels that aren't linear, for each animation in the file's order. Empty if the file isn't glTF 2 or
+// can't be parsed.
 std::vector<std::vector<KeyModes>> readKeyModes(const std::string& path);
 
 } // namespace zentrak::importer

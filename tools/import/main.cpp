@@ -23,16 +23,16 @@ constexpr const char* USAGE =
     R"(usage: zentrak-import [OPTION...] FILE [OUT.o3d]
 Makes a scene file of a model: glTF, FBX, Collada, OBJ and whatever else assimp reads. Without OUT.o3d it
 takes the name of FILE, in the current folder.
-  --scale=FACTOR      makes all larger by this factor; 1 is one unit a metre
-  --fit=RADIUS        makes all fit into this distance around the origin instead
-  --up=AXIS           the axis of FILE that is up: x, y, z, -x, -y, -z; else as FILE says, or y
-  --animation=NAME    the one of several to take, by name or by number from 1; else the first
-  --flat              a mesh for each node, where it stands at time 0, and nothing moves
-  --points            nothing but the positions of all vertices
-  --points=COUNT      nothing but so many points, spread over the surfaces
-  --no-camera         adds no camera where FILE has none
-  --dry-run           says all, and writes nothing
-  --seconds=COUNT     gives up on reading FILE after this time; else 60
+  --scale=FACTOR      scales everything; 1 is one unit per metre
+  --fit=RADIUS        instead scales and moves everything to lie within RADIUS of the origin
+  --up=AXIS           the axis of FILE that points up: x, y, z, -x, -y, -z; default: what FILE says, or y
+  --animation=NAME    which animation to take, by name or by number from 1; default: the first
+  --flat              one mesh per node, in its pose at time 0, without animation
+  --points            only the positions of all vertices
+  --points=COUNT      only COUNT points, spread over the surfaces
+  --no-camera         doesn't add a camera if FILE has none
+  --dry-run           reports as usual, but writes nothing
+  --seconds=COUNT     gives up reading FILE after this time; default: 60
 )";
 
 struct Call {

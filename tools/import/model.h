@@ -1,4 +1,4 @@
-// A model file's scene in plain values, as the reading process hands it over.
+// The scene of a model file in plain values, as the reading process sends it.
 #pragma once
 
 #include <assimp/types.h>
@@ -20,14 +20,14 @@ struct Part {
     std::string name;
     uint32_t material = 0; // index in the Model's
     std::vector<std::array<float, 3>> positions;
-    std::vector<std::array<float, 3>> normals;   // one a position, or none
-    std::vector<std::array<float, 2>> texCoords; // one a position, or none; v upward
+    std::vector<std::array<float, 3>> normals;   // one per position, or none
+    std::vector<std::array<float, 2>> texCoords; // one per position, or none; v upward
     std::vector<std::array<uint32_t, 3>> triangles;
 
-    // What there is beside them.
+    // What else the mesh has, which is lost.
     uint32_t points = 0;
     uint32_t lines = 0;
-    uint32_t badTriangles = 0; // with a vertex that there is not
+    uint32_t badTriangles = 0; // with an invalid index
     uint32_t bones = 0;
     uint32_t morphs = 0;
     uint32_t texCoordSets = 0;
@@ -87,14 +87,14 @@ struct QuaternionKey {
 enum class Beyond : uint8_t { HOLD, EXTRAPOLATE, REPEAT };
 
 // Replaces the transform of a node: linear between positions and scales, spherical between rotations. Times
-// ascend; equal ones jump.
+// ascend; two equal times are a jump.
 struct Channel {
     std::string node;
     std::vector<VectorKey> positions, scales;
     std::vector<QuaternionKey> rotations;
     Beyond before = Beyond::HOLD, after = Beyond::HOLD;
     uint8_t disordered = 0; // the keys had to be sorted
-    uint8_t curved = 0;     // between keys, which is lost
+    uint8_t curved = 0;     // curves between keys are lost
 };
 
 struct Animation {

@@ -20,7 +20,7 @@ bool isFinite(const Vector& v) {
 
 struct Triangle {
     Vector a, ab, ac;
-    double end; // sum of the areas up to and with this one
+    double end; // sum of the areas up to and including this one
 };
 
 } // namespace

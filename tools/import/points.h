@@ -5,13 +5,13 @@
 
 namespace zentrak::importer {
 
-// `world` holds a matrix for each node. Both leave out what is not a number.
+// `world` holds a matrix for each node. Both functions leave out NaN and infinities.
 
 // All vertices, each position once.
 std::vector<Vector> vertexPoints(const Model& model, const std::vector<Matrix>& world);
 
-// `count` points spread evenly over all triangles, by area, the same each time; any that are as many apart in
-// the list are spread as evenly. None without triangles.
+// `count` points spread evenly over the area of all triangles, the same each time. Every n-th of them is
+// spread as evenly. Empty without triangles.
 std::vector<Vector> spreadPoints(const Model& model, const std::vector<Matrix>& world, int count);
 
 } // namespace zentrak::importer

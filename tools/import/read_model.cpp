@@ -26,7 +26,7 @@ const unsigned READ_FLAGS =
 
 namespace {
 
-constexpr double TICKS_PER_SECOND = 25; // where a file says nothing
+constexpr double TICKS_PER_SECOND = 25; // if the file doesn't say
 constexpr size_t MOST_WARNINGS = 20;
 // The uses of pictures, by aiTextureType. The function that names them differs between versions of assimp.
 constexpr const char* USES[] = {
@@ -37,7 +37,7 @@ constexpr const char* USES[] = {
 // Faces without normals are smooth where they meet at less than this, in degrees.
 constexpr float CREASE = 50.0f;
 
-// What assimp remarks while it reads.
+// Collects assimp's warnings.
 class Warnings : public Assimp::LogStream {
 public:
     explicit Warnings(std::vector<std::string>& list) : mList(list) {}
@@ -114,7 +114,7 @@ Part toPart(const aiMesh& mesh) {
     return part;
 }
 
-// Parents first, children in their order; the depth of the tree does not matter.
+// Parents first, children in their order, without recursion.
 void addNodes(const aiScene& scene, Model& model) {
     std::vector<std::pair<const aiNode*, int32_t>> open{{scene.mRootNode, -1}};
     while (!open.empty()) {
@@ -174,8 +174,8 @@ bool multipliesAngles() {
     return scene && scene->mNumCameras == 1 && scene->mCameras[0]->mHorizontalFOV == 2.0f;
 }
 
-// assimp has the horizontal angle. Without an aspect it is the vertical one in glTF, whose reader passes that
-// through, and else meant for a picture of 16:10.
+// assimp stores the horizontal angle. Without an aspect it is the vertical one in glTF, whose reader passes
+// it through; in other formats it is taken to be for a picture of 16:10.
 double verticalAngle(const aiCamera& camera, bool isGltf) {
     const double angle = double(camera.mHorizontalFOV);
     const double aspect = camera.mAspect > 0 ? double(camera.mAspect) : isGltf ? 1.0 : 1.6;
@@ -192,7 +192,7 @@ void addCameras(const aiScene& scene, Model& model) {
         const aiCamera& source = *scene.mCameras[i];
         CameraData camera;
         camera.name = toText(source.mName);
-        // A camera of glTF stands where its node stands; the reader repeats the node's position here.
+        // A glTF camera is at its node's position, which the reader repeats here.
         camera.position = isGltf ? Vector() : toVector(source.mPosition);
         camera.direction = toVector(source.mLookAt);
         camera.up = toVector(source.mUp);
@@ -214,7 +214,7 @@ void addCameras(const aiScene& scene, Model& model) {
     }
 }
 
-// Whether they had to be sorted.
+// Returns whether they had to be sorted.
 template <class Key>
 bool sortKeys(std::vector<Key>& keys) {
     const auto earlier = [](const Key& a, const Key& b) { return a.time < b.time; };
@@ -305,7 +305,7 @@ void setKeyModes(const std::vector<KeyModes>& modes, Animation& animation) {
         }
 }
 
-// Only FBX says how it lies; the readers of the other formats turn the root themselves.
+// Only FBX specifies its axes; the readers of the other formats turn the root themselves.
 void setAxes(const aiScene& scene, Model& model) {
     if (!scene.mMetaData)
         return;
@@ -341,7 +341,7 @@ Model read(const std::string& path) {
             problem = "it is of no kind that assimp knows";
         while (!problem.empty() && (problem.back() == '\n' || problem.back() == ' '))
             problem.pop_back();
-        // The path is said already, by whoever says this.
+        // The caller names the path.
         for (size_t at; (at = problem.find(path)) != std::string::npos;)
             problem.replace(at, path.size(), "the file");
         throw std::runtime_error(problem.empty() ? "assimp can't read it" : problem);

@@ -8,12 +8,12 @@
 namespace zentrak::importer {
 
 struct Limits {
-    int seconds = 60;     // of the clock
-    int megabytes = 4096; // of memory; not kept in a build with sanitizers
+    int seconds = 60;     // wall clock
+    int megabytes = 4096; // not enforced with sanitizers
 };
 
-// Throws std::runtime_error, without the file's name, where assimp refuses the file, crashes, or goes past
-// the limits.
+// Throws std::runtime_error, without the file's name, if assimp refuses the file, crashes, or exceeds the
+// limits.
 Model readModel(const std::string& path, const Limits& limits = {});
 
 // The post-processing that readModel() asks assimp for.

@@ -155,8 +155,7 @@ bool isWhole(const Part& part) {
            (part.texCoords.empty() || part.texCoords.size() == count);
 }
 
-// Whether all indices are within range: the process that sent the model has run foreign code on a foreign
-// file.
+// Whether all indices are within range. The process that sent the model ran a library on an untrusted file.
 bool isWhole(const Model& model) {
     for (size_t i = 0; i < model.nodes.size(); ++i) {
         const Node& node = model.nodes[i];
@@ -185,7 +184,7 @@ Model fromBytes(const std::string& bytes) {
     Reader reader(bytes);
     reader(model);
     if (!isWhole(model))
-        throw std::runtime_error("the reading process has sent nonsense");
+        throw std::runtime_error("the reading process sent invalid data");
     return model;
 }
 

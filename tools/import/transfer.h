@@ -1,4 +1,4 @@
-// A Model as bytes and back, for the pipe between two processes of one program.
+// Serialises a Model for the pipe between two processes of one program.
 #pragma once
 
 #include "import/model.h"
@@ -8,7 +8,7 @@
 namespace zentrak::importer {
 
 std::string toBytes(Model& model);
-// Throws std::runtime_error where the bytes end too early, or an index is out of range.
+// Throws std::runtime_error if the bytes end too early or an index is out of range.
 Model fromBytes(const std::string& bytes);
 
 } // namespace zentrak::importer

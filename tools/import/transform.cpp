@@ -8,7 +8,7 @@ namespace zentrak::importer {
 
 namespace {
 
-// A matrix whose columns are closer to square than this is taken for square: files round their numbers.
+// A matrix whose columns are closer to orthogonal than this counts as orthogonal: files round their numbers.
 constexpr double SQUARE = 1e-4;
 
 double dot(const Vector& a, const Vector& b) {
@@ -48,7 +48,7 @@ void completeAxes(Vector (&axes)[3]) {
     }
 }
 
-// The eigenvectors of a symmetric matrix, as columns, by turning away its largest elements.
+// The eigenvectors of a symmetric matrix, as columns, by Jacobi rotations.
 void eigenvectors(double (&m)[3][3], Vector (&vectors)[3]) {
     double v[3][3] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
     for (int sweep = 0; sweep < 60; ++sweep) {
@@ -76,7 +76,7 @@ void eigenvectors(double (&m)[3][3], Vector (&vectors)[3]) {
         vectors[i] = Vector(v[0][i], v[1][i], v[2][i]);
 }
 
-// Any matrix is a turn, a scale and another turn.
+// Any matrix is a rotation, a scale and another rotation.
 void decomposeShear(const Vector (&columns)[3], Trs& result) {
     double square[3][3];
     for (int i = 0; i < 3; ++i)
@@ -180,7 +180,7 @@ Trs decompose(const Matrix& matrix) {
 }
 
 Matrix toMatrix(const Vector& position, const Quaternion& rotation, const Vector& scale) {
-    // assimp's own constructor of three would turn first and scale then.
+    // assimp's constructor from three parts would rotate before it scales.
     Matrix result(rotation.GetMatrix());
     for (unsigned row = 0; row < 3; ++row) {
         for (unsigned column = 0; column < 3; ++column)
@@ -196,7 +196,7 @@ Vector toAngles(const Quaternion& rotation, const Vector& near) {
     const double z = atan2(m.b1, level);
     Vector first, second;
     if (level < 1e-6) {
-        // The turns about y and x are one: that about y stays what it was.
+        // The rotations about y and x are about one axis: keep the one about y.
         const double sum = m.b1 > 0 ? atan2(m.c2, -m.a2) - near.y : atan2(m.c2, m.a2) + near.y;
         first = second = Vector(sum, near.y, z);
     } else {
@@ -215,7 +215,7 @@ Quaternion fromAngles(const Vector& angles) {
 }
 
 double angleBetween(const Quaternion& a, const Quaternion& b) {
-    // By the difference's vector part: the arc cosine is blind to small angles.
+    // From the vector part of the difference: an arc cosine loses small angles.
     Quaternion back = a;
     back.Conjugate();
     const Quaternion turn = back * b;

@@ -1,5 +1,5 @@
-// Transforms on their way from a model file's space to the engine's: right-handed, y up, and a turn as angles
-// in the order YZX.
+// Converts transforms from a model file's space to the engine's: right-handed, y up, rotations as angles in
+// the order YZX.
 #pragma once
 
 #include "import/model.h"
@@ -29,7 +29,7 @@ struct Trs {
     Vector position;
     Quaternion rotation;
     Vector scale{1, 1, 1};
-    Quaternion inner; // turns ahead of the scale: identity unless the matrix shears
+    Quaternion inner; // the rotation before the scale: identity unless the matrix shears
     bool sheared = false;
 };
 
@@ -39,7 +39,7 @@ bool isFinite(const Matrix& matrix);
 
 Matrix toMatrix(const Vector& position, const Quaternion& rotation, const Vector& scale);
 
-// The angles, radians, of a rotation; of all that there are those nearest to `near`.
+// The angles of a rotation, in radians; of all solutions the one nearest to `near`.
 Vector toAngles(const Quaternion& rotation, const Vector& near);
 Quaternion fromAngles(const Vector& angles);
 

@@ -32,7 +32,7 @@ Vector3f corner(const Vector3f& low, const Vector3f& high, int i) {
     return Vector3f(i & 1 ? high.x : low.x, i & 2 ? high.y : low.y, i & 4 ? high.z : low.z);
 }
 
-// UTF-8 as the font has it: Latin-1, with a question mark for what that lacks.
+// UTF-8 to the font's Latin-1, with question marks for what that lacks.
 std::string toLatin(const std::string& text) {
     std::string result;
     for (size_t i = 0; i < text.size(); ++i) {
@@ -59,7 +59,7 @@ LoadedScene::LoadedScene(const std::string& path) {
         throw std::runtime_error(file ? "it is too large" : strerror(errno));
     mManager.load(reinterpret_cast<const unsigned char*>(bytes.data()), int(bytes.size()));
     if (mManager.mScenes.empty())
-        throw std::runtime_error("it holds no scene");
+        throw std::runtime_error("it contains no scene");
     for (o3d::Mesh* mesh : mManager.mMeshes)
         addMesh(*mesh);
     addRows(getScene(), -1);
@@ -153,7 +153,7 @@ void LoadedScene::setColor(const o3d::MeshInstance& instance, const o3d::Mesh& m
         for (const o3d::Material::Attribute* attribute : material->mAttributes)
             if (attribute->mName == "diffuse")
                 color = attribute->mColor;
-    // Never so dark that its shape is lost.
+    // Never too dark to see its shape.
     const auto lifted = [](float channel) { return 0.1f + 0.9f * std::clamp(channel, 0.0f, 1.0f); };
     glColor4f(lifted(color.x), lifted(color.y), lifted(color.z), 1);
 }
@@ -222,7 +222,7 @@ bool LoadedScene::getBox(size_t row, float time, Vector3f& low, Vector3f& high) 
         while (up > int(row))
             up = mRows[size_t(up)].parent;
         if (up != int(row))
-            break; // what is below a node follows it without a gap
+            break; // the rows below a node follow it directly
         const auto* const instance = dynamic_cast<const o3d::MeshInstance*>(mRows[i].node);
         const auto found = instance ? mGeometry.find(instance->mMeshName) : mGeometry.end();
         if (found == mGeometry.end() || found->second.points.empty())

@@ -17,11 +17,11 @@ struct Counts {
     size_t nodes = 0, meshes = 0, triangles = 0, vertices = 0, materials = 0, lights = 0;
 };
 
-// Draws with plain vertex arrays and makes its own normals, so that any file is shown, also one that the show
-// could not draw.
+// Draws with plain vertex arrays and computes its own normals, so that it can show any file, even one that
+// the show could not draw.
 class LoadedScene {
 public:
-    // Throws Exception, or std::runtime_error, where the file can't be read or holds no scene.
+    // Throws Exception or std::runtime_error if the file can't be read or contains no scene.
     explicit LoadedScene(const std::string& path);
 
     struct Row {
@@ -31,7 +31,7 @@ public:
 
     const o3d::Scene& getScene() const { return *mManager.mScenes.front(); }
 
-    // A node in the world; `flip` tells whether it is mirrored there.
+    // The world transform of a node; `flip`: it is mirrored.
     Matrix4x4Col getWorld(size_t row, float time, bool* flip = nullptr) const;
 
     // The filled triangles of all mesh instances under the display's camera, or their edges, or a line for
@@ -39,7 +39,7 @@ public:
     enum Drawing { FILLED, EDGES, NORMALS };
     void draw(Drawing drawing, float time, float reach) const;
 
-    // The box of a node and all below it, in the world; false where there is nothing of it.
+    // The world bounding box of a node and all below it; false if it is empty.
     bool getBox(size_t row, float time, Vector3f& low, Vector3f& high) const;
 
     std::vector<Row> mRows;       // the tree, parents first; the first is the scene
@@ -69,7 +69,7 @@ private:
     std::map<std::string, Geometry> mGeometry; // by mesh name
 };
 
-// "mesh", "camera"... of a node, and where it is found in the tree: its name, or the kind where it has none.
+// The kind of a node, "mesh", "camera"..., and its label in the tree: its name, or its kind if it has none.
 const char* kindOf(const o3d::SceneNode& node);
 std::string labelOf(const o3d::SceneNode& node);
 

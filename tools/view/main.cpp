@@ -27,17 +27,17 @@ namespace {
 
 constexpr const char* USAGE =
     R"(usage: zentrak-view [OPTION...] FILE.o3d
-Shows a scene file, and again whenever it changes.
-  --time=SECONDS      starts there
+Shows a scene file, and loads it again whenever it changes.
+  --time=SECONDS      starts at this time
   --camera=NAME       looks through a camera of the scene
-  --edges             draws the triangles' edges too;  --wire draws nothing else
+  --edges             draws the triangles' edges too; --wire draws only them
   --normals           draws the normals
-  --no-panel          shows nothing but the picture; Tab brings the panel back
-  --size=WIDTHxHEIGHT of the window; else 1280x800
-  --picture=OUT.png   writes what the window would show and ends; needs no display where Xvfb is installed
-Mouse: drag turns, right drag moves, the wheel goes nearer.
+  --no-panel          shows only the picture; Tab brings the panel back
+  --size=WIDTHxHEIGHT of the window; default: 1280x800
+  --picture=OUT.png   writes what the window would show and exits; needs no display if Xvfb is installed
+Mouse: drag turns, right drag moves, the wheel zooms.
 Keys: Space plays, arrows step (Shift: further), Home, End, C camera, F frame all or the selected,
-W edges, N normals, G grid, Tab panel, Escape ends.
+W edges, N normals, G grid, Tab panel, Escape quits.
 )";
 
 struct Call {
@@ -90,7 +90,7 @@ bool readCall(int argc, char** argv, Call& call) {
     if (!command::readArguments(argc, argv, "zentrak-view", read, 1, files))
         return false;
     call.file = files[0];
-    call.height += call.height & 1; // a picture can be taken of an even height only
+    call.height += call.height & 1; // a picture can only be taken of an even height
     return true;
 }
 
@@ -103,10 +103,10 @@ std::string dataFolder() {
         if (std::filesystem::exists(path / "fonthelvete2.png", problem))
             return path.string();
     }
-    throw std::runtime_error("the font fonthelvete2.png is in no folder of this program's data");
+    throw std::runtime_error("the font fonthelvete2.png is in none of this program's data folders");
 }
 
-// The picture of the window, written by the archives' codec into the folder of the name.
+// Writes the window's contents to a file.
 void writePicture(display::DisplayGL& display, const std::string& name) {
     am::Image image(new am::ImageObject);
     image->resize(display.mWindowMode.width, display.mWindowMode.height);
@@ -163,7 +163,7 @@ int main(int argc, char** argv) {
         return 2;
     }
     try {
-        // Before the window opens: none is needed for a file that can't be shown.
+        // Before the window opens, because a bad file needs none.
         view::LoadedScene probe(call.file);
     } catch (const std::exception& exception) {
         fprintf(stderr, "%s: %s\n", call.file.c_str(), exception.what());

@@ -1,4 +1,4 @@
-// A camera that goes round a point.
+// A camera that orbits a point.
 #pragma once
 
 #include "mb_vector3.h"
@@ -24,7 +24,7 @@ struct Orbit {
         pitch = std::clamp(pitch + dy * 0.008f, -1.55f, 1.55f);
     }
 
-    // By pixels, of which one is `size` units long at the target.
+    // By pixels; a pixel is `size` units at the target.
     void pan(float dx, float dy, float size) {
         const mathbase::Vector3f right(cosf(yaw), 0, -sinf(yaw));
         const mathbase::Vector3f up = getBack().cross(right);
@@ -33,7 +33,7 @@ struct Orbit {
 
     void zoom(float steps) { distance = std::clamp(distance * powf(0.88f, steps), 1e-4f, 1e7f); }
 
-    // To stand at `eye` and look along `ahead`, a unit vector, at a point `away` from there.
+    // Puts the eye at `eye`, looking along the unit vector `ahead` at a target `away` units from there.
     void standAt(const mathbase::Vector3f& eye, const mathbase::Vector3f& ahead, float away) {
         distance = away;
         target = eye + ahead * away;

@@ -33,7 +33,7 @@ constexpr float LINE = 18;   // height of a line of text
 constexpr size_t COUNTS = 4; // lines
 constexpr size_t DETAILS = 6;
 constexpr float ANGLE = 0.7853982f; // of the orbit's camera, vertical, radians
-constexpr double LOOK_EVERY = 0.2;  // seconds between two looks at the file
+constexpr double LOOK_EVERY = 0.2;  // seconds between checks of the file
 constexpr float STEP = 0.1f;        // seconds; with Shift ten times that
 
 const Vector4f PANEL_COLOR(0.115f, 0.12f, 0.14f, 1);
@@ -72,7 +72,7 @@ void setInk(Control& control, const Vector4f& color) {
 
 } // namespace
 
-// Ahead of the controls, so that Space and the arrows are the time's whatever has the focus.
+// Before the controls, so that Space and the arrows control time whatever has the focus.
 class Viewer::Keys : public display::Listener {
 public:
     Keys(display::DisplayGL* window, Viewer& viewer) : Listener(window), mViewer(viewer) {}
@@ -112,7 +112,7 @@ void Viewer::checkFile() {
         return;
     mLooked = now;
     const Stamp stamp = stampOf();
-    const bool settled = stamp == mSeen; // nobody is writing it
+    const bool settled = stamp == mSeen; // it isn't being written
     mSeen = stamp;
     if (!settled || stamp == mStamp)
         return;
@@ -197,7 +197,7 @@ void Viewer::buildControls() {
     mGridButton = button("Grid", true);
 }
 
-// A window that is too small for the controls has none.
+// A window too small for the controls has none.
 bool Viewer::hasPanel() const {
     return mPanel && display->mWindowMode.width >= LEAST_WIDTH && display->mWindowMode.height >= LEAST_HEIGHT;
 }
@@ -211,7 +211,7 @@ void Viewer::layOut() {
     const float width = float(display->mWindowMode.width), height = float(display->mWindowMode.height);
     const float right = PANEL - GAP;
     mPanorama->mGround.clear();
-    // Showing one may change their order.
+    // Showing a control may change their order.
     const std::vector<Control*> controls = mPanorama->mWorkspace.mControls;
     for (Control* control : controls)
         control->setVisible(hasPanel());
@@ -258,7 +258,7 @@ void Viewer::fillTree() {
         const int parent = row.parent < 0 ? -1 : items[size_t(row.parent)];
         items.push_back(mTree->addItem(parent, std::to_string(i), labelOf(*row.node)));
     }
-    // As far as it stays within sight.
+    // As far as it stays visible.
     mTree->setOpen(0, true);
     for (size_t i = 1; i < items.size() && mTree->getRowCount() < 24; ++i)
         if (mTree->getRow(items[i]) >= 0)
@@ -434,7 +434,7 @@ int Viewer::onMouseWheel(const display::MouseMoveEvent& event) {
     return WHATEVER;
 }
 
-// The orbit goes on from where the scene's camera stands.
+// The orbit continues from the scene's camera.
 void Viewer::leaveCamera() {
     if (mCamera < 0)
         return;
@@ -491,7 +491,7 @@ void Viewer::setView() {
     display->setTransform(Matrix4x4Col());
 }
 
-// Three lights that go with the viewer.
+// Three lights that move with the viewer.
 void Viewer::setLights() {
     static const float directions[3][4] = {
         {0.35f, 0.65f, 0.8f, 0}, {-0.8f, 0.1f, 0.4f, 0}, {0.1f, -0.7f, -0.5f, 0}};
@@ -558,7 +558,7 @@ void Viewer::drawGrid() {
     glEnd();
 }
 
-// The pyramid that each camera sees, but for that which is looked through.
+// The frustum of each camera except the current one.
 void Viewer::drawCameras() {
     const float size = std::max((mLoaded->mHigh - mLoaded->mLow).length(), 1e-3f) * 0.05f;
     for (size_t i = 0; i < mLoaded->mCameras.size(); ++i) {
@@ -593,7 +593,7 @@ void Viewer::drawCameras() {
     }
 }
 
-// The box of what is selected, and the axes of its node.
+// The box of the selection, and the axes of its node.
 void Viewer::drawSelection() {
     if (mSelected <= 0 || mSelected >= int(mLoaded->mRows.size()))
         return;
@@ -645,7 +645,7 @@ void Viewer::onDraw() {
     if (mFill != EDGES) {
         setLights();
         glEnable(GL_LIGHTING);
-        // Makes room for the edges, and more of it than there has to be shows at corners.
+        // Makes room for the edges. A larger offset would show at corners.
         if (mFill == SHADED_AND_EDGES)
             glEnable(GL_POLYGON_OFFSET_FILL);
         glPolygonOffset(0.5f, 1);

@@ -31,13 +31,12 @@ public:
     Viewer(display::DisplayGL* window, std::string path);
     ~Viewer() override;
 
-    // Of a scene camera by name; false where there is none.
+    // Looks through a camera of the scene; false if there is none of this name.
     bool chooseCamera(const std::string& name);
     void setTime(float time);
     void showPanel(bool on);
 
-    // Loads the file again where it has changed since; one that can't be read is said, and what was there
-    // stays. Called by every frame.
+    // Loads the file again if it has changed. If that fails, says so and keeps the scene. Called every frame.
     void checkFile();
 
     const LoadedScene& getLoaded() const { return *mLoaded; }
@@ -61,13 +60,13 @@ public:
     void onResize(int oldWidth, int oldHeight) override;
     void controlAction(panorama::Control* control, panorama::Action action) override;
 
-    // The keys, which come here ahead of the controls.
+    // Keys come here before the controls.
     int handleKey(const display::KeyEvent& event);
 
 private:
     class Keys;
 
-    // Of a file as it lies on the disk.
+    // The state of a file on disk.
     struct Stamp {
         long long seconds = 0, nanoseconds = 0, size = -1, number = 0;
         bool operator==(const Stamp&) const = default;
@@ -94,9 +93,9 @@ private:
 
     std::string mPath;
     std::unique_ptr<LoadedScene> mLoaded;
-    Stamp mStamp, mSeen; // of what is loaded, or was tried last; of the last look
-    double mLooked = 0;  // when that was
-    double mDrawn = -1;  // when the last frame was
+    Stamp mStamp, mSeen; // of the last attempt to load; of the last check
+    double mLooked = 0;  // time of the last check
+    double mDrawn = -1;  // time of the last frame
     std::string mProblem;
 
     std::unique_ptr<panorama::Panorama> mPanorama;
