@@ -18,7 +18,7 @@ void Grey::updateSpline(float, const std::string& name, float value) {
         grey = value;
 }
 
-// In the viewport that the driver has set, which a clear would not mind.
+// Within the driver's viewport, which glClear would ignore.
 void Grey::update(float, float, float) {
     GLint part[4];
     glGetIntegerv(GL_VIEWPORT, part);
@@ -29,7 +29,7 @@ void Grey::update(float, float, float) {
     glDisable(GL_SCISSOR_TEST);
 }
 
-// Draws last, and does there what the other thread asks for.
+// Draws last, and runs the other thread's tasks.
 class EditedShow::Hook : public display::Listener {
 public:
     void onDraw() override {
@@ -78,7 +78,7 @@ private:
 
 namespace {
 
-// Lets the hook in behind the editor: by the first frame all others have joined.
+// Adds the hook after the editor: by the first frame all other listeners are there.
 struct Opening : kindler::Effect {
     display::Listener* hook = nullptr;
 
@@ -117,17 +117,17 @@ void EditedShow::play(const std::function<void()>& use) {
     span->mName = "opening";
     span->mEnabled = true;
     span->mEnd = 10000;
-    mKindler.mScript.mEffects.push_back(span); // behind all others
+    mKindler.mScript.mEffects.push_back(span); // after all others
     mKindler.mScript.init();
     mKindler.mPaused = true;
     mViewer.reset(new Viewer(mTitle, [this] { mHook->waitForFrames(1); }));
     std::thread viewer([&] {
         mHook->waitForFrames(1);
         mViewer->focus();
-        moveTo(Vector2f(1, 1)); // a move to where the mouse was at the end of another show is none
+        moveTo(Vector2f(1, 1)); // moving to where the last show left the pointer sends no event
         if (!::testing::Test::HasFatalFailure())
             use();
-        mViewer.reset(); // lets go of all that is held
+        mViewer.reset(); // releases all keys and buttons
         frame([this] { mKindler.mDisplay->mQuittingBlocking = true; });
     });
     try {
@@ -189,7 +189,7 @@ panorama::Control* EditedShow::control(const std::string& name) {
     return gui().mPanorama.mWorkspace.findControl(name);
 }
 
-// The focus moves rows to the end of the list, and not in the window.
+// The focus moves a row to the end of the list, but not in the window.
 kindler::Row* EditedShow::row(int index) {
     panorama::Control* rows = control("effects");
     std::vector<kindler::Row*> list;

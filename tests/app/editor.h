@@ -1,5 +1,5 @@
-// The driver and its editor on a real window, with a viewer in front of it: real keys, a real mouse, and the
-// script in memory to look at.
+// The driver and its editor on a real window, operated by real keys and a real mouse, with the script in
+// memory to inspect.
 #pragma once
 
 #include "input.h"
@@ -21,7 +21,7 @@
 
 namespace zentrak::test {
 
-// Fills its part of the window with one grey: the value of the spline "grey", or, without one, white.
+// Fills its part of the window with the value of the spline "grey", or with white if there is none.
 struct Grey : kindler::Effect {
     float grey = 1;
 
@@ -29,8 +29,8 @@ struct Grey : kindler::Effect {
     void update(float time, float delta, float progress) override;
 };
 
-// A show that runs on this thread while a test uses it from another one. The test looks at the show, and
-// changes it, inside `frame` alone.
+// A show that runs on this thread while a test uses it from another one. The test may read or change the show
+// only inside `frame`.
 //
 //     EditedShow show("<script>...</script>");
 //     show.play([&] {
@@ -43,7 +43,7 @@ public:
     static constexpr int WIDTH = 1280;
     static constexpr int HEIGHT = 800;
 
-    // The script, with the effect "grey" and whatever is added to kindler(). Without sound, and paused.
+    // A paused show without sound, with the effect "grey" and whatever is added to kindler().
     explicit EditedShow(const std::string& script);
     ~EditedShow();
     EditedShow(const EditedShow&) = delete;
@@ -52,32 +52,34 @@ public:
     kindler::Kindler& kindler() { return mKindler; }
     const TempDir& dir() const { return mDir; }
 
-    // Runs the show until `use` has come to its end.
+    // Runs the show until `use` returns.
     void play(const std::function<void()>& use);
 
-    // Does it on the show's thread, once all events that were sent so far are handled; then draws a frame.
+    // Runs a task on the show's thread after all events sent so far are handled; then draws a frame.
     void frame(const std::function<void()>& what);
     Picture picture();     // what the window shows
     void setTime(float t); // seconds, paused
     Viewer& viewer() { return *mViewer; }
-    bool until(const std::string& what, const std::function<bool()>& done); // asked on the show's thread
-    void settle(); // all that was sent has been handled and drawn
-    bool ends();   // waits until the show has ended by itself; not for long
+    bool until(const std::string& what,
+               const std::function<bool()>& done); // `done` runs on the show's thread
+    void settle();                                 // all that was sent has been handled and drawn
+    bool ends();                                   // waits a while for the show to end by itself
 
     void open(); // the editor, by Tab
     void close();
 
-    // What the editor shows; for use inside frame(). Rows in the order of the script, whatever has the focus.
+    // Parts of the editor; for use inside frame(). Rows are in the order of the script, whatever has the
+    // focus.
     kindler::Gui& gui() { return *mKindler.mGui; }
     kindler::Row* row(int index);
     kindler::Effector* bar(int row);  // null for a row with a curve
     panorama::Spline* curve(int row); // null for a row with a bar
     panorama::Control* control(const std::string& name);
     script::Effect& effect(int index) { return *mKindler.mScript.mEffects[size_t(index)]; }
-    mathbase::Box2 box(panorama::Control* control); // in the window, as far as it is seen; from any thread
+    mathbase::Box2 box(panorama::Control* control); // its visible part, in the window; from any thread
     mathbase::Vector2f keyPlace(int row, int key);  // from any thread
 
-    // The mouse, with the move before each press that a hand makes.
+    // The mouse. Each press comes after a move, as from a hand.
     void moveTo(mathbase::Vector2f place);
     void press(mathbase::Vector2f place, int button = 1); // X's numbers
     void release(int button = 1);

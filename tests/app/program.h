@@ -13,14 +13,14 @@
 
 namespace zentrak::test {
 
-// Timeout for what must happen, on a slow machine with sanitizers.
+// Timeout in seconds, enough for a slow machine with sanitizers.
 constexpr double DEADLINE = 60.0;
 
 // Polls `condition` until it holds; false if it does not within `seconds`.
 bool waitFor(const std::function<bool()>& condition, double seconds = DEADLINE);
 
-// The show's executable, started in a folder that the test fills first. It already has what the effects load:
-// the subfolders of data/, and of its files those of the editor.
+// The show's executable, started in a folder that the test fills first. The folder already has the subfolders
+// of data/, which the effects load from, and the editor's files.
 class Program {
 public:
     Program();
@@ -57,7 +57,7 @@ public:
     // What the key P has printed so far, one time each.
     std::vector<std::string> printedTimes() const;
     double askTime();             // presses P; -1 if there is no answer
-    bool reaches(double seconds); // asks until it is that late
+    bool reaches(double seconds); // asks until it is at least this late
 
 private:
     TempDir mDir;

@@ -1,5 +1,5 @@
-// The timeline editor in use: real mouse and keys on a real window, and after each the script in memory and
-// the picture.
+// The timeline editor in use: real mouse and keys on a real window; checks the script in memory and the
+// picture.
 #include "allocations.h"
 #include "editor.h"
 
@@ -25,7 +25,7 @@ using mathbase::Vector2f;
 
 namespace {
 
-// One white span from 20 to 40, and one with a curve behind it.
+// One white span from 20 to 40, followed by one with a curve.
 const std::string TWO_SPANS = "<script><effect name=\"grey\" start=\"20\" end=\"40\"/>"
                               "<effect name=\"grey\" start=\"50\" end=\"70\">"
                               "<spline name=\"grey\" type=\"linear\"><key time=\"0\" value=\"0\"/>"
@@ -132,7 +132,7 @@ TEST(TheEditor, EachLevelOfTheNestIndentsItsLabelByTwentyPixels) {
         const int first = labelOf(0);
         EXPECT_GE(first, 5);
         EXPECT_LT(first, 10);
-        EXPECT_EQ(labelOf(1), first); // a curve stands with its span
+        EXPECT_EQ(labelOf(1), first); // a curve is indented like its span
         EXPECT_EQ(labelOf(2), first + 20);
         EXPECT_EQ(labelOf(3), first + 40);
     });
@@ -267,7 +267,7 @@ TEST(TheEditor, ADragGoesOnOverOtherControlsAndEndsThere) {
         show.frame([&] { start = show.effect(0).mStart; });
         EXPECT_FLOAT_EQ(start, 20.0f); // the middle of the bar is at x = 500
         show.moveTo(Vector2f(550, slider.y1 + 5));
-        show.moveTo(Vector2f(600, 100)); // over the picture's neighbour
+        show.moveTo(Vector2f(600, 100)); // beside the picture
         show.frame([&] { EXPECT_FLOAT_EQ(show.effect(0).mStart, 30); });
         show.moveTo(Vector2f(550, slider.y1 + 5));
         show.release();
@@ -402,7 +402,7 @@ TEST(TheEditor, KeysSelectAddAndDeleteInTheCurveWithTheFocus) {
         show.viewer().key("Delete");
         show.until("one key less", [&] { return curve->mSpline->getNumKeys() == 3; });
         EXPECT_NEAR(greyOf(show.picture()), 64, 1); // the first key is the new one now
-        show.frame([&] { EXPECT_FLOAT_EQ(show.kindler().mRawTime, 50.1f); }); // no seek came of it
+        show.frame([&] { EXPECT_FLOAT_EQ(show.kindler().mRawTime, 50.1f); }); // it did not seek
     });
 }
 
@@ -446,7 +446,7 @@ TEST(TheEditor, ClicksOnWhatUsesNoKeysLeaveThemToTheShow) {
                                    middle(show.box(show.control("timeslider")))};
         for (const Vector2f& place : places) {
             show.click(middle(show.box(show.bar(0)))); // the row has them,
-            show.click(place);                         // and now no longer
+            show.click(place);                         // and loses them
             show.viewer().key("Right");
             time += 5;
             EXPECT_TRUE(show.until("a seek", [&] { return show.kindler().mRawTime == time; }))
@@ -529,7 +529,7 @@ TEST(TheEditor, TheRulersPrototypeIsRegisteredOnce) {
 }
 
 TEST(TheEditor, AClickThatHitsTheEditorDoesNotReachTheDriver) {
-    // In front of the editor, where the driver is.
+    // Before the editor, where the driver is.
     struct Driver : display::Listener {
         int presses = 0;
         int onMouseDown(const display::MouseButtonEvent&) override {
@@ -689,11 +689,11 @@ TEST(TheEditor, ALargerWindowKeepsTheLayoutOfRowsSliderAndPicture) {
     });
 }
 
-// Bad input: a script, or a layout, that nobody would write.
+// Bad input: absurd scripts and layouts.
 
 namespace {
 
-// What the driver says to a layout.
+// What the driver prints about a layout.
 std::string failure(const std::string& layout) {
     TempDir dir;
     const WorkingDir working(dir.path());
@@ -762,7 +762,7 @@ TEST(AScript, WithoutEffectsGivesAnEmptyEditorWithItsFrameRate) {
         show.open();
         auto* const stat = dynamic_cast<panorama::Stat*>(show.control("fps_stat"));
         show.until("samples", [&] { return stat->getValueCount() >= 2; });
-        show.frame([&] { EXPECT_EQ(show.row(1), nullptr); }); // but the test's own
+        show.frame([&] { EXPECT_EQ(show.row(1), nullptr); }); // only the test's own row
         show.drag(Vector2f(500, 600), 60, 40);
     });
 }
@@ -813,7 +813,7 @@ TEST(AScript, OfFiveThousandSpansWithSplinesOpensAndScrolls) {
     });
 }
 
-// The show in data/, as its author has it in front of him.
+// The show in data/, as its author sees it.
 
 TEST(TheRealShow, FollowsWhatIsDoneToItsBarsAndKeys) {
     // Rows: a curve of the opening, and the background of the title's scene, which is the third span.
@@ -840,7 +840,8 @@ TEST(TheRealShow, FollowsWhatIsDoneToItsBarsAndKeys) {
         };
         EXPECT_LT(quarterChanged(show.picture()), 0.02); // it stands still
 
-        show.drag(middle(show.box(show.bar(BACKGROUND))), 100, 0); // the background begins behind now
+        show.drag(middle(show.box(show.bar(BACKGROUND))), 100,
+                  0); // the background begins after the current time
         show.frame([&] {
             EXPECT_FLOAT_EQ(show.effect(2).mStart, start + 10);
             EXPECT_FLOAT_EQ(show.effect(2).mEnd, end + 10);
@@ -862,7 +863,7 @@ TEST(TheRealShow, FollowsWhatIsDoneToItsBarsAndKeys) {
     });
 }
 
-// Warm is an editor whose graph of the frame rate is full: until then there is a column more every moment.
+// The editor is warm when its graph of the frame rate is full: until then it keeps adding columns.
 TEST(TheEditor, AllocatesNothingOnceWarm) {
     EditedShow show(TWO_SPANS);
     show.play([&] {

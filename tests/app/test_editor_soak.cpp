@@ -1,5 +1,4 @@
-// The editor over the real show in the hands of somebody who does anything: real events by chance, from a
-// seed.
+// The editor over the real show under random real events, determined by a seed.
 //   ZENTRAK_SOAK_SECONDS=900 ZENTRAK_SOAK_SEED=7 tests/with_display build/release/tests/app/test_editor_soak
 // Without them it takes a few seconds with the seed 1.
 #include "dis_display.h"
@@ -32,7 +31,7 @@ class Hands {
 public:
     Hands(EditedShow& show, unsigned seed) : mShow(show), mRandom(seed) {}
 
-    // One of the things that a hand does.
+    // One random action.
     void act() {
         ++mCount;
         switch (number(20)) {
@@ -73,7 +72,7 @@ public:
 
     long count() const { return mCount; }
 
-    // Notes what there is to hit; on the show's thread.
+    // Collects the targets; on the show's thread.
     void look() {
         mSeen.clear();
         std::vector<panorama::Control*> controls{mShow.control("timeslider"), mShow.control("main")};
@@ -112,7 +111,7 @@ private:
 
     int number(int end) { return int(mRandom() % unsigned(end)); }
 
-    // Mostly where there is something to hit: on a bar, a handle, a key, the sliders.
+    // Mostly on a target: a bar, a handle, a key, a slider.
     Vector2f place() {
         if (mSeen.empty() || number(4) == 0)
             return Vector2f(float(number(mWidth)), float(number(mHeight)));
@@ -135,7 +134,7 @@ private:
         return place;
     }
 
-    // In the window: its frame has buttons that put it away.
+    // Inside the window: its frame has buttons that close or hide it.
     void moveTo(Vector2f to) {
         mShow.viewer().moveTo(std::clamp(int(to.x), 1, mWidth - 2), std::clamp(int(to.y), 1, mHeight - 2));
     }
@@ -198,7 +197,7 @@ void check(script::Effect& effect) {
 TEST(TheEditor, SurvivesAnyInput) {
     const int seconds = setting("ZENTRAK_SOAK_SECONDS", 5);
     EditedShow show(realScript());
-    std::unique_ptr<RealEffects> effects; // in the few seconds of a test run frames come faster without
+    std::unique_ptr<RealEffects> effects; // left out in short runs, for more frames
     if (getenv("ZENTRAK_SOAK_SECONDS"))
         effects.reset(new RealEffects(show.kindler()));
     show.play([&] {

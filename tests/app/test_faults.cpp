@@ -1,4 +1,4 @@
-// The whole program when the world around it fails. What is missing or broken in its files: test_program.cpp.
+// The whole program when the system fails it. test_program.cpp has missing and broken files.
 #include "music.h"
 #include "program.h"
 
@@ -37,8 +37,7 @@ bool isSaved(const Program& program) {
     return contains(program.read("setup.local.xml"), "<music mute=\"off\"/>");
 }
 
-// What the show is run under to have mounts of its own, first of all `mounts`. Empty where that isn't
-// allowed.
+// A command prefix that gives the show mounts of its own, made by `mounts`. Empty if that isn't allowed.
 std::string withMounts(const std::string& mounts) {
     if (runCommand("unshare -rm true").first != 0)
         return "";
@@ -123,7 +122,7 @@ TEST(TheWorld, ADiskThatFillsUpDuringADumpStopsNeitherTheShowNorItsSettings) {
     const std::string mounts = withMounts("mount -t tmpfs -o size=32k none out");
     if (mounts.empty())
         GTEST_SKIP() << "no mounts of our own here";
-    // The copy goes on as long as the show runs, for the disk ends with it.
+    // Copies for as long as the show runs, because the disk disappears with it.
     program.start(mounts + " sh -c \"(while cp -r out/. kept/; do sleep 0.1; done) & exec \\\"\\$@\\\"\" sh");
     ASSERT_TRUE(program.focus()) << program.output();
     const auto full = [&] { return std::filesystem::exists(program.dir().file("kept/frame.000003.png")); };
@@ -159,7 +158,8 @@ TEST(TheWorld, AReadOnlyFolderIsPlayedFrom) {
     EXPECT_EQ(program.read("setup.local.xml"), before);
 }
 
-// Each alone. Whatever an effect needs ends the show with its text; the rest plays on.
+// One at a time. If an effect needs the function, the show ends with that effect's text; otherwise it plays
+// on.
 TEST(TheWorld, AContextWithoutAnExtensionPlaysOrSaysWhatIsMissing) {
     for (const char* extension :
          {"GL_ARB_shader_objects", "GL_ARB_vertex_shader", "GL_ARB_fragment_shader",
@@ -185,7 +185,7 @@ TEST(TheWorld, ALostDisplayEndsTheProgramWithAWord) {
         return (program.has("output") && contains(program.output(), DRAWN)) || !program.running();
     })) << program.output();
     EXPECT_EQ(runCommand("pkill -KILL -P " + std::to_string(program.pid()) + " -x Xvfb").first, 0);
-    EXPECT_NE(program.wait(), 0); // by the X library, which allows nothing else
+    EXPECT_NE(program.wait(), 0); // Xlib ends the process itself
     EXPECT_FALSE(program.running());
     EXPECT_TRUE(contains(program.output(), "X connection") ||
                 contains(program.output(), "XIO:  fatal IO error"))

@@ -114,7 +114,7 @@ TEST(TheProgram, KeysChangeWhatIsSaved) {
     EXPECT_LT(atof(saved.c_str() + at + 7), 500.0) << saved;
 }
 
-// Whatever is done to the show, also in its editor, the settings are all that is written.
+// Whatever is done to the show, even in its editor, only the settings are written.
 TEST(TheProgram, WritesNothingButItsSettings) {
     Program program;
     prepare(program);

@@ -1,4 +1,4 @@
-// Rows and bars of the editor without a window: who hears an event may delete them while they handle it.
+// Rows and bars of the editor without a window: a listener may delete them while they handle an event.
 #include "dis_key.h"
 #include "kin_gui_effect.h"
 #include "kin_gui_row.h"
@@ -24,12 +24,12 @@ namespace {
 
 const char* const WORDS[] = {"mousedown", "mousemove", "reset", "mouseup", "mousewheel", "keydown", "keyup"};
 
-// What was deleted stays, full of ones, to the end of the test: a look at it does not go well.
+// Deleted memory is kept to the end of the test, filled with ones, so that any use of it shows.
 std::vector<std::pair<char*, size_t>> kept;
 
 template <class Type>
 struct Scorched : Type {
-    // Not inlined, or the compiler takes the two for a pair that does not match.
+    // Not inlined, or the compiler warns of a mismatched pair.
     [[gnu::noinline]] static void* operator new(size_t size) { return ::operator new(size); }
     [[gnu::noinline]] static void operator delete(void* memory, size_t size) {
         volatile char* const bytes = static_cast<char*>(memory);
@@ -39,7 +39,7 @@ struct Scorched : Type {
     }
 };
 
-// Deletes another control when it hears its word.
+// Deletes another control on a given event.
 struct Deletes : Control {
     std::string word;
     Control* victim = nullptr;
@@ -71,7 +71,7 @@ protected:
         kept.clear();
     }
 
-    // A child all over `parent` that deletes it, and the event that it waits for.
+    // A child that covers `parent` and deletes it on the event `word`.
     void deleteInEvent(Control& parent, const std::string& word) {
         Deletes* const child = new Deletes;
         child->word = word;

@@ -38,7 +38,7 @@ public:
         EXPECT_EQ(status, 0) << output;
     }
 
-    // The first at or after `time`.
+    // The first still at or after `time`.
     std::string at(double time) const {
         char name[32];
         snprintf(name, sizeof name, "%06ld.png", std::lround(std::ceil(time * RATE)) - mFirst);
@@ -71,7 +71,7 @@ void expectText(const std::string& read, const std::string& text, const Size& si
         << text << " was read as " << read << " at " << size.width << "x" << size.height;
 }
 
-// Where the window shows a point of the slab of the greetings, from the third on.
+// The position in the window of a point on the slab of the greetings (from the third on).
 struct Pixel {
     double x, y;
 };
@@ -84,8 +84,7 @@ Pixel slantedPixel(const Size& size, float column, float row) {
             (1 - focal * double(p.y) / -double(p.z)) * size.height / 2};
 }
 
-// For ImageMagick: what a viewer does who tilts their head, the slab seen from the front, ten pixels a
-// column.
+// ImageMagick's arguments to see the slab from the front, as by tilting one's head; ten pixels per column.
 std::string upright(const Size& size) {
     const float left = 44, right = 164;
     std::string command = "-virtual-pixel black -define distort:viewport=1200x240 -distort Perspective '";

@@ -1,5 +1,4 @@
-// The whole program with the real show in the hands of somebody who never rests: real keys, mouse and window
-// events by chance, from a seed.
+// The whole program with the real show under random real keys, mouse and window events, determined by a seed.
 //   ZENTRAK_SOAK_SECONDS=600 ZENTRAK_SOAK_SEED=7 tests/with_display build/release/tests/app/test_tireless
 // prints the memory, files and threads of the process twenty times. Without the variables it takes a few
 // seconds, with the seed 1.
@@ -51,15 +50,15 @@ public:
 
     long count() const { return mCount; }
 
-    // One thing that is done to the window, then twenty by keys and mouse, in one call of the tool.
+    // One window event, then twenty of keys and mouse, in one call of xdotool.
     void act() {
         changeWindow();
         look();
         mActs.clear();
         for (int i = 0; i < 20; ++i, ++mCount)
             useKeysOrMouse();
-        // Out of the editor, which takes the keys while a row or a menu of it has the focus: into the
-        // picture, which a small window doesn't show.
+        // Clicks the picture to take the focus from the editor, whose rows and menus take the keys. A small
+        // window doesn't show the picture.
         if (mWidth < 500 || mHeight < 400) {
             add("windowsize --sync " + mProgram.viewer().window() + " 640 480");
             mWidth = 640;
@@ -156,7 +155,7 @@ private:
     }
 };
 
-// A show that outlasts its music, so that the end comes when we want it.
+// A show that outlasts its music, so that the test decides when it ends.
 void prepare(Program& program) {
     for (const char* name : {"script.xml", "sparks.png"})
         program.write(name, readFile(sourcePath("data") + "/" + name));
@@ -170,9 +169,8 @@ bool isPaused(Program& program) {
     return program.askTime() == program.askTime();
 }
 
-// Starts the show over, lets it play, pauses it, and quits. Returns by how many seconds the music is ahead:
-// the key P prints the time of the picture, and Ctrl+T keeps that of the music as the start time, which is
-// saved.
+// Restarts the show, lets it play, pauses it, and quits. Returns how many seconds the music is ahead: P
+// prints the time of the picture, and Ctrl+T saves the time of the music as the start time.
 double quitAndCompare(Program& program) {
     if (isPaused(program))
         program.key("space");

@@ -5,7 +5,7 @@
 
 static thread_local zentrak::test::FakeTime* fake = nullptr;
 
-// These two replace the libraries' own functions, and forward to them without a FakeTime.
+// Replace the libraries' functions, and forward to them if there is no FakeTime.
 
 extern "C" double glfwGetTime() {
     static const auto real = reinterpret_cast<double (*)()>(dlsym(RTLD_NEXT, "glfwGetTime"));

@@ -5,9 +5,8 @@
 
 namespace zentrak::test {
 
-// While it lives, the window system's clock shows a time of its own to the thread that made it: each reading
-// moves it on by TICK, and a sleep by its length, at once (see fake_time.cpp). One at a time; made after the
-// window is open.
+// While it lives, the thread that made it sees a fake clock, which each reading advances by TICK and each
+// sleep by its length, without waiting (see fake_time.cpp). One at a time; made after the window is open.
 class FakeTime {
 public:
     static constexpr double TICK = 1.0 / 4096; // seconds

@@ -4,7 +4,7 @@
 
 static std::map<unsigned, int> fakeLimits;
 
-// Stands in for the library's, which it asks for everything but the faked limits.
+// Replaces the library's function, and forwards to it except for the faked limits.
 extern "C" void glGetIntegerv(GLenum name, GLint* value) {
     using Function = void (*)(GLenum, GLint*);
     static const Function real = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "glGetIntegerv"));

@@ -1,4 +1,4 @@
-// A listener that writes down what it hears.
+// A listener that records its calls.
 #pragma once
 
 #include "dis_display.h"
@@ -38,7 +38,7 @@ public:
     int onKeyDown(const display::KeyEvent& event) override {
         note("key %d", event.key);
         keys.push_back(event);
-        const int result = answer; // it may be deleted in what follows
+        const int result = answer; // the calls below may delete it
         run(onKey);
         return result;
     }
@@ -86,7 +86,7 @@ public:
     std::vector<display::KeyEvent> keys;
 
 private:
-    // A copy: what it does may delete the recorder.
+    // A copy, because the call may delete the recorder.
     static void run(std::function<void()> action) {
         if (action)
             action();

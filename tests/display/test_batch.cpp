@@ -1,4 +1,4 @@
-// The batch against one OpenGL call per vertex: the same words, two pictures, compared.
+// The batch against one OpenGL call per vertex: the same calls, and the two pictures compared.
 #include "allocations.h"
 #include "dis_batch.h"
 #include "dis_ibo.h"
@@ -28,7 +28,7 @@ using mathbase::Vector4f;
 
 namespace {
 
-// The words that both ways understand, one OpenGL call for each vertex.
+// The interface that both have in common, with one OpenGL call per vertex.
 class Plain {
 public:
     explicit Plain(display::DisplayGL& display) : mDisplay(display) {}
@@ -89,7 +89,7 @@ private:
     display::DisplayGL& mDisplay;
 };
 
-// The same sequence of numbers for both ways.
+// The same random numbers for both.
 class Random {
 public:
     float operator()(float low, float high) {
@@ -131,8 +131,8 @@ struct DrawCounter {
 
 class BatchTest : public GlTest {
 protected:
-    // Draws the scene both ways under the same state. A batch with no more than `draws` draw calls. The two
-    // pictures may differ in the rounding of a channel and of an edge, and must show something.
+    // Draws the scene both ways under the same state, with at most `draws` draw calls of the batch. The
+    // pictures may differ by rounding in channels and at edges, and must show something.
     template <class State, class Scene>
     void compare(State state, Scene scene, size_t draws = 1, double maxChanged = 0.0004,
                  double maxMean = 0.02) {
@@ -609,7 +609,7 @@ TEST_F(BatchProgramTest, UnderAProgramNothingIsLeftOut) {
     });
 }
 
-// Also where the state that could read them is on another texture unit.
+// Even if the state that could read them is on another texture unit.
 TEST_F(BatchTest, TextureCoordinatesGoOutWhateverTheActiveUnit) {
     display::Texture texture(&window().display());
     loadTexture(texture);
@@ -801,7 +801,7 @@ TEST_F(BatchTest, AfterAFlushThatThrowsEverythingIsAsAfterOneThatDoesNot) {
         glEnable(0xFFFF); // an error is pending
         EXPECT_THROW(batch.flush(), Exception);
         glDisable(GL_CULL_FACE);
-        batch.begin(GL_QUADS); // turned away, and where it is told to be
+        batch.begin(GL_QUADS); // turned away, and at given positions
         for (const auto& [x, y] : {std::pair(-1, -1), std::pair(-1, 1), std::pair(1, 1), std::pair(1, -1)})
             batch.vertex(float(x), float(y), -10);
         batch.end();
@@ -884,7 +884,7 @@ TEST_F(BatchTest, NothingIsAllocatedOnceWarm) {
     };
     frame([&] {
         scene();
-        glFinish(); // what the driver allocates is not ours
+        glFinish(); // the driver's allocations are not ours
         perspective(display());
         const size_t before = allocationCount();
         drawBoxes(batch, 500, 12, 20, 60, 1);

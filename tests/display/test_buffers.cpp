@@ -344,7 +344,7 @@ TEST_P(BufferTest, SetupMayBeRepeatedAndClearEmpties) {
         EXPECT_EQ(display().mCurrentVBO, nullptr);
         EXPECT_FALSE(glIsEnabled(GL_VERTEX_ARRAY));
         EXPECT_FALSE(glIsEnabled(GL_COLOR_ARRAY));
-        display().drawBox(0.5f, 0.5f, 0.2f, 0.2f); // and nothing reads what is gone
+        display().drawBox(0.5f, 0.5f, 0.2f, 0.2f); // must not read the freed buffer
     });
     EXPECT_EQ(colorAt(shown, 20, 180), 0xf00000ffu);
     EXPECT_EQ(vbo.getSize(), 0);
@@ -378,8 +378,8 @@ TEST_P(BufferTest, AfterANewContextTheOwnerSetsUpAgain) {
     vbo.setup(3, corners);
     display().close();
     display().open();
-    other.setup(3, corners); // may well get the old name
-    vbo.setup(3, corners);   // and must not lose it to this
+    other.setup(3, corners); // may get the old name
+    vbo.setup(3, corners);   // must not delete it
     for (VBO* each : {static_cast<VBO*>(&vbo), static_cast<VBO*>(&other)}) {
         const Picture shown = frame([&] {
             flat();
@@ -589,7 +589,7 @@ TEST_F(RealBufferTest, LockingAnEmptyBufferGivesNothingAndLeavesNoError) {
     EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
 }
 
-// A pending error surfaces under the text of the call that is checked next.
+// A pending error is reported with the text of the next call that is checked.
 TEST_F(RealBufferTest, ChecksHaveTheTextsOfTheirCalls) {
     VBO vbo(&display());
     const auto thrownAt = [&](auto& function, auto broken, const auto& call) {

@@ -1,4 +1,4 @@
-// Shapes, matrices and states, as they show in the picture.
+// Shapes, matrices and states, checked in the picture.
 #include "dis_display.h"
 #include "dis_ibo.h"
 #include "dis_vbo.h"
@@ -76,7 +76,7 @@ TEST_F(Draw, ABoxWithDepthIsTheSameFromNumbersAndVectors) {
 }
 
 TEST_F(Draw, AWireBoxWithDepthHasTwelveEdges) {
-    // Seen along z the four edges along z are points, and front and back fall on each other.
+    // Seen along z, the four edges along z are points, and front and back coincide.
     const Picture picture = drawn([](DisplayGL& d) { d.drawBox(0.005f, 0.01f, 0, 0.5f, 0.5f, 0.5f, WIRE); });
     EXPECT_EQ('.', pixel(picture, 100, 50));
     EXPECT_NEAR(2 * 100 + 2 * 50, countWhite(picture), 8);
@@ -355,7 +355,7 @@ TEST_P(DrawBuffers, WithoutIndicesTheWholeOfTheCurrentBufferOrAPartOfIt) {
     EXPECT_EQ(10000, filled(-1, 0, -1, 0));
     vbo = &whole;
     EXPECT_EQ(20000, filled(-1, 0, -1, 0));
-    EXPECT_NEAR(5000, filled(-1, 0, 3, 3), 60); // the pixels on the diagonal are either triangle's
+    EXPECT_NEAR(5000, filled(-1, 0, 3, 3), 60); // pixels on the diagonal belong to either triangle
     EXPECT_EQ(10000, filled(-1, 0, 6, 6));
     EXPECT_EQ(0, filled(-1, 0, 6, 0));
 }
@@ -364,8 +364,8 @@ TEST_P(DrawBuffers, WithIndicesAllOfThemOrAPart) {
     vbo = &whole;
     ibo = &indices;
     EXPECT_EQ(20000, filled(-1, 0, -1, 0));
-    EXPECT_EQ(20000, filled(-1, 0, 3, 3));      // the indices go first
-    EXPECT_NEAR(5000, filled(0, 3, -1, 0), 60); // the pixels on the diagonal are either triangle's
+    EXPECT_EQ(20000, filled(-1, 0, 3, 3));      // indices take precedence
+    EXPECT_NEAR(5000, filled(0, 3, -1, 0), 60); // pixels on the diagonal belong to either triangle
     EXPECT_NEAR(15000, filled(3, 9, -1, 0), 60);
 }
 
@@ -412,7 +412,7 @@ TEST_P(DrawBuffers, TheCurrentOneIsBoundAndTheOldOneUnbound) {
         d.setVBO(&left); // the current one: a second bind would abort
         d.setVBO(&whole);
         EXPECT_EQ(&whole, d.mCurrentVBO);
-        left.bind(); // it was unbound: else this would abort
+        left.bind(); // would abort if it were still bound
         left.unbind();
         d.setVBO(nullptr);
         EXPECT_EQ(nullptr, d.mCurrentVBO);

@@ -1,4 +1,4 @@
-// Events and listeners by themselves.
+// Events and listeners without a window.
 #include "dis_listener.h"
 
 #include <gtest/gtest.h>

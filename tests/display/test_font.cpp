@@ -24,7 +24,7 @@ uint32_t made(int x, int y) {
         red = 255;
     if (c == 200)
         red = column == 0 && row == 9 ? 201 : 0;
-    return uint32_t(red) << 24 | 0x00ffff80; // green, blue and alpha say nothing
+    return uint32_t(red) << 24 | 0x00ffff80; // green, blue and alpha don't count
 }
 
 class FontTest : public GlObjects {
@@ -48,7 +48,7 @@ protected:
         display().setTransform(place);
     }
 
-    // The bounds of what is lit: left, top, right, bottom, inclusive, or "nothing".
+    // The bounds of the lit pixels: left, top, right, bottom, inclusive; or "nothing".
     static std::string bounds(const Picture& picture) {
         int left = picture.width, top = picture.height, right = -1, bottom = -1;
         for (int y = 0; y < picture.height; ++y)
@@ -63,7 +63,7 @@ protected:
                std::to_string(bottom);
     }
 
-    // What is drawn with the texture's solid spot has the colour that it is given.
+    // Shapes drawn with the texture's solid spot have exactly their own colour.
     void expectSolid() {
         const Picture shown = frame([&] {
             pixels();

@@ -71,7 +71,7 @@ TEST_F(Frame, InDeltaModeTimeStandsStillAtAnInvalidRate) {
     }
 }
 
-// One frame of FPS_FIXED at a time that stands at `now` and only moves when it is read or slept through.
+// One frame of FPS_FIXED under a clock that stands at `now` and moves only by readings and sleeps.
 class FixedFrame : public Frame {
 protected:
     FixedFrame() { display().setFps(DisplayGL::FPS_FIXED, 1); }
@@ -181,7 +181,7 @@ TEST_F(Frame, TheRateIsFramesOverTheTimeThatPassed) {
     EXPECT_EQ(0.0f, display().mFpsCountFrames);
 }
 
-// Polls in FPS_EVENT, where an update waits for an event: each time it is sent one.
+// Polls in FPS_EVENT, where an update waits for an event: sends one each time.
 TEST_F(Frame, InEventWithoutDirtyNoFrameIsDrawnAndUpdateIsTrue) {
     Viewer viewer("test", [&] { glfw2::glfwPollEvents(); });
     viewer.focus();
@@ -190,7 +190,7 @@ TEST_F(Frame, InEventWithoutDirtyNoFrameIsDrawnAndUpdateIsTrue) {
     EXPECT_TRUE(display().update()); // setFps has made it dirty
     EXPECT_EQ(1, recorder.draws);
 
-    // Nothing else is on its way any more once the window system has answered to a later key.
+    // Once a later key has arrived, nothing else is pending.
     recorder.moves.clear();
     viewer.key("a");
     viewer.until("the key", [&] { return recorder.keys.size() >= 2; });
@@ -226,7 +226,7 @@ TEST_F(Frame, InEventAnUncoveredWindowIsDirty) {
 TEST_F(Frame, AllocatesNothing) {
     Viewer viewer("test", [&] { display().update(); });
     viewer.focus();
-    Listener plain; // the recorder allocates: it writes down
+    Listener plain; // a recorder would allocate
     recorder.attachToDisplay(nullptr);
     plain.attachToDisplay(&display());
     const auto mode = [&](DisplayGL::FpsMode type) {

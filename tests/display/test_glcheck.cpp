@@ -1,5 +1,5 @@
-// The check after each GL call. This program replaces glGetError, so that a test can make any check of the
-// library find an error.
+// The check after each GL call. This program replaces glGetError: a test can make any check of the library
+// find an error.
 #include "dis_display.h"
 #include "dis_glcheck.h"
 #include "gl_fixture.h"
@@ -14,7 +14,7 @@ using namespace zentrak::display;
 using zentrak::test::GlWindow;
 using zentrak::test::Recorder;
 
-static int checksUntilError = 0; // 0: none is made
+static int checksUntilError = 0; // 0: no error
 static GLenum errorMade = GL_NO_ERROR;
 
 extern "C" GLenum glGetError() {
@@ -39,7 +39,7 @@ static std::string thrownAt(int check, GLenum error, Call call) {
     return text;
 }
 
-// Only the call of a report of dis_display.cpp, or all of what is not one.
+// The call that a report of dis_display.cpp names; any other text as it is.
 static std::string callOf(const std::string& report) {
     std::smatch match;
     const std::regex form(
@@ -193,7 +193,7 @@ TEST(GlChecks, AnErrorOfAListenerEndsTheFrame) {
     }
     EXPECT_EQ(0, next.draws);
     guilty.draw = nullptr;
-    EXPECT_TRUE(window.display().update()); // and the display goes on
+    EXPECT_TRUE(window.display().update()); // and the display continues
     EXPECT_EQ(1, next.draws);
 }
 

@@ -1,5 +1,5 @@
-// Walks over the listeners in which listeners come and go, and the order of everything; the events here are
-// those that the display makes itself.
+// Listeners that join and leave during a walk over them, and the order of calls, with events that the display
+// generates itself.
 #include "dis_display.h"
 #include "gl_fixture.h"
 #include "recorder.h"
@@ -24,7 +24,7 @@ protected:
         log.clear();
     }
 
-    // What one frame leaves in the log.
+    // The log of one frame.
     Log drawn() {
         log.clear();
         frame([] {});

@@ -1,4 +1,4 @@
-// Reading the picture back.
+// Reading back the picture.
 #include "am_archivemanager.h"
 #include "am_image.h"
 #include "dis_display.h"
@@ -61,7 +61,7 @@ TEST_F(ScreenShot, IsTheWindowFromTheTopInBlueGreenRedAndFullAlpha) {
     });
 }
 
-// A window without an alpha of its own reads as 255 in any case: this is a target that has one.
+// A window without alpha always reads as 255, so this uses a target that has alpha.
 TEST_F(ScreenShot, ForcesTheAlphaOfEveryPixel) {
     window(64, 64);
     frame([&] {

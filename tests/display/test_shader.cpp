@@ -113,7 +113,7 @@ TEST_F(ShaderTest, AProgramThatDoesNotLinkThrowsTheDriversLog) {
     const std::string thrown = thrownBy([&] { link(program, VERTEX, open); });
     const std::string begin = "Could not link.\n\nLink message:\n";
     ASSERT_EQ(thrown.substr(0, begin.size()), begin);
-    EXPECT_NE(thrown.find("elsewhere", begin.size()), std::string::npos) << thrown; // the driver's words
+    EXPECT_NE(thrown.find("elsewhere", begin.size()), std::string::npos) << thrown; // from the driver
     EXPECT_FALSE(program.isLinked());
 }
 
@@ -212,7 +212,7 @@ TEST_F(ShaderTest, EveryTypeOfUniform) {
     const Vector2f list[3] = {Vector2f(1, 2), Vector2f(3, 4), Vector2f(5, 6)};
     program.set("list", list, 3);
     program.set("list", nullptr, 3);
-    program.set("nowhere", 1); // a name that is not there
+    program.set("nowhere", 1); // no such uniform
     program.set("nowhere", matrix);
 
     program.bind();
@@ -276,7 +276,7 @@ TEST_F(ShaderTest, TangentsHaveTheirSlotsAndAMissingAttributeAsserts) {
     EXPECT_DEATH(empty.getAttrib("other"), "`mHandle!=0'");
 }
 
-// Drivers that talk: the log of a program or shader is given as if this one's had said it.
+// Some drivers write to the log even on success: these tests fake that log.
 const char* spoken;
 
 class TalkingTest : public ShaderTest {
@@ -360,7 +360,7 @@ TEST_F(ShaderTest, AfterANewContextTheOwnerLinksAgain) {
     display().close();
     display().open();
     link(program, VERTEX, FRAGMENT);
-    lost.reset(); // must not take the new program with it
+    lost.reset(); // must not delete the new program
     program.set("tint", Vector4f(1, 0, 1, 1));
     EXPECT_EQ(colorAt(paint(program), 100, 100), 0xff00ffffu);
 }
@@ -483,7 +483,7 @@ TEST_F(MaterialTest, AThirtyThirdTextureAsserts) {
     EXPECT_DEATH(material.bind(), "`usedTextureChannels < 32'");
     Material none(&program);
     none.set("a", static_cast<Texture*>(nullptr));
-    none.bind(); // a texture that is not there leaves the unit alone
+    none.bind(); // a missing texture doesn't touch the unit
     none.unbind();
 }
 

@@ -1,4 +1,4 @@
-// Sprites cut to what shows of them against whole ones, drawn one call per vertex.
+// Sprites cut to their visible part, against whole ones drawn with one call per vertex.
 #include "allocations.h"
 #include "am_image.h"
 #include "dis_spritecut.h"
@@ -87,7 +87,7 @@ protected:
     }
     void TearDown() override { mTexture.reset(); }
 
-    // In all places that a view has and some that it has not, and in all strengths.
+    // Everywhere in the view and outside it, and at all strengths.
     std::vector<Sprite> sprites(int count) {
         mathbase::Random random(11);
         const auto between = [&](float a, float b) { return a + (b - a) * random.uniform(); };
@@ -170,7 +170,7 @@ protected:
         });
     }
 
-    // But for the rounding of texture coordinates, which now and then is one step of a channel.
+    // Except for the rounding of texture coordinates, sometimes one step of a channel.
     void expectSame(const std::vector<Sprite>& all, const std::function<void()>& state) {
         const Picture a = cut(all, state), b = whole(all, state);
         ASSERT_EQ(a.rgba.size(), b.rgba.size());
@@ -212,7 +212,7 @@ TEST_F(SpriteCutTest, SpritesThatCoverAreWholeOnesToo) {
     expectSame(sprites(300), covering);
 }
 
-// What is left out of one layer must not show in forty: a rim that is drawn moves a pixel by a step in each.
+// What is cut from one layer must not show in forty: a rim would change a pixel by a step in each.
 TEST_F(SpriteCutTest, LayersOfFaintSpritesAddUpAsWholeOnesDo) {
     for (const auto& state : {adding, covering})
         for (const Vector4f& color : {Vector4f(1, 1, 1, 0.03f), Vector4f(0.9f, 0.1f, 0.4f, 0.008f)}) {
@@ -241,7 +241,7 @@ TEST_F(SpriteCutTest, TheFainterTheLessIsDrawn) {
     EXPECT_LT(reach(Vector4f(1, 1, 1, 1), 1), 0.6f); // the hot point has no rim
 }
 
-// Its neighbour is lit up to the edge between them, and a point on the edge gets light from both.
+// The next cell is lit up to the shared edge, and a point on the edge gets light from both.
 TEST_F(SpriteCutTest, ACellWithALitNeighbourIsDrawnToItsEdge) {
     for (int cell : {2, 3, 4, 5})
         EXPECT_EQ(reach(Vector4f(1, 1, 1, 1), cell), 1) << cell;
@@ -313,7 +313,7 @@ TEST_F(SpriteCutTest, WithoutATextureSpritesAreWhole) {
     EXPECT_EQ(reach(Vector4f(0.1f, 0.1f, 0.1f, 0.3f)), 1);
     expectSame(sprites(60), adding);
     mTexture->bind();
-    mCut.readTexture(7); // cells that do not fill it
+    mCut.readTexture(7); // cells that don't divide the texture evenly
     mTexture->unbind();
     EXPECT_EQ(reach(Vector4f(0.1f, 0.1f, 0.1f, 0.3f)), 1);
 }

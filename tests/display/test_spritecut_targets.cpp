@@ -1,5 +1,5 @@
-// Where light that is too faint for 8 bits shows after all, sprites are drawn whole: into a target of floats,
-// into one that keeps colours as sRGB, and by a program.
+// Sprites are drawn whole where light too faint for 8 bits can show: into a float target, into an sRGB
+// target, and by a program.
 #include "am_image.h"
 #include "dis_fbo.h"
 #include "dis_shader.h"
@@ -28,7 +28,7 @@ namespace {
 
 constexpr int TEXELS = 32;
 constexpr int SIDE = 200;   // pixels of the target
-constexpr int LAYERS = 100; // of what can't be seen one by one
+constexpr int LAYERS = 100; // each too faint to see alone
 
 const Vector4f FAINT(0.05f, 0.04f, 0.03f, 0.15f);
 
@@ -64,7 +64,7 @@ protected:
     }
     void TearDown() override { mTexture.reset(); }
 
-    // Many sprites, one on the other, over all of a square of pixels, as far as `cut` says or whole.
+    // Many sprites on top of each other over a square of pixels, cut by `cut` or whole.
     void drawLayers(const SpriteCut& cut, const std::function<void()>& state) {
         Matrix4x4Col project;
         project.setProjectOrtho(0, SIDE, 0, SIDE, -1, 1);
@@ -110,7 +110,7 @@ protected:
         return pixels;
     }
 
-    // Both ways, and that light far from the middle counts in both. Without a texture read, a cut is whole.
+    // Both ways, with light far from the centre in both. Without a texture read, a cut sprite is whole.
     void expectWhole(
         FBO* target, const std::function<void()>& state = [] {}, const std::function<void()>& undo = [] {}) {
         const Pixels whole = draw(target, SpriteCut(), state, undo);
@@ -126,7 +126,7 @@ protected:
 
 } // namespace
 
-// What the other tests would miss if it were not so: in 8 bits the same sprites are cut, and the rim is dark.
+// Shows that the other tests test something: in 8 bits the same sprites are cut, and the rim is dark.
 TEST_F(SpriteCutTargetTest, InEightBitsTheFaintRimIsNotDrawn) {
     FBO target(&display());
     target.setup(SIDE, SIDE, false);
@@ -184,7 +184,7 @@ TEST_F(SpriteCutTargetTest, AnSRGBTargetGetsWholeSprites) {
     glDeleteRenderbuffers(1, &color);
 }
 
-// This one makes light of what has no alpha.
+// This program makes light where the texture has no alpha.
 TEST_F(SpriteCutTargetTest, UnderAProgramSpritesAreWhole) {
     static const char VERTEX[] = "void main() { gl_Position = ftransform(); gl_TexCoord[0] = "
                                  "gl_MultiTexCoord0; gl_FrontColor = gl_Color; }\n";
@@ -201,7 +201,7 @@ TEST_F(SpriteCutTargetTest, UnderAProgramSpritesAreWhole) {
         nullptr, [&] { program.bind(); }, [&] { program.unbind(); });
 }
 
-// Its colours may be brighter than white, and the fainter parts of its alpha seen with them.
+// Its colours may be brighter than white, which makes faint alpha visible.
 TEST_F(SpriteCutTargetTest, ATextureOfFloatsIsNotCut) {
     std::vector<float> texels;
     for (int i = 0; i < TEXELS * TEXELS; ++i) {

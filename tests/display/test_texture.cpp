@@ -1,4 +1,4 @@
-// Textures on a real context: what is uploaded, what is refused, and what comes back after a new context.
+// Textures on a real context: uploads, refusals, and restoring them in a new context.
 #include "dis_texture.h"
 
 #include "gl_objects.h"
@@ -324,7 +324,7 @@ TEST_F(TextureTest, SizesThatOpenGLRefusesThrowItsError) {
         EXPECT_NE(thrownBy([&] { bad.bind(); }).find("Error: 'GL_INVALID_VALUE'\n"), std::string::npos)
             << width;
         bad.setup(8, 8, Texture::CHAN_RGBA, Texture::FORMAT_UINT8, Texture::TARGET_2D);
-        bad.bind(); // it can still become one
+        bad.bind(); // it can still be loaded
     }
     Texture deep(&display());
     deep.setup(8, 8, Texture::CHAN_RGBA, Texture::FORMAT_UINT8, Texture::TARGET_3D);
@@ -387,7 +387,7 @@ class CubeTest : public TextureTest {
 protected:
     static constexpr int S = 64;
 
-    // Faces as they lie in the cross, cell by cell: 3 across, 4 down.
+    // The faces of the cross, cell by cell: 3 across, 4 down.
     static constexpr uint32_t cells[4][3] = {{0, 0xff0000ff, 0},                   // +y
                                              {0x00ff00ff, 0x0000ffff, 0xffff00ff}, // -x, +z, +x
                                              {0, 0xff00ffff, 0},                   // -y
@@ -440,8 +440,7 @@ TEST_F(CubeTest, TheFacesAreCutFromTheVerticalCross) {
 TEST_F(CubeTest, TheFaceReadBackwardsIsUpsideDown) {
     setupCube();
     texture.load(cross(), true);
-    // The six directions in a row of three over another: -x, +z, +x, then +y, -y, -z, each as OpenGL lays a
-    // face's s and t over it.
+    // The six directions in two rows, -x, +z, +x and +y, -y, -z, each with OpenGL's s and t of that face.
     const struct {
         float middle[3], s[3], t[3];
     } faces[6] = {{{-1, 0, 0}, {0, 0, 1}, {0, -1, 0}}, {{0, 0, 1}, {1, 0, 0}, {0, -1, 0}},
@@ -570,7 +569,7 @@ TEST_F(TextureTest, ANameOfAContextThatIsGoneIsNotDeleted) {
     display().close();
     display().open();
     texture.load(halves(8, 8), false);
-    texture.bind(); // has the name that the old one had
+    texture.bind(); // has the old texture's name
     GLint name = 0;
     glGetIntegerv(GL_TEXTURE_BINDING_2D, &name);
     old.reset();

@@ -1,4 +1,4 @@
-// What needs no window: values, names, colours, and the clock before there is a display.
+// Without a window: values, names, colours, and the clock before there is a display.
 #include "dis_clock.h"
 #include "dis_display.h"
 #include "dis_glcheck.h"

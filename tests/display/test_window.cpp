@@ -1,4 +1,4 @@
-// Opening, closing, full screen, and what the display says about itself.
+// Opening, closing, full screen, and the display's queries.
 #include "dis_clock.h"
 #include "dis_display.h"
 #include "dis_texture.h"
@@ -28,7 +28,7 @@ typedef std::vector<std::string> Log;
 
 static const WindowMode WINDOW("A window under test", 320, 240, false);
 
-// The title of the window as the window manager shows it, and its size as the window system has it.
+// The window's title according to the window manager, and its size according to the window system.
 static std::string shownTitle(Viewer& viewer) {
     const std::string text = runCommand("xdotool getwindowname " + viewer.window()).second;
     return text.substr(0, text.find('\n'));

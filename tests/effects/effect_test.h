@@ -1,4 +1,4 @@
-// What tests of effects share.
+// Shared by the tests of effects.
 #pragma once
 
 #include "am_archivemanager.h"
@@ -14,7 +14,7 @@
 
 namespace zentrak::test {
 
-// While it lives every effect that is built draws the same random numbers.
+// While it lives, every effect that is built gets the same random numbers.
 class FixedRandom {
 public:
     explicit FixedRandom(uint32_t start = 1) { mathbase::fixRandomStart(start); }
@@ -23,14 +23,14 @@ public:
     FixedRandom& operator=(const FixedRandom&) = delete;
 };
 
-// Makes `effect` ready as the driver does.
+// Sets `effect` up as the driver does.
 inline void prepare(kindler::Effect& effect, display::DisplayGL& display, const std::string& name) {
     effect.mName = name;
     effect.mDisplay = &display;
     effect.setup();
 }
 
-// While it lives the display finds the files written here ahead of those of data/.
+// While it lives, the display finds the files written here before those of data/.
 class OwnFiles {
 public:
     explicit OwnFiles(display::DisplayGL& display) : mDisplay(display), mBefore(display.mArchiveManager) {
@@ -58,7 +58,7 @@ private:
     am::ArchiveManager* mBefore;
 };
 
-// What the call throws, or an empty text.
+// The text of what the call throws, or an empty text.
 inline std::string thrown(const std::function<void()>& call) {
     try {
         call();
@@ -86,8 +86,8 @@ inline const std::string NORMAL_COLORS =
 inline const std::string MIRROR = "void main() { gl_Position = ftransform() * vec4(-1.0, 1.0, 1.0, 1.0); }";
 inline const std::string WHITE = "void main() { gl_FragColor = vec4(1.0); }";
 
-// The fixture of effects with a small window and fixed random numbers, whose start is START. A test of two
-// ways to draw one picture compares what both leave on a ground of one colour.
+// The fixture of the effects: a small window, and random numbers with the seed START. Tests that draw one
+// picture in two ways compare them over a ground of one colour.
 class EffectTest : public GlTest {
 protected:
     static constexpr uint32_t START = 1;
@@ -106,8 +106,8 @@ protected:
     }
 };
 
-// While it lives a program is bound that draws what fixed function would, so that the batch and SpriteCut
-// leave nothing out: whatever a program may move has to be sent.
+// While it lives, a program is bound that draws as fixed function would. Under a program, which could move
+// vertices, the batch and SpriteCut leave nothing out.
 class SendEverything {
 public:
     explicit SendEverything(bool textured) : mProgram(glCreateProgram()) {
@@ -153,7 +153,7 @@ inline double brightness(const Picture& picture) {
     return brightness(picture, 0, 0, picture.width, picture.height);
 }
 
-// Two ways to draw one picture: the same but for a rounding here and there.
+// Whether two pictures are the same but for rounding.
 inline ::testing::AssertionResult samePicture(const Picture& drawn, const Picture& plain,
                                               double maxChanged = 0.0005) {
     const PictureDifference difference = comparePictures(drawn, plain);
@@ -165,8 +165,7 @@ inline ::testing::AssertionResult samePicture(const Picture& drawn, const Pictur
                                          << difference.changed << "; see pictures-failed/differs-*.png";
 }
 
-// The share of pixels in which a picture has something on its ground, whose colour is at the corner (0, 0) of
-// `ground`.
+// The share of pixels that differ from the ground, whose colour is that of the corner (0, 0) of `ground`.
 inline double covered(const Picture& picture, const Picture& ground) {
     return comparePictures(picture, ground).changed;
 }

@@ -1,4 +1,4 @@
-// What tests of the effects with scenes share: a folder whose files are found ahead of the tree's own.
+// Shared by the tests of effects with scenes: a folder whose files are found before those of the tree.
 #pragma once
 
 #include "effect_test.h"
@@ -28,8 +28,8 @@ protected:
         writeFile(path.string(), bytes);
     }
 
-    // A scene with a cube "box" of half size 1 among its meshes; `fill` brings the nodes. Material i of the
-    // mesh is "stone".
+    // A scene with a cube "box" of half size 1 among its meshes; `fill` adds the nodes. All materials of the
+    // mesh are "stone".
     void writeScene(const std::string& name,
                     const std::function<void(o3d::Scene& scene, const o3d::Mesh&)>& fill) {
         o3d::Manager manager;

@@ -78,7 +78,7 @@ TEST_F(AbcTest, AMeshIsPaintedWithABlackOutlineAroundIt) {
     EXPECT_GT(counts.paint, 2000);
     EXPECT_GT(counts.black, 100);
     EXPECT_LT(counts.black, counts.paint / 2);
-    // Along the row through the middle: ground, outline, paint, outline, ground.
+    // Along the middle row: ground, outline, paint, outline, ground.
     std::string row;
     for (int x = 0; x < picture.width; ++x) {
         const uint8_t* p = picture.at(x, picture.height / 2);
@@ -99,7 +99,7 @@ TEST_F(AbcTest, TheOutlineIsTheMeshInflated) {
         outer += p[0] || p[1] || p[2] != 255;
     }
     // The shell shows its far faces, which look smaller: the near face of the cube is 8 wide at a distance of
-    // about 36 and more, the far one of the shell 8.6 wide at about 45.
+    // about 36, the far face of the shell 8.6 wide at about 45.
     EXPECT_GT(outer, inner + 2);
     EXPECT_LT(outer, inner * 1.2);
 }
@@ -154,7 +154,7 @@ TEST_F(AbcTest, AMirroredMeshIsDrawnWithClockwiseFaces) {
             glGetIntegerv(GL_FRONT_FACE, &winding);
         });
         EXPECT_EQ(winding, GL_CW);
-        // The cube is its own mirror image; with its faces turned round the far ones would show.
+        // The cube is its own mirror image; with its faces reversed, the far ones would show.
         const Counts a = countsOf(plain), b = countsOf(picture);
         EXPECT_NEAR(a.paint, b.paint, 0.02 * a.paint);
         EXPECT_NEAR(a.black, b.black, 0.25 * a.black);
@@ -236,7 +236,7 @@ TEST_F(AbcTest, AMissingShaderIsAnError) {
               "Display::Resource; File 'abc/abc.vert' could not be read");
     EXPECT_EQ(countsOf(at(1)).ground, 400 * 250);
     display().setArchive(&window().archives());
-    mAbc.setup(); // a second try with all that it takes
+    mAbc.setup(); // a second try, with everything it needs
     EXPECT_LT(countsOf(at(1)).ground, 1000);
 }
 

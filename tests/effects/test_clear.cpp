@@ -103,7 +103,7 @@ TEST_F(ClearTest, EachColourIsThatOfItsName) {
     expectColor(over(0.5f), 26, 26, 26);
     trigger("color", "mauve"); // changes nothing
     expectColor(over(0.5f), 26, 26, 26);
-    trigger("colour", "white"); // nor does a name that it does not know
+    trigger("colour", "white"); // nor does an unknown name
     expectColor(over(0.5f), 26, 26, 26);
 }
 

@@ -129,8 +129,8 @@ TEST_F(CloudTest, BelowATenthsTwoAlphaOnlyScales) {
 }
 
 TEST_F(CloudTest, LateInTheEntryAlphaThinsFromTheFarEndOfTheList) {
-    // At 0.9 the eye is at 10 on the path and looks up along it: with an alpha of 0.05 only what lies up to 5
-    // is left, and that is behind it.
+    // At 0.9 the eye is at 10 on the path and looks up along it. An alpha of 0.05 leaves only the points up
+    // to 5, which are behind it.
     EXPECT_LT(test::brightness(at(0.9f, 0.05f)), test::brightness(at(0.9f, 1)) / 4);
     EXPECT_LT(test::brightness(at(0.9f, 0.3f)), test::brightness(at(0.9f, 1)));
 }

@@ -52,7 +52,7 @@ TEST_F(CubejoxTest, WhatTheBatchLeavesOutDoesNotShow) {
     }
 }
 
-// Worked out apart from the program: a start of 1, two draws, then five a rod.
+// Computed independently: seed 1, two draws, then five per rod.
 TEST_F(CubejoxTest, TheRodsAreThoseOfTheSeed) {
     struct Wanted {
         int i;
@@ -117,7 +117,7 @@ TEST_F(CubejoxTest, ABwOfOneGivesGreyRods) {
     EXPECT_GT(seen, 500);
 }
 
-// The ends of a rod have one colour then, so that there are no more shades than kinds of rods.
+// The ends of a rod then have one colour, so there are no more shades than kinds of rods.
 TEST_F(CubejoxTest, ABwOfOneGivesABottomAsBrightAsTheTop) {
     const auto shades = [this](float bw) {
         const Picture picture = at(1, bw, 0);

@@ -1,4 +1,4 @@
-// The effect that docs/effects.md shows, and the code of docs/demo.md: what the pages print is what is built.
+// The code printed in docs/effects.md and docs/demo.md is the code that is built.
 #include "disc.h"
 #include "effect_test.h"
 

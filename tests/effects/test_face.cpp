@@ -28,13 +28,13 @@ protected:
             mFace.update(time, 0.02f, 0);
         });
     }
-    // With nothing cut off the sprites.
+    // With whole sprites.
     Picture wholeAt(float time, float alpha = 0.4f) {
         const test::SendEverything all(true);
         return at(time, alpha);
     }
 
-    // The scene's one mesh with these vertices in place of its own.
+    // Replaces the vertices of the scene's only mesh.
     void setVertices(const std::vector<Vector3f>& vertices) {
         mFace.getScene().mMeshes.front()->mVertices = vertices;
     }
@@ -87,7 +87,7 @@ TEST_F(FaceTest, EveryTwentyEighthVertexGlows) {
 
 TEST_F(FaceTest, SpritesAcrossTheEdgesAreCutWhereItDoesNotShow) {
     std::vector<Vector3f> vertices;
-    for (int i = 0; i < 400; ++i) { // from the eye's side to well behind the centre, out to twice the view
+    for (int i = 0; i < 400; ++i) { // from the eye to well behind the centre, and to twice the view's width
         const float depth = 0.05f + 0.01f * float(i), a = 2.39996f * float(i);
         const float edge = depth * 0.41421f * (0.8f + 0.4f * float(i % 7) / 3.0f);
         vertices.resize(vertices.size() + 28, Vector3f(9, 9, 9));

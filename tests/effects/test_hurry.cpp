@@ -86,7 +86,7 @@ TEST_F(HurryTest, ABoltGoesTwoSecondsAfterItsTrigger) {
     EXPECT_EQ(mHurry.getBolts().size(), 1u);
     mHurry.executeTrigger(6, "bolt", "");
     at(7);
-    EXPECT_EQ(mHurry.getBolts().size(), 2u); // two seconds are not yet over
+    EXPECT_EQ(mHurry.getBolts().size(), 2u); // within two seconds
     at(7.01f);
     ASSERT_EQ(mHurry.getBolts().size(), 1u);
     EXPECT_EQ(mHurry.getBolts()[0].start, 6.0f);
@@ -117,7 +117,8 @@ TEST_F(HurryTest, ABoltAtATimeOfNanEnds) {
 
 TEST_F(HurryTest, TheLightsFlicker) {
     const float pi = 3.14159265f;
-    const float bright = (0.5f * pi) / 10, dark = (1.5f * pi) / 10; // of the first light, 10 radians a second
+    const float bright = (0.5f * pi) / 10,
+                dark = (1.5f * pi) / 10; // of the first light, 10 radians per second
     EXPECT_GT(test::brightness(at(bright)), test::brightness(at(dark)) * 1.15);
 }
 

@@ -21,7 +21,7 @@ class KasperTest : public test::SceneTest {
 protected:
     Kasper mKasper;
 
-    // A scene with a camera at (0, 0, 10) and what `fill` brings.
+    // A scene with a camera at (0, 0, 10) and what `fill` adds.
     void load(const std::function<void(o3d::Scene&, const o3d::Mesh&)>& fill) {
         writeScene(SCENE, [&](o3d::Scene& root, const o3d::Mesh& box) {
             addCamera(root, Vector3f(0, 0, 10));
@@ -57,7 +57,7 @@ protected:
     }
 };
 
-// How many pixels are not black; or, of a shadow map, have something.
+// The number of pixels that aren't black; or, in a shadow map, aren't empty.
 int drawn(const Picture& picture) {
     int count = 0;
     for (size_t i = 0; i < picture.rgba.size(); i += 4)
@@ -67,7 +67,7 @@ int drawn(const Picture& picture) {
 int shadowed(const Picture& picture) {
     int count = 0;
     for (size_t i = 0; i < picture.rgba.size(); i += 4)
-        count += picture.rgba[i + 2] < 128; // of blue, which is 0 where there is something
+        count += picture.rgba[i + 2] < 128; // blue is 0 where there is something
     return count;
 }
 
@@ -147,7 +147,7 @@ TEST_F(KasperTest, TheBoxIsResetAndLeavesOutWhatCastsNoShadow) {
         scene::addInstance(root, "ex_only", box, Vector3f(1, 2, 3));
     });
     mKasper.updateBox(0);
-    expectNear(mKasper.getBoxMin(), Vector3f(4, 5, 6)); // nothing to make a new one of
+    expectNear(mKasper.getBoxMin(), Vector3f(4, 5, 6)); // nothing to compute a new box from
 }
 
 TEST_F(KasperTest, ANodeOfACameraStopsTheWalkAtThatNode) {
@@ -158,7 +158,7 @@ TEST_F(KasperTest, ANodeOfACameraStopsTheWalkAtThatNode) {
 }
 
 TEST_F(KasperTest, AnObjectNamedExIsVisibleButCastsNoShadow) {
-    // Two boxes beside each other, both within the reach of a light that takes in the first alone.
+    // Two boxes side by side, both in reach of a light whose map covers only the first.
     const auto boxes = [this](const char* second) {
         load([&](o3d::Scene& root, const o3d::Mesh& box) {
             o3d::SceneNode* ground = scene::addInstance(root, "ground", box, Vector3f(0, -2, 0));
@@ -224,7 +224,7 @@ TEST_F(KasperTest, TheShadowMapHoldsTheDepthAlongTheLight) {
         scene::addInstance(root, "cube", box, Vector3f(0, 0, 0));
     });
     const Picture map = lit(0);
-    // The corner towards the light is the nearest point; depth grows by the same measure over the map.
+    // The corner towards the light is the nearest point; depth grows evenly over the map.
     const Vector3f corner = mKasper.getLightMatrix().multiply(Vector3f(1, 1, 1));
     const Vector3f face = mKasper.getLightMatrix().multiply(Vector3f(0, 1, 0));
     for (const Vector3f& p : {corner, face}) {
@@ -246,7 +246,7 @@ TEST_F(KasperTest, TheModelPlacesTheSceneBeforeTheLight) {
     const Picture there = lit(0, model);
     expectNear(mKasper.getBoxMin(), Vector3f(19, -1, -8));
     expectNear(mKasper.getBoxMax(), Vector3f(21, 1, -6));
-    EXPECT_LT(test::comparePictures(there, lit(0)).mean, 0.5); // the light goes where the box is
+    EXPECT_LT(test::comparePictures(there, lit(0)).mean, 0.5); // the light moves with the box
 }
 
 TEST_F(KasperTest, TheCourtyardHasItsShadowMap) {
@@ -308,7 +308,7 @@ TEST_F(KasperTest, WithoutASceneThereIsNothingToDo) {
 TEST_F(KasperTest, ASceneWithoutACameraIsAnError) {
     writeScene(SCENE, [](o3d::Scene& root, const o3d::Mesh& box) {
         scene::addInstance(root, "cube", box, Vector3f(0, 0, 0));
-        // One that is no direct child of the scene does not count.
+        // A camera that isn't a direct child of the scene doesn't count.
         addCamera(*scene::addDummy(root, "holder", Vector3f(0, 0, 0)), Vector3f(0, 0, 10));
     });
     EXPECT_EQ(test::thrown([&] { mKasper.loadScene(&display(), SCENE); }),

@@ -25,7 +25,7 @@ protected:
 
     void SetUp() override {
         EffectTest::SetUp();
-        // A picture of its own: the numbers below are those of its cubes.
+        // Its own picture: the numbers below belong to its cubes.
         test::OwnFiles files(display());
         files.write("kub/kub.png", test::readFile(test::sourcePath("tests/effects/assets/kub/kub.png")));
         srand(1);
@@ -39,7 +39,8 @@ protected:
 
 } // namespace
 
-// Replayed from the picture's cells: each move goes one cell, at most once in a step, to where no cube is.
+// Replays the moves from the picture's cells: each cube moves at most once per step, by one cell, to an empty
+// one.
 TEST_F(KubTest, NoMoveEntersATakenCell) {
     std::vector<Kub::Poxel> cubes = Kub::poxels();
     ASSERT_GT(cubes.size(), 500u);
@@ -61,7 +62,7 @@ TEST_F(KubTest, NoMoveEntersATakenCell) {
             for (const Kub::Mod& mod : cubes[i].mods)
                 if (mod.step == step)
                     moves.emplace_back(i, mod);
-        // Within a step the order is not kept: a move may wait for the cell that another leaves.
+        // Moves within a step are unordered: one may wait for the cell that another leaves.
         for (size_t left = moves.size(); !moves.empty(); left = moves.size()) {
             std::erase_if(moves, [&](const auto& move) {
                 Kub::Poxel& cube = cubes[move.first];
@@ -80,7 +81,7 @@ TEST_F(KubTest, NoMoveEntersATakenCell) {
 }
 
 TEST_F(KubTest, ItsLifeMatchesTheReferencePictures) {
-    // Below second 9.8 nothing rolls, however long it has run.
+    // Before second 9.8 nothing rolls, however long it has run.
     EXPECT_TRUE(matchesReference("kub_scattered", at(5, 0.02f, 0.2f)));
     at(9.7f, 4.0f, 0.2f);
     EXPECT_EQ(Kub::currentFrame(), 120);
@@ -88,7 +89,7 @@ TEST_F(KubTest, ItsLifeMatchesTheReferencePictures) {
     EXPECT_TRUE(matchesReference("kub_rolling", at(12, 2.1f, 0.25f)));
     EXPECT_EQ(Kub::currentFrame(), 111);
     at(12.1f, 0.1f, 0.25f);
-    // A negative delta takes time back and undoes nothing.
+    // A negative delta goes back in time but undoes nothing.
     const int frame = Kub::currentFrame();
     at(12.0f, -0.05f, 0.25f);
     EXPECT_EQ(Kub::currentFrame(), frame);
@@ -112,8 +113,8 @@ TEST_F(KubTest, ItsTriggersLookAsTheyShould) {
     EXPECT_TRUE(matchesReference("kub_turned_twice", at(110, 0.02f, 0.6f)));
 }
 
-// Worked out apart from the program: the C library's numbers from a start of 1 for the moves, and those of
-// the effect's own start for the growth of each cube that moves for the first time.
+// Computed independently: the moves from the C library's random numbers with seed 1, and the growth of each
+// cube that moves for the first time from the effect's own.
 TEST_F(KubTest, TheFirstCubesAndMovesAreThoseOfTheSeed) {
     struct Wanted {
         size_t cube;
@@ -177,7 +178,7 @@ TEST_F(KubTest, ACubeRollsOverItsEdgeAndLiftsInTheMiddleOfItsStep) {
     EXPECT_EQ(rolling.count, 48);
 }
 
-// A picture of so many cubes that no attempt ever takes some of them.
+// A picture with so many cubes that some are never chosen.
 TEST_F(KubTest, ACubeThatNeverMovedIsDrawnInItsPosition) {
     test::OwnFiles files(display());
     files.write("kub/kub.png", test::whitePicture(140, 140));
@@ -215,7 +216,7 @@ TEST_F(KubTest, StepsOfAnyLengthEnd) {
                 at(time, delta, progress);
 }
 
-// The cubes are seen from above and in front: with a normal left out all of them would have one colour.
+// The cubes are seen from above and in front: without normals they would all have one colour.
 TEST_F(KubTest, AProgramGetsTheNormalsOfTheCubes) {
     test::OwnFiles files(display());
     files.write("kub/kub.vert", test::SHOW_NORMALS);

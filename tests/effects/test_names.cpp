@@ -1,4 +1,5 @@
-// What the effects say that they answer to is what they answer to, and what the catalogue and the pages list.
+// The triggers and splines that effects list are those that they handle, and those in the catalogue and the
+// docs.
 #include "effect_names.h"
 #include "effect_test.h"
 
@@ -153,7 +154,7 @@ TEST_F(CatalogueTest, TheTargetsOfWaxOnExist) {
     EXPECT_EQ(made, namesIn(namesOf("waxon").triggers[0].words));
 }
 
-// An object that is made later starts as the first one did, whatever happened to that one.
+// A second object starts in the same state as the first, whatever happened to the first.
 TEST_F(CatalogueTest, AnEffectThatIsMadeAgainStartsOver) {
     for (const char* name : {"border", "grid", "rund", "xor", "overlay", "kub", "vul", "cloud", "face"}) {
         const auto draw = [&](ScriptedEffect& effect) {

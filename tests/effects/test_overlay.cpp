@@ -1,4 +1,4 @@
-// The mode and "alpha" stay for as long as the program runs: each test gives them first.
+// The mode and "alpha" outlive the effect: each test sets them first.
 #include "dis_shader.h"
 #include "effect_test.h"
 #include "overlay.h"
@@ -49,7 +49,7 @@ protected:
         mOverlay.executeTrigger(time, "type", type);
         return over(0.3f, 0.1f, 0.4f, [&] { mOverlay.update(time, 0.02f, progress); });
     }
-    // The plain way: a quad over the given part of clip space, the texture's lower left corner at (s, t0).
+    // The expected picture: a quad over part of clip space, the texture's lower left corner at (s, t0).
     Picture plainQuad(float x, float y, float t0, const std::function<void()>& start,
                       const std::function<void()>& end) {
         return over(0.3f, 0.1f, 0.4f, [&] {

@@ -64,7 +64,7 @@ struct LoadedFile {
     bool required = true;
 };
 
-// What the page says that an effect loads.
+// A file that an effect loads, according to the page.
 std::vector<LoadedFile> filesOf(const std::string& effect) {
     std::vector<LoadedFile> files;
     for (const Row& row : table("| effect | file | size")) {

@@ -52,17 +52,17 @@ protected:
     }
 };
 
-// The scene again, traced plainly.
+// The same scene, traced independently.
 struct Sphere {
     Vector3f centre;
     float radius;
-    Vector3f color; // what a point on it comes out as: many times its material's, and so 0 or 1
+    Vector3f color; // of a point on it: many times its material's, so clamped to 0 or 1
 };
 const Sphere spheres[] = {{Vector3f(-3, 2.1f, 0), 2.3f, Vector3f(1, 1, 1)},
                           {Vector3f(3, 2.1f, 0), 2.3f, Vector3f(1, 1, 0)},
                           {Vector3f(0, -140, 5), 140, Vector3f(1, 1, 1)}};
 
-// The nearest of all spheres along a ray of unit length; behind 1e-3.
+// The nearest sphere along a unit ray, beyond 1e-3.
 std::optional<std::pair<double, const Sphere*>> nearest(const Vector3f& from, const Vector3f& direction) {
     std::optional<std::pair<double, const Sphere*>> best;
     for (const Sphere& s : spheres) {
@@ -77,8 +77,8 @@ std::optional<std::pair<double, const Sphere*>> nearest(const Vector3f& from, co
     return best;
 }
 
-// Whether a photon at `p` counts as seen: the way to the eye is put into the formula for unit directions as
-// it is.
+// Whether a photon at `p` counts as visible. The formula for unit directions gets the vector to the eye as it
+// is.
 bool seen(const Vector3f& p, const Vector3f& eye) {
     const Vector3f way = eye - p;
     for (const Sphere& s : spheres) {
@@ -190,7 +190,7 @@ TEST_F(PhotonTest, TheMeanOfManyFramesIsTheLightComputedDirectly) {
                 photons[size_t(y * SIZE + x)] += flux * area / 9;
             }
 
-    // In squares of 8 by 8 pixels, which even out the chance.
+    // In squares of 8 by 8 pixels, to average out noise.
     double worst = 0, difference = 0, sum = 0;
     for (int by = 8; by < SIZE - 8; by += 8)
         for (int bx = 8; bx < SIZE - 8; bx += 8) {
@@ -258,7 +258,7 @@ TEST_F(PhotonTest, WithoutLightsThePictureOnlyFades) {
 }
 
 TEST_F(PhotonTest, OnlyFacesTowardsTheLightAndTheEyeAreVisible) {
-    // One sphere between the light above and the eye below: nothing that is lit can be seen.
+    // One sphere between the light above and the eye below: nothing lit is visible.
     Open photon([](Open& p) {
         p.mMaterials.push_back(new Photon::Material(Vector3f(1, 1, 1)));
         p.addSphere(Vector3f(0, 0, 0), 2, p.mMaterials[0]);

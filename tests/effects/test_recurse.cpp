@@ -32,7 +32,7 @@ protected:
     }
 };
 
-// The effect once more, by rays: what each pixel of a target sees.
+// The effect again, by ray casting: what each pixel of a target sees.
 
 using Vec = std::array<double, 3>;
 
@@ -58,7 +58,7 @@ Vec turned(const Vec& v, const Vec& axis, double angle) {
            axis * (dot(axis, v) * (1 - std::cos(angle)));
 }
 
-// Does the ray meet the box around the origin ahead of its start?
+// Does the ray hit the box around the origin, in front of its start?
 bool meets(const Vec& start, const Vec& way, const Vec& half) {
     double near = 0.1, far = 1000;
     for (size_t i = 0; i < 3; ++i) {
@@ -92,8 +92,7 @@ Rgb sampled(const Target& target, double s, double t) {
     return result;
 }
 
-// What a wall adds: its colour, and its texture coordinates by the place that is seen (-1 to 1 across the
-// cube).
+// A wall's colour, and its texture coordinates at a position (-1 to 1 across the cube).
 Rgb wall(const Target& last, const Vec& p) {
     size_t axis = 0;
     for (size_t i = 1; i < 3; ++i)
@@ -119,7 +118,7 @@ Rgb wall(const Target& last, const Vec& p) {
     return result;
 }
 
-// Sixteen rays a pixel for the bars' edges; the card takes one, so that a bar may come out a pixel aside.
+// Sixteen rays per pixel for the bars' edges. OpenGL takes one sample, so a bar may be off by a pixel.
 Target byRays(const Target& last, double time) {
     const Vec eye = {std::sin(time), std::cos(0.5 * time), std::cos(time)};
     const Vec forward = unit(eye * -1), right = unit(cross(forward, {0, 1, 0})), up = cross(right, forward);
@@ -146,13 +145,12 @@ Target byRays(const Target& last, double time) {
     return result;
 }
 
-// The target as the screen shows it.
+// The target as shown on the screen.
 Picture shown(const Target& target, int width, int height) {
     Picture picture(width, height);
     for (int y = 0; y < height; ++y)
         for (int x = 0; x < width; ++x) {
-            // Clamped at the border in the inside of the picture only: the outermost texels are left to the
-            // test.
+            // Clamps inside the picture only: the test skips the outermost texels.
             const Rgb p = sampled(target, (x + 0.5) / width, 1 - (y + 0.5) / height);
             for (size_t i = 0; i < 3; ++i)
                 picture.at(x, y)[i] = uint8_t(std::lround(255 * p.c[i]));
@@ -199,7 +197,7 @@ TEST_F(RecurseTest, TheFirstFrameShowsTheClearedTargetInsideTheCube) {
     size_t white = 0, grey = 0;
     for (size_t i = 0; i < first.rgba.size(); i += 4) {
         const uint8_t* p = &first.rgba[i];
-        EXPECT_TRUE(p[0] == p[1] && p[1] == p[2]); // bars and nothing, and what lies between
+        EXPECT_TRUE(p[0] == p[1] && p[1] == p[2]); // bars, background, and blends of the two
         (p[0] > 128 ? white : grey) += 1;
     }
     EXPECT_GT(white, 1000u);
@@ -240,7 +238,7 @@ TEST_F(RecurseTest, EachFaceOfTheCubeHasItsColour) {
     }
 }
 
-// Lit from the eye a face is as bright as its normal faces it, so that a wrong one is dark.
+// Lit from the eye, a face whose normal points away is dark.
 TEST_F(RecurseTest, TheCubesNormalsPointOutwards) {
     for (const Vector3f& from : {Vector3f(5, 0, 0), Vector3f(-5, 0, 0), Vector3f(0, 5, 0), Vector3f(0, -5, 0),
                                  Vector3f(0, 0, 5), Vector3f(0, 0, -5)}) {

@@ -109,7 +109,7 @@ TEST_F(RundTest, TheStatesAreResetAfterwards) {
     });
 }
 
-// Sprites that go left, and so right in this step, wrap; those that went left come back.
+// When time goes back, sprites with a negative speed move right and wrap; the others come back afterwards.
 TEST_F(RundTest, OnlyTheUpperEdgeWraps) {
     const Picture ground = over(1, 0.97f, 0.9f, [] {});
     const double before = test::covered(step(0, 0), ground);

@@ -16,7 +16,7 @@ namespace {
 
 const std::string SCENE = "ssao/scene.o3d";
 
-// Programs that show what reaches the last pass, in place of the show's own.
+// Replaces the show's programs by ones that show the inputs of the last pass.
 const char* const PLAIN_VERT = "void main() { gl_Position = ftransform(); gl_FrontColor = gl_Color; }\n";
 const char* const MARKED_FRAG = // red into the first target, green into the second
     "void main() { gl_FragData[0] = vec4(1.0, 0.0, 0.0, 1.0); gl_FragData[1] = vec4(0.0, 1.0, 0.0, 1.0); }\n";
@@ -36,14 +36,14 @@ protected:
     Picture at(float time) {
         return frame([&] { mSsao->update(time, 0.02f, 0.5f); });
     }
-    // A cube of this size at this place, seen from (0, 0, 10).
+    // A cube of this size at this position, seen from (0, 0, 10).
     void writeCube(const Vector3f& place, const Vector3f& scale) {
         writeScene(SCENE, [&](o3d::Scene& root, const o3d::Mesh& box) {
             addCamera(root, Vector3f(0, 0, 10));
             scene::setValue(scene::addInstance(root, "cube", box, place)->mScale, scale);
         });
     }
-    // What the last pass is given, of the first pass in two plain colours.
+    // The inputs of the last pass, with two plain colours from the first pass.
     Picture given(const std::string& what) {
         writeOwn("ssao/basepass.vert", PLAIN_VERT);
         writeOwn("ssao/basepass.frag", MARKED_FRAG);
@@ -144,7 +144,7 @@ TEST_F(SsaoTest, TheMainTargetIsLeftWithOneDrawBuffer) {
     prepare();
     frame([&] {
         mSsao->update(1, 0.02f, 0.5f);
-        // The targets are the framebuffers that there are; each has one draw buffer.
+        // The targets are the only framebuffers; each has one draw buffer.
         int targets = 0;
         for (GLuint name = 1; name < 64; ++name) {
             if (!glIsFramebufferEXT(name))
@@ -182,7 +182,7 @@ TEST_F(SsaoTest, TheCornerBetweenWallAndGroundIsDarker) {
                                    "0.0, d); }\n");
     prepare();
     const Picture picture = at(0);
-    // Down the middle: the darkest row is the corner, not an end.
+    // Down the middle, the darkest row is the corner, not an end.
     int darkest = 0;
     double least = 1e9;
     for (int y = 60; y < 240; ++y) {

@@ -37,7 +37,7 @@ am::Image heightPicture(int w, int h, const std::vector<int>& heights) {
 
 class StenTest : public test::EffectTest {
 protected:
-    test::TempDir mOwn; // looked into ahead of the scene's own files
+    test::TempDir mOwn; // searched before the scene's own files
 
     void SetUp() override {
         EffectTest::SetUp();
@@ -76,7 +76,7 @@ bool isGround(const Picture& picture, int x, int y) {
     return std::fabs(float(p[0]) - whiteAt(picture, y)) < 2 && std::abs(p[0] - p[1]) < 2 && p[2] == 255;
 }
 
-// The middle of what is not ground, in pixels.
+// The centre of everything that isn't ground, in pixels.
 std::pair<float, float> middle(const Picture& picture) {
     float x0 = 1e9f, x1 = -1, y0 = 1e9f, y1 = -1;
     for (int y = 0; y < picture.height; ++y)
@@ -90,7 +90,7 @@ std::pair<float, float> middle(const Picture& picture) {
 
 } // namespace
 
-// Worked out apart from the program, row by row: red, green, blue, alpha.
+// Computed independently, row by row: red, green, blue, alpha.
 TEST(StenFilter, NormalsOfAPictureWorkedOutByHand) {
     const int wanted[12][4] = {{222, 162, 203, 10}, {113, 220, 212, 20}, {94, 192, 231, 40},
                                {48, 48, 189, 90},   {28, 139, 205, 80},  {202, 202, 195, 10},
@@ -176,8 +176,7 @@ TEST_F(StenTest, TheEyeSwingsWithTime) {
     const auto [x, y] = middle(box(Vector3f(-0.03f, -0.03f, -0.53f), Vector3f(0.03f, 0.03f, -0.47f), 1));
     const double ex = 4 * std::cos(0.2), ey = 3 + 2 * std::sin(2.0), distance = std::hypot(ex, ey);
     const double f = 1 / std::tan(double(PI) / 6);
-    // The point (0, 0, -0.5) lies across the line of sight: to the right of it, and so to the left on its
-    // head.
+    // The point (0, 0, -0.5) is to the right of the line of sight, and so to the left upside down.
     EXPECT_NEAR(x, (1 - f * 0.5 / distance) * 200, 1.5);
     EXPECT_NEAR(y, 125, 1.5);
 }

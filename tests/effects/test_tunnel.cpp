@@ -43,7 +43,7 @@ TEST_F(TunnelTest, MatchesItsReferencePictures) {
     EXPECT_TRUE(matchesReference("tunnel_26", at(26)));
 }
 
-// Worked out apart from the program: a start of 1, two draws, 2000 for the table, then six a ring.
+// Computed independently: seed 1, two draws, 2000 for the table, then six per ring.
 TEST_F(TunnelTest, TheFirstAndTheLastRingsAreThoseOfTheSeed) {
     const Wanted wanted[] = {
         {0, {5.03735f, 1.0f, 0.0f}, 0, -5, {0.51f, 0.56f, 0.56f}, 1.0f, 1.5f},

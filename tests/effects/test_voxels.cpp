@@ -23,7 +23,7 @@ namespace {
 
 class VoxelTest : public test::EffectTest {
 protected:
-    // Draws at times, steps and progress of any kind: all that is asked is that it ends.
+    // Draws with any times, steps and progress. All it has to do is return.
     void drawAtAnyTime(Effect& effect) {
         const float infinity = std::numeric_limits<float>::infinity();
         const float nan = std::numeric_limits<float>::quiet_NaN();
@@ -34,7 +34,7 @@ protected:
     }
     Picture ground(const std::function<void()>& draw) { return over(0.15f, 0.2f, 0.3f, draw); }
 
-    // Draws for `delta`, and checks that what the batch leaves out does not show.
+    // Draws a frame of `delta`, and checks that the batch leaves out nothing visible.
     Picture checked(Effect& effect, float time, float delta, float progress, bool textured) {
         const Picture drawn = ground([&] { effect.update(time, delta, progress); });
         const Picture again = ground([&] { effect.update(time, 0, progress); });
@@ -67,7 +67,7 @@ TEST_F(CreditsTest, ArriveStandAndExplode) {
     at(1, -0.1f);
 }
 
-// Worked out apart from the program: a start of 1, two draws, then three a pixel that is seen.
+// Computed independently: seed 1, two draws, then three per visible pixel.
 TEST_F(CreditsTest, TheRecordsAreThoseOfTheSeed) {
     test::OwnFiles files(display());
     const std::string name = "credits/credits_code.png";
@@ -127,7 +127,7 @@ TEST_F(CreditsTest, AtAZoomOfOneEveryPixelIsInItsPlace) {
     credits.updateSpline(0, "zoom", 1);
     const Picture drawn = ground([&] { credits.update(0, 0.02f, 0); });
     for (Credits::poxdata& p : credits.pixels)
-        p.start = p.target; // there is no way left to go, and so no turn and no size from it
+        p.start = p.target; // no distance left, so neither rotation nor size can depend on it
     EXPECT_TRUE(test::samePicture(drawn, ground([&] { credits.update(0, 0.02f, 0); })));
     EXPECT_GT(test::covered(drawn, ground([] {})), 0.01);
     const Picture boxes = ground([&] {
@@ -149,7 +149,7 @@ TEST_F(CreditsTest, AtAZoomOfOneEveryPixelIsInItsPlace) {
     EXPECT_TRUE(test::samePicture(drawn, boxes, 0.005));
 }
 
-// The name that an effect goes by in scripts is another thing than the one that its picture goes by.
+// An effect's name in scripts is independent of its picture's name.
 TEST_F(CreditsTest, ThePictureIsThatOfTheKeyWhateverNameItIsRegisteredUnder) {
     Credits orvo(&mCommon, "orvo"), code(&mCommon, "code"), renamed(&mCommon, "orvo");
     test::prepare(orvo, display(), "credits_orvo");
@@ -227,7 +227,7 @@ TEST_F(GrandTest, TipsColumnByColumn) {
     EXPECT_EQ(test::comparePictures(at(0, 0.3f), ground([] {})).mean, 0);
 }
 
-// The columns from number 128 on are left out; the others stand where the whole width puts them.
+// Columns from 128 on are left out; the others are placed by the whole width.
 TEST_F(GrandTest, APictureWiderThan128LosesWhatIsPastIt) {
     test::OwnFiles files(display());
     for (int n = 1; n <= 19; ++n) {
@@ -300,7 +300,7 @@ TEST_F(GreetTest, StampsAndFades) {
     trigger();
     EXPECT_TRUE(matchesReference("greet_three", at(0.02f)));
     EXPECT_TRUE(matchesReference("greet_decayed", at(0.9f)));
-    // The picture has twelve bands. Past the last one there is nothing to stamp, and nothing is read.
+    // The picture has twelve bands. After the last one, nothing is stamped and nothing is read.
     for (int i = 3; i < 12; ++i)
         trigger();
     at(10);
@@ -324,7 +324,7 @@ TEST_F(GreetTest, AnyTimeIsHarmless) {
     drawAtAnyTime(greet);
 }
 
-// A picture that is no whole number of bands high, and narrower than the slab.
+// A picture whose height is not a whole number of bands, and narrower than the slab.
 TEST_F(GreetTest, APictureOfAnotherSizeIsStampedAsFarAsItGoes) {
     test::OwnFiles files(display());
     files.write("greet/greet.png", test::whitePicture(100, 30));
@@ -397,6 +397,6 @@ TEST_F(VulTest, Wanders) {
     EXPECT_TRUE(matchesReference("vul_small", at(3, 2)));
     EXPECT_TRUE(matchesReference("vul_large", at(7.5f, 0.8f)));
     at(1, 0);
-    // Where no cell is above the bound, nothing is drawn.
+    // If no cell is above the bound, nothing is drawn.
     EXPECT_EQ(test::comparePictures(at(2, 3), ground([] {})).mean, 0);
 }

@@ -1,4 +1,4 @@
-// Once warm no update of an effect asks for memory.
+// Once warm, no update of an effect allocates memory.
 #include "allocations.h"
 #include "border.h"
 #include "credits.h"
@@ -24,8 +24,8 @@ namespace {
 
 class WarmTest : public test::EffectTest {
 protected:
-    // Draws `effect` for some frames, with all that it can be told, and expects no allocation in later ones.
-    // OpenGL has done its own work by then.
+    // Draws `effect` for some frames with every trigger and spline, and expects no allocation in later ones.
+    // By then OpenGL has done its own.
     void expectNone(Effect& effect, const char* name, const char* trigger, const std::string& value) {
         const std::string triggerName = trigger, alpha = "alpha";
         test::prepare(effect, display(), name);

@@ -1,4 +1,4 @@
-// What all effects share and what needs no window: random numbers, billboards.
+// Shared by all effects, without a window: random numbers, billboards.
 #include "effect_random.h"
 #include "effect_test.h"
 #include "effect_view.h"
@@ -27,8 +27,7 @@ TEST(Random, AUniformNumberIsTheStateOverTwoToTheThirtyTwo) {
     Random random(0);
     EXPECT_EQ(random.uniform(), 5 * 0x1p-32f);
     EXPECT_EQ(random.uniform(), float(5u * 69069u + 5u) * 0x1p-32f);
-    // A state that has all its upper bits rounds up to 1. 69069 is odd: its inverse makes any state come
-    // next.
+    // A state with all upper bits set rounds up to 1. Since 69069 is odd, its inverse gives the state before.
     uint32_t inverse = 1;
     for (int i = 0; i < 5; ++i)
         inverse *= 2 - 69069u * inverse;

@@ -1,4 +1,4 @@
-// The second demo, played by the film tool with its effects: a picture of each of its scenes.
+// A picture of each scene of the second demo, made by the film tool.
 
 #include "audiere.h"
 #include "picture.h"
@@ -17,7 +17,7 @@ using zentrak::test::TempDir;
 
 namespace {
 
-// The frame at `second`, of a run of the demo up to there. Embers are points of chance, so the seed is fixed.
+// The frame at `second` of the demo. The seed is fixed, because the embers are random.
 Picture still(const char* second) {
     const TempDir folder;
     const auto [status, text] = runCommand(

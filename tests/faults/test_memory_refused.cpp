@@ -42,7 +42,7 @@ void expectACleanEnd(const std::function<void()>& load) {
     size_t number = 0, leaking = 0;
     {
         CaptureStdout quiet;
-        load(); // what is made once and kept
+        load(); // for what is made once and kept
         load();
         const long before = allocationsInUse();
         bool refused = true;
@@ -216,7 +216,7 @@ TEST_F(MemoryRefused, TheStudiosDocument) {
     });
 }
 
-// A change that could not be made has changed nothing.
+// A change that fails leaves everything as it was.
 TEST_F(MemoryRefused, AnEditIsWholeOrNotThereAtAll) {
     const std::string text = corpus("document/person.xml");
     for (size_t number = 1; number < 300; ++number) {

@@ -1,5 +1,4 @@
-// The film tool on small shows of its own, and on the real one: what it writes is read with ffmpeg's own
-// tools.
+// The film tool on small shows and on the real one. Its output is read with ffmpeg's tools.
 #include "picture.h"
 #include "support.h"
 
@@ -52,7 +51,7 @@ protected:
                           arguments);
     }
 
-    // What ffprobe says of one field of the film's picture or sound.
+    // One field of ffprobe's description of the film's picture or sound.
     std::string probe(const std::string& stream, const std::string& field) const {
         const std::string text =
             runCommand("ffprobe -v error -count_frames -select_streams " + stream +
@@ -123,7 +122,7 @@ TEST_F(Film, SoundStandsAtTheSampleWhereThePictureExpectsIt) {
     };
     ASSERT_GT(heard.size(), 2 * 40000u);
     ASSERT_GT(meant.size(), 2 * 40000u);
-    // The shift at which the two are most alike.
+    // The shift at which the two match best.
     int best = 0;
     double most = 0;
     for (int shift = -2000; shift <= 2000; ++shift) {
@@ -139,7 +138,7 @@ TEST_F(Film, SoundStandsAtTheSampleWhereThePictureExpectsIt) {
 }
 
 TEST_F(Film, AStillIsThePictureThatPlayingUpToItGives) {
-    // Discs that each shot widens, over a gradient that fades what was drawn before, and particles.
+    // Discs that widen at each shot, over a gradient that fades earlier frames, and particles.
     script("<effect name=\"clear\" start=\"0\" end=\"20\"><trigger name=\"type\" value=\"gradient\"/>"
            "<spline name=\"alpha\"><key time=\"0\" value=\"0.1\"/></spline></effect>"
            "<effect name=\"spark\" start=\"0\" end=\"20\"/>"
@@ -211,8 +210,7 @@ TEST_F(Film, LeavesSettingsAsTheyAre) {
     const auto [status, text] = run("--still 0.1 still.png");
     ASSERT_EQ(0, status) << text;
     EXPECT_EQ(settings, readFile(file("setup.local.xml")));
-    EXPECT_EQ(0,
-              int(picture("still.png").at(32, 20)[0])); // the start time of the settings counts for nothing
+    EXPECT_EQ(0, int(picture("still.png").at(32, 20)[0])); // the start time in the settings is ignored
 }
 
 TEST_F(Film, SaysWhatIsWrongWithItsArguments) {

@@ -1,4 +1,4 @@
-// Meshes as buffers: where each Submesh lies, what the buffers hold, and what is drawn.
+// Meshes as buffers: the position of each Submesh, the contents of the buffers, and what is drawn.
 
 #include "dis_shader.h"
 #include "gl_fixture.h"

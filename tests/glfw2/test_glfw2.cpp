@@ -1,5 +1,5 @@
-// What needs no display: key codes, what is down and what it typed, the order of video modes, and every call
-// without anything to act on.
+// Without a display: key codes, what is down and what it typed, the order of video modes, and every call
+// without a window.
 #include "glfw2.h"
 #include "glfw2_input.h"
 #include "glfw2_keys.h"

@@ -26,14 +26,14 @@ constexpr int SECONDS = 60;
 constexpr int MEGABYTES = 4096;
 constexpr int MOST_TIMES = 23;
 
-// What stands where at one time, in the order of the tree.
+// Positions at one time, in the order of the tree.
 struct World {
     std::vector<Vector> nodes;
     std::vector<std::string> names;
     std::vector<Vector> corners; // three for each triangle
 };
 
-// assimp's side: by its own classes and functions alone.
+// assimp's side, using only its own classes and functions.
 class Reference {
 public:
     explicit Reference(const std::string& path) {
@@ -56,7 +56,7 @@ public:
         return given > 0 ? given : 25;
     }
 
-    // Some readers leave keys in disorder; nothing can be sampled then.
+    // Some readers leave keys unsorted, which can't be sampled.
     static bool inOrder(const aiNodeAnim& channel) {
         const auto ascends = [](const auto* keys, unsigned count) {
             return std::is_sorted(keys, keys + count,
@@ -67,7 +67,7 @@ public:
                ascends(channel.mScalingKeys, channel.mNumScalingKeys);
     }
 
-    // Start, end, and what lies between; never just on a key, where a jump has two values.
+    // Start, end, and times in between; never exactly on a key, where a jump has two values.
     std::vector<double> times() const {
         if (!mComparable)
             return {};
@@ -98,7 +98,7 @@ public:
     }
 
 private:
-    // FBX says which way is up and how long a unit is; assimp hands it on and leaves it at that.
+    // FBX specifies its axes and unit; assimp passes them on without applying them.
     void readFrame() {
         int32_t up = 1, front = 2, right = 0, upSign = 1, frontSign = 1, rightSign = 1;
         double unit = 100;
@@ -224,7 +224,7 @@ public:
         for (o3d::Mesh* mesh : mManager.mMeshes) {
             for (const std::string& fault : mesh->findFaults())
                 throw std::runtime_error("mesh '" + mesh->mName + "': " + fault);
-            mesh->addNormals(); // ends the program where it can't
+            mesh->addNormals(); // aborts if it can't
             for (const o3d::Submesh* submesh : mesh->mSubmeshes)
                 if (!mManager.getMaterial(mesh->getMaterial(submesh->mMaterial)))
                     throw std::runtime_error("a material is missing");
@@ -279,20 +279,20 @@ double sizeOf(const World& world) {
                     low[i] = std::min(low[i], v[i]);
                     high[i] = std::max(high[i], v[i]);
                 }
-    // A scene far from the origin is no more exact than floats are there.
+    // Far from the origin a scene is only as exact as floats are there.
     double reach = 0;
     for (unsigned i = 0; i < 3; ++i)
         reach = std::max({reach, fabs(low[i]), fabs(high[i])});
     return std::max({(high - low).Length(), reach * 1e-3, 1e-6});
 }
 
-// As far as floats can tell after the way through the tree.
+// Equal, within the rounding of floats through the tree.
 bool isFlat(const Vector* corners, double size) {
     const Vector ab = corners[1] - corners[0], ac = corners[2] - corners[0];
     return !((ab ^ ac).Length() > 1e-6 * size * std::max(ab.Length(), ac.Length()));
 }
 
-// The root is missing where it does nothing.
+// A root without effect is left out.
 void compareNodes(const World& expected, const World& found, double size, Comparison& result) {
     const size_t skip = expected.nodes.size() == found.nodes.size() + 1 ? 1 : 0;
     if (expected.nodes.size() != found.nodes.size() + skip)
@@ -311,7 +311,7 @@ void compareNodes(const World& expected, const World& found, double size, Compar
     }
 }
 
-// Triangles come in the same order. One that the engine lacks has no area.
+// Triangles are in the same order. Those that the engine lacks have no area.
 void compareCorners(const World& expected, const World& found, double size, Comparison& result) {
     size_t next = 0;
     for (size_t i = 0; i < expected.corners.size(); i += 3) {

@@ -1,4 +1,4 @@
-// An imported scene held against assimp's own reading of the same file.
+// Compares an imported scene with assimp's reading of the same file.
 #pragma once
 
 #include "import/convert.h"
@@ -9,9 +9,9 @@ namespace zentrak::test {
 
 struct Comparison {
     bool refused = false;
-    std::string problem; // why it was refused, or what differs; empty where all is well
+    std::string problem; // why it was refused, or what differs; empty if nothing
     std::string format;  // of what was imported
-    double worst = 0;    // distance of a vertex or node, of the scene's size
+    double worst = 0;    // largest distance of a vertex or node, as a fraction of the scene's size
     size_t vertices = 0; // compared, over all times
     size_t nodes = 0;    // likewise
     size_t times = 0;
@@ -19,12 +19,12 @@ struct Comparison {
     size_t losses = 0;
 };
 
-// How far apart is the same, of the scene's size.
+// The tolerance, as a fraction of the scene's size.
 constexpr double SAME = 0.002;
 
-// Imports the file, loads what came of it as the show does, with its normals, and compares the corners of all
-// triangles and the origins of all nodes, in the world, at many times. Whatever crashes, in a process of its
-// own, is a problem.
+// Imports the file, loads the result as the show does, with normals, and compares the corners of all
+// triangles and the origins of all nodes in the world, at many times. A crash happens in a child process and
+// is a problem.
 Comparison compareImport(const std::string& path);
 
 } // namespace zentrak::test

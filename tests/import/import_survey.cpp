@@ -1,7 +1,6 @@
-// Imports every file below a folder, compares what came of it with assimp's own reading, and prints a table
-// of how many of each format there are:
-//   import_survey FOLDER [LIST.txt]     a line for each file into LIST.txt
-// Ends with 1 where an import differs, or crashes where the reader does not.
+// Imports every file below a folder, compares the result with assimp's reading, and prints a table by format:
+//   import_survey FOLDER [LIST.txt]     writes a line for each file to LIST.txt
+// Exit status: 1 if an import differs, or crashes although assimp doesn't.
 
 #include "compare.h"
 

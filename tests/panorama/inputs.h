@@ -1,5 +1,5 @@
-// What tests of the input controls share: a tree without a window, the events that a user makes in it, and
-// the actions that come of them.
+// Shared by the tests of the input controls: a tree without a window, the events of a user, and the resulting
+// actions.
 #pragma once
 
 #include "dis_key.h"
@@ -17,7 +17,7 @@
 
 namespace zentrak::test {
 
-// Numbers are written with a comma for as long as it lives, if such a locale can be made here.
+// While it lives, the C library writes numbers with a comma, if such a locale is available.
 class CommaLocale {
 public:
     CommaLocale() : mBefore(setlocale(LC_NUMERIC, nullptr)) {
@@ -40,7 +40,7 @@ private:
     bool mMade = false;
 };
 
-// A workspace of 800 by 600 pixels that notes the actions it gets.
+// A workspace of 800 by 600 pixels that records the actions it gets.
 class InputTest : public ::testing::Test, protected panorama::Callback {
 protected:
     typedef std::vector<int> Actions;
@@ -70,7 +70,7 @@ protected:
         return control;
     }
 
-    // The same as an element of a layout file, of which the part behind the type's name is given.
+    // The same from an element of a layout file, given without the type's name.
     template <class Type>
     Type* load(const mathbase::Box2& area, const std::string& element) {
         Type* control = add<Type>(area);

@@ -41,7 +41,7 @@ TEST_F(ButtonTest, APlainButtonWhoseReleaseFallsOutsideGetsNoAction1) {
     EXPECT_EQ(release(100, 20), 0);
     EXPECT_EQ(takeActions(), Actions({0}));
     EXPECT_FALSE(button->pushed);
-    // And the next release on it, of a press that was elsewhere, means nothing.
+    // The next release on it, of a press elsewhere, does nothing.
     press(100, 20);
     release(20, 20);
     EXPECT_EQ(takeActions(), Actions());

@@ -119,7 +119,7 @@ TEST_F(ChoicesTest, AHeadingMovesTheOptionsDown) {
 
 TEST_F(ChoicesTest, TheKeysChooseOnceItWasClicked) {
     RadioButton* radio = three<RadioButton>();
-    key(KEY_DOWN); // it was loaded last and has the focus, but nobody asked for it
+    key(KEY_DOWN); // it has the focus only because it was loaded last
     EXPECT_EQ(marks(radio), "-x-");
     click(20, row(0));
     EXPECT_EQ(key(KEY_DOWN), 1);
@@ -140,7 +140,7 @@ TEST_F(ChoicesTest, TheKeysChooseOnceItWasClicked) {
     key(KEY_SPACE);
     EXPECT_EQ(marks(check), "xx");
     EXPECT_EQ(marks(radio), "-x-");
-    click(500, 500); // nowhere: the keys go on to who is behind the controls
+    click(500, 500); // on nothing: keys are passed on to the listeners after the controls
     EXPECT_EQ(key(KEY_SPACE), 0);
     EXPECT_EQ(marks(check), "xx");
 }

@@ -1,4 +1,4 @@
-// Frames, pages, windows and stacks: their defaults, their boxes and what the mouse does to them.
+// Frames, pages, windows and stacks: defaults, boxes and the mouse.
 #include "pan_frame.h"
 #include "pan_layoutstack.h"
 #include "pan_tabframe.h"
@@ -134,7 +134,7 @@ TEST_F(TabViewTest, APressOnATabShowsItsPageAlone) {
     EXPECT_EQ(view.mHoverTab, 1);
     sendMove(root, Vector2f(), Vector2f(119, 100));
     EXPECT_EQ(view.mHoverTab, 0);
-    sendMove(root, Vector2f(), Vector2f(160, 110)); // behind the last
+    sendMove(root, Vector2f(), Vector2f(160, 110)); // after the last
     EXPECT_EQ(view.mHoverTab, -1);
     sendMove(root, Vector2f(), Vector2f(119, 118)); // below the strip
     EXPECT_EQ(view.mHoverTab, -1);
@@ -236,7 +236,7 @@ TEST_F(WindowTest, IsDraggedByItsTitleAlone) {
 TEST_F(WindowTest, WithoutTheMouseOverItAPressDragsNothing) {
     Window& window = add<Window>(Box2(30, 40, 230, 190));
     send(window, "mousedown", Vector2f(100, 50));
-    EXPECT_FALSE(window.mDragging); // no move has told that the mouse is there
+    EXPECT_FALSE(window.mDragging); // the mouse has not moved there
 }
 
 TEST_F(WindowTest, TheDragGoesOnOutsideTheWindow) {
@@ -263,7 +263,7 @@ TEST_F(WindowTest, ADragGoesOnOverAnotherControlAndEndsWithAReleaseThere) {
     sendMove(root, Vector2f(100, 50), Vector2f(500, 60));
     EXPECT_EQ(window.mArea.area, Box2(430, 50, 630, 200));
     send(root, "mouseup", Vector2f(500, 60));
-    EXPECT_EQ(other.heard.back(), "reset"); // it has heard nothing else
+    EXPECT_EQ(other.heard.back(), "reset"); // its only event
     sendMove(root, Vector2f(500, 60), Vector2f(600, 60));
     EXPECT_FALSE(window.mDragging);
     EXPECT_EQ(window.mArea.area, Box2(430, 50, 630, 200));
@@ -363,7 +363,7 @@ TEST_F(WindowTest, ADragByHugeOrUnknownDistancesEnds) {
     window.mDragArea = window.mArea.area;
     for (const float far : {-1e9f, -3e38f, -2e5f}) {
         sendMove(window, Vector2f(), Vector2f(far, far));
-        EXPECT_EQ(window.mArea.area.x1, 0) << far; // as one by one would end
+        EXPECT_EQ(window.mArea.area.x1, 0) << far; // where single steps would end
         EXPECT_EQ(window.mArea.area.y1, 0) << far;
     }
     const Box2 before = window.mArea.area;
@@ -383,7 +383,7 @@ TEST_F(WindowTest, WithoutAParentItIsDraggedFreely) {
     EXPECT_EQ(window.mArea.area, Box2(-30, -25, 70, 75));
 }
 
-// Takes the window away when it is pressed.
+// Deletes the window when it is pressed.
 class Closer : public Plain {
 public:
     int handleEvent(Event& event) override {

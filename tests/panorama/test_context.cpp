@@ -1,5 +1,5 @@
-// Menus: their rows, their sub-menus, what a row reports, and menus that go while they are open. Without a
-// font captions have no width: a menu is 30 pixels wide. What depends on text is in test_menus.
+// Menus: rows, sub-menus, reports, and menus deleted while they are open. Without a font captions have no
+// width, so a menu is 30 pixels wide. test_menus has the tests that depend on text.
 #include "pan_context.h"
 
 #include "support.h"
@@ -86,7 +86,7 @@ TEST_F(ContextTest, RowsStayInTheirOrderWhicheverGetsASubMenu) {
     Context* second = menu.addOption("second", "");
     first->addOption("inner", "");
     EXPECT_EQ(menu.mControls, (std::vector<Control*>{first, second}));
-    EXPECT_EQ(owner->getFocus(), nullptr); // a menu takes nothing from who opens it
+    EXPECT_EQ(owner->getFocus(), nullptr); // a menu doesn't take the focus
 }
 
 TEST_F(ContextTest, ARowCanBeInsertedAnywhere) {
@@ -146,7 +146,7 @@ TEST_F(ContextTest, SetHighlightMarksTheCurrentRow) {
     menu.addOption("b", "");
     EXPECT_EQ(menu.setHighlight("b"), 1); // the first of two
     EXPECT_EQ(menu.mSelected, "b");
-    EXPECT_EQ(menu.mHighlight, -1); // that is the mouse's
+    EXPECT_EQ(menu.mHighlight, -1); // which is for the mouse
 }
 
 TEST_F(ContextTest, SetHighlightWithAnUnknownCaptionKeepsTheFormerMark) {
@@ -212,7 +212,7 @@ TEST_F(ContextTest, ARowReportsItsWholePathToWhoOpenedTheMenu) {
     send(root, "mouseup", Vector2f(115, 60)); // of the click that opened it
     move(115, 75);
     click(140, 90);
-    // Once the menu is closed the release is the controls' too.
+    // Once the menu is closed, controls get the release too.
     EXPECT_EQ(owner->heard, (std::vector<std::string>{"context edit.more.two", "mouseup"}));
     EXPECT_EQ(heard.texts, (std::vector<std::string>{"edit.more.two"}));
     EXPECT_EQ(heard.contexts, (std::vector<Context*>{&menu}));
@@ -288,7 +288,7 @@ TEST_F(ContextTest, AFileNestsItsMenus) {
     EXPECT_EQ(type->mCaptionText, "type");
     ASSERT_EQ(type->mControls.size(), 2u);
     EXPECT_EQ(type->mControls[1]->mControls[0]->mCaptionText, "steep");
-    EXPECT_EQ(menu.getCaption(), "edit"); // its own is given by who makes it
+    EXPECT_EQ(menu.getCaption(), "edit"); // set by its creator
 }
 
 TEST_F(ContextTest, ItemsNestedThousandsDeepAreCutOffWithALine) {
@@ -472,7 +472,7 @@ TEST_F(ContextTest, AMenuOutlivesItsWorkspace) {
     send(menu, "mouseup", Vector2f(10, 8));
 }
 
-// Answers a choice by taking something away.
+// Deletes something when an option is chosen.
 class Answerer : public Plain {
 public:
     std::function<void()> answer;
@@ -530,7 +530,7 @@ TEST_F(ContextTest, TheReceiverOfAChoiceMayDeleteItself) {
     click(115, 60);
     EXPECT_EQ(root.getChildCount(), 1);
     EXPECT_EQ(menu.getParent(), nullptr);
-    EXPECT_TRUE(heard.texts.empty()); // there is nobody left to act
+    EXPECT_TRUE(heard.texts.empty()); // nobody is left to act
 }
 
 TEST_F(ContextTest, ARowOfAnotherClassIsOnlyACaption) {

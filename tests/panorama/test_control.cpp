@@ -1,5 +1,4 @@
-// The tree of controls without a window: geometry by numbers, focus, events, actions and what is read from a
-// layout's element.
+// The tree of controls without a window: geometry, focus, events, actions, and loading from a layout.
 #include "inputs.h"
 #include "pan_button.h"
 #include "pan_context.h"
@@ -34,7 +33,7 @@ public:
     }
 };
 
-// Runs something when it hears an event of a type.
+// Runs a function on events of one type.
 class Doing : public Plain {
 public:
     std::string word;
@@ -51,7 +50,7 @@ public:
     }
 };
 
-// The types that layouts are made of here, as a Panorama registers them.
+// Registers control types as a Panorama does.
 void registerTypes() {
     static const bool done = [] {
         ControlFactory factory;
@@ -197,7 +196,7 @@ TEST_F(ControlTest, SetPositionKeepsTheSize) {
     Plain& control = add(Box2(10, 20, 110, 70));
     control.setPosition(Vector2f(-5, 7));
     EXPECT_EQ(control.getArea(), Box2(-5, 7, 95, 57));
-    EXPECT_EQ(control.mArea.clip, Box2(-5, 7, 95, 57)); // the workspace cuts far outside alone
+    EXPECT_EQ(control.mArea.clip, Box2(-5, 7, 95, 57)); // the workspace clips only far outside
 }
 
 TEST_F(ControlTest, TheTreeEndsAtTenThousandPixels) {
@@ -351,14 +350,14 @@ TEST_F(ControlTest, ANestingOfTenThousandIsRefused) {
     {
         CaptureStdout out;
         Control* inner = &root;
-        for (int i = 0; i < 10000; ++i) { // from the outside in
+        for (int i = 0; i < 10000; ++i) { // outermost first
             std::unique_ptr<Plain> next(new Plain(Box2(0, 0, 700, 500)));
             inner->addControl(next.get(), -1);
             if (next->getParent() != inner)
                 break;
             inner = next.release();
         }
-        Control* outer = new Plain(Box2(0, 0, 700, 500)); // and from the inside out
+        Control* outer = new Plain(Box2(0, 0, 700, 500)); // and innermost first
         for (int i = 0; i < 10000; ++i) {
             std::unique_ptr<Plain> next(new Plain(Box2(0, 0, 700, 500)));
             next->addControl(outer, -1);
@@ -430,7 +429,7 @@ TEST_F(ControlTest, ClickingAChildRaisesItAboveItsSiblings) {
     Plain& b = add(Box2(50, 50, 150, 150));
     press(20, 20);
     EXPECT_EQ(root.getControl(1), &a);
-    press(75, 75); // both lie there: the upper gets it
+    press(75, 75); // both are there: the upper one gets it
     EXPECT_EQ(a.heard, (std::vector<std::string>{"mousedown", "mousedown"}));
     EXPECT_TRUE(b.heard.empty());
 }
@@ -702,7 +701,7 @@ TEST_F(ControlTest, AnActionClimbsToTheNearestCallbacks) {
     EXPECT_TRUE(above.actions.empty());
     a.sendContextAction(nullptr, "a.b");
     EXPECT_EQ(second.texts, (std::vector<std::string>{"a.b"}));
-    b.sendContextAction(nullptr, "c"); // to its own alone: none
+    b.sendContextAction(nullptr, "c"); // only to its own: none
     EXPECT_EQ(first.texts.size(), 1u);
 }
 
@@ -929,7 +928,7 @@ TEST_F(ControlTest, ALayoutNestedTenThousandDeepIsCut) {
     try {
         loadText(control, "<p><child>" + text + "</child></p>");
     } catch (const Exception&) {
-        SUCCEED(); // the parser has bounds of its own
+        SUCCEED(); // the parser has limits of its own
         return;
     }
     int depth = 0;
@@ -1125,7 +1124,7 @@ TEST_F(ControlTest, ClonesAreNewOnesOfTheSameClass) {
         EXPECT_EQ(clone->getParent(), nullptr);
     }
     const std::unique_ptr<Control> clone(flow.clone());
-    EXPECT_EQ(dynamic_cast<Flow&>(*clone).mDirection, 1); // by its plain constructor
+    EXPECT_EQ(dynamic_cast<Flow&>(*clone).mDirection, 1); // by its default constructor
 }
 
 } // namespace

@@ -35,7 +35,7 @@ TEST_F(DropdownTest, OptionsAreRead) {
     EXPECT_EQ(dropdown->getOptionCount(), 3);
     reload(dropdown, "><option id=\"4\"/><option name=\"e\"/><option/></control>");
     EXPECT_EQ(dropdown->getOptionCount(), 3);
-    EXPECT_EQ(dropdown->getSelected(), 0); // the first where none is the default
+    EXPECT_EQ(dropdown->getSelected(), 0); // the first if none is the default
     EXPECT_EQ(dropdown->getSelectedName(), "4");
     dropdown->setSelected(2);
     EXPECT_EQ(dropdown->getSelectedName(), "");
@@ -121,7 +121,7 @@ TEST_F(DropdownTest, BetweenTwoRowsIsTheNearerOne) {
 
 TEST_F(DropdownTest, TheKeysChooseWhileTheListIsClosed) {
     Dropdown* dropdown = three();
-    key(KEY_DOWN); // it was loaded last and has the focus, but nobody asked for it
+    key(KEY_DOWN); // it has the focus only because it was loaded last
     EXPECT_EQ(dropdown->getSelectedId(), "2");
     dropdown->takeKeys();
     EXPECT_EQ(key(KEY_DOWN), 1);

@@ -1,5 +1,4 @@
-// Every type of control on a real window: at rest, and in each state that the mouse and the keys bring it
-// into.
+// Every type of control on a real window: at rest, and in each state that the mouse and keys can cause.
 #include "gl_fixture.h"
 #include "input.h"
 #include "pan_button.h"
@@ -83,7 +82,7 @@ protected:
     std::vector<std::string> mActions; // name and number
 
     Gallery() : mWindow(WIDTH, HEIGHT), mViewer("test", [this] { mWindow.display().update(); }) {
-        // Time stands still, as far as a caret can tell.
+        // Time stands still, so that carets don't blink.
         mWindow.display().setFps(display::DisplayGL::FPS_DELTA, 1e6f);
         mWindow.archives().addArchive(test::sourcePath("tests/data/panorama"));
         mPanorama.reset(new Panorama(&mWindow.display()));
@@ -97,7 +96,7 @@ protected:
         mActions.push_back(control->getName() + " " + std::to_string(action));
     }
 
-    // What a layout cannot say.
+    // What a layout can't express.
     void fill() {
         for (const char* name : {"greybutton", "greyslider", "greychoice"})
             find<Control>(name)->setInactive(true);
@@ -144,7 +143,7 @@ protected:
         mViewer.click(1);
         settle();
     }
-    // A key that nothing uses: when it is through, so is all before it.
+    // A key that nothing uses: once it arrives, so has everything sent before it.
     void settle() {
         struct Last : display::Listener {
             bool through = false;
@@ -247,7 +246,7 @@ TEST_F(Gallery, RealKeysEdit) {
     TextInput* text = find<TextInput>("text");
     clickAt("text", 60, 10);
     mViewer.type(" q");
-    settle(); // a key is what the layout makes of it when the window gets to it
+    settle(); // key codes are translated when the window handles them, by the layout at that time
     mViewer.layout("de");
     mViewer.key("adiaeresis");
     settle();
@@ -339,7 +338,7 @@ TEST_F(Gallery, EachStateThatMouseAndKeysBring) {
         find<Control>(name)->setInactive(false);
     }
 
-    // Sliders: under the mouse, beside the handle, held; greyed out, and both of it on a vertical one.
+    // Sliders: under the mouse, beside the handle, held; greyed out; the same, vertical.
     sheet.newRow();
     moveTo("across", 53, 8);
     shoot("across");

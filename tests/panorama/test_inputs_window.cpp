@@ -1,4 +1,4 @@
-// What the input controls do with a window: text that is measured, glides, hostile content drawn.
+// Input controls in a window: measured text, glides, and drawing hostile content.
 #include "allocations.h"
 #include "gl_fixture.h"
 #include "glfw2.h"
@@ -85,7 +85,7 @@ protected:
     }
 };
 
-// Time as the glides see it.
+// Time for the glides.
 void setTime(double time) {
     glfw2::glfwSetTime(time);
 }
@@ -97,7 +97,7 @@ TEST_F(InputsWindow, AGlideIsAQuarterOfASine) {
     EXPECT_EQ(interval.get(false), 0.0f);
     setTime(100);
     interval.set(2, false);
-    EXPECT_NEAR(interval.get(false), 0.0f, 0.02f); // it starts when it is first asked for
+    EXPECT_NEAR(interval.get(false), 0.0f, 0.02f); // starts at the first call
     setTime(100.15);
     EXPECT_NEAR(interval.get(false), 2 * std::sin(3.1415927 * 0.25), 0.03f);
     EXPECT_EQ(interval.get(true), 2.0f);
@@ -153,7 +153,7 @@ TEST_F(InputsWindow, ASliderIsHitWhereItsHandleIsDrawn) {
     slider->mDirection = 0;
     setTime(100);
     slider->setValue(1, false);
-    mouse("mousemove", 13, 18); // the handle sets out
+    mouse("mousemove", 13, 18); // the handle starts to move
     EXPECT_EQ(slider->mHoverAmount, 1.0f);
     EXPECT_EQ(slider->getValue(), 1.0f);
     setTime(100.5);
@@ -287,7 +287,7 @@ TEST_F(InputsWindow, APictureThatIsMissingOrDamagedIsAFrame) {
     for (const char* name : {"missing.png", "cut.png", "empty.png", "noise.png", "text.txt", ""}) {
         test::CaptureStdout capture;
         image->setFilename(name);
-        if (std::string(name) != "cut.png") { // which may be shown as far as it goes
+        if (std::string(name) != "cut.png") { // which may be shown in part
             EXPECT_FALSE(image->hasPicture()) << name;
         }
         EXPECT_FALSE(blank(frame())) << name;

@@ -1,5 +1,5 @@
-// What depends on text and what is seen: the menu bar, menus and their captions, pages, windows and bars on a
-// real window, by events, by a real mouse and in pictures.
+// The menu bar, menus and captions, pages, windows and scroll bars on a real window: text and drawing, with
+// synthetic events, a real mouse, and pictures.
 #include "pan_context.h"
 #include "pan_frame.h"
 #include "pan_layoutstack.h"
@@ -143,7 +143,7 @@ TEST_F(MenubarTest, TheCaptionUnderTheMouseIsActive) {
 
 TEST_F(MenubarTest, APressOpensTheMenuAndItsReleaseLeavesItOpen) {
     move(6, 10);
-    down(6, 10, 1); // not by another button
+    down(6, 10, 1); // not with another button
     EXPECT_FALSE(bar.mOpen);
     down(6, 10);
     EXPECT_TRUE(bar.mOpen);
@@ -281,7 +281,7 @@ TEST_F(MenubarTest, AnotherMenuClosesTheBar) {
     send(bar, "mousemove", Vector2f(6, 10));
     EXPECT_FALSE(bar.mOpen);
     EXPECT_EQ(root.mContext, &other);
-    EXPECT_EQ(bar.mActive, 0); // hovered, and no more
+    EXPECT_EQ(bar.mActive, 0); // only hovered
 }
 
 TEST_F(MenubarTest, ABarThatIsHiddenTakesItsMenuAlong) {
@@ -485,7 +485,7 @@ TEST_F(MenubarTest, PictureOfABar) {
     EXPECT_TRUE(matchesReference("panorama_menubar_open", shown()));
 }
 
-// A person with a mouse in front of the window.
+// With a real mouse.
 class MouseTest : public MenusTest {
 protected:
     Viewer viewer;

@@ -1,4 +1,4 @@
-// Scroll bars: where tracks, thumbs and children are, and what the mouse does to them.
+// Scroll bars: positions of tracks, thumbs and children, and the mouse.
 #include "pan_scrollbars.h"
 #include "pan_window.h"
 
@@ -208,7 +208,7 @@ TEST_F(ScrollbarsTest, AWheelStepOfNanMovesNothing) {
     EXPECT_EQ(child->mOffset, Vector2f(0, 0));
 }
 
-// Takes the wheel for itself.
+// Handles the wheel itself.
 class Taker : public Plain {
 public:
     using Plain::Plain;
@@ -234,7 +234,7 @@ TEST_F(ScrollbarsTest, AThumbIsDraggedWithTheLeftButton) {
     EXPECT_FALSE(bars->mDragHorisontal);
     EXPECT_FALSE(bars->mDragResize);
     EXPECT_TRUE(heard.actions.empty());
-    sendMove(root, Vector2f(295, 210), Vector2f(500, 239)); // far beside the bar
+    sendMove(root, Vector2f(295, 210), Vector2f(500, 239)); // far from the bar
     EXPECT_EQ(bars->mPosY, 29);
     EXPECT_EQ(bars->mPosX, 0);
     EXPECT_EQ(child->mOffset, Vector2f(0, 256));
@@ -341,7 +341,7 @@ TEST_F(ResizeTest, TheWindowStaysAboveEightyPixelsBothWays) {
     EXPECT_EQ(window->mArea.area, Box2(100, 182, 181, 263)); // 81 by 81
     drag(-1, 0);
     EXPECT_EQ(window->mArea.area, Box2(100, 182, 181, 263));
-    drag(100, -1); // neither side moves when one may not
+    drag(100, -1); // neither side moves if one can't
     EXPECT_EQ(window->mArea.area, Box2(100, 182, 181, 263));
     drag(NO_NUMBER, NO_NUMBER);
     drag(ENDLESS, ENDLESS);
@@ -375,7 +375,7 @@ TEST_F(ScrollbarsTest, WithoutAParentNothingIsDraggedAndNothingBreaks) {
     EXPECT_EQ(alone.handleEvent(wheelEvent), 1);
 }
 
-// Deletes what it hears of.
+// Deletes the source of an action.
 class Remover : public Callback {
 public:
     void controlAction(Control* source, Action) override {

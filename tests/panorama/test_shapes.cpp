@@ -1,4 +1,4 @@
-// Shapes that are collected and drawn together: the picture is that of each drawn by itself.
+// Shapes drawn together give the same picture as shapes drawn one by one.
 #include "pan_render.h"
 
 #include "allocations.h"
@@ -131,7 +131,7 @@ TEST_F(ShapesTest, AFlushInBetweenChangesNothing) {
     });
 }
 
-// Trees of boxes in boxes, as windows are, with all kinds of shapes.
+// Trees of nested boxes, like windows, with all kinds of shapes.
 class RandomTree {
 public:
     explicit RandomTree(unsigned seed) : mRandom(seed) {}
@@ -295,7 +295,7 @@ TEST_F(ShapesTest, AFlatCircleIsTheSameWhateverElseIsDrawn) {
         });
 }
 
-// The far ends of a curve's lines, say, whose values a file gives.
+// For example the far ends of a curve's lines, whose values come from a file.
 TEST_F(ShapesTest, WhatReachesFarBeyondTheClipAreaIsCutToIt) {
     const Box2 clip(100, 80, 300, 220);
     std::mt19937 random(5);
@@ -332,7 +332,7 @@ TEST_F(ShapesTest, WhatReachesFarBeyondTheClipAreaIsCutToIt) {
     }
 }
 
-// A steep line through the middle of the clip area goes through it wherever its ends are.
+// A steep line through the centre of the clip area passes through it wherever its ends are.
 TEST_F(ShapesTest, ALineGoesWhereItsEndsPointHoweverFarTheyAre) {
     const Box2 clip(100, 80, 300, 220);
     for (const float far : {1e3f, 1e6f, 1e9f, 1e15f, 1e30f, 3e38f}) {

@@ -1,4 +1,4 @@
-// The curve widget by its events alone: what each does to the curve, and what is left selected.
+// The curve widget, operated by events: the effect of each on the curve and the selection.
 #include "dis_key.h"
 #include "pan_spline.h"
 #include "pan_splineorg.h"
@@ -15,7 +15,7 @@ using mathbase::Vector2f;
 
 namespace {
 
-// Hears the actions of what is below it.
+// Records the actions of its children.
 struct Listening : Control, Callback {
     std::vector<Action> actions;
 
@@ -130,7 +130,7 @@ TEST_F(SplineTest, TheFirstKeyInReachIsHovered) {
     keys({{0.5f, 0}, {0.51f, 0}});
     send("mousemove", place(0.5f, 0) + Vector2f(4.5f, -4.5f));
     EXPECT_EQ(mSpline.mHoverKey, 0);
-    send("mousemove", place(0.5f, 0) + Vector2f(4.6f, 0)); // in reach of the other one alone
+    send("mousemove", place(0.5f, 0) + Vector2f(4.6f, 0)); // only the other one is in reach
     EXPECT_EQ(mSpline.mHoverKey, 1);
     send("mousemove", place(0.5f, 0) + Vector2f(0, 4.6f));
     EXPECT_EQ(mSpline.mHoverKey, -1);
@@ -317,7 +317,7 @@ TEST_F(SplineTest, InsertAtTheLastKeyAppendsAtTimeOne) {
 TEST_F(SplineTest, InsertBeforeTheSelectionKeepsItOnItsKey) {
     keys({{3, 0.2f}, {5, 0.7f}});
     mSpline.mSelected = 1;
-    press(display::KEY_INSERT); // at time 1, ahead of both
+    press(display::KEY_INSERT); // at time 1, before both
     EXPECT_EQ(curve().mKeys[0].time, 1.0f);
     EXPECT_EQ(mSpline.mSelected, 2);
 }

@@ -1,4 +1,4 @@
-// The spline widget with a curve of its own. What it shares with Spline is shown there.
+// The spline widget with a curve of its own. test_spline has what it shares with Spline.
 #include "dis_key.h"
 #include "pan_splineorg.h"
 #include "xml_parser.h"

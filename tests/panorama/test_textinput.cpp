@@ -16,7 +16,7 @@ protected:
 
     TextInputTest() { TextInput::setClipboard(""); }
 
-    // A field that has the keys.
+    // A field with the focus.
     TextInput* field(const std::string& text, TextInput::Kind kind = TextInput::TEXT) {
         mInput = add<TextInput>(Box2(10, 10, 110, 30));
         mInput->setKind(kind);
@@ -71,7 +71,7 @@ TEST_F(TextInputTest, ItsValueIsTheNumberAtTheStartOfItsText) {
     mInput->setText("-1.5e2 metres");
     EXPECT_EQ(mInput->getValue(), -150.0f);
     {
-        const test::CommaLocale comma; // where it can be had
+        const test::CommaLocale comma; // if available
         mInput->setText("2.5");
         EXPECT_EQ(mInput->getValue(), 2.5f);
     }
@@ -264,7 +264,7 @@ TEST_F(TextInputTest, KeysGoToItOnlyOnceItWasClicked) {
     EXPECT_EQ(type("a"), 1);
     EXPECT_EQ(shown(), "a|");
     TextInput* other = add<TextInput>(Box2(10, 50, 110, 70));
-    type("b"); // the new one has the focus, but nobody asked for it
+    type("b"); // the new one has the focus only because it was loaded last
     EXPECT_EQ(other->getText(), "");
     click(20, 60);
     type("c");

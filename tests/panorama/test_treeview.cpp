@@ -105,7 +105,7 @@ TEST_F(TreeViewTest, AnArrowOpensAndCloses) {
     click(15, row(0));
     EXPECT_EQ(mTree->getRowCount(), 2);
     EXPECT_EQ(mTree->getRow(2), -1);
-    click(15, row(0)); // what is inside is as it was
+    click(15, row(0)); // its children stay as they were
     EXPECT_EQ(mTree->getRowCount(), 5);
     EXPECT_EQ(takeActions(), Actions());
     click(15, row(4)); // e has nothing to open, and so is selected
@@ -122,7 +122,7 @@ TEST_F(TreeViewTest, ADoubleClickOpensToo) {
 
 TEST_F(TreeViewTest, TheKeysWalkTheTree) {
     tree();
-    key(KEY_DOWN); // it was loaded last and has the focus, but nobody asked for it
+    key(KEY_DOWN); // it has the focus only because it was loaded last
     EXPECT_EQ(selected(), "");
     click(100, row(0));
     EXPECT_EQ(key(KEY_RIGHT), 1);
@@ -170,13 +170,13 @@ TEST_F(TreeViewTest, WhatOverflowsIsScrolledByTheWheelAndNoFurtherThanItsEnd) {
     key(KEY_HOME);
     EXPECT_EQ(mTree->getScroll(false), 0.0f);
     mTree->setOpen(0, false);
-    EXPECT_EQ(wheel(50, 20, -1), 0); // nothing to scroll: it is for somebody else
+    EXPECT_EQ(wheel(50, 20, -1), 0); // nothing to scroll: passed on
 }
 
 TEST_F(TreeViewTest, TheBarIsDraggedAlsoOutsideAndPagedBesideTheThumb) {
     tree(56);
     mTree->setOpen(0, true);
-    mTree->setOpen(1, true); // 90 pixels in 54: a thumb of 32, which goes 22 for 36
+    mTree->setOpen(1, true); // 90 pixels in 54: a thumb of 32 that travels 22 for 36
     press(205, 15);
     move(205, 15 + 11);
     EXPECT_NEAR(mTree->getScroll(false), 18.0f, 2.0f);

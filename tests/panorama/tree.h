@@ -1,5 +1,5 @@
-// What tests of the control tree share: a bare control, a root that keeps what is reported, events, and
-// loading from a piece of a layout file.
+// Shared by the tests of the control tree: a bare control, a root that records actions, events, and loading
+// from a piece of a layout file.
 #pragma once
 
 #include "pan_control.h"
@@ -28,10 +28,10 @@ namespace zentrak::test {
 using mathbase::Box2;
 using mathbase::Vector2f;
 
-// A control that has nothing of its own, and remembers the events that it got.
+// A bare control that records the events it gets.
 class Plain : public panorama::Control {
 public:
-    std::vector<std::string> heard; // the types of the events, with the text of one that has any
+    std::vector<std::string> heard; // the types of the events, with their text if they have one
     int draws = 0;
 
     explicit Plain(Box2 area = Box2()) { mArea.area = area; }
@@ -46,7 +46,7 @@ public:
     }
 };
 
-// Keeps the actions that reach it.
+// Records the actions that reach it.
 class Heard : public panorama::Callback {
 public:
     std::vector<int> actions;
@@ -86,7 +86,7 @@ inline int send(panorama::Control& control, const std::string& type, Vector2f po
     return control.handleEvent(event);
 }
 
-// A mouse move as the window tells it: the delta is the old position minus the new.
+// A mouse move as the window reports it: the delta is the old position minus the new one.
 inline int sendMove(panorama::Control& control, Vector2f from, Vector2f to) {
     panorama::Event event = makeEvent("mousemove", to);
     event.mouseDelta = from - to;

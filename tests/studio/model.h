@@ -1,4 +1,4 @@
-// What tests of the studio share: a script to work on, and the player's own reading of a document.
+// Shared by the tests of the studio: a script to work on, and a document as the player reads it.
 #pragma once
 
 #include "script_loadxml.h"
@@ -9,8 +9,8 @@
 
 namespace zentrak::test {
 
-// Everything that a script may hold, with the spelling of a person: comments, blank lines, quotes of both
-// kinds, attributes in any order, and what the player passes over.
+// Everything that a script may contain, as people write it: comments, blank lines, both kinds of quotes,
+// attributes in any order, and elements that the player ignores.
 inline const char* const SCRIPT = R"(<?xml version="1.0"?>
 <!-- A show. -->
 <script>
@@ -58,7 +58,7 @@ inline void describe(const script::Effect& effect, int depth, std::string& out) 
         describe(*child, depth + 1, out);
 }
 
-// The player's reading of a text; "refused" where it does not load.
+// A text as the player reads it; "refused" if it doesn't load.
 inline std::string readByPlayer(const std::string& text) {
     script::ScriptEngine engine;
     try {
@@ -73,7 +73,7 @@ inline std::string readByPlayer(const std::string& text) {
     return out;
 }
 
-// The same out of the elements of a document.
+// The same from the elements of a document.
 inline std::string readByDocument(const studio::Document& document, int parent = 0, int depth = 0) {
     using studio::Kind;
     std::string triggers, splines, spans;
@@ -108,7 +108,7 @@ inline std::string readByDocument(const studio::Document& document, int parent =
     return triggers + splines + spans;
 }
 
-// All that has been read of a document; `ids` aside, two of one text are equal.
+// Everything read from a document; except for `ids`, two documents of one text are equal.
 inline std::string dump(const studio::Document& document, bool ids) {
     std::string out;
     for (const studio::Element& e : document.getElements()) {

@@ -1,4 +1,4 @@
-// Edits of all kinds, by chance.
+// Random edits of all kinds.
 #pragma once
 
 #include "studio_editor.h"

@@ -1,4 +1,4 @@
-// The studio on a real window over a copy of the show, with a viewer in front of it: real keys, a real mouse.
+// The studio on a real window over a copy of the show, operated by real keys and a real mouse.
 #pragma once
 
 #include "input.h"
@@ -12,8 +12,8 @@
 
 namespace zentrak::test {
 
-// Opens the studio in a folder of its own at the first use of window(). The folder has what the effects load,
-// a setup file without music, and `script`.
+// Opens the studio in a folder of its own at the first use of window(). The folder has the files of the
+// effects, a setup file without music, and `mScript`.
 class StudioTest : public ::testing::Test {
 protected:
     StudioTest();
@@ -32,10 +32,10 @@ protected:
     studio::Timeline& timeline() { return window().getTimeline(); }
     studio::Overlay& overlay() { return window().getOverlay(); }
     Viewer& viewer();
-    void close();  // as if it were closed without a question
-    void killed(); // as close, but it has no chance to tidy up
+    void close();  // without a question
+    void killed(); // likewise, without a chance to clean up
 
-    // One frame at least, with all events that were sent before it.
+    // At least one frame, with all events sent before it.
     void frame();
     bool until(const std::string& what, const std::function<bool()>& done) {
         return viewer().until(what, done);

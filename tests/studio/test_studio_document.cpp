@@ -1,4 +1,4 @@
-// The script as text with positions: what is read is what the player reads, and what is not edited stays.
+// The script as text with positions: it is read as by the player, and what isn't edited stays.
 
 #include "model.h"
 #include "support.h"

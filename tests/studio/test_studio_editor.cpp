@@ -343,8 +343,8 @@ std::vector<std::pair<std::string, std::string>> fileShapes() {
             {"text between", "<script>a<effect/>b c\n<effect/> d</script>"}};
 }
 
-// After every edit the positions are those of the text read from scratch, and the player reads what the
-// author sees; undone to its beginning the file is as it was.
+// After every edit, positions are those of the text parsed from scratch, and the player reads what the author
+// sees. With everything undone the file is as it was.
 void playSession(const std::string& script, unsigned seed, int edits) {
     std::mt19937 random(seed);
     Editor editor;

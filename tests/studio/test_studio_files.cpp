@@ -99,7 +99,7 @@ TEST(ScriptFile, AScriptInAFolderHasItsFilesBesideIt) {
     EXPECT_FALSE(ScriptFile(dir.path() + "/nowhere", "script.xml").keepUnsaved("work"));
 }
 
-// A program that writes all the time is killed at any moment: what it has kept is whole.
+// A program that keeps writing is killed at any moment: its files are whole.
 TEST(ScriptFile, AKillAtAnyMomentLeavesWholeFiles) {
     const TempDir dir;
     const std::string texts[] = {std::string(200000, 'a'), std::string(300000, 'b')};
@@ -125,8 +125,8 @@ TEST(ScriptFile, AKillAtAnyMomentLeavesWholeFiles) {
     }
 }
 
-// An author at work is killed at any moment: what is left is the work up to the last finished edit, or with
-// the one under way.
+// The studio is killed at any moment: the work is recovered up to the last finished edit, or with the current
+// one.
 TEST(ScriptFile, AKillAtAnyMomentLosesAtMostTheEditUnderWay) {
     constexpr unsigned EDITS = 400;
     for (unsigned seed = 1; seed <= 12; ++seed) {
