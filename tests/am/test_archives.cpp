@@ -670,7 +670,7 @@ TEST_F(Zip, CaseCounts) {
     EXPECT_TRUE(zip.read("HELLO.TXT").isNull());
 }
 
-TEST_F(Zip, WhatIsNoFileIsNotFound) {
+TEST_F(Zip, OnlyFilesAreFound) {
     ArchiveZIP zip(fixturePath("stored.zip"));
     for (const std::string& name :
          {std::string(""), std::string("."), std::string("/"), std::string("./"), std::string("sub"),
@@ -696,7 +696,7 @@ TEST_F(Zip, WritingIsRefused) {
     EXPECT_EQ(readFile("x"), fixture("stored.zip"));
 }
 
-TEST_F(Zip, WhatIsNoZipFindsNothing) {
+TEST_F(Zip, NothingIsFoundInAFileThatIsNotAZip) {
     writeFile("text", "no zip at all");
     writeFile("nothing", "");
     fs::create_directory("directory");

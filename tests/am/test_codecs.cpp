@@ -421,7 +421,7 @@ TEST(Jpeg, ThatPacksAsFarAsCanBeLoads) {
               "Internal jpeglib error; Corrupt JPEG data: premature end of data segment");
 }
 
-TEST(Jpeg, WhatIsNoJpegThrowsTheLibrarysText) {
+TEST(Jpeg, OtherDataThrowsTheLibrarysText) {
     EXPECT_EQ(refusal<ImageCodecJPEG>("hello"),
               "Internal jpeglib error; Not a JPEG file: starts with 0x68 0x65");
     EXPECT_EQ(refusal<ImageCodecJPEG>(""), cPremature);
@@ -554,7 +554,7 @@ TEST(Tga, ThrowsThatItIsNotImplemented) {
 
 // ---- byte order
 
-TEST(Swizzle, EveryCountGivesWhatThePlainWayGives) {
+TEST(Swizzle, EveryCountMatchesAPlainLoop) {
     std::vector<unsigned char> from(67 * 4);
     for (size_t i = 0; i < from.size(); ++i)
         from[i] = static_cast<unsigned char>(i * 2654435761u >> 11);

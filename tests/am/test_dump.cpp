@@ -140,7 +140,7 @@ TEST_F(Dump, NothingReads) {
     EXPECT_FALSE(dumper.readFrame());
 }
 
-TEST_F(Dump, AZipInFrontMakesItWriteNothingAndSayNothing) {
+TEST_F(Dump, AZipInFrontMakesItSilentlyWriteNothing) {
     mArchives.addArchive("zip://none");
     mArchives.addArchive("./");
     VideoFileImageDumper dumper;

@@ -276,7 +276,7 @@ TEST_F(Images, RemovingAnImageInUseLeavesItAsAPrivateOne) {
     EXPECT_EQ(&*mManager.getImage("a.png"), &*again);
 }
 
-TEST_F(Images, RemovingWhatIsNotThereThrows) {
+TEST_F(Images, RemovingAMissingImageThrows) {
     EXPECT_EQ(thrownBy([&] { mManager.removeImage("no%sne"); }).substr(0, 37),
               std::string("ImageManager::removeImage, Image no%sne not found!").substr(0, 37));
     EXPECT_EQ(thrownBy([&] { mManager.removeImage("none"); }),

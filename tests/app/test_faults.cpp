@@ -176,7 +176,7 @@ TEST(TheWorld, AContextWithoutAnExtensionPlaysOrSaysWhatIsMissing) {
     }
 }
 
-TEST(TheWorld, ALostDisplayEndsTheProgramWithAWord) {
+TEST(TheWorld, ALostDisplayEndsTheProgramWithAMessage) {
     Program program;
     prepare(program);
     const std::string before = program.read("setup.local.xml");

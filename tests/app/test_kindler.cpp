@@ -301,7 +301,7 @@ TEST_F(Seek, TheClockTakesTheFrameThatTheStreamReached) {
     EXPECT_EQ(mKindler.mTime, 1.0f);
 }
 
-TEST_F(Seek, WithoutSoundTheClockAloneMoves) {
+TEST_F(Seek, WithoutSoundOnlyTheClockMoves) {
     open(false);
     mKindler.setTime(123.5f);
     EXPECT_EQ(mKindler.mOsdTime, 123.5f);
@@ -311,7 +311,7 @@ TEST_F(Seek, WithoutSoundTheClockAloneMoves) {
     EXPECT_EQ(mKindler.mTime, mKindler.mRawTime);
 }
 
-TEST_F(Seek, BeforeTheSoundIsOpenTheClockAloneMoves) {
+TEST_F(Seek, BeforeTheSoundIsOpenOnlyTheClockMoves) {
     Kindler kindler;
     kindler.setTime(3);
     kindler.getTime();
@@ -360,7 +360,7 @@ TEST_F(Keys, PPrintsTheTimeOfTheScript) {
     EXPECT_EQ(out.text(), "12.250000\n");
 }
 
-TEST_F(Keys, SpacePausesTheMusicAndGoesOnFromThere) {
+TEST_F(Keys, SpacePausesTheMusicAndResumesFromThere) {
     open(true);
     mKindler.mMusic.mStream->play();
     at(4);
@@ -451,7 +451,7 @@ TEST_F(Keys, MutedInTheSetupFileStillSoundsUntilM) {
     EXPECT_EQ(mKindler.mMusic.mStream->getVolume(), 1.0f);
 }
 
-TEST_F(Keys, MWithoutSoundTogglesTheFlagAlone) {
+TEST_F(Keys, MWithoutSoundTogglesOnlyTheFlag) {
     open(false);
     press(display::KEY_m);
     EXPECT_TRUE(mKindler.mMuted);
@@ -553,7 +553,7 @@ TEST_F(Show, TheOnScreenDisplayShowsForItsDelayAndUnderItsConditions) {
     EXPECT_FALSE(shows(10));
 }
 
-TEST_F(Show, TheBarIsDrawnInItsThreePlacesWithItsMarkers) {
+TEST_F(Show, TheBarIsDrawnAtItsThreeLocationsWithItsMarkers) {
     writeShow(NOSOUND);
     Kindler kindler;
     kindler.setup();

@@ -360,7 +360,7 @@ TEST_F(SetupFile, AScriptOfBrokenXmlIsAProblem) {
     EXPECT_EQ(problem(kindler), "(error at line 1, col 16); EOF (when reading tag at 1:9)");
 }
 
-TEST_F(SetupFile, AScriptMayLieInAZipThatComesLaterInTheFile) {
+TEST_F(SetupFile, AScriptMayBeInAZipNamedLaterInTheFile) {
     write("show.xml", "<script><effect name=\"zipped\" end=\"4\"/></script>");
     ASSERT_EQ(test::runCommand("zip -q -m data.zip show.xml").first, 0);
     ASSERT_FALSE(test::fileExists("show.xml"));
@@ -368,7 +368,7 @@ TEST_F(SetupFile, AScriptMayLieInAZipThatComesLaterInTheFile) {
     EXPECT_EQ(setup.mScript.mScriptLength, 4);
 }
 
-TEST_F(SetupFile, AZipWithoutItsProtocolIsRefusedWithNoWordButTheLogLine) {
+TEST_F(SetupFile, AZipWithoutItsProtocolIsRefusedWithOnlyALogLine) {
     write("show.xml", "<script></script>");
     ASSERT_EQ(test::runCommand("zip -q -m data.zip show.xml").first, 0);
     write("setup.xml", "<demo><archive path=\"data.zip\"/></demo>");
@@ -449,7 +449,7 @@ TEST_F(SetupFile, SavingWritesTheOtherHalfOfEachValue) {
               "<music mute=\"off\"/>\n</demo>\n");
 }
 
-TEST_F(SetupFile, SavingAddsATimeElementWhereThereIsNone) {
+TEST_F(SetupFile, SavingAddsAMissingTimeElement) {
     write("setup.local.xml", "<demo><display/></demo>");
     {
         Kindler kindler;

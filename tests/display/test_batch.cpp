@@ -491,7 +491,7 @@ TEST_F(BatchTest, PointsLinesAndSurfacesInTheOrderGiven) {
         18);
 }
 
-TEST_F(BatchTest, EdgesOfPolygonsAloneAndStippledLines) {
+TEST_F(BatchTest, PolygonEdgesAndStippledLines) {
     compare(
         [&] {
             flat(display());
@@ -702,7 +702,7 @@ TEST_F(BatchTest, DepthClampKeepsWhatIsBeyondTheFarPlane) {
     glDisable(GL_DEPTH_CLAMP);
 }
 
-TEST_F(BatchTest, WhatWasNotGivenIsTheCurrentValue) {
+TEST_F(BatchTest, OmittedAttributesHaveTheCurrentValue) {
     const Picture shown = frame([&] {
         flat(display());
         glColor4f(0, 1, 0, 1);

@@ -354,7 +354,7 @@ TEST_P(BufferTest, SetupMayBeRepeatedAndClearEmpties) {
     EXPECT_EQ(vbo.getSize(), 3);
 }
 
-TEST_P(BufferTest, ABufferThatGoesWhileItIsCurrentLeavesTheDisplay) {
+TEST_P(BufferTest, ABufferDestroyedWhileCurrentLeavesTheDisplay) {
     {
         VBO_wrap<VertexP3N3T2> vbo(&display());
         IBO ibo(&display());
@@ -531,7 +531,7 @@ TEST_F(RealBufferTest, ABufferOfOpenGLIsDeletedWithItsOwner) {
     EXPECT_FALSE(glIsBuffer(GLuint(name)));
 }
 
-TEST_F(RealBufferTest, SizesBeyondWhatIsRecommendedAreWarnings) {
+TEST_F(RealBufferTest, SizesBeyondTheRecommendedOnesAreWarnings) {
     FakeLimits limits{{GL_MAX_ELEMENTS_VERTICES, 10}, {GL_MAX_ELEMENTS_INDICES, 20}};
     VBO vbo(&display());
     IBO ibo(&display());

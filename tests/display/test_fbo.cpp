@@ -45,7 +45,7 @@ TEST_F(FboTest, TheAttachmentsAreThoseOfOpenGL) {
     EXPECT_EQ(fbo.getHeight(), -1);
 }
 
-TEST_F(FboTest, WhatIsDrawnIntoItIsItsTexture) {
+TEST_F(FboTest, DrawingsIntoItAreInItsTexture) {
     fbo.setup(320, 256, true);
     fbo.attach(FBO::COLOR0, &texture);
     EXPECT_EQ(texture.getWidth(), 320);
@@ -299,7 +299,7 @@ TEST_F(FboTest, ATargetBoundWhenItsContextGoesIsUnboundWithIt) {
     fbo.unbind();
 }
 
-TEST_F(FboTest, TheDestructorDeletesTheNamesOfThisContextAlone) {
+TEST_F(FboTest, TheDestructorDeletesOnlyNamesOfThisContext) {
     auto gone = std::make_unique<FBO>(&display());
     Texture target(&display());
     gone->setup(16, 16, true);

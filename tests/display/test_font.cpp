@@ -114,7 +114,7 @@ TEST_F(FontTest, AnEmptyCellAdvancesByTwoPixels) {
     EXPECT_FLOAT_EQ(font.getAdvance(255), 2);
 }
 
-TEST_F(FontTest, TheInkOfACellIsWhatShows) {
+TEST_F(FontTest, TheInkOfACellIsItsVisiblePart) {
     load();
     EXPECT_EQ(font.getInk('A'), mathbase::Box2(0, 0, 5, 10)); // the dim column too
     EXPECT_EQ(font.getInk('B'), mathbase::Box2(0, 0, 10, 10));

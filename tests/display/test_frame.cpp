@@ -51,7 +51,7 @@ TEST_F(Frame, InDeltaTimeGoesOnFromWhereItIsSet) {
     EXPECT_EQ(double(0.02f), display().getTime());
 }
 
-TEST_F(Frame, InDeltaWhatIsWrittenToTheTimeCounts) {
+TEST_F(Frame, InDeltaATimeThatIsSetCounts) {
     display().setFps(DisplayGL::FPS_DELTA, 25);
     display().update();
     display().mFpsLastTime = 10;

@@ -476,7 +476,7 @@ TEST_F(DoubleClick, ThirdClickIsAFirstOne) {
     EXPECT_EQ((Log{"first down 0", "first down 0 double", "first down 0", "first down 0 double"}), presses());
 }
 
-TEST_F(DoubleClick, IsOfTheLeftButtonAlone) {
+TEST_F(DoubleClick, IsOnlyOfTheLeftButton) {
     click(3);
     click(3);
     EXPECT_EQ(-1.0f, display().mLastClickTime);
@@ -663,7 +663,7 @@ TEST_F(Input, AListenerThatJoinsInACallbackGetsTheNextEvent) {
     EXPECT_EQ((Log{"second key 65", "first key 65", "third char 97"}), Log(log.begin(), log.begin() + 3));
 }
 
-TEST_F(Input, WhatACallbackThrowsComesOutOfUpdate) {
+TEST_F(Input, AnExceptionOfACallbackPassesThroughUpdate) {
     second.onKey = [] { throw 12; };
     viewer.keyDown("a");
     bool thrown = false;

@@ -30,7 +30,7 @@ static std::string thrownBy(Call call) {
     return "nothing";
 }
 
-TEST(Resource, KeepsWhatItWasMadeWith) {
+TEST(Resource, KeepsItsConstructorsArguments) {
     EXPECT_EQ(0, Resource::STATIC);
     EXPECT_EQ(1, Resource::STREAM);
     EXPECT_EQ(2, Resource::DYNAMIC);

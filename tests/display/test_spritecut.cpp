@@ -248,12 +248,12 @@ TEST_F(SpriteCutTest, ACellWithALitNeighbourIsDrawnToItsEdge) {
     EXPECT_LT(reach(Vector4f(1, 1, 1, 1), 7), 0.6f);
 }
 
-TEST_F(SpriteCutTest, ACellThatIsNotThereIsDrawnWhole) {
+TEST_F(SpriteCutTest, AMissingCellIsDrawnWhole) {
     EXPECT_EQ(reach(Vector4f(0.1f, 0.1f, 0.1f, 0.1f), -1), 1);
     EXPECT_EQ(reach(Vector4f(0.1f, 0.1f, 0.1f, 0.1f), CELLS), 1);
 }
 
-TEST_F(SpriteCutTest, WhatIsMinifiedIsDrawnWhole) {
+TEST_F(SpriteCutTest, MinifiedSpritesAreDrawnWhole) {
     const Vector4f dim(0.1f, 0.1f, 0.1f, 0.3f);
     EXPECT_LT(reach(dim, 0, 3), 1);
     EXPECT_EQ(reach(dim, 0, 0.1f), 1);

@@ -18,7 +18,7 @@ TEST(WindowMode, StartsFromTheDefaults) {
     EXPECT_FALSE(mode.canResize);
 }
 
-TEST(WindowMode, KeepsTheDefaultsOfWhatIsNotGiven) {
+TEST(WindowMode, OmittedArgumentsKeepTheirDefaults) {
     WindowMode mode("title", 320, 200, true);
     EXPECT_EQ("title", mode.title);
     EXPECT_EQ(320, mode.width);
@@ -191,11 +191,11 @@ TEST(Hex2vec, OtherCharactersAreZero) {
                  16, 0, 0, 255);
 }
 
-TEST(Hex2vec, WhatFollowsIsIgnored) {
+TEST(Hex2vec, TrailingTextIsIgnored) {
     expectColour("01020304 and more", 1, 2, 3, 4);
 }
 
-TEST(Clock, BeforeThereIsADisplayShowsWhatItWasSetTo) {
+TEST(Clock, WithoutADisplayShowsTheTimeItWasSetTo) {
     // The time is 0 until a display is made.
     Clock clock;
     EXPECT_EQ(0.0f, clock.getTime());

@@ -42,7 +42,7 @@ static std::string shownSize(Viewer& viewer) {
                : text;
 }
 
-TEST(Window, ResourcesOfAnEarlierDisplayLeaveThoseOfALaterOneAlone) {
+TEST(Window, ResourcesOfAnEarlierDisplayDoNotTouchThoseOfALaterOne) {
     const auto make = [](DisplayGL& display) {
         auto texture = std::make_unique<Texture>(&display);
         texture->setup(4, 4, Texture::CHAN_RGBA, Texture::FORMAT_UINT8, Texture::TARGET_2D);

@@ -40,7 +40,7 @@ TEST_F(CubejoxTest, MatchesItsReferencePictures) {
     EXPECT_TRUE(matchesReference("cubejox_dim", at(2, 0.3f, 0.05f, 0.5f)));
 }
 
-TEST_F(CubejoxTest, WhatTheBatchLeavesOutDoesNotShow) {
+TEST_F(CubejoxTest, NothingVisibleIsLeftOutByTheBatch) {
     const Picture ground = over(1, 0.85f, 0.45f, [] {});
     for (const auto& [time, bw, zoom] :
          {std::tuple(0.0f, 0.0f, 0.0f), std::tuple(2.0f, 0.5f, 0.0f), std::tuple(4.5f, 0.0f, 0.1f),

@@ -52,7 +52,7 @@ TEST_F(FaceTest, MatchesItsReferencePictures) {
     EXPECT_TRUE(matchesReference("face_bright", at(3.1f, 1)));
 }
 
-TEST_F(FaceTest, WhatIsCutOffTheSpritesDoesNotShow) {
+TEST_F(FaceTest, NothingVisibleIsCutOffTheSprites) {
     for (float time : {0.0f, 0.3f, 0.7f, 2.9f})
         EXPECT_TRUE(test::samePicture(at(time), wholeAt(time))) << time;
 }
@@ -142,7 +142,7 @@ TEST_F(FaceTest, ASecondSetupLoadsTheSceneInPlaceOfTheFirst) {
     EXPECT_EQ(test::comparePictures(at(0), before).mean, 0);
 }
 
-TEST_F(FaceTest, SaysHowManyMeshesThereAre) {
+TEST_F(FaceTest, PrintsTheNumberOfMeshes) {
     test::CaptureStdout capture;
     Face face(&mCommon);
     test::prepare(face, display(), "face");

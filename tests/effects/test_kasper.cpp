@@ -79,7 +79,7 @@ void expectNear(const Vector3f& a, const Vector3f& b, float range = 1e-4f) {
 
 } // namespace
 
-TEST_F(KasperTest, SaysHowLoadingGoes) {
+TEST_F(KasperTest, PrintsTheProgressOfLoading) {
     test::CaptureStdout out;
     load([](o3d::Scene&, const o3d::Mesh&) {});
     const std::string text = out.text();
@@ -256,7 +256,7 @@ TEST_F(KasperTest, TheCourtyardHasItsShadowMap) {
     EXPECT_TRUE(mKasper.getShadowMap().hasMipmaps());
 }
 
-TEST_F(KasperTest, ThereIsNothingInTheLightWithoutMeshes) {
+TEST_F(KasperTest, WithoutMeshesTheShadowMapIsEmpty) {
     load([](o3d::Scene&, const o3d::Mesh&) {});
     EXPECT_EQ(shadowed(lit(0)), 0);
     for (const float f : mKasper.getLightMatrix().mData)
@@ -295,7 +295,7 @@ TEST_F(KasperTest, AsksForNoMemoryOnceWarm) {
     EXPECT_EQ(asked, 0u);
 }
 
-TEST_F(KasperTest, WithoutASceneThereIsNothingToDo) {
+TEST_F(KasperTest, WithoutASceneNothingHappens) {
     frame([&] {
         mKasper.render(1);
         mKasper.renderLight(1, Matrix4x4Col());

@@ -226,7 +226,7 @@ TEST_F(PhotonTest, TheMeanOfManyFramesIsTheLightComputedDirectly) {
     }
 }
 
-TEST_F(PhotonTest, WhatMissesEverythingDrawsNothing) {
+TEST_F(PhotonTest, RaysThatMissEverythingDrawNothing) {
     Open photon([](Open& p) {
         p.mLights.push_back(new Photon::PointLight(Vector3f(5, 8, 0), Vector3f(10, 10, 10)));
     });

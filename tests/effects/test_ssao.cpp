@@ -197,7 +197,7 @@ TEST_F(SsaoTest, TheCornerBetweenWallAndGroundIsDarker) {
     EXPECT_LT(least, 0.8 * test::brightness(picture, 180, darkest + 40, 220, darkest + 44)); // open floor
 }
 
-TEST_F(SsaoTest, WhatIsBrightGlowsBeyondItsEdge) {
+TEST_F(SsaoTest, BrightSurfacesGlowBeyondTheirEdges) {
     const std::string bright =
         "varying vec3 eyePosition;\nuniform float znear, zfar, glowThresh;\nvoid main() { "
         "float d = (-eyePosition.z - znear) / (zfar - znear); vec3 c = vec3(LEVEL);\n"

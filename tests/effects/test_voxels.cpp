@@ -205,7 +205,7 @@ TEST_F(CreditsTest, APictureOfTooManyPixelsIsRefusedByName) {
         "Too many pixels in 'credits/credits_orvo.png': an effect draws at most 65536 of them as boxes");
 }
 
-TEST_F(CreditsTest, APictureThatIsNotThereIsAnException) {
+TEST_F(CreditsTest, AMissingPictureThrows) {
     Credits credits(&mCommon, "nobody");
     EXPECT_THROW(test::prepare(credits, display(), "credits_nobody"), std::exception);
 }
@@ -228,7 +228,7 @@ TEST_F(GrandTest, TipsColumnByColumn) {
 }
 
 // Columns from 128 on are left out; the others are placed by the whole width.
-TEST_F(GrandTest, APictureWiderThan128LosesWhatIsPastIt) {
+TEST_F(GrandTest, APictureWiderThan128IsCutThere) {
     test::OwnFiles files(display());
     for (int n = 1; n <= 19; ++n) {
         char name[32];

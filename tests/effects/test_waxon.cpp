@@ -102,7 +102,7 @@ TEST_F(WaxOnTest, SetupMakesATargetOf1280By1024WhateverTheWindow) {
     EXPECT_EQ(mCommon.mFbos["vaddr"]->mTexture.getHeight(), 1024);
 }
 
-TEST_F(WaxOnTest, WhatIsNestedGoesIntoTheTarget) {
+TEST_F(WaxOnTest, NestedSpansDrawIntoTheTarget) {
     mWaxOn.executeTrigger(0, "which", "vaddr");
     const Picture screen = inside();
     for (int x = 0; x < 400; x += 11)
@@ -111,7 +111,7 @@ TEST_F(WaxOnTest, WhatIsNestedGoesIntoTheTarget) {
     EXPECT_TRUE(matchesReference("waxon_target", showTarget()));
 }
 
-TEST_F(WaxOnTest, WithoutATargetWhatIsNestedGoesStraightToTheScreen) {
+TEST_F(WaxOnTest, WithoutATargetNestedSpansDrawOnTheScreen) {
     const Picture nested = inside();
     const Picture alone = over(0, 0, 0, [&] { scene(); });
     EXPECT_EQ(test::comparePictures(nested, alone).mean, 0);
@@ -184,7 +184,7 @@ TEST_F(WaxOnTest, AnotherTriggerIsDropped) {
     EXPECT_EQ(mCommon.mFbos.size(), 1u);
 }
 
-TEST_F(WaxOnTest, TheEntryGoesWithItsMaker) {
+TEST_F(WaxOnTest, TheEntryIsRemovedWithItsMaker) {
     {
         kindler::WaxOn other(&mCommon);
         test::CaptureStdout out;

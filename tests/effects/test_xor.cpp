@@ -96,7 +96,7 @@ TEST_F(XorTest, TheStatesAreResetAfterwards) {
     });
 }
 
-TEST_F(XorTest, WhatTheBatchLeavesOutDoesNotShow) {
+TEST_F(XorTest, NothingVisibleIsLeftOutByTheBatch) {
     mXor.executeTrigger(0, "shot", "");
     for (float time : {0.05f, 3.0f, 17.25f, 99.9f}) {
         const Picture drawn = at(time, 0);

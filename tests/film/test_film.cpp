@@ -107,7 +107,7 @@ TEST_F(Film, EndsWithTheMusicAndHasItsSound) {
     EXPECT_NEAR(1.5, atof(probe("a:0", "duration").c_str()), 0.03);
 }
 
-TEST_F(Film, SoundStandsAtTheSampleWhereThePictureExpectsIt) {
+TEST_F(Film, SoundAndPictureAgreeToTheSample) {
     // A second of silence and then a burst of noise; the film begins after half a second.
     runCommand("sox -n -r 44100 -c 2 -b 16 '" + file("noise.wav") + "' synth 0.5 whitenoise gain -6 pad 1 1");
     setup("<music filename=\"noise.wav\"/>");
@@ -213,7 +213,7 @@ TEST_F(Film, LeavesSettingsAsTheyAre) {
     EXPECT_EQ(0, int(picture("still.png").at(32, 20)[0])); // the start time in the settings is ignored
 }
 
-TEST_F(Film, SaysWhatIsWrongWithItsArguments) {
+TEST_F(Film, ReportsBadArguments) {
     for (const char* arguments :
          {"", "--size 64 film.mp4", "--size 65x40 film.mp4", "--rate 0 film.mp4", "--rate",
           "--from x film.mp4", "--from 2 --to 1 film.mp4", "--still 1", "--still 1 --to 2 a.png",
@@ -228,7 +228,7 @@ TEST_F(Film, SaysWhatIsWrongWithItsArguments) {
     EXPECT_EQ(0u, text.find("usage: "));
 }
 
-TEST_F(Film, SaysWhatItCannotDo) {
+TEST_F(Film, ReportsWhatItCannotDo) {
     const std::pair<const char*, const char*> cases[] = {
         {"film.avi", "'.*film.avi' has to end in .mp4"},
         {"--from 5 film.mp4", "the show ends at 3.000 seconds"},

@@ -283,7 +283,7 @@ TEST_F(GimliTest, AnEmptyMeshDrawsNothing) {
     EXPECT_EQ(test::comparePictures(draw([&] { mesh.superDraw(); }), nothing).mean, 0);
 }
 
-TEST_F(GimliTest, LoadingAgainTakesThePlaceOfWhatWas) {
+TEST_F(GimliTest, LoadingAgainReplacesTheMesh) {
     o3d::Mesh pair, strip;
     makePair(pair);
     makeStrip(strip, 4);
@@ -320,7 +320,7 @@ TEST_F(GimliTest, IndicesOutOfRangeNeverReachTheCard) {
     }
 }
 
-TEST_F(GimliTest, TheHeadOfTheShowGoesOntoTheCard) {
+TEST_F(GimliTest, TheHeadOfTheShowIsUploaded) {
     am::File file = window().archives().readFile("face/face.o3d");
     o3d::Manager manager;
     ASSERT_FALSE(file.isNull());

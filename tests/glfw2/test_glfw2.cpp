@@ -57,7 +57,7 @@ TEST(KeyCode, DigitsAndPunctuationAreWhatTheLayoutGives) {
     EXPECT_EQ(keyCode(161, "<"), '<'); // the key that US keyboards lack
 }
 
-TEST(KeyCode, AKeyOutsideLatin1HasTheCodeOfItsPlaceOnAUsBoard) {
+TEST(KeyCode, AKeyOutsideLatin1HasTheCodeOfItsPositionOnAUsKeyboard) {
     EXPECT_EQ(keyCode('Q', "\xD0\xB9"), 'Q');     // Cyrillic
     EXPECT_EQ(keyCode('E', "\xE2\x82\xAC"), 'E'); // euro sign
     EXPECT_EQ(keyCode('`', nullptr), '`');        // dead key
@@ -358,7 +358,7 @@ TEST_F(WithoutDisplay, TheVersionIsThatOfTheLibrary) {
     glfwGetVersion(nullptr, nullptr, nullptr);
 }
 
-TEST_F(WithoutDisplay, SleepReturnsAtOnceForWhatIsNoTime) {
+TEST_F(WithoutDisplay, SleepReturnsAtOnceForInvalidTimes) {
     const double infinity = std::numeric_limits<double>::infinity();
     for (double time : {0.0, -1.0, -infinity, infinity, std::nan("")})
         glfwSleep(time);

@@ -657,7 +657,7 @@ TEST_F(Glfw2, PollingInACallbackReturnsAtOnce) {
     EXPECT_EQ(afterKey("q"), typed('Q', 'q'));
 }
 
-TEST_F(Glfw2, WhatACallbackThrowsComesOutOfThePoll) {
+TEST_F(Glfw2, AnExceptionOfACallbackPassesThroughThePoll) {
     open();
     onKeyDown = [] {
         onKeyDown = nullptr;
@@ -827,7 +827,7 @@ TEST_F(Glfw2, WithoutAMonitorFullScreenIsAWindow) {
 
 // Drawing.
 
-TEST_F(Glfw2, WhatIsDrawnIsSwapped) {
+TEST_F(Glfw2, TheDrawnPictureIsSwapped) {
     open();
     for (int interval : {0, 1, -1, 0})
         glfwSwapInterval(interval);
@@ -978,7 +978,7 @@ TEST_F(Glfw2Exit, AProgramMayEndInACallback) {
 }
 
 // On a display that has no OpenGL.
-TEST_F(Glfw2Exit, AWindowThatCannotBeHadSaysWhy) {
+TEST_F(Glfw2Exit, AWindowThatCannotOpenSaysWhy) {
     const auto program = [] {
         FILE* const server =
             popen("echo $$; exec Xvfb -displayfd 1 -nolisten tcp -extension GLX 2>/dev/null", "r");

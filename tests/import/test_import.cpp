@@ -179,7 +179,7 @@ TEST(Transform, AnglesAreTheEngines) {
     EXPECT_NEAR(turn.z, double(engine.z), 1e-6);
 }
 
-TEST(Transform, AMatrixThatShearsMirrorsOrFlattensComesApartAndTogetherAgain) {
+TEST(Transform, AMatrixThatShearsMirrorsOrFlattensIsDecomposedAndComposedAgain) {
     std::mt19937 random(3);
     std::uniform_real_distribution<double> number(-2, 2);
     for (int i = 0; i < 500; ++i) {
@@ -306,7 +306,7 @@ TEST(Import, InvalidDataFromTheReadingProcessIsRefused) {
     }
 }
 
-TEST(Import, ACameraOnAMovingArmStandsInTheSceneItselfAndMoves) {
+TEST(Import, ACameraOnAMovingArmIsInTheSceneItselfAndMoves) {
     const test::TempDir folder;
     test::writeFile(folder.file("a.gltf"), turningCamera());
     const auto manager = load(import(folder.file("a.gltf")));
@@ -445,7 +445,7 @@ TEST(Import, FlatMirroredNodesKeepTheirOutside) {
     EXPECT_GT((at(1) - at(0)).cross(at(2) - at(0)).z, 0.0f);
 }
 
-TEST(Import, PointsAloneAreFittedAndSpread) {
+TEST(Import, PointsAreFittedAndSpread) {
     const test::TempDir folder;
     test::writeFile(folder.file("a.obj"), OBJ);
     Options options;
@@ -565,7 +565,7 @@ TEST(Child, MemoryEndsAtTheLimit) {
 }
 #endif
 
-TEST(Program, SaysWhatItRefuses) {
+TEST(Program, ReportsWhatItRefuses) {
     const test::TempDir folder;
     const std::string program = ZENTRAK_IMPORT;
     const auto run = [&](const std::string& arguments) {
@@ -592,7 +592,7 @@ TEST(Program, SaysWhatItRefuses) {
 }
 
 // The smallest file of each format that imports at all. The whole package: import_survey (docs/import.md).
-TEST(Package, TheSmallestOfEachFormatStandsWhereAssimpPutsIt) {
+TEST(Package, TheSmallestOfEachFormatMatchesAssimp) {
     if (!std::filesystem::exists(PACKAGE))
         GTEST_SKIP() << "assimp-testmodels is not installed";
     const Assimp::Importer importer;

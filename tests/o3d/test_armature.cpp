@@ -26,7 +26,7 @@ Armature::Bone* addBone(std::vector<Armature::Bone*>& bones, const Vector3f& hea
     return bone;
 }
 
-TEST(Armature, ANewBoneHasNoTurnAndNoPlace) {
+TEST(Armature, ANewBoneHasNoRotationAndNoPosition) {
     const Armature::Bone bone;
     EXPECT_EQ(Vector3f(0, 0, 0), bone.mHead);
     EXPECT_EQ(Vector3f(0, 0, 0), bone.mPosePosition);

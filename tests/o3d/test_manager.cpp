@@ -160,7 +160,7 @@ TEST(Manager, ChildrenOfTheMainChunkComeInAnyOrder) {
     EXPECT_NE(nullptr, manager.getScene("s"));
 }
 
-TEST(Manager, WhatFollowsTheMainChunkIsIgnored) {
+TEST(Manager, DataAfterTheMainChunkIsIgnored) {
     o3d::Manager manager;
     load(manager, file(chunk(0x5000, text("s"))) + chunk(0x1000, chunk(0x5000, text("t"))) + "rubbish");
     EXPECT_EQ(1u, manager.mScenes.size());

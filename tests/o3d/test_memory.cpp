@@ -61,7 +61,7 @@ TEST(Memory, RunningOutAtAnyAllocationLosesNothingThatWasMade) {
     }
 }
 
-TEST(Memory, AListThatThereIsNoMemoryForIsEmptyAndTheRestIsLoaded) {
+TEST(Memory, AListWithoutMemoryIsEmptyAndTheRestIsLoaded) {
     // As each allocation in turn fails, at some point it is that of the triangles.
     o3d::Manager manager;
     std::string triangles;

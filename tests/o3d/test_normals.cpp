@@ -444,7 +444,7 @@ std::string failureOf(o3d::Mesh& mesh) {
     return "nothing thrown";
 }
 
-TEST(NormalsDeathTest, WhatIsWrongIsLoggedWithTheNameBeforeTheEnd) {
+TEST(NormalsDeathTest, TheFaultIsLoggedWithTheNameBeforeTheAbort) {
     o3d::Mesh mesh;
     mesh.mName = "stone";
     mesh.mVertices = {Vector3f(0, 0, 0), Vector3f(1, 0, 0), Vector3f(2, 0, 0)};

@@ -104,7 +104,7 @@ TEST(RoundTrip, MaterialsImagesAndScenesComeBackAsTheyWere) {
     EXPECT_EQ(0, second.getImageIndex("image"));
 }
 
-TEST(RoundTrip, WhatIsWrittenTwiceIsTheSame) {
+TEST(RoundTrip, WritingTwiceGivesTheSame) {
     o3d::Manager first, second;
     load(first, everything());
     dropMeshes(first);

@@ -197,7 +197,7 @@ TEST(Track, CyclicTimeThatLandsOnTheLastKeyIsReportedAndHasAValue) {
     }
 }
 
-TEST(Track, UnknownExtrapolationGoesOnWithTheNearestSegment) {
+TEST(Track, UnknownExtrapolationContinuesTheNearestSegment) {
     CaptureStdout capture;
     const Track track = makeTrack(1, 4, {plain(0, 0), plain(1, 10), plain(2, 12)});
     EXPECT_EQ(16.0f, track.getValue(4));

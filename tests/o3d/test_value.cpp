@@ -68,7 +68,7 @@ TEST(Value, IsReadFromItsEncoding) {
     EXPECT_EQ(8u, weight.mSecond);
 }
 
-TEST(Value, WhatTheChunkHasNoMoreOfStaysAsItWas) {
+TEST(Value, ComponentsPastTheChunkStayAsTheyWere) {
     EXPECT_EQ(o3d::Vector3f(1, 8, 9), read(f32(1) + "abc", o3d::Vector3f(7, 8, 9)));
     EXPECT_EQ(o3d::Quatf(6, 7, 8, 9), read("abc", o3d::Quatf(6, 7, 8, 9)));
     EXPECT_EQ(5.0f, read("", 5.0f));

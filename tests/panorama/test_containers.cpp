@@ -115,7 +115,7 @@ TEST_F(TabViewTest, TheStripIsEighteenHighAndThePagesLieBelow) {
 }
 
 // With no font a tab is as wide as its padding: 20.
-TEST_F(TabViewTest, APressOnATabShowsItsPageAlone) {
+TEST_F(TabViewTest, APressOnATabShowsOnlyItsPage) {
     TabView& view = add<TabView>(Box2(100, 100, 300, 200));
     for (int i = 0; i < 3; ++i)
         add<TabFrame>(Box2(), &view).setVisible(i == 0);
@@ -209,7 +209,7 @@ TEST_F(WindowTest, TheTitleIsEighteenHighAndTheChildrenLieBelow) {
     EXPECT_EQ(window.mTitleArea.clip, Box2(0, 0, 150, 10));
 }
 
-TEST_F(WindowTest, IsDraggedByItsTitleAlone) {
+TEST_F(WindowTest, IsDraggedOnlyByItsTitle) {
     Window& window = add<Window>(Box2(30, 40, 230, 190));
     sendMove(root, Vector2f(), Vector2f(100, 100)); // below the bar
     send(root, "mousedown", Vector2f(100, 100));
@@ -438,7 +438,7 @@ TEST_F(LayoutStackTest, ChildrenFollowEachOtherAndKeepTheirSizeAndOffsetAcross) 
     EXPECT_EQ(second.mArea.area, Box2(40, 10, 50, 30));
 }
 
-TEST_F(LayoutStackTest, AChildThatGoesOrComesBetweenMovesTheOthers) {
+TEST_F(LayoutStackTest, RemovingOrInsertingAChildMovesTheOthers) {
     LayoutStack& stack = add<LayoutStack>(Box2(0, 0, 400, 400));
     stack.mRaiseOnFocus = false;
     add<Plain>(Box2(0, 0, 10, 10), &stack);

@@ -385,7 +385,7 @@ TEST_F(ContextTest, RowsThatWereTakenAwayWhileOpenAreForgotten) {
     EXPECT_TRUE(heard.texts.empty());
 }
 
-TEST_F(ContextTest, AMenuThatGoesWhileItIsOpenIsClosed) {
+TEST_F(ContextTest, AMenuDeletedWhileOpenIsClosed) {
     Context* gone = new Context;
     gone->addOption("a", "");
     owner->setContext(gone);
@@ -396,7 +396,7 @@ TEST_F(ContextTest, AMenuThatGoesWhileItIsOpenIsClosed) {
     send(root, "mouseup", Vector2f(10, 10));
 }
 
-TEST_F(ContextTest, AMenuWhoseOwnerGoesWhileItIsOpenIsClosed) {
+TEST_F(ContextTest, AMenuWhoseOwnerIsDeletedWhileItIsOpenIsClosed) {
     openMenu();
     move(115, 75);
     root.deleteControl(0); // the owner
@@ -412,7 +412,7 @@ TEST_F(ContextTest, AMenuWhoseOwnerGoesWhileItIsOpenIsClosed) {
     EXPECT_EQ(root.mContext, &menu);
 }
 
-TEST_F(ContextTest, AMenuWhoseOwnersParentGoesIsClosedToo) {
+TEST_F(ContextTest, AMenuWhoseOwnersParentIsDeletedIsClosedToo) {
     Plain* inner = new Plain(Box2(0, 0, 10, 10));
     owner->addControl(inner, -1);
     inner->setContext(&menu);

@@ -449,7 +449,7 @@ TEST_F(ControlTest, ClickingAChildOfAFlowDoesNotRaiseIt) {
 
 // Events
 
-TEST_F(ControlTest, AClickOnTheEmptyBackgroundGoesOn) {
+TEST_F(ControlTest, AClickOnTheEmptyBackgroundIsPassedOn) {
     Plain& a = add(Box2(0, 0, 100, 100));
     press(10, 10);
     send(root, "keydown");
@@ -488,7 +488,7 @@ TEST_F(ControlTest, LowerEdgesBelongToABoxAndUpperOnesDoNot) {
     }
 }
 
-TEST_F(ControlTest, AHiddenChildGetsNoEventsEvenIfItLiesOnTop) {
+TEST_F(ControlTest, AHiddenChildGetsNoEventsEvenIfItIsOnTop) {
     Plain& below = add(Box2(0, 0, 100, 100));
     Plain& top = add(Box2(0, 0, 100, 100));
     top.setVisible(false);
@@ -529,7 +529,7 @@ TEST_F(ControlTest, EveryMoveTakesTheHoverStateOfTheWholeTreeBack) {
     EXPECT_FALSE(cover.mHover);
 }
 
-TEST_F(ControlTest, AMoveResetsEachControlOnceHoweverDeepItLies) {
+TEST_F(ControlTest, AMoveResetsEachControlOnceHoweverDeep) {
     Plain& a = add(Box2(0, 0, 100, 100));
     Plain& b = add(Box2(0, 0, 100, 100), &a);
     Plain& c = add(Box2(0, 0, 100, 100), &b);

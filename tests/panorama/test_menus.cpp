@@ -254,7 +254,7 @@ TEST_F(MenubarTest, HandleEventAlwaysGivesZero) {
     EXPECT_EQ(send(bar, "mousemove", Vector2f(300, 250)), 0);
 }
 
-TEST_F(MenubarTest, ABarThatGoesWhileAMenuIsOpenClosesIt) {
+TEST_F(MenubarTest, ABarDeletedWhileAMenuIsOpenClosesIt) {
     openFile();
     root.deleteControl(0);
     EXPECT_EQ(root.mContext, nullptr);

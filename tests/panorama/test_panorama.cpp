@@ -243,7 +243,7 @@ TEST_F(RenderTest, ANegativeSecondAlphaGivesAFlatBox) {
     EXPECT_EQ(batched.mColorSecond, Vector4f(1, 0, 0, 0));
 }
 
-TEST_F(RenderTest, WhatIsClippedAwayIsNotDrawnAtAll) {
+TEST_F(RenderTest, ClippedShapesAreNotDrawnAtAll) {
     frame([&] {
         batched.setupDraw(Vector2f(WIDTH, HEIGHT), Vector2f(), 0);
         batched.setClipArea(Box2(0, 0, 0, 0));

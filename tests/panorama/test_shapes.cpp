@@ -95,7 +95,7 @@ protected:
     }
 };
 
-TEST_F(ShapesTest, ATextLiesOverWhatCameBeforeAndUnderWhatComesAfter) {
+TEST_F(ShapesTest, ATextIsOverEarlierShapesAndUnderLaterOnes) {
     const Draw shapes = [](Render& r) {
         box(r, Box2(0, 0, 400, 100), RED);
         r.setColor(GREEN, NO_COLOR);
@@ -193,7 +193,7 @@ private:
     }
 };
 
-TEST_F(ShapesTest, RandomTreesAreDrawnAsOneByOne) {
+TEST_F(ShapesTest, RandomTreesLookAsDrawnOneByOne) {
     for (unsigned seed = 0; seed < 60; ++seed) {
         SCOPED_TRACE(seed);
         expectSame([&](Render& r) { RandomTree(seed).draw(r); }, Vector2f(float(seed % 3) * 7, 0), 1);
@@ -277,7 +277,7 @@ private:
     }
 };
 
-TEST_F(ShapesTest, RandomHeapsAreDrawnAsOneByOne) {
+TEST_F(ShapesTest, RandomHeapsLookAsDrawnOneByOne) {
     for (unsigned seed = 0; seed < 60 && !HasFailure(); ++seed) {
         SCOPED_TRACE(seed);
         const Vector2f offset = seed % 3 ? Vector2f(float(seed % 7) * 5, -3) : Vector2f();
@@ -296,7 +296,7 @@ TEST_F(ShapesTest, AFlatCircleIsTheSameWhateverElseIsDrawn) {
 }
 
 // For example the far ends of a curve's lines, whose values come from a file.
-TEST_F(ShapesTest, WhatReachesFarBeyondTheClipAreaIsCutToIt) {
+TEST_F(ShapesTest, ShapesFarBeyondTheClipAreaAreCutToIt) {
     const Box2 clip(100, 80, 300, 220);
     std::mt19937 random(5);
     const auto any = [&](float a, float b) { return std::uniform_real_distribution<float>(a, b)(random); };

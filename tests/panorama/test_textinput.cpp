@@ -93,7 +93,7 @@ TEST_F(TextInputTest, TypingInsertsAtTheCaretAndSendsAction8) {
     EXPECT_EQ(shown(), "ab\xe4\xff\xa0|c");
 }
 
-TEST_F(TextInputTest, WhatIsNotLatin1IsNotTyped) {
+TEST_F(TextInputTest, CharactersOutsideLatin1AreIgnored) {
     field("a");
     for (const int character : {-1, 0, 9, 31, 127, 128, 159, 256, 0x20AC, 0x1F600}) {
         panorama::Event event;

@@ -141,7 +141,7 @@ TEST(Assets, ScenesHaveMirroredNodesAndObjectsWithoutAShadow) {
     EXPECT_EQ(6, withoutShadow);
 }
 
-TEST(Assets, KindsOfSurfaceAreToldApartByTheirTexture) {
+TEST(Assets, KindsOfSurfaceAreDistinguishedByTheirTexture) {
     const std::pair<const char*, std::set<int>> scenes[] = {
         {"tests/data/abc/katedral.o3d", {-2, -1, 0, 1, 2}},
         {"tests/data/ssao/scene.o3d", {0, 1, 2, 3, 4, 5}}};
@@ -159,7 +159,7 @@ TEST(Assets, KindsOfSurfaceAreToldApartByTheirTexture) {
     }
 }
 
-TEST(Assets, MakersMakeWhatLiesInTheTree) {
+TEST(Assets, TheMakersMakeTheFilesInTheTree) {
     // Not byte for byte: another libm's sine may differ in the last bit. Compares the chunks and their
     // counts.
     const auto chunks = [](const std::string& image) {

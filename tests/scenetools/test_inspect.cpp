@@ -80,7 +80,7 @@ TEST(Inspect, KnowsEveryChunkThatTheLoaderKnows) {
         EXPECT_NE(std::string::npos, inspection.text.find(words)) << words;
 }
 
-TEST(Inspect, SaysWhatTheLoaderRefuses) {
+TEST(Inspect, ReportsWhatTheLoaderRefuses) {
     const std::string refused = "the loader refuses this format or version: it takes 'O3DF' 1.1\n";
     EXPECT_EQ(refused, remarksOf(""));
     EXPECT_EQ(refused, remarksOf("O3DF\x01\x02"));
@@ -88,7 +88,7 @@ TEST(Inspect, SaysWhatTheLoaderRefuses) {
               remarksOf("O3DF\x01\x01" + chunk(0x2000, text("m"))));
 }
 
-TEST(Inspect, SaysWhatTheLoaderSkipsOrMisses) {
+TEST(Inspect, ReportsWhatTheLoaderSkipsOrMisses) {
     EXPECT_EQ("the loader does not know it here and skips it\n" + noScene,
               remarksOf(file(chunk(0xABC0, "x"))));
     EXPECT_EQ("the loader does not know it here and skips it\n" + noScene,
@@ -105,7 +105,7 @@ TEST(Inspect, SaysWhatTheLoaderSkipsOrMisses) {
                                      .find("it comes before the vertices of its mesh: its box is lost\n"));
 }
 
-TEST(Inspect, SaysWhereSizesLie) {
+TEST(Inspect, ReportsWrongSizes) {
     EXPECT_EQ("it reaches 10 bytes past the end of the file\n" + noScene,
               remarksOf("O3DF\x01\x01" + u16(0x1000) + u32(10)));
     EXPECT_EQ("it reaches 3 bytes past the end of the chunk around it\n",
@@ -113,14 +113,14 @@ TEST(Inspect, SaysWhereSizesLie) {
                   .substr(0, std::string("it reaches 3 bytes past the end of the chunk around it\n").size()));
 }
 
-TEST(Inspect, SaysWhatIsWrongWithKeys) {
+TEST(Inspect, ReportsBadKeys) {
     EXPECT_EQ("the times of the keys do not ascend\n",
               remarksOf(node(chunk(0xFA00, keyList(0xFB10, 1, 0, key(2, 0) + key(1, 0))))));
     EXPECT_EQ("interpolation mode 3 is none: it acts as constant\nextrapolation mode 4 is none\n",
               remarksOf(node(chunk(0xFA00, keyList(0xFB10, 3, 4, key(1, 0))))));
 }
 
-TEST(Inspect, SaysWhichNamesLeadNowhere) {
+TEST(Inspect, ReportsNamesWithoutATarget) {
     EXPECT_EQ("mesh instance 'i': there is no mesh 'gone'\n",
               remarksOf(node(chunk(0x5120, text("i") + text("gone")))));
     EXPECT_EQ(
@@ -135,7 +135,7 @@ TEST(Inspect, SaysWhichNamesLeadNowhere) {
         remarksOf(file(chunk(0x2000, text("m")) + chunk(0x2000, text("m")) + chunk(0x5000, text("s")))));
 }
 
-TEST(Inspect, SaysWhatIsWrongWithGeometry) {
+TEST(Inspect, ReportsBadGeometry) {
     const auto remarks = [](const std::string& vertices, const std::string& triangles,
                             const std::string& indices) {
         return remarksOf(
@@ -165,12 +165,12 @@ TEST(Inspect, SaysWhatIsWrongWithGeometry) {
                        chunk(0x5000, text("s")))));
 }
 
-TEST(Inspect, AMeshOfVerticesAloneIsGood) {
+TEST(Inspect, AMeshOfOnlyVerticesIsGood) {
     EXPECT_EQ("", remarksOf(file(chunk(0x2000, text("m") + chunk(0xFF00, floats({1, 2, 3}))) +
                                  chunk(0x5000, text("s")))));
 }
 
-TEST(Inspect, SaysWhichMaterialsAnInstanceLacks) {
+TEST(Inspect, ReportsMissingMaterialsOfAnInstance) {
     const auto remarks = [](const std::string& names, const std::string& overrides) {
         return remarksOf(file(chunk(0x2000, text("m") + chunk(0xFF00, "") + chunk(0x2200, u8(0)) + names) +
                               chunk(0x6000, text("stone")) +
@@ -185,7 +185,7 @@ TEST(Inspect, SaysWhichMaterialsAnInstanceLacks) {
               remarks(chunk(0x6200, text("stone")), chunk(0x6210, u8(0) + text("gone"))));
 }
 
-TEST(Inspect, SaysWhatNoEffectDraws) {
+TEST(Inspect, ReportsWhatNoEffectDraws) {
     const std::string mesh = chunk(0x2000, text("m") + chunk(0xFF00, floats({1, 2, 3})));
     const std::string instance = chunk(0x5120, text("i") + text("m"));
     EXPECT_EQ("mesh instance 'i' is below a camera and is not drawn\n",
@@ -239,7 +239,7 @@ TEST(Inspect, AnyBytesWillDo) {
 
 } // namespace
 
-TEST(ShowScene, SaysWhatIsWrong) {
+TEST(ShowScene, ReportsErrors) {
     test::TempDir folder;
     const std::string show = "cd " + folder.path() + " && " SHOW_SCENE;
     test::writeFile(folder.file("empty"), "");
@@ -254,7 +254,7 @@ TEST(ShowScene, SaysWhatIsWrong) {
               test::runCommand(show + " empty"));
 }
 
-TEST(MakeScenes, SaysWhatIsWrong) {
+TEST(MakeScenes, ReportsErrors) {
     test::TempDir folder;
     const std::string make = "cd " + folder.path() + " && " MAKE_SCENES;
     for (const char* arguments : {"", " face", " faces x", " face --help", " face x y"})

@@ -349,7 +349,7 @@ TEST(ScriptTrigger, ADueTimeThatPassedWhileTheSpanWasInactiveIsCaughtUp) {
     EXPECT_EQ(line.at(20)[0], "a trigger 20 late=");
 }
 
-TEST(ScriptTrigger, ExecuteTriggersIsTheTriggerStepAlone) {
+TEST(ScriptTrigger, ExecuteTriggersIsOnlyTheTriggerStep) {
     Calls calls;
     Recorder callback("a", calls);
     Effect effect;
@@ -379,7 +379,7 @@ TEST(ScriptTrigger, NoRepeatCountStopsTheShow) {
     EXPECT_EQ(counter.fired, 4 * 2000);
 }
 
-TEST(ScriptTrigger, ATimeThatIsNotANumberNeverComes) {
+TEST(ScriptTrigger, ATriggerAtATimeThatIsNotANumberNeverFires) {
     const float nan = std::numeric_limits<float>::quiet_NaN();
     Timeline line;
     Effect* const effect = line.add(makeEffect("a", 0, 10));
@@ -405,7 +405,7 @@ TEST(ScriptSpline, HandsItsNameAndItsValueToTheCallback) {
     EXPECT_EQ(calls, Calls{"a spline 3 alpha=4"});
 }
 
-TEST(ScriptEngine, WhatACallbackAddsToTheTimelineRunsInTheSameFrame) {
+TEST(ScriptEngine, SpansThatACallbackAddsRunInTheSameFrame) {
     struct Adder : Callback {
         Timeline* line = nullptr;
         void update(float, float, float) override {

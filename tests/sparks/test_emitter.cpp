@@ -73,11 +73,11 @@ TEST(Hex, AShortTextLeavesTheRestAtZero) {
     EXPECT_EQ(hex2vec("00ff"), Vector3f(0, 1, 0));
     EXPECT_EQ(hex2vec("f"), Vector3f(240.0f / 255.0f, 0, 0));
 }
-TEST(Hex, WhatIsNoDigitIsZero) {
+TEST(Hex, NonDigitsAreZero) {
     EXPECT_EQ(hex2vec("zz0000"), Vector3f(0, 0, 0));
     EXPECT_EQ(hex2vec("#f-f\xffz"), Vector3f(15.0f / 255.0f, 15.0f / 255.0f, 0));
 }
-TEST(Hex, WhatFollowsTheSixthDigitIsIgnored) {
+TEST(Hex, TextAfterTheSixthDigitIsIgnored) {
     EXPECT_EQ(hex2vec("102030405060"), hex2vec("102030"));
 }
 TEST(Hex, AHalfIsCutToSevenF) {
@@ -88,11 +88,11 @@ TEST(Hex, OnlyTheLowEightBitsCount) {
     EXPECT_EQ(f2hex(257.0f / 255.0f), "01");
     EXPECT_EQ(f2hex(-1.0f / 255.0f), "ff");
 }
-TEST(Hex, WhatIsTooLargeOrNoNumberIsZero) {
+TEST(Hex, TooLargeOrNotANumberIsZero) {
     for (float value : {NAN, INFINITY, -INFINITY, 1e30f, -1e30f})
         EXPECT_EQ(f2hex(value), "00");
 }
-TEST(Hex, EveryByteComesBack) {
+TEST(Hex, EveryByteSurvives) {
     const char digits[] = "0123456789abcdef";
     for (int i = 0; i < 256; ++i) {
         const std::string text = {digits[i / 16], digits[i % 16]};

@@ -41,12 +41,12 @@ TEST_F(InstanceTest, StartsAsTheDefaultOne) {
     EXPECT_EQ(fresh.name, "default");
 }
 
-TEST_F(InstanceTest, AWholeNumberOfParticlesComesExactly) {
+TEST_F(InstanceTest, AWholeNumberOfParticlesIsEmittedExactly) {
     for (int i = 0; i < 100; ++i)
         ASSERT_EQ(update(0.1f), 5);
 }
 
-TEST_F(InstanceTest, AFractionComesOnAverage) {
+TEST_F(InstanceTest, AFractionIsEmittedOnAverage) {
     int total = 0;
     for (int i = 0; i < 10000; ++i) {
         const int count = update(0.01f);

@@ -82,7 +82,7 @@ TEST_F(EngineTest, LoadsEveryInstanceInOrder) {
     EXPECT_EQ(mEngine->instances.size(), 6u);
 }
 
-TEST_F(EngineTest, SaysWhatItLoadsAndAddsTheExtension) {
+TEST_F(EngineTest, PrintsWhatItLoadsAndAddsTheExtension) {
     test::writeFile(mClosed.folder.file("long.xml"), twoInstances);
     for (const char* name : {"long", "long.xml"}) {
         CaptureStdout out;
@@ -147,7 +147,7 @@ TEST_F(EngineTest, WithoutADisplayNothingIsLoaded) {
     EXPECT_TRUE(alone.instances.empty());
 }
 
-TEST_F(EngineTest, SavesWhatLoadsAsTheSame) {
+TEST_F(EngineTest, SavedFilesLoadTheSame) {
     load(twoInstances);
     EXPECT_TRUE(mEngine->save("first"));
     test::QuietEngine second(&mClosed.display);

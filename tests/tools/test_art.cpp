@@ -25,7 +25,7 @@ const Maker makers[] = {{MAKE_SCREEN_ART, "data", 4},
 
 // Compares the pixels, with alpha: another libm's sine may differ in the last bit, and another zlib packs
 // differently.
-TEST(Art, TheMakersMakeWhatLiesInTheTree) {
+TEST(Art, TheMakersMakeTheFilesInTheTree) {
     for (const Maker& maker : makers) {
         TempDir folder;
         ASSERT_EQ(runCommand(std::string(maker.program) + " " + folder.path()).first, 0) << maker.program;
@@ -50,7 +50,7 @@ TEST(Art, TheMakersMakeWhatLiesInTheTree) {
     }
 }
 
-TEST(Art, TheMakersSayWhatIsWrong) {
+TEST(Art, TheMakersReportErrors) {
     for (const Maker& maker : makers) {
         const std::string name = std::filesystem::path(maker.program).filename().string();
         TempDir folder;
@@ -64,7 +64,7 @@ TEST(Art, TheMakersSayWhatIsWrong) {
     EXPECT_NE(text.find("/proc/no/such/folder/sparks.png"), std::string::npos) << text;
 }
 
-TEST(Art, APictureThatCantBeWrittenIsToldAndWhatIsThereStays) {
+TEST(Art, APictureThatCantBeWrittenIsReportedAndTheOldOneKept) {
     TempDir folder;
     std::filesystem::create_symlink("/dev/full", folder.file("sparks.png"));
     EXPECT_EQ(runCommand("cd " + folder.path() + " && " MAKE_SPARK_ART " ."),
@@ -76,7 +76,7 @@ TEST(Art, APictureThatCantBeWrittenIsToldAndWhatIsThereStays) {
               (std::pair<int, std::string>(1, "./spark/spark.xml: can't be written: Is a directory\n")));
 }
 
-TEST(Art, TheMakerOfFontsSaysWhatIsWrong) {
+TEST(Art, TheFontMakerReportsErrors) {
     TempDir folder;
     const std::string make = "cd " + folder.path() + " && " MAKE_FONT;
     writeFile(folder.file("text"), "no font");

@@ -102,7 +102,7 @@ TEST_F(CheckLayout, AClassNeedsAStyle) {
               finding("s.xml:3: 'titel' is neither a type nor a class that is used\n"));
 }
 
-TEST_F(CheckLayout, SaysWhatTheEditorNeedsAndLacks) {
+TEST_F(CheckLayout, ReportsWhatTheEditorNeedsAndLacks) {
     const std::string all = "<frame id=\"main\"/><flow id=\"effects\"/><slider id=\"timeslider\"/>"
                             "<stat id=\"fps_stat\"/><label id=\"fps\"/>";
     EXPECT_EQ(check(all, "", "--editor"), nothing);
@@ -115,7 +115,7 @@ TEST_F(CheckLayout, SaysWhatTheEditorNeedsAndLacks) {
                       "l.xml:3: 'fps', the frame rate in figures, is no 'label'\n"));
 }
 
-TEST_F(CheckLayout, SaysWhatIsReadAsSomethingElse) {
+TEST_F(CheckLayout, ReportsMisreadValues) {
     EXPECT_EQ(
         check("<label align=\"middle\"/><frame hidden=\"yes\"/>\n<slider min=\"1,5\" max=\"inf\" "
               "percent=\"50\"/>\n<slider min=\"1\" max=\"1\" size=\"\"/>\n<textinput type=\"number\"/>"),
@@ -129,7 +129,7 @@ TEST_F(CheckLayout, SaysWhatIsReadAsSomethingElse) {
                 "l.xml:6: 'type' of 'textinput' of 'number' is no word for it: any text is taken\n"));
 }
 
-TEST_F(CheckLayout, SaysWhatAnAreaCannotBe) {
+TEST_F(CheckLayout, ReportsImpossibleAreas) {
     EXPECT_EQ(
         check("<label><area width=\"10\"/></label>\n<label><area width=\"5\" w=\"5\" "
               "height=\"4\"/></label>\n<label><area size=\"5\" maximized=\"true\"/></label>\n<flow><child>"
@@ -140,7 +140,7 @@ TEST_F(CheckLayout, SaysWhatAnAreaCannotBe) {
                 "l.xml:6: 'size' of 'area' of 'x' is read as 0\n"));
 }
 
-TEST_F(CheckLayout, SaysWhichColorsAreNone) {
+TEST_F(CheckLayout, ReportsInvalidColors) {
     EXPECT_EQ(
         checkStyle("<label><color name=\"text.colour\" first=\"fff\" second=\"#ffffff\"/></label>\n"
                    "<label><color name=\"back.pushed\" first=\"00000000\" second=\"00000g\"/></label>"),
@@ -152,7 +152,7 @@ TEST_F(CheckLayout, SaysWhichColorsAreNone) {
                 "'00000g'\n"));
 }
 
-TEST_F(CheckLayout, SaysWhatStandsWhereItIsNotRead) {
+TEST_F(CheckLayout, ReportsElementsThatAreNotRead) {
     EXPECT_EQ(check("<frame>\n<label/>\n<border/>\nhello</frame><label id=\"a\"/><label id=\"a\"/>"),
               finding("l.xml:4: a 'label' that stands in 'frame' without a 'child' round it\n"
                       "l.xml:5: unknown element 'border' in 'frame'\n"

@@ -38,7 +38,7 @@ TEST_F(CheckParticles, AWholeEmitterHasNone) {
               std::pair(0, std::string()));
 }
 
-TEST_F(CheckParticles, SaysWhatIsMissing) {
+TEST_F(CheckParticles, ReportsWhatIsMissing) {
     EXPECT_EQ(checkEmitter("texture=\"1\""),
               std::pair(1, place + "no 'num': it is 0, and the emitter emits nothing\n" + place +
                                "no 'rate': it is 0, and the emitter emits nothing\n"));
@@ -48,7 +48,7 @@ TEST_F(CheckParticles, SaysWhatIsMissing) {
               std::pair(1, place + "the instance has no emitter: it gives off nothing\n"));
 }
 
-TEST_F(CheckParticles, SaysWhatIsNotKnown) {
+TEST_F(CheckParticles, ReportsUnknownElements) {
     EXPECT_EQ(
         checkEmitter(whole + " speed=\"4\"", "<colour v1=\"1\" v2=\"2\"/><size v1=\"3\" v2=\"4\" v3=\"5\"/>"),
         std::pair(1, place + "unknown argument 'speed' of 'emitter' is ignored\n" + place +
@@ -60,7 +60,7 @@ TEST_F(CheckParticles, SaysWhatIsNotKnown) {
               std::pair(1, place + "a second 'mass' is ignored\n"));
 }
 
-TEST_F(CheckParticles, SaysWhatIsReadAsSomethingElse) {
+TEST_F(CheckParticles, ReportsMisreadValues) {
     EXPECT_EQ(checkEmitter("texture=\"8\" rate=\"12.5\" num=\"many\""),
               std::pair(1, place + "'num' of 'many' is read as 0\n" + place +
                                "'num' is 0: the emitter emits nothing\n" + place +

@@ -104,7 +104,7 @@ TEST_F(CheckScript, ATriggerASplineAndAValueThatNothingAnswersToAreNamed) {
                 "there\n"));
 }
 
-TEST_F(CheckScript, ASpanThatIsNeverActiveIsNamedOnceAndNotWhatIsInIt) {
+TEST_F(CheckScript, ASpanThatIsNeverActiveIsReportedOnceWithoutItsContents) {
     EXPECT_EQ(
         check("<effect name=\"grid\" start=\"4\" end=\"4\"/>\n"
               "<effect name=\"grid\" start=\"-4\" end=\"-1\"/>\n"
@@ -177,7 +177,7 @@ TEST_F(CheckScript, WithALengthNothingIsSeenPastIt) {
                 "s.xml:5: the span is never active: it starts at 12, and its parent 'rund' ends at 10\n"));
 }
 
-TEST_F(CheckScript, AWordThatIsNoneAndANumberThatIsNoneAreNamed) {
+TEST_F(CheckScript, InvalidWordsAndNumbersAreReported) {
     EXPECT_EQ(
         check("<effect name=\"rund\" start=\"0\" end=\"4s\" state=\"OFF\">\n"
               "<trigger name=\"shot\" start=\"one\" repeat=\"2.5\" delay=\"1,5\"/>\n"
@@ -240,7 +240,7 @@ TEST_F(CheckScript, AFileThatCantBeReadIsAnErrorThatGivesTheLine) {
     EXPECT_EQ(run("nowhere.xml"), Result(2, "nowhere.xml: can't be read: No such file or directory\n"));
 }
 
-TEST_F(CheckScript, SaysHowItIsUsed) {
+TEST_F(CheckScript, PrintsItsUsage) {
     const Result usage(2, "usage: zentrak-check-script [--length SECONDS] FILE...\n");
     EXPECT_EQ(run(""), usage);
     EXPECT_EQ(run("--length 4"), usage);

@@ -266,7 +266,7 @@ TEST(Score, ReadsNotesAndRests) {
     EXPECT_EQ(notes[3].step, 16);
 }
 
-TEST(Score, RefusesABarThatDoesNotAddUpAndWhatIsNoNote) {
+TEST(Score, RefusesBarsThatDoNotAddUpAndInvalidNotes) {
     EXPECT_THROW(readLine("A4:3 D5:3 | D5:16"), std::runtime_error);
     EXPECT_THROW(readLine("A4:15"), std::runtime_error);
     EXPECT_THROW(readLine("H4:16"), std::runtime_error);
@@ -518,7 +518,7 @@ TEST(ShowMusic, TheProgramWritesTheVoicesOneByOne) {
     EXPECT_EQ(std::inner_product(kick.begin(), kick.end(), kick.begin(), 0.0), 0); // not in the first bar
 }
 
-TEST(ShowMusic, TheProgramSaysWhatIsWrong) {
+TEST(ShowMusic, TheProgramReportsErrors) {
     TempDir folder;
     for (const char* arguments : {"", " --help", " x.ogg 0", " x.ogg -3", " x.ogg 3x", " x.ogg 999", " a b c",
                                   " --stems", " --stems . 0"}) {

@@ -210,7 +210,7 @@ TEST_F(View, EscapeEndsIt) {
     press("Escape", [&] { return !mRunning; });
 }
 
-TEST_F(View, AFileThatChangesIsLoadedAgainAndABrokenOneIsSaid) {
+TEST_F(View, AFileThatChangesIsLoadedAgainAndABrokenOneIsReported) {
     const test::TempDir folder;
     const std::string file = folder.file("a.o3d");
     std::filesystem::copy_file(test::sourcePath("data/face/face.o3d"), file);
@@ -245,7 +245,7 @@ TEST(ViewProgram, WritesAPictureWithoutADisplay) {
     EXPECT_GT(bright, 10000);
 }
 
-TEST(ViewProgram, SaysWhatItRefuses) {
+TEST(ViewProgram, ReportsWhatItRefuses) {
     const test::TempDir folder;
     const std::string program = ZENTRAK_VIEW;
     EXPECT_EQ(2, test::runCommand(program).first);

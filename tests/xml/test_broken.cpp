@@ -61,7 +61,7 @@ TEST(XmlBroken, DocumentWithAnyByteReplacedLoadsOrFailsWithItsOwnWords) {
     EXPECT_GT(failures, 1000);
 }
 
-TEST(XmlBroken, EofAtEachPlaceInATag) {
+TEST(XmlBroken, EofAtEachPositionInATag) {
     const std::pair<const char*, const char*> cases[] = {
         {"<", "(error at line 1, col 2); EOF (when reading tag at 1:1)"},
         {"<!", "(error at line 1, col 2); EOF (when reading tag at 1:1)"},

@@ -67,7 +67,7 @@ TEST(XmlParse, AttributeValueWithACarriageReturnLosesItAndACommentKeepsIt) {
     EXPECT_EQ("r(a/[v=12] 1:COMMENT/[content= \r ])", parsed("<r><a v='1\r2'/><!-- \r --></r>"));
 }
 
-TEST(XmlParse, CarriageReturnCountsAsAColumnInACommentAlone) {
+TEST(XmlParse, CarriageReturnCountsAsAColumnOnlyInAComment) {
     EXPECT_EQ("(error at line 1, col 12); EOF (when reading tag at 1:4)", parseFailure("<r><!--\r\rxy"));
     EXPECT_EQ("(error at line 1, col 5); EOF (when reading tag at 1:5)", parseFailure("<r>\r\rx"));
     EXPECT_EQ("(error at line 1, col 9); EOF (when reading tag at 1:4)", parseFailure("<r><a b=\r\r"));
@@ -158,7 +158,7 @@ TEST(XmlParse, ProcessingInstructionWithItsParentsNameAndNoAttributesEndsThePare
     EXPECT_EQ("r(a/ b/)", parsed("<r><a><?a?><b/></r>"));
 }
 
-TEST(XmlParse, WhatFollowsTheRootIsIgnored) {
+TEST(XmlParse, TextAfterTheRootIsIgnored) {
     EXPECT_EQ("r/", parsed("<r></r><broken _ \" <!"));
 }
 
