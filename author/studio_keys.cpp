@@ -1,7 +1,6 @@
 // The commands of the studio: keys, and menus.
 
 #include "dis_key.h"
-#include "effect_names.h"
 #include "studio_window.h"
 
 namespace zentrak::studio {
@@ -42,7 +41,8 @@ const std::vector<Window::Command>& Window::getCommands() {
         {KEY_c, CTRL, "Ctrl+C, X, V", "copy, cut, paste at the time now", &W::copy},
         {KEY_x, CTRL, "", "", &W::cut},
         {KEY_v, CTRL, "", "", &W::paste},
-        {KEY_a, CTRL, "Ctrl+A", "select all spans", &W::selectAll},
+        {KEY_a, CTRL, "Ctrl+A", "select all spans (Shift: and bookmarks, from now on)", &W::selectAll},
+        {KEY_a, CTRL | SHIFT, "", "", &W::selectLater},
         {KEY_z, CTRL, "Ctrl+Z, Ctrl+Y", "undo, redo", &W::undo},
         {KEY_y, CTRL, "", "", &W::redo},
         {KEY_z, CTRL | SHIFT, "", "", &W::redo},
@@ -131,10 +131,6 @@ void Window::redo() {
     say(mEditor.redo() ? "Done again: " + label : "There is nothing to redo");
 }
 
-void Window::togglePlay() {
-    mShow.setPlaying(!mShow.isPlaying());
-}
-
 void Window::playFromMouse() {
     if (!mTimeline->isMouseInside())
         return;
@@ -156,13 +152,13 @@ void Window::seekBookmark(int direction) {
     const Document& document = mEditor.getDocument();
     const double now = mShow.getTime();
     int best = -1;
-    for (int i = 1; i < document.getSize(); i = document[i].next) {
-        const double time = double(document[i].start);
-        if (document[i].kind != Kind::BOOKMARK || (direction > 0 ? time <= now + 0.01 : time >= now - 0.01))
+    double least = 0; // seconds from now, in that direction
+    for (const int bookmark : document.getChildren(0, Kind::BOOKMARK)) {
+        const double distance = direction * (double(document[bookmark].start) - now);
+        if (distance <= 0.01 || (best > 0 && distance >= least))
             continue;
-        if (best < 0 ||
-            (direction > 0 ? time < double(document[best].start) : time > double(document[best].start)))
-            best = i;
+        best = bookmark;
+        least = distance;
     }
     if (best < 0) {
         say(direction > 0 ? "There is no bookmark after this" : "There is no bookmark before this");
@@ -176,14 +172,6 @@ void Window::seekBookmark(int direction) {
             mShow.getTime() - 0.3 * double(mTimeline->getAxis().getWidth()) / mTimeline->mScale;
 }
 
-void Window::nextBookmark() {
-    seekBookmark(1);
-}
-
-void Window::previousBookmark() {
-    seekBookmark(-1);
-}
-
 void Window::insertBookmark(double time) {
     mEditor.addBookmark(std::max(0.0, time), "Bookmark");
     mPanel->editField("Name");
@@ -193,20 +181,24 @@ void Window::addBookmark() {
     insertBookmark(mTimeline->makeSnap(false)(mShow.getTime()));
 }
 
+void Window::revealSelection() {
+    mTimeline->update();
+    if (const std::vector<int> selected = mEditor.getSelected(); !selected.empty())
+        mTimeline->reveal(selected[0]);
+}
+
 void Window::insertSection(int before) {
     mEditor.addSection(before, "Section");
-    mTimeline->update();
-    if (const std::vector<int> made = mEditor.getSelected(); !made.empty())
-        mTimeline->reveal(made[0]);
+    revealSelection();
     mPanel->editField("Name");
 }
 
 void Window::addSection() {
     const Document& document = mEditor.getDocument();
     int before = 0;
-    for (int i = 1; i < document.getSize() && before == 0; i = document[i].next)
-        if (document[i].kind == Kind::SPAN && double(document[i].start) >= mShow.getTime())
-            before = i;
+    for (const int span : document.getChildren(0, Kind::SPAN))
+        if (before == 0 && double(document[span].start) >= mShow.getTime())
+            before = span;
     if (const std::vector<int> spans = mEditor.getSelected(Kind::SPAN); !spans.empty())
         before = spans[0];
     while (before > 0 && document[before].parent > 0)
@@ -226,35 +218,35 @@ void Window::copy() {
     say(std::to_string(mEditor.getSelection().size()) + " copied");
 }
 
-void Window::cut() {
-    mEditor.cut();
-}
-
 void Window::paste() {
     if (!mEditor.canPaste()) {
         say("Nothing was copied");
         return;
     }
     mEditor.paste(mTimeline->makeSnap(false)(mShow.getTime()));
-    if (const std::vector<int> made = mEditor.getSelected(); !made.empty())
-        mTimeline->reveal(made[0]);
+    revealSelection();
 }
 
 void Window::duplicate() {
     mEditor.duplicate();
-    if (const std::vector<int> made = mEditor.getSelected(); !made.empty())
-        mTimeline->reveal(made[0]);
-}
-
-void Window::remove() {
-    mEditor.removeSelected();
+    revealSelection();
 }
 
 void Window::selectAll() {
     std::vector<uint32_t> ids;
-    for (const Element& element : mEditor.getDocument().getElements())
-        if (element.kind == Kind::SPAN && element.parent == 0)
-            ids.push_back(element.id);
+    for (const int span : mEditor.getDocument().getChildren(0, Kind::SPAN))
+        ids.push_back(mEditor.getDocument()[span].id);
+    mEditor.select(std::move(ids));
+}
+
+// For all that follows to be moved at once.
+void Window::selectLater() {
+    const Document& document = mEditor.getDocument();
+    std::vector<uint32_t> ids;
+    for (const Kind kind : {Kind::SPAN, Kind::BOOKMARK})
+        for (const int index : document.getChildren(0, kind))
+            if (document.getStart(index) > mShow.getTime() - 1e-3)
+                ids.push_back(document[index].id);
     mEditor.select(std::move(ids));
 }
 
@@ -277,10 +269,6 @@ void Window::rename() {
             mPanel->editField(label);
             return;
         }
-}
-
-void Window::toggleEnabled() {
-    mEditor.toggleEnabled();
 }
 
 // What the selected spans cover; none without any.
@@ -322,8 +310,7 @@ void Window::toggleReplay() {
 }
 
 void Window::toggleOpen() {
-    const std::vector<int> selected = mEditor.getSelected();
-    for (const int index : selected)
+    for (const int index : mEditor.getSelected())
         if (mEditor.getDocument()[index].kind == Kind::SPAN ||
             mEditor.getDocument()[index].kind == Kind::SECTION)
             mTimeline->setOpen(index, !mTimeline->isOpen(index));
@@ -455,16 +442,13 @@ void Window::openEffectMenu(Vector2f place, int parent, double time) {
             end = std::max(start + 1, double(span.end) - double(span.start));
         }
         mEditor.addSpan(parent, name, start, end, curves);
-        if (const std::vector<int> made = mEditor.getSelected(); !made.empty())
-            mTimeline->reveal(made[0]);
+        revealSelection();
     };
     std::vector<MenuItem> items;
     for (const kindler::EffectNames& names : kindler::effectNames()) {
         // Without a curve of this name the effect would not be seen.
-        std::vector<std::string> curves;
-        for (const char* spline : names.splines)
-            if (std::string(spline) == "alpha")
-                curves.push_back(spline);
+        std::vector<std::string> curves(names.splines.begin(), names.splines.end());
+        std::erase_if(curves, [](const std::string& curve) { return curve != "alpha"; });
         items.push_back(
             {names.name, "", [add, curves, name = std::string(names.name)] { add(name, curves); }});
     }
@@ -480,16 +464,14 @@ void Window::openTriggerMenu(Vector2f place, int span, double time) {
                              mTimeline->setOpen(span, true);
                          }});
     };
-    for (const kindler::EffectNames& names : kindler::effectNames()) {
-        if (mEditor.getDocument()[span].name != names.name)
-            continue;
-        for (const kindler::TriggerNames& trigger : names.triggers) {
+    if (const kindler::EffectNames* const effect = findNames(mEditor.getDocument()[span].name)) {
+        for (const kindler::TriggerNames& trigger : effect->triggers) {
             for (const char* word : trigger.words)
                 add(trigger.name, word);
             if (trigger.words.empty())
                 add(trigger.name, "");
         }
-        if (names.anyTrigger)
+        if (effect->anyTrigger)
             add("next", "");
     }
     if (items.empty())
@@ -500,13 +482,11 @@ void Window::openTriggerMenu(Vector2f place, int span, double time) {
 void Window::openCurveMenu(Vector2f place, int span) {
     std::vector<MenuItem> items;
     const Document& document = mEditor.getDocument();
-    for (const kindler::EffectNames& names : kindler::effectNames()) {
-        if (document[span].name != names.name)
-            continue;
-        for (const char* spline : names.splines) {
-            bool there = false;
-            for (int i = span + 1; i < document[span].next; i = document[i].next)
-                there = there || (document[i].kind == Kind::SPLINE && document[i].name == spline);
+    const std::vector<int> curves = document.getChildren(span, Kind::SPLINE);
+    if (const kindler::EffectNames* const effect = findNames(document[span].name)) {
+        for (const char* spline : effect->splines) {
+            const bool there =
+                std::any_of(curves.begin(), curves.end(), [&](int i) { return document[i].name == spline; });
             items.push_back({spline, there ? "is there" : "",
                              [this, span, name = std::string(spline)] {
                                  mEditor.addSpline(span, name, name == "alpha" ? 1 : 0);

@@ -1,10 +1,15 @@
 #include "studio_panel.h"
 
-#include "effect_names.h"
-
 namespace zentrak::studio {
 
 using panorama::Event;
+
+const kindler::EffectNames* findNames(const std::string& effect) {
+    for (const kindler::EffectNames& names : kindler::effectNames())
+        if (effect == names.name)
+            return &names;
+    return nullptr;
+}
 
 namespace {
 
@@ -12,13 +17,6 @@ constexpr float LABELS = 78; // pixels before a field
 constexpr float FIELD = 112; // its width
 constexpr float ROW = 25;
 constexpr float TOP = 52;
-
-const kindler::EffectNames* namesOf(const std::string& effect) {
-    for (const kindler::EffectNames& names : kindler::effectNames())
-        if (effect == names.name)
-            return &names;
-    return nullptr;
-}
 
 } // namespace
 
@@ -82,6 +80,8 @@ void Panel::update() {
             field.setVisible(used);
         if (!used)
             continue;
+        const Box2 box = getFieldBox(i), &all = mArea.world;
+        field.setArea(Box2(box.x1 - all.x1, box.y1 - all.y1, box.x2 - all.x1, box.y2 - all.y1));
         field.show(mEntries[i].value);
         field.mOnStep = nullptr;
         if (mEntries[i].type != Entry::TEXT)
@@ -96,7 +96,7 @@ void Panel::addNumber(const std::vector<int>& elements, const std::string& label
     bool same = true;
     for (const int index : elements)
         same = same && formatNumber(get(document[index])) == first;
-    add({label, attribute, hint, same ? first : "", {}, Entry::NUMBER});
+    add({label, attribute, same ? hint : "various", same ? first : "", {}, Entry::NUMBER});
 }
 
 // Seconds from the beginning of the first bar to the time 0 that an element counts from.
@@ -146,7 +146,7 @@ void Panel::addTrigger(const std::vector<int>& elements) {
     const Document& document = mEditor.getDocument();
     const Element& trigger = document[elements[0]];
     std::vector<std::string> names, words;
-    if (const kindler::EffectNames* const effect = namesOf(document[trigger.parent].name))
+    if (const kindler::EffectNames* const effect = findNames(document[trigger.parent].name))
         for (const kindler::TriggerNames& each : effect->triggers) {
             names.push_back(each.name);
             if (trigger.name == each.name)
@@ -216,7 +216,7 @@ void Panel::fill() {
         break;
     case Kind::SPLINE: {
         std::vector<std::string> names;
-        if (const kindler::EffectNames* const effect = namesOf(document[first.parent].name))
+        if (const kindler::EffectNames* const effect = findNames(document[first.parent].name))
             names.assign(effect->splines.begin(), effect->splines.end());
         addText(elements, "Curve", "name", std::move(names));
         static const char* const MODES[] = {"square", "linear", "smooth"};
@@ -320,12 +320,12 @@ Box2 Panel::getChoiceButton(size_t entry) const {
     return Box2(row.x1 + LABELS + FIELD + 3, row.y1, row.x1 + LABELS + FIELD + 25, row.y2);
 }
 
-void Panel::buildChildArea() {
-    Control::buildChildArea();
-    for (size_t i = 0; i < mFields.size(); ++i) {
-        const float y = TOP + ROW * float(i);
-        mFields[i]->setArea(Box2(12 + LABELS, y, 12 + LABELS + FIELD, y + ROW - 3));
-    }
+// One of text that nothing is beside takes all of the row.
+Box2 Panel::getFieldBox(size_t entry) const {
+    const Box2 row = getRow(entry);
+    const bool whole =
+        entry < mEntries.size() && mEntries[entry].type == Entry::TEXT && mEntries[entry].choices.empty();
+    return Box2(row.x1 + LABELS, row.y1, whole ? row.x2 : row.x1 + LABELS + FIELD, row.y2);
 }
 
 int Panel::handleEvent(Event& event) {

@@ -1,6 +1,7 @@
 // The panel with the exact numbers of what is selected.
 #pragma once
 
+#include "effect_names.h"
 #include "pan_control.h"
 #include "pan_entryfield.h"
 #include "studio_editor.h"
@@ -12,6 +13,9 @@
 #include <vector>
 
 namespace zentrak::studio {
+
+// What an effect knows; null for one that isn't there.
+const kindler::EffectNames* findNames(const std::string& effect);
 
 class Panel : public panorama::Control {
 public:
@@ -30,7 +34,6 @@ public:
     // The field with this label, or null. For tests too.
     panorama::EntryField* findField(const std::string& label);
 
-    void buildChildArea() override;
     int handleEvent(panorama::Event& event) override;
     void draw() override;
 
@@ -73,6 +76,7 @@ private:
     bool applyTempo(const Entry& entry, double number);
     void nudge(size_t field, int step);
     Box2 getRow(size_t entry) const;
+    Box2 getFieldBox(size_t entry) const;
     Box2 getChoiceButton(size_t entry) const;
 };
 

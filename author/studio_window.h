@@ -83,25 +83,26 @@ public:
     void quit();
     void undo();
     void redo();
-    void togglePlay();
+    void togglePlay() { mShow.setPlaying(!mShow.isPlaying()); }
     void playFromMouse();
     void goToStart();
     void goToEnd();
-    void nextBookmark();
-    void previousBookmark();
+    void nextBookmark() { seekBookmark(1); }
+    void previousBookmark() { seekBookmark(-1); }
     void addBookmark();
     void addSection();
     void openAddMenu();
     void split();
     void copy();
-    void cut();
+    void cut() { mEditor.cut(); }
     void paste();
     void duplicate();
-    void remove();
+    void remove() { mEditor.removeSelected(); }
     void selectAll();
+    void selectLater();
     void escape();
     void rename();
-    void toggleEnabled();
+    void toggleEnabled() { mEditor.toggleEnabled(); }
     void drawEarlier() { mEditor.reorder(-1); }
     void drawLater() { mEditor.reorder(1); }
     void toggleLoop();
@@ -190,6 +191,7 @@ private:
     void openEffectMenu(Vector2f place, int parent, double time);
     void openTriggerMenu(Vector2f place, int span, double time);
     void openCurveMenu(Vector2f place, int span);
+    void revealSelection();
     void insertSection(int before);
     void insertBookmark(double time);
     void followDocument();

@@ -20,7 +20,8 @@ public:
 
     Control* clone() override; // a plain new one, owned by the caller
 
-    void show(const std::string& value); // at once, or, while the user types, afterwards
+    // At once, or, while the user types, afterwards; the beginning of what is too long.
+    void show(const std::string& value);
 
     void edit(); // takes the keys, with all of it selected
     void finish();
@@ -33,6 +34,7 @@ private:
     bool mEditing = false;
     bool mFirstPress = false; // is held
 
+    void showAgain();
     bool handleKey(const Event& event);
 };
 

@@ -12,7 +12,7 @@ Control* EntryField::clone() {
 void EntryField::show(const std::string& value) {
     mShown = value;
     if (!mEditing)
-        setText(value);
+        showAgain();
 }
 
 void EntryField::edit() {
@@ -31,7 +31,12 @@ void EntryField::finish() {
     if (const auto done = mOnDone; done && text != mShown) // a copy: it may delete this
         done(text);
     if (alive && !mEditing)
-        setText(mShown);
+        showAgain();
+}
+
+void EntryField::showAgain() {
+    setText(mShown);
+    select(0, 0); // scrolled to its beginning
 }
 
 // The keys that end the entry.

@@ -34,6 +34,7 @@ TEST_F(EntryFieldTest, ReturnHandsOverWhatWasTypedAndShowsTheValueAgain) {
     type("7");
     key(KEY_ENTER);
     EXPECT_EQ(mField->getText(), "70");
+    EXPECT_EQ(mField->getCaret(), 0u) << "where it is scrolled to";
 }
 
 TEST_F(EntryFieldTest, EscAndTheSameTextHandOverNothing) {
