@@ -334,14 +334,14 @@ void Window::openAddMenu() {
         openEffectMenu(place, 0, time);
         return;
     }
-    std::vector<MenuItem> items;
+    std::vector<panorama::MenuItem> items;
     addSpanItems(items, place, spans[0], time);
     items.push_back({"Effect...", "", [this, place, time] { openEffectMenu(place, 0, time); }});
     mOverlay->openMenu(place, std::move(items), "Add to " + mEditor.getDocument()[spans[0]].name);
 }
 
 void Window::openMenu(Vector2f place, int element, double time, double value) {
-    std::vector<MenuItem> items;
+    std::vector<panorama::MenuItem> items;
     if (element > 0)
         addElementItems(items, place, element, time, value);
     else if (place.y < mTimeline->getAxis().y1)
@@ -362,7 +362,7 @@ void Window::openMenu(Vector2f place, int element, double time, double value) {
     mOverlay->openMenu(place, std::move(items));
 }
 
-void Window::addRulerItems(std::vector<MenuItem>& items, double time) {
+void Window::addRulerItems(std::vector<panorama::MenuItem>& items, double time) {
     items.push_back({"Bookmark here", "B", [this, time] { insertBookmark(time); }});
     items.push_back({"Loop from here for two bars", "", [this, time] {
                          mShow.setLoop(std::pair(time, time + 2 * mEditor.getDocument().getTempo().getBar()));
@@ -380,7 +380,7 @@ void Window::addRulerItems(std::vector<MenuItem>& items, double time) {
                      }});
 }
 
-void Window::addElementItems(std::vector<MenuItem>& items, Vector2f place, int element, double time,
+void Window::addElementItems(std::vector<panorama::MenuItem>& items, Vector2f place, int element, double time,
                              double value) {
     const Document& document = mEditor.getDocument();
     const Kind kind = document[element].kind;
@@ -424,7 +424,7 @@ void Window::addElementItems(std::vector<MenuItem>& items, Vector2f place, int e
                      }});
 }
 
-void Window::addSpanItems(std::vector<MenuItem>& items, Vector2f place, int span, double time) {
+void Window::addSpanItems(std::vector<panorama::MenuItem>& items, Vector2f place, int span, double time) {
     const Document& document = mEditor.getDocument();
     const double local = time - document.getOrigin(span) - double(document[span].start);
     items.push_back({"Trigger...", "", [this, place, span, local] { openTriggerMenu(place, span, local); }});
@@ -444,7 +444,7 @@ void Window::openEffectMenu(Vector2f place, int parent, double time) {
         mEditor.addSpan(parent, name, start, end, curves);
         revealSelection();
     };
-    std::vector<MenuItem> items;
+    std::vector<panorama::MenuItem> items;
     for (const kindler::EffectNames& names : kindler::effectNames()) {
         // Without a curve of this name the effect would not be seen.
         std::vector<std::string> curves(names.splines.begin(), names.splines.end());
@@ -457,7 +457,7 @@ void Window::openEffectMenu(Vector2f place, int parent, double time) {
 }
 
 void Window::openTriggerMenu(Vector2f place, int span, double time) {
-    std::vector<MenuItem> items;
+    std::vector<panorama::MenuItem> items;
     const auto add = [&](const std::string& name, const std::string& value) {
         items.push_back({value.empty() ? name : name + " = " + value, "", [this, span, time, name, value] {
                              mEditor.addTrigger(span, name, value, std::max(0.0, time));
@@ -480,7 +480,7 @@ void Window::openTriggerMenu(Vector2f place, int span, double time) {
 }
 
 void Window::openCurveMenu(Vector2f place, int span) {
-    std::vector<MenuItem> items;
+    std::vector<panorama::MenuItem> items;
     const Document& document = mEditor.getDocument();
     const std::vector<int> curves = document.getChildren(span, Kind::SPLINE);
     if (const kindler::EffectNames* const effect = findNames(document[span].name)) {

@@ -20,7 +20,7 @@ constexpr float TOP = 52;
 
 } // namespace
 
-Panel::Panel(Editor& editor, Overlay& overlay) : mEditor(editor), mOverlay(overlay) {
+Panel::Panel(Editor& editor, panorama::Overlay& overlay) : mEditor(editor), mOverlay(overlay) {
     mName = mType = "panel of numbers";
     for (size_t i = 0; i < FIELDS; ++i) {
         auto* const field = new panorama::EntryField;
@@ -331,12 +331,12 @@ Box2 Panel::getFieldBox(size_t entry) const {
 int Panel::handleEvent(Event& event) {
     if (event.type == "mousedown") {
         for (panorama::EntryField* field : mFields)
-            if (!contains(field->getAreaWorld(), event.mousePos))
+            if (!isInside(field->getAreaWorld(), event.mousePos))
                 field->finish();
         for (size_t i = 0; i < mEntries.size(); ++i) {
-            if (mEntries[i].choices.empty() || !contains(getChoiceButton(i), event.mousePos))
+            if (mEntries[i].choices.empty() || !isInside(getChoiceButton(i), event.mousePos))
                 continue;
-            std::vector<MenuItem> items;
+            std::vector<panorama::MenuItem> items;
             for (const std::string& choice : mEntries[i].choices)
                 items.push_back({choice, "", [this, i, choice] { apply(i, choice); }});
             const Box2 button = getChoiceButton(i);

@@ -4,8 +4,8 @@
 #include "effect_names.h"
 #include "pan_control.h"
 #include "pan_entryfield.h"
+#include "pan_overlay.h"
 #include "studio_editor.h"
-#include "studio_overlay.h"
 #include "studio_paint.h"
 
 #include <functional>
@@ -22,7 +22,7 @@ public:
     static constexpr float WIDTH = 330;
     static constexpr size_t FIELDS = 8;
 
-    Panel(Editor& editor, Overlay& overlay);
+    Panel(Editor& editor, panorama::Overlay& overlay);
     panorama::Control* clone() override; // null: there is one
 
     std::function<void(const std::string& text)> mOnRefused; // why what was typed was not taken
@@ -49,7 +49,7 @@ private:
     };
 
     Editor& mEditor;
-    Overlay& mOverlay;
+    panorama::Overlay& mOverlay;
     std::vector<panorama::EntryField*> mFields; // the children
     std::vector<Entry> mEntries;
     std::vector<uint32_t> mFieldsOf; // the selection that they are of

@@ -313,7 +313,7 @@ Box2 Timeline::getScrollHandle() const {
 Timeline::Place Timeline::find(Vector2f at) const {
     const Box2& all = mArea.world;
     const Box2 axis = getAxis();
-    if (!contains(all, at))
+    if (!isInside(all, at))
         return {};
     if (at.x >= axis.x2)
         return {Place::SCROLL, -1, -1};
@@ -322,7 +322,7 @@ Timeline::Place Timeline::find(Vector2f at) const {
             return {};
         Place place{Place::RULER, -1, -1};
         for (const int i : getDocument().getChildren(0, Kind::BOOKMARK))
-            if (contains(getElementBox(i), at))
+            if (isInside(getElementBox(i), at))
                 place = {Place::BODY, -1, i}; // the last one is on top
         return place;
     }
@@ -347,7 +347,7 @@ Timeline::Place Timeline::findInRow(int row, Vector2f at) const {
     const Row& found = mRows[size_t(row)];
     const auto near = [&](int element) {
         const Box2 box = getElementBox(element);
-        return contains(Box2(box.x1 - 1, box.y1 - 1, box.x2 + 1, box.y2 + 1), at);
+        return isInside(Box2(box.x1 - 1, box.y1 - 1, box.x2 + 1, box.y2 + 1), at);
     };
     if (found.type == Row::SECTION)
         return {Place::LANE, row, found.element};

@@ -89,7 +89,7 @@ public:
     // begins at the line is to have begun.
     void seekLine(double time) { mShow.seek(time + 1e-4); }
     double getMouseTime() const { return toTime(mMouse.x); }
-    bool isMouseInside() const { return contains(mArea.world, mMouse); }
+    bool isMouseInside() const { return isInside(mArea.world, mMouse); }
 
     bool isDragging() const { return mDrag != Drag::NONE; }
     void cancelDrag(); // all is as it was before

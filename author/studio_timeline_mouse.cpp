@@ -16,7 +16,7 @@ constexpr float THRESHOLD = 3; // pixels before a press becomes a drag
 } // namespace
 
 bool Timeline::acceptEvents(Event& event) {
-    return isDragging() || contains(mArea.world, event.mousePos);
+    return isDragging() || isInside(mArea.world, event.mousePos);
 }
 
 int Timeline::handleEvent(Event& event) {

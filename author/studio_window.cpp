@@ -32,7 +32,17 @@ double seconds() {
 
 Window::Window(Show& show, Editor& editor)
     : Panorama(&show.getDisplay()), mShow(show), mEditor(editor), mWatch(".") {
-    mOverlay = new Overlay;
+    mOverlay = new panorama::Overlay;
+    mOverlay->mBack = {{color::faint, color::faint},
+                       {color::panel, color::panel},
+                       {color::raised, color::raised},
+                       {shade(color::raised, 1.35f), color::raised},
+                       {}};
+    mOverlay->mText.color.first = color::ink;
+    mOverlay->mText.highlight.first = color::selected;
+    mOverlay->mText.inactive.first = color::faint;
+    mOverlay->mCaption.color.first = color::accent;
+    mOverlay->mCaption.inactive.first = color::dim;
     mTimeline = new Timeline(editor, show);
     mPanel = new Panel(editor, *mOverlay);
     mBar = new Bar(*this);
@@ -302,7 +312,7 @@ void Window::startFrom(const std::string& text, const std::string& label) {
 void Window::waitForScript() {
     mWaiting = true;
     const std::optional<std::string> orphan = mFile->takeOrphan(), backup = mFile->readBackup();
-    std::vector<DialogButton> buttons;
+    std::vector<panorama::DialogButton> buttons;
     if (orphan)
         buttons.push_back({"Unsaved work", [this, orphan] {
                                startFrom(*orphan, "Restore");
@@ -363,7 +373,7 @@ void Window::keepUnsaved() {
 // Of several in the setup file.
 void Window::chooseScript() {
     const std::vector<std::string>& scripts = mShow.getScripts();
-    std::vector<MenuItem> items;
+    std::vector<panorama::MenuItem> items;
     for (size_t i = 0; i < scripts.size(); ++i)
         items.push_back({scripts[i], i == mShow.getEdited() ? "is open" : "",
                          [this, i] { askToSave("you open another", [this, i] { openScript(i); }); },
@@ -561,7 +571,7 @@ int Window::dispatch(panorama::Event& event) {
         return 0;
     if (mOverlay->isOpen())
         return mOverlay->handleEvent(event);
-    if (event.type == "mousedown" && !contains(mPanel->getAreaWorld(), event.mousePos))
+    if (event.type == "mousedown" && !isInside(mPanel->getAreaWorld(), event.mousePos))
         mPanel->leaveKeys();
     return event.isKey() && !mPanel->hasKeys() ? 0 : Panorama::dispatch(event);
 }
@@ -667,7 +677,7 @@ int Bar::handleEvent(panorama::Event& event) {
     if (event.type == "mousedown" && event.button == 0) {
         const std::vector<Switch> switches = getSwitches();
         for (size_t i = 0; i < switches.size(); ++i)
-            if (contains(getSwitchBox(i), event.mousePos))
+            if (isInside(getSwitchBox(i), event.mousePos))
                 (mWindow.*switches[i].command)();
         return 1;
     }

@@ -1,10 +1,10 @@
 // The studio's window: the picture, the panel, the timeline, and the keys that work on them.
 #pragma once
 
+#include "pan_overlay.h"
 #include "pan_panorama.h"
 #include "studio_editor.h"
 #include "studio_files.h"
-#include "studio_overlay.h"
 #include "studio_panel.h"
 #include "studio_preview.h"
 #include "studio_show.h"
@@ -54,7 +54,7 @@ public:
     Show& getShow() { return mShow; }
     Timeline& getTimeline() { return *mTimeline; }
     Panel& getPanel() { return *mPanel; }
-    Overlay& getOverlay() { return *mOverlay; }
+    panorama::Overlay& getOverlay() { return *mOverlay; }
     Bar& getBar() { return *mBar; }
     std::string getMessage() const;                // what was said a moment ago, or nothing
     std::vector<std::string> getErrors() const;    // lines that stand on the picture
@@ -142,7 +142,7 @@ private:
     Timeline* mTimeline; // these are the workspace's
     Panel* mPanel;
     Bar* mBar;
-    Overlay* mOverlay;
+    panorama::Overlay* mOverlay;
     bool mPictureAlone = false;
     bool mQuitting = false;
     bool mKeyWasCommand = false; // the key that is down was: the character that it types is not text
@@ -184,10 +184,10 @@ private:
     bool write(bool overwrite);
     void seekBookmark(int direction);
     void openMenu(Vector2f place, int element, double time, double value);
-    void addElementItems(std::vector<MenuItem>& items, Vector2f place, int element, double time,
+    void addElementItems(std::vector<panorama::MenuItem>& items, Vector2f place, int element, double time,
                          double value);
-    void addSpanItems(std::vector<MenuItem>& items, Vector2f place, int span, double time);
-    void addRulerItems(std::vector<MenuItem>& items, double time);
+    void addSpanItems(std::vector<panorama::MenuItem>& items, Vector2f place, int span, double time);
+    void addRulerItems(std::vector<panorama::MenuItem>& items, double time);
     void openEffectMenu(Vector2f place, int parent, double time);
     void openTriggerMenu(Vector2f place, int span, double time);
     void openCurveMenu(Vector2f place, int span);

@@ -30,7 +30,7 @@ protected:
     studio::Editor& editor() { return window().getEditor(); }
     studio::Show& show() { return window().getShow(); }
     studio::Timeline& timeline() { return window().getTimeline(); }
-    studio::Overlay& overlay() { return window().getOverlay(); }
+    panorama::Overlay& overlay() { return window().getOverlay(); }
     Viewer& viewer();
     void close();  // without a question
     void killed(); // likewise, without a chance to clean up

@@ -1,12 +1,16 @@
-#include "studio_overlay.h"
+#include "pan_overlay.h"
 
 #include "dis_key.h"
+#include "pan_box.h"
+#include "pan_look.h"
 
 #include <cctype>
 
-namespace zentrak::studio {
+namespace zentrak::panorama {
 
-using panorama::Event;
+using mathbase::Box2;
+using mathbase::Vector2f;
+using mathbase::Vector4f;
 
 namespace {
 
@@ -26,9 +30,14 @@ Overlay::Overlay() {
     mName = mType = "overlay";
     mMaximized = true;
     mRaiseOnFocus = false;
+    look::setRaisedLook(mBack);
+    look::setPair(mBack.color, look::field);
+    look::setTextLook(mText);
+    look::setPair(mCaption.color, look::bright);
+    look::setPair(mCaption.inactive, look::faint);
 }
 
-panorama::Control* Overlay::clone() {
+Control* Overlay::clone() {
     return new Overlay;
 }
 
@@ -80,7 +89,7 @@ size_t Overlay::getRows() const {
 }
 
 Box2 Overlay::getMenuBox() const {
-    panorama::Render* const render = const_cast<Overlay*>(this)->getRender();
+    Render* const render = const_cast<Overlay*>(this)->getRender();
     float width = render ? std::max(120.0f, render->getTextLength(mTitle) + 30) : 120;
     for (const MenuItem& item : mItems)
         if (render)
@@ -123,7 +132,7 @@ void Overlay::choose(int row) {
 void Overlay::handleMenu(Event& event) {
     const auto find = [&] {
         for (size_t i = mFirst; i < mFirst + getRows(); ++i)
-            if (contains(getRowBox(i), event.mousePos))
+            if (isInside(getRowBox(i), event.mousePos))
                 return int(i);
         return -1;
     };
@@ -137,7 +146,7 @@ void Overlay::handleMenu(Event& event) {
     }
     if (event.type == "mousedown") {
         mFresh = false;
-        if (!contains(getMenuBox(), event.mousePos))
+        if (!isInside(getMenuBox(), event.mousePos))
             close();
     }
     if (event.type == "mouseup") {
@@ -172,31 +181,33 @@ void Overlay::handleMenu(Event& event) {
 void Overlay::drawMenu(Paint& paint) {
     const Box2 menu = getMenuBox();
     paint.box(Box2(menu.x1 + 4, menu.y1 + 4, menu.x2 + 4, menu.y2 + 4), Vector4f(0, 0, 0, 0.4f));
-    paint.box(menu, color::panel);
-    paint.frame(menu, color::faint);
+    paint.box(menu, mBack.color.first);
+    paint.frame(menu, mBack.border.first);
     const bool typed = !mTyped.empty();
     paint.text(menu.x1 + 12, menu.y1 + MARGIN + ROW / 2 - 1, typed ? mTyped + "_" : mTitle,
-               typed ? color::accent : color::dim);
+               typed ? mCaption.color.first : mCaption.inactive.first);
     for (size_t i = mFirst; i < mFirst + getRows(); ++i) {
         const MenuItem& item = mItems[mShown[i]];
         const Box2 row = getRowBox(i);
         const float middle = (row.y1 + row.y2) / 2;
         if (item.label.empty()) {
-            paint.line(row.x1 + 8, middle, row.x2 - 8, middle, color::faint);
+            paint.line(row.x1 + 8, middle, row.x2 - 8, middle, mBack.border.first);
             continue;
         }
         if (int(i) == mRow && item.enabled)
-            paint.box(row, color::raised);
-        const Vector4f& ink = !item.enabled ? color::faint : int(i) == mRow ? color::selected : color::ink;
+            paint.box(row, mBack.highlight.first);
+        const Vector4f& ink = !item.enabled    ? mText.inactive.first
+                              : int(i) == mRow ? mText.highlight.first
+                                               : mText.color.first;
         paint.text(row.x1 + 9, middle, item.label, ink);
-        paint.textRight(row.x2 - 9, middle, item.key, color::dim);
+        paint.textRight(row.x2 - 9, middle, item.key, mCaption.inactive.first);
     }
 }
 
 // Question
 
 Box2 Overlay::getDialogBox() const {
-    panorama::Render* const render = const_cast<Overlay*>(this)->getRender();
+    Render* const render = const_cast<Overlay*>(this)->getRender();
     float width = 360;
     for (const std::string& line : mLines)
         if (render)
@@ -215,7 +226,7 @@ Box2 Overlay::getButtonBox(size_t button) const {
 }
 
 void Overlay::press(size_t button) {
-    const DialogButton pressed = mButtons[button];
+    const DialogButton pressed = button < mButtons.size() ? mButtons[button] : DialogButton();
     close();
     if (pressed.action)
         pressed.action(); // last: it may open another
@@ -225,7 +236,7 @@ void Overlay::handleDialog(Event& event) {
     if (event.type == "mousemove" || event.type == "mouseup") {
         mRow = -1;
         for (size_t i = 0; i < mButtons.size(); ++i)
-            if (contains(getButtonBox(i), event.mousePos))
+            if (isInside(getButtonBox(i), event.mousePos))
                 mRow = int(i);
         if (event.type == "mouseup" && event.button == 0 && mRow >= 0)
             press(size_t(mRow));
@@ -242,17 +253,17 @@ void Overlay::handleDialog(Event& event) {
 void Overlay::drawDialog(Paint& paint) {
     paint.box(mArea.world, Vector4f(0, 0, 0, 0.5f));
     const Box2 box = getDialogBox();
-    paint.box(box, color::panel);
-    paint.frame(box, color::faint);
-    paint.text(box.x1 + 20, box.y1 + 26, mTitle, color::accent);
+    paint.box(box, mBack.color.first);
+    paint.frame(box, mBack.border.first);
+    paint.text(box.x1 + 20, box.y1 + 26, mTitle, mCaption.color.first);
     for (size_t i = 0; i < mLines.size(); ++i)
-        paint.text(box.x1 + 20, box.y1 + 54 + LINE * float(i), mLines[i], color::ink);
+        paint.text(box.x1 + 20, box.y1 + 54 + LINE * float(i), mLines[i], mText.color.first);
     for (size_t i = 0; i < mButtons.size(); ++i) {
         const Box2 button = getButtonBox(i);
-        paint.box(button, int(i) == mRow ? shade(color::raised, 1.35f) : color::raised);
-        paint.frame(button, i == 0 ? color::accent : color::faint);
+        paint.box(button, int(i) == mRow ? mBack.pushed.first : mBack.highlight.first);
+        paint.frame(button, i == 0 ? mCaption.color.first : mBack.border.first);
         const float x = (button.x1 + button.x2 - paint.width(mButtons[i].label)) / 2;
-        paint.text(x, (button.y1 + button.y2) / 2, mButtons[i].label, color::ink);
+        paint.text(x, (button.y1 + button.y2) / 2, mButtons[i].label, mText.color.first);
     }
 }
 
@@ -264,11 +275,11 @@ void Overlay::drawHelp(Paint& paint) {
     const float left = std::floor((all.x1 + all.x2 - width * float(columns)) / 2);
     const float line = std::min(20.0f, (all.getHeight() - 20) / float(rows + 1));
     const float top = std::floor((all.y1 + all.y2 - line * float(rows)) / 2);
-    paint.text(left + 208, top - line * 1.5f, "Keys and mouse", color::selected);
+    paint.text(left + 208, top - line * 1.5f, "Keys and mouse", mText.highlight.first);
     for (size_t i = 0; i < mHelp.size(); ++i) {
         const float x = left + width * float(i / rows), y = top + line * (float(i % rows) + 0.5f);
-        paint.textRight(x + 195, y, mHelp[i].first, color::accent);
-        paint.text(x + 208, y, paint.fit(mHelp[i].second, width - 212), color::ink);
+        paint.textRight(x + 195, y, mHelp[i].first, mCaption.color.first);
+        paint.text(x + 208, y, paint.fit(mHelp[i].second, width - 212), mText.color.first);
     }
 }
 
@@ -291,7 +302,7 @@ int Overlay::handleEvent(Event& event) {
 }
 
 void Overlay::draw() {
-    panorama::Render* const render = getRender();
+    Render* const render = getRender();
     if (!render || !isOpen())
         return;
     Paint paint(*render);
@@ -304,4 +315,4 @@ void Overlay::draw() {
         drawHelp(paint);
 }
 
-} // namespace zentrak::studio
+} // namespace zentrak::panorama
