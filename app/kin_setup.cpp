@@ -57,9 +57,14 @@ void unquote(std::string& text) {
         text = text.substr(1, text.size() - 2);
 }
 
-// Whether the declaration is read as it is written: without quotes, so that a value is one word.
-bool isPlain(const xml::XmlTag& declaration) {
-    return std::all_of(declaration.arguments.begin(), declaration.arguments.end(), [](const auto& argument) {
+// Whether what is written can be read again. The values of a declaration are written without quotes, so each
+// has to be a word; an element without a name would be read as one with the name of its first attribute.
+bool isReadable(const xml::XmlTag& tag) {
+    if (tag.type == xml::XmlTag::Normal)
+        return !tag.name.empty() || tag.arguments.empty();
+    if (tag.type != xml::XmlTag::SpecialExclaim)
+        return true;
+    return std::all_of(tag.arguments.begin(), tag.arguments.end(), [](const auto& argument) {
         const std::string& value = argument.value;
         return !argument.name.empty() && !value.empty() &&
                std::all_of(value.begin(), value.end(), [](unsigned char c) { return std::isalnum(c); });
@@ -67,7 +72,7 @@ bool isPlain(const xml::XmlTag& declaration) {
 }
 
 // The writer escapes nothing: it puts values between double quotes, and those of a declaration between none.
-// Changes values that would end early and continue as elements; leaves out declarations that aren't plain.
+// Changes values that would end early and continue as elements; leaves out what could not be read again.
 void makeWritable(xml::XmlNode& root) {
     std::vector<xml::XmlNode*> nodes{&root};
     while (!nodes.empty()) {
@@ -81,7 +86,7 @@ void makeWritable(xml::XmlNode& root) {
         }
         const std::vector<xml::XmlNode*> children = node->children;
         for (xml::XmlNode* const child : children) {
-            if (child->type == xml::XmlTag::SpecialExclaim && !isPlain(*child)) {
+            if (!isReadable(*child)) {
                 delete child;
                 continue;
             }

@@ -567,9 +567,9 @@ TEST_F(SetupFile, NoValueBecomesElementsWhenItIsSaved) {
     EXPECT_FALSE(++saved.createIterator("script"));
 }
 
-// Of a declaration the writer keeps neither the quotes nor, without a name, the order.
-TEST_F(SetupFile, DeclarationsThatCouldNotBeReadAgainAreNotSaved) {
-    write("setup.local.xml", "<demo><!a \"b.c\"><!d e\"f\"><!g h><time start=\"7\"/></demo>");
+// Declarations are written without quotes; an element without a name would get one.
+TEST_F(SetupFile, WhatCouldNotBeReadAgainIsNotSaved) {
+    write("setup.local.xml", "<demo><!a \"b.c\"><!d e\"f\"></ / a=\"b\"/><!g h><time start=\"7\"/></demo>");
     for (int i = 0; i < 3; ++i) {
         Kindler kindler;
         kindler.setup();
