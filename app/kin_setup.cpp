@@ -58,10 +58,10 @@ void unquote(std::string& text) {
 }
 
 // Whether what is written can be read again. The values of a declaration are written without quotes, so each
-// has to be a word; an element without a name would be read as one with the name of its first attribute.
+// has to be a word; an element without a name would be read as something else.
 bool isReadable(const xml::XmlTag& tag) {
     if (tag.type == xml::XmlTag::Normal)
-        return !tag.name.empty() || tag.arguments.empty();
+        return !tag.name.empty();
     if (tag.type != xml::XmlTag::SpecialExclaim)
         return true;
     return std::all_of(tag.arguments.begin(), tag.arguments.end(), [](const auto& argument) {
@@ -86,13 +86,14 @@ void makeWritable(xml::XmlNode& root) {
         }
         const std::vector<xml::XmlNode*> children = node->children;
         for (xml::XmlNode* const child : children) {
-            if (!isReadable(*child)) {
+            if (isReadable(*child))
+                nodes.push_back(child);
+            else
                 delete child;
-                continue;
-            }
-            if (child->arguments.empty() && child->name == node->name)
-                child->closed = false; // written as <a/> it would end the <a> around it
-            nodes.push_back(child);
+        }
+        if (node->parent) { // written as <a/>, an <a> without children would end the <a> around it
+            const bool isEnd = node->arguments.empty() && node->name == node->parent->name;
+            node->closed = node->children.empty() && !isEnd;
         }
     }
 }

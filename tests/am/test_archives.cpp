@@ -450,8 +450,8 @@ TEST_F(Directory, AFileThatIsAMountOfItsOwnIsOverwritten) {
     const int result = inChild([this] {
         if (unshare(CLONE_NEWNS) != 0 && unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0)
             return 77;
-        if (mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-            mount("below", "x", nullptr, MS_BIND, nullptr) != 0)
+        if (mount("none", "/", "none", MS_REC | MS_PRIVATE, nullptr) != 0 ||
+            mount("below", "x", "none", MS_BIND, nullptr) != 0)
             return 77;
         return mDirectory.write(makeFile("x", "new")) && readFile("x") == "new" ? 0 : 1;
     });

@@ -567,15 +567,17 @@ TEST_F(SetupFile, NoValueBecomesElementsWhenItIsSaved) {
     EXPECT_FALSE(++saved.createIterator("script"));
 }
 
-// Declarations are written without quotes; an element without a name would get one.
+// Declarations are written without quotes; an element without a name is read as something else.
 TEST_F(SetupFile, WhatCouldNotBeReadAgainIsNotSaved) {
-    write("setup.local.xml", "<demo><!a \"b.c\"><!d e\"f\"></ / a=\"b\"/><!g h><time start=\"7\"/></demo>");
+    write("setup.local.xml", "<demo><!a \"b.c\"><!d e\"f\"></ / a=\"b\"/><><!i></><!g h><k "
+                             "l=\"m\"><!\"n\"></k><time start=\"7\"/></demo>");
     for (int i = 0; i < 3; ++i) {
         Kindler kindler;
         kindler.setup();
         EXPECT_EQ(kindler.mStartTime, 7);
         kindler.saveXml();
-        EXPECT_EQ(read("setup.local.xml"), "<demo>\n<!g h>\n<time start=\"7.00\" loop=\"off\"/>\n</demo>\n");
+        EXPECT_EQ(read("setup.local.xml"),
+                  "<demo>\n<!g h>\n<k l=\"m\"/>\n<time start=\"7.00\" loop=\"off\"/>\n</demo>\n");
     }
 }
 
