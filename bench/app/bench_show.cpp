@@ -2,9 +2,10 @@
 //     build/bench/bench/app/bench_show [WIDTH HEIGHT [RATE [FROM TO]]]
 // plays it at exact times, RATE frames to each second of the show (5), on a virtual display if there is no
 // real one, up to the finished pixels. One line per scene, which begins where the script's `clear` or `waxon`
-// changes: its start, the mean and the slowest frame by the clock, the mean by processor time over all
-// threads (steadier on a busy machine), and the effects that draw. At the end the slowest four seconds.
-// Targets on software OpenGL with two cores: 33 ms at 640x400, 66 ms at 1280x800.
+// changes: its start; the mean by the clock and by processor time over all threads, which is steadier on a
+// busy machine; the slowest frame; the four seconds that take the most processor time, which begin in the
+// scene and may end in the next; and the effects that draw. At the end the peak memory.
+// Targets on software OpenGL with two cores: no four seconds above 33 ms at 640x400, 66 ms at 1280x800.
 #include "command/virtual_display.h"
 #include "effect_names.h"
 #include "film/player.h"
@@ -20,13 +21,14 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <sys/resource.h>
 #include <vector>
 
 using namespace zentrak;
 
 namespace {
 
-constexpr float WINDOW = 4; // seconds
+constexpr double WINDOW = 4; // seconds
 
 struct Frame {
     double time, wall, processor; // seconds, milliseconds, milliseconds
@@ -80,6 +82,41 @@ Cost costOf(const std::vector<Frame>& frames, double from, double to) {
     return cost;
 }
 
+struct Window {
+    double start = 0;
+    Cost cost;
+};
+
+// The four seconds that begin in from to `to` and take the most processor time.
+Window worstWindow(const std::vector<Frame>& frames, double from, double to) {
+    Window worst;
+    for (const Frame& frame : frames) {
+        if (frame.time < from || frame.time >= to || frame.time + WINDOW > frames.back().time)
+            continue;
+        const Cost cost = costOf(frames, frame.time, frame.time + WINDOW);
+        if (cost.processor > worst.cost.processor)
+            worst = {frame.time, cost};
+    }
+    return worst;
+}
+
+void reportScene(const script::ScriptEngine& script, const std::vector<Frame>& frames, float from, float to) {
+    const Cost cost = costOf(frames, double(from), double(to));
+    if (cost.wall == 0)
+        return;
+    fprintf(stderr, "%8.3f %6.1f (%6.1f) %6.1f ", double(from), cost.wall, cost.processor, cost.slowest);
+    const Window worst = worstWindow(frames, double(from), double(to));
+    if (worst.cost.wall > 0)
+        fprintf(stderr, "%8.1f: %5.1f (%6.1f) ", worst.start, worst.cost.wall, worst.cost.processor);
+    else
+        fprintf(stderr, "%25s", "");
+    std::set<std::string> names;
+    addNames(script.mEffects, from, to, names);
+    for (const std::string& name : names)
+        fprintf(stderr, " %s", name.c_str());
+    fputc('\n', stderr);
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -107,29 +144,12 @@ int main(int argc, char** argv) {
             frames.push_back(playFrame(player, time));
     }
 
+    fprintf(stderr, "%dx%d, milliseconds a frame: start, mean (by processor time), slowest, worst 4 s\n",
+            width, height);
     const std::vector<float> scenes = scenesOf(player.mScript);
-    fprintf(stderr, "%dx%d, milliseconds a frame: mean (by processor time), slowest\n", width, height);
-    for (size_t i = 0; i + 1 < scenes.size(); ++i) {
-        const Cost cost = costOf(frames, scenes[i], scenes[i + 1]);
-        if (cost.wall == 0)
-            continue;
-        std::set<std::string> names;
-        addNames(player.mScript.mEffects, scenes[i], scenes[i + 1], names);
-        fprintf(stderr, "%8.3f %6.1f (%6.1f) %6.1f ", double(scenes[i]), cost.wall, cost.processor,
-                cost.slowest);
-        for (const std::string& name : names)
-            fprintf(stderr, " %s", name.c_str());
-        fputc('\n', stderr);
-    }
-    Cost slowest;
-    double when = 0;
-    for (const Frame& frame : frames) {
-        const Cost cost = costOf(frames, frame.time, frame.time + double(WINDOW));
-        if (frame.time + double(WINDOW) <= to && cost.wall > slowest.wall) {
-            slowest = cost;
-            when = frame.time;
-        }
-    }
-    fprintf(stderr, "the slowest four seconds, from %.1f: %.1f (%.1f)\n", when, slowest.wall,
-            slowest.processor);
+    for (size_t i = 0; i + 1 < scenes.size(); ++i)
+        reportScene(player.mScript, frames, scenes[i], scenes[i + 1]);
+    rusage usage = {};
+    getrusage(RUSAGE_SELF, &usage);
+    fprintf(stderr, "peak memory: %.1f MB\n", double(usage.ru_maxrss) / 1024);
 }
