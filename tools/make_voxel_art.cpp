@@ -221,9 +221,9 @@ Canvas particle() {
     Canvas canvas(64, 64);
     canvas.paint([](float x, float y) {
         const float r = hypotf(x - 32, y - 32) / 32;
-        const float core = expf(-r * r * 220), glow = 0.5f * powf(clamp01(1 - r / 0.26f), 2);
-        const float ring = 0.25f * expf(-powf((r - 0.20f) / 0.025f, 2));
-        return Colour{1, 1, 1, clamp01(core + glow + ring) * (1 - smoothstep(0.25f, 0.30f, r))};
+        const float core = expf(-r * r * 300), glow = 0.55f * powf(clamp01(1 - r / 0.22f), 2);
+        const float ring = 0.25f * expf(-powf((r - 0.16f) / 0.022f, 2));
+        return Colour{1, 1, 1, clamp01(core + glow + ring) * (1 - smoothstep(0.20f, 0.24f, r))};
     });
     return canvas;
 }
