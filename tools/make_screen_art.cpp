@@ -10,6 +10,7 @@
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
+#include <numbers>
 #include <string>
 
 using namespace zentrak::art;
@@ -92,6 +93,19 @@ float lowerLid(float x, float half) {
     return 0.42f * half * powf(std::max(0.0f, 1 - x * x / (half * half)), 0.9f);
 }
 
+// The distance of a point from the line of a lid, from corner to corner.
+float lidDistance(float (*lid)(float, float), float half, float x, float y) {
+    constexpr int STEPS = 96;
+    constexpr float PI = std::numbers::pi_v<float>;
+    float distance = 10 * half;
+    for (int i = 0; i < STEPS; ++i) {
+        // Denser towards the corners, where the line is steep.
+        const float x0 = -half * cosf(PI * float(i) / STEPS), x1 = -half * cosf(PI * float(i + 1) / STEPS);
+        distance = std::min(distance, distanceToSegment(x, y, x0, lid(x0, half), x1, lid(x1, half)));
+    }
+    return distance;
+}
+
 // The sign of the show: an eye, drawn with a pen. `half` is half its width.
 void openEye(Canvas& canvas, float cx, float cy, float half) {
     const float pen = half / 22;
@@ -101,25 +115,20 @@ void openEye(Canvas& canvas, float cx, float cy, float half) {
     });
     canvas.fill(ink, [&](float x, float y) { return hypotf(x - cx, y - cy + half * 0.07f) - half * 0.15f; });
     canvas.fill(ink, [&](float x, float y) {
-        const float dx = x - cx, dy = y - cy;
-        if (fabsf(dx) > half)
-            return 10.0f;
-        // The distance along y, and less where the edge is steep.
-        const float upper = fabsf(dy - upperLid(dx, half)), lower = fabsf(dy - lowerLid(dx, half));
-        const float lean = sqrtf(std::max(0.25f, 1 - dx * dx / (half * half)));
-        return std::min(upper * lean - pen * 1.3f, lower * lean - pen * 0.7f);
+        const float upper = lidDistance(upperLid, half, x - cx, y - cy);
+        const float lower = lidDistance(lowerLid, half, x - cx, y - cy);
+        const float middle = clamp01(1 - powf((x - cx) / half, 2)); // 0 in the corners
+        return std::min(upper - pen * (0.7f + 0.7f * middle), lower - pen * 0.7f);
     });
 }
 
 // The same with its lid down.
 void closedEye(Canvas& canvas, float cx, float cy, float half) {
     const float pen = half / 22;
-    canvas.fill(ink, [&](float x, float y) {
-        const float dx = x - cx, dy = y - cy;
-        return fabsf(dx) > half ? 10.0f : fabsf(dy - lowerLid(dx, half)) - pen * 1.3f;
-    });
+    canvas.fill(ink,
+                [&](float x, float y) { return lidDistance(lowerLid, half, x - cx, y - cy) - pen * 1.3f; });
     for (int i = -4; i <= 4; ++i) {
-        const float at = float(i) * half * 0.19f, length = half * (0.30f - 0.014f * float(i * i));
+        const float at = float(i) * half * 0.19f, length = half * (0.30f - 0.009f * float(i * i));
         const float x0 = cx + at, y0 = cy + lowerLid(at, half);
         const float x1 = x0 + 0.5f * at * length / half, y1 = y0 + length;
         canvas.fill(i == 0 ? orange : ink,

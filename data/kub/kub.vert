@@ -21,9 +21,11 @@ vec3 grade(vec3 c) {
     float grey = 1.0 - smoothstep(0.03, 0.10, abs(steps.x));
     float gold = smoothstep(0.15, 0.22, steps.x) * (1.0 - smoothstep(0.04, 0.10, abs(steps.x - steps.y)));
     float green = smoothstep(0.3, 0.45, -steps.x) * smoothstep(0.3, 0.45, steps.y);
+    float blue = c.b;
+    c.b = min(c.b, c.g); // what `expand` turns mauve or navy on its way to grey
     c = mix(c, mix(ink, paper, c.r), grey);
-    c = mix(c, ramp(orange, c.b * 1.6), gold);
-    return mix(c, ramp(teal, c.b * 1.6), green);
+    c = mix(c, ramp(orange, blue * 1.1), gold);
+    return mix(c, ramp(teal, blue * 1.6), green);
 }
 
 void main() {
