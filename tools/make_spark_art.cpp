@@ -129,7 +129,7 @@ struct Stream {
 };
 
 // The camera starts in the centre, leaves the sphere after half of the span, and ends 1500 units off. Its far
-// plane is 1000 units away, so that the sun goes out from its rim while the camera leaves it. The outer streams
+// plane is 1000 units away: the sun goes out from its rim while the camera leaves it. The outer streams
 // stay hidden on their way from the centre.
 // clang-format off
 const Stream sun[] = {
