@@ -14,7 +14,7 @@ public:
     ArchiveBase& operator=(const ArchiveBase&) = delete;
     virtual ~ArchiveBase();
 
-    // No file is longer than this, in bytes; what claims to be is logged and counts as missing.
+    // The longest file, in bytes. One that claims to be longer is logged and counts as missing.
     static constexpr long MAX_LENGTH = 1L << 30;
 
     virtual File read(const std::string& name) = 0; // the whole file, or an empty pointer if there is none

@@ -7,7 +7,7 @@ namespace zentrak::am {
 
 class ArchiveDirectory : public ArchiveBase {
 public:
-    explicit ArchiveDirectory(const std::string& directory); // a "/" is appended, even to one that is there
+    explicit ArchiveDirectory(const std::string& directory); // a "/" is always appended
 
     // The name is appended to the base path as it is: ".." leads out of it. Only regular files count: a
     // directory, a pipe or a device gives an empty pointer, without waiting for it.

@@ -19,7 +19,7 @@ public:
     ArchiveManager& operator=(const ArchiveManager&) = delete;
 
     // Adds a directory ("data", "./", "a.b/c") or a zip file ("zip://data.zip" and no other form); the index
-    // of the new archive, or -1 for anything else. A missing archive is added all the same, and has no files.
+    // of the new archive, or -1 for anything else. A missing archive is added anyway, and has no files.
     int addArchive(const std::string& path);
 
     // The file from the first archive that has it; `archive` is ignored. Empty if none has it.
@@ -42,8 +42,8 @@ public:
 
     bool writeAllToArchive(const std::string& path); // does nothing and returns true
 
-    // The names of all files that are asked for from now on are added to `names`, which stays the caller's;
-    // null ends it.
+    // From now on adds the name of every file that is requested to `names`, which remains the caller's; null
+    // ends that.
     void setRecorder(std::vector<std::string>* names) { mRecorder = names; }
 
     ImageManager* getImageManager() const { return mImageManager.get(); } // owned by this manager

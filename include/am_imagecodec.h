@@ -26,7 +26,7 @@ public:
     virtual std::string getFormatString() const = 0; // the extension, lower-case
     virtual bool canWrite() const;                   // false
 
-    // No picture has more pixels than this, 8192 by 8192 for one.
+    // The most pixels of a picture, for example 8192 by 8192.
     static constexpr unsigned long MAX_PIXELS = 1UL << 26;
 
 protected:

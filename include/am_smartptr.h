@@ -1,4 +1,4 @@
-// A counted pointer whose count is in a block of its own, apart from the object.
+// A counted pointer whose count is separate from the object.
 #pragma once
 
 #include <memory>
@@ -43,8 +43,8 @@ public:
     }
 
     // Lets go of what is held and takes `object`, made with `new`, with a count of 1; null makes the pointer
-    // empty. An object that another pointer holds already gets a second count, independent of the first: the
-    // caller has to see to it that only one of them deletes. The object held here already is kept.
+    // empty. An object that another pointer already holds gets a second count, independent of the first: the
+    // caller must ensure that only one of them deletes it. Assigning the object already held here keeps it.
     void attach(const T* object) {
         if (object && object == getObject())
             return;

@@ -1,4 +1,4 @@
-// A video written or read frame by frame, and the one kind there is: a numbered image file for each frame.
+// A video written or read frame by frame, and the only kind so far: a numbered image file for each frame.
 #pragma once
 
 #include "am_image.h"
@@ -52,7 +52,7 @@ protected:
 static_assert(sizeof(VideoFile::Format) == 16);
 
 // Opened as "dump.png" it writes "dump.000000.png", "dump.000001.png" and so on into the first archive. A
-// link in the place of a frame is replaced, and no linked folder is entered.
+// link with a frame's name is replaced, and no linked folder is entered.
 class VideoFileImageDumper : public VideoFile {
 public:
     // Writes the attached image under the next number, and ignores a failure to do so. False if the dumper is

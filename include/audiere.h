@@ -96,7 +96,7 @@ public:
     virtual int getPosition() = 0;
 };
 
-// Where sound goes. Streams opened on it keep it alive. If it is lost, playing streams go on in silence, and
+// A sound device. Streams opened on it keep it alive. If it is lost, playing streams go on in silence, and
 // look for it every two seconds.
 class AudioDevice : public RefCounted {};
 

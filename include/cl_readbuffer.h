@@ -53,8 +53,8 @@ public:
 
     // The payload size of the innermost chunk as the stream claims it; 0 where none is open.
     uint32_t currentChunkSize() const { return mChunks.empty() ? 0 : mChunks.back().mSize; }
-    // Bytes that can still be read from the innermost chunk: never more than the stream has. What a loader
-    // allocates it measures by this.
+    // Bytes that can still be read from the innermost chunk: never more than the stream has. Loaders limit
+    // what they allocate by this.
     uint32_t remaining() const {
         const uint32_t end = mChunks.empty() || mChunks.back().mEnd > mLength ? mLength : mChunks.back().mEnd;
         return mPosition < end ? end - mPosition : 0;
@@ -76,9 +76,9 @@ public:
     uint32_t mLength;              // header included
 
 private:
-    // A chunk that ends before the child that it holds sends the walk back over bytes already read. Nested,
-    // such chunks would have the stream read a number of times that doubles with each level; what may be read
-    // again is therefore limited, and past that the stream counts as ended.
+    // A chunk that ends before its child sends the walk back over bytes already read. If such chunks are
+    // nested, the number of times that the stream is read doubles with each level. The bytes that may be read
+    // again are therefore limited; past the limit the stream counts as ended.
     uint64_t mReread;
 };
 

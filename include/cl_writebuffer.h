@@ -32,7 +32,7 @@ public:
 
     // Between the two the payload is stored: plain values first, then child chunks. A chunk whose ID implies
     // its size must get a payload of exactly that size: nothing checks it. closeChunk() does nothing where
-    // none is open, and throws Exception where the payload is longer than 32 bits can say.
+    // none is open, and throws Exception if the payload's size needs more than 32 bits.
     void openChunk(unsigned short pId);
     void closeChunk();
 
@@ -41,7 +41,7 @@ public:
     void store(const void* pData, size_t pLength, uint32_t pPosition = APPEND);
     void storeType(const void* pData, size_t pLength, uint32_t pPosition = APPEND);
 
-    // Writes the stream to a file; throws Exception where that can't be done.
+    // Writes the stream to a file; throws Exception if that fails.
     void save(const std::string& pFilename) const;
 
     std::string mFormat;

@@ -1,4 +1,4 @@
-// What of a shape can be visible, from the matrices alone.
+// Which parts of a shape can be visible, computed from matrices alone.
 #pragma once
 
 #include "mb_matrix4x4col.h"

@@ -42,7 +42,7 @@ public:
         FPS_DELTA = 4     // as fast as they come, on a time that rises by 1 / rate a frame
     };
 
-    // Opens nothing yet. Throws "Could not open another GLFW-device" while another display exists.
+    // Doesn't open the window. Throws "Could not open another GLFW-device" while another display exists.
     explicit DisplayGL(const WindowMode& mode);
     ~DisplayGL(); // closes the window; listeners are let go, not deleted
     DisplayGL(const DisplayGL&) = delete;
@@ -166,17 +166,17 @@ public:
     float mFpsCountFrames;
     am::ArchiveManager* mArchiveManager; // not owned; null until setArchive
 
-    // Which opening of a window is current: a number that no other opening in this process has; 0 while
+    // Identifies the current opening of a window: a number that no other opening in this process has; 0 while
     // closed.
     int getContext() const { return mOpened ? mContext : 0; }
 
     static DisplayGL* currentDisplay; // the one instance, or null; what GLFW's callbacks reach
 
 private:
-    friend struct DisplayCallbacks; // tests call back with what no keyboard and no mouse sends
+    friend struct DisplayCallbacks; // for tests, with events that no real device sends
 
-    // One walk over the listeners that is going on. Walks nest, and live on the stack; whoever joins or
-    // leaves during one corrects them all.
+    // A walk over the listeners in progress. Walks nest, and live on the stack; joining or leaving during a
+    // walk adjusts all of them.
     struct Walk {
         explicit Walk(DisplayGL& display, bool forward);
         ~Walk();
@@ -187,7 +187,7 @@ private:
         DisplayGL& mDisplay;
         bool mForward;
         size_t mNext; // forward: the next one's index; backward: one more than it
-        size_t mEnd;  // forward: where to stop, so that who joins in between waits for the next walk
+        size_t mEnd;  // forward: where to stop, so that new listeners wait for the next walk
         Walk* mOuter;
     };
 
@@ -223,7 +223,7 @@ private:
     static void mouseWheelFun(int position);
 
     mathbase::MatrixGL mProjectMatrix;
-    Walk* mWalks;      // the innermost walk going on, or null
+    Walk* mWalks;      // the innermost walk in progress, or null
     double mDeltaTime; // FPS_DELTA: mFpsLastTime before rounding, so that rounded steps don't add up
     int mContext = 0;  // of the last opening
 };

@@ -6,7 +6,7 @@
 
 namespace zentrak::display {
 
-// What every input event carries.
+// Common to all input events.
 struct Event {
     mathbase::Vector2f mousePos;     // pixels from the window's upper left corner
     mathbase::Vector2f mousePosUnit; // mousePos divided by the window's size
@@ -33,7 +33,7 @@ struct KeyEvent : Event {
     Key key = KEY_UNKNOWN; // -1 for a key without a name
 };
 
-// A character typed, or let go.
+// A character typed, or released.
 struct CharEvent : Event {
     int key = 0; // the character's code
 };

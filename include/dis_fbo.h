@@ -34,7 +34,7 @@ public:
 
     static bool isSupported(); // GL_EXT_framebuffer_object
 
-    // Size in pixels (-1: that of the textures), and whether a depth buffer of 24 bits is wanted. Nothing
+    // Size in pixels (-1: that of the textures), and whether a depth buffer of 24 bits is wanted. No effect
     // once the target is made.
     void setup(int width, int height, bool renderZ);
 
@@ -45,7 +45,7 @@ public:
     Texture* attach(Attachment attachment, Texture::Channels channels = Texture::CHAN_DEFAULT,
                     Texture::ChannelFormat format = Texture::FORMAT_DEFAULT);
 
-    // What is drawn in between goes into the target, with the viewport on all of it. Targets nest. Throws
+    // Drawing between the two goes to the target, with the viewport covering it. Targets nest. Throws
     // "Display::FBO; Render Targets not supported [GL_EXT_framebuffer_object]".
     void bind();
     void unbind(); // back to the target and viewport before; nothing if it is not bound

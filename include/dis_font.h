@@ -34,17 +34,17 @@ public:
     float getAdvance(unsigned char c) const { return mKerning[c]; }     // of one character, at scale 1
     float getWidth() const { return float(mCharWidth) * mUnitSizeX; }   // of a cell, at scale 1
 
-    // For who draws the glyphs together with others: where a character's cell lies in the texture, t0 at its
-    // top, and the texture.
+    // For drawing glyphs together with other shapes: the position of a character's cell in the texture, t0 at
+    // its top, and the texture.
     struct Cell {
         float s0, t0, s1, t1;
     };
     Cell getCell(unsigned char c) const;
     Texture& getTexture() { return mTexture; }
-    // What of a character's cell shows anything, from the cell's upper left corner, at scale 1.
+    // The visible part of a character's cell, from the cell's upper left corner, at scale 1.
     const mathbase::Box2& getInk(unsigned char c) const { return mInk[c]; }
-    // Where the texture is white and opaque, for shapes that are drawn along with text. In a picture without
-    // an empty cell or two by two opaque pixels, where it is most opaque.
+    // A point where the texture is white and opaque, for shapes drawn along with text. In a picture without
+    // an empty cell or two by two opaque pixels, the most opaque point.
     mathbase::Vector2f getSolid() const { return mSolid; }
     int getAlignment() const { return mAlign; }
 

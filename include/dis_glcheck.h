@@ -4,8 +4,8 @@
 namespace zentrak::display {
 
 // Throws Exception "GL-error at [%d] %s\nLine: %s\nError: '%s'\n" with line, file, text and the error's name
-// if an OpenGL error is pending; codes without a name (see glErrorName) pass. Costs one glGetError where none
-// is. Not between glBegin and glEnd.
+// if an OpenGL error is pending; codes without a name (see glErrorName) pass. Costs one glGetError if none
+// is. Not allowed between glBegin and glEnd.
 void GL_REPORT_ERROR(const char* file, int line, const char* text);
 
 // "GL_INVALID_ENUM" and the like for the seven codes that are reported, null for any other.
@@ -30,6 +30,6 @@ consteval const char* fileNameOf(const char* path) {
         ::zentrak::display::GL_REPORT_ERROR(::zentrak::display::fileNameOf(__FILE__), __LINE__, #call);      \
     } while (false)
 
-// Where no single call can be named: catches what earlier code left pending.
+// Where no single call can be named: catches errors pending from earlier code.
 #define GL_CHECK_STATUS()                                                                                    \
     ::zentrak::display::GL_REPORT_ERROR(::zentrak::display::fileNameOf(__FILE__), __LINE__, "Checking status")

@@ -31,12 +31,12 @@ public:
     void replace(int firstEntity, int numEntities, void* data, int offset, Format sourceFormat);
     using BufferObject::replace;
 
-    // What glDrawElements takes for the first index: an offset into the buffer, or an address under
+    // The first index, as the last argument of glDrawElements: an offset into the buffer, or an address under
     // emulation.
     const void* getPointerGL(int firstIndex) const;
     GLenum getFormatGL() const { return GLenum(mFormat); }
 
-    // A range of vertices that the indices keep to; recorded, and read by nothing.
+    // The range of vertices that the indices use; recorded, but not read.
     void setLimits(int first, int last);
     bool isLimited() const { return mLow >= 0 && mHigh >= mLow; }
     int getFirstIndex() const { return mLow; } // -1 without limits

@@ -4,7 +4,7 @@
 namespace zentrak::display {
 
 // Printable keys use their character codes; letters are the upper-case ASCII codes under lower-case names.
-// The special keys lie above KEY_SPECIAL. A code that has no name here arrives as -1.
+// The special keys are above KEY_SPECIAL. A code without a name here arrives as -1.
 enum Key : int {
     KEY_UNKNOWN = 0,
     KEY_BACKSPACE = 8,

@@ -1,4 +1,4 @@
-// The interface of a client of the display: who draws each frame and hears input.
+// The interface of a client of the display, which draws each frame and receives input.
 #pragma once
 
 #include "dis_event.h"
@@ -13,7 +13,7 @@ class DisplayGL;
 // be deleted there.
 class Listener {
 public:
-    // What an input operation answers: a mask.
+    // The result of an input operation: a mask.
     enum Action : int {
         WHATEVER = 0,
         BLOCK = 1, // the event goes no further; from onQuit: do not quit
@@ -38,7 +38,7 @@ public:
     virtual int onCharUp(const CharEvent& event);
     virtual int onQuit();
     virtual void onResize(int oldWidth, int oldHeight); // the new size is in the display's mWindowMode
-    virtual void onMove();                              // never called: the window system does not tell
+    virtual void onMove();                              // never called: the window system doesn't report it
     virtual void onDraw();                              // once a frame, with the GL states reset
     virtual void onIconify(bool iconified);
     virtual void onChangeFocus(bool focused);

@@ -41,9 +41,9 @@ public:
     // ArchiveManager::loadImage throws.
     am::Image loadImage(const std::string& name, bool writable);
 
-    // A picture from `length` bytes in memory, which stay the caller's; the name's extension says of which
-    // kind. It is private and writable: bytes in memory need not be those of the file of that name. Throws as
-    // the above.
+    // A picture from `length` bytes in memory, which remain the caller's; the name's extension selects the
+    // format. It is private and writable: bytes in memory need not be those of the file of that name. Throws
+    // as above.
     am::Image loadImage(const std::string& name, const unsigned char* data, int length);
 
 protected:

@@ -85,7 +85,7 @@ public:
     bool isBound() const { return mBound; }
     bool isLinked() const { return mLinked; }
 
-    // The slot of an attribute. Asserts "mHandle!=0", "mLinked" and "res>=0": it has to be there.
+    // The slot of an attribute, which must exist. Asserts "mHandle!=0", "mLinked" and "res>=0".
     GLint getAttrib(const std::string& name) const;
 
     // A uniform's value; kept by the program. A program that is not bound is bound for the call. A name that

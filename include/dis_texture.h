@@ -1,4 +1,4 @@
-// One texture: what it is to be, made at its first use, and made again after a new context.
+// One texture: described first, made at its first use, and made again in a new context.
 #pragma once
 
 #include "dis_resource.h"
@@ -41,7 +41,7 @@ public:
     Texture(const Texture&) = delete;
     Texture& operator=(const Texture&) = delete;
 
-    // What it is to be; for the next time it is made. A width or height of 0 or -1 is taken from the image.
+    // Its description, for the next time it is made. A width or height of 0 or -1 is taken from the image.
     void setup(int width, int height, Channels channels, ChannelFormat format, Target target);
 
     // The source of its pixels: a file, which is read when the texture is made; an image, which is kept; or
@@ -58,16 +58,16 @@ public:
     void bind(int side = -1);
     void unbind();
 
-    // Makes it. bind does so by itself; a second time throws "Texture already inited". Asserts what it is
-    // given
-    // ("mWidth!=-1 && mHeight!=-1" for a texture without a source, and so on), and throws, beside what
-    // loading an image throws: "OpenGL does not support float-textures on this computer!", "OpenGL does not
+    // Makes it. bind does so by itself; a second time throws "Texture already inited". Asserts a valid
+    // description ("mWidth!=-1 && mHeight!=-1" for a texture without a source, and so on), and throws, in
+    // addition to what loading an image throws:
+    // "OpenGL does not support float-textures on this computer!", "OpenGL does not
     // support cube maps on this computer!", "Unknown format for texture", "Loaded 1d-texture but both
     // dimensions are non-1!", "Error %s when scaling image", and for a cross "Error when loading cube map
     // from '%s'; ..." and "Cube maps with horizontal cross is not supported at the moment!".
     void init();
 
-    bool isLoaded() const;                  // it has pixels to come from, or is made
+    bool isLoaded() const;                  // it has a source of pixels, or is made
     int getWidth() const { return mWidth; } // pixels; -1 while it is to be taken from the image
     int getHeight() const { return mHeight; }
     bool hasMipmaps() const { return mMipmaps; }

@@ -1,4 +1,4 @@
-// What a vertex holds, channel by channel, and the ready-made vertices.
+// The layout of a vertex, channel by channel, and ready-made vertex types.
 #pragma once
 
 #include "mb_vector2.h"
@@ -33,7 +33,7 @@ struct VertexDef {
 
     static constexpr GLenum groups[8] = {
         GL_BYTE, GL_SHORT, GL_INT, GL_FLOAT, GL_DOUBLE, GL_UNSIGNED_BYTE, GL_UNSIGNED_SHORT, GL_UNSIGNED_INT};
-    static constexpr int groupSize[8] = {1, 2, 4, 4, 8, 1, 2, 4}; // bytes a component
+    static constexpr int groupSize[8] = {1, 2, 4, 4, 8, 1, 2, 4}; // bytes per component
 
     constexpr VertexDef(CHANNEL position, CHANNEL normal = NONE, CHANNEL color = NONE, CHANNEL uv0 = NONE,
                         CHANNEL uv1 = NONE, CHANNEL va0 = NONE, CHANNEL va1 = NONE, CHANNEL va2 = NONE,
@@ -53,7 +53,7 @@ struct VertexDef {
     static constexpr int channelsSize(CHANNEL c) { return channels(c) * channelSize(c); }     // bytes of all
     static constexpr GLenum channelGL(CHANNEL c) { return present(c) ? groups[c / 4] : GL_NONE; }
 
-    int size; // bytes a vertex
+    int size; // bytes per vertex
     CHANNEL pos;
     CHANNEL nor;
     CHANNEL col;

@@ -74,7 +74,7 @@ inline constexpr int GLFW_ACTIVE           = 0x00020002; // it has the keyboard'
 inline constexpr int GLFW_ICONIFIED        = 0x00020003;
 inline constexpr int GLFW_WINDOW_NO_RESIZE = 0x00020012; // the user can't resize it
 
-// What glfwEnable and glfwDisable switch; glfwOpenWindow sets the defaults.
+// For glfwEnable and glfwDisable; glfwOpenWindow sets the defaults.
 inline constexpr int GLFW_STICKY_KEYS      = 0x00030002; // accepted, without effect: no call reads a key
 inline constexpr int GLFW_KEY_REPEAT       = 0x00030005; // off; a key held down sends further presses
 inline constexpr int GLFW_AUTO_POLL_EVENTS = 0x00030006; // on;  glfwSwapBuffers polls
@@ -111,8 +111,8 @@ void glfwGetVersion(int* major, int* minor, int* rev);
 // GLFW_WINDOW or GLFW_FULLSCREEN, the latter in the video mode nearest to the size and without a mouse
 // pointer. All callbacks, switches and input start fresh. Returns 1, or 0 if there is a window already, the
 // library is not initialised, an argument is out of range or no window can be opened; the hints are reset in
-// any case. A window that the window manager doesn't show within five seconds is open all the same, and shown
-// when it likes.
+// any case. A window that the window manager doesn't show within five seconds is open anyway, and appears
+// whenever the window manager shows it.
 int glfwOpenWindow(int width, int height, int redbits, int greenbits, int bluebits, int alphabits,
                    int depthbits, int stencilbits, int mode);
 void glfwOpenWindowHint(int target,

@@ -17,7 +17,7 @@ namespace zentrak::gimli {
 // the window was reopened.
 class Mesh {
 public:
-    // What one Submesh takes of the buffers. One without triangles or without indices takes nothing.
+    // The part of the buffers that one Submesh uses. One without triangles or without indices is empty.
     struct Submesh {
         mathbase::Vector3f mBoxMin; // loading leaves the box at zero
         mathbase::Vector3f mBoxMax;
@@ -25,7 +25,7 @@ public:
         int mIndexCount = 0;
         int mFirstVertex = 0;
         int mVertexCount = 0;
-        int mMode = 0; // GL_TRIANGLES, or 0 for one that takes nothing
+        int mMode = 0; // GL_TRIANGLES, or 0 if empty
     };
 
     std::vector<Submesh> mSubmeshes; // one for each of the o3d::Mesh
@@ -40,14 +40,14 @@ public:
 
     // Makes the buffers, replacing older ones. The first form makes missing normals: see
     // o3d::Mesh::addNormals for what that throws and asserts. With the second, normals that are missing are a
-    // warning and undefined. The number plays no part. Needs the window to be open; asserts "mDisplay!=0" and
+    // warning and undefined. The number is unused. Needs the window to be open; asserts "mDisplay!=0" and
     // "uv!=0". Throws what o3d::Mesh::checkIndices throws, and an Exception with the mesh's name where the
     // buffers could not be made; the Mesh is then empty.
     void load(o3d::Mesh* mesh, int);
     void load(const o3d::Mesh* mesh, int);
 
-    // Nothing for an index that there is not, and for a Submesh that takes nothing. The buffers stay the
-    // display's current ones. The second form uses `mode` instead of the Submesh's own.
+    // Does nothing for an invalid index or an empty Submesh. The buffers remain the display's current
+    // ones. The second form uses `mode` instead of the Submesh's own.
     void drawSubmesh(int index);
     void drawSubmesh(int index, unsigned int mode);
     void superDraw(); // all of them, in order

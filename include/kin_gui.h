@@ -33,7 +33,7 @@ class Ruler;
 //     fps         label            the frame rate as a number; may be missing
 //     ruler       timeruler        the time axis with the time now (Ruler); may be missing
 //
-// What is changed is changed in the script's own records, and never written to a file.
+// Edits change the script's records in memory, and are never written to a file.
 // clang-format on
 class Gui : public panorama::Callback, public display::Listener {
 public:

@@ -17,7 +17,7 @@ namespace zentrak::kindler {
 // length of the script stays, and cuts off what reaches beyond it.
 class Effector : public panorama::Control {
 public:
-    // Pixels a second of every row of the editor.
+    // Pixels per second, for every row of the editor.
     static constexpr float SCALE = 10.0f;
 
     enum Part : int { PART_NONE = 0, PART_BAR = 1, PART_LEFT = 2, PART_RIGHT = 3 };

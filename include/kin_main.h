@@ -99,7 +99,7 @@ public:
     virtual void controlAction(panorama::Control* control, panorama::Action action);
 
 protected:
-    // What setup does with each script that it finds: adds it to mScript. Throws if it is missing or broken.
+    // Called by setup for each script: adds it to mScript. Throws if it is missing or broken.
     virtual void loadScript(const std::string& name);
     // Sets up every effect that was added. The display must be open.
     void loadEffects();

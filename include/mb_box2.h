@@ -13,7 +13,7 @@ struct Box2 {
     constexpr Box2(float left, float top, float right, float bottom)
         : x1(left), y1(top), x2(right), y2(bottom) {}
 
-    // A box without extent, such as the default one, is not empty: only one turned inside out is.
+    // A box without extent, such as the default one, is not empty: only an inverted one is.
     constexpr bool isEmpty() const { return x2 < x1 || y2 < y1; }
     constexpr float getWidth() const { return x2 - x1; }
     constexpr float getHeight() const { return y2 - y1; }

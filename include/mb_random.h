@@ -9,11 +9,11 @@
 
 namespace zentrak::mathbase {
 
-// What a sequence that differs from run to run starts from: the processor time used so far, or the fixed
+// A start for sequences that differ from run to run: the processor time used so far, or the fixed
 // start.
 uint32_t randomStart();
 
-// From now on randomStart() gives `start`, for pictures that can be compared; nothing frees it again.
+// From now on randomStart() returns `start`, so that pictures can be compared. This can't be undone.
 void fixRandomStart(std::optional<uint32_t> start);
 
 struct Random {

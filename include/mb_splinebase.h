@@ -61,7 +61,7 @@ public:
         updateTangents(0, 0, 0);
     }
 
-    // Removes the key at `index`; aborts on an assertion where there is none. A spline that loses its last
+    // Removes the key at `index`; asserts if there is none. A spline that loses its last
     // key keeps its bounds.
     void removeKey(int index) {
         MB_ASSERT_AT(index >= 0 && index < (int)mKeys.size(), "index>=0 && index<(int)mKeys.size()",
@@ -76,7 +76,7 @@ public:
     }
 
     // Recomputes the bounds and, in smooth mode with automatic tangents, all tangents. `index` is the key
-    // whose tangents become 0 when it is the only one; the other two play no part.
+    // whose tangents become 0 when it is the only one; the other two are unused.
     //
     // The slopes are what the curves were tuned with: a middle key weighs each difference by the span of the
     // other side, an end key multiplies by its span.

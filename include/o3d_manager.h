@@ -1,4 +1,4 @@
-// Owner of what .o3d files hold, by name.
+// Owns the contents of .o3d files, by name.
 #pragma once
 
 #include "o3d_armature.h"
@@ -21,9 +21,9 @@ public:
     Manager(const Manager&) = delete;
     Manager& operator=(const Manager&) = delete;
 
-    // Adds what a file of `length` bytes holds; the bytes need not outlive the call. Of two objects with one
-    // name the later is found. A file that is cut short gives what is there. Throws Exception, with nothing
-    // added, where the format or version is another, or the first chunk is not the main one.
+    // Adds the contents of a file of `length` bytes, which need not outlive the call. Of two objects with one
+    // name the later is found. A truncated file gives what is there. Throws Exception, with nothing added, if
+    // the format or version differs, or the first chunk is not the main one.
     void load(const unsigned char* data, int length);
     // The children of the main chunk that is open.
     void loadChunkMain(chunklib::ReadBuffer& buffer);

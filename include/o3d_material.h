@@ -1,5 +1,5 @@
-// What the exporter wrote about surfaces. A Material matters by being there under its name; nothing else of
-// it is used for drawing.
+// Surfaces as the exporter wrote them. Only the name of a Material matters: nothing else of it is used for
+// drawing.
 #pragma once
 
 #include "o3d_value.h"
@@ -28,7 +28,7 @@ public:
     void writeChunk(chunklib::WriteBuffer& buffer) const;
 
     std::string mName;
-    std::string mFileName; // nothing opens it
+    std::string mFileName; // never opened
 };
 
 class Material {

@@ -1,4 +1,4 @@
-// Geometry as a .o3d file holds it, and the normals and tangents that it does not.
+// The geometry of a .o3d file, and normals and tangents computed from it.
 #pragma once
 
 #include "o3d_armature.h"
@@ -52,7 +52,7 @@ public:
     void loadChunk(chunklib::ReadBuffer& buffer);
     void writeChunk(chunklib::WriteBuffer& buffer) const;
 
-    // Does every Submesh have tangent spaces? True without any Submesh.
+    // Whether every Submesh has tangent spaces. True without any Submesh.
     bool hasNormals() const;
     // Makes the tangent spaces of all Submeshes. Normals are smooth over all triangles at a position, of any
     // Submesh, without weights; tangents are smooth where the texture coordinates are closer than 0.1. Logs
@@ -66,9 +66,9 @@ public:
     void removeNormals();
     // The union of the Submeshes' boxes; without a Submesh it stays as it was.
     void updateBox();
-    // Throws Exception, with the Mesh's name and what is wrong, where a triangle uses a local vertex that its
-    // Submesh has not, an index a position that the Mesh has not, or the first texture coordinate list is
-    // shorter than the index list. A file may hold such a Mesh: call this before following its numbers.
+    // Throws Exception, with the Mesh's name and the fault, if a triangle uses a local vertex that its
+    // Submesh lacks, an index a position that the Mesh lacks, or the first texture coordinate list is shorter
+    // than the index list. A file may contain such a Mesh: call this before following its indices.
     void checkIndices() const;
     void checkIndices(size_t submesh) const; // of one of them, counted from 0
 
@@ -78,7 +78,7 @@ public:
     // Weights of a group. Asserts that there is such a group, which no file brings.
     BoneGroupWeightList& getBoneGroup(int groupID);
     const BoneGroupWeightList& getBoneGroup(int groupID) const;
-    // Never true: the comparison is the wrong way round on purpose.
+    // Always false: the comparison is reversed on purpose.
     bool hasBoneGroup(int groupID) const;
 
     std::string mName;

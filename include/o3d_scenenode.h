@@ -25,7 +25,7 @@ public:
     // Reads the chunk that is open, or writes the whole chunk.
     virtual void loadChunk(chunklib::ReadBuffer& buffer) = 0;
     virtual void writeChunk(chunklib::WriteBuffer& buffer) = 0;
-    // Are the node's own tracks constant? Children don't count.
+    // Whether the node's own tracks are constant. Children don't count.
     virtual bool isStatic() const;
     // The greatest time of a last key among the node's own tracks and those of all below it; never below 0.
     virtual float getAnimationLength() const;

@@ -50,10 +50,10 @@ public:
     void clear(float value);
 
     // The value at `time`. Prints a line to standard output where the keys do not cover the time that they
-    // should, and where the handles fold the time back; there is a value all the same.
+    // should, and where the handles fold the time back; it still returns a value.
     float getValue(float time) const;
 
-    // Has it the same value at all times? One key with another extrapolation than constant counts as moving.
+    // Whether the value is constant. One key with another extrapolation than CONSTANT counts as moving.
     bool isStatic() const { return mKeys.empty() || (mKeys.size() == 1 && mExtrapolation == 0); }
     // Time of the last key, 0 without keys.
     float getLength() const { return mKeys.empty() ? 0.0f : mKeys.back().mTime; }

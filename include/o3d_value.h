@@ -1,4 +1,4 @@
-// The plain values that a .o3d file is made of.
+// The plain values in a .o3d file.
 #pragma once
 
 #include "mb_quat.h"
@@ -29,7 +29,7 @@ struct Index {
 
 // Three local vertex numbers: positions in the index list of the same Submesh, from 0. 13 bytes on file.
 struct Triangle {
-    unsigned char mFlag = 0; // nothing reads it
+    unsigned char mFlag = 0; // never read
     int32_t mIndex[3] = {0, 0, 0};
 };
 
@@ -70,7 +70,7 @@ void loadValue(chunklib::ReadBuffer& buffer, float* value);
 void loadValue(chunklib::ReadBuffer& buffer, Vector3f* value);
 void loadValue(chunklib::ReadBuffer& buffer, Vector2f* value);
 
-// Append the same bytes to the innermost open chunk.
+// Append a value to the innermost open chunk, in the form that is read.
 void writeValue(chunklib::WriteBuffer& buffer, const std::string& value);
 void writeValue(chunklib::WriteBuffer& buffer, const Index& value);
 void writeValue(chunklib::WriteBuffer& buffer, const Triangle& value);

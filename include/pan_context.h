@@ -44,8 +44,8 @@ public:
     int handleEvent(Event& event) override;     // always 0
     void draw() override;
 
-    // A row is given at `index`, -1 for the end, and is owned here from then on. It takes no focus, so the
-    // rows stay in their order.
+    // Inserts a row, owned here from then on, at `index`; -1 for the end. It takes no focus, so the rows keep
+    // their order.
     void addControl(Control* control, int index) override;
 
     virtual void deleteOptions(); // and forgets the marks
@@ -75,7 +75,7 @@ public:
     static void letGo(Control& owner);
 
 private:
-    static Context* sFirst; // of those that hang on a control that does not delete them
+    static Context* sFirst; // of the menus of controls that do not delete them
 
     void close();
     void link();

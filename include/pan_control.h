@@ -28,11 +28,11 @@ enum Action : int {
     ACTION_SPLINE = 9  // a key of a curve was dragged
 };
 
-// One box three times, in pixels.
+// One box in three forms, in pixels.
 struct AreaSet {
-    mathbase::Box2 area;  // as the parent sees it
+    mathbase::Box2 area;  // relative to the parent
     mathbase::Box2 world; // in the window
-    mathbase::Box2 clip;  // `world`, cut by all that is above; (0, 0, 0, 0) where nothing is left
+    mathbase::Box2 clip;  // `world`, clipped by all parents; (0, 0, 0, 0) if nothing is left
 };
 
 // Two colours, red to alpha from 0 to 1, as Render::setColor takes them.
@@ -77,14 +77,14 @@ public:
     bool mRaiseOnFocus = true;            // a child that takes the focus goes on top of the others
     Control* mParent = nullptr;           // null for the root
     Control* mFocus = nullptr;            // the child that has the focus, or this control itself
-    mathbase::Vector2f mOffset;           // scrolled so far, pixels: taken off the children's positions
+    mathbase::Vector2f mOffset;           // scroll position, pixels: subtracted from the children's positions
     std::vector<Control*> mControls;      // children, drawn first to last; owned
     std::vector<Callback*> mCallbacks;    // not owned
     bool mHover = false;                  // the mouse is over it
     bool mInactive = false;               // greyed out
     bool mVisible = true;
     bool mMaximized = false;   // fills its parent's child area
-    mathbase::Box2 mSavedArea; // where to go back to from there
+    mathbase::Box2 mSavedArea; // the area before that
     bool mAreaSaved = false;   // mSavedArea holds a box
     Render* mRender = nullptr; // the root's, once asked for
 
@@ -94,7 +94,7 @@ public:
 
     virtual ~Control(); // and its children
 
-    // A new one of the same class, as its constructor leaves it. Owned by the caller.
+    // A new, default-constructed object of the same class, owned by the caller.
     virtual Control* clone() = 0;
 
     virtual std::string getType();
@@ -127,7 +127,7 @@ public:
     virtual bool getInactive();
     virtual void setVisible(bool visible); // showing it clears the focus of its children
     virtual bool getVisible();
-    bool isShown() const; // visible, with all that it is in
+    bool isShown() const; // visible, and so are all its parents
 
     virtual mathbase::Box2 getArea();
     virtual mathbase::Box2 getAreaWorld();
@@ -169,7 +169,7 @@ public:
 
     // To the callbacks of the nearest control upward that has any. A null source means this control.
     virtual void sendAction(Action action, Control* source);
-    virtual void sendContextAction(Context* context, std::string text); // to its own callbacks alone
+    virtual void sendContextAction(Context* context, std::string text); // only to its own callbacks
 
     virtual bool acceptEvents(Event& event);
 
@@ -197,7 +197,7 @@ protected:
     void captureMouse(const Event& press);
     void releaseMouse(); // earlier than that; nothing without a capture
     // The capture has ended without the button's release: a menu was opened, another control took the mouse,
-    // or this one was hidden. The control lets go of what it was dragging.
+    // or this one was hidden. The control must stop dragging.
     virtual void onCaptureLost();
 
     // Passes a "reset" to all that is below. False if that has deleted this control.

@@ -1,4 +1,4 @@
-// What reaches a control: an input event of the display, or one that the toolkit makes itself.
+// An event for a control: an input event of the display, or one of the toolkit's own.
 #pragma once
 
 #include "dis_event.h"
@@ -19,7 +19,7 @@ struct Event : display::Event {
     std::string type;              // see above
     bool doubleClick = false;      // of "mousedown"
     std::string text;              // of "context": captions with dots between, as in "spline.type.linear"
-    bool hoverCleared = false;     // of "mousemove": who passes it down has sent "reset" to all below already
+    bool hoverCleared = false;     // of "mousemove": "reset" has already been sent to all controls below
 
     virtual ~Event() = default;
 

@@ -1,4 +1,4 @@
-// Lays its children out one after the other: some of a fixed size, the others sharing what is left.
+// Lays out its children in a row: some of a fixed size, the others sharing the rest.
 #pragma once
 
 #include "pan_control.h"

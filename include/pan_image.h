@@ -21,7 +21,7 @@ public:
     void load(xml::IteratorConst& it) override; // "filename"
     void draw() override;
 
-    // Reads the file, through the archives of the display. False where there is no picture in the end.
+    // Reads the file, through the archives of the display. Returns whether there is a picture afterwards.
     bool setFilename(const std::string& filename);
 
     const std::string& getFilename() const { return mFilename; }

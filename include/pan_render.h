@@ -18,8 +18,8 @@ namespace zentrak::panorama {
 inline constexpr mathbase::Vector4f NO_COLOR(0.0f, 0.0f, 0.0f, -1.0f);
 
 // Coordinates are pixels of the window from its upper left corner, y downward. Shapes and text are cut by the
-// clip area here, collected, and drawn in a few calls (Shapes): the picture is that of each drawn at once,
-// and is complete after flush(). Whoever draws past this class with OpenGL calls flush() first.
+// clip area here, collected, and drawn in a few calls (Shapes). The picture is as if each were drawn at once,
+// and is complete after flush(): call it before drawing with OpenGL directly.
 //
 // All of it needs the window to be open.
 class Render {

@@ -1,4 +1,4 @@
-// A spline widget that always has a curve of its own: for layouts that want a curve without a record to edit.
+// A spline widget that always has a curve of its own: for layouts, where there is no record to edit.
 #pragma once
 
 #include "pan_spline.h"

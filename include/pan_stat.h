@@ -1,4 +1,4 @@
-// A graph of the last samples of something that is measured, with its scale.
+// A graph of the latest samples of a measured quantity, with its scale.
 #pragma once
 
 #include "pan_control.h"
@@ -21,7 +21,7 @@ public:
     void addValue(float value); // one that is not finite leaves a gap
     void clearValues();
     int getValueCount() const { return mCount; }
-    float getValue(int index) const; // 0 is the oldest; 0 for an index that there is not
+    float getValue(int index) const; // 0 is the oldest; returns 0 for an invalid index
 
     // The ends of the scale for the newest `count` samples: 0 and 1 without any.
     void getScale(int count, float& low, float& high) const;

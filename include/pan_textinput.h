@@ -45,7 +45,7 @@ public:
     void select(size_t anchor, size_t caret);
     std::string getSelection() const;
 
-    // Of the program: the fields share it, and nothing outside hears of it.
+    // The clipboard of the program: shared by the fields, and separate from the system's.
     static const std::string& getClipboard();
     static void setClipboard(const std::string& text);
 

@@ -1,4 +1,4 @@
-// One line of text as a control shows it: as much of it as fits, with dots for the rest.
+// One line of text in a control: as much of it as fits, with dots for the rest.
 #pragma once
 
 #include "mb_box2.h"

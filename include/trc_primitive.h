@@ -1,4 +1,4 @@
-// Rays against primitives: what a ray hits first, where, and whether anything is in its way.
+// Rays against primitives: the first hit, its position, and whether anything is in the way.
 //
 // Directions are of unit length; distances along a ray are in the units of the scene. Nothing here allocates,
 // and tracing changes no primitive.
@@ -12,7 +12,7 @@ namespace zentrak::trace {
 
 using mathbase::Vector3f;
 
-// What a surface is made of. Users derive their own; the tracer only carries the pointer.
+// The material of a surface. Users derive their own; the tracer only carries the pointer.
 class Material {
 public:
     virtual ~Material() {}

@@ -21,7 +21,7 @@ public:
 
     IteratorConst(const XmlNode* aRoot, const std::string& criteria);
 
-    // Steps to the next match and says whether there was one. After the last one `index` is the
+    // Steps to the next match and returns whether there was one. After the last one `index` is the
     // number of children without criteria, and stays on the last match with them. Throws when called again
     // after that.
     bool operator++();
@@ -37,7 +37,7 @@ public:
     IteratorConst createIterator(const std::string& criteria) const;
 
 protected:
-    // The current child, with the given words where there is none.
+    // The current child; throws the given texts if there is none.
     const XmlNode* current(const char* beforeFirst, const char* afterLast) const;
 };
 

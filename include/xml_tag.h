@@ -1,4 +1,4 @@
-// One tag: its kind, name and attributes, all texts. How it is read and written is the dialect: no entities,
+// One tag: its kind, name and attributes, all texts. Reading and writing define the dialect: no entities,
 // no CDATA, names of ASCII letters and digits, attribute values on one line.
 #pragma once
 
