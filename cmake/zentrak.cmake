@@ -7,8 +7,11 @@ target_compile_options(zentrak_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow
     -Woverloaded-virtual -ffp-contract=off)
 # Bounds of containers are checked, too.
 target_compile_definitions(zentrak_flags INTERFACE _GLIBCXX_ASSERTIONS)
-# No trace of where the sources were: two clones give the same program.
-target_compile_options(zentrak_flags INTERFACE -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=)
+# No trace of where the sources were: two clones give the same program. ccache may pass paths relative to the build.
+file(RELATIVE_PATH from_build ${CMAKE_BINARY_DIR} ${PROJECT_SOURCE_DIR}/CMakeLists.txt)
+get_filename_component(from_build "${from_build}" DIRECTORY)
+target_compile_options(zentrak_flags INTERFACE
+    -ffile-prefix-map=${PROJECT_SOURCE_DIR}/= -ffile-prefix-map=${from_build}/=)
 target_link_options(zentrak_flags INTERFACE -Wl,-z,relro,-z,now $<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:-pie>)
 if(ZENTRAK_WERROR)
     target_compile_options(zentrak_flags INTERFACE -Werror)
