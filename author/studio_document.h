@@ -1,5 +1,5 @@
-// The script file of a show as text, with the position of every element in it: what is not edited stays as it
-// is, to the byte.
+// The script file of a show as text, with the position of every element in it: what isn't edited keeps every
+// byte.
 #pragma once
 
 #include "script_spline.h"
@@ -78,8 +78,7 @@ public:
     // An empty script.
     Document();
 
-    // Takes over a text. Throws zentrak::Exception, "line 12: ...", and stays as it was, where it is not a
-    // script.
+    // Throws zentrak::Exception, "line 12: ...", and stays unchanged, if the text isn't a script.
     void load(std::string text);
 
     const std::string& getText() const { return mText; }
@@ -92,11 +91,11 @@ public:
     std::vector<int> getChildren(int index, Kind kind) const; // indices, in the order of the text
     uint32_t getVersion() const { return mVersion; }          // another one after each change
 
-    // Applies changes that all count in the present text and do not overlap; what lies inside a range that
-    // another one removes is left out. Returns the changes that take them back. Throws as load, and leaves
-    // all as it was, where the result would not be a script.
+    // Applies changes whose positions are those of the present text. They don't overlap, but one inside a
+    // range that another removes is left out. Returns the changes that undo them. Throws as load does, with
+    // nothing changed, if the result isn't a script.
     std::vector<Change> apply(std::vector<Change> changes);
-    // The elements that the last apply has made and that lie in none of each other, as indices.
+    // The outermost of the elements that the last apply has made, as indices.
     const std::vector<int>& getMade() const { return mMade; }
 
     // Seconds of the show at which the local time of `index` is 0: the sum of the spans around it.
@@ -110,12 +109,12 @@ public:
     Tempo getTempo() const;
     std::vector<Problem> getProblems() const;
 
-    // What sets an attribute, or adds it. Line ends become blanks, and a quote that can't be kept the other
-    // one.
+    // The change that sets an attribute, or adds it. Line ends become blanks; a quote that can't be kept
+    // becomes one of the other kind.
     Change setAttribute(int index, std::string_view name, std::string_view value) const;
-    // What removes an element, with its line where it has that for itself.
+    // The change that removes an element, with its line if there is nothing else on it.
     Change erase(int index) const;
-    // What puts the text of an element, its lines indented from 0, into `parent`: after its child `after`,
+    // The change that puts the text of an element, indented from 0, into `parent`: after its child `after`,
     // or, with -1, after all others. None for a parent that can't have children.
     std::optional<Change> insert(int parent, int after, std::string_view element) const;
     // The text of an element with the indent of its first line taken off the others.
@@ -131,6 +130,7 @@ private:
 
     bool applyToTags(const std::vector<Change>& changes, const std::string& text);
     bool applyToChildren(const std::vector<Change>& changes, const std::string& text);
+    void movePositions(const std::vector<Change>& changes);
     void replaceElements(int parent, int first, int last, std::vector<Element> made, size_t delta);
     void numberElements(std::vector<Element>& elements, int old, int end, int first,
                         const std::vector<Change>& changes);
@@ -147,18 +147,18 @@ Document::Change changeAttribute(std::string_view text, size_t from, size_t to, 
 // A curve as the player has it.
 script::Spline makeSpline(const Document& document, int index);
 
-// As a person writes it: at most four decimals, and no zeros at its end.
+// At most four decimals, without trailing zeros.
 std::string formatNumber(double number);
-// The whole text as a finite number, a comma being a point; none otherwise.
+// The whole text as a finite number, with a point or a comma; none if it isn't one.
 std::optional<double> parseNumber(std::string_view text);
-// A time as a person types it: in seconds, or with "b", "bar" or "bars" after it in bars.
+// A time as a user types it: in seconds, or in bars with "b", "bar" or "bars" after the number.
 struct TypedTime {
     double seconds;
     bool inBars;
 };
 std::optional<TypedTime> parseTime(std::string_view text, const Tempo& tempo);
 
-// A text for a comment, without what would end it; never empty.
+// Text that fits into a comment: without "--". Never empty.
 std::string toComment(std::string_view text);
 
 } // namespace zentrak::studio

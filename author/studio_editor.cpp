@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace zentrak::studio {
 
@@ -48,7 +49,7 @@ void Editor::open(std::string text) {
     mInGesture = mGestureChanged = false;
 }
 
-// The part that differs is what changes: what stands around it keeps its selection.
+// Only the part that differs is changed, so that what is around it stays selected.
 void Editor::replace(std::string text, const std::string& label) {
     Document().load(text); // or throws
     cancelGesture();
@@ -103,7 +104,7 @@ std::vector<int> Editor::getSelected(Kind kind) const {
     return indices;
 }
 
-// What is selected without what lies inside of it.
+// What is selected, without what is inside another selected element.
 std::vector<int> Editor::getOutermost() const {
     std::vector<int> result;
     for (const int index : getSelected())
@@ -329,7 +330,7 @@ void Editor::toggleEnabled() {
     perform(on ? "Turn on" : "Turn off", std::move(changes));
 }
 
-// Two neighbours change places; what stands between them stays.
+// Swaps two neighbours; what is between them stays.
 void Editor::reorder(int step) {
     start();
     const std::vector<int> selected = getSelected();
@@ -527,13 +528,11 @@ void Editor::cut() {
     removeSelected();
 }
 
-// Spans go where their like are selected, or else to the end of the script; triggers and splines into the
-// selected span, keys into the selected curve.
+// Spans become siblings of the selected span, or go to the end of the script; triggers and splines go into
+// the selected span, keys into the selected curve.
 void Editor::paste(double time) {
     start();
-    if (mClipboard.empty())
-        return;
-    double first = mClipboard[0].time;
+    double first = std::numeric_limits<double>::max();
     for (const Copied& each : mClipboard)
         first = std::min(first, each.time);
     int span = -1, spline = -1, sibling = -1;
@@ -549,36 +548,29 @@ void Editor::paste(double time) {
     }
     std::vector<Change> changes;
     for (const Copied& each : mClipboard) {
-        int parent = 0, after = -1;
-        switch (each.kind) {
-        case Kind::SPAN:
-            parent = sibling > 0 ? mDocument[sibling].parent : 0;
-            after = sibling;
-            break;
-        case Kind::TRIGGER:
-        case Kind::SPLINE:
-            parent = span;
-            break;
-        case Kind::KEY:
-            parent = spline;
-            break;
-        default:
-            break;
-        }
+        const bool isSpan = each.kind == Kind::SPAN;
+        const int parent = isSpan && sibling > 0 ? mDocument[sibling].parent
+                           : each.kind == Kind::TRIGGER || each.kind == Kind::SPLINE ? span
+                           : each.kind == Kind::KEY                                  ? spline
+                                                                                     : 0;
         if (parent < 0)
             continue;
-        std::string text = each.text;
-        const double start = time + each.time - first - mDocument.getStart(parent);
-        if (each.kind == Kind::SPAN) {
-            setIn(text, "start", start);
-            setIn(text, "end", start + each.length);
-        } else if (each.kind == Kind::TRIGGER || each.kind == Kind::KEY || each.kind == Kind::BOOKMARK) {
-            setIn(text, timeOf(each.kind), start);
-        }
-        if (std::optional<Change> change = mDocument.insert(parent, after, text))
+        const std::string text = getMoved(each, time + each.time - first - mDocument.getStart(parent));
+        if (std::optional<Change> change = mDocument.insert(parent, isSpan ? sibling : -1, text))
             changes.push_back(std::move(*change));
     }
     perform("Paste", std::move(changes), true);
+}
+
+// The text of a copy that begins at `start`, in its parent's time.
+std::string Editor::getMoved(const Copied& copied, double start) {
+    std::string text = copied.text;
+    if (copied.kind == Kind::SPAN || copied.kind == Kind::TRIGGER || copied.kind == Kind::KEY ||
+        copied.kind == Kind::BOOKMARK)
+        setIn(text, timeOf(copied.kind), start);
+    if (copied.kind == Kind::SPAN)
+        setIn(text, "end", start + copied.length);
+    return text;
 }
 
 void Editor::duplicate() {
@@ -590,9 +582,9 @@ void Editor::duplicate() {
             continue;
         std::string text = mDocument.getElementText(index);
         if (element.kind == Kind::SPAN) {
-            const double length = double(element.end) - double(element.start);
-            setIn(text, "start", double(element.end));
-            setIn(text, "end", double(element.end) + length);
+            const double end = double(element.end);
+            setIn(text, "start", end);
+            setIn(text, "end", end + (end - double(element.start)));
         }
         if (std::optional<Change> change = mDocument.insert(element.parent, index, text))
             changes.push_back(std::move(*change));
@@ -600,9 +592,9 @@ void Editor::duplicate() {
     perform("Duplicate", std::move(changes), true);
 }
 
-// The times of all that is in the second half count from its start. What has fired before the cut is due at
-// once there, as after a jump. Of a curve that is not smooth one key at the cut stands for those before it; a
-// smooth one keeps all, since each of its slopes follows from its neighbours.
+// Times in the second half count from its start. Triggers before the cut fire at once there, as after a seek.
+// In a curve that isn't smooth one key at the cut replaces those before it; a smooth one keeps all, since
+// each slope depends on its neighbours.
 std::string Editor::getSecondHalf(int span, double at) const {
     Document half;
     half.load("<script>\n" + mDocument.getElementText(span) + "\n</script>");
@@ -655,7 +647,7 @@ void Editor::cutFirstHalf(std::vector<Change>& changes, int span, double at) con
         } else if (element.kind == Kind::SPAN) {
             setNumber(changes, i, "end", element.end, std::min(double(element.end), at));
         } else if (element.kind == Kind::SPLINE && element.mode != mathbase::SPLINE_SMOOTH) {
-            // The first key after the cut comes to lie at it; the others go.
+            // The first key after the cut is moved to it; the others go.
             std::vector<int> keys = mDocument.getChildren(i, Kind::KEY);
             std::erase_if(keys, [&](int k) { return !(double(mDocument[k].start) > at); });
             const auto next = std::min_element(keys.begin(), keys.end(), [&](int a, int b) {

@@ -11,8 +11,8 @@
 
 namespace zentrak::studio {
 
-// Edits act on the selection unless they say otherwise, and do nothing (not even a step of undo) where they
-// would change nothing. Times are seconds.
+// Edits act on the selection unless they say otherwise. One that would change nothing adds no undo step.
+// Times are seconds.
 class Editor {
 public:
     static constexpr double SHORTEST = 0.01; // of a span, by the mouse; typed it may be any
@@ -23,7 +23,7 @@ public:
 
     const Document& getDocument() const { return mDocument; }
 
-    // A file as it was read: forgets undo and selection. Throws as Document::load.
+    // Begins with the text of a file: clears undo and selection. Throws as Document::load.
     void open(std::string text);
     // The file as it is on disk now, as a step that can be undone. Throws as Document::load.
     void replace(std::string text, const std::string& label);
@@ -39,29 +39,29 @@ public:
     std::vector<int> getSelected() const; // as indices, in the order of the text
     std::vector<int> getSelected(Kind kind) const;
 
-    // Undo and redo. The labels are what undo would take back, and redo bring back; empty without.
+    // The labels say what undo and redo would do; empty if there is nothing.
     bool undo();
     bool redo();
     std::string getUndoLabel() const;
     std::string getRedoLabel() const;
     size_t getUndoCount() const { return mUndo.size(); }
 
-    // A gesture makes one step of all edits until its end: each of them starts over from the text at its
-    // beginning. Edits that take an index end it.
+    // All edits of a gesture are one undo step: each replaces the one before, and starts from the text at the
+    // beginning of the gesture. Edits that take an index end it.
     void beginGesture();
     void endGesture();
-    void cancelGesture(); // all is as at its beginning
+    void cancelGesture(); // and undoes it
     bool inGesture() const { return mInGesture; }
 
     // Values of elements: "name", "start", "end", "time", "value", "repeat", "delay", "type", "state"...
     void set(const std::vector<int>& elements, const std::string& attribute, const std::string& value);
     void setLengths(const std::vector<int>& spans, double length); // the starts stay
     void rename(int element, const std::string& name);             // also a section
-    // Moves what is selected, with all that is in it. Splines move all their keys; `value` is for keys. What
-    // is not before its own time 0 does not come to be.
+    // Moves what is selected, with all that is in it; a spline moves all its keys. `value` is for keys.
+    // Nothing is moved to before time 0 of its parent.
     void move(double seconds, double value);
     void resize(Edge edge, double seconds);  // spans
-    void stretch(Edge edge, double seconds); // spans, and the times of all that is in them with them
+    void stretch(Edge edge, double seconds); // spans, and the times of all that is in them
     void toggleEnabled();                    // spans
     void reorder(int step);                  // the one span or section that is selected: -1 earlier, 1 later
 
@@ -124,11 +124,12 @@ private:
     void setNumber(std::vector<Document::Change>& changes, int element, const char* name, float old,
                    double value) const;
     void moveElement(std::vector<Document::Change>& changes, int element, double seconds, double value) const;
+    static std::string getMoved(const Copied& copied, double start);
     std::string getSecondHalf(int span, double at) const;
     void cutFirstHalf(std::vector<Document::Change>& changes, int span, double at) const;
 };
 
-// The one of two that is nearer to a value; the first if they are equally near.
+// Whichever is nearer to `value`; `best` if both are equally near.
 double nearest(double value, double best, double candidate);
 
 // Where a time snaps to.
@@ -141,12 +142,12 @@ struct Snap {
 
     // The nearest of all within reach, or `time` itself.
     double operator()(double time) const;
-    // `time` plus the least shift by which one of these would come to lie on a target.
+    // `time`, changed by as little as puts one of these edges, shifted by it, on a target.
     double shift(double time, std::span<const double> edges) const;
 };
 
-// The start and end, in the show's time, of every span and bookmark that is not selected nor inside of what
-// is.
+// The start and end, in the show's time, of every span and bookmark that is neither selected nor in a
+// selected span.
 std::vector<double> getEdges(const Editor& editor);
 
 } // namespace zentrak::studio

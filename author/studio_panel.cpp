@@ -165,6 +165,17 @@ void Panel::addKey(const std::vector<int>& elements) {
     addNumber(elements, "Value", "value", [](const Element& e) { return double(e.number); });
 }
 
+void Panel::addSpline(const std::vector<int>& elements) {
+    const Document& document = mEditor.getDocument();
+    const Element& spline = document[elements[0]];
+    std::vector<std::string> names;
+    if (const kindler::EffectNames* const effect = findNames(document[spline.parent].name))
+        names.assign(effect->splines.begin(), effect->splines.end());
+    addText(elements, "Curve", "name", std::move(names));
+    const std::vector<std::string> modes = {"square", "linear", "smooth"};
+    add({"Type", "type", "", modes[size_t(std::clamp(spline.mode, 0, 2))], modes});
+}
+
 void Panel::addTempo() {
     const Tempo tempo = mEditor.getDocument().getTempo();
     add({"Tempo", "bpm", "beats/min", formatNumber(double(tempo.bpm)), {}, Entry::NUMBER});
@@ -172,7 +183,7 @@ void Panel::addTempo() {
     add({"First bar", "tempo start", "seconds", formatNumber(double(tempo.start)), {}, Entry::NUMBER});
 }
 
-// The panel is of the kind that was selected first, and of all of that kind.
+// All that are of the kind that was selected first.
 std::vector<int> Panel::getElements() const {
     const Document& document = mEditor.getDocument();
     std::vector<int> elements;
@@ -214,19 +225,9 @@ void Panel::fill() {
     case Kind::KEY:
         addKey(elements);
         break;
-    case Kind::SPLINE: {
-        std::vector<std::string> names;
-        if (const kindler::EffectNames* const effect = findNames(document[first.parent].name))
-            names.assign(effect->splines.begin(), effect->splines.end());
-        addText(elements, "Curve", "name", std::move(names));
-        static const char* const MODES[] = {"square", "linear", "smooth"};
-        add({"Type",
-             "type",
-             "",
-             MODES[size_t(std::clamp(first.mode, 0, 2))],
-             {"square", "linear", "smooth"}});
+    case Kind::SPLINE:
+        addSpline(elements);
         break;
-    }
     case Kind::SECTION:
         addText(elements, "Name", "section", {});
         break;
@@ -254,7 +255,7 @@ void Panel::apply(size_t field, const std::string& text) {
     }
     if ((!value || !applyTo(entry, *value)) && mOnRefused)
         mOnRefused(entry.label + " can't be '" + text + "'");
-    mVersion = 0; // shows what is there now, whether it was taken or not
+    mVersion = 0; // show the present value, whether it was taken or not
     update();
 }
 

@@ -29,9 +29,9 @@ public:
 
     void update(); // shows what is selected now; before each frame
     bool hasKeys() const;
-    void leaveKeys(); // what is typed counts
+    void leaveKeys(); // and takes over what was typed
     void editField(const std::string& label);
-    // The field with this label, or null. For tests too.
+    // The field with this label, or null.
     panorama::EntryField* findField(const std::string& label);
 
     int handleEvent(panorama::Event& event) override;
@@ -41,8 +41,8 @@ private:
     // One number or text of the selected elements.
     struct Entry {
         std::string label;
-        std::string attribute; // as Editor::set takes it, or "" for what set() below knows
-        std::string hint;      // behind the field
+        std::string attribute; // as Editor::set takes it, or one that applyTo knows
+        std::string hint;      // after the field
         std::string value;
         std::vector<std::string> choices;                // of the menu beside it
         enum { TEXT, NUMBER, TIME, LENGTH } type = TEXT; // a time or a length may be typed in bars
@@ -52,7 +52,7 @@ private:
     panorama::Overlay& mOverlay;
     std::vector<panorama::EntryField*> mFields; // the children
     std::vector<Entry> mEntries;
-    std::vector<uint32_t> mFieldsOf; // the selection that they are of
+    std::vector<uint32_t> mFieldsOf; // the selection that they show
     std::string mTitle, mSubtitle;
     uint32_t mVersion = 0;
 
@@ -61,11 +61,12 @@ private:
     void addSpan(const std::vector<int>& elements);
     void addTrigger(const std::vector<int>& elements);
     void addKey(const std::vector<int>& elements);
+    void addSpline(const std::vector<int>& elements);
     void addTempo();
     void add(Entry entry) { mEntries.push_back(std::move(entry)); }
     void addNumber(const std::vector<int>& elements, const std::string& label, const std::string& attribute,
                    double (*get)(const Element&), const std::string& hint = "");
-    // In seconds, with the bars behind it.
+    // In seconds, with the bars after the field.
     void addTime(const std::vector<int>& elements, const std::string& label, const std::string& attribute,
                  double (*get)(const Element&));
     double getShift(int element) const;
