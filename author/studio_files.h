@@ -34,8 +34,8 @@ public:
     // Writes the file, unless something else than `known` is there and `overwrite` is not set.
     Saved save(const std::string& text, const std::string& known, bool overwrite);
 
-    // Keeps the work of this studio. It is with the kernel when this returns, so that no end of the process
-    // can lose it, but not yet on the disk: that would hold up every edit.
+    // Keeps the work of this studio. The kernel has it when this returns, so that a killed process loses
+    // nothing; it isn't synced to disk, which would hold up every edit.
     bool keepUnsaved(const std::string& text);
     void dropUnsaved();
 

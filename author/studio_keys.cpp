@@ -271,7 +271,7 @@ void Window::rename() {
         }
 }
 
-// What the selected spans cover; none without any.
+// The time that the selected spans cover; none if there are none.
 std::optional<std::pair<double, double>> Window::getSelectedTime() const {
     const Document& document = mEditor.getDocument();
     std::pair<double, double> range(1e9, -1e9);
@@ -416,7 +416,7 @@ void Window::addElementItems(std::vector<panorama::MenuItem>& items, Vector2f pl
     items.push_back({"Copy", "Ctrl+C", [this] { copy(); }});
     items.push_back({"Cut", "Ctrl+X", [this] { cut(); }});
     items.push_back({"Duplicate", "Ctrl+D", [this] { duplicate(); }});
-    // A lane is of a curve that need not be selected.
+    // A click on a lane opens the menu of its curve, which may not be selected.
     items.push_back({"Delete", "Del", [this, element] {
                          if (!mEditor.isSelected(mEditor.getDocument()[element].id))
                              mEditor.select({mEditor.getDocument()[element].id});

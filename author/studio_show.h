@@ -19,8 +19,7 @@
 
 namespace zentrak::studio {
 
-// Everything belongs to the main thread. What an effect throws ends that effect until something changes, and
-// not the program.
+// All belongs to the main thread. An effect that throws is left out until something changes.
 class Show {
 public:
     static constexpr int STILL = 120; // frames with the same picture: two seconds, for particles that are due
@@ -42,14 +41,14 @@ public:
     void setup();
     // The scripts that the setup file names, in the order in which they are played.
     const std::vector<std::string>& getScripts() const { return mKindler.mScripts; }
-    // Which of them the document is; the others are played as they are on disk. At first the last one.
+    // Chooses the one that the document is; the others are played as they are on disk. The last one at first.
     void edit(size_t script);
     size_t getEdited() const { return mEdited; }
     // The first folder that has the edited script; the current one if it is nowhere, and empty if it is in a
     // zip file.
     std::string getScriptFolder();
 
-    // Opens the window, the sound and all effects. The show stands still at its start time.
+    // Opens the window, the sound and all effects. The show is paused at its start time.
     void open(int width, int height, const std::string& title);
     display::DisplayGL& getDisplay() { return *mKindler.mDisplay; }
     float getAspect() const; // of the picture, width by height
@@ -84,8 +83,8 @@ public:
     // effects move on while the show is paused.
     bool isStill() const { return mSameFrames >= STILL && !isPlaying() && !mReplaying && !mDecoding; }
 
-    // Loads again what has read one of these files. What fails keeps what it had, and is a failure until
-    // it is mended.
+    // Reloads all effects and scripts that have read one of these files. One that fails stays as it was, and
+    // is reported as a failure until it is mended.
     void reload(const std::vector<std::string>& names);
     std::vector<Failure> getFailures() const;
 
@@ -107,7 +106,7 @@ private:
     // A script that is not edited. The engine owns its spans.
     struct Other {
         std::vector<script::Effect*> spans;
-        std::string failure; // they are those of before
+        std::string failure; // not empty: the spans are those that were loaded before
     };
 
     Driver mKindler; // first: the window has to outlive what is drawn in it

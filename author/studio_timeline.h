@@ -55,7 +55,7 @@ public:
     double mScrollTime = 0; // seconds, at the left of the axis
     float mScrollRows = 0;  // pixels
 
-    // A context menu is wanted at a place: at this time of the show, and for a curve at this value.
+    // The user asks for a menu at this position, time of the show and, for a curve, value.
     std::function<void(Vector2f place, int element, double time, double value)> mOnMenu;
     std::function<void(int element)> mOnRename;
 
@@ -85,14 +85,14 @@ public:
 
     double getGrid() const; // seconds between the lines that are drawn, and the step of a nudge
     Snap makeSnap(bool held) const;
-    // To a line, and a hair on: the numbers of a script are rounded, as is a position in the sound, and what
-    // begins at the line is to have begun.
+    // A hair past a line of the grid, so that what begins there has begun: the numbers of a script are
+    // rounded, and so is the position in the sound.
     void seekLine(double time) { mShow.seek(time + 1e-4); }
     double getMouseTime() const { return toTime(mMouse.x); }
     bool isMouseInside() const { return isInside(mArea.world, mMouse); }
 
     bool isDragging() const { return mDrag != Drag::NONE; }
-    void cancelDrag(); // all is as it was before
+    void cancelDrag(); // and undoes it
     void onCaptureLost() override;
     int handleEvent(panorama::Event& event) override;
     bool acceptEvents(panorama::Event& event) override;
@@ -109,7 +109,7 @@ private:
     std::vector<Row> mRows;
     std::vector<int> mRowOf; // by element; -1 without
     float mRowsHeight = 0;
-    uint32_t mVersion = 0; // of the document that the rows are of
+    uint32_t mVersion = 0; // of the document that the rows show
     bool mFoldChanged = true;
     std::set<uint32_t> mOpen;       // spans that show what is in them
     std::set<uint32_t> mFolded;     // sections that do not
@@ -151,6 +151,7 @@ private:
     // Mouse (studio_timeline_mouse.cpp)
     void press(const panorama::Event& event);
     void pressPlace(const panorama::Event& event);
+    void pressRight(const panorama::Event& event);
     void pressElement(const panorama::Event& event);
     void release(const panorama::Event& event);
     void move(const panorama::Event& event);

@@ -71,18 +71,7 @@ void Timeline::pressPlace(const Event& event) {
         return;
     }
     if (event.button == display::MOUSE_RIGHT) {
-        // Of a lane it is the curve's; a name's time is the beginning of its span.
-        const bool element = mPressed.element > 0 &&
-                             (mPressed.part != Place::LANE || mRows[size_t(mPressed.row)].type == Row::CURVE);
-        if (mPressed.part == Place::LABEL || mPressed.part == Place::FOLD)
-            mPressTime = getDocument().getStart(mPressed.element);
-        if (element && !mEditor.isSelected(getDocument()[mPressed.element].id))
-            mEditor.select({getDocument()[mPressed.element].id});
-        double value = 0;
-        if (mPressed.row >= 0 && mRows[size_t(mPressed.row)].type == Row::CURVE)
-            value = toValue(mPressed.row, getRange(mRows[size_t(mPressed.row)].element), mPress.y);
-        if (mOnMenu)
-            mOnMenu(mPress, mPressed.element, makeSnap(event.alt())(mPressTime), value);
+        pressRight(event);
         return;
     }
     if (event.button != display::MOUSE_LEFT)
@@ -116,12 +105,27 @@ void Timeline::pressPlace(const Event& event) {
     }
 }
 
+void Timeline::pressRight(const Event& event) {
+    // In a lane only a curve's own menu is wanted. A menu on a name is for the beginning of its span.
+    const bool element = mPressed.element > 0 &&
+                         (mPressed.part != Place::LANE || mRows[size_t(mPressed.row)].type == Row::CURVE);
+    if (mPressed.part == Place::LABEL || mPressed.part == Place::FOLD)
+        mPressTime = getDocument().getStart(mPressed.element);
+    if (element && !mEditor.isSelected(getDocument()[mPressed.element].id))
+        mEditor.select({getDocument()[mPressed.element].id});
+    double value = 0;
+    if (mPressed.row >= 0 && mRows[size_t(mPressed.row)].type == Row::CURVE)
+        value = toValue(mPressed.row, getRange(mRows[size_t(mPressed.row)].element), mPress.y);
+    if (mOnMenu)
+        mOnMenu(mPress, mPressed.element, makeSnap(event.alt())(mPressTime), value);
+}
+
 void Timeline::pressElement(const Event& event) {
     const Document& document = getDocument();
     const uint32_t id = document[mPressed.element].id;
     mSelectOnRelease = false;
     if (document[mPressed.element].kind == Kind::SECTION && !event.ctrl()) {
-        // The head of a section stands for all that is in it.
+        // A section's name selects all that is in it.
         std::vector<uint32_t> ids = {id};
         for (int i = document[mPressed.element].next;
              i < document.getSize() && document[i].kind != Kind::SECTION; i = document[i].next)

@@ -186,7 +186,7 @@ void Window::onDraw() {
     mOwnTime = seconds() - afterPicture + beforePicture - start;
 }
 
-// What the picture leaves of its part of the window, and what stands on it.
+// The background around the picture, and what is shown on top of it.
 void Window::drawPictureGround() {
     Paint paint(mWorkspace.mRender);
     paint.unclip();
@@ -246,7 +246,6 @@ void Window::drawErrors() {
                    color::ink);
 }
 
-// The title tells of unsaved work.
 void Window::showTitle() {
     const std::string title = mFile->getName() + (mEditor.isSaved() ? "" : " *") + " - Zentrak studio";
     if (title == mTitle)
@@ -293,7 +292,7 @@ void Window::openScript(size_t script) {
         waitForScript();
 }
 
-// Takes over other text than the file's, as a step that can be undone.
+// Goes on with another text than the file's, as a step that can be undone.
 void Window::startFrom(const std::string& text, const std::string& label) {
     try {
         mEditor.replace(text, label);
@@ -308,7 +307,7 @@ void Window::startFrom(const std::string& text, const std::string& label) {
     say("Ctrl+S saves it as " + mFile->getName());
 }
 
-// A script that can't be read when it is opened stands as a question until it is mended.
+// A script that can't be read when it is opened: asks what to do, until it is mended.
 void Window::waitForScript() {
     mWaiting = true;
     const std::optional<std::string> orphan = mFile->takeOrphan(), backup = mFile->readBackup();
@@ -387,7 +386,7 @@ void Window::save() {
         say("Saved " + mFile->getName());
 }
 
-// Whether it is written. Asks where the file has changed meanwhile.
+// Returns whether the file is written. Asks if it has changed on disk meanwhile.
 bool Window::write(bool overwrite) {
     mEditor.endGesture();
     const std::string text = mEditor.getDocument().getText();
@@ -520,7 +519,7 @@ void Window::togglePreview() {
     }
 }
 
-// What can't be loaded leaves the one that is shown.
+// If it can't be loaded, the present one stays.
 void Window::loadPreview() {
     mFileErrors.erase(PREVIEW);
     try {

@@ -148,4 +148,26 @@ Picture StudioTest::picture() {
     return picture;
 }
 
+void StudioTest::copyFolder(const std::string& name) {
+    std::filesystem::remove(mDir.file(name));
+    std::filesystem::copy(sourcePath("data/" + name), mDir.file(name));
+}
+
+std::string StudioTest::breakAndMend(const std::string& file, const std::string& bad,
+                                     const std::string& named, const std::function<void()>& meanwhile) {
+    window();
+    EXPECT_TRUE(window().getErrors().empty());
+    const std::string good = readFile(mDir.file(file));
+    writeFile(mDir.file(file), bad);
+    until("the error", [&] { return !window().getErrors().empty(); });
+    std::string error;
+    for (const std::string& line : window().getErrors())
+        error += line + "\n";
+    EXPECT_NE(error.find(named), std::string::npos) << error;
+    meanwhile();
+    writeFile(mDir.file(file), good);
+    until("no error", [&] { return window().getErrors().empty(); });
+    return error;
+}
+
 } // namespace zentrak::test

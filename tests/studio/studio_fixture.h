@@ -56,6 +56,14 @@ protected:
     void key(const std::string& name) { viewer().key(name); }
     Picture picture(); // what the window shows
 
+    // A folder of data/ that the test may change: the fixture's own are links.
+    void copyFolder(const std::string& name);
+    // Breaks a file, waits until an error shows that contains `named`, mends the file, and waits until there
+    // is none. Returns the error.
+    std::string breakAndMend(
+        const std::string& file, const std::string& bad, const std::string& named,
+        const std::function<void()>& meanwhile = [] {});
+
 private:
     TempDir mDir;
     std::unique_ptr<WorkingDir> mHere;

@@ -500,8 +500,7 @@ TEST_F(StudioTest, ThePlayersEditorShowsAChangeOfItsLayout) {
 }
 
 TEST_F(StudioTest, ASceneThatCantBeReadLeavesTheLastOneRunning) {
-    std::filesystem::remove(dir().file("face"));
-    std::filesystem::copy(sourcePath("data/face"), dir().file("face"));
+    copyFolder("face");
     mScript.replace(mScript.find("name=\"grid\""), 11, "name=\"face\"");
     window();
     show().seek(7);
@@ -509,52 +508,33 @@ TEST_F(StudioTest, ASceneThatCantBeReadLeavesTheLastOneRunning) {
     const Picture before = picture();
     const std::string good = readFile(dir().file("face/face.o3d"));
     for (const std::string& bad : {std::string("nonsense"), std::string(), good.substr(0, 9)}) {
-        writeFile(dir().file("face/face.o3d"), bad);
-        until("the error", [&] { return !window().getErrors().empty(); });
-        EXPECT_EQ(window().getErrors()[0].substr(0, 12), "effect face:");
-        EXPECT_NE(window().getErrors()[0].find("face/face.o3d"), std::string::npos)
-            << window().getErrors()[0];
-        EXPECT_LT(comparePictures(before, picture()).changed, 0.06) << "but for the error on it";
-        writeFile(dir().file("face/face.o3d"), good);
-        until("no error", [&] { return window().getErrors().empty(); });
+        const std::string error = breakAndMend("face/face.o3d", bad, "face/face.o3d", [&] {
+            EXPECT_LT(comparePictures(before, picture()).changed, 0.06) << "but for the error on it";
+        });
+        EXPECT_EQ(error.substr(0, 12), "effect face:");
     }
 }
 
 TEST_F(StudioTest, ParticlesThatCantBeReadAreNamed) {
-    std::filesystem::remove(dir().file("spark"));
-    std::filesystem::copy(sourcePath("data/spark"), dir().file("spark"));
-    window();
-    const std::string good = readFile(dir().file("spark/spark.xml"));
-    for (const char* bad : {"<spark><instance", "<spark></spark>", "<other></other>"}) {
-        writeFile(dir().file("spark/spark.xml"), bad);
-        until("the error", [&] { return !window().getErrors().empty(); });
-        EXPECT_NE(window().getErrors()[0].find("spark/spark.xml"), std::string::npos);
-        writeFile(dir().file("spark/spark.xml"), good);
-        until("no error", [&] { return window().getErrors().empty(); });
-    }
+    copyFolder("spark");
+    for (const char* bad : {"<spark><instance", "<spark></spark>", "<other></other>"})
+        breakAndMend("spark/spark.xml", bad, "spark/spark.xml");
 }
 
 TEST_F(StudioTest, AShaderIsLoadedAgainAndABrokenOneNamesItsLine) {
-    std::filesystem::remove(dir().file("tunnel"));
-    std::filesystem::copy(sourcePath("data/tunnel"), dir().file("tunnel"));
-    window();
-    EXPECT_TRUE(window().getErrors().empty());
-    const std::string good = readFile(dir().file("tunnel/tunnel.frag"));
-    writeFile(dir().file("tunnel/tunnel.frag"), "void main() {\n    nonsense;\n}\n");
-    until("the error", [&] { return !window().getErrors().empty(); });
-    std::string all;
-    for (const std::string& line : window().getErrors())
-        all += line + "\n";
-    EXPECT_NE(all.find("tunnel/tunnel.frag"), std::string::npos) << all;
-    EXPECT_NE(all.find(":2"), std::string::npos) << all;
-    writeFile(dir().file("tunnel/tunnel.frag"), good);
-    until("no error", [&] { return window().getErrors().empty(); });
+    copyFolder("tunnel");
+    const std::string error =
+        breakAndMend("tunnel/tunnel.frag", "void main() {\n    nonsense;\n}\n", "tunnel/tunnel.frag");
+    EXPECT_NE(error.find(":2"), std::string::npos) << error;
+}
+
+TEST_F(StudioTest, ABrokenLayoutIsNamed) {
+    breakAndMend("layout.xml", "<panorama>\n<flow id=>\n", "layout.xml:");
 }
 
 // What the effects share is theirs alone: neither a click on a span nor a file that can't be used changes it.
 TEST_F(StudioTest, ASelectionAndABrokenShaderLeaveThePictureAlone) {
-    std::filesystem::remove(dir().file("kub"));
-    std::filesystem::copy(sourcePath("data/kub"), dir().file("kub"));
+    copyFolder("kub");
     mScript.replace(mScript.find("name=\"grid\""), 11, "name=\"kub\"");
     window();
     show().seek(8);
@@ -578,16 +558,6 @@ TEST_F(StudioTest, ASelectionAndABrokenShaderLeaveThePictureAlone) {
     EXPECT_TRUE(same(picture(), 20)) << "below the error";
     std::filesystem::remove_all(dir().file("kub"));
     std::filesystem::copy(sourcePath("data/kub"), dir().file("kub"));
-    until("no error", [&] { return window().getErrors().empty(); });
-}
-
-TEST_F(StudioTest, ABrokenLayoutIsNamed) {
-    window();
-    const std::string good = readFile(dir().file("layout.xml"));
-    writeFile(dir().file("layout.xml"), "<panorama>\n<flow id=>\n");
-    until("the error", [&] { return !window().getErrors().empty(); });
-    EXPECT_EQ(window().getErrors()[0].substr(0, 11), "layout.xml:");
-    writeFile(dir().file("layout.xml"), good);
     until("no error", [&] { return window().getErrors().empty(); });
 }
 
