@@ -591,6 +591,19 @@ TEST_F(StudioTest, AReplayBringsEffectsToWhatPlayingWouldGive) {
     EXPECT_GT(comparePictures(jumped, picture()).changed, 0.003);
 }
 
+TEST_F(StudioTest, AllThatFollowsIsSelectedAndMovedAtOnce) {
+    window();
+    editor().addBookmark(13, "later");
+    show().seek(4); // where the grid begins
+    key("ctrl+shift+a");
+    until("the selection", [&] { return editor().getSelection().size() == 3; });
+    key("shift+Right");
+    until("the move", [&] { return at("overlay").start == 14; });
+    EXPECT_EQ(at("clear").start, 0);
+    EXPECT_EQ(at("grid").start, 6);
+    EXPECT_EQ(at("later").start, 15);
+}
+
 TEST_F(StudioTest, TheInterfaceScales) {
     mWidth = 1300;
     mHeight = 1000;
