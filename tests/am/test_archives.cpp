@@ -462,6 +462,14 @@ TEST_F(Directory, AFileThatIsAMountOfItsOwnIsOverwritten) {
     EXPECT_EQ(namesIn("."), (std::set<std::string>{"below", "x"}));
 }
 
+TEST_F(Directory, AFileOfMoreThanAGigabyteIsNotRead) {
+    writeFile("huge", "");
+    fs::resize_file("huge", uintmax_t(zentrak::am::ArchiveBase::MAX_LENGTH) + 1); // takes no space
+    CaptureStdout output;
+    EXPECT_TRUE(mDirectory.read("huge").isNull());
+    EXPECT_NE(output.text().find("huge' is longer than 1073741824 bytes and is not read"), std::string::npos);
+}
+
 TEST_F(Directory, WritingWithoutLinksReplacesALink) {
     writeFile("outside", "outside");
     fs::create_directory("a");
