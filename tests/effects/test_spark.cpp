@@ -8,6 +8,7 @@
 
 #include <cmath>
 #include <gtest/gtest.h>
+#include <optional>
 
 using namespace zentrak;
 using mathbase::Matrix4x4Col;
@@ -20,9 +21,12 @@ namespace {
 class SparkTest : public test::GlTest {
 protected:
     kindler::Spark mSpark{nullptr};
+    std::optional<test::OwnFiles> mOwn;
 
     void SetUp() override {
         test::CaptureStdout quiet;
+        mOwn.emplace(display());
+        mOwn->write("spark/spark.xml", test::readFile(test::sourcePath("tests/data/spark/sun.xml")));
         test::prepare(mSpark, display(), "spark");
         display().setFps(display::DisplayGL::FPS_DELTA, 25);
         sparks::Engine& engine = *mSpark.getEngine();

@@ -144,6 +144,7 @@ TEST_F(Film, AStillIsThePictureThatPlayingUpToItGives) {
            "<effect name=\"spark\" start=\"0\" end=\"20\"/>"
            "<effect name=\"rund\" start=\"0\" end=\"20\"><trigger name=\"shot\" repeat=\"9\" delay=\"1\"/>"
            "<spline name=\"alpha\"><key time=\"0\" value=\"1\"/></spline></effect>");
+    writeFile(file("spark/spark.xml"), readFile(sourcePath("tests/data/spark/sun.xml")));
     const auto [status, text] = run("--frames frames --rate 10 --to 9 --seed 1");
     ASSERT_EQ(0, status) << text;
     for (const char* second : {"1.5", "8.9"}) {

@@ -660,6 +660,7 @@ TEST_F(StudioTest, WhatMovesWhilePausedIsDrawn) {
     mHeight = 480;
     mScript.replace(mScript.find("name=\"grid\""), 11, "name=\"spark\"");
     mScript.replace(mScript.find("white"), 5, "black");
+    writeFile(dir().file("spark/spark.xml"), readFile(sourcePath("tests/data/spark/sun.xml")));
     window();
     show().seek(9);
     for (int i = 0; i < studio::Show::STILL + 60; ++i)
