@@ -100,9 +100,8 @@ public:
 
     // Seconds of the show at which the local time of `index` is 0: the sum of the spans around it.
     double getOrigin(int index) const;
-    double getStart(int index) const {
-        return getOrigin(index) + double((*this)[index].start);
-    } // in the show
+    // Seconds of the show.
+    double getStart(int index) const { return getOrigin(index) + double((*this)[index].start); }
     double getEnd(int index) const { return getOrigin(index) + double((*this)[index].end); }
     bool isInside(int index, int ancestor) const;
     int getLine(size_t position) const; // from 1 on
