@@ -1,15 +1,10 @@
 // The real show on an OpenGL without memory: each call that allocates fails once, while the show loads or in
 // one of its frames. The show has to end with an exception that says so, and the next one plays.
-#include "dis_display.h"
 #include "dis_key.h"
-#include "effect_names.h"
 #include "kin_gui.h"
-#include "kin_main.h"
+#include "played_show.h"
 #include "refuse_gl.h"
-#include "support.h"
-#include "ztk_system.h"
 
-#include <filesystem>
 #include <gtest/gtest.h>
 #include <string>
 
@@ -21,48 +16,16 @@ namespace {
 constexpr float STEP = 20; // seconds of the show between two frames
 constexpr int FRAMES = 10;
 
-// Jumps from frame to frame, with the editor open in every second one, and ends the show.
-class Jumps : public kindler::Effect, public display::Listener {
-public:
-    explicit Jumps(kindler::Kindler& kindler) : mKindler(kindler) {}
-
-    int count() const { return mCount; }
-
-    void setup() override { attachToDisplay(mDisplay); }
-    void update(float, float, float) override {}
-    void onDraw() override {
-        if (++mCount == FRAMES)
-            mDisplay->mQuittingBlocking = true;
-        mKindler.setTime(float(mCount) * STEP);
+// Jumps from frame to frame, with the editor open in every second one.
+std::string jumpThroughShow(int& frames) {
+    return playShow([&](kindler::Kindler& kindler, int count) {
+        frames = count;
+        kindler.setTime(float(count) * STEP);
         display::KeyEvent tab;
         tab.key = display::KEY_TAB;
-        mKindler.mGui->onKeyDown(tab);
-    }
-
-private:
-    using kindler::Effect::mDisplay;
-
-    kindler::Kindler& mKindler;
-    int mCount = 0;
-};
-
-// Plays the show, and returns what ended it: empty for its end.
-std::string play(int& frames) {
-    kindler::Kindler kindler;
-    try {
-        kindler.setup();
-        kindler::Common common;
-        kindler::EffectSet effects(common);
-        effects.forEach(
-            [&](const char* name, kindler::Effect& effect) { kindler.addCallback(name, effect); });
-        Jumps jumps(kindler);
-        kindler.addCallback("jumps", jumps);
-        kindler.run();
-        frames = jumps.count();
-    } catch (const Exception& e) {
-        return e.what();
-    }
-    return "";
+        kindler.mGui->onKeyDown(tab);
+        return count < FRAMES;
+    });
 }
 
 bool saysSo(const std::string& text) {
@@ -75,20 +38,14 @@ bool saysSo(const std::string& text) {
 } // namespace
 
 TEST(GlRefused, EachAllocationEndsTheShowWithAWord) {
-    TempDir dir;
-    const WorkingDir inside(dir.path());
-    for (const auto& entry : std::filesystem::directory_iterator(sourcePath("data")))
-        if (entry.path().filename() != "setup.xml")
-            std::filesystem::create_symlink(entry.path(), dir.file(entry.path().filename().string()));
-    writeFile("setup.xml", "<demo><display title=\"Refused\" width=\"64\" height=\"40\"/>"
-                           "<script filename=\"script.xml\"/><music mute=\"nosound\"/></demo>");
+    const SmallShow show;
     int number = 0, frames = 0;
     for (bool refused = true; refused; ++number) {
         std::string end;
         {
             CaptureStdout quiet;
             refuseGl(number + 1);
-            end = play(frames);
+            end = jumpThroughShow(frames);
             refused = wasGlRefused();
             refuseGl(0);
         }
