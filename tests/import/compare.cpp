@@ -101,7 +101,7 @@ private:
     // FBX specifies its axes and unit; assimp passes them on without applying them.
     void readFrame() {
         int32_t up = 1, front = 2, right = 0, upSign = 1, frontSign = 1, rightSign = 1;
-        double unit = 100;
+        float unit = 100;
         if (const aiMetadata* const data = mScene->mMetaData) {
             data->Get("UnitScaleFactor", unit);
             data->Get("UpAxis", up);
@@ -111,7 +111,7 @@ private:
             data->Get("CoordAxis", right);
             data->Get("CoordAxisSign", rightSign);
         }
-        mUnit = unit / 100;
+        mUnit = double(unit) / 100;
         mAxis[0] = right, mAxis[1] = up, mAxis[2] = front;
         mSign[0] = rightSign, mSign[1] = upSign, mSign[2] = frontSign;
     }

@@ -20,6 +20,8 @@
 #include <map>
 #include <numbers>
 #include <random>
+#include <sys/resource.h>
+#include <tuple>
 #include <unistd.h>
 
 using namespace zentrak;
@@ -44,6 +46,15 @@ std::unique_ptr<o3d::Manager> load(const Conversion& conversion) {
 bool contains(const std::vector<std::string>& list, const std::string& text) {
     return std::any_of(list.begin(), list.end(),
                        [&](const std::string& line) { return line.find(text) != std::string::npos; });
+}
+
+const o3d::SceneNode* findNode(const o3d::SceneNode& top, const std::string& name) {
+    if (top.mName == name)
+        return &top;
+    for (const o3d::SceneNode* child : top.mChildren)
+        if (const o3d::SceneNode* const found = findNode(*child, name))
+            return found;
+    return nullptr;
 }
 
 std::string refusalOf(const std::function<void()>& work) {
@@ -92,8 +103,10 @@ std::string floats(const std::vector<float>& values) {
     return bytes;
 }
 
-// A node that moves to 1, 1, 1 and 3, 3, 3 at the seconds 1 and 2.
-std::string movingNode(const std::string& interpolation, const std::vector<float>& values) {
+// A node whose translation, rotation or scale has keys at the seconds 0, 1 and 2.
+std::string movingNode(const std::string& interpolation, const std::vector<float>& values,
+                       const std::string& path = "translation") {
+    const bool rotates = path == "rotation";
     const std::string data = floats({0, 1, 2}) + floats(values);
     return R"({"asset":{"version":"2.0"},"scene":0,"scenes":[{"nodes":[0]}],"nodes":[{"name":"lamp \"A\""}],
         "buffers":[{"byteLength":)" +
@@ -102,9 +115,39 @@ std::string movingNode(const std::string& interpolation, const std::vector<float
            std::to_string(data.size() - 12) + R"(}],
         "accessors":[{"bufferView":0,"componentType":5126,"count":3,"type":"SCALAR","min":[0],"max":[2]},
             {"bufferView":1,"componentType":5126,"count":)" +
-           std::to_string(values.size() / 3) + R"(,"type":"VEC3"}],
+           std::to_string(values.size() / (rotates ? 4 : 3)) + R"(,"type":")" + (rotates ? "VEC4" : "VEC3") +
+           R"("}],
         "animations":[{"samplers":[{"input":0,"output":1,"interpolation":")" +
-           interpolation + R"("}],"channels":[{"sampler":0,"target":{"node":0,"path":"translation"}}]}]})";
+           interpolation + R"("}],"channels":[{"sampler":0,"target":{"node":0,"path":")" + path +
+           R"("}}]}]})";
+}
+
+// A glTF file in binary form, with the bytes of its one buffer in place of their base64.
+std::string binaryGltf(std::string json, const std::string& data) {
+    const size_t uri = json.find(",\"uri\"");
+    json.erase(uri, json.find('"', json.find("base64,")) + 1 - uri);
+    while (json.size() % 4)
+        json += ' ';
+    const auto number = [](size_t value) {
+        std::string bytes;
+        for (int shift = 0; shift < 32; shift += 8)
+            bytes += char(value >> shift & 255);
+        return bytes;
+    };
+    return "glTF" + number(2) + number(28 + json.size() + data.size()) + number(json.size()) + "JSON" + json +
+           number(data.size()) + std::string("BIN\0", 4) + data;
+}
+
+// A node whose matrix shears, and a child that is moved, with the same triangle.
+std::string shearedNode() {
+    const std::string data = floats({0, 0, 0, 1, 0, 0, 0, 1, 0});
+    return R"({"asset":{"version":"2.0"},"scene":0,"scenes":[{"nodes":[0]}],
+        "nodes":[{"name":"slab","mesh":0,"children":[1],"matrix":[1,0,0,0, 0.7,2,0,0, 0,0.3,1,0, 4,5,6,1]},
+            {"name":"on it","mesh":0,"translation":[1,2,3]}],
+        "meshes":[{"primitives":[{"attributes":{"POSITION":0}}]}],
+        "buffers":[{"byteLength":36,"uri":"data:application/octet-stream;base64,)" +
+           base64(data) + R"("}],"bufferViews":[{"buffer":0,"byteLength":36}],
+        "accessors":[{"bufferView":0,"componentType":5126,"count":3,"type":"VEC3","min":[0,0,0],"max":[1,1,0]}]})";
 }
 
 // A camera on an arm of 3 units that turns about y, a quarter turn per second.
@@ -132,6 +175,27 @@ Part part(const std::vector<std::array<float, 3>>& positions,
     result.texCoords = texCoords;
     result.triangles = triangles;
     return result;
+}
+
+// A triangle in a root at 0, 5, 0, and one in its child `leaf`, at 10, 0, 0 from there, which moves away from
+// x = 10 at the second 0.
+Model twoNodes() {
+    Model model;
+    model.parts.push_back(part({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {}, {{0, 1, 2}}));
+    model.nodes.resize(2);
+    model.nodes[0].name = "root";
+    model.nodes[1].name = "leaf";
+    model.nodes[1].parent = 0;
+    model.nodes[0].parts = model.nodes[1].parts = {0};
+    Matrix::Translation(Vector(0, 5, 0), model.nodes[0].matrix);
+    Matrix::Translation(Vector(10, 0, 0), model.nodes[1].matrix);
+    Animation walk;
+    walk.name = "walk";
+    walk.channels.resize(1);
+    walk.channels[0].node = "leaf";
+    walk.channels[0].positions = {{0, {10, 0, 0}}, {1, {90, 0, 0}}};
+    model.animations.push_back(walk);
+    return model;
 }
 
 // Makes the normals, as the show does, in a process of its own.
@@ -187,9 +251,10 @@ TEST(Transform, AMatrixThatShearsMirrorsOrFlattensIsDecomposedAndComposedAgain) 
         for (unsigned row = 0; row < 3; ++row)
             for (unsigned column = 0; column < 4; ++column)
                 matrix[row][column] = number(random);
-        if (i % 5 == 0)
+        const int flat = i % 4; // columns that are 0
+        for (int column = 0; column < flat; ++column)
             for (unsigned row = 0; row < 3; ++row)
-                matrix[row][i / 5 % 3] = 0;
+                matrix[row][(i / 4 + column) % 3] = 0;
         const Trs parts = decompose(matrix);
         const Matrix again =
             toMatrix(parts.position, parts.rotation, parts.scale) * Matrix(parts.inner.GetMatrix());
@@ -306,6 +371,123 @@ TEST(Import, InvalidDataFromTheReadingProcessIsRefused) {
     }
 }
 
+TEST(Import, DataThatTheReadingProcessCutsShortIsRefused) {
+    Model model = twoNodes();
+    const std::string whole = toBytes(model);
+    ASSERT_EQ(refusalOf([&] { fromBytes(whole); }), "not refused");
+    for (size_t size = 0; size < whole.size(); ++size)
+        ASSERT_EQ(refusalOf([&] { fromBytes(whole.substr(0, size)); }), "the reading process ended too early")
+            << size;
+}
+
+TEST(Import, AFlatSceneHasEachMeshWhereItsNodeStandsAtTheStart) {
+    Options options;
+    options.flat = true;
+    const Conversion flat = convert(twoNodes(), options, "scene");
+    EXPECT_TRUE(contains(flat.losses, "animation 'walk': nothing moves in a flat scene"));
+    const auto manager = load(flat);
+    ASSERT_EQ(2u, manager->mMeshes.size());
+    EXPECT_EQ(0.0f, manager->mMeshes[0]->mBoxMin.x);
+    EXPECT_EQ(5.0f, manager->mMeshes[0]->mBoxMin.y);
+    EXPECT_EQ(10.0f, manager->mMeshes[1]->mBoxMin.x);
+    EXPECT_EQ(11.0f, manager->mMeshes[1]->mBoxMax.x);
+    EXPECT_EQ(5.0f, manager->mMeshes[1]->mBoxMin.y);
+    const o3d::SceneNode* const leaf = manager->mScenes[0]->mChildren.back();
+    EXPECT_EQ("leaf", leaf->mName);
+    EXPECT_EQ(0.0f, leaf->mPosition.getValue(0.5f).length());
+}
+
+TEST(Import, TreesAndFlatScenesFitIntoARadius) {
+    for (const bool flat : {false, true}) {
+        Options options;
+        options.flat = flat;
+        options.fit = 3;
+        options.camera = false;
+        const auto manager = load(convert(twoNodes(), options, "scene"));
+        float reach = 0;
+        const std::function<void(const o3d::SceneNode&, mathbase::Vector3f)> visit =
+            [&](const o3d::SceneNode& node, mathbase::Vector3f place) {
+                place += node.mPosition.getValue(0);
+                if (const auto* const instance = dynamic_cast<const o3d::MeshInstance*>(&node))
+                    for (const auto& vertex : manager->getMesh(instance->mMeshName)->mVertices)
+                        reach = std::max(reach, (place + vertex).length());
+                for (const o3d::SceneNode* child : node.mChildren)
+                    visit(*child, place);
+            };
+        visit(*manager->mScenes[0], {0, 0, 0});
+        EXPECT_NEAR(3.0f, reach, 0.01f) << (flat ? "flat" : "tree");
+    }
+}
+
+TEST(Import, WhatASceneCannotHaveIsReported) {
+    const std::pair<std::function<void(Model&)>, const char*> cases[] = {
+        {[](Model& m) { m.nodes[1].matrix.a1 = NAN; },
+         "node 'leaf': its transform is not a number: it is ignored"},
+        {[](Model& m) { m.animations[0].channels[0].node = "ghost"; },
+         "node 'ghost': it is animated but not in the scene"},
+        {[](Model& m) { m.animations[0].channels[0].disordered = 1; },
+         "node 'leaf': its keys are out of order: they are sorted by time"},
+        {[](Model& m) { m.animations[0].others = {"leaf"}; },
+         "node 'leaf': its vertex animation is left out"},
+        {[](Model& m) {
+             m.parts[0].texCoords = {{NAN, 0}, {1, 0}, {0, INFINITY}};
+         },
+         "node 'root': 2 texture coordinates are not numbers: 0 now"},
+        {[](Model& m) { m.parts[0].badTriangles = 3; },
+         "node 'root': 3 triangles have invalid vertex indices"},
+        {[](Model& m) { m.parts[0].texCoordSets = 2; },
+         "node 'root': of 2 sets of texture coordinates the first is kept"},
+        {[](Model& m) { m.parts[0].depthCoords = 1; },
+         "node 'root': the third texture coordinate is left out"},
+        {[](Model& m) {
+             m.cameras.push_back({"leaf", {}, {0, 0, 1}, {0, 1, 0}, 1, 1});
+         },
+         "node 'leaf': its camera is orthographic: it gets a perspective"},
+        {[](Model& m) {
+             m.lights.push_back({"leaf", {}, {0, 0, 1}, {}, 0, 1});
+         },
+         "node 'leaf': an ambient light is left out"},
+    };
+    for (const auto& [spoil, loss] : cases) {
+        Model model = twoNodes();
+        EXPECT_FALSE(contains(convert(model, Options(), "scene").losses, loss));
+        spoil(model);
+        const Conversion result = convert(model, Options(), "scene");
+        EXPECT_TRUE(contains(result.losses, loss)) << loss;
+        load(result);
+    }
+}
+
+TEST(Import, AShearedNodeKeepsItsShapeAndItsChildren) {
+    const test::TempDir folder;
+    test::writeFile(folder.file("a.gltf"), shearedNode());
+    const auto manager = load(import(folder.file("a.gltf")));
+    EXPECT_TRUE(findNode(*manager->mScenes[0], "slab.shear"));
+    const test::Comparison comparison = test::compareImport(folder.file("a.gltf"));
+    EXPECT_EQ("", comparison.problem);
+    EXPECT_EQ(6u, comparison.vertices);
+    EXPECT_LT(comparison.worst, 1e-6);
+}
+
+TEST(Import, MoreMaterialsThanAMeshCanNumberMakeSeveralMeshes) {
+    Model model = twoNodes();
+    model.parts.resize(300, model.parts[0]);
+    for (uint32_t i = 0; i < 300; ++i) {
+        model.surfaces.push_back({"m" + std::to_string(i), {}, {}});
+        model.parts[i].material = i;
+        model.nodes[1].parts.resize(i + 1, i);
+    }
+    const auto manager = load(convert(model, Options(), "scene"));
+    size_t submeshes = 0;
+    for (const char* name : {"leaf.part1", "leaf.part2"}) {
+        const auto* const piece =
+            dynamic_cast<const o3d::MeshInstance*>(findNode(*manager->mScenes[0], name));
+        ASSERT_TRUE(piece) << name;
+        submeshes += manager->getMesh(piece->mMeshName)->mSubmeshes.size();
+    }
+    EXPECT_EQ(300u, submeshes);
+}
+
 TEST(Import, ACameraOnAMovingArmIsInTheSceneItselfAndMoves) {
     const test::TempDir folder;
     test::writeFile(folder.file("a.gltf"), turningCamera());
@@ -362,6 +544,19 @@ TEST(Import, KeysOfGltfAreInterpolatedAsSpecified) {
     EXPECT_NEAR(1.0f, positionOf(step, 1.01f).y, 1e-5f);
     EXPECT_NEAR(1.0f, positionOf(step, 1.99f).y, 1e-5f);
     EXPECT_NEAR(3.0f, positionOf(step, 2.01f).y, 1e-5f);
+    test::writeFile(folder.file("step.glb"), binaryGltf(movingNode("STEP", {0, 0, 0, 1, 1, 1, 3, 3, 3}),
+                                                        floats({0, 1, 2, 0, 0, 0, 1, 1, 1, 3, 3, 3})));
+    EXPECT_NEAR(0.0f, positionOf(import(folder.file("step.glb")), 0.99f).y, 1e-5f);
+    const auto nodeOf = [](const o3d::Manager& manager) { return manager.mScenes[0]->mChildren.back(); };
+    test::writeFile(folder.file("scale.gltf"), movingNode("STEP", {1, 1, 1, 2, 2, 2, 3, 3, 3}, "scale"));
+    const auto scaled = load(import(folder.file("scale.gltf")));
+    EXPECT_NEAR(1.0f, nodeOf(*scaled)->mScale.getValue(0.99f).x, 1e-5f);
+    EXPECT_NEAR(2.0f, nodeOf(*scaled)->mScale.getValue(1.01f).x, 1e-5f);
+    test::writeFile(folder.file("turn.gltf"),
+                    movingNode("STEP", {0, 0, 0, 1, 0, 1, 0, 0, 0, 0, 0, 1}, "rotation"));
+    const auto turned = load(import(folder.file("turn.gltf")));
+    EXPECT_NEAR(0.0f, nodeOf(*turned)->mRotation.getValue(0.99f).angles.y, 1e-4f);
+    EXPECT_NEAR(float(PI), fabsf(nodeOf(*turned)->mRotation.getValue(1.01f).angles.y), 1e-4f);
     test::writeFile(folder.file("line.gltf"), movingNode("LINEAR", {0, 0, 0, 1, 1, 1, 3, 3, 3}));
     EXPECT_NEAR(0.5f, positionOf(import(folder.file("line.gltf")), 0.5f).y, 1e-5f);
     const std::vector<float> curve = {0, 0, 0,  0, 0, 0, 0, 9, 0, 0, 9, 0, 1, 1,
@@ -481,9 +676,15 @@ TEST(Import, LossesAreReportedWithTheNameOfTheNode) {
         contains(import(models + "/glTF2/simple_skin/simple_skin.gltf").losses, "it is deformed by 2 bones"));
 }
 
-TEST(Import, AnFbxFileStandsUprightInMetres) {
+TEST(Import, AnFbxFileStatesItsUnit) {
     if (!std::filesystem::exists(PACKAGE))
         GTEST_SKIP() << "assimp-testmodels is not installed";
+    // In centimetres (phong_cube) and in metres (box).
+    for (const auto& [name, unit] : {std::pair("phong_cube.fbx", 0.01), std::pair("box.fbx", 1.0)})
+        EXPECT_NEAR(unit, readModel(std::string(PACKAGE) + "/FBX/" + name).unit, 1e-6) << name;
+}
+
+TEST(Import, AModelStandsUprightInMetres) {
     Model model;
     model.unit = 0.01;
     model.axes = axesWithUp("z");
@@ -564,6 +765,47 @@ TEST(Child, MemoryEndsAtTheLimit) {
               refusalOf([] { inChild([] { return std::string(600u << 20, 'x'); }, 10, 512); }));
 }
 #endif
+
+TEST(Child, AReaderThatCannotBeStartedIsARefusal) {
+    rlimit before{};
+    ASSERT_EQ(0, getrlimit(RLIMIT_NOFILE, &before));
+    const rlimit none{3, before.rlim_max};
+    ASSERT_EQ(0, setrlimit(RLIMIT_NOFILE, &none));
+    const std::string refusal = refusalOf([] { inChild([] { return std::string("done"); }, 10, 1024); });
+    ASSERT_EQ(0, setrlimit(RLIMIT_NOFILE, &before));
+    EXPECT_EQ("can't start the reader: Too many open files", refusal);
+}
+
+TEST(Program, TakesItsOptions) {
+    const test::TempDir folder;
+    const test::WorkingDir inFolder(folder.path());
+    test::writeFile("a.obj", OBJ);
+    test::writeFile("walk.gltf", movingNode("LINEAR", {0, 0, 0, 1, 1, 1, 3, 3, 3}));
+    const auto run = [&](const std::string& arguments) {
+        return test::runCommand(ZENTRAK_IMPORT " " + arguments);
+    };
+    const std::tuple<const char*, int, const char*> cases[] = {
+        {"--flat --fit=2 --no-camera a.obj", 0, "0 cameras"},
+        {"--flat --fit=2 --no-camera a.obj", 0, "note: fitted into 2 units around the origin"},
+        {"--points a.obj", 0, "3 points"},
+        {"--points a.obj", 0, "lost: 1 points at the origin"},
+        {"--points=100 a.obj", 0, "100 points"},
+        {"--points=0 a.obj", 2, "--points"},
+        {"--fit=x a.obj", 2, "--fit"},
+        {"--seconds=0 a.obj", 2, "--seconds"},
+        {"--flat=1 a.obj", 2, "--flat"},
+        {"--flat walk.gltf", 0, "lost: animation '"},
+        {"--animation=1 walk.gltf", 0, "2 seconds"},
+        {"--animation=fly walk.gltf", 1, "walk.gltf: it has no animation 'fly'"},
+        {"--seconds=9 --up=z a.obj", 0, "4 triangles"},
+        {".", 1, ".: can't be read: it is a folder"},
+    };
+    for (const auto& [arguments, status, words] : cases) {
+        const auto result = run(arguments);
+        EXPECT_EQ(status, result.first) << arguments;
+        EXPECT_NE(std::string::npos, result.second.find(words)) << arguments << "\n" << result.second;
+    }
+}
 
 TEST(Program, ReportsWhatItRefuses) {
     const test::TempDir folder;

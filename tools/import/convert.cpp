@@ -179,7 +179,6 @@ private:
                 }
         }
         if (mOptions.fit > 0 && bounds.radius() > 0) {
-            double reach = 0;
             const double factor = mOptions.fit / bounds.radius();
             mSpace = Space(axesOf(mModel, mOptions), scaleOf(mModel, mOptions) * factor);
             mOffset = bounds.centre() * -factor;
@@ -187,8 +186,7 @@ private:
             fitted.add(bounds.low * factor + mOffset);
             fitted.add(bounds.high * factor + mOffset);
             bounds = fitted;
-            reach = bounds.radius();
-            mResult.remarks.push_back(format("fitted into %g units around the origin", reach));
+            mResult.remarks.push_back(format("fitted into %g units around the origin", bounds.radius()));
         }
         mBounds = bounds;
         const double radius = mBounds.radius();
@@ -416,6 +414,9 @@ private:
         }
         if (mesh->mVertices.empty())
             throw std::runtime_error("it has no points");
+        if (const size_t lost = points.size() - mesh->mVertices.size(); lost > 0)
+            mResult.losses.push_back(
+                format("%zu points at the origin, which have no direction from it", lost));
         const o3d::Mesh* const made = scene::addMesh(mManager, std::move(mesh));
         scene::addInstance(*mScene, "points", *made, Vector3f(0, 0, 0));
     }

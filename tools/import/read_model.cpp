@@ -309,9 +309,9 @@ void setKeyModes(const std::vector<KeyModes>& modes, Animation& animation) {
 void setAxes(const aiScene& scene, Model& model) {
     if (!scene.mMetaData)
         return;
-    double unit = 0;
+    float unit = 0; // the type matters: assimp finds nothing for another
     if (scene.mMetaData->Get("UnitScaleFactor", unit) && unit > 0 && std::isfinite(unit))
-        model.unit = unit * 0.01; // from centimetres
+        model.unit = double(unit) * 0.01; // from centimetres
     static const char* const names[3] = {"CoordAxis", "UpAxis", "FrontAxis"};
     Matrix3 axes(0, 0, 0, 0, 0, 0, 0, 0, 0);
     for (unsigned row = 0; row < 3; ++row) {
