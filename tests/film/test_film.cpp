@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <regex>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -51,11 +52,12 @@ protected:
                           arguments);
     }
 
-    // One field of ffprobe's description of the film's picture or sound.
-    std::string probe(const std::string& stream, const std::string& field) const {
+    // One field of ffprobe's description of a film's picture or sound.
+    std::string probe(const std::string& stream, const std::string& field,
+                      const std::string& film = "film.mp4") const {
         const std::string text =
             runCommand("ffprobe -v error -count_frames -select_streams " + stream +
-                       " -show_entries stream=" + field + " -of csv=p=0 '" + file("film.mp4") + "'")
+                       " -show_entries stream=" + field + " -of csv=p=0 '" + file(film) + "'")
                 .second;
         return text.substr(0, text.find_first_of("\n,"));
     }
@@ -105,6 +107,24 @@ TEST_F(Film, EndsWithTheMusicAndHasItsSound) {
     EXPECT_EQ("20/1", probe("v:0", "avg_frame_rate"));
     EXPECT_EQ("44100", probe("a:0", "sample_rate"));
     EXPECT_NEAR(1.5, atof(probe("a:0", "duration").c_str()), 0.03);
+}
+
+TEST_F(Film, EachKindOfFilmHasAllFrames) {
+    for (const std::string name : {"film.mov", "film.mkv", "film.webm", "film.gif"}) {
+        const auto [status, text] = run("--virtual --rate 5 --to 1.2 " + name);
+        ASSERT_EQ(0, status) << name << "\n" << text;
+        EXPECT_EQ("6", probe("v:0", "nb_read_frames", name)) << name;
+    }
+}
+
+TEST_F(Film, ATerminalShowsTheProgress) {
+    const auto [status, text] =
+        runCommand("cd '" + file("") +
+                   "' && script -qec '" ZENTRAK_FILM " --rate 5 --to 1 film.mp4' /dev/null </dev/null");
+    ASSERT_EQ(0, status) << text;
+    EXPECT_NE(std::string::npos, text.find("[########################################] 100 %  0:00 left"))
+        << text;
+    EXPECT_EQ(std::string::npos, run("--rate 5 --to 1 film.mp4").second.find("%"));
 }
 
 TEST_F(Film, SoundAndPictureAgreeToTheSample) {
@@ -197,6 +217,44 @@ TEST_F(Film, CtrlCLeavesAFilmThatPlays) {
     EXPECT_GT(atoi(probe("v:0", "nb_read_frames").c_str()), 0);
 }
 
+// Keys and sizes of the window, while a film of a show without end is made.
+TEST_F(Film, ItsWindowTakesEscapeAndKeepsItsSize) {
+    script(span("white", 0, 100000));
+    const auto act = [&](const std::string& actions) {
+        return runCommand("cd '" + file("") +
+                          "' && { timeout 100 " ZENTRAK_FILM " --rate 10 film.mp4 2>&1 & } && "
+                          "timeout 60 xdotool search --sync --onlyvisible --name '^zentrak-film$' " +
+                          actions + "; wait $!");
+    };
+    const auto [escaped, said] = act("windowfocus --sync key Escape");
+    EXPECT_EQ(130, escaped) << said;
+    EXPECT_GT(atoi(probe("v:0", "nb_read_frames").c_str()), 0);
+    const auto [resized, text] = act("windowsize 200 100");
+    EXPECT_EQ(1, resized);
+    EXPECT_NE(std::string::npos, text.find("the window has become 200x100: it has to stay 64x40")) << text;
+}
+
+TEST_F(Film, SaysWhatIsWrongWithFfmpeg) {
+    const auto fake = [&](const std::string& commands) {
+        writeFile(file("bin/ffmpeg"), "#!/bin/sh\n" + commands + "\n");
+        chmod(file("bin/ffmpeg").c_str(), 0755);
+    };
+    const std::pair<const char*, const char*> cases[] = {
+        {"exit 3", "ffmpeg failed on '.*film.mp4' \\(status 3\\)"},
+        {"exec <&-; exit 0", "ffmpeg has stopped writing '.*film.mp4'"},
+    };
+    for (const auto& [commands, words] : cases) {
+        fake(commands);
+        const auto [status, text] = run("--rate 10 film.mp4", "PATH=" + file("bin") + ":/usr/bin:/bin");
+        EXPECT_EQ(1, status) << text;
+        EXPECT_TRUE(std::regex_search(text, std::regex(words))) << text;
+    }
+    const auto [status, text] = run("--rate 10 film.mp4", "PATH=/nowhere");
+    EXPECT_EQ(1, status);
+    EXPECT_NE(std::string::npos, text.find("ffmpeg can't be started: is the package ffmpeg installed?"))
+        << text;
+}
+
 TEST_F(Film, WorksWithoutADisplay) {
     const auto [status, text] = run("--still 1 still.png", "-u DISPLAY");
     ASSERT_EQ(0, status) << text;
@@ -244,6 +302,10 @@ TEST_F(Film, ReportsWhatItCannotDo) {
         EXPECT_TRUE(std::regex_search(text, std::regex(words))) << arguments << text;
     }
     EXPECT_EQ(1, run("--still 1 still.png", "-u DISPLAY PATH=/nowhere").first); // no Xvfb
+    writeFile(file("setup.xml"), "<demo><display width=\"65\" height=\"40\"/></demo>");
+    EXPECT_NE(std::string::npos,
+              run("film.mp4")
+                  .second.find("the width and the height of a film are even numbers, not 65x40: see --size"));
     writeFile(file("setup.xml"), "<demo></demo>");
     EXPECT_NE(std::string::npos, run("film.mp4").second.find("no display element"));
 }
