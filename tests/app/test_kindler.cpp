@@ -5,6 +5,7 @@
 #include "gl_fixture.h"
 #include "kin_main.h"
 #include "music.h"
+#include "pan_button.h"
 #include "picture.h"
 #include "support.h"
 #include "ztk_system.h"
@@ -163,6 +164,24 @@ TEST_F(Show, ADisplayOpenedBeforeRunHasNoListener) {
     ASSERT_NE(kindler.mDisplay, nullptr);
     EXPECT_TRUE(kindler.mDisplay->mListeners.empty());
     EXPECT_TRUE(kindler.mNoSound);
+}
+
+TEST_F(Show, ALaunchersButtonsCloseTheWindowOrEndTheProcess) {
+    testing::GTEST_FLAG(death_test_style) = "threadsafe"; // the child has a window of its own
+    writeShow(NOSOUND);
+    Kindler kindler;
+    kindler.setup();
+    kindler.openDevices();
+    panorama::Button start, leave, other;
+    start.setName("button_run");
+    leave.setName("button_exit");
+    for (panorama::Button* button : {&start, &leave})
+        kindler.controlAction(button, panorama::ACTION_PRESS);
+    kindler.controlAction(&other, panorama::ACTION_RELEASE);
+    EXPECT_TRUE(kindler.mDisplay->mOpened);
+    kindler.controlAction(&start, panorama::ACTION_RELEASE);
+    EXPECT_FALSE(kindler.mDisplay->mOpened);
+    EXPECT_EXIT(kindler.controlAction(&leave, panorama::ACTION_RELEASE), testing::ExitedWithCode(0), "");
 }
 
 TEST_F(Show, AnExceptionWhileLoadingLeavesRunAndStillSaves) {
