@@ -220,16 +220,17 @@ TEST_F(Film, CtrlCLeavesAFilmThatPlays) {
 // Keys and sizes of the window, while a film of a show without end is made.
 TEST_F(Film, ItsWindowTakesEscapeAndKeepsItsSize) {
     script(span("white", 0, 100000));
-    const auto act = [&](const std::string& actions) {
-        return runCommand("cd '" + file("") +
-                          "' && { timeout 100 " ZENTRAK_FILM " --rate 10 film.mp4 2>&1 & } && "
-                          "timeout 60 xdotool search --sync --onlyvisible --name '^zentrak-film$' " +
-                          actions + "; wait $!");
+    const auto act = [&](const std::string& actions) { // of the shell, on $window
+        return runCommand(
+            "cd '" + file("") +
+            "' && { timeout 100 " ZENTRAK_FILM " --rate 10 film.mp4 2>&1 & } && "
+            "window=$(timeout 60 xdotool search --sync --onlyvisible --name '^zentrak-film$') && " +
+            actions + "; wait $!");
     };
-    const auto [escaped, said] = act("windowfocus --sync key Escape");
+    const auto [escaped, said] = act("xdotool windowfocus --sync $window && xdotool key Escape");
     EXPECT_EQ(130, escaped) << said;
     EXPECT_GT(atoi(probe("v:0", "nb_read_frames").c_str()), 0);
-    const auto [resized, text] = act("windowsize 200 100");
+    const auto [resized, text] = act("xdotool windowsize $window 200 100");
     EXPECT_EQ(1, resized);
     EXPECT_NE(std::string::npos, text.find("the window has become 200x100: it has to stay 64x40")) << text;
 }
