@@ -3,6 +3,7 @@
 #include "gl_fixture.h"
 #include "input.h"
 #include "picture.h"
+#include "scene/scene_file.h"
 #include "support.h"
 #include "view/viewer.h"
 
@@ -40,7 +41,9 @@ class View : public ::testing::Test {
 protected:
     void open(const std::string& file) {
         mArchives.addArchive(test::sourcePath("data"));
-        mDisplay = std::make_unique<display::DisplayGL>(display::WindowMode(TITLE, WIDTH, HEIGHT, false));
+        display::WindowMode mode(TITLE, WIDTH, HEIGHT, false);
+        mode.canResize = true;
+        mDisplay = std::make_unique<display::DisplayGL>(mode);
         mDisplay->setArchive(&mArchives);
         mDisplay->open();
         mDisplay->setFps(display::DisplayGL::FPS_VARIABLE, 0);
@@ -205,6 +208,92 @@ TEST_F(View, AClickInTheTreeSelectsAndFGoesThere) {
     press("f", [&] { return mViewer->mOrbit.distance < distance * 0.8f; });
 }
 
+TEST_F(View, TheButtonsOfTheBarDoWhatTheirKeysDo) {
+    open(test::sourcePath(SCENE));
+    const auto click = [&](int x, const std::function<bool()>& done) {
+        mUser->moveTo(x, HEIGHT - 22);
+        mUser->click(1);
+        EXPECT_TRUE(mUser->until("the button at " + std::to_string(x), done));
+    };
+    enum { PLAY = 330, CAMERA = WIDTH - 320, FILL = WIDTH - 200, NORMALS = WIDTH - 125, GRID = WIDTH - 45 };
+    click(PLAY, [&] { return mViewer->mPlaying; });
+    click(PLAY, [&] { return !mViewer->mPlaying; });
+    click(CAMERA, [&] { return mViewer->mCamera == 0; });
+    click(CAMERA, [&] { return mViewer->mCamera == -1; });
+    for (const Viewer::Fill fill : {Viewer::SHADED_AND_EDGES, Viewer::EDGES, Viewer::SHADED})
+        click(FILL, [&] { return mViewer->mFill == fill; });
+    click(NORMALS, [&] { return mViewer->mNormals; });
+    click(NORMALS, [&] { return !mViewer->mNormals; });
+    click(GRID, [&] { return !mViewer->mGrid; });
+    click(GRID, [&] { return mViewer->mGrid; });
+}
+
+TEST_F(View, TheBarFollowsTheWindowsEdge) {
+    open(test::sourcePath(SCENE));
+    test::runCommand("xdotool windowsize " + mUser->window() + " 1200 600");
+    EXPECT_TRUE(mUser->until("the size", [&] { return mDisplay->mWindowMode.width == 1200; }));
+    mUser->moveTo(1200 - 45, 600 - 22);
+    mUser->click(1);
+    EXPECT_TRUE(mUser->until("the grid's button", [&] { return !mViewer->mGrid; }));
+}
+
+TEST_F(View, PointsLightsAndNamesInOtherAlphabetsAreShown) {
+    const test::TempDir folder;
+    o3d::Manager manager;
+    auto* const root = new o3d::Scene;
+    manager.addScene(root);
+    auto cloud = std::make_unique<o3d::Mesh>();
+    cloud->mName = "cloud";
+    for (int i = 0; i < 3000; ++i)
+        cloud->mVertices.push_back({float(i % 30), float(i / 30 % 10), float(i / 300)});
+    const o3d::Mesh* const made = scene::addMesh(manager, std::move(cloud));
+    scene::addInstance(*root, "Wölkchen", *made, {0, 0, 0});
+    scene::addDummy(*root, "雲", {0, 0, 0});
+    scene::addDummy(*root, "", {0, 0, 0});
+    root->addChild(new o3d::Light);
+    test::writeFile(folder.file("a.o3d"), scene::sceneFile(manager));
+    open(folder.file("a.o3d"));
+    EXPECT_EQ(1u, mViewer->getLoaded().mCounts.lights);
+    std::vector<std::string> labels;
+    for (const auto& row : mViewer->getLoaded().mRows)
+        labels.push_back(view::labelOf(*row.node));
+    EXPECT_EQ(labels, (std::vector<std::string>{"(scene)", "W\xF6lkchen  (mesh)", "?", "(node)", "(light)"}));
+    press("g", [&] { return !mViewer->mGrid; });
+    const test::Picture picture = grab();
+    int yellow = 0;
+    for (int y = 0; y < HEIGHT - 50; ++y)
+        for (int x = 300; x < WIDTH; ++x)
+            yellow += picture.at(x, y)[0] > 200 && picture.at(x, y)[2] < 150;
+    EXPECT_GT(yellow, 1000);
+}
+
+TEST_F(View, AMeshThatTheShowCannotDrawIsNamed) {
+    const test::TempDir folder;
+    o3d::Manager manager;
+    auto* const root = new o3d::Scene;
+    manager.addScene(root);
+    auto mesh = std::make_unique<o3d::Mesh>();
+    mesh->mName = "torn";
+    mesh->mVertices = {{0, 0, 0}, {NAN, 0, 0}, {0, INFINITY, 0}};
+    auto* const submesh = new o3d::Submesh;
+    submesh->mTriangles.resize(1);
+    submesh->mIndices.resize(3);
+    for (int i = 0; i < 3; ++i) {
+        submesh->mIndices[size_t(i)].mValue = i;
+        submesh->mTriangles[0].mIndex[i] = i;
+    }
+    mesh->mSubmeshes.push_back(submesh);
+    mesh->mMaterials.push_back("none");
+    scene::addMaterial(manager, "none", {1, 1, 1, 1});
+    const o3d::Mesh* const made = scene::addMesh(manager, std::move(mesh));
+    scene::addInstance(*root, "leaf", *made, {0, 0, 0});
+    test::writeFile(folder.file("a.o3d"), scene::sceneFile(manager));
+    open(folder.file("a.o3d"));
+    grab();
+    EXPECT_NE(std::string::npos, mViewer->getStatus().find("The show can't draw it: mesh 'torn': "))
+        << mViewer->getStatus();
+}
+
 TEST_F(View, EscapeEndsIt) {
     open(test::sourcePath(SCENE));
     press("Escape", [&] { return !mRunning; });
@@ -245,6 +334,22 @@ TEST(ViewProgram, WritesAPictureWithoutADisplay) {
     EXPECT_GT(bright, 10000);
 }
 
+TEST(ViewProgram, DrawsTrianglesEdgesAndNormals) {
+    const test::TempDir folder;
+    std::vector<test::Picture> pictures;
+    for (const std::string option : {"", "--edges", "--wire", "--normals"}) {
+        const std::string out = folder.file("out.png");
+        const auto [status, text] =
+            test::runCommand("env -u DISPLAY " ZENTRAK_VIEW " --size=320x240 --picture=" + out + " " +
+                             option + " " + test::sourcePath(SCENE));
+        ASSERT_EQ(0, status) << text;
+        test::Picture& picture = pictures.emplace_back();
+        ASSERT_TRUE(test::readPng(out, picture));
+        for (size_t i = 0; i + 1 < pictures.size(); ++i)
+            EXPECT_GT(test::comparePictures(picture, pictures[i]).mean, 1) << option << " and " << i;
+    }
+}
+
 TEST(ViewProgram, ReportsWhatItRefuses) {
     const test::TempDir folder;
     const std::string program = ZENTRAK_VIEW;
@@ -257,6 +362,17 @@ TEST(ViewProgram, ReportsWhatItRefuses) {
     EXPECT_NE(std::string::npos, missing.second.find("none.o3d: No such file or directory"));
     test::writeFile(folder.file("a.o3d"), "no scene");
     EXPECT_EQ(1, test::runCommand(program + " " + folder.file("a.o3d")).first);
+    o3d::Manager none;
+    scene::addMaterial(none, "wood", {1, 1, 1, 1});
+    test::writeFile(folder.file("b.o3d"), scene::sceneFile(none));
+    const auto empty = test::runCommand(program + " " + folder.file("b.o3d"));
+    EXPECT_EQ(1, empty.first);
+    EXPECT_NE(std::string::npos, empty.second.find("b.o3d: it contains no scene")) << empty.second;
+    const auto nowhere =
+        test::runCommand("env -u DISPLAY " + program + " --picture=" + folder.file("none/a.png") + " " +
+                         test::sourcePath(SCENE));
+    EXPECT_EQ(1, nowhere.first);
+    EXPECT_NE(std::string::npos, nowhere.second.find("none/a.png: can't be written")) << nowhere.second;
     const auto camera =
         test::runCommand("env -u DISPLAY " + program + " --camera=none --picture=" + folder.file("a.png") +
                          " " + test::sourcePath(SCENE));
