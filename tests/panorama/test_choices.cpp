@@ -1,5 +1,6 @@
 #include "inputs.h"
 #include "pan_checkbox.h"
+#include "pan_context.h"
 #include "pan_radiobutton.h"
 
 using namespace zentrak;
@@ -94,6 +95,18 @@ TEST_F(ChoicesTest, AReleaseOutsideCancels) {
     release(20, row(0), 1);
     EXPECT_EQ(marks(check), "-x-");
     EXPECT_EQ(takeActions(), Actions());
+}
+
+TEST_F(ChoicesTest, APressThatAMenuTakesOverChoosesNothing) {
+    RadioButton* radio = three<RadioButton>();
+    press(20, row(0));
+    EXPECT_EQ(radio->mPushedBox, 0);
+    Context menu;
+    mRoot.setContext(&menu);
+    EXPECT_EQ(radio->mPushedBox, -1);
+    mRoot.setContext(nullptr);
+    release(20, row(0));
+    EXPECT_EQ(marks(radio), "-x-");
 }
 
 TEST_F(ChoicesTest, TheOptionUnderTheMouseIsMarked) {

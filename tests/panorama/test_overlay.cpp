@@ -131,6 +131,31 @@ TEST_F(OverlayTest, AMenuTallerThanTheWindowScrollsWithTheChosenRow) {
     EXPECT_EQ(mChosen, std::vector<std::string>{"row 60"});
 }
 
+TEST_F(OverlayTest, TheWheelScrollsATallMenuToItsEnds) {
+    std::vector<std::string> labels;
+    for (int i = 0; i < 100; ++i)
+        labels.push_back("row " + std::to_string(i));
+    openMenu(labels);
+    const auto wheel = [&](float steps) {
+        panorama::Event event;
+        event.type = "mousewheel";
+        event.mousePos = middle("row 5").x > 0 ? middle("row 5") : middle("row 95");
+        event.wheelDelta = steps;
+        EXPECT_EQ(mOverlay->handleEvent(event), 1);
+    };
+    wheel(-2);
+    EXPECT_EQ(mOverlay->getBox("row 1").getWidth(), 0);
+    EXPECT_GT(mOverlay->getBox("row 2").getWidth(), 0);
+    wheel(-1000);
+    EXPECT_GT(mOverlay->getBox("row 99").getWidth(), 0);
+    keyAt(KEY_ENTER); // the row under the mouse
+    EXPECT_EQ(mChosen.size(), 1u);
+    openMenu(labels);
+    wheel(-3);
+    wheel(1000);
+    EXPECT_GT(mOverlay->getBox("row 0").getWidth(), 0);
+}
+
 TEST_F(OverlayTest, OfAQuestionReturnIsTheFirstButtonAndEscTheLast) {
     const auto ask = [&] {
         mOverlay->openDialog("Save?", {"It has changes."}, {button("Save"), button("No")});

@@ -139,6 +139,11 @@ TEST_F(TreeViewTest, TheKeysWalkTheTree) {
     }
     key(KEY_ENTER);
     EXPECT_EQ(mTree->getRowCount(), 2);
+    key(KEY_RIGHT); // with its child still open
+    EXPECT_EQ(mTree->getRowCount(), 5);
+    key(KEY_LEFT);
+    EXPECT_EQ(mTree->getRowCount(), 2);
+    EXPECT_EQ(selected(), "a");
 }
 
 TEST_F(TreeViewTest, TheSelectionOfAnItemThatGetsHiddenGoesToItsParent) {

@@ -166,6 +166,7 @@ TEST(Assets, TheMakersMakeTheFilesInTheTree) {
         std::string text = scene::inspect(image).text;
         return text.substr(0, text.find('\n')); // format, version and size
     };
+    EXPECT_EQ(chunks(imageOf("data/face/face.o3d")), chunks(scene::makeFace()));
     EXPECT_EQ(chunks(imageOf("tests/data/ssao/scene.o3d")), chunks(scene::makeCourtyard()));
     EXPECT_EQ(chunks(imageOf("tests/data/sten/sten.o3d")), chunks(scene::makeStone()));
     EXPECT_EQ(chunks(imageOf("tests/data/abc/katedral.o3d")), chunks(scene::makeCathedral()));
