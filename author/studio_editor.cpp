@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <set>
 
 namespace zentrak::studio {
 
@@ -84,8 +85,11 @@ void Editor::toggle(uint32_t id) {
     prune();
 }
 
+// Each once, and only what is there.
 void Editor::prune() {
-    std::erase_if(mSelection, [this](uint32_t id) { return mDocument.find(id) <= 0; });
+    std::set<uint32_t> seen;
+    std::erase_if(mSelection,
+                  [&](uint32_t id) { return mDocument.find(id) <= 0 || !seen.insert(id).second; });
 }
 
 std::vector<int> Editor::getSelected() const {

@@ -187,23 +187,24 @@ void Window::revealSelection() {
         mTimeline->reveal(selected[0]);
 }
 
-void Window::insertSection(int before) {
+// Before the outermost span around an element; without one, before the first span that begins at this time or
+// later.
+void Window::insertSection(int element, double time) {
+    const Document& document = mEditor.getDocument();
+    int before = std::max(element, 0);
+    while (document[before].parent > 0)
+        before = document[before].parent;
+    for (const int span : document.getChildren(0, Kind::SPAN))
+        if (before == 0 && double(document[span].start) >= time)
+            before = span;
     mEditor.addSection(before, "Section");
     revealSelection();
     mPanel->editField("Name");
 }
 
 void Window::addSection() {
-    const Document& document = mEditor.getDocument();
-    int before = 0;
-    for (const int span : document.getChildren(0, Kind::SPAN))
-        if (before == 0 && double(document[span].start) >= mShow.getTime())
-            before = span;
-    if (const std::vector<int> spans = mEditor.getSelected(Kind::SPAN); !spans.empty())
-        before = spans[0];
-    while (before > 0 && document[before].parent > 0)
-        before = document[before].parent;
-    insertSection(before);
+    const std::vector<int> spans = mEditor.getSelected(Kind::SPAN);
+    insertSection(spans.empty() ? 0 : spans[0], mShow.getTime());
 }
 
 void Window::split() {
@@ -346,13 +347,12 @@ void Window::openMenu(Vector2f place, int element, double time, double value) {
         addElementItems(items, place, element, time, value);
     else if (place.y < mTimeline->getAxis().y1)
         addRulerItems(items, time);
-    const int section = element > 0 && mEditor.getDocument()[element].parent == 0 ? element : 0;
     if (element <= 0 || mEditor.getDocument()[element].kind == Kind::SECTION ||
         mEditor.getDocument()[element].kind == Kind::SPAN) {
         if (!items.empty())
             items.push_back({});
         items.push_back({"Effect here...", "A", [this, place, time] { openEffectMenu(place, 0, time); }});
-        items.push_back({"Section here", "G", [this, section] { insertSection(section); }});
+        items.push_back({"Section here", "G", [this, element, time] { insertSection(element, time); }});
         items.push_back({"Paste here", "Ctrl+V", [this, time] { mEditor.paste(time); }, mEditor.canPaste()});
     }
     items.push_back({"Play from here", "P", [this, time] {
@@ -405,7 +405,7 @@ void Window::addElementItems(std::vector<panorama::MenuItem>& items, Vector2f pl
             items.push_back({std::string("Make it ") + type, "",
                              [this, element, type] { mEditor.set({element}, "type", type); }});
     }
-    if (kind == Kind::SPLINE || kind == Kind::KEY || kind == Kind::TRIGGER || kind == Kind::SPAN)
+    if (!items.empty())
         items.push_back({});
     items.push_back({"Rename", "F2",
                      [this, element] {
@@ -416,12 +416,7 @@ void Window::addElementItems(std::vector<panorama::MenuItem>& items, Vector2f pl
     items.push_back({"Copy", "Ctrl+C", [this] { copy(); }});
     items.push_back({"Cut", "Ctrl+X", [this] { cut(); }});
     items.push_back({"Duplicate", "Ctrl+D", [this] { duplicate(); }});
-    // A click on a lane opens the menu of its curve, which may not be selected.
-    items.push_back({"Delete", "Del", [this, element] {
-                         if (!mEditor.isSelected(mEditor.getDocument()[element].id))
-                             mEditor.select({mEditor.getDocument()[element].id});
-                         remove();
-                     }});
+    items.push_back({"Delete", "Del", [this] { remove(); }});
 }
 
 void Window::addSpanItems(std::vector<panorama::MenuItem>& items, Vector2f place, int span, double time) {

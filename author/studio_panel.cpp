@@ -296,16 +296,18 @@ bool Panel::applyTo(const Entry& entry, const std::string& text) {
     return true;
 }
 
-// Up and Down in a field: times by a hundredth, values too.
+// Up and Down in a field, which keeps the keys: times by a hundredth, values too.
 void Panel::nudge(size_t field, int step) {
     if (field >= mEntries.size())
         return;
     const Entry entry = mEntries[field];
     const bool whole = entry.attribute == "repeat" || entry.attribute == "beats" || entry.attribute == "bpm";
     const double by = (whole ? 1.0 : 0.01) * step;
-    applyTo(entry, formatNumber(parseNumber(entry.value).value_or(0) + by));
+    if (const std::optional<double> number = parseNumber(entry.value))
+        applyTo(entry, formatNumber(*number + by));
     mVersion = 0;
     update();
+    mFields[field]->edit();
 }
 
 // Layout and input

@@ -410,8 +410,7 @@ void Timeline::draw() {
     drawNow(paint);
     if (mDrag == Drag::BOX) {
         paint.clip(axis);
-        const Box2 box(std::min(mPress.x, mMouse.x), std::min(mPress.y, mMouse.y),
-                       std::max(mPress.x, mMouse.x), std::max(mPress.y, mMouse.y));
+        const Box2 box = getDraggedBox();
         paint.box(box, Vector4f(1, 1, 1, 0.08f));
         paint.frame(box, Vector4f(1, 1, 1, 0.5f));
     }

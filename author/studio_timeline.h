@@ -122,7 +122,6 @@ private:
     Vector2f mPress;
     Place mPressed;
     double mPressTime = 0;
-    double mPressScroll = 0;
     float mPressRows = 0;
     bool mStretch = false;
     bool mSelectOnRelease = false;    // the press was on something selected: a click selects it alone
@@ -156,7 +155,10 @@ private:
     void release(const panorama::Event& event);
     void move(const panorama::Event& event);
     void wheel(const panorama::Event& event);
-    void doubleClick(const panorama::Event& event);
+    bool doubleClick(const panorama::Event& event);
+    double getPressedValue(bool held);
+    Vector2f getPress() const;
+    Box2 getDraggedBox() const;
     void startDrag();
     void dragSelection(const panorama::Event& event);
     void dragBox();

@@ -20,8 +20,9 @@ bool Timeline::acceptEvents(Event& event) {
 }
 
 int Timeline::handleEvent(Event& event) {
-    if (event.type == "reset") {
+    if (event.type == "reset") { // the mouse may be elsewhere now
         mHover = Place();
+        mMouse = Vector2f(-1, -1);
         return 0;
     }
     if (event.isKey())
@@ -63,7 +64,6 @@ void Timeline::press(const Event& event) {
 void Timeline::pressPlace(const Event& event) {
     mPress = event.mousePos;
     mPressTime = toTime(mPress.x);
-    mPressScroll = mScrollTime;
     mPressRows = mScrollRows;
     mPressed = find(mPress);
     if (event.button == display::MOUSE_MIDDLE) {
@@ -76,10 +76,8 @@ void Timeline::pressPlace(const Event& event) {
     }
     if (event.button != display::MOUSE_LEFT)
         return;
-    if (event.doubleClick) {
-        doubleClick(event);
+    if (event.doubleClick && doubleClick(event))
         return;
-    }
     switch (mPressed.part) {
     case Place::RULER:
         mDrag = event.shift() ? Drag::LOOP : Drag::SEEK;
@@ -105,19 +103,16 @@ void Timeline::pressPlace(const Event& event) {
     }
 }
 
+// What is said in the menu of an element is about the selection. A menu on a name is for the beginning of its
+// span.
 void Timeline::pressRight(const Event& event) {
-    // In a lane only a curve's own menu is wanted. A menu on a name is for the beginning of its span.
-    const bool element = mPressed.element > 0 &&
-                         (mPressed.part != Place::LANE || mRows[size_t(mPressed.row)].type == Row::CURVE);
     if (mPressed.part == Place::LABEL || mPressed.part == Place::FOLD)
         mPressTime = getDocument().getStart(mPressed.element);
-    if (element && !mEditor.isSelected(getDocument()[mPressed.element].id))
+    if (mPressed.element > 0 && !mEditor.isSelected(getDocument()[mPressed.element].id))
         mEditor.select({getDocument()[mPressed.element].id});
-    double value = 0;
-    if (mPressed.row >= 0 && mRows[size_t(mPressed.row)].type == Row::CURVE)
-        value = toValue(mPressed.row, getRange(mRows[size_t(mPressed.row)].element), mPress.y);
-    if (mOnMenu)
-        mOnMenu(mPress, mPressed.element, makeSnap(event.alt())(mPressTime), value);
+    const bool curve = mPressed.element > 0 && getDocument()[mPressed.element].kind == Kind::SPLINE;
+    mOnMenu(mPress, mPressed.element, makeSnap(event.alt())(mPressTime),
+            curve ? getPressedValue(event.alt()) : 0);
 }
 
 void Timeline::pressElement(const Event& event) {
@@ -150,26 +145,44 @@ void Timeline::pressElement(const Event& event) {
     mDrag = Drag::PRESSED;
 }
 
-void Timeline::doubleClick(const Event& event) {
-    const Document& document = getDocument();
+// Whether it means anything there. If not, it is one more press.
+bool Timeline::doubleClick(const Event& event) {
     const Place& place = mPressed;
+    const Kind kind = place.element > 0 ? getDocument()[place.element].kind : Kind::ROOT;
     if (place.part == Place::RULER) {
         seekLine(makeSnap(false)(mPressTime));
         mShow.setPlaying(true);
-        return;
-    }
-    if (place.part == Place::LABEL && mOnRename)
+    } else if (place.part == Place::LABEL) {
         mOnRename(place.element);
-    if (place.element > 0 && document[place.element].kind == Kind::SPAN && place.part >= Place::BODY &&
-        place.part <= Place::RIGHT)
+    } else if (kind == Kind::SPAN && place.part >= Place::BODY && place.part <= Place::RIGHT) {
         setOpen(place.element, !isOpen(place.element));
-    if (place.part == Place::LANE && place.row >= 0 && mRows[size_t(place.row)].type == Row::CURVE) {
-        const double time = makeSnap(event.alt())(mPressTime) - document.getOrigin(place.element);
-        const Range range = getRange(place.element);
-        mDragValues = {mEditor.evaluate(place.element, time)}; // on the curve, if it is near
-        mEditor.addKey(place.element, time,
-                       snapValue(place.row, range, toValue(place.row, range, mPress.y), event.alt()));
+    } else if (kind == Kind::SPLINE && place.part == Place::LANE) {
+        const double time = makeSnap(event.alt())(mPressTime) - getDocument().getOrigin(place.element);
+        mEditor.addKey(place.element, time, getPressedValue(event.alt()));
+    } else {
+        return false;
     }
+    return true;
+}
+
+// The value at the press in a curve's row. It snaps to the curve too.
+double Timeline::getPressedValue(bool held) {
+    const int spline = mPressed.element;
+    const double time = makeSnap(held)(mPressTime) - getDocument().getOrigin(spline);
+    const Range range = getRange(spline);
+    mDragValues = {mEditor.evaluate(spline, time)};
+    return snapValue(mPressed.row, range, toValue(mPressed.row, range, mPress.y), held);
+}
+
+// Where the press is now: the wheel moves the view in a drag too.
+Vector2f Timeline::getPress() const {
+    return Vector2f(toX(mPressTime), mPress.y + mPressRows - mScrollRows);
+}
+
+Box2 Timeline::getDraggedBox() const {
+    const Vector2f press = getPress();
+    return Box2(std::min(press.x, mMouse.x), std::min(press.y, mMouse.y), std::max(press.x, mMouse.x),
+                std::max(press.y, mMouse.y));
 }
 
 // A press becomes a drag: what it snaps to is found once.
@@ -206,7 +219,7 @@ void Timeline::startDrag() {
 }
 
 void Timeline::dragSelection(const Event& event) {
-    const double wanted = double(mMouse.x - mPress.x) / mScale + (mScrollTime - mPressScroll);
+    const double wanted = toTime(mMouse.x) - mPressTime;
     double seconds = makeSnap(event.alt()).shift(wanted, mDragEdges);
     if (mDrag == Drag::LEFT || mDrag == Drag::RIGHT) {
         const Editor::Edge edge = mDrag == Drag::LEFT ? Editor::Edge::LEFT : Editor::Edge::RIGHT;
@@ -218,10 +231,10 @@ void Timeline::dragSelection(const Event& event) {
         double value = 0;
         if (mDragRange && mPressed.row >= 0) {
             value = mDragValue + toValue(mPressed.row, *mDragRange, mMouse.y) -
-                    toValue(mPressed.row, *mDragRange, mPress.y);
+                    toValue(mPressed.row, *mDragRange, getPress().y);
             value = snapValue(mPressed.row, *mDragRange, value, event.alt()) - mDragValue;
             if (event.shift()) { // along one axis
-                if (std::fabs(mMouse.x - mPress.x) > std::fabs(mMouse.y - mPress.y))
+                if (std::fabs(mMouse.x - getPress().x) > std::fabs(mMouse.y - getPress().y))
                     value = 0;
                 else
                     seconds = 0;
@@ -258,8 +271,7 @@ std::string Timeline::describeTime(double time) const {
 // Everything that a box touches is selected: bars, keys and triggers.
 void Timeline::dragBox() {
     const Document& document = getDocument();
-    const Box2 box(std::min(mPress.x, mMouse.x), std::min(mPress.y, mMouse.y), std::max(mPress.x, mMouse.x),
-                   std::max(mPress.y, mMouse.y));
+    const Box2 box = getDraggedBox();
     std::vector<uint32_t> ids = mBoxBefore;
     const auto touch = [&](int element) {
         const Box2 own = getElementBox(element);
@@ -315,7 +327,7 @@ void Timeline::move(const Event& event) {
         break;
     }
     case Drag::PAN:
-        mScrollTime = mPressScroll - double(dx) / mScale;
+        mScrollTime += mPressTime - toTime(mMouse.x);
         mScrollRows = mPressRows - dy;
         clampView();
         break;

@@ -260,6 +260,8 @@ void Window::followDocument() {
         return;
     mPlayedVersion = mEditor.getDocument().getVersion();
     mShow.setDocument(mEditor.getDocument());
+    if (mOverlay->isOpen() && !mOverlay->isDialog())
+        mOverlay->close(); // a menu is of elements that may be gone
 }
 
 // Files

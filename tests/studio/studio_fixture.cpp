@@ -1,5 +1,6 @@
 #include "studio_fixture.h"
 
+#include <cmath>
 #include <filesystem>
 
 namespace zentrak::test {
@@ -102,8 +103,25 @@ void StudioTest::moveTo(Vector2f place) {
 void StudioTest::click(Vector2f place, int button) {
     moveTo(place + Vector2f(1, 1));
     moveTo(place);
-    viewer().buttonDown(button);
-    viewer().buttonUp(button);
+    viewer().click(button);
+    frame();
+}
+
+void StudioTest::doubleClick(Vector2f place) {
+    moveTo(place + Vector2f(1, 1));
+    moveTo(place);
+    EXPECT_EQ(runCommand("timeout 60 xdotool click --repeat 2 --delay 5 1").first, 0);
+    frame();
+}
+
+Vector2f StudioTest::onRuler(double time) {
+    return Vector2f(std::floor(timeline().toX(time)), timeline().getAxis().y1 - 10);
+}
+
+void StudioTest::showBars() {
+    window();
+    timeline().mScale = 20;
+    timeline().mScrollTime = 0;
     frame();
 }
 

@@ -50,8 +50,11 @@ protected:
     void moveTo(mathbase::Vector2f place);
     void click(mathbase::Vector2f place, int button = 1);
     void click(const std::string& name); // its bar, key or trigger
+    void doubleClick(mathbase::Vector2f place);
     void drag(mathbase::Vector2f from, float dx, float dy, const std::string& held = "");
     mathbase::Vector2f middle(int element);
+    mathbase::Vector2f onRuler(double time); // below the flags of the bookmarks
+    void showBars(); // 20 pixels a second from 0 on: the grid's step is a bar of two seconds
     void choose(const std::string& label); // a row of the menu, or a button of the question
     void key(const std::string& name) { viewer().key(name); }
     Picture picture(); // what the window shows
