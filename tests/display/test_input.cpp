@@ -103,8 +103,11 @@ TEST_F(Input, BlockedStopsItFromReachingOlderListenersAndDrawingReachesAll) {
     EXPECT_EQ((Log{"second key 65", "second char 97", "second keyup 65", "second charup 97"}),
               heard("second charup 97"));
     viewer.click(3);
+    viewer.moveTo(110, 130);
     viewer.wheel(1);
     viewer.until("the wheel", [&] { return second.wheels.size() == 1; });
+    EXPECT_FALSE(second.moves.empty());
+    EXPECT_TRUE(first.moves.empty());
     EXPECT_TRUE(first.keys.empty());
     EXPECT_TRUE(first.buttons.empty());
     EXPECT_TRUE(first.wheels.empty());

@@ -93,6 +93,9 @@ TEST_F(KubTest, ItsLifeMatchesTheReferencePictures) {
     const int frame = Kub::currentFrame();
     at(12.0f, -0.05f, 0.25f);
     EXPECT_EQ(Kub::currentFrame(), frame);
+    at(11.0f, -1.0f, 0.25f);
+    at(12.0f, 1.0f, 0.25f);
+    EXPECT_EQ(Kub::currentFrame(), frame);
 
     at(25, 13, 0.5f);
     EXPECT_TRUE(matchesReference("kub_whole", at(40, 15, 0.8f)));

@@ -1,5 +1,6 @@
 // The triggers and splines that effects list are those that they handle, and those in the catalogue and the
 // docs.
+#include "clear.h"
 #include "effect_names.h"
 #include "effect_test.h"
 
@@ -125,6 +126,10 @@ TEST(EffectNames, AreSorted) {
     EXPECT_TRUE(std::is_sorted(
         effectNames().begin(), effectNames().end(),
         [](const EffectNames& a, const EffectNames& b) { return std::string(a.name) < b.name; }));
+}
+
+TEST_F(CatalogueTest, ClearFadesUntilATriggerSaysOtherwise) {
+    EXPECT_EQ(dynamic_cast<Clear&>(*make("clear")).type, "gradient");
 }
 
 TEST_F(CatalogueTest, EachTypeOfClearAndOverlayHasAPictureOfItsOwn) {

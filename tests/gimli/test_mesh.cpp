@@ -223,8 +223,10 @@ TEST_F(GimliTest, ASubmeshWithTrianglesButNoIndicesTakesNothing) {
     gimli::Mesh mesh(&display());
     mesh.load(static_cast<const o3d::Mesh*>(&source), 1);
     ASSERT_EQ(mesh.mSubmeshes.size(), 3u);
-    EXPECT_EQ(mesh.mSubmeshes[2].mIndexCount, 0);
-    EXPECT_EQ(mesh.mSubmeshes[2].mMode, 0);
+    const auto& nothingToDraw = mesh.mSubmeshes[2];
+    for (const int value : {nothingToDraw.mIndexCount, nothingToDraw.mFirstIndex, nothingToDraw.mFirstVertex,
+                            nothingToDraw.mVertexCount, int(nothingToDraw.mMode)})
+        EXPECT_EQ(value, 0);
     EXPECT_EQ(mesh.mIBO.getSize(), 6);
     const test::Picture nothing = draw([] {});
     EXPECT_EQ(test::comparePictures(draw([&] { mesh.drawSubmesh(2); }), nothing).mean, 0);

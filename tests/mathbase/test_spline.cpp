@@ -53,9 +53,12 @@ TEST(Spline, ModeNames) {
 }
 
 TEST(Spline, EmptyEvaluatesToZero) {
-    const Spline spline;
-    EXPECT_EQ(0.0f, spline.evaluate(1));
-    EXPECT_EQ(-3, spline.mCurrent);
+    for (const int mode : {0, 1, 2}) {
+        Spline spline;
+        spline.mMode = mode;
+        EXPECT_EQ(0.0f, spline.evaluate(1)) << mode;
+        EXPECT_EQ(-3, spline.mCurrent);
+    }
 }
 
 TEST(Spline, OneKeyEvaluatesToItsValueAtAllTimes) {
