@@ -71,19 +71,24 @@ bool isReadable(const xml::XmlTag& tag) {
     });
 }
 
+void replaceDoubleQuotes(xml::XmlTag& tag) {
+    for (xml::XmlTag::Argument& argument : tag.arguments)
+        std::replace(argument.value.begin(), argument.value.end(), '"', '\'');
+}
+
 // The writer escapes nothing: it puts values between double quotes, and those of a declaration between none.
 // Changes values that would end early and continue as elements; leaves out what could not be read again.
-void makeWritable(xml::XmlNode& root) {
-    std::vector<xml::XmlNode*> nodes{&root};
+void makeWritable(xml::XmlParser& document) {
+    replaceDoubleQuotes(document.header);
+    std::vector<xml::XmlNode*> nodes{&document};
     while (!nodes.empty()) {
         xml::XmlNode* const node = nodes.back();
         nodes.pop_back();
-        for (xml::XmlTag::Argument& argument : node->arguments) {
-            if (node->type == xml::XmlTag::Text)
+        if (node->type == xml::XmlTag::Text)
+            for (xml::XmlTag::Argument& argument : node->arguments)
                 unquote(argument.value);
-            else if (node->type != xml::XmlTag::Comment)
-                std::replace(argument.value.begin(), argument.value.end(), '"', '\'');
-        }
+        else if (node->type != xml::XmlTag::Comment)
+            replaceDoubleQuotes(*node);
         const std::vector<xml::XmlNode*> children = node->children;
         for (xml::XmlNode* const child : children) {
             if (isReadable(*child))

@@ -581,6 +581,18 @@ TEST_F(SetupFile, WhatCouldNotBeReadAgainIsNotSaved) {
     }
 }
 
+TEST_F(SetupFile, QuotesInTheHeaderCanBeReadAgain) {
+    write("setup.local.xml", "<?xml version='the \"first\"' =\"'\"?><demo><time start=\"7\"/></demo>");
+    for (int i = 0; i < 3; ++i) {
+        Kindler kindler;
+        kindler.setup();
+        EXPECT_EQ(kindler.mStartTime, 7);
+        kindler.saveXml();
+        EXPECT_EQ(read("setup.local.xml"), "<?xml version=\"the 'first'\" =\"'\"?>\n\n<demo>\n<time "
+                                           "start=\"7.00\" loop=\"off\"/>\n</demo>\n");
+    }
+}
+
 TEST_F(SetupFile, CommentsAndTextStayAsTheyAreHoweverOftenTheyAreSaved) {
     write("setup.local.xml", "<demo>\n<!-- \"so\" -->\nstray 'text'\n<time start=\"0\"/>\n</demo>");
     for (int i = 0; i < 3; ++i) {
