@@ -181,7 +181,7 @@ void Viewer::buttonUp(int button) {
 }
 
 void Viewer::click(int button) {
-    tool("click " + std::to_string(button));
+    tool("click --delay 2 " + std::to_string(button)); // it would wait for 100 ms after it
 }
 
 void Viewer::wheel(int steps) {
