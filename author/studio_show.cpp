@@ -53,22 +53,22 @@ public:
     std::unique_ptr<kindler::Effect> mEffect; // null: could not be made
     std::set<std::string> mFiles;
     std::string mFailure; // of the running effect: it is left out while there is one
-    std::string mBroken;  // of one that could not replace it
+    std::string mRefused; // of one that could not replace it
+    std::map<std::string, std::string>
+        mBroken; // files that can't be used: while there are any, none replaces it
 
     Slot(Show& show, const kindler::CatalogueEntry& entry) : mShow(show), mEntry(entry), mName(entry.name) {}
 
     // Whether a file that has changed can be used. To try the effect itself would cost the running one the
     // state that it shares with its successor.
-    bool check(const std::string& name) {
-        mBroken.clear();
+    void check(const std::string& name) {
+        mBroken.erase(name);
         try {
             checkFile(name);
         } catch (const std::exception& exception) {
-            mBroken = exception.what();
-            if (mBroken.find(name) == std::string::npos)
-                mBroken = name + ": " + mBroken;
+            const std::string text = exception.what();
+            mBroken[name] = text.find(name) == std::string::npos ? name + ": " + text : text;
         }
-        return mBroken.empty();
     }
 
     // A new effect in place of the old one, which stays where that fails, with the render targets that it has
@@ -78,15 +78,15 @@ public:
         std::unique_ptr<kindler::Effect> effect = mEntry.make(mShow.mCommon);
         effect->mDisplay = mShow.mKindler.mDisplay;
         effect->mName = mName;
-        mBroken.clear();
+        mRefused.clear();
         record([&] {
             try {
                 effect->setup();
             } catch (const std::exception& exception) {
-                mBroken = exception.what();
+                mRefused = exception.what();
             }
         });
-        if (mBroken.empty()) {
+        if (mRefused.empty()) {
             mEffect = std::move(effect);
             mFailure.clear();
         } else {
@@ -340,6 +340,8 @@ double Show::getLength() const {
 
 // By the driver's own key: clock and music stop and go on together.
 void Show::setPlaying(bool on) {
+    if (mReplaying)
+        mReplaying->plays = on;
     if (on == isPlaying())
         return;
     if (on && mTime >= getLength())
@@ -357,12 +359,19 @@ void Show::setMuted(bool on) {
 }
 
 void Show::seek(double time) {
+    const bool plays = isPlaying();
+    mReplaying.reset();
+    goTo(time);
+    if (mTime < getLength())
+        setPlaying(plays);
+    if (mReplay)
+        startReplay();
+}
+
+void Show::goTo(double time) {
     mKindler.setTime(float(std::max(0.0, time)));
     mKindler.getTime();
     mTime = double(mKindler.mRawTime);
-    mReplaying.reset();
-    if (mReplay)
-        startReplay();
 }
 
 void Show::startReplay() {
@@ -372,9 +381,10 @@ void Show::startReplay() {
             from = std::min(from, double(span->mStart));
     if (mTime - from < REPLAY_STEP)
         return;
+    const bool plays = isPlaying();
     setPlaying(false);
     rewind(nullptr);
-    mReplaying = Replay{std::max(0.0, from), mTime, std::max(0.0, from), glfw2::glfwGetTime()};
+    mReplaying = Replay{std::max(0.0, from), mTime, std::max(0.0, from), glfw2::glfwGetTime(), plays};
     mKindler.mScript.mPreviousTime = float(mReplaying->from);
 }
 
@@ -407,30 +417,33 @@ void Show::advanceReplay() {
         if (unseen)
             GL_CALL(glDisable(GL_RASTERIZER_DISCARD));
     }
-    const double reached = replay.to;
-    if (replay.position >= replay.to)
-        mReplaying.reset();
+    const Replay reached = replay;
     glfw2::glfwSetTime(now);
-    mKindler.setTime(float(reached));
+    mKindler.setTime(float(reached.to));
     mKindler.getTime();
+    if (reached.position < reached.to)
+        return;
+    mReplaying.reset();
+    setPlaying(reached.plays);
 }
 
 void Show::update() {
     mDecoding = mWave.decode(WAVE_SLICE);
-    if (isPlaying() && hasSound() && !mKindler.mMusic.mStream->isPlaying()) {
-        mKindler.getTime();
-        const double last = getLength();
-        setPlaying(false); // the music is over
-        mKindler.setTime(float(last));
-    }
     mKindler.getTime();
     mTime = double(mKindler.mRawTime);
-    if (isPlaying() && !hasSound() && mTime >= getLength()) {
+    if (!isPlaying() || mReplaying)
+        return;
+    const double length = getLength();
+    const bool over = hasSound() ? !mKindler.mMusic.mStream->isPlaying() : mTime >= length;
+    const bool loops = mLoop && mLoop->second > mLoop->first && mLoop->first < length;
+    if (over)
         setPlaying(false);
-        seek(getLength());
-    }
-    if (isPlaying() && mLoop && mTime >= mLoop->second && mLoop->second > mLoop->first)
+    if (loops && (over || mTime >= mLoop->second)) {
         seek(mLoop->first);
+        setPlaying(true);
+    } else if (over) {
+        goTo(length);
+    }
 }
 
 // Drawing
@@ -524,10 +537,13 @@ void Show::reload(const std::vector<std::string>& names) {
             images.removeImage(name);
     for (auto& entry : mSlots) {
         Slot& slot = *entry.second;
-        const auto reads = [&](const std::string& file) { return slot.mFiles.contains(file); };
-        const auto isFine = [&](const std::string& file) { return !reads(file) || slot.check(file); };
-        if (std::none_of(names.begin(), names.end(), reads) ||
-            !std::all_of(names.begin(), names.end(), isFine))
+        bool reads = false;
+        for (const std::string& name : names)
+            if (slot.mFiles.contains(name)) {
+                reads = true;
+                slot.check(name);
+            }
+        if (!reads || !slot.mBroken.empty())
             continue;
         slot.make();
         rewind(&entry.first);
@@ -540,10 +556,11 @@ std::vector<Show::Failure> Show::getFailures() const {
         if (i != mEdited && !mOthers[i].failure.empty())
             failures.push_back({mKindler.mScripts[i], mOthers[i].failure});
     for (const auto& [name, slot] : mSlots) {
-        if (!slot->mBroken.empty())
-            failures.push_back({"effect " + name, slot->mBroken});
-        if (!slot->mFailure.empty())
-            failures.push_back({"effect " + name, slot->mFailure});
+        for (const auto& [file, text] : slot->mBroken)
+            failures.push_back({"effect " + name, text});
+        for (const std::string& text : {slot->mRefused, slot->mFailure})
+            if (!text.empty())
+                failures.push_back({"effect " + name, text});
     }
     return failures;
 }

@@ -60,7 +60,7 @@ public:
     // Time, in seconds of the show.
     double getTime() const { return mTime; }
     double getLength() const; // of the music, or without any of the script
-    bool isPlaying() const { return !mKindler.mPaused; }
+    bool isPlaying() const { return mReplaying ? mReplaying->plays : !mKindler.mPaused; }
     void setPlaying(bool on);
     void seek(double time); // sound and all
     bool isMuted() const { return mKindler.mMuted; }
@@ -94,6 +94,7 @@ private:
     class Slot;
     struct Replay {
         double from, to, position, base;
+        bool plays; // the show, when it is done
     };
     // The driver, which leaves its scripts to the show.
     class Driver : public kindler::Kindler {
@@ -130,6 +131,7 @@ private:
     std::optional<Replay> mReplaying;
 
     bool hasSound() const { return !mKindler.mNoSound && mKindler.mMusic.mStream; }
+    void goTo(double time);
     void startReplay();
     void advanceReplay();
     void playEngine(double time);

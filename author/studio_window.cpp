@@ -158,7 +158,7 @@ void Window::onDraw() {
     if (getMessage().empty())
         mMessage.clear();
     const double start = seconds();
-    if (mPreview && !mPreview->isShown())
+    if (mPreview && (!mPreview->isShown() || mOverlay->isOpen())) // a question is asked in the studio
         togglePreview();
     pollFiles();
     layout();
@@ -294,19 +294,49 @@ void Window::openScript(size_t script) {
         waitForScript();
 }
 
-// Goes on with another text than the file's, as a step that can be undone.
-void Window::startFrom(const std::string& text, const std::string& label) {
+// Another text, as a step that can be undone. Returns whether it can be read, and says so if not.
+bool Window::replace(const std::string& text, const std::string& label) {
     try {
         mEditor.replace(text, label);
     } catch (const Exception& exception) {
-        say(std::string("It can't be read: ") + exception.what());
-        return;
+        mOverlay->openDialog("It can't be read", {exception.what(), "Nothing is lost: its file stays."},
+                             {{"Close", [this] {
+                                   if (mWaiting)
+                                       waitForScript();
+                               }}});
+        return false;
     }
+    mScriptError.clear();
+    return true;
+}
+
+// Goes on with another text than the file's.
+bool Window::startFrom(const std::string& text, const std::string& label) {
+    if (!replace(text, label))
+        return false;
     if (mWaiting) // a save replaces the broken file, which becomes the backup
         mEditor.setSavedText(mFile->read().value_or(""));
     mWaiting = false;
-    mScriptError.clear();
     say("Ctrl+S saves it as " + mFile->getName());
+    return true;
+}
+
+void Window::restore(const std::string& orphan) {
+    if (!startFrom(orphan, "Restore"))
+        return;
+    keepUnsaved();
+    mFile->dropOrphan();
+    offerRecovery();
+}
+
+void Window::loadFromDisk(const std::string& text) {
+    if (replace(text, "Load"))
+        setSaved(text);
+}
+
+void Window::setSaved(const std::string& text) {
+    mEditor.setSavedText(text);
+    mKeptVersion = 0; // the next frame keeps or drops what is unsaved
 }
 
 // A script that can't be read when it is opened: asks what to do, until it is mended.
@@ -315,11 +345,7 @@ void Window::waitForScript() {
     const std::optional<std::string> orphan = mFile->takeOrphan(), backup = mFile->readBackup();
     std::vector<panorama::DialogButton> buttons;
     if (orphan)
-        buttons.push_back({"Unsaved work", [this, orphan] {
-                               startFrom(*orphan, "Restore");
-                               keepUnsaved();
-                               mFile->dropOrphan();
-                           }});
+        buttons.push_back({"Unsaved work", [this, orphan] { restore(*orphan); }});
     if (backup)
         buttons.push_back({"Backup", [this, backup] { startFrom(*backup, "Open the backup"); }});
     buttons.push_back({"Leave", [this] { quit(); }});
@@ -344,13 +370,7 @@ void Window::offerRecovery() {
     mOverlay->openDialog("There is work that was not saved",
                          {"The studio ended before " + mFile->getName() + " was saved.",
                           "Restoring is one step that can be undone. Later, the next start asks again."},
-                         {{"Restore",
-                           [this, orphan] {
-                               startFrom(*orphan, "Restore");
-                               keepUnsaved();
-                               mFile->dropOrphan();
-                               offerRecovery();
-                           }},
+                         {{"Restore", [this, orphan] { restore(*orphan); }},
                           {"Throw away",
                            [this] {
                                mFile->dropOrphan();
@@ -410,15 +430,15 @@ bool Window::write(bool overwrite) {
                                }},
                               {"Load theirs",
                                [this] {
-                                   if (const std::optional<std::string> theirs = mFile->read()) {
-                                       mEditor.replace(*theirs, "Load");
-                                       mEditor.setSavedText(*theirs);
-                                   }
+                                   if (const std::optional<std::string> theirs = mFile->read())
+                                       loadFromDisk(*theirs);
                                }},
                               {"Cancel", nullptr}});
         return false;
     case ScriptFile::Saved::FAILED:
-        mOverlay->openDialog("It could not be saved", {mFile->getPath() + " is as it was."},
+        mOverlay->openDialog(mFile->getName() + " could not be saved",
+                             {"The file is as it was, and the work is still here.",
+                              "The disk may be full, or the folder read-only."},
                              {{"Close", nullptr}});
         return false;
     }
@@ -449,6 +469,11 @@ bool Window::pollFiles() {
 
 void Window::checkScript() {
     const std::optional<std::string> text = mFile->read();
+    if (!text && !mWaiting) {
+        mGone = mEditor.getSavedText();
+        setSaved("");
+        say(mFile->getName() + " is gone: Ctrl+S writes it again");
+    }
     if (!text || *text == mEditor.getSavedText()) {
         mScriptError.clear();
         return;
@@ -467,12 +492,13 @@ void Window::checkScript() {
         return;
     }
     mScriptError.clear();
+    const bool same = mEditor.isSaved() || mGone == mEditor.getDocument().getText();
+    mGone.reset();
     if (*text == mEditor.getDocument().getText()) {
-        mEditor.setSavedText(*text);
-    } else if (mEditor.isSaved()) {
+        setSaved(*text);
+    } else if (same) {
         mTimeline->cancelDrag();
-        mEditor.replace(*text, "Load");
-        mEditor.setSavedText(*text);
+        loadFromDisk(*text);
         say(mFile->getName() + " has changed on disk, and is loaded");
     } else {
         askAboutDisk(*text);
@@ -485,12 +511,8 @@ void Window::askAboutDisk(const std::string& text) {
         mFile->getName() + " has changed on disk",
         {"There is unsaved work here. Loaded, theirs takes its place; undo brings yours back.",
          "Kept, yours overwrites theirs at the next save."},
-        {{"Load theirs",
-          [this, text] {
-              mEditor.replace(text, "Load");
-              mEditor.setSavedText(text);
-          }},
-         {"Keep mine", [this, text] { mEditor.setSavedText(text); }}});
+        {{"Load theirs", [this, text] { loadFromDisk(text); }},
+         {"Keep mine", [this, text] { setSaved(text); }}});
 }
 
 void Window::checkFile(const std::string& name) {

@@ -157,6 +157,7 @@ private:
     size_t mFrames = 0;
     bool mResting = false;
     std::string mScriptError;
+    std::optional<std::string> mGone; // what the script on disk was before it was removed
     std::map<std::string, std::string> mFileErrors;
 
     static const std::vector<Command>& getCommands();
@@ -170,7 +171,11 @@ private:
     void drawErrors();
     void showTitle();
     void openScript(size_t script);
-    void startFrom(const std::string& text, const std::string& label);
+    bool replace(const std::string& text, const std::string& label);
+    bool startFrom(const std::string& text, const std::string& label);
+    void restore(const std::string& orphan);
+    void loadFromDisk(const std::string& text);
+    void setSaved(const std::string& text);
     void waitForScript();
     void offerRecovery();
     void keepUnsaved();

@@ -157,6 +157,16 @@ void StudioTest::choose(const std::string& label) {
     click(Vector2f((box.x1 + box.x2) / 2, (box.y1 + box.y2) / 2));
 }
 
+void StudioTest::leaveBy(const std::string& label) {
+    until(label, [&] { return overlay().getBox(label).getWidth() > 0; });
+    const Box2 box = overlay().getBox(label);
+    moveTo(Vector2f((box.x1 + box.x2) / 2, (box.y1 + box.y2) / 2));
+    bool left = false;
+    Viewer watching("", [&] { left = left || !show().getDisplay().update(); });
+    viewer().click(1);
+    watching.until("the end", [&] { return left; });
+}
+
 Picture StudioTest::picture() {
     frame();
     const std::string path = mDir.file(".grab.png");

@@ -55,7 +55,8 @@ protected:
     mathbase::Vector2f middle(int element);
     mathbase::Vector2f onRuler(double time); // below the flags of the bookmarks
     void showBars(); // 20 pixels a second from 0 on: the grid's step is a bar of two seconds
-    void choose(const std::string& label); // a row of the menu, or a button of the question
+    void choose(const std::string& label);  // a row of the menu, or a button of the question
+    void leaveBy(const std::string& label); // likewise; the studio ends
     void key(const std::string& name) { viewer().key(name); }
     Picture picture(); // what the window shows
 
