@@ -76,7 +76,8 @@ std::optional<std::string> ScriptFile::readBackup() const {
 
 ScriptFile::Saved ScriptFile::save(const std::string& text, const std::string& known, bool overwrite) {
     const std::optional<std::string> there = read();
-    if (there && *there != known && !overwrite)
+    const bool blank = !there || there->find_first_not_of(" \t\r\n") == std::string::npos;
+    if (!blank && *there != known && !overwrite)
         return Saved::CHANGED_ON_DISK;
     if (there && *there != text && !write(mName + BACKUP, *there))
         return Saved::FAILED;

@@ -31,7 +31,8 @@ public:
 
     std::optional<std::string> read() const; // none if it can't be read
     std::optional<std::string> readBackup() const;
-    // Writes the file, unless something else than `known` is there and `overwrite` is not set.
+    // Writes the file, unless it is there with another text than `known`, which is not blank, and `overwrite`
+    // is not set.
     Saved save(const std::string& text, const std::string& known, bool overwrite);
 
     // Keeps the work of this studio. The kernel has it when this returns, so that a killed process loses

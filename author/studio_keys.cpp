@@ -224,7 +224,14 @@ void Window::paste() {
         say("Nothing was copied");
         return;
     }
-    mEditor.paste(mTimeline->makeSnap(false)(mShow.getTime()));
+    pasteAt(mTimeline->makeSnap(false)(mShow.getTime()));
+}
+
+void Window::pasteAt(double time) {
+    const size_t before = mEditor.getUndoCount();
+    mEditor.paste(time);
+    if (mEditor.getUndoCount() == before)
+        say("Select the span or the curve that it goes into");
     revealSelection();
 }
 
@@ -353,7 +360,7 @@ void Window::openMenu(Vector2f place, int element, double time, double value) {
             items.push_back({});
         items.push_back({"Effect here...", "A", [this, place, time] { openEffectMenu(place, 0, time); }});
         items.push_back({"Section here", "G", [this, element, time] { insertSection(element, time); }});
-        items.push_back({"Paste here", "Ctrl+V", [this, time] { mEditor.paste(time); }, mEditor.canPaste()});
+        items.push_back({"Paste here", "Ctrl+V", [this, time] { pasteAt(time); }, mEditor.canPaste()});
     }
     items.push_back({"Play from here", "P", [this, time] {
                          mTimeline->seekLine(time);

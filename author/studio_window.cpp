@@ -7,6 +7,7 @@
 #include "ztk_system.h"
 
 #include <GL/glew.h>
+#include <algorithm>
 #include <chrono>
 #include <fstream>
 #include <iterator>
@@ -277,9 +278,7 @@ void Window::openScript(size_t script) {
     const std::optional<std::string> text = mFile->read();
     if (!text) {
         say(mFile->getName() + " does not exist yet: Ctrl+S makes it");
-    } else if (text->find_first_not_of(" \t\r\n") == std::string::npos) {
-        mEditor.setSavedText(*text);
-    } else {
+    } else if (text->find_first_not_of(" \t\r\n") != std::string::npos) {
         try {
             mEditor.open(*text);
         } catch (const Exception& exception) {
@@ -450,7 +449,8 @@ bool Window::pollFiles() {
     if (!mWatching || seconds() - mLastPoll < POLL)
         return false;
     mLastPoll = seconds();
-    std::vector<std::string> changed = mWatch.poll();
+    const std::vector<std::string> changed = mWatch.poll();
+    const std::vector<std::string>& scripts = mShow.getScripts();
     if (changed.empty())
         return false;
     bool any = false; // of what the player's editor may be made of
@@ -458,8 +458,8 @@ bool Window::pollFiles() {
         any = any || name.ends_with(".xml");
         if (name == mFile->getName() || "./" + name == mFile->getPath() || name == mFile->getPath())
             checkScript();
-        else if (name.ends_with(".xml"))
-            checkFile(name);
+        else if (name.ends_with(".xml") && std::find(scripts.begin(), scripts.end(), name) == scripts.end())
+            checkFile(name); // the show reports its scripts
     }
     mShow.reload(changed);
     if (mPreview && any)

@@ -197,6 +197,7 @@ private:
     void openTriggerMenu(Vector2f place, int span, double time);
     void openCurveMenu(Vector2f place, int span);
     void revealSelection();
+    void pasteAt(double time);
     void insertSection(int element, double time);
     void insertBookmark(double time);
     void followDocument();

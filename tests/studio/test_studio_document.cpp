@@ -166,15 +166,18 @@ TEST(Document, LineEndsOfAnElementAreThoseOfTheFile) {
 }
 
 TEST(Document, NumbersAreWrittenAsAPersonDoes) {
-    for (const auto& [number, text] : std::vector<std::pair<double, std::string>>{{0, "0"},
-                                                                                  {-0.00001, "0"},
-                                                                                  {15.2381, "15.2381"},
-                                                                                  {15.238095, "15.2381"},
-                                                                                  {10, "10"},
-                                                                                  {100, "100"},
-                                                                                  {-1.5, "-1.5"},
-                                                                                  {double(0.1f), "0.1"},
-                                                                                  {double(ENDLESS), "0"}})
+    for (const auto& [number, text] :
+         std::vector<std::pair<double, std::string>>{{0, "0"},
+                                                     {-0.00001, "0"},
+                                                     {15.2381, "15.2381"},
+                                                     {15.238095, "15.2381"},
+                                                     {10, "10"},
+                                                     {100, "100"},
+                                                     {-1.5, "-1.5"},
+                                                     {double(0.1f), "0.1"},
+                                                     {1e300, "1000000000000000"},
+                                                     {-1e300, "-1000000000000000"},
+                                                     {double(ENDLESS), "0"}})
         EXPECT_EQ(studio::formatNumber(number), text);
     EXPECT_EQ(studio::parseNumber(" 1,5 "), 1.5);
     EXPECT_EQ(studio::parseNumber("+2"), 2);

@@ -265,6 +265,29 @@ TEST_F(EditorTest, TheOrderOfDrawingChangesByOnePlace) {
     EXPECT_GT(index("overlay"), index("waxon"));
 }
 
+TEST_F(EditorTest, OnlySpansAndSectionsHaveAnOrderOfDrawing) {
+    select("which");
+    editor.reorder(1);
+    editor.select({at("waxon").id, at("overlay").id}); // nor do two at once
+    editor.reorder(1);
+    select("overlay"); // the last one
+    editor.reorder(1);
+    EXPECT_EQ(text(), SCRIPT);
+    EXPECT_EQ(editor.getUndoCount(), 0u);
+}
+
+TEST_F(EditorTest, WhatIsSelectedTwiceCountsOnce) {
+    const uint32_t waxon = at("waxon").id, overlay = at("overlay").id;
+    editor.select({waxon, overlay, waxon});
+    EXPECT_EQ(editor.getSelection(), (std::vector<uint32_t>{waxon, overlay}));
+    editor.toggle(waxon);
+    EXPECT_EQ(editor.getSelection(), std::vector<uint32_t>{overlay});
+    editor.toggle(waxon);
+    EXPECT_EQ(editor.getSelection(), (std::vector<uint32_t>{overlay, waxon}));
+    editor.toggle(overlay + 1000); // which is nowhere
+    EXPECT_EQ(editor.getSelection().size(), 2u);
+}
+
 TEST_F(EditorTest, SpansAreTurnedOffAndOnTogether) {
     editor.select({at("waxon").id, at("overlay").id});
     editor.toggleEnabled();

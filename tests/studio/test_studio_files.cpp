@@ -39,6 +39,8 @@ TEST(ScriptFile, WhatChangedOnDiskIsNotOverwrittenUnlessAsked) {
     EXPECT_EQ(file.read(), "another's");
     EXPECT_EQ(file.save("mine", "as I read it", true), ScriptFile::Saved::YES);
     EXPECT_EQ(readFile(dir.file("script.xml.bak")), "another's");
+    writeFile(dir.file("script.xml"), " \n"); // nothing to lose
+    EXPECT_EQ(file.save("mine again", "as I read it", false), ScriptFile::Saved::YES);
 }
 
 TEST(ScriptFile, AFailureLeavesTheFileAlone) {

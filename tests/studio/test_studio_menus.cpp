@@ -176,6 +176,12 @@ TEST_F(StudioTest, TriggersAreAddedFromTheirMenu) {
     EXPECT_EQ(overlay().getBox("Rename").getWidth() > 0, true);
     choose("Duplicate");
     EXPECT_EQ(at("expand", 1).start, 0);
+    key("ctrl+c");
+    key("Escape");
+    key("ctrl+v");
+    until("the refusal",
+          [&] { return window().getMessage() == "Select the span or the curve that it goes into"; });
+    EXPECT_EQ(editor().getUndoLabel(), "Duplicate");
 }
 
 TEST_F(StudioTest, CurvesAreAddedAndChangedFromTheirMenu) {
@@ -402,4 +408,61 @@ TEST_F(StudioTest, ThePanelsNumbersStepAndItsListsChoose) {
     until("the other field", [&] { return window().getPanel().findField("End")->hasKeys(); });
     EXPECT_EQ(at("border").start, 12.01f);
     EXPECT_EQ(at("grid").start, 4);
+}
+
+TEST_F(StudioTest, TheBarsSwitchesWork) {
+    showBars();
+    const auto press = [&](const std::string& label) {
+        const Box2 box = window().getBar().getBox(label);
+        click(Vector2f(std::floor((box.x1 + box.x2) / 2), std::floor((box.y1 + box.y2) / 2)));
+    };
+    press("Mute");
+    EXPECT_TRUE(show().isMuted());
+    press("Follow");
+    EXPECT_FALSE(timeline().mFollow);
+    press("Snap");
+    EXPECT_FALSE(timeline().mSnapping);
+    press("Loop");
+    EXPECT_TRUE(show().getLoop());
+    press("Play");
+    EXPECT_TRUE(show().isPlaying());
+    press("Pause");
+    EXPECT_FALSE(show().isPlaying());
+    editor().select({at("overlay").id});
+    editor().move(1, 0);
+    press("Save");
+    EXPECT_EQ(script(), editor().getDocument().getText());
+    press("Help");
+    EXPECT_TRUE(overlay().isOpen());
+    key("Escape");
+    until("no help", [&] { return !overlay().isOpen(); });
+}
+
+TEST_F(StudioTest, ReturnUnfoldsAndAAddsToTheSpanOfWhatIsSelected) {
+    showBars();
+    editor().select({at("Opening").id, at("overlay").id});
+    key("Return");
+    until("unfolded", [&] { return timeline().isOpen(element("overlay")); });
+    EXPECT_FALSE(timeline().isOpen(element("Opening")));
+    key("Return");
+    until("folded", [&] { return !timeline().isOpen(element("overlay")); });
+    EXPECT_TRUE(timeline().isOpen(element("Opening")));
+    timeline().setOpen(element("grid"), true);
+    frame();
+    click(middle(element("alpha") + 1)); // a key
+    key("a");
+    until("the menu", [&] { return overlay().isOpen(); });
+    EXPECT_EQ(overlay().getTitle(), "Add to grid");
+    key("Escape");
+}
+
+TEST_F(StudioTest, CtrlSInAFieldSavesWhatIsTyped) {
+    window();
+    click("overlay");
+    window().getPanel().editField("Start");
+    viewer().type("12.5");
+    key("ctrl+s");
+    until("the file", [&] { return script() != mScript; });
+    EXPECT_NE(script().find("start=\"12.5\""), std::string::npos);
+    EXPECT_FALSE(window().getPanel().hasKeys());
 }

@@ -369,3 +369,54 @@ TEST_F(StudioTest, OfManyProblemsTheFirstAreShown) {
     EXPECT_EQ(window().getErrors()[0].substr(0, 13), "script.xml:9:");
     EXPECT_GT(int(picture().at(640, 20)[0]), 0);
 }
+
+TEST_F(StudioTest, AnEffectThatIsBrokenAtTheStartIsMadeOnceItIsMended) {
+    copyFolder("tunnel");
+    const std::string good = readFile(dir().file("tunnel/tunnel.frag"));
+    writeFile(dir().file("tunnel/tunnel.frag"), "nonsense");
+    mScript.replace(mScript.find("name=\"grid\""), 11, "name=\"tunnel\"");
+    window();
+    show().seek(9);
+    frame();
+    ASSERT_FALSE(window().getErrors().empty());
+    EXPECT_EQ(window().getErrors()[0].substr(0, 14), "effect tunnel:");
+    const Picture without = picture();
+    writeFile(dir().file("tunnel/tunnel.frag"), good);
+    until("no error", [&] { return window().getErrors().empty(); });
+    EXPECT_GT(comparePictures(without, picture()).changed, 0.1);
+}
+
+TEST_F(StudioTest, AnotherScriptThatIsMissingIsNamed) {
+    writeFile(dir().file("setup.xml"),
+              "<demo><display width=\"1280\" height=\"800\"/><script filename=\"ground.xml\"/>"
+              "<script filename=\"script.xml\"/><music mute=\"nosound\"/></demo>");
+    window();
+    const std::vector<std::string> missing = {"ground.xml: It is not there"};
+    EXPECT_EQ(window().getErrors(), missing);
+    writeFile(dir().file("ground.xml"), "<nothing></nothing>");
+    until("the other error", [&] { return window().getErrors() != missing; });
+    EXPECT_EQ(window().getErrors(), std::vector<std::string>{"ground.xml: The player refuses it"});
+    writeFile(dir().file("ground.xml"), "<script>");
+    until("a third", [&] { return window().getErrors()[0].find("refuses") == std::string::npos; });
+    EXPECT_EQ(window().getErrors().size(), 1u);
+    writeFile(dir().file("ground.xml"), mScript);
+    until("no error", [&] { return window().getErrors().empty(); });
+}
+
+TEST_F(StudioTest, ABlankScriptIsOneToBeginWith) {
+    writeFile(dir().file("script.xml"), " \n");
+    window();
+    EXPECT_FALSE(overlay().isOpen());
+    editor().addSpan(0, "clear", 0, 4);
+    key("ctrl+s");
+    until("the file", [&] { return script() == editor().getDocument().getText(); });
+    EXPECT_EQ(readFile(dir().file("script.xml.bak")), " \n");
+}
+
+TEST(Show, ASetupFileWithoutAScriptIsRefused) {
+    const TempDir dir;
+    const WorkingDir here(dir.path());
+    writeFile(dir.file("setup.xml"), "<demo><display width=\"64\" height=\"64\"/></demo>");
+    studio::Show show;
+    EXPECT_THROW(show.setup(), Exception);
+}
