@@ -261,8 +261,6 @@ void Window::followDocument() {
         return;
     mPlayedVersion = mEditor.getDocument().getVersion();
     mShow.setDocument(mEditor.getDocument());
-    if (mOverlay->isOpen() && !mOverlay->isDialog())
-        mOverlay->close(); // a menu is of elements that may be gone
 }
 
 // Files
@@ -329,6 +327,8 @@ void Window::restore(const std::string& orphan) {
 }
 
 void Window::loadFromDisk(const std::string& text) {
+    if (!mOverlay->isDialog())
+        mOverlay->close(); // a menu is of elements that may be gone
     if (replace(text, "Load"))
         setSaved(text);
 }

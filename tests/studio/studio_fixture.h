@@ -69,6 +69,8 @@ protected:
         const std::function<void()>& meanwhile = [] {});
 
 private:
+    void press(mathbase::Vector2f place, const std::string& then);
+
     TempDir mDir;
     std::unique_ptr<WorkingDir> mHere;
     std::unique_ptr<studio::Show> mShow;

@@ -246,6 +246,17 @@ TEST_F(StudioTest, AMenuClosesWhenTheScriptChangesBeneathIt) {
     EXPECT_FALSE(overlay().isOpen());
 }
 
+TEST_F(StudioTest, ARightClickAfterTypingOpensTheMenu) {
+    showBars();
+    click("overlay");
+    window().getPanel().editField("Start");
+    viewer().type("12.5");
+    click(middle(element("grid")), 3); // which takes over what was typed
+    EXPECT_EQ(at("overlay").start, 12.5f);
+    frame();
+    EXPECT_TRUE(overlay().isOpen());
+}
+
 TEST_F(StudioTest, TheKeysPlayLoopZoomAndGoThroughBookmarks) {
     mScript = "<script>\n\t<tempo bpm=\"120\" beats=\"4\" start=\"0\"/>\n"
               "\t<bookmark name=\"one\" time=\"2\"/>\n\t<bookmark name=\"two\" time=\"10\"/>\n"
