@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <dirent.h>
 #include <fcntl.h>
+#include <filesystem>
 #include <memory>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -76,6 +77,9 @@ std::optional<std::string> ScriptFile::readBackup() const {
 
 ScriptFile::Saved ScriptFile::save(const std::string& text, const std::string& known, bool overwrite) {
     const std::optional<std::string> there = read();
+    std::error_code none;
+    if (!there && std::filesystem::exists(getPath(), none))
+        return Saved::FAILED; // what can't be read can't be kept as the backup
     const bool blank = !there || there->find_first_not_of(" \t\r\n") == std::string::npos;
     if (!blank && *there != known && !overwrite)
         return Saved::CHANGED_ON_DISK;

@@ -32,7 +32,7 @@ public:
     std::optional<std::string> read() const; // none if it can't be read
     std::optional<std::string> readBackup() const;
     // Writes the file, unless it is there with another text than `known`, which is not blank, and `overwrite`
-    // is not set.
+    // is not set. A file that is there but can't be read stays as it is.
     Saved save(const std::string& text, const std::string& known, bool overwrite);
 
     // Keeps the work of this studio. The kernel has it when this returns, so that a killed process loses

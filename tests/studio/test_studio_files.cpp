@@ -52,6 +52,18 @@ TEST(ScriptFile, AFailureLeavesTheFileAlone) {
     EXPECT_EQ(file.read(), "one");
 }
 
+TEST(ScriptFile, AFileThatCannotBeReadIsNotReplaced) {
+    const TempDir dir;
+    const std::string path = dir.file("script.xml");
+    writeFile(path, "one");
+    std::filesystem::resize_file(path, (1u << 30) + 1); // longer than what is read; takes no space
+    ScriptFile file(dir.path(), "script.xml");
+    ASSERT_FALSE(file.read());
+    for (const bool overwrite : {false, true})
+        EXPECT_EQ(file.save("two", "", overwrite), ScriptFile::Saved::FAILED);
+    EXPECT_EQ(std::filesystem::file_size(path), (1u << 30) + 1);
+}
+
 TEST(ScriptFile, UnsavedWorkIsKeptBesideTheScriptForTheNextStudio) {
     const TempDir dir;
     {
