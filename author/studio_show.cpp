@@ -492,12 +492,18 @@ void Show::draw(const mathbase::Box2& box) {
     blit(box);
 }
 
+bool Show::isStill() const {
+    const std::chrono::duration<double> same = std::chrono::steady_clock::now() - mChanged;
+    return same.count() >= STILL && !isPlaying() && !mReplaying && !mDecoding;
+}
+
 void Show::comparePicture() {
     const int width = mTarget->getWidth(), height = mTarget->getHeight();
     std::vector<unsigned char> pixels(size_t(width) * size_t(height) * 3);
     GL_CALL(glPixelStorei(GL_PACK_ALIGNMENT, 1));
     GL_CALL(glReadPixels(0, 0, width, height, GL_RGB, GL_UNSIGNED_BYTE, pixels.data()));
-    mSameFrames = pixels == mPixels ? mSameFrames + 1 : 0;
+    if (pixels != mPixels)
+        mChanged = std::chrono::steady_clock::now();
     mPixels.swap(pixels);
 }
 

@@ -8,6 +8,7 @@
 #include "studio_document.h"
 #include "studio_wave.h"
 
+#include <chrono>
 #include <functional>
 #include <map>
 #include <memory>
@@ -22,7 +23,7 @@ namespace zentrak::studio {
 // All belongs to the main thread. An effect that throws is left out until something changes.
 class Show {
 public:
-    static constexpr int STILL = 120; // frames with the same picture: two seconds, for particles that are due
+    static constexpr double STILL = 2; // seconds with the same picture, for particles that are due
 
     // Something that does not work, for the author to mend.
     struct Failure {
@@ -81,7 +82,7 @@ public:
     void draw(const mathbase::Box2& box);
     // The last frames had the same picture, and with no change from outside the next one will too. Some
     // effects move on while the show is paused.
-    bool isStill() const { return mSameFrames >= STILL && !isPlaying() && !mReplaying && !mDecoding; }
+    bool isStill() const;
 
     // Reloads all effects and scripts that have read one of these files. One that fails stays as it was, and
     // is reported as a failure until it is mended.
@@ -122,9 +123,9 @@ private:
     display::Texture* mPicture = nullptr; // mTarget's
     display::Batch mBatch;
     Wave mWave;
-    bool mDecoding = true;              // the wave
-    std::vector<unsigned char> mPixels; // of the last picture, while the show is paused
-    int mSameFrames = 0;
+    bool mDecoding = true;                          // the wave
+    std::vector<unsigned char> mPixels;             // of the last picture, while the show is paused
+    std::chrono::steady_clock::time_point mChanged; // the picture, last
     double mTime = 0;
     std::optional<std::pair<double, double>> mLoop;
     bool mReplay = false;
